@@ -1,0 +1,16 @@
+# What every target of ours is compiled with.
+add_library(zrl_options INTERFACE)
+target_compile_options(zrl_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_include_directories(zrl_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+if(ZRL_SANITIZE)
+  target_compile_options(zrl_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                               -fno-omit-frame-pointer)
+  target_link_options(zrl_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# zrl_precompile(TARGET HEADER...) precompiles the headers that most files of a target include.
+# ccache needs to be told to look through them (script/build sets CCACHE_SLOPPINESS).
+function(zrl_precompile target)
+  target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
+  target_precompile_headers(${target} PRIVATE ${ARGN})
+endfunction()
