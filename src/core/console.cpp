@@ -1,0 +1,80 @@
+#include "core/console.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "core/error.h"
+#include "core/form.h"
+
+namespace zrl {
+
+namespace {
+
+// The text of the exception that is being handled.
+std::string current_error() {
+  try {
+    throw;
+  } catch (const std::exception& error) {
+    return error.what();
+  } catch (...) {
+    return "unknown error";
+  }
+}
+
+}  // namespace
+
+Console::Console(std::filesystem::path folder, Host& host, Clock clock)
+    : folder_(std::move(folder)),
+      host_(host),
+      clock_(std::move(clock)),
+      settings_(*this),
+      localisation_(*this) {}
+
+bool Console::attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
+                      const std::function<void()>& action) {
+  try {
+    action();
+  } catch (...) {
+    activity_.failed(kind, text, current_error(), seconds());
+    return false;
+  }
+  if (step == Step::write) activity_.succeeded(kind, text, seconds());
+  return true;
+}
+
+void Console::record_escaped(std::string_view where) {
+  activity_.failed(ActivityRecord::Kind::component, where, current_error(), seconds());
+}
+
+void Console::end_action() {
+  if (--action_depth_ > 0) return;
+  const auto unsettled = std::move(unsettled_);
+  unsettled_.clear();
+  for (const std::weak_ptr<Connection>& held : unsettled) {
+    const ConnectionHandle conn = held.lock();
+    if (!conn) continue;
+    attempt(ActivityRecord::Kind::component, "settle", Step::read, [&] { conn->settle(); });
+  }
+}
+
+void Console::wrote_to(const ConnectionHandle& conn) {
+  if (!unsettled_.empty() && unsettled_.back().lock() == conn) return;
+  unsettled_.push_back(conn);
+}
+
+void Console::show(std::shared_ptr<Form> dialog) {
+  dialog->set_open(true);
+  dialogs_.push_back(dialog);
+  host_.show(*dialog);
+}
+
+const std::vector<std::shared_ptr<Form>>& Console::dialogs() {
+  std::erase_if(dialogs_, [](const std::shared_ptr<Form>& dialog) { return !dialog->is_open(); });
+  return dialogs_;
+}
+
+std::int64_t Console::seconds() const {
+  return std::chrono::duration_cast<std::chrono::seconds>(clock_().time_since_epoch()).count();
+}
+
+}  // namespace zrl

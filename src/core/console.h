@@ -1,0 +1,79 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/activity.h"
+#include "core/components.h"
+#include "core/database.h"
+#include "core/host.h"
+#include "core/localisation.h"
+#include "core/settings.h"
+
+namespace zrl {
+
+class Form;
+
+// The name that texts give the product, whatever the product key.
+inline constexpr std::string_view product_name = "Mirvan";
+
+// The process-wide state of one console: everything that pages share. One thread uses it. Tests
+// and hosts make as many consoles as they like; nothing is global.
+class Console {
+ public:
+  using Clock = std::function<std::chrono::system_clock::time_point()>;
+
+  // `folder` is the console's own folder. The host must outlive the console.
+  Console(std::filesystem::path folder, Host& host, Clock clock = std::chrono::system_clock::now);
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
+
+  const std::filesystem::path& folder() const { return folder_; }
+  Host& host() { return host_; }
+  ComponentRegistry& components() { return components_; }
+  Settings& settings() { return settings_; }
+  Localisation& localisation() { return localisation_; }
+  ActivityRecord& activity() { return activity_; }
+  std::chrono::system_clock::time_point now() const { return clock_(); }
+
+  // Runs one step. It never throws and tells whether the step worked. A step that failed is
+  // recorded with its error; one that worked is recorded if it is a `write`.
+  enum class Step { read, write };
+  bool attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
+               const std::function<void()>& action);
+
+  // Records what escaped from a handler; called while the exception is being handled.
+  void record_escaped(std::string_view where);
+
+  // The user's actions nest when a handler lets pending events run. When the outermost one ends,
+  // the connections that it wrote to are settled.
+  void begin_action() { ++action_depth_; }
+  void end_action();
+  void wrote_to(const ConnectionHandle& conn);
+
+  // Opens the dialog, shows it, and keeps it alive until it is closed.
+  void show(std::shared_ptr<Form> dialog);
+  // The dialogs that are open, in the order of their opening. Closed ones are dropped.
+  const std::vector<std::shared_ptr<Form>>& dialogs();
+
+ private:
+  std::int64_t seconds() const;
+
+  std::filesystem::path folder_;
+  Host& host_;
+  Clock clock_;
+  ActivityRecord activity_;
+  ComponentRegistry components_;
+  Settings settings_;
+  Localisation localisation_;
+  std::vector<std::weak_ptr<Connection>> unsettled_;
+  std::vector<std::shared_ptr<Form>> dialogs_;
+  int action_depth_ = 0;
+};
+
+}  // namespace zrl

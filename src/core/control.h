@@ -1,0 +1,138 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "core/string_list.h"
+
+namespace zrl {
+
+class Form;
+class Frame;
+
+enum class ControlKind : std::uint8_t {
+  frame,
+  label,
+  text_field,
+  check_box,
+  option_button,
+  button,
+  list_box,
+  combo_box,
+  timer,
+  scroll_bar,
+  drive_list,
+  folder_list,
+  file_list,
+};
+
+// "Frame", "TextField", ... as hosts print it.
+std::string_view name_of(ControlKind kind);
+
+enum class Property : std::uint8_t {
+  caption,
+  tool_tip,
+  text,
+  value,
+  items,
+  index,
+  interval,
+  min,
+  max,
+  enabled,
+  visible,
+};
+inline constexpr std::size_t property_count = 11;
+
+// "caption", "toolTip", ... as hosts print it.
+std::string_view name_of(Property property);
+
+// The properties of a kind, in the order in which hosts print them.
+std::span<const Property> properties_of(ControlKind kind);
+
+using PropertyValue = std::variant<bool, std::int64_t, std::string_view, const StringList*>;
+
+// A count that grows with every change on a form.
+using Revision = std::uint64_t;
+
+// What the user tried cannot be done: the control is disabled, hidden, or of another kind, or has
+// no such item.
+class Refused : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// A control of a form. It belongs to the form from construction on, in the order of construction,
+// and must not outlive it. Not copyable: handlers and layouts refer to it.
+//
+// The functions named user_... are what hosts call for the user's acts: they raise Refused when
+// the act is not possible, change the control, and run the control's event. All other functions
+// are for the program; they raise no event but for the `change` of a text field.
+class Control {
+ public:
+  Control(Form& form, ControlKind kind, std::string_view name);
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+  virtual ~Control() = default;
+
+  const std::string& name() const { return name_; }
+  ControlKind kind() const { return kind_; }
+  Form& form() const { return form_; }
+
+  bool has(Property property) const;
+  // Raises error 438 if the control has not this property.
+  PropertyValue get(Property property) const;
+  // For the texts `caption` and `tool_tip`; raises error 438 as get() does.
+  void set(Property property, std::string_view text);
+
+  const std::string& tool_tip() const { return tool_tip_; }
+  void set_tool_tip(std::string_view text);
+  bool enabled() const { return enabled_; }
+  void set_enabled(bool enabled);
+  bool visible() const { return visible_; }
+  void set_visible(bool visible);
+
+  // The form's revision at which the property, or any property, was last changed.
+  Revision revision(Property property) const { return revisions_[static_cast<std::size_t>(property)]; }
+  Revision revision() const { return newest_; }
+
+  // The frame that the form's layout puts the control into, or null.
+  Frame* container() const { return container_; }
+  void set_container(Frame* frame) { container_ = frame; }
+
+  // Enabled and visible, and so are the frames around it.
+  bool usable() const;
+
+  virtual void user_click();
+  virtual void user_type(std::string_view text);
+  virtual void user_choose(std::int64_t index);
+  virtual void user_scroll(std::int64_t value);
+  virtual void user_tick();
+
+ protected:
+  void changed(Property property);
+  void require_usable() const;
+  [[noreturn]] void refuse(std::string_view why) const;
+  // The properties that only some kinds have; called for none but those of properties_of(kind()).
+  virtual PropertyValue own(Property property) const;
+
+  std::string caption_;
+
+ private:
+  Form& form_;
+  std::string name_;
+  std::string tool_tip_;
+  Frame* container_ = nullptr;
+  std::array<Revision, property_count> revisions_{};
+  Revision newest_ = 0;
+  ControlKind kind_;
+  bool enabled_ = true;
+  bool visible_ = true;
+};
+
+}  // namespace zrl

@@ -1,0 +1,250 @@
+#include "core/controls.h"
+
+#include <algorithm>
+
+#include "core/error.h"
+#include "core/form.h"
+
+namespace zrl {
+
+namespace {
+
+[[noreturn]] void invalid_value(const Control& control) {
+  throw Error(error_number::invalid_property_value, "Invalid property value: " + control.name());
+}
+
+}  // namespace
+
+CaptionedControl::CaptionedControl(Form& form, ControlKind kind, std::string_view name,
+                                   std::string_view caption, std::string_view tool_tip)
+    : Control(form, kind, name) {
+  caption_ = caption;
+  set_tool_tip(tool_tip);
+}
+
+TextField::TextField(Form& form, std::string_view name, std::string_view tool_tip, const Style& style)
+    : Control(form, ControlKind::text_field, name), style_(style) {
+  set_tool_tip(tool_tip);
+}
+
+void TextField::set_text(std::string_view text) {
+  if (text_ == text) return;
+  text_ = text;
+  changed(Property::text);
+  form().run(on_change);
+}
+
+void TextField::user_type(std::string_view text) {
+  require_usable();
+  set_text(text);
+}
+
+PropertyValue TextField::own(Property) const {
+  return std::string_view(text_);
+}
+
+void CheckBox::set_checked(bool checked) {
+  if (checked_ == checked) return;
+  checked_ = checked;
+  changed(Property::value);
+}
+
+void CheckBox::set_value(std::int16_t value) {
+  if (value != 0 && value != 1) invalid_value(*this);
+  set_checked(value == 1);
+}
+
+void CheckBox::user_click() {
+  require_usable();
+  set_checked(!checked_);
+  form().run(on_click);
+}
+
+PropertyValue CheckBox::own(Property) const {
+  return std::int64_t{value()};
+}
+
+void OptionButton::choose() {
+  if (chosen_) return;
+  for (Control* other : form().controls()) {
+    if (other->kind() != ControlKind::option_button || other->container() != container()) continue;
+    auto& choice = static_cast<OptionButton&>(*other);
+    if (!choice.chosen_) continue;
+    choice.chosen_ = false;
+    choice.changed(Property::value);
+  }
+  chosen_ = true;
+  changed(Property::value);
+}
+
+void OptionButton::user_click() {
+  require_usable();
+  choose();
+  form().run(on_click);
+}
+
+PropertyValue OptionButton::own(Property) const {
+  return std::int64_t{chosen_ ? 1 : 0};
+}
+
+void Button::user_click() {
+  require_usable();
+  form().run(on_click);
+}
+
+ItemsControl::ItemsControl(Form& form, ControlKind kind, std::string_view name, std::string_view tool_tip)
+    : Control(form, kind, name) {
+  set_tool_tip(tool_tip);
+}
+
+std::string_view ItemsControl::chosen() const {
+  return index_ < 0 ? std::string_view() : items_[static_cast<std::size_t>(index_)];
+}
+
+PropertyValue ItemsControl::own(Property property) const {
+  if (property == Property::index) return index_;
+  return &items_;
+}
+
+void ItemsControl::put_items(StringList items) {
+  const bool both_empty = items_.empty() && items.empty();
+  items_ = std::move(items);
+  if (!both_empty) changed(Property::items);
+  put_index(-1);
+}
+
+void ItemsControl::put_index(std::int64_t index) {
+  if (index_ == index) return;
+  index_ = index;
+  changed(Property::index);
+}
+
+void ItemsControl::append(std::string_view item) {
+  items_.push_back(item);
+  changed(Property::items);
+}
+
+void ItemsControl::require_item(std::int64_t index) const {
+  require_usable();
+  if (index < 0 || static_cast<std::size_t>(index) >= items_.size()) {
+    refuse("has no item " + std::to_string(index));
+  }
+}
+
+void ListBox::set_index(std::int64_t index) {
+  if (index < -1 || index >= static_cast<std::int64_t>(items().size())) invalid_value(*this);
+  put_index(index);
+}
+
+void ListBox::click_item(std::int64_t index) {
+  set_index(index);
+  form().run(on_click);
+}
+
+void ListBox::user_choose(std::int64_t index) {
+  require_item(index);
+  put_index(index);
+  form().run(on_click);
+}
+
+ComboBox::ComboBox(Form& form, std::string_view name, std::string_view tool_tip, const Style& style)
+    : ItemsControl(form, ControlKind::combo_box, name, tool_tip), style_(style) {}
+
+void ComboBox::set_text(std::string_view text) {
+  put_text(text);
+  const std::size_t found = items().find(text);
+  put_index(found == items().size() ? -1 : static_cast<std::int64_t>(found));
+}
+
+void ComboBox::user_type(std::string_view text) {
+  require_usable();
+  if (!style_.editable) {
+    const std::size_t found = items().find(text);
+    if (found == items().size()) refuse("has no item with this text");
+    user_choose(static_cast<std::int64_t>(found));
+    return;
+  }
+  if (text == text_) return;
+  set_text(text);
+  form().run(on_change);
+}
+
+void ComboBox::user_choose(std::int64_t index) {
+  require_item(index);
+  put_index(index);
+  put_text(std::string(chosen()));
+  form().run(on_click);
+}
+
+PropertyValue ComboBox::own(Property property) const {
+  if (property == Property::text) return std::string_view(text_);
+  return ItemsControl::own(property);
+}
+
+void ComboBox::put_text(std::string_view text) {
+  if (text_ == text) return;
+  text_ = text;
+  changed(Property::text);
+}
+
+Timer::Timer(Form& form, std::string_view name, std::int64_t interval_ms, bool enabled)
+    : Control(form, ControlKind::timer, name), interval_(interval_ms) {
+  set_enabled(enabled);
+}
+
+void Timer::set_interval(std::int64_t interval_ms) {
+  if (interval_ms < 0 || interval_ms > 65535) invalid_value(*this);
+  if (interval_ == interval_ms) return;
+  interval_ = interval_ms;
+  changed(Property::interval);
+}
+
+void Timer::user_tick() {
+  require_usable();
+  form().run(on_tick);
+}
+
+PropertyValue Timer::own(Property) const {
+  return interval_;
+}
+
+ScrollBar::ScrollBar(Form& form, std::string_view name, std::string_view tool_tip)
+    : Control(form, ControlKind::scroll_bar, name) {
+  set_tool_tip(tool_tip);
+}
+
+void ScrollBar::set_value(std::int64_t value) {
+  if (value < min_ || value > max_) invalid_value(*this);
+  if (value_ == value) return;
+  value_ = value;
+  changed(Property::value);
+}
+
+void ScrollBar::set_range(std::int64_t min, std::int64_t max) {
+  if (max < min) invalid_value(*this);
+  if (min_ != min) {
+    min_ = min;
+    changed(Property::min);
+  }
+  if (max_ != max) {
+    max_ = max;
+    changed(Property::max);
+  }
+  set_value(std::clamp(value_, min_, max_));
+}
+
+void ScrollBar::user_scroll(std::int64_t value) {
+  require_usable();
+  if (value < min_ || value > max_) refuse("has no position " + std::to_string(value));
+  if (value == value_) return;
+  set_value(value);
+  form().run(on_change);
+}
+
+PropertyValue ScrollBar::own(Property property) const {
+  if (property == Property::min) return min_;
+  if (property == Property::max) return max_;
+  return value_;
+}
+
+}  // namespace zrl

@@ -1,0 +1,191 @@
+#include "core/database_client.h"
+
+#include "core/error.h"
+
+namespace zrl {
+
+namespace {
+
+using Kind = ActivityRecord::Kind;
+using Step = Console::Step;
+
+std::string words(std::initializer_list<std::string_view> parts) {
+  std::string result;
+  for (const std::string_view part : parts) {
+    if (!result.empty()) result += ' ';
+    result += part;
+  }
+  return result;
+}
+
+std::string assignment(std::string_view operation, std::string_view key, std::string_view value) {
+  std::string result = words({operation, key});
+  return result.append("=").append(value);
+}
+
+}  // namespace
+
+bool DatabaseClient::connect_database(std::string_view box_title) {
+  const std::string provider = console_.settings().regread(console_.settings().data_provider_path());
+  std::string problem;
+  const bool opened = attempt_read(Kind::component, words({"open_database", provider}), [&] {
+    try {
+      database = console_.components().create<Database>();
+      conn = database->open_database(provider);
+    } catch (const Error& error) {
+      problem = std::to_string(error.number()) + ": " + error.what();
+      throw;
+    }
+  });
+  if (!opened) {
+    show_error("Connection to database could not be etablished: \r\n" + problem, box_title);
+  }
+  return opened;
+}
+
+void DatabaseClient::drop_database() {
+  database.reset();
+  conn.reset();
+}
+
+bool DatabaseClient::execute(const Statement& statement) {
+  return attempt_write(Kind::sql, statement.text(), [&] {
+    if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
+    conn->execute(statement);
+  });
+}
+
+std::optional<OptionValue> DatabaseClient::read_option(std::string_view key) {
+  std::optional<OptionValue> result;
+  attempt_read(Kind::option, words({"read_option", key}),
+               [&] { result = component_or_throw().read_option(key, conn); });
+  return result;
+}
+
+std::optional<OptionValue> DatabaseClient::get_option(std::string_view key) {
+  std::optional<OptionValue> result;
+  attempt_read(Kind::option, words({"get_option", key}),
+               [&] { result = component_or_throw().get_option(key, conn); });
+  return result;
+}
+
+std::optional<std::int16_t> DatabaseClient::read_number(std::string_view key) {
+  std::optional<std::int16_t> result;
+  attempt_read(Kind::option, words({"read_option", key}),
+               [&] { result = component_or_throw().read_option(key, conn).to_int16(); });
+  return result;
+}
+
+std::optional<std::string> DatabaseClient::read_string(std::string_view key) {
+  std::optional<std::string> result;
+  attempt_read(Kind::option, words({"read_string", key}),
+               [&] { result = component_or_throw().read_string(key, conn); });
+  return result;
+}
+
+bool DatabaseClient::set_option(std::string_view key, std::int32_t value) {
+  return attempt_write(Kind::option, assignment("set_option", key, std::to_string(value)),
+                       [&] { component_or_throw().set_option(key, value, conn); });
+}
+
+bool DatabaseClient::set_string(std::string_view key, std::string_view text) {
+  return attempt_write(Kind::option, assignment("set_string", key, text),
+                       [&] { component_or_throw().set_string(key, text, conn); });
+}
+
+std::optional<StringList> DatabaseClient::rows(Literal table, Literal column, const Statement& condition) {
+  std::optional<StringList> result;
+  attempt_read(Kind::component, words({"get_db_array", table.text(), column.text()}), [&] {
+    result = component_or_throw().get_db_array(conn, table, column, condition);
+    if (!result->empty()) result->pop_back();
+  });
+  return result;
+}
+
+std::optional<StringList> DatabaseClient::ordered_rows(Literal table, Literal column,
+                                                       const Statement& condition, Literal order) {
+  std::optional<StringList> result;
+  attempt_read(Kind::component, words({"get_db_array_ordered", table.text(), column.text()}), [&] {
+    result = component_or_throw().get_db_array_ordered(conn, table, column, condition, order);
+  });
+  return result;
+}
+
+std::optional<std::int64_t> DatabaseClient::count_value(const Statement& select) {
+  std::optional<std::int64_t> result;
+  attempt_read(Kind::component, words({"count_value", select.text()}),
+               [&] { result = component_or_throw().count_value(select, conn); });
+  return result;
+}
+
+std::unique_ptr<RecordSet> DatabaseClient::open(const Statement& select, Connection::Access access) {
+  std::unique_ptr<RecordSet> result;
+  attempt_read(Kind::sql, select.text(), [&] {
+    if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
+    result = conn->open(select, access);
+  });
+  return result;
+}
+
+bool DatabaseClient::list_operation(std::string_view name, ListOperation operation, std::string_view entry) {
+  return component_step(words({name, entry}), [&] { (component_or_throw().*operation)(entry, conn); });
+}
+
+bool DatabaseClient::import_file(Literal column, Literal table, std::string_view path) {
+  bool done = false;
+  component_step(words({"import", column.text(), table.text(), path}),
+                 [&] { done = component_or_throw().import_(column, table, path, true); });
+  return done;
+}
+
+bool DatabaseClient::delete_file(Literal column, Literal table, std::string_view path) {
+  bool done = false;
+  component_step(words({"delete", column.text(), table.text(), path}),
+                 [&] { done = component_or_throw().delete_(column, table, path, true); });
+  return done;
+}
+
+bool DatabaseClient::export_file(Literal column, Literal table, std::string_view path, bool overwrite) {
+  bool done = false;
+  component_step(words({"export", column.text(), table.text(), path}),
+                 [&] { done = component_or_throw().export_(column, table, {}, path, overwrite); });
+  return done;
+}
+
+bool DatabaseClient::lcase_table(Literal table, Literal column) {
+  return component_step(words({"lcase_table", table.text(), column.text()}),
+                        [&] { component_or_throw().lcase_table(table, column); });
+}
+
+bool DatabaseClient::create_table(Literal table, Literal columns) {
+  return component_step(words({"CreateTable", table.text(), columns.text()}),
+                        [&] { component_or_throw().CreateTable(conn, table, columns); });
+}
+
+bool DatabaseClient::component_step(std::string_view text, const std::function<void()>& call) {
+  return attempt_write(Kind::component, text, call);
+}
+
+bool DatabaseClient::raise_flag(std::string_view flag) {
+  return console_.settings().regwrite_dword(console_.settings().path_of(flag), 1);
+}
+
+void DatabaseClient::show_error(std::string_view text, std::string_view title) {
+  console_.host().message_box({std::string(title), std::string(text), BoxStyle::critical});
+}
+
+Database& DatabaseClient::component_or_throw() const {
+  if (!database) throw Error(error_number::object_not_set, "no database component");
+  return *database;
+}
+
+bool DatabaseClient::attempt_read(Kind kind, std::string_view text, const std::function<void()>& action) {
+  return console_.attempt(kind, text, Step::read, action);
+}
+
+bool DatabaseClient::attempt_write(Kind kind, std::string_view text, const std::function<void()>& action) {
+  if (conn) console_.wrote_to(conn);
+  return console_.attempt(kind, text, Step::write, action);
+}
+
+}  // namespace zrl

@@ -1,0 +1,82 @@
+#include "core/form.h"
+
+#include "core/console.h"
+#include "core/error.h"
+
+namespace zrl {
+
+namespace {
+
+void put_into(Frame* container, const LayoutNode& node) {
+  if (node.control != nullptr) node.control->set_container(container);
+  Frame* inner = node.kind == LayoutNode::Kind::frame ? static_cast<Frame*>(node.control) : container;
+  for (const LayoutNode& child : node.children) put_into(inner, child);
+}
+
+}  // namespace
+
+LayoutNode column(std::initializer_list<LayoutNode> nodes) {
+  return {LayoutNode::Kind::column, nullptr, nodes};
+}
+
+LayoutNode row(std::initializer_list<LayoutNode> nodes) {
+  return {LayoutNode::Kind::row, nullptr, nodes};
+}
+
+LayoutNode grid(std::initializer_list<LayoutNode> nodes) {
+  return {LayoutNode::Kind::grid, nullptr, nodes};
+}
+
+LayoutNode frame(Frame& title, LayoutNode content) {
+  return {LayoutNode::Kind::frame, &title, {std::move(content)}};
+}
+
+LayoutNode grow(LayoutNode node) {
+  node.grows = true;
+  return node;
+}
+
+Form::Form(Console& console, std::string_view name, std::string_view caption)
+    : console_(console), name_(name), caption_(caption) {}
+
+void Form::set_caption(std::string_view caption) {
+  if (caption_ == caption) return;
+  caption_ = caption;
+  next_revision();
+}
+
+Control& Form::control_at(std::size_t index) const {
+  if (index >= controls_.size()) throw Error(error_number::subscript_out_of_range, "Subscript out of range");
+  return *controls_[index];
+}
+
+Control* Form::find(std::string_view name) const {
+  for (Control* control : controls_) {
+    if (control->name() == name) return control;
+  }
+  return nullptr;
+}
+
+void Form::run(const Event& event) {
+  if (!event) return;
+  console_.begin_action();
+  try {
+    event();
+  } catch (...) {
+    console_.record_escaped(name_);
+  }
+  console_.end_action();
+}
+
+void Form::set_layout(LayoutNode layout) {
+  layout_ = std::move(layout);
+  put_into(nullptr, *layout_);
+  // What names a control lies where that control lies.
+  for (Control* control : controls_) {
+    if (control->kind() != ControlKind::label) continue;
+    const Control* named = static_cast<Label&>(*control).names();
+    if (named != nullptr) control->set_container(named->container());
+  }
+}
+
+}  // namespace zrl

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <initializer_list>
+#include <vector>
+
+namespace zrl {
+
+class Control;
+class Frame;
+
+// How a form is laid out: data that hosts draw.
+//
+//   set_layout(column({headline, frame(Frame1, grid({checkmx, ehlo})), row({Command1, Command2})}));
+//
+// Controls that a label names bring the label along. Timers are not laid out.
+struct LayoutNode {
+  enum class Kind { control, column, row, grid, frame };
+
+  LayoutNode(Control& shown) : kind(Kind::control), control(&shown) {}  // NOLINT(google-explicit-constructor)
+  LayoutNode(Kind node_kind, Control* frame_control, std::vector<LayoutNode> nodes)
+      : kind(node_kind), control(frame_control), children(std::move(nodes)) {}
+
+  Kind kind;
+  Control* control;  // the control, or the frame of a frame node
+  std::vector<LayoutNode> children;
+  bool grows = false;
+};
+
+// One below the other.
+LayoutNode column(std::initializer_list<LayoutNode> nodes);
+// Side by side, wrapping where there is no room.
+LayoutNode row(std::initializer_list<LayoutNode> nodes);
+// In equal columns, as many as fit.
+LayoutNode grid(std::initializer_list<LayoutNode> nodes);
+// A titled group. The controls inside lie in the frame: they are disabled and hidden with it, and
+// option buttons in it exclude each other.
+LayoutNode frame(Frame& title, LayoutNode content);
+// Takes the space that is left.
+LayoutNode grow(LayoutNode node);
+
+}  // namespace zrl

@@ -1,0 +1,84 @@
+#include "core/localisation.h"
+
+#include <filesystem>
+
+#include "core/console.h"
+#include "core/paths.h"
+#include "core/text.h"
+#include "core/translator.h"
+
+namespace zrl {
+
+namespace {
+
+using Kind = ActivityRecord::Kind;
+using Step = Console::Step;
+
+constexpr std::string_view english = "english";
+
+}  // namespace
+
+std::string Localisation::current_language() {
+  if (!language_.empty()) return language_;
+  std::string found = translator_ ? translator_->defaultlanguage() : std::string();
+  if (found.empty()) {
+    const std::filesystem::path path = console_.folder() / "language";
+    std::error_code failure;
+    if (std::filesystem::exists(path, failure)) {
+      console_.attempt(Kind::file, "language", Step::read, [&] { found = lower(trim(read_file(path))); });
+    }
+  }
+  if (found.empty()) found = lower(console_.settings().regread(console_.settings().language_path()));
+  if (!found.empty()) {
+    language_ = found;
+    tell_translator();
+  }
+  return found;
+}
+
+std::string Localisation::translate(std::string_view text, std::string_view language) {
+  if (!language.empty()) {
+    language_ = language;
+    tell_translator();
+    const std::string accepted = translator_ ? translator_->defaultlanguage() : std::string();
+    if (!accepted.empty()) language_ = accepted;
+  }
+  if (!loaded_) create_translator();
+  bool usable = answers();
+  if (!usable) {
+    create_translator();
+    usable = answers();
+  }
+  const std::string wanted = current_language();
+  if (!usable || wanted.empty() || wanted == english) return std::string(text);
+  std::string result(text);
+  console_.attempt(Kind::component, "translate", Step::read,
+                   [&] { result = translator_->translate(text, wanted); });
+  return result;
+}
+
+void Localisation::release_translator() {
+  loaded_ = false;
+  translator_.reset();
+}
+
+void Localisation::create_translator() {
+  translator_.reset();
+  loaded_ = console_.components().has(Translator::program_id) &&
+            console_.attempt(Kind::component, "create mirvan_locale.translate", Step::read,
+                             [&] { translator_ = console_.components().create<Translator>(); });
+}
+
+bool Localisation::answers() {
+  try {
+    return translator_ && translator_->info() >= 0;
+  } catch (const std::exception&) {
+    return false;  // the caller creates it again
+  }
+}
+
+void Localisation::tell_translator() {
+  if (translator_) translator_->set_defaultlanguage(language_);
+}
+
+}  // namespace zrl

@@ -1,0 +1,70 @@
+#include "core/page.h"
+
+#include "core/error.h"
+
+namespace zrl {
+
+void Page::initialise() {
+  run([this] { show(); });
+}
+
+void Page::terminate() {
+  run([this] { hide(); });
+  drop_database();
+}
+
+void Page::show() {
+  translate_controls();
+  connect_database();
+  load();
+}
+
+// Runs one index past the last control, whose reads fail like those of a control without the
+// property; and drops the translator after every control. Both are how pages have always done it.
+void Page::translate_controls() {
+  const auto translate_property = [this](std::size_t index, Property property) {
+    try {
+      Control& control = control_at(index);
+      const auto text = std::get<std::string_view>(control.get(property));
+      if (!text.empty()) control.set(property, translate(text));
+    } catch (const Error&) {  // NOLINT(bugprone-empty-catch)
+    }
+  };
+  for (std::size_t i = 0; i <= controls().size(); ++i) {
+    translate_property(i, Property::caption);
+    translate_property(i, Property::tool_tip);
+    console().localisation().release_translator();
+  }
+}
+
+void Page::bind_switches(std::initializer_list<Switch> switches) {
+  for (const Switch& bound : switches) {
+    switch_keys_.emplace(&bound.box, bound.key);
+    bound.box.on_click = [this, &box = bound.box, key = bound.key] { set_option(key, box.value()); };
+  }
+}
+
+void Page::load_switch(CheckBox& box) {
+  const std::string_view key = switch_keys_.at(&box);
+  const std::optional<std::int16_t> value = read_number(key);
+  if (!value) return;
+  console().attempt(ActivityRecord::Kind::option, key, Console::Step::read, [&] { box.set_value(*value); });
+}
+
+void Page::load_switches(std::initializer_list<CheckBox*> boxes) {
+  for (CheckBox* box : boxes) load_switch(*box);
+}
+
+void Page::fill(ListBox& box, Literal table, Literal column, const Statement& condition) {
+  box.set_items(rows(table, column, condition).value_or(StringList()));
+}
+
+std::string Page::translate(std::string_view text) {
+  return console().localisation().translate(text);
+}
+
+void Page::process_events() {
+  console().host().process_events();
+}
+
+}  // namespace zrl

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <initializer_list>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/database_client.h"
+#include "core/form.h"
+
+namespace zrl {
+
+// A settings page. Hosts create it, call initialise() each time it is shown, pass the user's acts
+// to its controls, and call terminate() when it is left. Nothing is kept between showings.
+//
+// A page class declares its controls, wires and lays them out in its constructor, and implements
+// load(). Its operations are straight sequences of steps.
+class Page : public DatabaseClient, public Form {
+ public:
+  Page(Console& console, std::string_view name, std::string_view caption)
+      : DatabaseClient(console), Form(console, name, caption) {}
+
+  // Runs the show sequence.
+  void initialise();
+  // Drops `database` and `conn`, in that order. Nothing is written back.
+  void terminate();
+
+ protected:
+  // Translate, connect, load: the order of most pages.
+  virtual void show();
+  virtual void load() = 0;
+  // What a page drops besides the two handles.
+  virtual void hide() {}
+
+  void translate_controls();
+
+  // A check box that is an option: load_switches() reads it, its click writes it at once.
+  struct Switch {
+    CheckBox& box;
+    std::string_view key;
+  };
+  void bind_switches(std::initializer_list<Switch> switches);
+  void load_switch(CheckBox& box);
+  void load_switches(std::initializer_list<CheckBox*> boxes);
+
+  // Reads a whole column into a list box; a read that fails leaves the box empty.
+  void fill(ListBox& box, Literal table, Literal column, const Statement& condition = {});
+
+  std::string translate(std::string_view text);
+  void process_events();
+  Settings& settings() { return console().settings(); }
+
+ private:
+  std::map<const CheckBox*, std::string_view> switch_keys_;
+};
+
+}  // namespace zrl

@@ -1,0 +1,94 @@
+#include "core/paths.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "core/error.h"
+
+namespace zrl {
+
+namespace {
+
+[[noreturn]] void fail(const std::filesystem::path& path, int code) {
+  throw Error(code, path.string() + ": " + std::strerror(code));
+}
+
+class File {
+ public:
+  File(const std::filesystem::path& path, int flags) : path_(path), fd_(::open(path.c_str(), flags, 0644)) {
+    if (fd_ < 0) fail(path_, errno);
+  }
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  ~File() { ::close(fd_); }
+
+  void write(std::string_view content) {
+    while (!content.empty()) {
+      const ssize_t written = ::write(fd_, content.data(), content.size());
+      if (written < 0 && errno == EINTR) continue;
+      if (written < 0) fail(path_, errno);
+      content.remove_prefix(static_cast<std::size_t>(written));
+    }
+  }
+
+  void flush() {
+    if (::fsync(fd_) != 0) fail(path_, errno);
+  }
+
+  // Appends what comes next to `content`; false at the end.
+  bool read(std::string& content) {
+    char block[65536];
+    ssize_t got = ::read(fd_, block, sizeof block);
+    while (got < 0 && errno == EINTR) got = ::read(fd_, block, sizeof block);
+    if (got < 0) fail(path_, errno);
+    content.append(block, static_cast<std::size_t>(got));
+    return got > 0;
+  }
+
+ private:
+  std::filesystem::path path_;
+  int fd_;
+};
+
+}  // namespace
+
+std::filesystem::path to_file_path(std::string_view product_path) {
+  std::string path(product_path);
+  std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
+}
+
+std::string to_product_path(const std::filesystem::path& path) {
+  std::string result = path.string();
+  std::replace(result.begin(), result.end(), '/', '\\');
+  return result;
+}
+
+void replace_file(const std::filesystem::path& path, std::string_view content) {
+  std::filesystem::path temporary = path;
+  temporary += ".new" + std::to_string(::getpid());
+  try {
+    File file(temporary, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC);
+    file.write(content);
+    file.flush();
+    if (std::rename(temporary.c_str(), path.c_str()) != 0) fail(path, errno);
+  } catch (const Error&) {
+    ::unlink(temporary.c_str());
+    throw;
+  }
+}
+
+std::string read_file(const std::filesystem::path& path, std::size_t limit) {
+  File file(path, O_RDONLY | O_CLOEXEC);
+  std::string content;
+  while (file.read(content)) {
+    if (content.size() > limit) fail(path, EFBIG);
+  }
+  return content;
+}
+
+}  // namespace zrl

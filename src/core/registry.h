@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zrl {
+
+// The registry store: values under full paths such as "HKLM\SOFTWARE\Mirvan\reloadblack". Paths are
+// compared without regard to case. Operations raise zrl::Error on failure. Other processes may
+// use the same store at the same time; each operation is atomic.
+class Registry {
+ public:
+  static constexpr std::string_view program_id = "WScript.Shell";
+
+  virtual ~Registry() = default;
+
+  // The value as text (a double word in decimal); empty if there is none.
+  virtual std::optional<std::string> regread(std::string_view path) = 0;
+  virtual void write_string(std::string_view path, std::string_view text) = 0;  // REG_SZ
+  virtual void write_dword(std::string_view path, std::uint32_t number) = 0;    // REG_DWORD
+  // Deleting a value that is not there is no error.
+  virtual void delete_value(std::string_view path) = 0;
+};
+
+}  // namespace zrl

@@ -1,0 +1,85 @@
+#include "core/settings.h"
+
+#include <algorithm>
+
+#include "core/console.h"
+#include "core/paths.h"
+#include "core/registry.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+using Kind = ActivityRecord::Kind;
+using Step = Console::Step;
+
+std::string join(std::string_view left, std::string_view separator, std::string_view right) {
+  std::string result(left);
+  return result.append(separator).append(right);
+}
+
+}  // namespace
+
+std::string product_key_in(std::string_view ini_text) {
+  std::string text(ini_text);
+  std::erase(text, ' ');
+  std::string_view rest = trim(text);
+  const std::size_t equals = rest.rfind('=');
+  if (equals != rest.npos) rest = trim(rest.substr(equals + 1));
+  std::string key(rest);
+  std::erase_if(key, [](char c) { return c == '\r' || c == '\n'; });
+  key = trim(key);
+  return key.empty() ? std::string(product_name) : key;
+}
+
+const std::string& Settings::product_key() {
+  if (!product_key_.empty()) return product_key_;
+  // A missing file is ordinary: most installations have the default key.
+  std::error_code failure;
+  const std::filesystem::path path = console_.folder() / "proxy.ini";
+  std::string text;
+  if (std::filesystem::exists(path, failure)) {
+    console_.attempt(Kind::file, "proxy.ini", Step::read, [&] { text = read_file(path); });
+  }
+  product_key_ = product_key_in(text);
+  return product_key_;
+}
+
+std::string Settings::path_of(std::string_view name) {
+  return join("HKLM\\" + branch(), "\\", name);
+}
+
+std::string Settings::branch() {
+  return join("SOFTWARE", "\\", product_key());
+}
+
+std::string Settings::regread(std::string_view path) {
+  std::string result;
+  console_.attempt(Kind::registry, join("read", " ", path), Step::read, [&] {
+    result = console_.components().create<Registry>()->regread(path).value_or(std::string());
+  });
+  return result;
+}
+
+bool Settings::regwrite_string(std::string_view path, std::string_view text) {
+  return console_.attempt(Kind::registry, join(path, "=", text), Step::write,
+                          [&] { console_.components().create<Registry>()->write_string(path, text); });
+}
+
+bool Settings::regwrite_dword(std::string_view path, std::uint32_t number) {
+  return console_.attempt(Kind::registry, join(path, "=", std::to_string(number)), Step::write,
+                          [&] { console_.components().create<Registry>()->write_dword(path, number); });
+}
+
+bool Settings::delete_value(Hive, std::string_view branch, std::string_view name) {
+  const std::string path = join(join("HKLM", "\\", branch), "\\", name);
+  return console_.attempt(Kind::registry, "delete " + path, Step::write,
+                          [&] { console_.components().create<Registry>()->delete_value(path); });
+}
+
+std::string Settings::product_version() {
+  return std::string(trim(regread(product_version_path())));
+}
+
+}  // namespace zrl

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace zrl {
+
+// A piece of statement text that is written in the program. It can be made from a string literal
+// and from nothing else, so that no data can become statement text.
+class Literal {
+ public:
+  template <std::size_t N>
+  consteval Literal(const char (&text)[N]) : text_(text, N - 1) {}  // NOLINT(google-explicit-constructor)
+
+  constexpr std::string_view text() const { return text_; }
+  constexpr bool empty() const { return text_.empty(); }
+
+ private:
+  std::string_view text_;
+};
+
+// A piece of data inside a statement. It refers to the caller's text, which must live until the
+// full expression that builds the statement ends.
+class Value {
+ public:
+  enum class Kind : char { text = 1, number = 2 };
+
+  Kind kind;
+  std::string_view text;
+};
+
+// Data that stands between single quotes in the statement.
+inline Value value(std::string_view text) {
+  return {Value::Kind::text, text};
+}
+
+// Data that stands without quotes. A text that is no whole number makes the statement malformed.
+inline Value number(std::string_view text) {
+  return {Value::Kind::number, text};
+}
+
+// A statement, built from literals and values:
+//
+//   execute("UPDATE pop3 set leave=" + number(flag) + " where entry='" + value(account) + "'");
+//
+// Text values stand inside single quotes that the literals open and close, numbers outside. A
+// text value that holds an apostrophe or a zero byte, a value in the wrong place, or quotes that
+// are left open make the statement malformed: whoever executes it gets an error, and the
+// statement never reaches a database engine.
+//
+// Also used for the fragments that go behind "where" (then called a condition).
+class Statement {
+ public:
+  static constexpr std::size_t max_values = 8;
+
+  Statement() = default;
+  Statement(Literal literal) { append(literal); }  // NOLINT(google-explicit-constructor)
+
+  Statement& append(Literal literal);
+  Statement& append(const Value& value);
+
+  // The statement as one text, values in their places.
+  std::string text() const;
+  bool empty() const { return skeleton_.empty(); }
+
+  // Why the statement must not be executed; empty if it may.
+  std::string_view fault() const;
+
+  // The literal text, with one byte (a Value::Kind) in the place of each value. Statements of
+  // the same shape have the same skeleton.
+  const std::string& skeleton() const { return skeleton_; }
+  std::size_t value_count() const { return value_count_; }
+  std::string_view value_at(std::size_t index) const;
+
+ private:
+  std::string skeleton_;
+  std::string values_;
+  std::array<std::uint32_t, max_values> ends_{};
+  std::uint8_t value_count_ = 0;
+  bool inside_quotes_ = false;
+  const char* fault_ = "";
+};
+
+inline Statement operator+(Literal left, const Value& right) {
+  return std::move(Statement(left).append(right));
+}
+inline Statement operator+(Literal left, Literal right) {
+  return std::move(Statement(left).append(right));
+}
+inline Statement operator+(Statement&& left, Literal right) {
+  return std::move(left.append(right));
+}
+inline Statement operator+(Statement&& left, const Value& right) {
+  return std::move(left.append(right));
+}
+
+// "DELETE FROM table where column='text'"
+Statement delete_from(Literal table, Literal column, std::string_view text);
+
+// "INSERT INTO table (column) VALUES ('text')"
+Statement insert_into(Literal table, Literal column, std::string_view text);
+
+}  // namespace zrl

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string_view>
+
+namespace zrl {
+
+// A list of texts in one contiguous arena: the bytes of all texts one behind the other, and for
+// each text the offset where it ends. A list of a million entries costs its bytes plus four bytes
+// an entry; there is no heap object an entry.
+//
+// Limits: 4 GiB of text, 4 G entries; going over raises std::length_error. A view returned by
+// operator[] is valid until the list is next changed.
+class StringList {
+ public:
+  StringList() = default;
+  StringList(std::initializer_list<std::string_view> texts);
+  StringList(const StringList& other);
+  StringList(StringList&& other) noexcept;
+  StringList& operator=(StringList other) noexcept;
+  ~StringList();
+
+  std::size_t size() const { return size_; }
+  bool empty() const { return size_ == 0; }
+
+  // `index` must be below size().
+  std::string_view operator[](std::size_t index) const {
+    const std::uint32_t begin = index == 0 ? 0 : ends_[index - 1];
+    return {bytes_ + begin, ends_[index] - begin};
+  }
+
+  void push_back(std::string_view text) {
+    if (ends_capacity_ == size_ || text.size() > bytes_capacity_ - byte_count_) grow(text.size());
+    if (!text.empty()) __builtin_memcpy(bytes_ + byte_count_, text.data(), text.size());
+    byte_count_ += static_cast<std::uint32_t>(text.size());
+    ends_[size_++] = byte_count_;
+  }
+
+  // Drops the last text; the list must not be empty.
+  void pop_back();
+
+  // Takes out the text at `index` (below size()); costs the bytes behind it.
+  void erase(std::size_t index);
+
+  // Keeps the texts for which `keep(std::string_view)` is true, in their order, in one pass.
+  template <typename Predicate>
+  void retain(Predicate keep);
+
+  void clear();
+
+  // Index of the first text equal to `text`, or size().
+  std::size_t find(std::string_view text) const;
+
+  // Bytes that the list has asked the heap for.
+  std::size_t memory() const { return bytes_capacity_ + ends_capacity_ * sizeof(std::uint32_t); }
+
+  void swap(StringList& other) noexcept;
+
+ private:
+  void grow(std::size_t more_bytes);
+
+  char* bytes_ = nullptr;
+  std::uint32_t* ends_ = nullptr;
+  std::size_t size_ = 0;
+  std::size_t ends_capacity_ = 0;
+  std::size_t bytes_capacity_ = 0;
+  std::uint32_t byte_count_ = 0;
+};
+
+template <typename Predicate>
+void StringList::retain(Predicate keep) {
+  std::size_t kept = 0;
+  std::uint32_t kept_bytes = 0;
+  std::uint32_t begin = 0;
+  for (std::size_t i = 0; i < size_; ++i) {
+    const std::uint32_t end = ends_[i];
+    const std::uint32_t length = end - begin;
+    if (keep(std::string_view(bytes_ + begin, length))) {
+      if (length != 0) __builtin_memmove(bytes_ + kept_bytes, bytes_ + begin, length);
+      kept_bytes += length;
+      ends_[kept++] = kept_bytes;
+    }
+    begin = end;
+  }
+  size_ = kept;
+  byte_count_ = kept_bytes;
+}
+
+}  // namespace zrl

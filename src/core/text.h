@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Small text routines. All texts are UTF-8; case and blanks are those of ASCII, because entries,
+// option keys and host names are.
+namespace zrl {
+
+// Without blanks (space, tab, carriage return, line feed) at both ends.
+std::string_view trim(std::string_view text);
+
+// With A to Z replaced by a to z.
+std::string lower(std::string_view text);
+
+// Equal, A to Z and a to z being the same.
+bool equals_ignoring_case(std::string_view left, std::string_view right);
+
+// The whole of `text`, trimmed, as a decimal number with an optional sign; empty if it is none or
+// does not fit. A value stored with a fraction of zeros ("1.0") counts as its whole number.
+std::optional<std::int64_t> to_number(std::string_view text);
+
+// `text` with every byte sequence that is not well-formed UTF-8 (RFC 3629) replaced by U+FFFD.
+std::string valid_utf8(std::string_view text);
+bool is_valid_utf8(std::string_view text);
+
+// `text` for a terminal: control characters (C0, DEL, C1) written as \xNN, so that no text can
+// move the cursor or change the terminal; line feed and tab stay if `keep_lines`.
+std::string printable(std::string_view text, bool keep_lines = false);
+
+}  // namespace zrl
