@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "core/form.h"
+#include "core/host.h"
+
+namespace zrl::test {
+
+// A host without people: it records what it is asked for and answers as it was told to.
+class RecordingHost : public Host {
+ public:
+  BoxReply message_box(const MessageBox& box) override {
+    boxes.push_back(box);
+    return reply;
+  }
+  bool allows_modeless() const override { return modeless; }
+  void show(Form& dialog) override {
+    if (on_show) on_show(dialog);
+    if (!modeless) dialog.close();
+  }
+  void process_events() override {
+    ++yields;
+    if (on_process_events) on_process_events();
+  }
+  void wait(std::chrono::milliseconds) override { ++waits; }
+  void start_program(const ProgramStart& program) override { programs.push_back(program); }
+  void show_progress(const Progress&) override { ++progress_reports; }
+
+  std::vector<MessageBox> boxes;
+  std::vector<ProgramStart> programs;
+  std::function<void(Form&)> on_show;
+  std::function<void()> on_process_events;
+  BoxReply reply = BoxReply::ok;
+  bool modeless = false;
+  int yields = 0;
+  int waits = 0;
+  int progress_reports = 0;
+};
+
+}  // namespace zrl::test
