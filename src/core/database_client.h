@@ -21,9 +21,9 @@ class DatabaseClient {
   std::shared_ptr<Database> database;
   ConnectionHandle conn;
 
- protected:
   explicit DatabaseClient(Console& console) : console_(console) {}
-  ~DatabaseClient() = default;
+  DatabaseClient(const DatabaseClient&) = delete;
+  DatabaseClient& operator=(const DatabaseClient&) = delete;
 
   // Creates the component and opens the connection; on failure shows the message box with this
   // title, and the caller goes on.
@@ -94,7 +94,8 @@ class DatabaseClient {
   // The message box with the critical icon.
   void show_error(std::string_view text, std::string_view title);
 
-  Console& database_console() const { return console_; }
+ protected:
+  ~DatabaseClient() = default;
 
  private:
   Database& component_or_throw() const;

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zrl {
+
+// The texts of one language, read from a message catalogue in the PO format of GNU gettext: the
+// entries msgid and msgstr, continued strings, the escapes \n \r \t \" \\, comments. Entries with
+// an empty translation count as missing.
+//
+// A msgid that ends in "*" stands for every text that begins with what is before it; the rest of
+// the text takes the place of "*" in the translation. Exact entries come first.
+class Catalogue {
+ public:
+  // Raises zrl::Error, with the line, if the text is no catalogue.
+  static Catalogue parse(std::string_view po_text);
+
+  // The translation, or `text` itself.
+  std::string translate(std::string_view text) const;
+
+  bool has(std::string_view text) const;
+  std::size_t size() const { return texts_.size() + prefixes_.size(); }
+
+ private:
+  struct Prefix {
+    std::string begin;
+    std::string before;  // what the translation puts before the rest
+    std::string after;
+  };
+
+  const Prefix* prefix_of(std::string_view text) const;
+  void add(std::string id, std::string text);
+
+  std::map<std::string, std::string, std::less<>> texts_;
+  std::vector<Prefix> prefixes_;
+};
+
+}  // namespace zrl

@@ -1,0 +1,21 @@
+#include "pages/catalogue.h"
+
+#include <algorithm>
+
+#include "pages/settings/general_page.h"
+
+namespace zrl {
+
+std::span<const PageEntry> page_catalogue() {
+  static constexpr PageEntry entries[] = {
+      {"general", "Settings", "General", make_page<GeneralPage>},
+  };
+  return entries;
+}
+
+const PageEntry* find_page(std::span<const PageEntry> catalogue, std::string_view name) {
+  const auto found = std::ranges::find(catalogue, name, &PageEntry::name);
+  return found == catalogue.end() ? nullptr : &*found;
+}
+
+}  // namespace zrl

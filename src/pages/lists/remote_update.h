@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+
+#include "core/database_client.h"
+#include "core/downloader.h"
+
+namespace zrl {
+
+// The update of lists from the update server. The downloader fetches list files into the folder
+// "download"; they are then merged into the tables one by one.
+
+// One file and what is done with it. `file` is a product path below the console's folder.
+struct ListFile {
+  enum class Operation { import_entries, delete_entries };
+
+  Operation operation;
+  Literal column;
+  Literal table;
+  Literal file;
+};
+
+// All files, in the order in which the update of all lists applies them.
+std::span<const ListFile> all_list_files();
+
+// Fetches the files and keeps the downloader's status text in `status`. Without a downloader the
+// step fails like any other.
+bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& downloader, std::string& status);
+
+// Merges the files. A file that is missing makes its step fail and leaves its list as it is.
+void merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files);
+
+}  // namespace zrl
