@@ -53,7 +53,7 @@ inline Value number(std::string_view text) {
 // Also used for the fragments that go behind "where" (then called a condition).
 class Statement {
  public:
-  static constexpr std::size_t max_values = 8;
+  static constexpr std::size_t max_values = 16;
 
   Statement() = default;
   Statement(Literal literal) { append(literal); }  // NOLINT(google-explicit-constructor)

@@ -1,0 +1,78 @@
+#include "host/folder.h"
+
+#include <cstdlib>
+
+#include "core/database.h"
+#include "core/error.h"
+#include "core/paths.h"
+#include "host/version.h"
+
+namespace zrl {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+class LayOut {
+ public:
+  explicit LayOut(Console& console) : console_(console), settings_(console.settings()) {}
+
+  std::vector<std::string> run() {
+    make_folder(console_.folder());
+    for (const char* name : {"download", "archive", "scripts"}) make_folder(console_.folder() / name);
+    make_ini();
+    make_value(settings_.product_version_path(), version);
+    make_value(settings_.data_provider_path(), "sqlite:proxy.db");
+    make_database();
+    return std::move(made_);
+  }
+
+ private:
+  void make_folder(const fs::path& path) {
+    if (fs::create_directories(path)) made_.push_back("folder " + path.string());
+  }
+
+  void make_ini() {
+    const fs::path path = console_.folder() / "proxy.ini";
+    if (fs::exists(path)) return;
+    replace_file(path, "product = " + std::string(product_name) + "\n");
+    made_.push_back("file " + path.string());
+  }
+
+  void make_value(const std::string& path, std::string_view text) {
+    if (!settings_.regread(path).empty()) return;
+    if (!settings_.regwrite_string(path, text)) throw Error(1, "cannot write the registry value " + path);
+    made_.push_back("registry value " + path + " = " + std::string(text));
+  }
+
+  // Opening it makes what is missing.
+  void make_database() {
+    const std::string provider = settings_.regread(settings_.data_provider_path());
+    console_.components().create<Database>()->open_database(provider);
+    made_.push_back("database " + provider);
+  }
+
+  Console& console_;
+  Settings& settings_;
+  std::vector<std::string> made_;
+};
+
+}  // namespace
+
+fs::path default_folder() {
+  const std::string state = environment("STATE_DIRECTORY");
+  if (!state.empty()) return state.substr(0, state.find(':'));
+  const std::string data = environment("XDG_DATA_HOME");
+  if (data.starts_with('/')) return fs::path(data) / "zrlconsole";
+  const std::string home = environment("HOME");
+  return fs::path(home.empty() ? "/var/lib" : home + "/.local/share") / "zrlconsole";
+}
+
+std::vector<std::string> lay_out_folder(Console& console) { return LayOut(console).run(); }
+
+}  // namespace zrl

@@ -1,0 +1,2 @@
+// The one file that compiles the JSON library.
+#include <boost/json/src.hpp>

@@ -1,0 +1,63 @@
+#include "host/program_starter.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "core/error.h"
+#include "core/paths.h"
+#include "core/text.h"
+
+namespace zrl {
+
+std::vector<std::string> words_of(std::string_view command_line) {
+  std::vector<std::string> words;
+  std::string word;
+  bool quoted = false;
+  bool begun = false;
+  for (const char c : command_line) {
+    if (c == '"') {
+      quoted = !quoted;
+      begun = true;
+    } else if (!quoted && (c == ' ' || c == '\t')) {
+      if (begun) words.push_back(std::move(word));
+      word.clear();
+      begun = false;
+    } else {
+      word += c;
+      begun = true;
+    }
+  }
+  if (begun) words.push_back(std::move(word));
+  return words;
+}
+
+std::string program_of(std::string_view word) {
+  if (lower(word).ends_with(".exe")) word.remove_suffix(4);
+  return std::string(word);
+}
+
+void start_program(const ProgramStart& program) {
+  std::vector<std::string> words = words_of(program.command_line);
+  if (words.empty()) throw Error(ENOENT, "no program to start");
+  words[0] = program_of(words[0]);
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  if (!program.folder.empty()) {
+    posix_spawn_file_actions_addchdir_np(&actions, to_file_path(program.folder).c_str());
+  }
+  pid_t child = 0;
+  const int failure = posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (failure != 0) throw Error(failure, words[0] + ": " + std::strerror(failure));
+}
+
+}  // namespace zrl
