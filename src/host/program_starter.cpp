@@ -1,11 +1,11 @@
 #include "host/program_starter.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include <fcntl.h>
 #include <spawn.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 
 #include "core/error.h"
 #include "core/paths.h"
