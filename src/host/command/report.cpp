@@ -16,6 +16,13 @@ namespace json = boost::json;
 
 // More rows of a list than these are told only by their number.
 constexpr std::size_t rows_for_people = 20;
+// Longer texts are cut.
+constexpr std::size_t width_for_people = 200;
+
+std::string short_text(std::string_view text) {
+  if (text.size() <= width_for_people) return printable(text);
+  return printable(text.substr(0, width_for_people)) + "...";
+}
 
 std::string_view reply_name(BoxReply reply) {
   return reply == BoxReply::ok ? "ok" : "cancel";
@@ -56,7 +63,7 @@ json::array activity_json(const ActivityRecord& activity) {
 void print_items(std::ostream& out, const StringList& items, std::int64_t index) {
   for (std::size_t i = 0; i < items.size() && i < rows_for_people; ++i) {
     const bool chosen = static_cast<std::int64_t>(i) == index;
-    out << "      " << (chosen ? "> " : "  ") << printable(items[i]) << '\n';
+    out << "      " << (chosen ? "> " : "  ") << short_text(items[i]) << '\n';
   }
   if (items.size() > rows_for_people) {
     out << "        ... and " << items.size() - rows_for_people << " more (--json prints them all)\n";
@@ -66,7 +73,7 @@ void print_items(std::ostream& out, const StringList& items, std::int64_t index)
 // What a control holds, in one line; lists follow it with their items.
 void print_control(std::ostream& out, const Control& control) {
   const auto text = [&](Property property) {
-    return printable(std::get<std::string_view>(control.get(property)));
+    return short_text(std::get<std::string_view>(control.get(property)));
   };
   const auto number = [&](Property property) { return std::get<std::int64_t>(control.get(property)); };
   out << "  " << std::left << std::setw(20) << control.name() << ' ';
@@ -111,7 +118,7 @@ void print_activity(std::ostream& out, const ActivityRecord& activity) {
   for (std::uint64_t i = activity.first(); i < activity.total(); ++i) {
     const ActivityRecord::Entry entry = activity[i];
     out << (entry.ok ? "  done    " : "  failed  ") << std::left << std::setw(10) << name_of(entry.kind)
-        << printable(entry.text);
+        << short_text(entry.text);
     if (!entry.ok) out << ": " << printable(entry.error);
     out << '\n';
   }
