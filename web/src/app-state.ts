@@ -58,6 +58,11 @@ effect(() => {
   if (told) language.value = told.language
 })
 
+// The record tells more than the notices, which would lie over it on a narrow screen.
+effect(() => {
+  if (activity.open.value) untracked(() => toasts.clear())
+})
+
 addEventListener('online', () => connection.hurry())
 document.addEventListener('visibilitychange', () => {
   if (!document.hidden) connection.hurry()

@@ -9,6 +9,7 @@ function factsOf(form: FormModel): LayoutFacts {
   const shown = (name: string) => form.controls.get(name)?.shown.value
   return {
     kindOf: name => shown(name)?.kind,
+    multiLine: name => shown(name)?.multiLine ?? false,
     visible: name => shown(name)?.visible ?? false,
     groupOf: name => {
       const group = shown(name)?.group

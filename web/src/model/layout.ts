@@ -3,6 +3,7 @@ import type { Kind, LayoutNode } from '../protocol'
 /** What the layout asks of the forms' controls. */
 export interface LayoutFacts {
   kindOf(name: string): Kind | undefined
+  multiLine(name: string): boolean
   visible(name: string): boolean
   groupOf(name: string): string | undefined
   /** Labels that are drawn with the control that they name. */
@@ -45,7 +46,7 @@ export function isNarrow(node: LayoutNode, facts: LayoutFacts): boolean {
 
 /** A row of single-line controls stands on one base line; one with lists or groups starts at the top. */
 export function isLine(nodes: readonly LayoutNode[], facts: LayoutFacts): boolean {
-  return nodes.every(node => 'control' in node && !tall.has(facts.kindOf(node.control)))
+  return nodes.every(node => 'control' in node && !tall.has(facts.kindOf(node.control)) && !facts.multiLine(node.control))
 }
 
 /** True when the node holds the option buttons of one group and nothing else. */
