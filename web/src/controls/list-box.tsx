@@ -142,6 +142,7 @@ export function ListBox({ control }: { control: ControlModel }) {
   }, [index])
   useEffect(() => {
     handle.current?.toTop()
+    if (selected !== undefined) handle.current?.reveal(selected)
     setCursor(-1)
     wanted.current = -1
   }, [cache.filter])

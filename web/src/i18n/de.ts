@@ -181,13 +181,11 @@ export const de: Messages = {
 
   toast: summary => {
     if (summary.failed) {
-      const lead = summary.lead
-        ? failureStep(summary.lead)
-        : plural(summary.failures, 'Schritt fehlgeschlagen', 'Schritte fehlgeschlagen')
-      if (summary.total === 1) return lead
-      if (summary.lead?.kind === 'statement') {
+      if (summary.total === 1 && summary.lead) return failureStep(summary.lead)
+      if (!summary.lead || summary.lead.kind === 'statement') {
         return `${plural(summary.total, 'Schritt', 'Schritte')} ausgeführt, ${number.format(summary.failures)} fehlgeschlagen`
       }
+      const lead = failureStep(summary.lead)
       return `${lead} (${number.format(summary.failures)} von ${plural(summary.total, 'Schritt', 'Schritten')} fehlgeschlagen)`
     }
     const parts = summary.others.map(other => counted(other.kind, other.count))

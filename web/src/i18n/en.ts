@@ -186,11 +186,11 @@ export const en = {
 
   toast: (summary: Summary): string => {
     if (summary.failed) {
-      const lead = summary.lead ? failureStep(summary.lead) : plural(summary.failures, 'step failed', 'steps failed')
-      if (summary.total === 1) return lead
-      if (summary.lead?.kind === 'statement') {
+      if (summary.total === 1 && summary.lead) return failureStep(summary.lead)
+      if (!summary.lead || summary.lead.kind === 'statement') {
         return `${plural(summary.total, 'step run', 'steps run')}, ${number.format(summary.failures)} failed`
       }
+      const lead = failureStep(summary.lead)
       return `${lead} (${number.format(summary.failures)} of ${plural(summary.total, 'step', 'steps')} failed)`
     }
     const parts = summary.others.map(other => counted(other.kind, other.count))
