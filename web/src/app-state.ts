@@ -34,13 +34,14 @@ activity.send = message => connection.send(message)
 activity.onAction = (message, actionTotal) => {
   if (message.entries.length === 0) return
   const summary = summarise(message.entries, actionTotal, message.failed)
-  toasts.add(
-    visibleText(messages.value.toast(summary), longestDetail),
-    visibleText(summary.error, longestDetail),
-    summary.failed,
-  )
+  toasts.add(visibleText(messages.value.toast(summary), longestDetail), {
+    detail: visibleText(summary.error, longestDetail),
+    failed: summary.failed,
+    topic: summary.lead?.kind === 'set' ? `${summary.lead.what} ${summary.lead.name}` : undefined,
+  })
 }
-session.onRefusal = refusal => toasts.add(messages.value.refusals[refusal.code], visibleText(refusal.text), true)
+session.onRefusal = refusal =>
+  toasts.add(messages.value.refusals[refusal.code], { detail: visibleText(refusal.text, longestDetail), failed: true })
 
 effect(() => {
   const status = connection.status.value

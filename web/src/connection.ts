@@ -12,6 +12,8 @@ export interface ConnectionPorts {
 
 const firstDelay = 500
 const longestDelay = 15_000
+/** A line that drops sooner than this is no success. */
+const steadyAfter = 5000
 
 /** The WebSocket with its numbering, opened again by itself when it drops. */
 export class Connection {
@@ -23,6 +25,7 @@ export class Connection {
   private socket: WebSocket | null = null
   private seq = 0
   private attempt = 0
+  private openedAt = 0
   private cancelRetry: (() => void) | null = null
   private readonly ports: ConnectionPorts
 
@@ -72,17 +75,19 @@ export class Connection {
     socket.onopen = () => {
       if (this.socket !== socket) return
       this.seq = 0
+      this.openedAt = Date.now()
       this.onOpened()
       this.status.value = 'open'
     }
     socket.onmessage = event => {
       if (this.socket !== socket || typeof event.data !== 'string') return
-      this.attempt = 0
       this.onMessage(JSON.parse(event.data) as ServerMessage)
     }
     socket.onclose = event => {
       if (this.socket !== socket) return
       this.socket = null
+      if (this.openedAt > 0 && Date.now() - this.openedAt > steadyAfter) this.attempt = 0
+      this.openedAt = 0
       if (event.code === closeCodes.replaced) this.status.value = 'replaced'
       else if (event.code === closeCodes.ended) this.status.value = 'ended'
       else this.scheduleRetry()

@@ -27,7 +27,6 @@ const views: Partial<Record<Kind, View>> = {
 }
 
 export function ControlView({ control }: { control: ControlModel }) {
-  const { kind, visible } = control.shown.value
-  const View = views[kind]
-  return visible && View ? <View control={control} /> : null
+  const View = views[control.kind]
+  return control.visible.value && View ? <View control={control} /> : null
 }

@@ -6,15 +6,12 @@ import { ControlView } from './control-view'
 import { Tip } from './field'
 
 function factsOf(form: FormModel): LayoutFacts {
-  const shown = (name: string) => form.controls.get(name)?.shown.value
+  const find = (name: string) => form.controls.get(name)
   return {
-    kindOf: name => shown(name)?.kind,
-    multiLine: name => shown(name)?.multiLine ?? false,
-    visible: name => shown(name)?.visible ?? false,
-    groupOf: name => {
-      const group = shown(name)?.group
-      return group === undefined ? undefined : String(group)
-    },
+    kindOf: name => find(name)?.kind,
+    multiLine: name => find(name)?.multiLine ?? false,
+    visible: name => find(name)?.visible.value ?? false,
+    groupOf: name => find(name)?.group,
     usedLabel: name => form.usedLabels.has(name),
   }
 }

@@ -126,6 +126,7 @@ export const de: Messages = {
     unknown_page: 'Diese Seite gibt es nicht',
     busy: 'Ein anderer Vorgang läuft noch',
     not_connected: 'Keine Verbindung: Es wurde nichts gesendet',
+    too_long: 'Der Text ist zu lang und wurde nicht gesendet (höchstens 1 MB)',
   },
 
   palette: 'Seiten und Einstellungen durchsuchen',

@@ -1,5 +1,6 @@
+import type { Refusal } from '../model/session'
 import type { Step, Summary } from '../model/toast-text'
-import type { ErrorCode, FailureCode } from '../protocol'
+import type { FailureCode } from '../protocol'
 
 const number = new Intl.NumberFormat('en')
 const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
@@ -73,13 +74,14 @@ const failures: Record<FailureCode, string> = {
   too_many_sessions: 'Too many people are signed in at the moment. Try again later.',
 }
 
-const refusals: Record<ErrorCode | 'not_connected', string> = {
+const refusals: Record<Refusal['code'], string> = {
   refused: 'This can’t be done right now',
   no_form: 'This dialog is no longer open',
   malformed: 'The console did not understand the last step',
   unknown_page: 'There is no such page',
   busy: 'Another action is still running',
   not_connected: 'Not connected: nothing was sent',
+  too_long: 'The text is too long and was not sent (the limit is 1 MB)',
 }
 
 export const en = {

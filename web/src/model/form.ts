@@ -1,5 +1,5 @@
 import { batch, computed, signal, type ReadonlySignal } from '@preact/signals'
-import type { ChangeMessage, Control, FormMessage, LayoutNode, PlainMessage, UserEvent } from '../protocol'
+import type { ChangeMessage, Control, FormMessage, Kind, LayoutNode, PlainMessage, UserEvent } from '../protocol'
 import { ListModel } from './list'
 import { PendingText } from './pending-text'
 
@@ -28,6 +28,10 @@ export class ControlModel {
   /** What the user just did, shown until the server has answered it. */
   private readonly overlay = signal<Overlay | null>(null)
   readonly shown: ReadonlySignal<Control>
+  readonly kind: Kind
+  readonly group: string | undefined
+  readonly multiLine: boolean
+  readonly visible: ReadonlySignal<boolean>
   /** The text of a control in which people type. */
   readonly text
   readonly list: ListModel | null
@@ -41,6 +45,10 @@ export class ControlModel {
     this.form = form
     this.name = name
     this.base = signal(control)
+    this.kind = control.kind
+    this.group = control.group === undefined ? undefined : String(control.group)
+    this.multiLine = control.multiLine === true
+    this.visible = computed(() => this.base.value.visible)
     this.shown = computed(() => {
       const over = this.overlay.value
       return over ? { ...this.base.value, ...over.values } : this.base.value
@@ -213,7 +221,7 @@ export class FormModel {
     const entries = Object.entries(message.controls)
     if (entries.length !== this.controls.size) return false
     for (const [name, control] of entries) {
-      if (this.controls.get(name)?.shown.peek().kind !== control.kind) return false
+      if (this.controls.get(name)?.kind !== control.kind) return false
     }
     batch(() => {
       this.caption.value = message.caption

@@ -16,13 +16,17 @@ import type { ActivityModel } from './activity'
 import { FormModel, type ControlModel, type Link } from './form'
 
 const typingPause = 200
+/** The host closes the line on messages beyond 1 MiB; what frames the text in its message takes some of it. */
+const longestText = 1_000_000
 /** After a reconnection the forms that are still open are told at once; what stays untold is gone. */
 const retellingTime = 1500
 
 export interface Refusal {
-  code: ErrorCode | 'not_connected'
+  code: ErrorCode | 'not_connected' | 'too_long'
   text: string
 }
+
+const byteLength = (text: string): number => new TextEncoder().encode(text).length
 
 /** What the session shows, and what people do to it. */
 export class Session implements Link {
@@ -97,6 +101,10 @@ export class Session implements Link {
 
   event(control: ControlModel, event: UserEvent): number {
     if (event.event !== 'text') this.flush()
+    else if (event.text.length > longestText / 6 && byteLength(JSON.stringify(event.text)) > longestText) {
+      this.onRefusal({ code: 'too_long', text: '' })
+      return 0
+    }
     const seq = this.connection.sendSequenced({
       type: 'event',
       form: control.form.name,

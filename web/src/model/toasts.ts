@@ -2,8 +2,8 @@ import { signal } from '@preact/signals'
 
 export interface Toast {
   id: number
-  /** Toasts with the same key are one toast, counted. */
-  key: string
+  /** What it is about: a later toast about the same thing takes its place, and one that says the same is counted. */
+  topic: string
   text: string
   detail: string
   failed: boolean
@@ -21,15 +21,18 @@ export class Toasts {
   private readonly timers = new Map<number, ReturnType<typeof setTimeout>>()
   private held = false
 
-  add(text: string, detail = '', failed = false): void {
-    const key = `${failed}|${text}|${detail}`
-    const same = this.shown.peek().find(toast => toast.key === key)
+  add(text: string, more: { detail?: string; failed?: boolean; topic?: string } = {}): void {
+    const { detail = '', failed = false } = more
+    const topic = more.topic ?? `${failed} ${text} ${detail}`
+    const same = this.shown.peek().find(toast => toast.topic === topic)
     if (same) {
-      this.shown.value = this.shown.peek().map(toast => (toast === same ? { ...toast, count: toast.count + 1 } : toast))
+      const repeated = same.text === text && same.detail === detail && same.failed === failed
+      const count = repeated ? same.count + 1 : 1
+      this.shown.value = this.shown.peek().map(toast => (toast === same ? { ...toast, text, detail, failed, count } : toast))
       this.start(same.id, failed)
       return
     }
-    const toast = { id: this.nextId++, key, text, detail, failed, count: 1 }
+    const toast = { id: this.nextId++, topic, text, detail, failed, count: 1 }
     const kept = this.shown.peek().slice(1 - shownAtMost)
     for (const old of this.shown.peek()) if (!kept.includes(old)) this.stop(old.id)
     this.shown.value = [...kept, toast]

@@ -25,6 +25,10 @@ export function Modal({ title, onCancel, class: kind = '', describedBy, role, cl
     if (!element) return undefined
     const before = document.activeElement
     if (!element.open) element.showModal()
+    // The browser would begin with the button that closes the dialog.
+    if (!element.querySelector('[autofocus]')) {
+      element.querySelector<HTMLElement>('.modal-body :is(input, textarea, button, [tabindex="0"]):enabled')?.focus()
+    }
     return () => {
       element.close()
       if (before instanceof HTMLElement && before.isConnected) before.focus({ preventScroll: true })

@@ -19,13 +19,13 @@ function Banner() {
   return (
     <div class="banner" role="status" data-on={lost ? '' : undefined}>
       {lost && (
-        <>
+        <p class="banner-text">
           <Icon name="offline" />
           <span>{m.connectionLost}</span>
           <button type="button" class="button quiet small" onClick={() => connection.hurry()}>
             {m.reconnect}
           </button>
-        </>
+        </p>
       )}
     </div>
   )
@@ -38,6 +38,8 @@ function Page() {
   const m = messages.value
   useEffect(() => {
     main.current?.scrollTo(0, 0)
+    // What had the focus may have gone with the page before.
+    if (page && document.activeElement === document.body) main.current?.focus({ preventScroll: true })
   }, [page])
   useEffect(() => {
     if (!wanted || wanted.page !== page?.name || page.closed.peek()) return
@@ -56,6 +58,18 @@ export function Shell() {
   const [menu, setMenu] = useState(false)
   const page = session.page.value
   const hello = session.hello.value
+  const leaveMenu = (): void => {
+    setMenu(false)
+    // Until the menu is gone, the button behind it can't have the focus.
+    requestAnimationFrame(() => document.querySelector<HTMLElement>('.menu-button')?.focus())
+  }
+  useEffect(() => {
+    // Where the sidebar is always on view there is no menu to be open.
+    const wide = matchMedia('(width >= 960px)')
+    const close = (): void => setMenu(false)
+    wide.addEventListener('change', close)
+    return () => wide.removeEventListener('change', close)
+  }, [])
   const title = hello?.pages.find(known => known.name === page?.name)?.title
   useEffect(() => {
     document.title = title ? `${title} – ${hello?.product}` : (hello?.product ?? '')
@@ -76,9 +90,9 @@ export function Shell() {
       >
         {m.skipToContent}
       </a>
-      <Sidebar drawn={menu} onLeave={() => setMenu(false)} />
-      {menu && <div class="scrim" onClick={() => setMenu(false)} />}
-      <div class="body">
+      <Sidebar drawn={menu} onLeave={leaveMenu} />
+      {menu && <div class="scrim" onClick={leaveMenu} />}
+      <div class="body" inert={menu}>
         <Header menuOpen={menu} onMenu={() => setMenu(true)} />
         <BusyBar />
         <Banner />

@@ -59,7 +59,7 @@ export function Sidebar({ drawn, onLeave }: { drawn: boolean; onLeave: () => voi
                       if (event.ctrlKey || event.metaKey || event.shiftKey) return
                       event.preventDefault()
                       goTo(page.name)
-                      onLeave()
+                      if (drawn) onLeave()
                     }}
                   >
                     {page.title}

@@ -128,6 +128,13 @@ function useSending(): {
   return { sending, failure, wait, fail: setFailure, send }
 }
 
+/** After a refused attempt the first field that needs something gets the focus. */
+function focusInvalid(form: EventTarget | null): void {
+  requestAnimationFrame(() => {
+    if (form instanceof HTMLElement) form.querySelector<HTMLElement>('[aria-invalid="true"]')?.focus()
+  })
+}
+
 function FailureNote({ failure, wait }: { failure: string; wait: number }) {
   return (
     <div role="alert" class="door-failure-space">
@@ -161,7 +168,8 @@ function LogIn() {
   const submit = (event: Event): void => {
     event.preventDefault()
     setTried(true)
-    if (!sending && account !== '' && password !== '') void send(() => logIn(account, password))
+    if (account === '' || password === '') focusInvalid(event.currentTarget)
+    else if (!sending) void send(() => logIn(account, password))
   }
   const missing = (value: string): string | undefined => (tried && value === '' ? m.required : undefined)
   return (
@@ -196,8 +204,8 @@ function SetUp() {
   const submit = (event: Event): void => {
     event.preventDefault()
     setTried(true)
-    if (sending || secret.trim() === '' || account.trim() === '' || weak || password !== again) return
-    void send(() => setUp(secret.trim(), account.trim(), password))
+    if (secret.trim() === '' || account.trim() === '' || weak || password !== again) return focusInvalid(event.currentTarget)
+    if (!sending) void send(() => setUp(secret.trim(), account.trim(), password))
   }
   return (
     <Card title={m.setUp} lead={m.setUpLead}>
