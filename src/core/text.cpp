@@ -104,6 +104,18 @@ std::string valid_utf8(std::string_view text) {
   return result;
 }
 
+namespace {
+
+// U+202A to U+202E and U+2066 to U+2069 change the direction of what follows them.
+bool turns_direction(std::string_view sequence) {
+  if (!sequence.starts_with("\xE2\x80") && !sequence.starts_with("\xE2\x81")) return false;
+  const auto first = static_cast<unsigned char>(sequence[1]);
+  const auto last = static_cast<unsigned char>(sequence[2]);
+  return first == 0x80 ? last >= 0xAA && last <= 0xAE : last >= 0xA6 && last <= 0xA9;
+}
+
+}  // namespace
+
 std::string printable(std::string_view text, bool keep_lines) {
   std::string result;
   result.reserve(text.size());
@@ -117,6 +129,8 @@ std::string printable(std::string_view text, bool keep_lines) {
       append_hex(result, first);
     } else if (c1) {
       append_hex(result, static_cast<unsigned char>(text[1]));
+    } else if (length == 3 && turns_direction(text.substr(0, 3))) {
+      for (std::size_t i = 0; i < 3; ++i) append_hex(result, static_cast<unsigned char>(text[i]));
     } else {
       result += text.substr(0, length);
     }

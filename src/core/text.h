@@ -26,8 +26,9 @@ std::optional<std::int64_t> to_number(std::string_view text);
 std::string valid_utf8(std::string_view text);
 bool is_valid_utf8(std::string_view text);
 
-// `text` for a terminal: control characters (C0, DEL, C1) written as \xNN, so that no text can
-// move the cursor or change the terminal; line feed and tab stay if `keep_lines`.
+// `text` for a terminal: control characters (C0, DEL, C1), those that turn the direction of
+// writing, and bytes that are not UTF-8 are written as \xNN, so that no text can move the cursor or
+// pass for another; line feed and tab stay if `keep_lines`.
 std::string printable(std::string_view text, bool keep_lines = false);
 
 }  // namespace zrl

@@ -73,6 +73,8 @@ fs::path default_folder() {
   return fs::path(home.empty() ? "/var/lib" : home + "/.local/share") / "zrlconsole";
 }
 
-std::vector<std::string> lay_out_folder(Console& console) { return LayOut(console).run(); }
+std::vector<std::string> lay_out_folder(Console& console) {
+  return LayOut(console).run();
+}
 
 }  // namespace zrl

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <stdlib.h>
-
 #include <filesystem>
 #include <string>
+
+#include <stdlib.h>
 
 namespace zrl::test {
 

@@ -53,8 +53,7 @@ std::function<std::shared_ptr<Translator>()> make_translator_factory() {
 
 std::string_view built_in_catalogue(std::string_view language) {
   if (language != "german") return {};
-  return {zrl_locale_german_begin,
-          static_cast<std::size_t>(zrl_locale_german_end - zrl_locale_german_begin)};
+  return {zrl_locale_german_begin, static_cast<std::size_t>(zrl_locale_german_end - zrl_locale_german_begin)};
 }
 
 }  // namespace zrl

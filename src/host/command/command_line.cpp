@@ -1,0 +1,150 @@
+#include "host/command/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <istream>
+#include <ostream>
+
+#include "host/command/commands.h"
+#include "host/folder.h"
+#include "host/version.h"
+
+namespace zrl::command {
+
+namespace {
+
+constexpr const char* help_of_do = R"(
+Steps:
+  NAME            click a button, an option button or a check box (which turns over)
+  NAME=TEXT       text field: put the text in, as if typed; check box: 0 or 1;
+                  combo box: choose or type; list: choose the first item with that
+                  text; scroll bar: move to that position
+  NAME#I          list or combo box: choose the item at index I, from 0
+  NAME.tick       a timer's tick
+  FORM.close      close a dialog; FORM.NAME... is a control of a dialog
+  answer=cancel   how the message boxes that follow are answered (default: ok)
+  -               read steps from standard input, one a line
+
+Examples:
+  zrlconsole do general checkmid=1
+  zrlconsole do --json general Combo1=german
+)";
+
+constexpr const char* help_of_registry = R"(
+Examples:
+  zrlconsole registry get 'HKLM\SOFTWARE\Mirvan\dataprovider'
+  zrlconsole registry set 'HKLM\SOFTWARE\Mirvan\debug' REG_DWORD 1
+  zrlconsole registry delete 'HKLM\SOFTWARE\Mirvan\language'
+)";
+
+constexpr const char* help_of_all = R"(
+Start with:
+  zrlconsole init --sample     a folder with sample data
+  zrlconsole serve             the console in the browser
+  zrlconsole do general        the general page on the terminal
+)";
+
+// The parser of the command line; it fills `arguments` and tells which command was given.
+struct Parser {
+  CLI::App app{"The administration console of the mail filter.", "zrlconsole"};
+  Arguments arguments;
+  CLI::App* init;
+  CLI::App* serve;
+  CLI::App* pages;
+  CLI::App* act;
+  CLI::App* registry;
+  CLI::App* get;
+  CLI::App* set;
+  CLI::App* remove;
+
+  Parser() {
+    app.set_version_flag("--version", std::string(version));
+    app.add_option("--folder", arguments.folder, "The console's folder")->type_name("DIR");
+    app.footer(help_of_all);
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(34);
+
+    init = app.add_subcommand("init", "Lay out the folder and an embedded database");
+    init->add_flag("--sample", arguments.sample, "Fill it with lists, logs, mails and scripts");
+
+    serve = app.add_subcommand("serve", "Run the console for browsers; prints the address to open");
+    serve->add_option("--listen", arguments.serve.listen, "Where to listen (default 127.0.0.1:8025)")
+        ->type_name("ADDRESS:PORT");
+    CLI::Option* certificate =
+        serve->add_option("--certificate", arguments.serve.certificate, "Serve TLS with this certificate")
+            ->type_name("PEM");
+    CLI::Option* key =
+        serve->add_option("--key", arguments.serve.key, "The certificate's private key")->type_name("PEM");
+    certificate->needs(key);
+    key->needs(certificate);
+    serve
+        ->add_option("--host", arguments.serve.hosts,
+                     "A further host name of this console, behind a proxy say; may be repeated")
+        ->type_name("NAME")
+        ->expected(1)
+        ->take_all();
+
+    pages = app.add_subcommand("pages", "List the pages: name, group, title");
+    pages->add_flag("--json", arguments.json, "Print JSON");
+
+    act = app.add_subcommand("do", "Show a page, run steps on it, print what it then holds");
+    act->add_flag("--json", arguments.json, "Print one JSON object");
+    act->add_flag("--start-programs", arguments.start_programs,
+                  "Start the programs that the page asks for; else they are only recorded");
+    act->add_option("PAGE", arguments.page, "The page's name")->required();
+    act->add_option("STEP", arguments.steps, "What to do on it, see below");
+    act->positionals_at_end();
+    act->footer(help_of_do);
+
+    registry = app.add_subcommand("registry", "Read and write the registry values");
+    registry->require_subcommand(1);
+    registry->footer(help_of_registry);
+    get = registry->add_subcommand("get", "Print a value");
+    get->add_option("PATH", arguments.path)->required();
+    set = registry->add_subcommand("set", "Write a value");
+    set->add_option("PATH", arguments.path)->required();
+    set->add_option("KIND", arguments.kind, "REG_SZ or REG_DWORD")->required();
+    set->add_option("VALUE", arguments.value)->required();
+    remove = registry->add_subcommand("delete", "Delete a value");
+    remove->add_option("PATH", arguments.path)->required();
+  }
+};
+
+int run(const Parser& parser, const Program& program, std::istream& in, std::ostream& out,
+        std::ostream& err) {
+  const Arguments& arguments = parser.arguments;
+  if (*parser.init) return run_init(arguments, out);
+  if (*parser.pages) return run_pages(arguments, program, out);
+  if (*parser.act) return run_do(arguments, program, in, out, err);
+  if (*parser.get) return run_registry_get(arguments, out);
+  if (*parser.set) return run_registry_set(arguments);
+  if (*parser.remove) return run_registry_delete(arguments);
+  if (!program.serve) throw std::runtime_error("this build has no web host");
+  ServeOptions options = arguments.serve;
+  options.folder = arguments.folder;
+  return program.serve(options, program.pages);
+}
+
+}  // namespace
+
+int run_command_line(const std::vector<std::string>& arguments, const Program& program, std::istream& in,
+                     std::ostream& out, std::ostream& err) {
+  Parser parser;
+  try {
+    parser.app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+  } catch (const CLI::ParseError& error) {
+    return parser.app.exit(error, out, err) == 0 ? success : usage_error;
+  }
+  try {
+    if (parser.arguments.folder.empty()) parser.arguments.folder = default_folder();
+    return run(parser, program, in, out, err);
+  } catch (const UsageError& error) {
+    err << "zrlconsole: " << error.what() << '\n';
+    return usage_error;
+  } catch (const std::exception& error) {
+    err << "zrlconsole: " << error.what() << '\n';
+    return failure;
+  }
+}
+
+}  // namespace zrl::command

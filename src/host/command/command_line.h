@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <iosfwd>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "pages/catalogue.h"
+
+namespace zrl::command {
+
+// What `serve` was told on the command line.
+struct ServeOptions {
+  std::filesystem::path folder;
+  std::string listen = "127.0.0.1:8025";  // ADDRESS:PORT
+  std::string certificate;                // PEM files; TLS if both are given
+  std::string key;
+  std::vector<std::string> hosts;  // names under which browsers may reach the host besides its address
+};
+
+// What the program is made of, besides the command line itself.
+struct Program {
+  std::span<const PageEntry> pages;
+  // Runs the web host until it is stopped; returns the exit status. Empty in builds without it.
+  std::function<int(const ServeOptions& options, std::span<const PageEntry> pages)> serve;
+};
+
+// Exit statuses.
+inline constexpr int success = 0;
+inline constexpr int failure = 1;
+inline constexpr int usage_error = 2;
+
+// Runs the command line `zrlconsole ...` (arguments without the program's name) and returns its
+// exit status. Reads steps from `in`, prints to `out`, and problems to `err`.
+int run_command_line(const std::vector<std::string>& arguments, const Program& program, std::istream& in,
+                     std::ostream& out, std::ostream& err);
+
+}  // namespace zrl::command

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/command/command_line.h"
+
+namespace zrl::command {
+
+// What the parser found; a command reads what it knows.
+struct Arguments {
+  std::filesystem::path folder;
+  bool json = false;
+  bool sample = false;
+  bool start_programs = false;
+  std::string page;
+  std::vector<std::string> steps;
+  std::string path;
+  std::string kind;
+  std::string value;
+  ServeOptions serve;
+};
+
+// The command was called in a way that cannot be meant.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The commands. They return the exit status, and raise UsageError or any std::exception.
+int run_init(const Arguments& arguments, std::ostream& out);
+int run_pages(const Arguments& arguments, const Program& program, std::ostream& out);
+int run_do(const Arguments& arguments, const Program& program, std::istream& in, std::ostream& out,
+           std::ostream& err);
+int run_registry_get(const Arguments& arguments, std::ostream& out);
+int run_registry_set(const Arguments& arguments);
+int run_registry_delete(const Arguments& arguments);
+
+}  // namespace zrl::command

@@ -1,0 +1,89 @@
+#include <boost/json/array.hpp>
+#include <boost/json/serialize.hpp>
+#include <limits>
+#include <ostream>
+
+#include "core/console.h"
+#include "core/registry.h"
+#include "core/text.h"
+#include "host/command/commands.h"
+#include "host/command/step_runner.h"
+#include "host/composition.h"
+#include "host/folder.h"
+
+namespace zrl::command {
+
+namespace {
+
+// A console on the folder, for commands that show no page.
+struct PlainConsole {
+  explicit PlainConsole(const std::filesystem::path& folder) : console(folder, host) {
+    register_components(console);
+  }
+
+  std::shared_ptr<Registry> registry() { return console.components().create<Registry>(); }
+
+  StepRunner host{[] { return std::nullopt; }, false};
+  Console console;
+};
+
+std::uint32_t dword(const std::string& text) {
+  const auto number = to_number(text);
+  if (!number || *number < 0 || *number > std::numeric_limits<std::uint32_t>::max()) {
+    throw UsageError("a REG_DWORD is a number from 0 to 4294967295");
+  }
+  return static_cast<std::uint32_t>(*number);
+}
+
+}  // namespace
+
+int run_init(const Arguments& arguments, std::ostream& out) {
+  PlainConsole plain(arguments.folder);
+  for (const std::string& line : lay_out_folder(plain.console)) out << printable(line) << '\n';
+  return success;
+}
+
+int run_pages(const Arguments& arguments, const Program& program, std::ostream& out) {
+  PlainConsole plain(arguments.folder);
+  Localisation& localisation = plain.console.localisation();
+  boost::json::array list;
+  for (const PageEntry& entry : program.pages) {
+    const std::string group = localisation.translate(entry.group);
+    const std::string title = localisation.translate(entry.title);
+    if (arguments.json) {
+      list.push_back({{"name", entry.name}, {"group", group}, {"title", title}});
+    } else {
+      out << entry.name << '\t' << group << '\t' << title << '\n';
+    }
+  }
+  if (arguments.json) out << boost::json::serialize(list) << '\n';
+  return success;
+}
+
+int run_registry_get(const Arguments& arguments, std::ostream& out) {
+  PlainConsole plain(arguments.folder);
+  const auto value = plain.registry()->regread(arguments.path);
+  if (!value) throw std::runtime_error("there is no value " + printable(arguments.path));
+  out << *value << '\n';
+  return success;
+}
+
+int run_registry_set(const Arguments& arguments) {
+  PlainConsole plain(arguments.folder);
+  if (arguments.kind == "REG_SZ") {
+    plain.registry()->write_string(arguments.path, arguments.value);
+  } else if (arguments.kind == "REG_DWORD") {
+    plain.registry()->write_dword(arguments.path, dword(arguments.value));
+  } else {
+    throw UsageError("the kind is REG_SZ or REG_DWORD");
+  }
+  return success;
+}
+
+int run_registry_delete(const Arguments& arguments) {
+  PlainConsole plain(arguments.folder);
+  plain.registry()->delete_value(arguments.path);
+  return success;
+}
+
+}  // namespace zrl::command

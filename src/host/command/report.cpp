@@ -1,0 +1,161 @@
+#include "host/command/report.h"
+
+#include <boost/json/array.hpp>
+#include <iomanip>
+#include <ostream>
+
+#include "core/controls.h"
+#include "core/text.h"
+#include "host/form_json.h"
+
+namespace zrl::command {
+
+namespace {
+
+namespace json = boost::json;
+
+// More rows of a list than these are told only by their number.
+constexpr std::size_t rows_for_people = 20;
+// Longer texts are cut.
+constexpr std::size_t width_for_people = 200;
+
+std::string short_text(std::string_view text) {
+  if (text.size() <= width_for_people) return printable(text);
+  return printable(text.substr(0, width_for_people)) + "...";
+}
+
+std::string_view reply_name(BoxReply reply) {
+  return reply == BoxReply::ok ? "ok" : "cancel";
+}
+
+json::array messages_json(const StepRunner& runner) {
+  json::array messages;
+  for (const StepRunner::Message& message : runner.messages()) {
+    messages.push_back({{"title", valid_utf8(message.box.title)},
+                        {"text", valid_utf8(message.box.text)},
+                        {"style", static_cast<int>(message.box.style)},
+                        {"reply", reply_name(message.reply)}});
+  }
+  return messages;
+}
+
+json::array programs_json(const StepRunner& runner) {
+  json::array programs;
+  for (const ProgramStart& program : runner.programs()) {
+    programs.push_back(
+        {{"command_line", valid_utf8(program.command_line)}, {"folder", valid_utf8(program.folder)}});
+  }
+  return programs;
+}
+
+json::array activity_json(const ActivityRecord& activity) {
+  json::array entries;
+  for (std::uint64_t i = activity.first(); i < activity.total(); ++i) {
+    const ActivityRecord::Entry entry = activity[i];
+    entries.push_back({{"kind", name_of(entry.kind)},
+                       {"text", valid_utf8(entry.text)},
+                       {"ok", entry.ok},
+                       {"error", valid_utf8(entry.error)}});
+  }
+  return entries;
+}
+
+void print_items(std::ostream& out, const StringList& items, std::int64_t index) {
+  for (std::size_t i = 0; i < items.size() && i < rows_for_people; ++i) {
+    const bool chosen = static_cast<std::int64_t>(i) == index;
+    out << "      " << (chosen ? "> " : "  ") << short_text(items[i]) << '\n';
+  }
+  if (items.size() > rows_for_people) {
+    out << "        ... and " << items.size() - rows_for_people << " more (--json prints them all)\n";
+  }
+}
+
+// What a control holds, in one line; lists follow it with their items.
+void print_control(std::ostream& out, const Control& control) {
+  const auto text = [&](Property property) {
+    return short_text(std::get<std::string_view>(control.get(property)));
+  };
+  const auto number = [&](Property property) { return std::get<std::int64_t>(control.get(property)); };
+  out << "  " << std::left << std::setw(20) << control.name() << ' ';
+  switch (control.kind()) {
+    case ControlKind::check_box:
+      out << (number(Property::value) == 1 ? "[x] " : "[ ] ") << text(Property::caption);
+      break;
+    case ControlKind::option_button:
+      out << (number(Property::value) == 1 ? "(o) " : "( ) ") << text(Property::caption);
+      break;
+    case ControlKind::button:
+      out << "<" << text(Property::caption) << ">";
+      break;
+    case ControlKind::text_field:
+      out << '"' << text(Property::text) << '"';
+      break;
+    case ControlKind::timer:
+      out << "every " << number(Property::interval) << " ms";
+      break;
+    case ControlKind::scroll_bar:
+      out << number(Property::value) << " of " << number(Property::min) << " to " << number(Property::max);
+      break;
+    case ControlKind::frame:
+    case ControlKind::label:
+      out << text(Property::caption);
+      break;
+    default:
+      if (control.has(Property::text)) out << '"' << text(Property::text) << "\", ";
+      out << std::get<const StringList*>(control.get(Property::items))->size() << " entries";
+  }
+  if (!control.visible()) out << "  (hidden)";
+  if (!control.enabled()) out << "  (disabled)";
+  out << '\n';
+  if (control.has(Property::items)) {
+    print_items(out, *std::get<const StringList*>(control.get(Property::items)), number(Property::index));
+  }
+}
+
+void print_activity(std::ostream& out, const ActivityRecord& activity) {
+  if (activity.total() == 0) return;
+  out << "\nActivity\n";
+  for (std::uint64_t i = activity.first(); i < activity.total(); ++i) {
+    const ActivityRecord::Entry entry = activity[i];
+    out << (entry.ok ? "  done    " : "  failed  ") << std::left << std::setw(10) << name_of(entry.kind)
+        << short_text(entry.text);
+    if (!entry.ok) out << ": " << printable(entry.error);
+    out << '\n';
+  }
+}
+
+}  // namespace
+
+void Report::take_dialogs() {
+  for (const auto& dialog : console_.dialogs()) {
+    forms_[dialog->name()] = {{"caption", valid_utf8(dialog->caption())},
+                              {"controls", controls_json(*dialog)}};
+  }
+}
+
+json::object Report::json(const Form& page, const StepRunner& runner) const {
+  json::object result;
+  result["page"] = page.name();
+  result["controls"] = controls_json(page);
+  result["forms"] = forms_;
+  result["messages"] = messages_json(runner);
+  result["programs"] = programs_json(runner);
+  result["activity"] = activity_json(console_.activity());
+  return result;
+}
+
+void Report::print(std::ostream& out, const Form& page, const StepRunner& runner) const {
+  out << printable(page.caption()) << " (" << page.name() << ")\n\n";
+  for (const Control* control : page.controls()) print_control(out, *control);
+  for (const auto& form : forms_) out << "\nThe dialog " << form.key() << " was still open.\n";
+  for (const StepRunner::Message& message : runner.messages()) {
+    out << "\nMessage: " << printable(message.box.title) << "\n  " << printable(message.box.text, true)
+        << "\n  (answered " << reply_name(message.reply) << ")\n";
+  }
+  for (const ProgramStart& program : runner.programs()) {
+    out << "\nProgram: " << printable(program.command_line) << '\n';
+  }
+  print_activity(out, console_.activity());
+}
+
+}  // namespace zrl::command

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <boost/json/object.hpp>
+#include <iosfwd>
+
+#include "core/console.h"
+#include "core/form.h"
+#include "host/command/step_runner.h"
+
+namespace zrl::command {
+
+// What `do` prints: the page, the dialogs that were open after the last step, and what happened.
+// The dialogs are taken when the last step has run, the rest when everything is over.
+class Report {
+ public:
+  explicit Report(Console& console) : console_(console) {}
+
+  void take_dialogs();
+
+  boost::json::object json(const Form& page, const StepRunner& runner) const;
+  // For people on a terminal; all texts are made printable.
+  void print(std::ostream& out, const Form& page, const StepRunner& runner) const;
+
+ private:
+  Console& console_;
+  boost::json::object forms_;
+};
+
+}  // namespace zrl::command

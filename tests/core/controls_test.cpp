@@ -1,0 +1,200 @@
+#include "core/controls.h"
+
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "core/console.h"
+#include "core/error.h"
+#include "core/form.h"
+#include "core/paths.h"
+#include "support/recording_host.h"
+#include "support/temporary_folder.h"
+
+namespace zrl {
+namespace {
+
+class SmallForm : public Form {
+ public:
+  explicit SmallForm(Console& console) : Form(console, "small", "Small") {
+    set_layout(column({frame(Frame1, column({Text1, frame(Frame2, row({Option1, Option2, List1}))})), Option3,
+                       Check1, Combo1, Combo2, Scroll1}));
+  }
+
+  Frame Frame1{*this, "Frame1", "Outer"};
+  Frame Frame2{*this, "Frame2", "Inner"};
+  TextField Text1{*this, "Text1", "a tip"};
+  OptionButton Option1{*this, "Option1", "1"};
+  OptionButton Option2{*this, "Option2", "2"};
+  OptionButton Option3{*this, "Option3", "3"};
+  CheckBox Check1{*this, "Check1", "Check"};
+  ListBox List1{*this, "List1"};
+  ComboBox Combo1{*this, "Combo1", "", {.editable = true}};
+  ComboBox Combo2{*this, "Combo2", "", {}};
+  ScrollBar Scroll1{*this, "Scroll1", ""};
+  Timer Timer1{*this, "Timer1", 1000, true};
+};
+
+class ControlsTest : public testing::Test {
+ protected:
+  test::TemporaryFolder folder;
+  test::RecordingHost host;
+  Console console{folder.path(), host};
+  SmallForm form{console};
+};
+
+TEST_F(ControlsTest, PropertiesThatAKindHasNotRaiseAnError) {
+  EXPECT_EQ(std::get<std::string_view>(form.Check1.get(Property::caption)), "Check");
+  for (const Control* control : {static_cast<Control*>(&form.Text1), static_cast<Control*>(&form.List1),
+                                 static_cast<Control*>(&form.Timer1)}) {
+    EXPECT_THROW(control->get(Property::caption), Error) << control->name();
+  }
+  EXPECT_THROW(form.Timer1.set(Property::tool_tip, "x"), Error);
+  EXPECT_THROW(form.control_at(form.controls().size()), Error);
+}
+
+TEST_F(ControlsTest, OnlyTheUserRaisesEventsButForTheTextField) {
+  int events = 0;
+  const auto count = [&] { ++events; };
+  form.Check1.on_click = form.Option1.on_click = form.List1.on_click = form.Combo1.on_click = count;
+  form.Combo1.on_change = form.Scroll1.on_change = count;
+  form.List1.set_items({"a", "b"});
+  form.Combo1.set_items({"a", "b"});
+  form.Check1.set_checked(true);
+  form.Option1.choose();
+  form.List1.set_index(1);
+  form.Combo1.set_text("b");
+  form.Scroll1.set_range(0, 10);
+  form.Scroll1.set_value(3);
+  EXPECT_EQ(events, 0);
+
+  form.Text1.on_change = count;
+  form.Text1.set_text("x");
+  form.Text1.set_text("x");
+  EXPECT_EQ(events, 1);
+  form.List1.click_item(0);
+  EXPECT_EQ(events, 2);
+  form.Option1.user_click();  // chosen already, its click runs again
+  EXPECT_EQ(events, 3);
+  form.Scroll1.user_scroll(3);
+  EXPECT_EQ(events, 3);
+  form.Scroll1.user_scroll(4);
+  EXPECT_EQ(events, 4);
+}
+
+TEST_F(ControlsTest, TheUserCannotActOnWhatIsDisabledOrHidden) {
+  form.List1.set_items({"a"});
+  form.List1.user_choose(0);
+  EXPECT_THROW(form.List1.user_choose(1), Refused);
+  EXPECT_THROW(form.List1.user_choose(-1), Refused);
+  EXPECT_THROW(form.List1.user_click(), Refused);
+  form.Frame1.set_enabled(false);  // disables what lies in it, however deep
+  EXPECT_THROW(form.List1.user_choose(0), Refused);
+  EXPECT_THROW(form.Option1.user_click(), Refused);
+  EXPECT_THROW(form.Text1.user_type("x"), Refused);
+  EXPECT_NO_THROW(form.Option3.user_click());
+  form.Frame1.set_enabled(true);
+  form.Frame2.set_visible(false);
+  EXPECT_THROW(form.Option1.user_click(), Refused);
+  EXPECT_NO_THROW(form.Text1.user_type("x"));
+  form.Timer1.set_enabled(false);
+  EXPECT_THROW(form.Timer1.user_tick(), Refused);
+}
+
+TEST_F(ControlsTest, OptionButtonsExcludeThoseOfTheirFrame) {
+  form.Option1.user_click();
+  form.Option3.user_click();
+  EXPECT_TRUE(form.Option1.chosen());
+  form.Option2.user_click();
+  EXPECT_FALSE(form.Option1.chosen());
+  EXPECT_TRUE(form.Option2.chosen());
+  EXPECT_TRUE(form.Option3.chosen());
+}
+
+TEST_F(ControlsTest, RevisionsTellWhatChangedAndNothingElse) {
+  const Revision before = form.revision();
+  form.Check1.set_checked(false);
+  form.Check1.set_caption("Check");
+  form.List1.clear();
+  EXPECT_EQ(form.revision(), before);
+  form.Check1.set_checked(true);
+  EXPECT_GT(form.Check1.revision(Property::value), before);
+  EXPECT_LE(form.Check1.revision(Property::caption), before);
+  EXPECT_LE(form.Text1.revision(), before);
+  form.List1.set_items({"a"});
+  EXPECT_GT(form.List1.revision(Property::items), form.Check1.revision(Property::value));
+}
+
+TEST_F(ControlsTest, ListsChooseNothingAfterTheyWereFilled) {
+  form.List1.set_items({"a", "b"});
+  form.List1.set_index(1);
+  EXPECT_EQ(form.List1.chosen(), "b");
+  form.List1.set_items({"c"});
+  EXPECT_EQ(form.List1.index(), -1);
+  EXPECT_EQ(form.List1.chosen(), "");
+  EXPECT_THROW(form.List1.set_index(1), Error);
+}
+
+TEST_F(ControlsTest, ComboBoxesTakeTextAsTheirStyleSays) {
+  form.Combo1.set_items({"english", "german"});
+  form.Combo2.set_items({"english", "german"});
+  form.Combo1.user_type("german");
+  EXPECT_EQ(form.Combo1.index(), 1);
+  form.Combo1.user_type("dutch");
+  EXPECT_EQ(form.Combo1.index(), -1);
+  form.Combo2.user_type("german");
+  EXPECT_EQ(form.Combo2.text(), "german");
+  EXPECT_THROW(form.Combo2.user_type("dutch"), Refused);
+  form.Combo2.user_choose(0);
+  EXPECT_EQ(form.Combo2.text(), "english");
+}
+
+TEST_F(ControlsTest, ValuesOutsideTheirRangeRaiseAnError) {
+  EXPECT_THROW(form.Check1.set_value(2), Error);
+  EXPECT_THROW(form.Scroll1.set_value(1), Error);
+  form.Scroll1.set_range(0, 10);
+  form.Scroll1.set_value(10);
+  form.Scroll1.set_range(0, 4);
+  EXPECT_EQ(form.Scroll1.value(), 4);
+  EXPECT_THROW(form.Scroll1.user_scroll(5), Refused);
+  EXPECT_THROW(form.Timer1.set_interval(-1), Error);
+}
+
+TEST_F(ControlsTest, AnEventThatFailsIsRecordedAndEndsThere) {
+  form.Check1.on_click = [] { throw Error(5, "broken"); };
+  form.Check1.user_click();
+  EXPECT_TRUE(form.Check1.checked());
+  ASSERT_EQ(console.activity().failures(), 1u);
+  EXPECT_EQ(console.activity()[0].error, "broken");
+}
+
+class PathListForm : public Form {
+ public:
+  explicit PathListForm(Console& console) : Form(console, "paths", "Paths") {}
+  FolderList Dir1{*this, "Dir1"};
+  FileList File1{*this, "File1"};
+};
+
+TEST_F(ControlsTest, PathListsShowFoldersAndFilesOfTheMachine) {
+  std::filesystem::create_directories(folder.path() / "b" / "inner");
+  std::filesystem::create_directories(folder.path() / "a");
+  std::ofstream(folder.path() / "b" / "list.txt") << "x";
+  PathListForm lists(console);
+  lists.Dir1.on_change = [&] { lists.File1.set_path(lists.Dir1.path()); };
+  lists.Dir1.set_path(to_product_path(folder.path()));
+  ASSERT_EQ(lists.Dir1.items().size(), 3u);
+  EXPECT_EQ(lists.Dir1.items()[0], "..");
+  EXPECT_EQ(lists.Dir1.items()[1], "a");
+  lists.Dir1.user_choose(2);
+  EXPECT_EQ(lists.Dir1.path(), to_product_path(folder.path() / "b"));
+  ASSERT_EQ(lists.File1.items().size(), 1u);
+  lists.File1.user_choose(0);
+  EXPECT_EQ(lists.File1.chosen(), "list.txt");
+  lists.Dir1.user_choose(0);
+  EXPECT_EQ(lists.Dir1.path(), to_product_path(folder.path()));
+  lists.Dir1.set_path("\\no such folder");
+  EXPECT_EQ(lists.Dir1.items().size(), 1u);
+}
+
+}  // namespace
+}  // namespace zrl

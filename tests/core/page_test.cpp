@@ -1,0 +1,86 @@
+#include "core/page.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/fake_components.h"
+#include "support/recording_host.h"
+#include "support/temporary_folder.h"
+
+namespace zrl {
+namespace {
+
+class SmallPage : public Page {
+ public:
+  explicit SmallPage(Console& console) : Page(console, "small", "Small") {
+    bind_switches({{Check1, "check"}});
+    Command1.on_click = [this] { execute("DELETE FROM words"); };
+  }
+
+  Label Label1{*this, "Label1", "english"};
+  Label Label2{*this, "Label2", ""};
+  ListBox List1{*this, "List1", "a tip"};
+  CheckBox Check1{*this, "Check1", "Check", "another tip"};
+  Button Command1{*this, "Command1", "Delete"};
+  Timer Timer1{*this, "Timer1", 100, true};
+  int loads = 0;
+
+ private:
+  void load() override {
+    ++loads;
+    load_switch(Check1);
+  }
+};
+
+class PageTest : public testing::Test {
+ protected:
+  PageTest() { test::add_registry(console.components(), store); }
+
+  test::TemporaryFolder folder;
+  test::RecordingHost host;
+  test::MemoryRegistry::Store store;
+  Console console{folder.path(), host};
+};
+
+TEST_F(PageTest, TranslationDropsTheTranslatorAfterEveryControlAndGoesOnePastTheEnd) {
+  test::ShoutingTranslator::Log log;
+  test::add_translator(console.components(), log);
+  store.values["hklm\\software\\mirvan\\language"] = "german";
+  SmallPage page(console);
+  page.initialise();
+  EXPECT_EQ(page.Label1.caption(), "ENGLISH");
+  EXPECT_EQ(page.Label2.caption(), "");
+  EXPECT_EQ(page.List1.tool_tip(), "A TIP");
+  EXPECT_EQ(page.Check1.tool_tip(), "ANOTHER TIP");
+  EXPECT_THAT(log.translated, testing::ElementsAre("english", "a tip", "Check", "another tip", "Delete"));
+  EXPECT_EQ(log.created, 4);  // one for each control with something to translate
+}
+
+TEST_F(PageTest, AFailedConnectionIsToldOnceAndThePageGoesOn) {
+  SmallPage page(console);
+  page.initialise();
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].title, "No Database Connection Possible");
+  EXPECT_EQ(host.boxes[0].text,
+            "Connection to database could not be etablished: \r\n"
+            "429: the component dbfunctions.dba is not available");
+  EXPECT_EQ(host.boxes[0].style, BoxStyle::critical);
+  EXPECT_EQ(page.loads, 1);
+  EXPECT_EQ(page.database, nullptr);
+  EXPECT_EQ(page.conn, nullptr);
+
+  page.Check1.user_click();
+  page.Command1.user_click();
+  EXPECT_EQ(host.boxes.size(), 1u);
+  EXPECT_TRUE(page.Check1.checked());
+  std::vector<std::string> failed;
+  for (std::uint64_t i = 0; i < console.activity().total(); ++i) {
+    EXPECT_FALSE(console.activity()[i].ok);
+    failed.emplace_back(console.activity()[i].text);
+  }
+  EXPECT_THAT(failed, testing::ElementsAre("open_database ", "read_option check", "set_option check=1",
+                                           "DELETE FROM words"));
+}
+
+}  // namespace
+}  // namespace zrl
