@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <boost/json.hpp>
+#include <stdexcept>
+
+#include <sodium.h>
 
 #include "core/console.h"
 #include "core/text.h"
@@ -88,7 +91,9 @@ Application::Application(ApplicationSettings settings, IoLoop& loop)
       origin_check_(settings_.listen_address, settings_.told_hosts),
       accounts_(settings_.console.folder / "accounts.json", loop, settings_.password_cost),
       sessions_(loop, settings_.console, settings_.limits,
-                [this](std::string language) { settings_.language = std::move(language); }) {}
+                [this](std::string language) { settings_.language = std::move(language); }) {
+  if (::sodium_init() < 0) throw std::runtime_error("no source of random numbers");
+}
 
 std::string Application::make_setup_secret() {
   return accounts_.empty() ? secret_.make() : std::string();

@@ -1,12 +1,15 @@
 # cmake -DFOLDER=... -DOUTPUT=... -DGZIP=... -P embed_assets.cmake
 # Writes OUTPUT/assets.S and OUTPUT/assets.cpp, which build every file of the folder in.
+cmake_minimum_required(VERSION 3.25)
+
 file(GLOB_RECURSE files RELATIVE ${FOLDER} ${FOLDER}/*)
 list(SORT files COMPARE STRING)
 
+# "|" stands for ";", which parts lists.
 set(types
-  html "text/html; charset=utf-8" js "text/javascript; charset=utf-8" css "text/css; charset=utf-8"
+  html "text/html| charset=utf-8" js "text/javascript| charset=utf-8" css "text/css| charset=utf-8"
   json application/json svg image/svg+xml png image/png ico image/x-icon woff2 font/woff2
-  webmanifest application/manifest+json txt "text/plain; charset=utf-8" map application/json)
+  webmanifest application/manifest+json txt "text/plain| charset=utf-8" map application/json)
 set(compressible html js css json svg webmanifest txt map)
 
 file(REMOVE_RECURSE ${OUTPUT}/gzip)
@@ -29,6 +32,7 @@ foreach(file IN LISTS files)
   if(found GREATER_EQUAL 0)
     math(EXPR found "${found} + 1")
     list(GET types ${found} type)
+    string(REPLACE "|" ";" type "${type}")
   endif()
 
   set(symbol zrl_asset_${number})

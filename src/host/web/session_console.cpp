@@ -119,7 +119,7 @@ BoxReply SessionConsole::message_box(const MessageBox& box) {
   if (ending_) return unanswered;
   flush();
   const BusyPause pause(*this);
-  box_ = OpenBox{++last_box_, box, {}};
+  box_ = OpenBox{++last_box_, &box, {}};
   send(box_message(box_->id, box));
   while (!box_->reply && !ending_) step(Level::box, never);
   const OpenBox answered = *std::exchange(box_, std::nullopt);

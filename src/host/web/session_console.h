@@ -82,7 +82,7 @@ class SessionConsole : public Host {
 
   struct OpenBox {
     std::uint64_t id;
-    const MessageBox& box;
+    const MessageBox* box;
     std::optional<BoxReply> reply;
   };
 

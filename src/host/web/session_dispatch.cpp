@@ -52,7 +52,7 @@ void SessionConsole::greet(std::uint64_t connection) {
   send(hello_message(*console_, account_, settings_.pages, page_name()));
   for (const std::shared_ptr<ShownForm>& shown : shown_) shown->announced = false;
   flush();
-  if (box_) send(box_message(box_->id, box_->box));
+  if (box_) send(box_message(box_->id, *box_->box));
 }
 
 void SessionConsole::malformed(const Malformed& problem) {

@@ -15,20 +15,20 @@
 namespace zrl::web {
 
 struct WebHostOptions {
-  std::filesystem::path folder;           // the console's, laid out already
-  std::string listen = "127.0.0.1:8025";  // ADDRESS:PORT, [ADDRESS]:PORT; port 0 takes any that is free
-  std::filesystem::path certificate;      // PEM; empty: no TLS
-  std::filesystem::path key;
-  std::vector<std::string> hosts;  // further names that browsers know this console by
-  std::span<const PageEntry> pages;
+  std::filesystem::path folder = {};       // the console's, laid out already
+  std::string listen = "127.0.0.1:8025";   // ADDRESS:PORT, [ADDRESS]:PORT; port 0 takes any that is free
+  std::filesystem::path certificate = {};  // PEM; empty: no TLS
+  std::filesystem::path key = {};
+  std::vector<std::string> hosts = {};  // further names that browsers know this console by
+  std::span<const PageEntry> pages = {};
   // Called on the threads of sessions, at the same time.
-  std::function<void(Console&)> register_components;
-  std::function<void(const ProgramStart&)> start_program;
+  std::function<void(Console&)> register_components = {};
+  std::function<void(const ProgramStart&)> start_program = {};
   bool modeless_dialogs = false;
 
-  ServerLimits server_limits;
-  SessionTable::Limits session_limits;
-  PasswordCost password_cost;
+  ServerLimits server_limits = {};
+  SessionTable::Limits session_limits = {};
+  PasswordCost password_cost = {};
 };
 
 // The web host: shows the console's pages to browsers.
