@@ -157,14 +157,15 @@ std::string busy_message(bool on, std::string_view text, std::uint64_t done, std
       json::object{{"type", "busy"}, {"on", on}, {"text", valid(text)}, {"done", done}, {"total", total}});
 }
 
-std::string activity_message(const ActivityRecord& record, std::uint64_t from, std::string_view page) {
+std::string activity_message(const ActivityRecord& record, std::uint64_t from, std::uint64_t failed,
+                             std::string_view page) {
   const std::uint64_t total = record.total();
   const std::uint64_t newest = total - std::min(total, entries_an_action);
   from = std::max({from, newest, record.first()});
   return json::serialize(json::object{{"type", "activity"},
                                       {"first", from},
                                       {"total", total},
-                                      {"failed", record.failures()},
+                                      {"failed", failed},
                                       {"entries", entries_json(record, from, total)},
                                       {"page", page}});
 }

@@ -63,7 +63,7 @@ void SessionConsole::start_console() {
   console_ = std::make_unique<Console>(settings_.folder, *this);
   if (settings_.register_components) settings_.register_components(*console_);
   language_at_start_ = language_setting();
-  reported_ = audited_ = 0;
+  reported_ = reported_failures_ = audited_ = 0;
   captions_.clear();
   const std::string language = console_->localisation().current_language();
   output_.language_is(language.empty() ? "english" : language);
@@ -198,8 +198,9 @@ void SessionConsole::report() {
   flush();
   const ActivityRecord& record = console_->activity();
   if (record.total() > reported_) {
-    send(activity_message(record, reported_, page_name()));
+    send(activity_message(record, reported_, record.failures() - reported_failures_, page_name()));
     reported_ = record.total();
+    reported_failures_ = record.failures();
   }
   audit();
   if (busy_ > 0 && --busy_ == 0) output_.action_ended();

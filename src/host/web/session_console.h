@@ -152,6 +152,7 @@ class SessionConsole : public Host {
   int malformed_ = 0;
 
   std::uint64_t reported_ = 0;  // entries of the activity record
+  std::uint64_t reported_failures_ = 0;
   std::uint64_t audited_ = 0;
   int depth_ = 0;  // handlers on the stack
   int modal_depth_ = 0;

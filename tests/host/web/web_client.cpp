@@ -164,12 +164,13 @@ std::optional<WebSocket::Frame> WebSocket::read_frame() {
     head += bytes;
   }
   if (!fill(head + length)) return {};
-  Frame frame{opcode, buffer_.substr(head, length)};
+  Frame frame{(buffer_[0] & 0x80) != 0, opcode, buffer_.substr(head, length)};
   buffer_.erase(0, head + length);
   return frame;
 }
 
-std::optional<json::object> WebSocket::receive() {
+std::optional<std::string> WebSocket::next_text() {
+  std::string text;
   while (!closed_) {
     const std::optional<Frame> frame = read_frame();
     if (!frame) {
@@ -181,69 +182,17 @@ std::optional<json::object> WebSocket::receive() {
       }
       send_frame(8, frame->payload);
       closed_ = true;
-    } else if (frame->opcode == 1) {
-      json::object message = json::parse(frame->payload).as_object();
-      apply(message);
-      return message;
+    } else if (frame->opcode <= 1) {
+      text += frame->payload;
+      if (frame->last) return text;
     }
   }
   return {};
 }
 
-json::object WebSocket::receive(std::string_view type) {
-  while (auto message = receive()) {
-    if (message->at("type").as_string() == type) return std::move(*message);
-  }
-  throw std::runtime_error("closed while waiting for " + std::string(type));
-}
-
 int WebSocket::close_code() {
   while (receive()) continue;
   return close_code_;
-}
-
-std::uint64_t WebSocket::event(std::string_view form, std::string_view control, std::string_view event,
-                               json::object more) {
-  json::object message{
-      {"type", "event"}, {"form", form}, {"control", control}, {"event", event}, {"seq", ++seq_}};
-  for (auto& [name, value] : more) message[name] = value;
-  send(message);
-  return seq_;
-}
-
-std::uint64_t WebSocket::open(std::string_view page) {
-  send(json::object{{"type", "open"}, {"page", page}, {"seq", ++seq_}});
-  return seq_;
-}
-
-std::uint64_t WebSocket::close_form(std::string_view form) {
-  send(json::object{{"type", "close"}, {"form", form}, {"seq", ++seq_}});
-  return seq_;
-}
-
-void WebSocket::until_done(std::uint64_t seq) {
-  while (auto message = receive()) {
-    const json::string& type = message->at("type").as_string();
-    if (type == "error") throw std::runtime_error("refused: " + json::serialize(*message));
-    if (type == "done" && message->at("seq").to_number<std::uint64_t>() == seq) return;
-  }
-  throw std::runtime_error("closed while waiting for an event's end");
-}
-
-void WebSocket::apply(const json::object& message) {
-  const json::string& type = message.at("type").as_string();
-  if (type != "form" && type != "change" && type != "closed") return;
-  const std::string form(message.at("form").as_string());
-  if (type == "closed") {
-    forms.erase(form);
-  } else if (type == "form") {
-    forms[form] = message.at("controls").as_object();
-  } else {
-    for (const auto& [control, changed] : message.at("controls").as_object()) {
-      json::object& held = forms.at(form).at(control).as_object();
-      for (const auto& [property, value] : changed.as_object()) held[property] = value;
-    }
-  }
 }
 
 }  // namespace zrl::test

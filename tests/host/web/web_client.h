@@ -1,17 +1,15 @@
 #pragma once
 
 #include <boost/json.hpp>
-#include <chrono>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 
-namespace zrl::test {
+#include "host/web/browser_end.h"
 
-namespace json = boost::json;
+namespace zrl::test {
 
 struct HttpAnswer {
   int status = 0;
@@ -62,47 +60,31 @@ class WebClient {
 };
 
 // The browser's end of a WebSocket.
-class WebSocket {
+class WebSocket : public BrowserEnd {
  public:
   // Opens it with the client's cookie; `status` tells whether that worked (101).
   explicit WebSocket(WebClient& client);
 
   int status = 0;
 
-  void send(const json::value& message) { send_frame(1, json::serialize(message)); }
   void send_frame(int opcode, std::string_view payload);
-
-  // The next message, or nothing if the socket was closed.
-  std::optional<json::object> receive();
-  // The next message of this type; those before it are passed over. Raises if the socket closes.
-  json::object receive(std::string_view type);
   // Reads until the server closes: its code, 0 without a close frame.
   int close_code();
 
-  // Sends an event with the next number and returns that number.
-  std::uint64_t event(std::string_view form, std::string_view control, std::string_view event,
-                      json::object more = {});
-  std::uint64_t open(std::string_view page);
-  std::uint64_t close_form(std::string_view form);
-  // Passes over all messages up to the one that tells that the event has been handled.
-  void until_done(std::uint64_t seq);
-
-  // What the browser holds of each form: kept up to date by receive().
-  std::map<std::string, json::object> forms;
-
  private:
   struct Frame {
+    bool last = true;
     int opcode = 0;
     std::string payload;
   };
 
+  void transmit(const std::string& text) override { send_frame(1, text); }
+  std::optional<std::string> next_text() override;
   std::optional<Frame> read_frame();
   bool fill(std::size_t bytes);
-  void apply(const json::object& message);
 
   TcpConnection connection_;
   std::string buffer_;
-  std::uint64_t seq_ = 0;
   int close_code_ = 0;
   bool closed_ = false;
 };
