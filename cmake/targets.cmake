@@ -11,6 +11,9 @@ endif()
 # zrl_precompile(TARGET HEADER...) precompiles the headers that most files of a target include.
 # ccache needs to be told to look through them (script/build sets CCACHE_SLOPPINESS).
 function(zrl_precompile target)
+  if(CMAKE_DISABLE_PRECOMPILE_HEADERS)
+    return()
+  endif()
   target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
   target_precompile_headers(${target} PRIVATE ${ARGN})
 endfunction()

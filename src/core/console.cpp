@@ -62,7 +62,7 @@ void Console::wrote_to(const ConnectionHandle& conn) {
   unsettled_.push_back(conn);
 }
 
-void Console::show(std::shared_ptr<Form> dialog) {
+void Console::show(const std::shared_ptr<Form>& dialog) {
   dialog->set_open(true);
   dialogs_.push_back(dialog);
   host_.show(*dialog);

@@ -57,7 +57,7 @@ class Console {
   void wrote_to(const ConnectionHandle& conn);
 
   // Opens the dialog, shows it, and keeps it alive until it is closed.
-  void show(std::shared_ptr<Form> dialog);
+  void show(const std::shared_ptr<Form>& dialog);
   // The dialogs that are open, in the order of their opening. Closed ones are dropped.
   const std::vector<std::shared_ptr<Form>>& dialogs();
 

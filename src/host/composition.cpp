@@ -1,11 +1,23 @@
 #include "host/composition.h"
 
 #include "components/locale/catalogue_translator.h"
+#include "components/sqlite/sqlite_components.h"
 
 namespace zrl {
 
 void register_components(Console& console) {
-  console.components().add<Translator>(make_translator_factory());
+  ComponentRegistry& components = console.components();
+  components.add<Translator>(make_translator_factory());
+
+  const auto registry = make_registry_store(console.folder());
+  components.add<Registry>([registry] { return registry->registry(); });
+
+  components.add<Database>([&console] {
+    return make_sqlite_database(
+        console.folder(),
+        [&console] { return console.settings().regread(console.settings().data_provider_path()); },
+        [&console](const Progress& progress) { console.host().show_progress(progress); });
+  });
 }
 
 }  // namespace zrl

@@ -23,7 +23,11 @@ class LayOut {
   explicit LayOut(Console& console) : console_(console), settings_(console.settings()) {}
 
   std::vector<std::string> run() {
-    make_folder(console_.folder());
+    // Others than the owner's group have no business with the accounts and mails in it.
+    if (make_folder(console_.folder())) {
+      fs::permissions(console_.folder(),
+                      fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec);
+    }
     for (const char* name : {"download", "archive", "scripts"}) make_folder(console_.folder() / name);
     make_ini();
     make_value(settings_.product_version_path(), version);
@@ -33,8 +37,10 @@ class LayOut {
   }
 
  private:
-  void make_folder(const fs::path& path) {
-    if (fs::create_directories(path)) made_.push_back("folder " + path.string());
+  bool make_folder(const fs::path& path) {
+    if (!fs::create_directories(path)) return false;
+    made_.push_back("folder " + path.string());
+    return true;
   }
 
   void make_ini() {

@@ -45,6 +45,7 @@ void start_program(const ProgramStart& program) {
   if (words.empty()) throw Error(ENOENT, "no program to start");
   words[0] = program_of(words[0]);
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
 

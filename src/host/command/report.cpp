@@ -145,7 +145,7 @@ json::object Report::json(const Form& page, const StepRunner& runner) const {
 }
 
 void Report::print(std::ostream& out, const Form& page, const StepRunner& runner) const {
-  out << printable(page.caption()) << " (" << page.name() << ")\n\n";
+  out << printable(console_.localisation().translate(page.caption())) << " (" << page.name() << ")\n\n";
   for (const Control* control : page.controls()) print_control(out, *control);
   for (const auto& form : forms_) out << "\nThe dialog " << form.key() << " was still open.\n";
   for (const StepRunner::Message& message : runner.messages()) {

@@ -15,7 +15,7 @@ class GeneralPage : public Page {
 
   ComboBox Combo1{*this,
                   "Combo1",
-                  "The language of the console's texts; it is used from the next start on",
+                  "The language of the console's texts; empty means English",
                   {.editable = true, .placeholder = "english"}};
   Label Label1{*this, "Label1", "Language", Combo1};
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+
+#include "components/sqlite/sqlite_connection.h"
+#include "core/host.h"
+#include "core/statement.h"
+
+// Whole lists to and from files. Each of these is one transaction, all or nothing.
+namespace zrl {
+
+// A column of a table, and whom to tell about the progress.
+struct ListTransfer {
+  Session& session;
+  Literal column;
+  Literal table;
+  const std::function<void(const Progress&)>& report;
+};
+
+// Adds the entries that the column lacks, each once, in the order of the file.
+void import_list(const ListTransfer& transfer, const std::filesystem::path& path);
+
+// Removes every row whose column equals an entry of the file.
+void delete_list(const ListTransfer& transfer, const std::filesystem::path& path);
+
+// Writes the column's texts, one a line, in the order of their insertion; empty ones are left out,
+// line breaks inside a text become blanks. The file appears complete or not at all. False if it
+// exists and must not be replaced.
+bool export_list(const ListTransfer& transfer, const Statement& condition, const std::filesystem::path& path,
+                 bool overwrite);
+
+}  // namespace zrl

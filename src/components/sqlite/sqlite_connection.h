@@ -1,0 +1,48 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "components/sqlite/sqlite_components.h"
+#include "components/sqlite/sqlite_engine.h"
+#include "components/sqlite/statement_cache.h"
+#include "core/database.h"
+
+namespace zrl {
+
+// An open file with its compiled statements. Record sets share it with their connection.
+struct Session {
+  Session(const std::filesystem::path& path, const Engine::Options& options)
+      : engine(path, options), statements(engine) {}
+
+  Engine engine;
+  StatementCache statements;
+};
+
+// A connection to one file. When the file was replaced by another one, the next operation opens
+// it again; when it was deleted, operations fail, rather than write where nobody will read.
+class SqliteConnection : public Connection {
+ public:
+  // Opens the file and creates what is missing of the schema.
+  SqliteConnection(std::filesystem::path path, const SqliteOptions& options);
+
+  void execute(const Statement& statement) override;
+  std::unique_ptr<RecordSet> open(const Statement& select, Access access) override;
+  void begin_transaction() override;
+  void commit() override;
+  void roll_back() override;
+  void settle() override;
+
+  // The session, ready to run statements of this use.
+  Session& session(Engine::Use use);
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  void follow_the_file();
+
+  std::filesystem::path path_;
+  SqliteOptions options_;
+  std::shared_ptr<Session> session_;
+};
+
+}  // namespace zrl
