@@ -1,7 +1,8 @@
 #include "host/sample/options.h"
 
+#include <algorithm>
+
 #include "core/error.h"
-#include "core/text.h"
 #include "host/sample/lists.h"
 
 namespace zrl::sample {
@@ -18,81 +19,19 @@ struct Text {
   std::string_view value;
 };
 
-constexpr Number numbers[] = {
-    // general
-    {"checkmx", 1},
-    {"checksmtpmx", 1},
-    {"checkmimemx", 1},
-    {"removereceipts", 0},
-    {"comparemimewithsmtp", 0},
-    {"checkforat", 1},
-    {"autORtest", 0},
-    {"protokoll", 1},
-    {"arcbody", 1},
-    {"enablepipe", 0},
-    {"ehlo", 1},
-    {"simulation", 0},
-    {"autoimport", 60},
-    {"cutconnection", 0},
-    {"checkhelovalid", 1},
-    {"greylist", 1},
-    {"checkmid", 0},
-    {"checkheloip", 1},
-    {"blockndr", 0},
-    {"debug", 1},
-    // spf, pop_config
-    {"check_spf", 1},
-    {"use_default_spf", 1},
-    {"whitel_spf", 0},
-    {"check_cid", 0},
-    {"use_default_cid", 0},
-    {"enable_pop3", 1},
-    {"poptime", 5},
-    // domainbw, ipbw
-    {"ReturnPath", 1},
-    {"checkbodydom", 1},
-    {"checkheaderdom", 0},
-    {"checkbw", 1},
-    {"checkblhelo", 1},
-    {"ip_checking", 1},
-    {"checkbodyip", 0},
-    {"checkheaderip", 1},
-    {"autoBLheader", 1},
-    {"activereject", 1},
-    {"checkreverse", 0},
-    {"checkreverseblacklist", 1},
-    {"checkreversewhitelist", 1},
-    // localstuff, localuser, wbuser
-    {"norelay", 1},
-    {"checklocalhelo", 1},
-    {"nofakedom", 1},
-    {"localmail", 1},
-    {"nofakemail", 1},
-    {"check_real_ad", 0},
-    {"checkmail", 1},
-    // keywords, subnets, exceptions
-    {"checksubject", 1},
-    {"checkbody", 1},
-    {"enablesubjectwhite", 1},
-    {"checklongsubject", 1},
-    {"checkshortsubject", 0},
-    {"subjectspace", 5},
-    {"subnetcheck", 1},
-    {"exceptdomain", 1},
-    {"exceptmail", 1},
-    // rblists, surbl, wordreplace, filescanner
-    {"RBLcheck", 1},
-    {"enablesurbl", 1},
-    {"editbody", 0},
-    {"checkfiles", 1},
-    {"checkfilesstream", 0},
-    {"checkextension", 1},
-    // monitor, ScriptEngine, ServiceControl
-    {"consolerefresh", 30000},
-    {"scriptcheck", 1},
-    {"listenport", 25},
-    {"forwardport", 25},
-    {"dontstartproxy", 0}};
+constexpr std::string_view switched_on =
+    "checkmx checksmtpmx checkmimemx checkforat protokoll arcbody ehlo checkhelovalid greylist "
+    "checkheloip debug check_spf use_default_spf enable_pop3 ReturnPath checkbodydom checkbw "
+    "checkblhelo ip_checking checkheaderip autoBLheader activereject checkreverseblacklist "
+    "checkreversewhitelist norelay checklocalhelo nofakedom localmail nofakemail checkmail "
+    "checksubject checkbody enablesubjectwhite checklongsubject subnetcheck exceptdomain exceptmail "
+    "RBLcheck enablesurbl checkfiles checkextension scriptcheck";
+constexpr std::string_view switched_off =
+    "removereceipts comparemimewithsmtp autORtest enablepipe simulation cutconnection checkmid "
+    "blockndr whitel_spf check_cid use_default_cid checkheaderdom checkbodyip checkreverse "
+    "check_real_ad checkshortsubject editbody checkfilesstream dontstartproxy";
+constexpr Number numbers[] = {{"autoimport", 60},        {"poptime", 5},     {"subjectspace", 5},
+                              {"consolerefresh", 30000}, {"listenport", 25}, {"forwardport", 25}};
 
 constexpr Text texts[] = {
     {"welcome",
@@ -112,10 +51,24 @@ constexpr Text texts[] = {
     {"forwardaddress", forward_address},
     {"listenip", listen_address}};
 
+// Sets the options that stand in `keys`, one blank between them; tells how many.
+std::size_t set_all(std::string_view keys, std::int32_t value, Database& database, ConnectionHandle& conn) {
+  std::size_t count = 0;
+  while (!keys.empty()) {
+    const std::size_t end = std::min(keys.find(' '), keys.size());
+    database.set_option(keys.substr(0, end), value, conn);
+    keys.remove_prefix(std::min(end + 1, keys.size()));
+    ++count;
+  }
+  return count;
+}
+
 }  // namespace
 
 std::size_t write_options(Console& console, Database& database, ConnectionHandle& conn) {
   Settings& settings = console.settings();
+  const std::size_t switches =
+      set_all(switched_on, 1, database, conn) + set_all(switched_off, 0, database, conn);
   for (const Number& option : numbers) database.set_option(option.key, option.value, conn);
   for (const Text& option : texts) database.set_string(option.key, option.value, conn);
   database.set_string("version", settings.product_version(), conn);
@@ -126,7 +79,7 @@ std::size_t write_options(Console& console, Database& database, ConnectionHandle
   const bool written = settings.regwrite_dword(settings.debug_path(), 1) &&
                        settings.regwrite_string(settings.path_of("modules\\HeaderWordCheck\\enabled"), "1");
   if (!written) throw Error(1, "cannot write the registry values of the sample");
-  return std::size(numbers) + std::size(texts) + 4;
+  return switches + std::size(numbers) + std::size(texts) + 4;
 }
 
 }  // namespace zrl::sample
