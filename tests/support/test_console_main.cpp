@@ -4,12 +4,19 @@
 #include <vector>
 
 #include "host/command/command_line.h"
+#ifdef ZRL_WITH_WEB_HOST
+#include "host/command/serve_command.h"
+#endif
 #include "support/all_controls_page.h"
 
 int main(int argc, char** argv) {
   const auto product = zrl::page_catalogue();
   std::vector<zrl::PageEntry> pages(product.begin(), product.end());
   pages.push_back({"allcontrols", "Test", "All controls", zrl::make_page<zrl::test::AllControlsPage>});
+  zrl::command::Program program{pages, {}};
+#ifdef ZRL_WITH_WEB_HOST
+  program.serve = zrl::command::serve;
+#endif
   const std::vector<std::string> arguments(argv + 1, argv + argc);
-  return zrl::command::run_command_line(arguments, {pages, {}}, std::cin, std::cout, std::cerr);
+  return zrl::command::run_command_line(arguments, program, std::cin, std::cout, std::cerr);
 }

@@ -57,7 +57,7 @@ class Words {
 
 struct TableSelect {
   std::string_view table;
-  std::string_view rest;
+  std::string rest;
 };
 
 // Takes "SELECT * from TABLE where ... order by ..." apart.
@@ -67,9 +67,11 @@ std::optional<TableSelect> table_select(std::string_view skeleton) {
   const std::string_view table = words.name();
   const std::string_view rest = words.rest();
   const auto starts_with = [&](std::string_view word) { return Words(rest).accept(word); };
-  const bool simple = rest.empty() || starts_with("where") || starts_with("order") || starts_with("limit");
-  if (table.empty() || !simple) return std::nullopt;
-  return TableSelect{table, rest};
+  if (table.empty() || !(rest.empty() || starts_with("where") || starts_with("order"))) return std::nullopt;
+  TableSelect result{table, std::string(rest)};
+  // Without an order rows come as they were inserted; their keys alone might come out of an index.
+  if (lower(rest).find("order by ") == std::string::npos) result.rest += " ORDER BY rowid";
+  return result;
 }
 
 // The number at the start of a text, as the engine reads numbers.
@@ -121,10 +123,14 @@ bool SqliteRecordSet::open_keys(const Statement& select, Connection::Access acce
     std::string keys = "SELECT rowid FROM ";
     keys.append(parts->table).append(" ").append(parts->rest);
     const Loan rows = session_->statements.prepare(keys, select);
-    while (rows->step()) keys_.push_back(rows->number(0));
+    while (rows->step()) {
+      if (rows->is_null(0)) throw Error(SQLITE_ERROR, "the rows have no keys");
+      keys_.push_back(rows->number(0));
+    }
   } catch (const Error& error) {
     // A view or a table without row keys can still be read.
     if (error.number() != SQLITE_ERROR || access == Connection::Access::updatable) throw;
+    keys_.clear();
     return false;
   }
   table_ = parts->table;

@@ -1,9 +1,16 @@
 #include <iostream>
 
 #include "host/command/command_line.h"
+#ifdef ZRL_WITH_WEB_HOST
+#include "host/command/serve_command.h"
+#endif
 
 int main(int argc, char** argv) {
+  zrl::command::Program program;
+  program.pages = zrl::page_catalogue();
+#ifdef ZRL_WITH_WEB_HOST
+  program.serve = zrl::command::serve;
+#endif
   const std::vector<std::string> arguments(argv + 1, argv + argc);
-  return zrl::command::run_command_line(arguments, {zrl::page_catalogue(), {}}, std::cin, std::cout,
-                                        std::cerr);
+  return zrl::command::run_command_line(arguments, program, std::cin, std::cout, std::cerr);
 }

@@ -1,0 +1,74 @@
+#include "host/command/serve_command.h"
+
+#include <csignal>
+#include <filesystem>
+#include <iostream>
+#include <thread>
+
+#include "host/command/step_runner.h"
+#include "host/composition.h"
+#include "host/folder.h"
+#include "host/program_starter.h"
+#include "host/web/web_host.h"
+
+namespace zrl::command {
+
+namespace {
+
+void lay_out_if_missing(const std::filesystem::path& folder) {
+  if (std::filesystem::exists(folder)) return;
+  StepRunner host([] { return std::nullopt; }, false);
+  Console console(folder, host);
+  register_components(console);
+  lay_out_folder(console);
+}
+
+// Signals are taken by a thread that waits for them; all others have them blocked.
+sigset_t block_stop_signals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  // Nobody waits for the programs that pages start.
+  std::signal(SIGCHLD, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
+  return signals;
+}
+
+void announce(web::WebHost& host) {
+  std::cout << "Open " << host.address() << std::endl;
+  const std::string secret = host.make_setup_secret();
+  if (!secret.empty()) {
+    std::cout << "First start: choose an account and a password there with this secret: " << secret
+              << std::endl;
+  }
+}
+
+}  // namespace
+
+int serve(const ServeOptions& options, std::span<const PageEntry> pages) {
+  lay_out_if_missing(options.folder);
+  const sigset_t signals = block_stop_signals();
+  web::WebHostOptions host_options;
+  host_options.folder = options.folder;
+  host_options.listen = options.listen;
+  host_options.certificate = options.certificate;
+  host_options.key = options.key;
+  host_options.hosts = options.hosts;
+  host_options.pages = pages;
+  host_options.register_components = register_components;
+  host_options.start_program = zrl::start_program;
+  web::WebHost host(std::move(host_options));
+  announce(host);
+  std::thread stopper([&] {
+    int signal = 0;
+    sigwait(&signals, &signal);
+    host.stop();
+  });
+  host.run();
+  stopper.join();
+  return success;
+}
+
+}  // namespace zrl::command

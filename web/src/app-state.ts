@@ -1,0 +1,102 @@
+import { effect, signal, untracked } from '@preact/signals'
+import { askState, logOut } from './api'
+import { Connection } from './connection'
+import { language, messages } from './i18n'
+import { ActivityModel } from './model/activity'
+import { Session } from './model/session'
+import { summarise } from './model/toast-text'
+import { Toasts } from './model/toasts'
+import { visibleText } from './model/visible-text'
+import type { HostState } from './protocol'
+
+export type Screen = 'loading' | 'unreachable' | 'setup' | 'login' | 'console' | 'ended' | 'replaced'
+
+export const screen = signal<Screen>('loading')
+export const hostState = signal<HostState | null>(null)
+
+export const connection = new Connection({
+  openSocket: () => new WebSocket(`${location.protocol === 'https:' ? 'wss:' : 'ws:'}//${location.host}/ws`),
+  askState,
+  later: (run, ms) => {
+    const timer = setTimeout(run, ms)
+    return () => clearTimeout(timer)
+  },
+})
+export const activity = new ActivityModel()
+export const session = new Session(connection, activity)
+export const toasts = new Toasts()
+
+const longestDetail = 300
+
+connection.onMessage = message => session.receive(message)
+connection.onOpened = () => session.opened()
+activity.send = message => connection.send(message)
+activity.onAction = (message, actionTotal) => {
+  if (message.entries.length === 0) return
+  const summary = summarise(message.entries, actionTotal, message.failed)
+  toasts.add(visibleText(messages.value.toast(summary), longestDetail), {
+    detail: visibleText(summary.error, longestDetail),
+    failed: summary.failed,
+    topic: summary.lead?.kind === 'set' ? `${summary.lead.what} ${summary.lead.name}` : undefined,
+  })
+}
+session.onRefusal = refusal =>
+  toasts.add(messages.value.refusals[refusal.code], { detail: visibleText(refusal.text, longestDetail), failed: true })
+
+effect(() => {
+  const status = connection.status.value
+  if (status === 'ended' || status === 'replaced') {
+    untracked(() => {
+      screen.value = status
+      session.reset()
+      toasts.clear()
+    })
+  }
+})
+
+effect(() => {
+  const told = session.hello.value
+  if (told) language.value = told.language
+})
+
+// The record tells more than the notices, which would lie over it on a narrow screen.
+effect(() => {
+  if (activity.open.value) untracked(() => toasts.clear())
+})
+
+addEventListener('online', () => connection.hurry())
+document.addEventListener('visibilitychange', () => {
+  if (!document.hidden) connection.hurry()
+})
+
+export function enter(): void {
+  screen.value = 'console'
+  connection.start()
+}
+
+/** Asks the host where things stand, and shows the page that fits. */
+export async function begin(): Promise<void> {
+  try {
+    const state = await askState()
+    hostState.value = state
+    language.value = state.language
+    if (state.setup) screen.value = 'setup'
+    else if (state.account === null) screen.value = 'login'
+    else enter()
+  } catch {
+    screen.value = 'unreachable'
+  }
+}
+
+export async function leave(): Promise<void> {
+  session.flush()
+  try {
+    await logOut()
+  } catch {
+    // The session may have ended meanwhile; the sign-in page is right in any case.
+  }
+  connection.stop()
+  session.reset()
+  toasts.clear()
+  await begin()
+}

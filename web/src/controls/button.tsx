@@ -1,0 +1,31 @@
+import { session } from '../app-state'
+import type { ControlModel } from '../model/form'
+import { Spinner } from '../shell/icon'
+import { nameOf, Tip, tipId } from './field'
+
+export function Button({ control }: { control: ControlModel }) {
+  const shown = control.shown.value
+  const waits = control.waiting.value > 0 && session.busy.value !== null
+  const caption = control.form.labelOf(shown)
+  return (
+    <span class="button-control" data-control={control.id} data-tip={shown.toolTip} data-disabled={shown.enabled ? undefined : ''}>
+      <button
+        type="button"
+        id={control.id}
+        class="button"
+        disabled={!shown.enabled}
+        aria-label={caption === '' ? nameOf(control, shown) : undefined}
+        aria-describedby={shown.toolTip ? tipId(control) : undefined}
+        aria-busy={waits}
+        onClick={() => {
+          // The action of the first click is still running; a second one would only queue it again.
+          if (!waits) control.click()
+        }}
+      >
+        {waits && <Spinner />}
+        <span class="button-text">{caption || nameOf(control, shown)}</span>
+      </button>
+      <Tip control={control} shown={shown} />
+    </span>
+  )
+}

@@ -1,0 +1,32 @@
+import type { ComponentType } from 'preact'
+import type { ControlModel } from '../model/form'
+import type { Kind } from '../protocol'
+import { Button } from './button'
+import { CheckBox, OptionButton } from './choices'
+import { ComboBox } from './combo-box'
+import { Label } from './label'
+import { ListBox } from './list-box'
+import { ScrollBar } from './scroll-bar'
+import { TextField } from './text-field'
+
+type View = ComponentType<{ control: ControlModel }>
+
+/** Frames are drawn by the layout, timers tick on the server. */
+const views: Partial<Record<Kind, View>> = {
+  Label,
+  TextField,
+  CheckBox,
+  OptionButton,
+  Button,
+  ListBox,
+  ComboBox,
+  ScrollBar,
+  DriveList: ListBox,
+  FolderList: ListBox,
+  FileList: ListBox,
+}
+
+export function ControlView({ control }: { control: ControlModel }) {
+  const View = views[control.kind]
+  return control.visible.value && View ? <View control={control} /> : null
+}

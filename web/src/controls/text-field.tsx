@@ -1,0 +1,60 @@
+import { useLayoutEffect, useRef, useState } from 'preact/hooks'
+import { messages } from '../i18n'
+import type { ControlModel } from '../model/form'
+import { Field, naming } from './field'
+
+/** Sets the text of an input only when it differs, and leaves the caret where it stood. */
+export function putText(input: HTMLInputElement | HTMLTextAreaElement, text: string): void {
+  // A text area turns every line end into one line feed; comparing the raw text would set it again and again.
+  const told = input instanceof HTMLTextAreaElement ? text.replace(/\r\n?/g, '\n') : text
+  if (input.value === told) return
+  const focused = document.activeElement === input
+  const { selectionStart, selectionEnd, scrollTop } = input
+  input.value = told
+  if (!focused) return
+  input.setSelectionRange(selectionStart, selectionEnd)
+  input.scrollTop = scrollTop
+}
+
+/** The element's types tell the two apart, though its attributes are the same for both. */
+export const fieldType = (hidden: boolean): 'text' => (hidden ? 'password' : 'text') as 'text'
+
+export function TextField({ control }: { control: ControlModel }) {
+  const shown = control.shown.value
+  const text = control.text.value
+  const area = useRef<HTMLTextAreaElement>(null)
+  const line = useRef<HTMLInputElement>(null)
+  const [revealed, setRevealed] = useState(false)
+  useLayoutEffect(() => {
+    const input = shown.multiLine ? area.current : line.current
+    if (input) putText(input, text)
+  })
+  const common = {
+    id: control.id,
+    placeholder: shown.placeholder,
+    disabled: !shown.enabled,
+    spellcheck: false,
+    autocomplete: shown.secret ? 'new-password' : 'off',
+    autocapitalize: 'off' as const,
+    dir: 'auto' as const,
+    onInput: (event: Event) => control.type((event.currentTarget as HTMLInputElement).value),
+    ...naming(control, shown),
+  }
+  const fixed = shown.fixedPitch ? ' fixed-pitch' : ''
+  return (
+    <Field control={control} shown={shown} class={shown.multiLine ? 'text-area' : 'text-field'} labelFor={control.id}>
+      {shown.multiLine ? (
+        <textarea ref={area} class={`input${fixed}`} rows={6} wrap={shown.fixedPitch ? 'off' : 'soft'} {...common} />
+      ) : (
+        <span class="input-line">
+          <input ref={line} class={`input${fixed}`} type={fieldType(shown.secret === true && !revealed)} {...common} />
+          {shown.secret && (
+            <button type="button" class="button quiet small" aria-pressed={revealed} onClick={() => setRevealed(!revealed)}>
+              {revealed ? messages.value.hidePassword : messages.value.showPassword}
+            </button>
+          )}
+        </span>
+      )}
+    </Field>
+  )
+}

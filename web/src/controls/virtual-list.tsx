@@ -1,0 +1,116 @@
+import type { ComponentChildren } from 'preact'
+import { useEffect, useImperativeHandle, useLayoutEffect, useReducer, useRef, useState } from 'preact/hooks'
+import { ScrollMap } from '../model/scroll-map'
+
+export interface VirtualListHandle {
+  element: HTMLDivElement | null
+  /** Brings a row into view with the least movement. */
+  reveal(row: number): void
+  toTop(): void
+  /** Whole rows that fit the view. */
+  pageSize(): number
+}
+
+interface Props {
+  count: number
+  rowHeight: number
+  /** Must give each row exactly the row height. */
+  row: (position: number) => ComponentChildren
+  onRange?: (first: number, last: number) => void
+  handle: { current: VirtualListHandle | null }
+  /** The attributes of the scrolled element. */
+  [attribute: string]: unknown
+}
+
+const overscan = 6
+const settlingTime = 150
+
+/** Draws only the rows that are on view, for any number of rows. */
+export function VirtualList({ count, rowHeight, row, onRange, handle, ...attributes }: Props) {
+  const element = useRef<HTMLDivElement>(null)
+  const map = useRef(new ScrollMap()).current
+  const settling = useRef<ReturnType<typeof setTimeout> | undefined>(undefined)
+  const [, redraw] = useReducer<number, void>(n => n + 1, 0)
+  const [viewHeight, setViewHeight] = useState(0)
+  // A row that was to be revealed before the height of the view was known.
+  const waiting = useRef(-1)
+  map.configure(count, rowHeight, viewHeight)
+
+  const moveTo = (top: number): void => {
+    const scrolled = element.current
+    if (!scrolled) return
+    scrolled.scrollTop = map.moveTo(top)
+    redraw()
+  }
+
+  useImperativeHandle(handle, () => ({
+    get element() {
+      return element.current
+    },
+    reveal: position => {
+      if (viewHeight === 0) {
+        waiting.current = position
+        return
+      }
+      const top = map.topShowing(position)
+      if (top !== map.virtualTop) moveTo(top)
+    },
+    toTop: () => moveTo(0),
+    pageSize: () => Math.max(1, Math.floor(viewHeight / rowHeight) - 1),
+  }))
+
+  useLayoutEffect(() => {
+    const scrolled = element.current
+    if (!scrolled) return undefined
+    const measure = (): void => setViewHeight(scrolled.clientHeight)
+    const observer = new ResizeObserver(measure)
+    observer.observe(scrolled)
+    measure()
+    return () => {
+      observer.disconnect()
+      clearTimeout(settling.current)
+    }
+  }, [])
+
+  // A shorter list or a higher view can leave the scroll position beyond the end.
+  useLayoutEffect(() => {
+    const scrolled = element.current
+    const place = map.moveTo(map.virtualTop)
+    if (scrolled && Math.abs(scrolled.scrollTop - place) >= 1) scrolled.scrollTop = place
+    if (viewHeight > 0 && waiting.current >= 0) {
+      moveTo(map.topShowing(waiting.current))
+      waiting.current = -1
+    }
+  }, [count, rowHeight, viewHeight])
+
+  const onScroll = (): void => {
+    const scrolled = element.current
+    if (!scrolled) return
+    map.onScroll(scrolled.scrollTop)
+    redraw()
+    if (!map.scaled) return
+    clearTimeout(settling.current)
+    settling.current = setTimeout(() => {
+      scrolled.scrollTop = map.moveTo(map.virtualTop)
+      redraw()
+    }, settlingTime)
+  }
+
+  const firstSeen = count === 0 ? 0 : map.firstVisible()
+  const lastSeen = count === 0 || viewHeight === 0 ? -1 : map.lastVisible()
+  const first = Math.max(0, firstSeen - overscan)
+  const last = lastSeen < 0 ? -1 : Math.min(count - 1, lastSeen + overscan)
+  useEffect(() => onRange?.(first, last))
+
+  const rows: ComponentChildren[] = []
+  for (let position = first; position <= last; ++position) rows.push(row(position))
+  return (
+    <div ref={element} onScroll={onScroll} {...attributes}>
+      <div class="rows-height" role="presentation" style={{ height: `${map.contentHeight}px` }}>
+        <div class="rows-layer" role="presentation" style={{ transform: `translateY(${count === 0 ? 0 : map.offsetOf(first)}px)` }}>
+          {rows}
+        </div>
+      </div>
+    </div>
+  )
+}

@@ -1,0 +1,195 @@
+import type { Step } from '../model/toast-text'
+import type { Messages } from './en'
+
+const number = new Intl.NumberFormat('de')
+const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
+
+const counted = (kind: Step['kind'], count: number): string => {
+  switch (kind) {
+    case 'set':
+      return plural(count, 'weiterer Wert gesetzt', 'weitere Werte gesetzt')
+    case 'delete':
+      return plural(count, 'Wert gelöscht', 'Werte gelöscht')
+    case 'statement':
+      return plural(count, 'Anweisung ausgeführt', 'Anweisungen ausgeführt')
+    case 'component':
+      return plural(count, 'Listenvorgang', 'Listenvorgänge')
+    case 'program':
+      return plural(count, 'Programm gestartet', 'Programme gestartet')
+    case 'file':
+      return plural(count, 'Datei geschrieben', 'Dateien geschrieben')
+    case 'other':
+      return plural(count, 'weiterer Schritt', 'weitere Schritte')
+  }
+}
+
+const told = (step: Step): string => {
+  switch (step.kind) {
+    case 'set': {
+      const what = step.what === 'option' ? 'Option' : 'Registrierungswert'
+      return step.value === '' ? `${what} ${step.name} geleert` : `${what} ${step.name} auf ${step.value} gesetzt`
+    }
+    case 'delete':
+      return `Registrierungswert ${step.name} gelöscht`
+    case 'statement':
+      return '1 Anweisung ausgeführt'
+    case 'component':
+      return `Erledigt: ${step.text}`
+    case 'program':
+      return `Gestartet: ${step.text}`
+    case 'file':
+      return `Geschrieben: ${step.text}`
+    case 'other':
+      return step.text
+  }
+}
+
+const failureStep = (step: Step): string => {
+  switch (step.kind) {
+    case 'set':
+      return `${step.what === 'option' ? 'Option' : 'Registrierungswert'} ${step.name} wurde nicht gesetzt`
+    case 'delete':
+      return `Registrierungswert ${step.name} wurde nicht gelöscht`
+    case 'statement':
+      return 'Eine Anweisung ist fehlgeschlagen'
+    case 'component':
+      return `Fehlgeschlagen: ${step.text}`
+    case 'program':
+      return `Nicht gestartet: ${step.text}`
+    case 'file':
+      return `Nicht geschrieben: ${step.text}`
+    case 'other':
+      return `Fehlgeschlagen: ${step.text}`
+  }
+}
+
+export const de: Messages = {
+  code: 'de',
+  number: value => number.format(value),
+
+  skipToContent: 'Zum Inhalt springen',
+  loading: 'Wird geladen…',
+  menu: 'Menü',
+  closeMenu: 'Menü schließen',
+  navigation: 'Seiten',
+  search: 'Suchen',
+  signOut: 'Abmelden',
+  signedInAs: account => `Angemeldet als ${account}`,
+  version: version => `Version ${version}`,
+  theme: 'Darstellung',
+  themes: { auto: 'Automatisch', light: 'Hell', dark: 'Dunkel' },
+
+  signIn: 'Anmelden',
+  signInLead: 'Verwaltungskonsole',
+  account: 'Konto',
+  password: 'Passwort',
+  showPassword: 'Anzeigen',
+  hidePassword: 'Verbergen',
+  setUp: 'Konsole einrichten',
+  setUpLead: 'Legen Sie das Konto fest, das diesen Proxy verwaltet.',
+  secret: 'Einrichtungsschlüssel',
+  secretHelp: 'Er wurde beim Start der Konsole im Terminal ausgegeben.',
+  accountHelp: 'Mit diesem Namen melden Sie sich an.',
+  newPassword: 'Neues Passwort',
+  passwordHelp: 'Mindestens 10 Zeichen. Gut eignen sich einige Wörter, die nur Sie kennen.',
+  repeatPassword: 'Neues Passwort wiederholen',
+  passwordsDiffer: 'Die beiden Passwörter stimmen nicht überein.',
+  required: 'Diese Angabe fehlt.',
+  finishSetUp: 'Einrichten und anmelden',
+  working: 'Einen Moment…',
+  failures: {
+    bad_request: 'Die Konsole hat die Anfrage nicht verstanden. Laden Sie die Seite neu und versuchen Sie es noch einmal.',
+    wrong_secret: 'Das ist nicht der Einrichtungsschlüssel. Er wurde beim Start der Konsole ausgegeben.',
+    wrong_password: 'Konto oder Passwort ist falsch.',
+    weak_password: 'Das Passwort braucht mindestens 10 Zeichen.',
+    already_set_up: 'Die Konsole ist schon eingerichtet. Melden Sie sich stattdessen an.',
+    too_many_tries: 'Es gab zu viele Versuche.',
+    too_many_sessions: 'Zurzeit sind zu viele Personen angemeldet. Versuchen Sie es später noch einmal.',
+  },
+  retryIn: seconds => `Neuer Versuch in ${plural(seconds, 'Sekunde', 'Sekunden')} möglich.`,
+  unreachable: 'Die Konsole ist nicht erreichbar',
+  unreachableText: 'Läuft sie noch? Die Seite versucht es von selbst weiter.',
+  tryNow: 'Jetzt versuchen',
+  sessionEnded: 'Ihre Sitzung ist beendet',
+  sessionEndedText: 'Sie wurden abgemeldet, oder es ist längere Zeit nichts geschehen. Gespeichertes ist sicher.',
+  signInAgain: 'Wieder anmelden',
+  replaced: 'Die Konsole ist anderswo geöffnet',
+  replacedText: 'Sie wurde mit derselben Sitzung in einem anderen Tab oder Fenster geöffnet. Nur eines davon lässt sich benutzen.',
+  useHere: 'Hier benutzen',
+
+  connectionLost: 'Verbindung unterbrochen. Neuer Versuch läuft…',
+  reconnect: 'Jetzt versuchen',
+  refusals: {
+    refused: 'Das ist im Moment nicht möglich',
+    no_form: 'Dieser Dialog ist nicht mehr geöffnet',
+    malformed: 'Die Konsole hat den letzten Schritt nicht verstanden',
+    unknown_page: 'Diese Seite gibt es nicht',
+    busy: 'Ein anderer Vorgang läuft noch',
+    not_connected: 'Keine Verbindung: Es wurde nichts gesendet',
+    too_long: 'Der Text ist zu lang und wurde nicht gesendet (höchstens 1 MB)',
+  },
+
+  palette: 'Seiten und Einstellungen durchsuchen',
+  palettePlaceholder: 'Seiten und Einstellungen durchsuchen…',
+  paletteEmpty: query => `Nichts gefunden für „${query}“`,
+  paletteHits: count => plural(count, 'Treffer', 'Treffer'),
+  paletteHint: { move: 'bewegen', open: 'öffnen', close: 'schließen' },
+  pageHit: 'Seite',
+
+  entries: count => plural(count, 'Eintrag', 'Einträge'),
+  ofEntries: (shown, total) => `${number.format(shown)} von ${number.format(total)}`,
+  rowOf: (row, total) => `Zeile ${number.format(row)} von ${number.format(total)}`,
+  filter: 'Filtern',
+  filterList: list => `${list} filtern`.trim(),
+  clearFilter: 'Filter löschen',
+  emptyList: 'Keine Einträge',
+  noMatch: 'Nichts passt zum Filter',
+  list: 'Liste',
+  emptyRow: '(leer)',
+  fullText: 'Ganzer Text',
+  copy: 'Kopieren',
+  copied: 'Kopiert',
+  close: 'Schließen',
+  openChoices: 'Auswahl anzeigen',
+  help: caption => `Hinweis zu ${caption}`,
+  position: (value, min, max) => `${number.format(value)} (${number.format(min)}–${number.format(max)})`,
+  emptyPage: 'Auf dieser Seite gibt es nichts anzuzeigen.',
+
+  ok: 'OK',
+  cancel: 'Abbrechen',
+  critical: 'Fehler',
+  question: 'Frage',
+  warning: 'Warnung',
+  information: 'Hinweis',
+
+  busy: 'In Arbeit…',
+  busyProgress: (done, total) => `${number.format(done)} von ${number.format(total)}`,
+
+  activity: 'Aktivität',
+  activityButton: failures =>
+    failures > 0 ? `Aktivität, ${plural(failures, 'neuer Fehler', 'neue Fehler')}` : 'Aktivität',
+  activityLead: 'Was jeder Vorgang geschrieben hat und was fehlgeschlagen ist.',
+  failuresOnly: 'Nur Fehler',
+  noActivity: 'Es wurde noch nichts geschrieben.',
+  noFailures: 'Kein Schritt ist fehlgeschlagen.',
+  searchingFailures: 'Wird durchsucht…',
+  outcome: { ok: 'Erledigt', failed: 'Fehlgeschlagen' },
+  activityDetail: 'Eintrag',
+  showActivity: 'Einzelheiten',
+  dismiss: 'Ausblenden',
+  notices: 'Meldungen',
+  times: count => `×${number.format(count)}`,
+
+  toast: summary => {
+    if (summary.failed) {
+      if (summary.total === 1 && summary.lead) return failureStep(summary.lead)
+      if (!summary.lead || summary.lead.kind === 'statement') {
+        return `${plural(summary.total, 'Schritt', 'Schritte')} ausgeführt, ${number.format(summary.failures)} fehlgeschlagen`
+      }
+      const lead = failureStep(summary.lead)
+      return `${lead} (${number.format(summary.failures)} von ${plural(summary.total, 'Schritt', 'Schritten')} fehlgeschlagen)`
+    }
+    const parts = summary.others.map(other => counted(other.kind, other.count))
+    return [...(summary.lead ? [told(summary.lead)] : []), ...parts].join(', ')
+  },
+}

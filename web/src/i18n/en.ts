@@ -1,0 +1,203 @@
+import type { Refusal } from '../model/session'
+import type { Step, Summary } from '../model/toast-text'
+import type { FailureCode } from '../protocol'
+
+const number = new Intl.NumberFormat('en')
+const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
+
+const counted = (kind: Step['kind'], count: number): string => {
+  switch (kind) {
+    case 'set':
+      return plural(count, 'more value set', 'more values set')
+    case 'delete':
+      return plural(count, 'value deleted', 'values deleted')
+    case 'statement':
+      return plural(count, 'statement run', 'statements run')
+    case 'component':
+      return plural(count, 'list operation', 'list operations')
+    case 'program':
+      return plural(count, 'program started', 'programs started')
+    case 'file':
+      return plural(count, 'file written', 'files written')
+    case 'other':
+      return plural(count, 'more step', 'more steps')
+  }
+}
+
+const told = (step: Step): string => {
+  switch (step.kind) {
+    case 'set': {
+      const what = step.what === 'option' ? 'Option' : 'Registry value'
+      return step.value === '' ? `${what} ${step.name} emptied` : `${what} ${step.name} set to ${step.value}`
+    }
+    case 'delete':
+      return `Registry value ${step.name} deleted`
+    case 'statement':
+      return '1 statement run'
+    case 'component':
+      return `Done: ${step.text}`
+    case 'program':
+      return `Started: ${step.text}`
+    case 'file':
+      return `Written: ${step.text}`
+    case 'other':
+      return step.text
+  }
+}
+
+const failureStep = (step: Step): string => {
+  switch (step.kind) {
+    case 'set':
+      return `${step.what === 'option' ? 'Option' : 'Registry value'} ${step.name} was not set`
+    case 'delete':
+      return `Registry value ${step.name} was not deleted`
+    case 'statement':
+      return 'A statement failed'
+    case 'component':
+      return `Failed: ${step.text}`
+    case 'program':
+      return `Not started: ${step.text}`
+    case 'file':
+      return `Not written: ${step.text}`
+    case 'other':
+      return `Failed: ${step.text}`
+  }
+}
+
+const failures: Record<FailureCode, string> = {
+  bad_request: 'The console did not understand the request. Reload the page and try again.',
+  wrong_secret: 'This is not the set-up secret. It was printed when the console was started.',
+  wrong_password: 'The account or the password is wrong.',
+  weak_password: 'The password needs at least 10 characters.',
+  already_set_up: 'The console has been set up already. Sign in instead.',
+  too_many_tries: 'There were too many tries.',
+  too_many_sessions: 'Too many people are signed in at the moment. Try again later.',
+}
+
+const refusals: Record<Refusal['code'], string> = {
+  refused: 'This can’t be done right now',
+  no_form: 'This dialog is no longer open',
+  malformed: 'The console did not understand the last step',
+  unknown_page: 'There is no such page',
+  busy: 'Another action is still running',
+  not_connected: 'Not connected: nothing was sent',
+  too_long: 'The text is too long and was not sent (the limit is 1 MB)',
+}
+
+export const en = {
+  code: 'en',
+  number: (value: number): string => number.format(value),
+
+  skipToContent: 'Skip to the page',
+  loading: 'Loading…',
+  menu: 'Menu',
+  closeMenu: 'Close the menu',
+  navigation: 'Pages',
+  search: 'Search',
+  signOut: 'Sign out',
+  signedInAs: (account: string): string => `Signed in as ${account}`,
+  version: (version: string): string => `Version ${version}`,
+  theme: 'Appearance',
+  themes: { auto: 'Automatic', light: 'Light', dark: 'Dark' },
+
+  signIn: 'Sign in',
+  signInLead: 'Administration console',
+  account: 'Account',
+  password: 'Password',
+  showPassword: 'Show',
+  hidePassword: 'Hide',
+  setUp: 'Set up the console',
+  setUpLead: 'Choose the account that administers this proxy.',
+  secret: 'Set-up secret',
+  secretHelp: 'It was printed in the terminal when the console was started.',
+  accountHelp: 'You sign in with this name.',
+  newPassword: 'New password',
+  passwordHelp: 'At least 10 characters. A few words that only you know make a good one.',
+  repeatPassword: 'Repeat the new password',
+  passwordsDiffer: 'The two passwords are not the same.',
+  required: 'This is needed.',
+  finishSetUp: 'Set up and sign in',
+  working: 'One moment…',
+  failures,
+  retryIn: (seconds: number): string => `Try again in ${plural(seconds, 'second', 'seconds')}.`,
+  unreachable: 'The console can’t be reached',
+  unreachableText: 'Is it still running? The page tries again by itself.',
+  tryNow: 'Try now',
+  sessionEnded: 'Your session has ended',
+  sessionEndedText: 'You were signed out, or nothing happened for a while. What was saved is safe.',
+  signInAgain: 'Sign in again',
+  replaced: 'The console is open elsewhere',
+  replacedText: 'It was opened in another tab or window with the same session. Only one of them can be used at a time.',
+  useHere: 'Use it here',
+
+  connectionLost: 'Connection lost. Trying again…',
+  reconnect: 'Try now',
+  refusals,
+
+  palette: 'Search pages and settings',
+  palettePlaceholder: 'Search pages and settings…',
+  paletteEmpty: (query: string): string => `Nothing found for “${query}”`,
+  paletteHits: (count: number): string => plural(count, 'result', 'results'),
+  paletteHint: { move: 'move', open: 'open', close: 'close' },
+  pageHit: 'Page',
+
+  entries: (count: number): string => plural(count, 'entry', 'entries'),
+  ofEntries: (shown: number, total: number): string => `${number.format(shown)} of ${number.format(total)}`,
+  rowOf: (row: number, total: number): string => `Row ${number.format(row)} of ${number.format(total)}`,
+  filter: 'Filter',
+  filterList: (list: string): string => `Filter ${list}`.trim(),
+  clearFilter: 'Clear the filter',
+  emptyList: 'No entries',
+  noMatch: 'Nothing matches the filter',
+  list: 'List',
+  emptyRow: '(empty)',
+  fullText: 'Full text',
+  copy: 'Copy',
+  copied: 'Copied',
+  close: 'Close',
+  openChoices: 'Show the choices',
+  help: (caption: string): string => `About ${caption}`,
+  position: (value: number, min: number, max: number): string =>
+    `${number.format(value)} (${number.format(min)}–${number.format(max)})`,
+  emptyPage: 'This page has nothing to show.',
+
+  ok: 'OK',
+  cancel: 'Cancel',
+  critical: 'Error',
+  question: 'Question',
+  warning: 'Warning',
+  information: 'Information',
+
+  busy: 'Working…',
+  busyProgress: (done: number, total: number): string => `${number.format(done)} of ${number.format(total)}`,
+
+  activity: 'Activity',
+  activityButton: (failures: number): string =>
+    failures > 0 ? `Activity, ${plural(failures, 'new failure', 'new failures')}` : 'Activity',
+  activityLead: 'What every action wrote, and what failed.',
+  failuresOnly: 'Failures only',
+  noActivity: 'Nothing has been written yet.',
+  noFailures: 'No step has failed.',
+  searchingFailures: 'Searching…',
+  outcome: { ok: 'Done', failed: 'Failed' },
+  activityDetail: 'Entry',
+  showActivity: 'Details',
+  dismiss: 'Dismiss',
+  notices: 'Notices',
+  times: (count: number): string => `×${number.format(count)}`,
+
+  toast: (summary: Summary): string => {
+    if (summary.failed) {
+      if (summary.total === 1 && summary.lead) return failureStep(summary.lead)
+      if (!summary.lead || summary.lead.kind === 'statement') {
+        return `${plural(summary.total, 'step run', 'steps run')}, ${number.format(summary.failures)} failed`
+      }
+      const lead = failureStep(summary.lead)
+      return `${lead} (${number.format(summary.failures)} of ${plural(summary.total, 'step', 'steps')} failed)`
+    }
+    const parts = summary.others.map(other => counted(other.kind, other.count))
+    return [...(summary.lead ? [told(summary.lead)] : []), ...parts].join(', ')
+  },
+}
+
+export type Messages = typeof en

@@ -1,0 +1,8 @@
+import { computed, signal } from '@preact/signals'
+import type { Language } from '../protocol'
+import { de } from './de'
+import { en, type Messages } from './en'
+
+export const language = signal<Language>(navigator.language.startsWith('de') ? 'german' : 'english')
+
+export const messages = computed<Messages>(() => (language.value === 'german' ? de : en))

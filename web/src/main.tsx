@@ -1,0 +1,25 @@
+import { render } from 'preact'
+import { App } from './app'
+import { begin } from './app-state'
+import { followPointer, followTheme } from './model/preferences'
+import { listenForPaletteKey } from './shell/palette'
+import { listenForEscape } from './shell/popups'
+import { startRouter } from './shell/router'
+import { followUse } from './shell/toasts-view'
+import './styles/base.css'
+import './styles/controls.css'
+import './styles/lists.css'
+import './styles/layout.css'
+import './styles/shell.css'
+import './styles/overlays.css'
+import './styles/door.css'
+
+followTheme()
+followPointer()
+followUse()
+listenForEscape()
+listenForPaletteKey()
+startRouter()
+const root = document.getElementById('app')
+if (root) render(<App />, root)
+void begin()

@@ -1,0 +1,165 @@
+import { signal } from '@preact/signals'
+import type { ActivityEntry, ActivityMessage, PlainMessage, RecordMessage } from '../protocol'
+
+const blockSize = 200
+const scanSize = 500
+const keptBlocks = 40
+
+export interface PlacedEntry extends ActivityEntry {
+  position: number
+}
+
+/** The activity record as far as it is on view. The newest entry stands first. */
+export class ActivityModel {
+  readonly total = signal(0)
+  /** Failures since the drawer was last looked at. */
+  readonly unseenFailures = signal(0)
+  readonly open = signal(false)
+  readonly failuresOnly = signal(false)
+  readonly failures = signal<readonly PlacedEntry[]>([])
+  /** True while the record is being searched for failures. */
+  readonly scanning = signal(false)
+  readonly version = signal(0)
+  send: (message: PlainMessage) => boolean = () => false
+  onAction: (message: ActivityMessage, actionTotal: number) => void = () => {}
+
+  private blocks = new Map<number, ActivityEntry[]>()
+  private asked = new Map<number, { block: number } | { scanFrom: number; scanEnd: number }>()
+  private nextRequest = 1
+  /** The record is known to be searched for failures in [scannedFrom, scannedEnd). */
+  private scannedFrom = 0
+  private scannedEnd = 0
+
+  took(message: ActivityMessage): void {
+    const added = Math.max(message.entries.length, message.total - this.total.peek())
+    this.grow(message.total)
+    for (const [offset, entry] of message.entries.entries()) this.place(message.first + offset, entry)
+    if (!this.open.peek()) this.unseenFailures.value += message.failed
+    this.version.value++
+    this.scan()
+    this.onAction(message, added)
+  }
+
+  accept(message: RecordMessage): void {
+    const asked = this.asked.get(message.request)
+    if (!asked) return
+    this.asked.delete(message.request)
+    this.grow(message.total)
+    if ('block' in asked) {
+      this.blocks.set(asked.block, message.entries)
+      for (const number of this.blocks.keys()) {
+        if (this.blocks.size > keptBlocks && Math.abs(number - asked.block) > 2) this.blocks.delete(number)
+      }
+    } else {
+      const found = message.entries
+        .map((entry, offset) => ({ ...entry, position: message.start + offset }))
+        .filter(entry => !entry.ok)
+      this.failures.value = [...this.failures.peek(), ...found].sort((a, b) => b.position - a.position)
+      if (asked.scanFrom < this.scannedFrom || this.scannedFrom === this.scannedEnd) this.scannedFrom = asked.scanFrom
+      this.scannedEnd = Math.max(this.scannedEnd, asked.scanEnd)
+      this.scanning.value = false
+      this.scan()
+    }
+    this.version.value++
+  }
+
+  entry(position: number): ActivityEntry | undefined {
+    return this.blocks.get(Math.floor(position / blockSize))?.[position % blockSize]
+  }
+
+  /** The record positions from first to last are on view. */
+  show(first: number, last: number): void {
+    for (let block = Math.floor(first / blockSize); block <= Math.floor(last / blockSize); ++block) {
+      const start = block * blockSize
+      const held = this.blocks.get(block)?.length ?? 0
+      const wanted = Math.min(blockSize, this.total.peek() - start)
+      const complete = held >= wanted && !this.hasGap(block)
+      if (complete || this.isAsked(block) || wanted <= 0) continue
+      const request = this.nextRequest++
+      this.asked.set(request, { block })
+      this.send({ type: 'record', request, start, count: blockSize })
+    }
+  }
+
+  toggle(open: boolean): void {
+    this.open.value = open
+    if (!open) return
+    this.unseenFailures.value = 0
+    // Asking for an empty window tells how long the record is by now.
+    this.version.value++
+    if (this.total.peek() === 0) this.askFirst()
+    this.scan()
+  }
+
+  showFailures(only: boolean): void {
+    this.failuresOnly.value = only
+    this.scan()
+  }
+
+  reconnected(): void {
+    this.blocks.clear()
+    this.asked.clear()
+    this.failures.value = []
+    this.scannedFrom = this.scannedEnd = 0
+    this.scanning.value = false
+    if (this.open.peek()) this.askFirst()
+    this.version.value++
+  }
+
+  reset(): void {
+    this.reconnected()
+    this.total.value = 0
+    this.unseenFailures.value = 0
+    this.open.value = false
+    this.failuresOnly.value = false
+  }
+
+  private askFirst(): void {
+    const request = this.nextRequest++
+    this.asked.set(request, { block: 0 })
+    this.send({ type: 'record', request, start: 0, count: blockSize })
+  }
+
+  /** Searches the record for failures, the newest part first, one window at a time. */
+  private scan(): void {
+    if (!this.open.peek() || !this.failuresOnly.peek() || this.scanning.peek()) return
+    const total = this.total.peek()
+    if (this.scannedFrom === this.scannedEnd) this.scannedFrom = this.scannedEnd = total
+    let start: number
+    let end: number
+    if (this.scannedEnd < total) {
+      start = this.scannedEnd
+      end = Math.min(total, start + scanSize)
+    } else if (this.scannedFrom > 0) {
+      end = this.scannedFrom
+      start = Math.max(0, end - scanSize)
+    } else return
+    const request = this.nextRequest++
+    this.asked.set(request, { scanFrom: start, scanEnd: end })
+    if (this.send({ type: 'record', request, start, count: end - start })) this.scanning.value = true
+  }
+
+  private grow(total: number): void {
+    if (total < this.total.peek()) this.blocks.clear()
+    this.total.value = total
+  }
+
+  private place(position: number, entry: ActivityEntry): void {
+    const number = Math.floor(position / blockSize)
+    let block = this.blocks.get(number)
+    if (!block) this.blocks.set(number, (block = []))
+    block[position % blockSize] = entry
+  }
+
+  private hasGap(block: number): boolean {
+    const held = this.blocks.get(block)
+    if (!held) return true
+    for (let place = 0; place < held.length; ++place) if (!held[place]) return true
+    return false
+  }
+
+  private isAsked(block: number): boolean {
+    for (const asked of this.asked.values()) if ('block' in asked && asked.block === block) return true
+    return false
+  }
+}

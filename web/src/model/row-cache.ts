@@ -1,0 +1,162 @@
+import type { RowsMessage } from '../protocol'
+
+export const blockSize = 200
+
+export interface RowRequest {
+  request: number
+  start: number
+  count: number
+  filter: string
+}
+
+interface Block {
+  rows: string[]
+  indexes: number[] | null
+  revision: number
+}
+
+/** The rows of one list that the browser holds: blocks fetched as they are shown.
+ *  Blocks of an older revision or filter stay on view until their successors arrive, so that nothing flickers. */
+export class RowCache {
+  /** Rows that match the filter on view. */
+  length: number
+  /** The filter whose rows are on view; the wanted one may be newer. */
+  filter = ''
+  private wantedFilter = ''
+  private revision: number
+  private total: number
+  private blocks = new Map<number, Block>()
+  private outstanding = new Map<number, { block: number; filter: string }>()
+  private static nextRequest = 1
+  private readonly keptBlocks: number
+
+  constructor(total: number, revision: number, keptBlocks = 60) {
+    this.total = total
+    this.length = total
+    this.revision = revision
+    this.keptBlocks = keptBlocks
+  }
+
+  get wholeLength(): number {
+    return this.total
+  }
+
+  /** True while the rows on view belong to an older filter than the one asked for. */
+  get filtering(): boolean {
+    return this.filter !== this.wantedFilter
+  }
+
+  get currentRevision(): number {
+    return this.revision
+  }
+
+  setItems(total: number, revision: number): void {
+    if (revision === this.revision && total === this.total) return
+    this.total = total
+    this.revision = revision
+    if (this.filter === '') this.length = total
+    this.outstanding.clear()
+    this.dropBeyondEnd()
+  }
+
+  setFilter(filter: string): void {
+    if (filter === this.wantedFilter) return
+    this.wantedFilter = filter
+    this.outstanding.clear()
+  }
+
+  /** A new connection knows nothing of what was asked on the old one. */
+  forgetRequests(): void {
+    this.outstanding.clear()
+    for (const block of this.blocks.values()) block.revision = -1
+  }
+
+  row(position: number): string | undefined {
+    const block = this.blocks.get(Math.floor(position / blockSize))
+    return block?.rows[position % blockSize]
+  }
+
+  /** The place in the whole list of the row at a position of the view. */
+  indexAt(position: number): number | undefined {
+    if (this.filter === '') return position < this.length ? position : undefined
+    return this.blocks.get(Math.floor(position / blockSize))?.indexes?.[position % blockSize]
+  }
+
+  /** The position on view of a row of the whole list, if it is known. */
+  positionOf(index: number): number | undefined {
+    if (index < 0) return undefined
+    if (this.filter === '') return index < this.length ? index : undefined
+    for (const [number, block] of this.blocks) {
+      const place = block.indexes?.indexOf(index) ?? -1
+      if (place >= 0) return number * blockSize + place
+    }
+    return undefined
+  }
+
+  /** The requests that the rows from first to last (inclusive) still need. */
+  requestsFor(first: number, last: number): RowRequest[] {
+    const requests: RowRequest[] = []
+    const fresh = this.filtering
+    const from = fresh ? 0 : Math.max(0, Math.floor(first / blockSize))
+    const end = fresh ? 0 : Math.floor(Math.min(last, this.length - 1) / blockSize)
+    if (!fresh && this.length === 0 && !(this.filter !== '' && this.stale(0))) return requests
+    for (let block = from; block <= Math.max(end, this.length === 0 ? 0 : end); ++block) {
+      if (!fresh && !this.stale(block)) continue
+      if (this.isOutstanding(block)) continue
+      const request = RowCache.nextRequest++
+      this.outstanding.set(request, { block, filter: this.wantedFilter })
+      requests.push({ request, start: block * blockSize, count: blockSize, filter: this.wantedFilter })
+    }
+    return requests
+  }
+
+  /** Takes an answer; false when it belongs to nothing that is still wanted. */
+  accept(message: RowsMessage): boolean {
+    const asked = this.outstanding.get(message.request)
+    if (!asked) return false
+    this.outstanding.delete(message.request)
+    if (message.filter !== this.wantedFilter) return false
+    if (this.filtering) {
+      this.blocks.clear()
+      this.filter = this.wantedFilter
+    }
+    if (message.revision > this.revision) {
+      this.revision = message.revision
+      if (this.filter === '') this.total = message.length
+    }
+    this.length = message.length
+    this.blocks.delete(asked.block)
+    this.blocks.set(asked.block, {
+      rows: message.rows,
+      indexes: message.indexes ?? null,
+      revision: message.revision,
+    })
+    this.dropBeyondEnd()
+    this.trim(asked.block)
+    return true
+  }
+
+  private stale(block: number): boolean {
+    const held = this.blocks.get(block)
+    return !held || held.revision < this.revision
+  }
+
+  private isOutstanding(block: number): boolean {
+    for (const asked of this.outstanding.values()) {
+      if (asked.block === block && asked.filter === this.wantedFilter) return true
+    }
+    return false
+  }
+
+  private dropBeyondEnd(): void {
+    const last = Math.floor((this.length - 1) / blockSize)
+    for (const number of this.blocks.keys()) if (number > last && number > 0) this.blocks.delete(number)
+  }
+
+  private trim(keep: number): void {
+    for (const number of this.blocks.keys()) {
+      if (this.blocks.size <= this.keptBlocks) return
+      if (Math.abs(number - keep) > 2) this.blocks.delete(number)
+    }
+  }
+}

@@ -1,0 +1,296 @@
+import { batch, computed, signal } from '@preact/signals'
+import type { Connection } from '../connection'
+import type {
+  BoxMessage,
+  BusyMessage,
+  CaptionsMessage,
+  ErrorCode,
+  FormMessage,
+  Hello,
+  PlainMessage,
+  Reply,
+  ServerMessage,
+  UserEvent,
+} from '../protocol'
+import type { ActivityModel } from './activity'
+import { FormModel, type ControlModel, type Link } from './form'
+
+const typingPause = 200
+/** The host closes the line on messages beyond 1 MiB; what frames the text in its message takes some of it. */
+const longestText = 1_000_000
+/** After a reconnection the forms that are still open are told at once; what stays untold is gone. */
+const retellingTime = 1500
+
+export interface Refusal {
+  code: ErrorCode | 'not_connected' | 'too_long'
+  text: string
+}
+
+const byteLength = (text: string): number => new TextEncoder().encode(text).length
+
+/** What the session shows, and what people do to it. */
+export class Session implements Link {
+  readonly hello = signal<Hello | null>(null)
+  readonly page = signal<FormModel | null>(null)
+  readonly dialogs = signal<readonly FormModel[]>([])
+  readonly boxes = signal<readonly BoxMessage[]>([])
+  readonly busy = signal<BusyMessage | null>(null)
+  /** The page that was asked for and has not come yet. */
+  readonly opening = signal<string | null>(null)
+  readonly captions = signal<CaptionsMessage['pages'] | null>(null)
+  /** The control that is to get the focus as soon as its page is there. */
+  readonly wanted = signal<{ page: string; control: string } | null>(null)
+  /** True while something must be answered before the page can be used. */
+  readonly blocked = computed(() => this.boxes.value.length > 0 || this.dialogs.value.some(dialog => dialog.modal))
+  onRefusal: (refusal: Refusal) => void = () => {}
+
+  private readonly connection: Connection
+  private readonly activity: ActivityModel
+  private readonly clicks = new Map<number, ControlModel>()
+  private openSeq = 0
+  private readonly holding = new Set<ControlModel>()
+  private readonly unsettled = new Set<ControlModel>()
+  private flushing = false
+  private flushTimer: ReturnType<typeof setTimeout> | undefined
+  private freshSocket = false
+  private untold = new Set<FormModel>()
+  private purgeTimer: ReturnType<typeof setTimeout> | undefined
+
+  constructor(connection: Connection, activity: ActivityModel) {
+    this.connection = connection
+    this.activity = activity
+  }
+
+  /** A new socket was opened. */
+  opened(): void {
+    this.freshSocket = true
+  }
+
+  open(page: string): void {
+    if (this.opening.peek() === page) return
+    this.flush()
+    const seq = this.connection.sendSequenced({ type: 'open', page })
+    if (seq === 0) return this.onRefusal({ code: 'not_connected', text: '' })
+    this.openSeq = seq
+    this.opening.value = page
+  }
+
+  /** Opens the page if need be and puts the focus on a control of it. */
+  find(page: string, control: string): void {
+    this.wanted.value = { page, control }
+    if (this.page.peek()?.name !== page) this.open(page)
+  }
+
+  close(form: FormModel): void {
+    this.flush()
+    if (this.connection.sendSequenced({ type: 'close', form: form.name }) === 0) {
+      this.onRefusal({ code: 'not_connected', text: '' })
+    }
+  }
+
+  answer(box: BoxMessage, reply: Reply): void {
+    if (!this.connection.send({ type: 'answer', id: box.id, reply })) {
+      return this.onRefusal({ code: 'not_connected', text: '' })
+    }
+    this.boxes.value = this.boxes.peek().filter(other => other.id !== box.id)
+  }
+
+  askCaptions(): void {
+    if (this.captions.peek() === null) this.connection.send({ type: 'captions' })
+  }
+
+  event(control: ControlModel, event: UserEvent): number {
+    if (event.event !== 'text') this.flush()
+    else if (event.text.length > longestText / 6 && byteLength(JSON.stringify(event.text)) > longestText) {
+      this.onRefusal({ code: 'too_long', text: '' })
+      return 0
+    }
+    const seq = this.connection.sendSequenced({
+      type: 'event',
+      form: control.form.name,
+      control: control.name,
+      ...event,
+    })
+    if (seq === 0) {
+      if (event.event !== 'text') this.onRefusal({ code: 'not_connected', text: '' })
+      return 0
+    }
+    this.unsettled.add(control)
+    if (event.event === 'click') {
+      this.clicks.set(seq, control)
+      control.waiting.value++
+      if (control.shown.peek().kind === 'OptionButton') {
+        for (const other of control.form.controls.values()) this.unsettled.add(other)
+      }
+    }
+    return seq
+  }
+
+  send(message: PlainMessage): boolean {
+    return this.connection.send(message)
+  }
+
+  later(control: ControlModel): void {
+    this.holding.add(control)
+    clearTimeout(this.flushTimer)
+    this.flushTimer = setTimeout(() => this.flushTexts(), typingPause)
+  }
+
+  /** Sends everything that is held back, so that the server sees the events in the order in which they were made. */
+  flush(): void {
+    if (this.flushing) return
+    this.flushing = true
+    clearTimeout(this.flushTimer)
+    for (const control of this.holding) control.flush()
+    this.dropSent()
+    this.flushing = false
+  }
+
+  receive(message: ServerMessage): void {
+    batch(() => this.dispatch(message))
+  }
+
+  /** The session is over: nothing of it stays on view. */
+  reset(): void {
+    batch(() => {
+      this.hello.value = null
+      this.page.value = null
+      this.dialogs.value = []
+      this.boxes.value = []
+      this.busy.value = null
+      this.opening.value = null
+      this.captions.value = null
+      this.wanted.value = null
+    })
+    clearTimeout(this.flushTimer)
+    clearTimeout(this.purgeTimer)
+    this.clicks.clear()
+    this.holding.clear()
+    this.unsettled.clear()
+    this.activity.reset()
+  }
+
+  /** A pause in typing sends the texts; a choice that waits for its predecessor goes on waiting. */
+  private flushTexts(): void {
+    for (const control of this.holding) control.flushText()
+    this.dropSent()
+  }
+
+  private dropSent(): void {
+    for (const control of this.holding) if (!control.holdsBack) this.holding.delete(control)
+  }
+
+  private dispatch(message: ServerMessage): void {
+    switch (message.type) {
+      case 'hello':
+        return this.welcome(message)
+      case 'form':
+        return this.showForm(message)
+      case 'change':
+        this.findForm(message.form)?.change(message)
+        return
+      case 'closed':
+        return this.formClosed(message.form)
+      case 'rows':
+        this.findForm(message.form)?.controls.get(message.control)?.list?.accept(message)
+        return
+      case 'box':
+        this.boxes.value = [...this.boxes.peek().filter(box => box.id !== message.id), message]
+        return
+      case 'unbox':
+        this.boxes.value = this.boxes.peek().filter(box => box.id !== message.id)
+        return
+      case 'busy':
+        this.busy.value = message.on ? message : null
+        return
+      case 'activity':
+        return this.activity.took(message)
+      case 'record':
+        return this.activity.accept(message)
+      case 'captions':
+        this.captions.value = message.pages
+        return
+      case 'done':
+        return this.finished(message.seq, control => control.done(message.seq))
+      case 'error':
+        return this.refused(message.seq ?? 0, message)
+    }
+  }
+
+  private welcome(message: Hello): void {
+    const previous = this.hello.peek()
+    this.hello.value = message
+    if (previous?.language !== message.language) this.captions.value = null
+    if (!this.freshSocket) return
+    this.freshSocket = false
+    this.opening.value = null
+    this.boxes.value = []
+    this.busy.value = null
+    this.clicks.clear()
+    this.unsettled.clear()
+    this.activity.reconnected()
+    const page = this.page.peek()
+    this.untold = new Set([...(page ? [page] : []), ...this.dialogs.peek()])
+    clearTimeout(this.purgeTimer)
+    this.purgeTimer = setTimeout(() => this.purge(), retellingTime)
+  }
+
+  private purge(): void {
+    const page = this.page.peek()
+    if (page && this.untold.has(page)) this.page.value = null
+    this.dialogs.value = this.dialogs.peek().filter(dialog => !this.untold.has(dialog))
+    this.untold.clear()
+  }
+
+  private showForm(message: FormMessage): void {
+    const known = this.findForm(message.form)
+    if (known) {
+      this.untold.delete(known)
+      if (!known.closed.peek() && known.dialog === message.dialog && known.restore(message)) {
+        if (!message.dialog) this.opening.value = null
+        return
+      }
+    }
+    const form = new FormModel(message, this)
+    if (message.dialog) {
+      this.dialogs.value = [...this.dialogs.peek().filter(dialog => dialog.name !== form.name), form]
+    } else {
+      this.page.value = form
+      this.opening.value = null
+    }
+  }
+
+  private formClosed(name: string): void {
+    const page = this.page.peek()
+    if (page?.name === name) page.closed.value = true
+    else this.dialogs.value = this.dialogs.peek().filter(dialog => dialog.name !== name)
+    for (const control of this.holding) if (control.form.name === name) this.holding.delete(control)
+  }
+
+  private refused(seq: number, error: { code: ErrorCode; text: string }): void {
+    if (seq > 0 && seq === this.openSeq) {
+      this.opening.value = null
+      this.wanted.value = null
+    }
+    this.finished(seq, control => control.refused(seq))
+    this.onRefusal(error)
+  }
+
+  private finished(seq: number, settle: (control: ControlModel) => void): void {
+    const clicked = this.clicks.get(seq)
+    if (clicked) {
+      this.clicks.delete(seq)
+      clicked.waiting.value = Math.max(0, clicked.waiting.peek() - 1)
+    }
+    for (const control of this.unsettled) {
+      settle(control)
+      if (!control.unsettled) this.unsettled.delete(control)
+    }
+  }
+
+  private findForm(name: string): FormModel | undefined {
+    const page = this.page.peek()
+    if (page?.name === name) return page
+    return this.dialogs.peek().find(dialog => dialog.name === name)
+  }
+}

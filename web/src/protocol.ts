@@ -1,0 +1,207 @@
+// The messages that travel between the browser and the web host; docs/protocol.md is the contract.
+
+export type Language = 'english' | 'german'
+
+export interface HostState {
+  setup: boolean
+  account: string | null
+  language: Language
+  product: string
+  version: string
+}
+
+export type FailureCode =
+  | 'bad_request'
+  | 'wrong_secret'
+  | 'wrong_password'
+  | 'weak_password'
+  | 'already_set_up'
+  | 'too_many_tries'
+  | 'too_many_sessions'
+
+export interface Failure {
+  error: FailureCode
+  retryAfter?: number
+}
+
+export interface Items {
+  length: number
+  revision: number
+}
+
+export type Kind =
+  | 'Frame'
+  | 'Label'
+  | 'TextField'
+  | 'CheckBox'
+  | 'OptionButton'
+  | 'Button'
+  | 'ListBox'
+  | 'ComboBox'
+  | 'Timer'
+  | 'ScrollBar'
+  | 'DriveList'
+  | 'FolderList'
+  | 'FileList'
+
+export interface Control {
+  kind: Kind
+  enabled: boolean
+  visible: boolean
+  caption?: string
+  toolTip?: string
+  label?: string
+  text?: string
+  value?: number
+  items?: Items
+  index?: number
+  multiLine?: boolean
+  fixedPitch?: boolean
+  secret?: boolean
+  placeholder?: string
+  editable?: boolean
+  group?: string | number
+  min?: number
+  max?: number
+  interval?: number
+}
+
+export type LayoutNode = { grow?: boolean } & (
+  | { control: string }
+  | { column: LayoutNode[] }
+  | { row: LayoutNode[] }
+  | { grid: LayoutNode[] }
+  | { frame: string; content: LayoutNode }
+)
+
+export interface PageEntry {
+  name: string
+  group: string
+  title: string
+}
+
+export interface ActivityEntry {
+  time: string
+  kind: string
+  text: string
+  ok: boolean
+  error: string
+}
+
+export type Reply = 'ok' | 'cancel'
+
+export interface Hello {
+  type: 'hello'
+  account: string
+  language: Language
+  product: string
+  version: string
+  pages: PageEntry[]
+  open: string | null
+}
+
+export interface FormMessage {
+  type: 'form'
+  form: string
+  caption: string
+  dialog: boolean
+  modal: boolean
+  layout: LayoutNode
+  controls: Record<string, Control>
+}
+
+export interface ChangeMessage {
+  type: 'change'
+  form: string
+  ack: number
+  caption?: string
+  controls: Record<string, Partial<Control>>
+}
+
+export interface RowsMessage {
+  type: 'rows'
+  form: string
+  control: string
+  request: number
+  revision: number
+  filter: string
+  length: number
+  start: number
+  rows: string[]
+  indexes?: number[]
+}
+
+export interface BoxMessage {
+  type: 'box'
+  id: number | string
+  title: string
+  text: string
+  style: number
+  buttons: Reply[]
+}
+
+export interface BusyMessage {
+  type: 'busy'
+  on: boolean
+  text: string
+  done: number
+  total: number
+}
+
+export interface ActivityMessage {
+  type: 'activity'
+  first: number
+  total: number
+  failed: number
+  entries: ActivityEntry[]
+  page?: string
+}
+
+export interface RecordMessage {
+  type: 'record'
+  request: number
+  start: number
+  total: number
+  entries: ActivityEntry[]
+}
+
+export interface CaptionsMessage {
+  type: 'captions'
+  pages: Record<string, { control: string; text: string }[]>
+}
+
+export type ErrorCode = 'refused' | 'no_form' | 'malformed' | 'unknown_page' | 'busy'
+
+export type ServerMessage =
+  | Hello
+  | FormMessage
+  | ChangeMessage
+  | { type: 'closed'; form: string }
+  | RowsMessage
+  | BoxMessage
+  | { type: 'unbox'; id: number | string }
+  | BusyMessage
+  | ActivityMessage
+  | RecordMessage
+  | CaptionsMessage
+  | { type: 'done'; seq: number }
+  | { type: 'error'; seq?: number; code: ErrorCode; text: string }
+
+export type UserEvent =
+  | { event: 'click' }
+  | { event: 'text'; text: string }
+  | { event: 'choose'; index: number }
+  | { event: 'scroll'; value: number }
+
+export type SequencedMessage =
+  | { type: 'open'; page: string }
+  | ({ type: 'event'; form: string; control: string } & UserEvent)
+  | { type: 'close'; form: string }
+
+export type PlainMessage =
+  | { type: 'answer'; id: number | string; reply: Reply }
+  | { type: 'rows'; form: string; control: string; request: number; start: number; count: number; filter: string }
+  | { type: 'record'; request: number; start: number; count: number }
+  | { type: 'captions' }
+
+export const closeCodes = { tooBig: 1009, rulesBroken: 1008, replaced: 4001, ended: 4002 } as const

@@ -1,0 +1,62 @@
+import { useId } from 'preact/hooks'
+import { session } from '../app-state'
+import { messages } from '../i18n'
+import type { BoxMessage } from '../protocol'
+import { Icon, type IconName } from './icon'
+import { Modal } from './modal'
+
+const icons: Record<number, IconName> = { 16: 'critical', 32: 'question', 48: 'warning', 64: 'info' }
+
+const nameOf = (icon: IconName | undefined): string => {
+  const m = messages.value
+  if (icon === 'critical') return m.critical
+  if (icon === 'question') return m.question
+  if (icon === 'warning') return m.warning
+  return m.information
+}
+
+function Box({ box }: { box: BoxMessage }) {
+  const textId = useId()
+  const m = messages.value
+  // The style number also carries the buttons in its low bits; the icon is the part from 16 to 64.
+  const icon = icons[box.style & 0x70]
+  const cancel = (): void => session.answer(box, box.buttons.includes('cancel') ? 'cancel' : 'ok')
+  return (
+    <Modal
+      title={box.title || nameOf(icon)}
+      role="alertdialog"
+      class={`box ${icon ?? 'plain'}`}
+      describedBy={textId}
+      closable={false}
+      onCancel={cancel}
+      icon={icon && <Icon name={icon} />}
+    >
+      <p id={textId} class="box-text" dir="auto">
+        {box.text}
+      </p>
+      <div class="modal-buttons">
+        {[...box.buttons].reverse().map(reply => (
+          <button
+            key={reply}
+            type="button"
+            class={`button${reply === 'ok' ? ' primary' : ''}`}
+            autoFocus={reply === 'ok'}
+            onClick={() => session.answer(box, reply)}
+          >
+            {reply === 'ok' ? m.ok : m.cancel}
+          </button>
+        ))}
+      </div>
+    </Modal>
+  )
+}
+
+export function Boxes() {
+  return (
+    <>
+      {session.boxes.value.map(box => (
+        <Box key={box.id} box={box} />
+      ))}
+    </>
+  )
+}

@@ -1,0 +1,110 @@
+import { useEffect, useRef, useState } from 'preact/hooks'
+import { connection, session } from '../app-state'
+import { FormView } from '../controls/form-view'
+import { messages } from '../i18n'
+import { ActivityDrawer } from './activity-drawer'
+import { Boxes } from './boxes'
+import { BusyBar } from './busy-bar'
+import { focusWanted } from './focus-wanted'
+import { FormDialogs } from './form-dialogs'
+import { Header } from './header'
+import { Icon } from './icon'
+import { Palette } from './palette'
+import { Sidebar } from './sidebar'
+import { TextViewer } from './text-viewer'
+
+function Banner() {
+  const m = messages.value
+  const lost = connection.status.value === 'lost'
+  return (
+    <div class="banner" role="status" data-on={lost ? '' : undefined}>
+      {lost && (
+        <p class="banner-text">
+          <Icon name="offline" />
+          <span>{m.connectionLost}</span>
+          <button type="button" class="button quiet small" onClick={() => connection.hurry()}>
+            {m.reconnect}
+          </button>
+        </p>
+      )}
+    </div>
+  )
+}
+
+function Page() {
+  const page = session.page.value
+  const main = useRef<HTMLElement>(null)
+  const wanted = session.wanted.value
+  const m = messages.value
+  useEffect(() => {
+    main.current?.scrollTo(0, 0)
+    // What had the focus may have gone with the page before.
+    if (page && document.activeElement === document.body) main.current?.focus({ preventScroll: true })
+  }, [page])
+  useEffect(() => {
+    if (!wanted || wanted.page !== page?.name || page.closed.peek()) return
+    session.wanted.value = null
+    focusWanted(page, wanted.control)
+  }, [page, wanted])
+  return (
+    <main ref={main} id="page" class="page" tabIndex={-1} aria-busy={session.opening.value !== null} inert={page?.closed.value}>
+      {page ? <FormView key={page.name} form={page} /> : <p class="page-empty">{m.loading}</p>}
+    </main>
+  )
+}
+
+export function Shell() {
+  const m = messages.value
+  const [menu, setMenu] = useState(false)
+  const page = session.page.value
+  const hello = session.hello.value
+  const leaveMenu = (): void => {
+    setMenu(false)
+    // Until the menu is gone, the button behind it can't have the focus.
+    requestAnimationFrame(() => document.querySelector<HTMLElement>('.menu-button')?.focus())
+  }
+  useEffect(() => {
+    // Where the sidebar is always on view there is no menu to be open.
+    const wide = matchMedia('(width >= 960px)')
+    const close = (): void => setMenu(false)
+    wide.addEventListener('change', close)
+    return () => wide.removeEventListener('change', close)
+  }, [])
+  const title = hello?.pages.find(known => known.name === page?.name)?.title
+  useEffect(() => {
+    document.title = title ? `${title} – ${hello?.product}` : (hello?.product ?? '')
+  }, [title, hello])
+  useEffect(() => {
+    document.documentElement.classList.toggle('is-busy', session.busy.value !== null)
+    return () => document.documentElement.classList.remove('is-busy')
+  }, [session.busy.value])
+  return (
+    <div class="shell">
+      <a
+        class="skip-link"
+        href="#page"
+        onClick={event => {
+          event.preventDefault()
+          document.getElementById('page')?.focus()
+        }}
+      >
+        {m.skipToContent}
+      </a>
+      <Sidebar drawn={menu} onLeave={leaveMenu} />
+      {menu && <div class="scrim" onClick={leaveMenu} />}
+      <div class="body" inert={menu}>
+        <Header menuOpen={menu} onMenu={() => setMenu(true)} />
+        <BusyBar />
+        <Banner />
+        <div class="workspace">
+          <Page />
+          <ActivityDrawer />
+        </div>
+      </div>
+      <FormDialogs />
+      <Palette />
+      <Boxes />
+      <TextViewer />
+    </div>
+  )
+}

@@ -1,0 +1,109 @@
+import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks'
+import { pushPopup } from './popups'
+
+const showDelay = 450
+const hideDelay = 120
+const gap = 8
+
+interface Shown {
+  text: string
+  anchor: Element
+}
+
+const within = (box: DOMRect, x: number, y: number): boolean =>
+  x >= box.left - gap && x <= box.right + gap && y >= box.top - gap && y <= box.bottom + gap
+
+/** The one tool tip of the page. It belongs to whatever carries data-tip, stays while the pointer is on it, and goes with Escape. */
+export function Tooltip() {
+  const [shown, setShown] = useState<Shown | null>(null)
+  const element = useRef<HTMLDivElement>(null)
+  const current = useRef<Shown | null>(null)
+  current.current = shown
+
+  useEffect(() => {
+    let timer: ReturnType<typeof setTimeout> | undefined
+    const anchorOf = (target: EventTarget | null): Element | null =>
+      target instanceof Element ? target.closest('[data-tip]') : null
+    const show = (anchor: Element, delay: number): void => {
+      clearTimeout(timer)
+      const text = anchor.getAttribute('data-tip') ?? ''
+      if (text !== '') timer = setTimeout(() => setShown({ text, anchor }), delay)
+    }
+    const hide = (delay: number): void => {
+      clearTimeout(timer)
+      timer = setTimeout(() => setShown(null), delay)
+    }
+    const onOver = (event: PointerEvent): void => {
+      if (event.pointerType === 'touch') return
+      const anchor = anchorOf(event.target)
+      if (anchor && anchor === current.current?.anchor) return clearTimeout(timer)
+      const tip = element.current
+      if (current.current && tip && within(tip.getBoundingClientRect(), event.clientX, event.clientY)) {
+        return clearTimeout(timer)
+      }
+      if (anchor) show(anchor, current.current ? 80 : showDelay)
+      else hide(hideDelay)
+    }
+    const onFocus = (event: FocusEvent): void => {
+      const target = event.target
+      if (!(target instanceof Element) || !target.matches(':focus-visible') || target.closest('.list-frame')) return
+      const anchor = anchorOf(target)
+      if (anchor) show(anchor, showDelay)
+      else hide(0)
+    }
+    const onDown = (event: PointerEvent): void => {
+      const button = event.target instanceof Element ? event.target.closest('[data-tip-button]') : null
+      if (!button) return hide(0)
+    }
+    const onClick = (event: MouseEvent): void => {
+      const button = event.target instanceof Element ? event.target.closest('[data-tip-button]') : null
+      const anchor = button && anchorOf(button)
+      if (!anchor) return
+      event.preventDefault()
+      if (current.current?.anchor === anchor) hide(0)
+      else show(anchor, 0)
+    }
+    const onScroll = (): void => {
+      if (current.current) hide(0)
+    }
+    document.addEventListener('pointerover', onOver)
+    document.addEventListener('focusin', onFocus)
+    document.addEventListener('focusout', () => hide(hideDelay))
+    document.addEventListener('pointerdown', onDown)
+    document.addEventListener('click', onClick)
+    document.addEventListener('scroll', onScroll, true)
+    document.addEventListener('keydown', event => {
+      if (event.key !== 'Escape') hide(0)
+    })
+    return () => clearTimeout(timer)
+  }, [])
+
+  useLayoutEffect(() => {
+    const tip = element.current
+    if (!shown || !tip) return undefined
+    if (!shown.anchor.isConnected) {
+      setShown(null)
+      return undefined
+    }
+    tip.showPopover()
+    const box = shown.anchor.getBoundingClientRect()
+    const size = tip.getBoundingClientRect()
+    const left = Math.max(gap, Math.min(box.left, innerWidth - size.width - gap))
+    const above = box.top - size.height - gap
+    // Below tall controls the tip would be far from what is looked at.
+    const top = above >= gap ? above : Math.min(box.bottom + gap, innerHeight - size.height - gap)
+    tip.style.left = `${left}px`
+    tip.style.top = `${top}px`
+    const release = pushPopup(() => setShown(null))
+    return () => {
+      release()
+      tip.hidePopover()
+    }
+  }, [shown])
+
+  return (
+    <div ref={element} class="tooltip" popover="manual" aria-hidden="true">
+      {shown?.text}
+    </div>
+  )
+}

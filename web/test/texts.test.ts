@@ -1,0 +1,115 @@
+import { describe, expect, it } from 'vitest'
+import { de } from '../src/i18n/de'
+import { en } from '../src/i18n/en'
+import { search } from '../src/model/search'
+import { summarise } from '../src/model/toast-text'
+import { visibleText } from '../src/model/visible-text'
+
+const entry = (kind: string, text: string, error = '') => ({ time: '10:00:00', kind, text, ok: error === '', error })
+
+function told(entries: ReturnType<typeof entry>[], total = entries.length, failed = entries.filter(e => !e.ok).length) {
+  const summary = summarise(entries, total, failed)
+  return [en.toast(summary), de.toast(summary)]
+}
+
+describe('what a toast says', () => {
+  it.each([
+    [[entry('option', 'set_option checkmid=1')], 'Option checkmid set to 1', 'Option checkmid auf 1 gesetzt'],
+    [[entry('option', 'set_string welcome=220 a=b')], 'Option welcome set to 220 a=b', 'Option welcome auf 220 a=b gesetzt'],
+    [[entry('option', 'set_string welcome=')], 'Option welcome emptied', 'Option welcome geleert'],
+    [
+      [entry('registry', 'HKLM\\SOFTWARE\\M\\reload=1'), entry('option', 'set_option checkmx=0')],
+      'Option checkmx set to 0, 1 more value set',
+      'Option checkmx auf 0 gesetzt, 1 weiterer Wert gesetzt',
+    ],
+    [
+      [entry('registry', 'delete HKLM\\SOFTWARE\\M\\language')],
+      'Registry value language deleted',
+      'Registrierungswert language gelöscht',
+    ],
+    [
+      [entry('sql', 'DELETE FROM a'), entry('sql', 'DELETE FROM b'), entry('sql', 'DELETE FROM c', 'locked')],
+      '3 steps run, 1 failed',
+      '3 Schritte ausgeführt, 1 fehlgeschlagen',
+    ],
+    [
+      [entry('option', 'set_option checkmx=0', 'no database')],
+      'Option checkmx was not set',
+      'Option checkmx wurde nicht gesetzt',
+    ],
+    [[entry('sql', 'A'), entry('sql', 'B')], '2 statements run', '2 Anweisungen ausgeführt'],
+  ])('%#', (entries, english, german) => {
+    expect(told(entries)).toEqual([english, german])
+  })
+
+  it('counts what was not sent along', () => {
+    const entries = Array.from({ length: 50 }, (_, n) => entry('sql', `INSERT ${n}`))
+    expect(told(entries, 10_000)[0]).toBe('10,000 statements run')
+    // None of the failing ones is among the newest.
+    expect(told(entries, 10_000, 3)[0]).toBe('10,000 steps run, 3 failed')
+    expect(told([...entries.slice(1), entry('component', 'import entry')], 10_000)[0]).toBe(
+      'Done: import entry, 9,999 statements run',
+    )
+  })
+})
+
+describe('foreign text', () => {
+  it('shows what would not be seen or would turn the direction', () => {
+    expect(visibleText('a\nb\r\tc\0\u001b\u007f')).toBe('a␊b␍␉c␀␛␡')
+    expect(visibleText('x\u202egnp.exe\u2066\u0085\u2028')).toBe('x\ufffdgnp.exe\ufffd␤␤')
+    expect(visibleText('<b>مرحبا</b> שלום 😀')).toBe('<b>مرحبا</b> שלום 😀')
+  })
+
+  it('is cut without splitting a character', () => {
+    expect(visibleText('ab😀cd', 3)).toBe('ab…')
+    expect(visibleText('abc', 3)).toBe('abc')
+  })
+})
+
+describe('the search', () => {
+  const pages = [
+    { name: 'general', group: 'Settings', title: 'General' },
+    { name: 'keywords', group: 'Lists', title: 'Keywords' },
+    { name: 'strasse', group: 'Lists', title: 'Straße Größe' },
+  ]
+  const captions = {
+    general: [
+      { control: 'kw', text: 'Search subjects for keywords' },
+      { control: 'kw', text: 'Every subject is compared with the keywords.' },
+      { control: 'mx', text: 'Check the MX record' },
+    ],
+    keywords: [{ control: 'add', text: 'Add the word' }],
+  }
+  const found = (query: string) => search(query, pages, captions).map(hit => `${hit.page}/${hit.control}`)
+
+  it('prefers pages, needs every word, and lists a control once', () => {
+    expect(found('keyword')).toEqual(['keywords/', 'general/kw', 'keywords/add'])
+    expect(found('mx check')).toEqual(['general/mx'])
+    expect(found('mx keyword')).toEqual([])
+  })
+
+  it('cares neither for case nor for accents', () => {
+    expect(found('STRASSE grosse')).toEqual(['strasse/'])
+    expect(found('größe')).toEqual(['strasse/'])
+  })
+
+  it('lists all pages without words', () => {
+    expect(found('  ')).toEqual(['general/', 'keywords/', 'strasse/'])
+  })
+})
+
+describe('the languages', () => {
+  const leaves = (value: unknown, path = ''): string[] =>
+    typeof value === 'object' && value !== null
+      ? Object.entries(value).flatMap(([key, inner]) => leaves(inner, `${path}.${key}`))
+      : typeof value === 'string'
+        ? [`${path}=${value}`]
+        : []
+
+  it('leave nothing untranslated', () => {
+    const english = new Set(leaves(en))
+    // Words that are the same in both languages.
+    const same = new Set(['.ok=OK'])
+    expect(leaves(de).filter(text => english.has(text) && !same.has(text))).toEqual([])
+  })
+})
