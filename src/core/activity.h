@@ -16,6 +16,7 @@ class ActivityRecord {
   struct Entry {
     Kind kind;
     bool ok;
+    bool write;         // else a read that failed
     std::int64_t time;  // seconds since 1970, UTC
     std::string_view text;
     std::string_view error;  // empty if ok
@@ -26,7 +27,7 @@ class ActivityRecord {
   void set_limit(std::size_t limit) { limit_ = limit; }
 
   void succeeded(Kind kind, std::string_view text, std::int64_t time);
-  void failed(Kind kind, std::string_view text, std::string_view error, std::int64_t time);
+  void failed(Kind kind, std::string_view text, std::string_view error, std::int64_t time, bool write);
 
   // Entries are numbered from 0 since the record was made; numbers first() to total() - 1 are
   // still held.
@@ -45,6 +46,7 @@ class ActivityRecord {
     std::uint32_t text_length;
     Kind kind;
     bool ok;
+    bool write;
     std::int64_t time;
   };
 

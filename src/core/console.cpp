@@ -35,7 +35,7 @@ bool Console::attempt(ActivityRecord::Kind kind, std::string_view text, Step ste
   try {
     action();
   } catch (...) {
-    activity_.failed(kind, text, current_error(), seconds());
+    activity_.failed(kind, text, current_error(), seconds(), step == Step::write);
     return false;
   }
   if (step == Step::write) activity_.succeeded(kind, text, seconds());
@@ -43,7 +43,7 @@ bool Console::attempt(ActivityRecord::Kind kind, std::string_view text, Step ste
 }
 
 void Console::record_escaped(std::string_view where) {
-  activity_.failed(ActivityRecord::Kind::component, where, current_error(), seconds());
+  activity_.failed(ActivityRecord::Kind::component, where, current_error(), seconds(), false);
 }
 
 void Console::end_action() {

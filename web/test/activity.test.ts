@@ -12,7 +12,7 @@ const entryAt = (position: number): ActivityEntry => ({
 })
 
 /** A record of some length, and a model that asks it. */
-function start(length: number) {
+function start(length: number, oldest = 0) {
   const record = Array.from({ length }, (_, position) => entryAt(position))
   const asked: number[] = []
   const model = new ActivityModel()
@@ -23,9 +23,9 @@ function start(length: number) {
       model.accept({
         type: 'record',
         request: message.request,
-        start: message.start,
+        start: Math.max(oldest, message.start),
         total: record.length,
-        entries: record.slice(message.start, message.start + message.count),
+        entries: record.slice(Math.max(oldest, message.start)).slice(0, message.count),
       }),
     )
     return true
@@ -34,12 +34,11 @@ function start(length: number) {
     const first = record.length
     for (let n = 0; n < count; ++n) record.push(entryAt(first + n))
     const shown = Math.max(first, record.length - 50)
-    const added = record.slice(first)
     model.took({
       type: 'activity',
       first: shown,
       total: record.length,
-      failed: added.filter(entry => !entry.ok).length,
+      failed: record.filter(entry => !entry.ok).length,
       entries: record.slice(shown),
     })
   }
@@ -75,12 +74,44 @@ describe('the activity record', () => {
     expect(asked).toEqual([0])
   })
 
-  it('counts the failures that nobody has seen', () => {
+  it('counts the failures of each action and those that nobody has seen', () => {
     const { model, act } = start(0)
+    const failures: number[] = []
+    model.onAction = (_message, _steps, failed) => failures.push(failed)
     act(10)
-    expect(model.unseenFailures.value).toBe(1)
+    act(800)
+    act(10)
+    expect(failures).toEqual([1, 1, 0])
+    expect(model.unseenFailures.value).toBe(2)
     model.toggle(true)
     expect(model.unseenFailures.value).toBe(0)
+  })
+
+  it('takes no failure of before for one of the first action on a new connection', () => {
+    const { model, act } = start(1000)
+    model.reconnected()
+    const actions: number[][] = []
+    model.onAction = (_message, steps, failed) => actions.push([steps, failed])
+    act(5)
+    act(3)
+    expect(actions).toEqual([
+      [5, 0],
+      [3, 0],
+    ])
+  })
+
+  it('does without the entries that the record has dropped', async () => {
+    const { model, asked } = start(3000, 1500)
+    model.toggle(true)
+    model.showFailures(true)
+    await settle()
+    expect(model.failures.value.map(failure => failure.position)).toEqual([2803, 2103])
+    const before = asked.length
+    model.show(1400, 1550)
+    await settle()
+    expect([model.oldest.value, model.entry(1499), model.entry(1500)?.text]).toEqual([1500, undefined, 'statement 1500'])
+    model.show(1400, 1550)
+    expect(asked.length - before).toBeLessThanOrEqual(1)
   })
 
   it('tells how many steps an action had, beyond those that were sent', () => {

@@ -1,0 +1,204 @@
+#include "host/web/accounts.h"
+
+#include <array>
+#include <boost/json.hpp>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <sodium.h>
+#include <unistd.h>
+
+#include "core/text.h"
+
+namespace zrl::web {
+
+namespace {
+
+namespace json = boost::json;
+namespace fs = std::filesystem;
+
+constexpr std::size_t hashing_threads = 2;
+constexpr std::size_t shortest_password = 10;  // characters
+constexpr std::size_t longest_password = 1024;
+constexpr std::size_t longest_name = 64;
+constexpr std::size_t secret_letters = 20;
+
+std::string hash_of(std::string_view password, const PasswordCost& cost) {
+  std::array<char, crypto_pwhash_STRBYTES> text{};
+  if (::crypto_pwhash_str(text.data(), password.data(), password.size(), cost.operations,
+                          cost.memory_bytes) != 0) {
+    throw std::bad_alloc();
+  }
+  return text.data();
+}
+
+void forget(std::string& password) {
+  ::sodium_memzero(password.data(), password.size());
+}
+
+// So that the file is there whole or not at all, and never readable by others.
+bool write_whole(const fs::path& file, std::string_view text) {
+  const fs::path temporary = file.string() + ".new";
+  ::unlink(temporary.c_str());
+  const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (fd < 0) return false;
+  const bool written =
+      ::write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size()) && ::fsync(fd) == 0;
+  const bool closed = ::close(fd) == 0;
+  if (!written || !closed || ::rename(temporary.c_str(), file.c_str()) != 0) {
+    ::unlink(temporary.c_str());
+    return false;
+  }
+  const int folder = ::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (folder >= 0) {
+    ::fsync(folder);
+    ::close(folder);
+  }
+  return true;
+}
+
+std::string digest(std::string_view text) {
+  std::array<unsigned char, crypto_generichash_BYTES> bytes{};
+  ::crypto_generichash(bytes.data(), bytes.size(), reinterpret_cast<const unsigned char*>(text.data()),
+                       text.size(), nullptr, 0);
+  return {bytes.begin(), bytes.end()};
+}
+
+}  // namespace
+
+WorkerPool::WorkerPool(std::size_t threads) {
+  for (std::size_t i = 0; i < threads; ++i) threads_.emplace_back([this] { work(); });
+}
+
+WorkerPool::~WorkerPool() {
+  {
+    const std::scoped_lock lock(mutex_);
+    ending_ = true;
+    jobs_.clear();
+  }
+  arrived_.notify_all();
+  for (std::thread& thread : threads_) thread.join();
+}
+
+bool WorkerPool::run(std::function<void()> job) {
+  {
+    const std::scoped_lock lock(mutex_);
+    if (jobs_.size() >= max_waiting) return false;
+    jobs_.push_back(std::move(job));
+  }
+  arrived_.notify_one();
+  return true;
+}
+
+void WorkerPool::work() {
+  for (;;) {
+    std::function<void()> job;
+    {
+      std::unique_lock lock(mutex_);
+      arrived_.wait(lock, [this] { return ending_ || !jobs_.empty(); });
+      if (ending_) return;
+      job = std::move(jobs_.front());
+      jobs_.pop_front();
+    }
+    job();
+  }
+}
+
+Accounts::Accounts(fs::path file, IoLoop& loop, PasswordCost cost)
+    : file_(std::move(file)), loop_(loop), cost_(cost), workers_(hashing_threads) {
+  if (fs::exists(file_)) load();
+}
+
+void Accounts::load() {
+  std::ifstream stream(file_, std::ios::binary);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  try {
+    if (!stream) throw std::runtime_error("not readable");
+    for (const json::value& entry : json::parse(text.str()).at("accounts").as_array()) {
+      hashes_.emplace(entry.at("name").as_string(), entry.at("password").as_string());
+    }
+  } catch (const std::exception& failure) {
+    throw std::runtime_error("cannot read " + file_.string() + ": " + failure.what());
+  }
+}
+
+bool Accounts::is_acceptable_name(std::string_view account) {
+  return !account.empty() && account.size() <= longest_name && trim(account) == account &&
+         printable(account) == account;
+}
+
+bool Accounts::is_acceptable_password(std::string_view password) {
+  std::size_t characters = 0;
+  for (const char c : password) characters += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+  return characters >= shortest_password && password.size() <= longest_password;
+}
+
+bool Accounts::verify(const std::string& account, std::string password, std::function<void(bool)> done) {
+  const auto found = hashes_.find(account);
+  std::string hash = found == hashes_.end() ? std::string() : found->second;
+  return workers_.run(
+      [this, hash = std::move(hash), password = std::move(password), done = std::move(done)]() mutable {
+        bool right = false;
+        try {
+          if (hash.empty()) {
+            (void)hash_of(password, cost_);  // an unknown account is not told by the time it takes
+          } else {
+            right = ::crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0;
+          }
+        } catch (const std::exception&) {
+          right = false;
+        }
+        forget(password);
+        loop_.post([right, done = std::move(done)] { done(right); });
+      });
+}
+
+bool Accounts::create_first(const std::string& account, std::string password,
+                            std::function<void(Creation)> done) {
+  if (!empty() || creating_) {
+    loop_.post([done = std::move(done)] { done(Creation::exists_already); });
+    return true;
+  }
+  const bool taken =
+      workers_.run([this, account, password = std::move(password), done = std::move(done)]() mutable {
+        std::string hash;
+        try {
+          hash = hash_of(password, cost_);
+          const json::value text =
+              json::object{{"accounts", json::array{json::object{{"name", account}, {"password", hash}}}}};
+          if (!write_whole(file_, json::serialize(text) + "\n")) hash.clear();
+        } catch (const std::exception&) {
+          hash.clear();
+        }
+        forget(password);
+        loop_.post([this, account, hash, done = std::move(done)] {
+          creating_ = false;
+          if (!hash.empty()) hashes_.emplace(account, hash);
+          done(hash.empty() ? Creation::not_saved : Creation::created);
+        });
+      });
+  creating_ = taken;
+  return taken;
+}
+
+std::string SetupSecret::make() {
+  static constexpr std::string_view letters = "abcdefghijkmnpqrstuvwxyz23456789";  // none looks like another
+  static_assert(letters.size() == 32);
+  std::string text;
+  for (std::size_t i = 0; i < secret_letters; ++i) {
+    if (i != 0 && i % 5 == 0) text += '-';
+    text += letters[::randombytes_uniform(static_cast<std::uint32_t>(letters.size()))];
+  }
+  digest_ = digest(text);
+  return text;
+}
+
+bool SetupSecret::is(std::string_view text) const {
+  const std::string other = digest(lower(trim(text)));
+  return digest_.size() == other.size() && ::sodium_memcmp(digest_.data(), other.data(), other.size()) == 0;
+}
+
+}  // namespace zrl::web

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/web/accounts.h"
+#include "host/web/assets.h"
+#include "host/web/login_throttle.h"
+#include "host/web/origin_check.h"
+#include "host/web/session_console.h"
+#include "host/web/session_table.h"
+#include "host/web/transport.h"
+
+namespace zrl::web {
+
+struct ApplicationSettings {
+  ConsoleSettings console;
+  SessionTable::Limits limits;
+  PasswordCost password_cost;
+  std::string listen_address;
+  std::vector<std::string> told_hosts;
+  std::span<const Asset> assets;
+  std::string version;
+  std::string language;  // until a session tells another one
+};
+
+// Answers the requests of browsers: the front end, signing in and out, and WebSockets for the
+// sessions. On the I/O thread.
+class Application : public HttpHandler {
+ public:
+  // `loop` must outlive it. Raises std::runtime_error if the accounts cannot be read.
+  Application(ApplicationSettings settings, IoLoop& loop);
+
+  // The secret for choosing the first password; empty once that has been done.
+  std::string make_setup_secret();
+
+  void handle(Request request, Reply reply) override;
+  std::variant<Response, std::shared_ptr<ChannelListener>> upgrade(const Request& request) override;
+
+  // Ends all sessions; `done` is called when their threads have ended.
+  void stop(std::function<void()> done) { sessions_.stop(std::move(done)); }
+
+ private:
+  Response asset(const Request& request) const;
+  Response state(const Request& request);
+  void set_up(Request& request, const Reply& reply);
+  void log_in(Request& request, const Reply& reply);
+  Response log_out(const Request& request);
+  Response sign_in(const Request& request, const std::string& account);
+  // The answer to who has tried too often, else nothing.
+  std::optional<Response> throttled(const Request& request);
+
+  ApplicationSettings settings_;
+  OriginCheck origin_check_;
+  Accounts accounts_;
+  SetupSecret secret_;
+  LoginThrottle throttle_;
+  SessionTable sessions_;
+};
+
+}  // namespace zrl::web

@@ -1,0 +1,75 @@
+#include "host/web/audit.h"
+
+#include <array>
+#include <cerrno>
+#include <ctime>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "core/text.h"
+
+namespace zrl::web {
+
+namespace {
+
+constexpr std::size_t longest_text = 64 << 10;
+constexpr std::size_t block = 256 << 10;
+
+std::string time_text(std::int64_t seconds) {
+  const auto time = static_cast<std::time_t>(seconds);
+  std::tm parts{};
+  ::gmtime_r(&time, &parts);
+  std::array<char, 32> text{};
+  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts)};
+}
+
+std::string field(std::string_view text) {
+  const bool cut = text.size() > longest_text;
+  return printable(valid_utf8(text.substr(0, longest_text))) + (cut ? " [cut]" : "");
+}
+
+}  // namespace
+
+std::uint64_t AuditLog::append(const ActivityRecord& record, std::uint64_t from, std::string_view page) {
+  std::string lines;
+  if (from < record.first()) {
+    const std::string lost = std::to_string(record.first() - from) + " entries are not recorded\n";
+    lines += time_text(std::time(nullptr)) + "\t" + field(account_) + "\t" + field(page) + "\t-\t-\t" + lost;
+    from = record.first();
+  }
+  for (; from < record.total(); ++from) {
+    const ActivityRecord::Entry entry = record[from];
+    if (!entry.write) continue;
+    lines += time_text(entry.time) + "\t" + field(account_) + "\t" + field(page) + "\t";
+    lines.append(name_of(entry.kind)).append("\t").append(entry.ok ? "ok" : "failed").append("\t");
+    lines += field(entry.text);
+    if (!entry.ok) lines += "\t" + field(entry.error);
+    lines += '\n';
+    if (lines.size() > block) {
+      write(lines);
+      lines.clear();
+    }
+  }
+  if (!lines.empty()) write(lines);
+  return from;
+}
+
+// Opened each time, so that the file may be moved away at any time.
+void AuditLog::write(std::string_view lines) {
+  const int file = ::open(file_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (file < 0) return;
+  std::string rest(line_is_torn_ ? "\n" : "");
+  rest += lines;
+  std::size_t done = 0;
+  while (done < rest.size()) {
+    const ssize_t written = ::write(file, rest.data() + done, rest.size() - done);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) break;
+    done += static_cast<std::size_t>(written);
+  }
+  if (done > 0) line_is_torn_ = rest[done - 1] != '\n';
+  ::close(file);
+}
+
+}  // namespace zrl::web

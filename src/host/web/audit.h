@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "core/activity.h"
+
+namespace zrl::web {
+
+// Appends what was written, by whom and where, to a file: one line an entry, its parts parted by
+// tabs, control characters escaped, so that no text can forge a line. Several sessions and
+// processes may append to the same file. A file that cannot be written stops nothing.
+class AuditLog {
+ public:
+  AuditLog(std::filesystem::path file, std::string account)
+      : file_(std::move(file)), account_(std::move(account)) {}
+
+  // Appends the entries of the record from number `from` on that are writes, whether they worked
+  // or not. Returns the number of the entry that comes next.
+  std::uint64_t append(const ActivityRecord& record, std::uint64_t from, std::string_view page);
+
+ private:
+  void write(std::string_view lines);
+
+  std::filesystem::path file_;
+  std::string account_;
+  bool line_is_torn_ = false;  // the disk was full in the middle of a line
+};
+
+}  // namespace zrl::web

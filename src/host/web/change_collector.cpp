@@ -1,0 +1,150 @@
+#include "host/web/change_collector.h"
+
+#include <array>
+#include <boost/json/array.hpp>
+#include <boost/json/value.hpp>
+
+#include "core/text.h"
+#include "host/form_json.h"
+
+namespace zrl::web {
+
+namespace {
+
+namespace json = boost::json;
+
+using LabelNames = std::map<const Control*, std::string_view>;
+
+LabelNames label_names(const Form& form) {
+  LabelNames names;
+  for (const Control* control : form.controls()) {
+    if (control->kind() != ControlKind::label) continue;
+    const Control* named = static_cast<const Label*>(control)->names();
+    if (named != nullptr) names.emplace(named, control->name());
+  }
+  return names;
+}
+
+json::value property_json(const Control& control, Property property) {
+  const PropertyValue value = control.get(property);
+  const auto* items = std::get_if<const StringList*>(&value);
+  if (items == nullptr) return to_json(value);
+  return json::object{{"length", (*items)->size()}, {"revision", control.revision(property)}};
+}
+
+// What stays as it is as long as the form lives.
+void add_design(const Control& control, const LabelNames& labels, json::object& object) {
+  const auto add_placeholder = [&](std::string_view text) {
+    if (!text.empty()) object["placeholder"] = to_json(text);
+  };
+  if (control.kind() == ControlKind::text_field) {
+    const TextField::Style& style = static_cast<const TextField&>(control).style();
+    object["multiLine"] = style.multi_line;
+    object["fixedPitch"] = style.fixed_pitch;
+    object["secret"] = style.secret;
+    add_placeholder(style.placeholder);
+  } else if (control.kind() == ControlKind::combo_box) {
+    const ComboBox::Style& style = static_cast<const ComboBox&>(control).style();
+    object["editable"] = style.editable;
+    add_placeholder(style.placeholder);
+  } else if (control.kind() == ControlKind::option_button) {
+    object["group"] = control.container() == nullptr ? "" : control.container()->name();
+  }
+  const auto label = labels.find(&control);
+  if (label != labels.end()) object["label"] = label->second;
+}
+
+json::value layout_json(const LayoutNode& node) {
+  static constexpr std::array<std::string_view, 4> names = {"control", "column", "row", "grid"};
+  json::object object;
+  if (node.kind == LayoutNode::Kind::control) {
+    object["control"] = node.control->name();
+  } else if (node.kind == LayoutNode::Kind::frame) {
+    object["frame"] = node.control->name();
+    if (!node.children.empty()) object["content"] = layout_json(node.children.front());
+  } else {
+    json::array children;
+    for (const LayoutNode& child : node.children) children.push_back(layout_json(child));
+    object[names[static_cast<std::size_t>(node.kind)]] = std::move(children);
+  }
+  if (node.grows) object["grow"] = true;
+  return object;
+}
+
+// A form without a layout shows its controls in their order.
+json::value layout_of(const Form& form) {
+  if (form.layout() != nullptr) return layout_json(*form.layout());
+  json::array controls;
+  for (const Control* control : form.controls()) {
+    const bool is_named_by_other =
+        control->kind() == ControlKind::label && static_cast<const Label*>(control)->names() != nullptr;
+    if (control->kind() == ControlKind::timer || is_named_by_other) continue;
+    controls.push_back(json::object{{"control", control->name()}});
+  }
+  return json::object{{"column", std::move(controls)}};
+}
+
+}  // namespace
+
+json::object ChangeCollector::whole() {
+  json::object controls;
+  const LabelNames labels = label_names(form_);
+  for (const Control* control : form_.controls()) {
+    json::object object;
+    object["kind"] = name_of(control->kind());
+    for (const Property property : properties_of(control->kind())) {
+      object[name_of(property)] = property_json(*control, property);
+    }
+    add_design(*control, labels, object);
+    controls[control->name()] = std::move(object);
+  }
+  told_all();
+  return {{"caption", to_json(std::string_view(caption_))},
+          {"layout", layout_of(form_)},
+          {"controls", std::move(controls)}};
+}
+
+std::optional<json::object> ChangeCollector::changes() {
+  if (form_.revision() == told_ && untold_.empty()) return {};
+  json::object controls;
+  for (const Control* control : form_.controls()) {
+    if (control->revision() <= told_ && untold_.empty()) continue;
+    json::object changed = changes_of(*control);
+    if (!changed.empty()) controls[control->name()] = std::move(changed);
+  }
+  const bool other_caption = caption_ != form_.caption();
+  told_all();
+  if (controls.empty() && !other_caption) return {};
+  json::object message{{"controls", std::move(controls)}};
+  if (other_caption) message["caption"] = to_json(std::string_view(caption_));
+  return message;
+}
+
+void ChangeCollector::typed(const Control& control, std::string_view text) {
+  typed_.insert_or_assign(&control, std::string(text));
+}
+
+bool ChangeCollector::is_news(const Control& control, Property property) const {
+  if (untold_.contains(&control)) return true;
+  if (control.revision(property) <= told_) return false;
+  if (property != Property::text) return true;
+  const auto shown = typed_.find(&control);
+  return shown == typed_.end() || std::get<std::string_view>(control.get(property)) != shown->second;
+}
+
+json::object ChangeCollector::changes_of(const Control& control) {
+  json::object changed;
+  for (const Property property : properties_of(control.kind())) {
+    if (is_news(control, property)) changed[name_of(property)] = property_json(control, property);
+  }
+  return changed;
+}
+
+void ChangeCollector::told_all() {
+  told_ = form_.revision();
+  caption_ = form_.caption();
+  typed_.clear();
+  untold_.clear();
+}
+
+}  // namespace zrl::web

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <boost/json/object.hpp>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "core/form.h"
+
+namespace zrl::web {
+
+// Knows what the browser has been told about a form, and collects what has become different since.
+// The cost of looking is that of the controls, or nothing if the form has not changed; lists are
+// told by length and revision, whatever they hold. The form must outlive it.
+class ChangeCollector {
+ public:
+  explicit ChangeCollector(Form& form) : form_(form) {}
+
+  // The members `caption`, `layout` and `controls` of a form message; the browser knows the form
+  // from then on.
+  boost::json::object whole();
+
+  // The members `controls` and, if it is different, `caption` of a change message; nothing if the
+  // browser knows all.
+  std::optional<boost::json::object> changes();
+
+  // The browser shows this text in the control because it was typed there; it is told about the
+  // text only if it becomes another one.
+  void typed(const Control& control, std::string_view text);
+
+  // The browser may show something else than the control holds: it is told again.
+  void tell_again(const Control& control) { untold_.insert(&control); }
+
+ private:
+  bool is_news(const Control& control, Property property) const;
+  boost::json::object changes_of(const Control& control);
+  void told_all();
+
+  Form& form_;
+  std::string caption_;
+  Revision told_ = 0;
+  std::map<const Control*, std::string> typed_;
+  std::set<const Control*> untold_;
+};
+
+}  // namespace zrl::web

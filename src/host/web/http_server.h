@@ -1,0 +1,62 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "host/web/transport.h"
+
+namespace zrl::web {
+
+struct ServerLimits {
+  std::size_t connections = 256;
+  std::size_t connections_an_address = 32;
+  std::size_t header_bytes = 16 << 10;
+  std::size_t body_bytes = 64 << 10;
+  std::size_t message_bytes = 1 << 20;       // a WebSocket message from the browser
+  std::size_t send_queue_bytes = 16 << 20;   // what may wait for a browser, beside one message
+  std::chrono::milliseconds request{30000};  // to send a request whole, the pause before it included
+  std::chrono::milliseconds handshake{10000};
+  std::chrono::milliseconds answer{60000};   // for the handler to reply
+  std::chrono::milliseconds write{30000};    // for the browser to take one message or response
+  std::chrono::milliseconds silence{60000};  // of a WebSocket; the browser is pinged before
+};
+
+struct ServerOptions {
+  std::string address = "127.0.0.1";  // an IP address, or "localhost"
+  std::uint16_t port = 0;             // 0: any that is free
+  std::filesystem::path certificate;  // PEM; empty: no TLS
+  std::filesystem::path key;
+  ServerLimits limits;
+};
+
+// An HTTP/1.1 and WebSocket server on one thread, the one that calls run(). Every response carries
+// the security headers.
+class HttpServer : public IoLoop {
+ public:
+  // Binds and listens; raises std::runtime_error if that fails or the certificate is unusable.
+  explicit HttpServer(const ServerOptions& options);
+  ~HttpServer() override;
+
+  std::uint16_t port() const;
+
+  // Before run(): begins to accept connections. The handler must live until run() has returned.
+  void start(HttpHandler& handler);
+  void run();
+  // On the I/O thread: accepts no more connections.
+  void close_listener();
+  // From any thread: run() returns soon; what has been sent may still go out before.
+  void stop();
+
+  void post(std::function<void()> task) override;
+  void after(std::chrono::milliseconds time, std::function<void()> task) override;
+
+ private:
+  class Implementation;
+  std::unique_ptr<Implementation> implementation_;
+};
+
+}  // namespace zrl::web

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace zrl::web {
+
+// What reaches a session's thread from outside.
+struct Incoming {
+  enum class Kind : std::uint8_t {
+    message,    // from the browser
+    connected,  // a WebSocket has been opened; what it is sent begins with a hello
+    ended,      // the session is over
+    stopping,   // and so is the program: let running actions end early
+  };
+
+  Kind kind;
+  std::uint64_t connection;
+  std::string text;
+};
+
+// The queue between the I/O thread, which pushes, and a session's thread, which pops. Holds at
+// most a few hundred messages: beyond that push() tells the pusher to read no more, and `on_room`
+// is called, on the popping thread, once there is room again.
+class Inbox {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  static constexpr std::size_t max_messages = 256;
+  static constexpr std::size_t max_bytes = 4 << 20;
+
+  explicit Inbox(std::function<void()> on_room) : on_room_(std::move(on_room)) {}
+
+  // False: it was taken, and is the last one for which there was room. Kinds other than messages
+  // are always taken.
+  bool push(Incoming item);
+
+  // The next item, or nothing if none comes until the deadline.
+  std::optional<Incoming> pop(Clock::time_point deadline);
+
+ private:
+  std::function<void()> on_room_;
+  std::mutex mutex_;
+  std::condition_variable arrived_;
+  std::deque<Incoming> items_;
+  std::size_t bytes_ = 0;
+  bool full_ = false;
+};
+
+}  // namespace zrl::web

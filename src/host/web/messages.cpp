@@ -1,0 +1,140 @@
+#include "host/web/messages.h"
+
+#include <array>
+#include <boost/json.hpp>
+#include <stdexcept>
+#include <utility>
+
+namespace zrl::web {
+
+namespace {
+
+namespace json = boost::json;
+using Type = BrowserMessage::Type;
+using Act = BrowserMessage::Act;
+
+constexpr std::size_t max_depth = 8;
+
+constexpr std::array<std::pair<std::string_view, Type>, 7> types = {{{"open", Type::open},
+                                                                     {"event", Type::event},
+                                                                     {"close", Type::close},
+                                                                     {"answer", Type::answer},
+                                                                     {"rows", Type::rows},
+                                                                     {"record", Type::record},
+                                                                     {"captions", Type::captions}}};
+constexpr std::array<std::pair<std::string_view, Act>, 4> acts = {
+    {{"click", Act::click}, {"text", Act::type}, {"choose", Act::choose}, {"scroll", Act::scroll}}};
+
+// Raised for a member that is missing or of the wrong kind.
+class BadMember : public std::runtime_error {
+ public:
+  BadMember(std::string_view name, std::string_view wanted)
+      : std::runtime_error(std::string(name) + " must be " + std::string(wanted)) {}
+};
+
+std::string text_of(const json::object& object, std::string_view name) {
+  const json::value* value = object.if_contains(name);
+  if (value == nullptr || !value->is_string()) throw BadMember(name, "a text");
+  return {value->get_string().data(), value->get_string().size()};
+}
+
+std::int64_t number_of(const json::object& object, std::string_view name) {
+  const json::value* value = object.if_contains(name);
+  if (value == nullptr || !value->is_int64()) throw BadMember(name, "a whole number");
+  return value->get_int64();
+}
+
+std::uint64_t count_of(const json::object& object, std::string_view name) {
+  const std::int64_t number = number_of(object, name);
+  if (number < 0) throw BadMember(name, "a number from 0 on");
+  return static_cast<std::uint64_t>(number);
+}
+
+template <typename Value, std::size_t size>
+Value one_of(const std::array<std::pair<std::string_view, Value>, size>& known, const json::object& object,
+             std::string_view name) {
+  const std::string text = text_of(object, name);
+  for (const auto& [word, value] : known) {
+    if (word == text) return value;
+  }
+  throw BadMember(name, "one that is known");
+}
+
+void read_event(const json::object& object, BrowserMessage& message) {
+  message.form = text_of(object, "form");
+  message.control = text_of(object, "control");
+  message.act = one_of(acts, object, "event");
+  if (message.act == Act::type) message.text = text_of(object, "text");
+  if (message.act == Act::choose) message.number = number_of(object, "index");
+  if (message.act == Act::scroll) message.number = number_of(object, "value");
+}
+
+void read_reply(const json::object& object, BrowserMessage& message) {
+  message.id = count_of(object, "id");
+  const std::string reply = text_of(object, "reply");
+  if (reply != "ok" && reply != "cancel") throw BadMember("reply", "ok or cancel");
+  message.ok = reply == "ok";
+}
+
+void read_window(const json::object& object, BrowserMessage& message) {
+  message.request = count_of(object, "request");
+  message.start = count_of(object, "start");
+  message.count = count_of(object, "count");
+}
+
+BrowserMessage read(const json::object& object) {
+  BrowserMessage message;
+  message.type = one_of(types, object, "type");
+  if (message.has_seq()) message.seq = count_of(object, "seq");
+  switch (message.type) {
+    case Type::open:
+      message.page = text_of(object, "page");
+      break;
+    case Type::event:
+      read_event(object, message);
+      break;
+    case Type::close:
+      message.form = text_of(object, "form");
+      break;
+    case Type::answer:
+      read_reply(object, message);
+      break;
+    case Type::rows:
+      read_window(object, message);
+      message.form = text_of(object, "form");
+      message.control = text_of(object, "control");
+      message.text = text_of(object, "filter");
+      break;
+    case Type::record:
+      read_window(object, message);
+      break;
+    case Type::captions:
+      break;
+  }
+  return message;
+}
+
+}  // namespace
+
+std::variant<BrowserMessage, Malformed> parse_message(std::string_view text) {
+  json::parse_options options;
+  options.max_depth = max_depth;
+  boost::system::error_code failure;
+  json::monotonic_resource memory;
+  const json::value parsed = json::parse(text, failure, &memory, options);
+  if (failure) return Malformed{"no JSON: " + failure.message(), {}};
+  if (!parsed.is_object()) return Malformed{"no object", {}};
+  const json::object& object = parsed.get_object();
+  try {
+    return read(object);
+  } catch (const BadMember& failed) {
+    Malformed malformed{failed.what(), {}};
+    const json::value* seq = object.if_contains("seq");
+    if (seq != nullptr && seq->is_int64() && seq->get_int64() >= 0) {
+      malformed.seq = static_cast<std::uint64_t>(seq->get_int64());
+    }
+    return malformed;
+  }
+}
+
+}  // namespace zrl::web

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace zrl::web {
+
+// A well-formed message from the browser. Members that its type has not are empty or 0.
+struct BrowserMessage {
+  enum class Type : std::uint8_t { open, event, close, answer, rows, record, captions };
+  enum class Act : std::uint8_t { click, type, choose, scroll };
+
+  Type type{};
+  Act act{};
+  std::uint64_t seq = 0;      // of open, event, close
+  std::uint64_t request = 0;  // of rows, record
+  std::uint64_t id = 0;       // of answer
+  std::uint64_t start = 0;
+  std::uint64_t count = 0;
+  std::int64_t number = 0;  // index or value
+  std::string form;
+  std::string control;
+  std::string page;
+  std::string text;  // what was typed, or the filter
+  bool ok = false;   // the reply
+
+  bool has_seq() const { return type == Type::open || type == Type::event || type == Type::close; }
+};
+
+// Why a message was not understood, with its number where that could be read.
+struct Malformed {
+  std::string why;
+  std::optional<std::uint64_t> seq;
+};
+
+// Takes any bytes. Members that are not known are passed over.
+std::variant<BrowserMessage, Malformed> parse_message(std::string_view text);
+
+}  // namespace zrl::web

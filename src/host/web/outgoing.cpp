@@ -1,0 +1,208 @@
+#include "host/web/outgoing.h"
+
+#include <algorithm>
+#include <array>
+#include <boost/json.hpp>
+#include <ctime>
+
+#include "core/text.h"
+
+namespace zrl::web {
+
+namespace {
+
+namespace json = boost::json;
+
+constexpr std::uint64_t entries_an_action = 50;
+constexpr std::size_t longest_row = 16 << 10;
+constexpr std::size_t longest_entry = 8 << 10;
+constexpr std::size_t longest_rows = 2 << 20;
+
+json::string valid(std::string_view text) {
+  return is_valid_utf8(text) ? json::string(text) : json::string(valid_utf8(text));
+}
+
+// At most `limit` bytes of it, not ending within a character.
+json::string valid_part(std::string_view text, std::size_t limit) {
+  if (text.size() <= limit) return valid(text);
+  while (limit > 0 && (static_cast<unsigned char>(text[limit]) & 0xC0) == 0x80) --limit;
+  json::string part = valid(text.substr(0, limit));
+  part += "\u2026";
+  return part;
+}
+
+std::string time_of_day(std::int64_t seconds) {
+  const auto time = static_cast<std::time_t>(seconds);
+  std::tm parts{};
+  ::localtime_r(&time, &parts);
+  std::array<char, 16> text{};
+  return {text.data(), std::strftime(text.data(), text.size(), "%H:%M:%S", &parts)};
+}
+
+json::array entries_json(const ActivityRecord& record, std::uint64_t from, std::uint64_t to) {
+  json::array entries;
+  for (; from < to; ++from) {
+    const ActivityRecord::Entry entry = record[from];
+    entries.push_back(json::object{{"time", time_of_day(entry.time)},
+                                   {"kind", name_of(entry.kind)},
+                                   {"text", valid_part(entry.text, longest_entry)},
+                                   {"ok", entry.ok},
+                                   {"error", valid_part(entry.error, longest_entry)}});
+  }
+  return entries;
+}
+
+void add_captions(Console& console, const Form& form, json::array& captions) {
+  for (const Control* control : form.controls()) {
+    for (const Property property : {Property::caption, Property::tool_tip}) {
+      if (!control->has(property)) continue;
+      const auto text = std::get<std::string_view>(control->get(property));
+      if (text.empty()) continue;
+      const std::string shown = console.localisation().translate(text);
+      captions.push_back(json::object{{"control", control->name()}, {"text", valid(shown)}});
+    }
+  }
+}
+
+}  // namespace
+
+std::string hello_message(Console& console, std::string_view account, std::span<const PageEntry> pages,
+                          std::string_view open) {
+  json::array entries;
+  for (const PageEntry& page : pages) {
+    entries.push_back(json::object{{"name", page.name},
+                                   {"group", valid(console.localisation().translate(page.group))},
+                                   {"title", valid(console.localisation().translate(page.title))}});
+  }
+  const std::string language = console.localisation().current_language();
+  json::object message{{"type", "hello"},
+                       {"account", valid(account)},
+                       {"language", language.empty() ? json::string("english") : valid(language)},
+                       {"product", product_name},
+                       {"version", valid(console.settings().product_version())},
+                       {"pages", std::move(entries)},
+                       {"open", nullptr}};
+  if (!open.empty()) message["open"] = open;
+  return json::serialize(message);
+}
+
+std::string form_message(ShownForm& shown, std::string_view caption) {
+  json::object message{
+      {"type", "form"}, {"form", shown.id}, {"dialog", shown.dialog}, {"modal", shown.modal}};
+  for (auto& [name, value] : shown.changes.whole()) message[name] = std::move(value);
+  message["caption"] = valid(caption);
+  shown.announced = true;
+  return json::serialize(message);
+}
+
+std::optional<std::string> change_message(ShownForm& shown, std::uint64_t ack, std::string_view caption) {
+  std::optional<json::object> changes = shown.changes.changes();
+  if (!changes) return {};
+  json::object message{{"type", "change"}, {"form", shown.id}, {"ack", ack}};
+  for (auto& [name, value] : *changes) message[name] = std::move(value);
+  if (message.contains("caption")) message["caption"] = valid(caption);
+  return json::serialize(message);
+}
+
+std::string closed_message(std::string_view form) {
+  return json::serialize(json::object{{"type", "closed"}, {"form", form}});
+}
+
+std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64_t request, WindowOf window,
+                         std::string_view filter) {
+  const StringList& items = list.items();
+  const std::vector<std::uint32_t>* matches = filter.empty() ? nullptr : &shown.filter.matches(list, filter);
+  const std::uint64_t length = matches == nullptr ? items.size() : matches->size();
+  const std::uint64_t start = std::min(window.start, length);
+  const std::uint64_t end = start + std::min({window.count, longest_window, length - start});
+  json::array rows;
+  json::array indexes;
+  std::size_t bytes = 0;
+  for (std::uint64_t i = start; i < end && bytes < longest_rows; ++i) {
+    const std::uint64_t index = matches == nullptr ? i : (*matches)[i];
+    rows.push_back(valid_part(items[index], longest_row));
+    bytes += rows.back().get_string().size();
+    if (matches != nullptr) indexes.push_back(index);
+  }
+  json::object message{{"type", "rows"},
+                       {"form", shown.id},
+                       {"control", list.name()},
+                       {"request", request},
+                       {"revision", list.revision(Property::items)},
+                       {"filter", filter},
+                       {"length", length},
+                       {"start", start},
+                       {"rows", std::move(rows)}};
+  if (matches != nullptr) message["indexes"] = std::move(indexes);
+  return json::serialize(message);
+}
+
+std::string box_message(std::uint64_t id, const MessageBox& box) {
+  json::array buttons{"ok"};
+  if (box.asks()) buttons.push_back("cancel");
+  return json::serialize(json::object{{"type", "box"},
+                                      {"id", id},
+                                      {"title", valid(box.title)},
+                                      {"text", valid(box.text)},
+                                      {"style", static_cast<int>(box.style)},
+                                      {"buttons", std::move(buttons)}});
+}
+
+std::string unbox_message(std::uint64_t id) {
+  return json::serialize(json::object{{"type", "unbox"}, {"id", id}});
+}
+
+std::string busy_message(bool on, std::string_view text, std::uint64_t done, std::uint64_t total) {
+  return json::serialize(
+      json::object{{"type", "busy"}, {"on", on}, {"text", valid(text)}, {"done", done}, {"total", total}});
+}
+
+std::string activity_message(const ActivityRecord& record, std::uint64_t from, std::uint64_t failed,
+                             std::string_view page) {
+  const std::uint64_t total = record.total();
+  const std::uint64_t newest = total - std::min(total, entries_an_action);
+  from = std::max({from, newest, record.first()});
+  return json::serialize(json::object{{"type", "activity"},
+                                      {"first", from},
+                                      {"total", total},
+                                      {"failed", failed},
+                                      {"entries", entries_json(record, from, total)},
+                                      {"page", page}});
+}
+
+std::string record_message(const ActivityRecord& record, std::uint64_t request, WindowOf window) {
+  const std::uint64_t start = std::clamp(window.start, record.first(), record.total());
+  const std::uint64_t count = std::min({window.count, longest_window, record.total() - start});
+  return json::serialize(json::object{{"type", "record"},
+                                      {"request", request},
+                                      {"start", start},
+                                      {"total", record.total()},
+                                      {"entries", entries_json(record, start, start + count)}});
+}
+
+std::string captions_message(Console& console, std::span<const PageEntry> pages) {
+  json::object all;
+  for (const PageEntry& entry : pages) {
+    json::array captions;
+    try {
+      add_captions(console, *entry.make(console), captions);
+    } catch (const std::exception&) {
+      captions.clear();  // a page that cannot be made cannot be found either
+    }
+    all[entry.name] = std::move(captions);
+  }
+  return json::serialize(json::object{{"type", "captions"}, {"pages", std::move(all)}});
+}
+
+std::string done_message(std::uint64_t seq) {
+  return json::serialize(json::object{{"type", "done"}, {"seq", seq}});
+}
+
+std::string error_message(const MessageNumber& number, std::string_view code, std::string_view text) {
+  json::object message{{"type", "error"}, {"code", code}, {"text", valid(text)}};
+  if (number.seq) message["seq"] = *number.seq;
+  if (number.request) message["request"] = *number.request;
+  return json::serialize(message);
+}
+
+}  // namespace zrl::web

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/activity.h"
+#include "core/console.h"
+#include "core/controls.h"
+#include "core/host.h"
+#include "host/web/list_filter.h"
+#include "host/web/shown_form.h"
+#include "pages/catalogue.h"
+
+// The messages to the browser, as their texts.
+namespace zrl::web {
+
+// What a refused message was numbered.
+struct MessageNumber {
+  std::optional<std::uint64_t> seq = {};
+  std::optional<std::uint64_t> request = {};
+};
+
+struct WindowOf {
+  std::uint64_t start;
+  std::uint64_t count;
+};
+
+inline constexpr std::uint64_t longest_window = 500;
+
+// `open` is the name of the page that is shown, or empty.
+std::string hello_message(Console& console, std::string_view account, std::span<const PageEntry> pages,
+                          std::string_view open);
+// The browser knows the form, or its changes, from then on.
+std::string form_message(ShownForm& shown, std::string_view caption);
+std::optional<std::string> change_message(ShownForm& shown, std::uint64_t ack, std::string_view caption);
+std::string closed_message(std::string_view form);
+// Fewer rows than asked for if they are long.
+std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64_t request, WindowOf window,
+                         std::string_view filter);
+std::string box_message(std::uint64_t id, const MessageBox& box);
+std::string unbox_message(std::uint64_t id);
+std::string busy_message(bool on, std::string_view text, std::uint64_t done, std::uint64_t total);
+// The newest entries from number `from` on, `failed` of which are failures.
+std::string activity_message(const ActivityRecord& record, std::uint64_t from, std::uint64_t failed,
+                             std::string_view page);
+std::string record_message(const ActivityRecord& record, std::uint64_t request, WindowOf window);
+std::string captions_message(Console& console, std::span<const PageEntry> pages);
+std::string done_message(std::uint64_t seq);
+std::string error_message(const MessageNumber& number, std::string_view code, std::string_view text);
+
+}  // namespace zrl::web

@@ -1,0 +1,185 @@
+#include "host/web/session.h"
+
+#include "host/web/outgoing.h"
+
+namespace zrl::web {
+
+namespace {
+
+constexpr int close_replaced = 4001;
+constexpr int close_over = 4002;
+constexpr int close_going_away = 1001;
+constexpr int close_violated = 1008;
+
+}  // namespace
+
+// Knows which of the session's WebSockets it listens to: the end of an old one may come after the
+// beginning of the next.
+class Session::Listener : public ChannelListener {
+ public:
+  explicit Listener(std::shared_ptr<Session> session) : session_(std::move(session)) {}
+
+  void on_open(std::shared_ptr<Channel> channel) override {
+    connection_ = session_->connected(std::move(channel));
+  }
+  bool on_text(std::string text) override { return session_->received(connection_, std::move(text)); }
+  void on_close() override { session_->disconnected(connection_); }
+
+ private:
+  std::shared_ptr<Session> session_;
+  std::uint64_t connection_ = 0;
+};
+
+Session::Session(IoLoop& loop, const ConsoleSettings& settings, const Times& times, std::string account,
+                 Callbacks callbacks)
+    : loop_(loop),
+      settings_(settings),
+      times_(times),
+      account_(std::move(account)),
+      callbacks_(std::move(callbacks)),
+      inbox_([this] {
+        post([](Session& self) {
+          if (self.channel_) self.channel_->resume();
+        });
+      }) {}
+
+Session::~Session() {
+  if (!thread_.joinable()) return;
+  if (thread_.get_id() == std::this_thread::get_id()) {
+    thread_.detach();
+  } else {
+    thread_.join();
+  }
+}
+
+std::shared_ptr<ChannelListener> Session::new_listener() {
+  return std::make_shared<Listener>(shared_from_this());
+}
+
+bool Session::has_expired(Clock::time_point now) const {
+  return now - began_ >= times_.longest || now - last_message_ >= times_.idle ||
+         (lost_ && now - *lost_ >= times_.lost);
+}
+
+void Session::end(Reason reason) {
+  if (channel_) channel_->close(reason == Reason::stopping ? close_going_away : close_over);
+  channel_.reset();
+  ended_ = true;
+  if (thread_.joinable()) {
+    inbox_.push({reason == Reason::stopping ? Incoming::Kind::stopping : Incoming::Kind::ended, 0, {}});
+  } else {
+    callbacks_.finished(*this);
+  }
+}
+
+std::uint64_t Session::connected(std::shared_ptr<Channel> channel) {
+  if (ended_) {
+    channel->close(close_over);
+    return 0;
+  }
+  if (channel_) channel_->close(close_replaced);
+  channel_ = std::move(channel);
+  lost_.reset();
+  last_message_ = Clock::now();
+  greeted_ = false;
+  inbox_.push({Incoming::Kind::connected, ++connection_, {}});
+  if (!thread_.joinable()) start_thread();
+  return connection_;
+}
+
+bool Session::received(std::uint64_t connection, std::string text) {
+  if (ended_ || connection != connection_) return true;
+  last_message_ = Clock::now();
+  return inbox_.push({Incoming::Kind::message, connection, std::move(text)});
+}
+
+void Session::disconnected(std::uint64_t connection) {
+  if (ended_ || connection != connection_) return;
+  channel_.reset();
+  lost_ = Clock::now();
+}
+
+void Session::start_thread() {
+  thread_ = std::thread([self = shared_from_this()] { self->run_console(); });
+}
+
+void Session::run_console() {
+  bool failed = false;
+  try {
+    SessionConsole(settings_, account_, inbox_, *this).run();
+  } catch (const std::exception&) {
+    failed = true;
+  }
+  loop_.post([self = shared_from_this(), failed] {
+    if (failed && !self->ended_) {
+      if (self->channel_) self->channel_->close(close_over);
+      self->channel_.reset();
+      self->ended_ = true;
+      self->callbacks_.ended(*self);
+    }
+    self->thread_.join();
+    self->callbacks_.finished(*self);
+  });
+}
+
+void Session::post(std::function<void(Session&)> task) {
+  loop_.post([self = shared_from_this(), task = std::move(task)] { task(*self); });
+}
+
+void Session::send(std::uint64_t connection, std::string message) {
+  post([connection, text = std::move(message)](Session& self) mutable {
+    if (!self.channel_ || self.connection_ != connection) return;
+    self.channel_->send(std::move(text));
+    if (!self.greeted_) {
+      self.greeted_ = true;
+      if (self.busy_ && self.busy_->is_long) self.tell_busy();
+    }
+  });
+}
+
+void Session::violated(std::uint64_t connection) {
+  post([connection](Session& self) {
+    if (self.channel_ && self.connection_ == connection) self.channel_->close(close_violated);
+  });
+}
+
+void Session::action_began() {
+  post([](Session& self) {
+    self.busy_.emplace();
+    const std::uint64_t action = ++self.action_;
+    self.loop_.after(self.times_.busy_after, [weak = self.weak_from_this(), action] {
+      const auto session = weak.lock();
+      if (session && session->busy_ && session->action_ == action) session->tell_busy();
+    });
+  });
+}
+
+void Session::action_ended() {
+  post([](Session& self) { self.tell_no_longer_busy(); });
+}
+
+void Session::progress(std::string text, std::uint64_t done, std::uint64_t total) {
+  post([text = std::move(text), done, total](Session& self) {
+    if (!self.busy_) return;
+    self.busy_->text = text;
+    self.busy_->done = done;
+    self.busy_->total = total;
+    if (self.busy_->is_long) self.tell_busy();
+  });
+}
+
+void Session::language_is(std::string language) {
+  post([language = std::move(language)](Session& self) { self.callbacks_.language_is(language); });
+}
+
+void Session::tell_busy() {
+  busy_->is_long = true;
+  if (channel_ && greeted_) channel_->send(busy_message(true, busy_->text, busy_->done, busy_->total));
+}
+
+void Session::tell_no_longer_busy() {
+  if (busy_ && busy_->is_long && channel_ && greeted_) channel_->send(busy_message(false, {}, 0, 0));
+  busy_.reset();
+}
+
+}  // namespace zrl::web

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "host/web/inbox.h"
+#include "host/web/session_console.h"
+#include "host/web/transport.h"
+
+namespace zrl::web {
+
+// The end of a signed-in session on the I/O thread: its WebSocket, its clocks, and the thread that
+// runs its console, which begins with the first WebSocket. But for the calls of SessionOutput,
+// which its thread makes, everything happens on the I/O thread.
+class Session : public SessionOutput, public std::enable_shared_from_this<Session> {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  struct Times {
+    std::chrono::milliseconds idle{30 * 60 * 1000};          // without a message from the browser
+    std::chrono::milliseconds longest{12 * 60 * 60 * 1000};  // since the log-in
+    std::chrono::milliseconds lost{60 * 1000};               // without a WebSocket
+    std::chrono::milliseconds busy_after{150};               // until an action counts as long
+  };
+
+  // Called on the I/O thread.
+  struct Callbacks {
+    std::function<void(Session&)> ended;     // by itself, with an error; not by end()
+    std::function<void(Session&)> finished;  // its thread is over, the session can go
+    std::function<void(std::string)> language_is;
+  };
+
+  // `loop` and `settings` must outlive the session.
+  Session(IoLoop& loop, const ConsoleSettings& settings, const Times& times, std::string account,
+          Callbacks callbacks);
+  ~Session() override;
+
+  const std::string& account() const { return account_; }
+
+  // Who listens to a new WebSocket. It takes the place of the one before.
+  std::shared_ptr<ChannelListener> new_listener();
+
+  bool has_expired(Clock::time_point now) const;
+
+  enum class Reason { over, stopping };
+  // Closes the WebSocket and lets the thread end. `finished` is called, at once or later.
+  void end(Reason reason);
+
+  void send(std::uint64_t connection, std::string message) override;
+  void violated(std::uint64_t connection) override;
+  void action_began() override;
+  void action_ended() override;
+  void progress(std::string text, std::uint64_t done, std::uint64_t total) override;
+  void language_is(std::string language) override;
+
+ private:
+  class Listener;
+
+  struct Busy {
+    std::string text;
+    std::uint64_t done = 0;
+    std::uint64_t total = 0;
+    bool is_long = false;
+  };
+
+  // The number of the connection.
+  std::uint64_t connected(std::shared_ptr<Channel> channel);
+  bool received(std::uint64_t connection, std::string text);
+  void disconnected(std::uint64_t connection);
+
+  // Runs it on the I/O thread, while the session lives.
+  void post(std::function<void(Session&)> task);
+  void start_thread();
+  void run_console();
+  void tell_busy();
+  void tell_no_longer_busy();
+
+  IoLoop& loop_;
+  const ConsoleSettings& settings_;
+  const Times& times_;
+  const std::string account_;
+  const Callbacks callbacks_;
+  Inbox inbox_;
+  std::thread thread_;
+
+  std::shared_ptr<Channel> channel_;
+  std::uint64_t connection_ = 0;
+  bool greeted_ = false;  // something has been sent on this connection, a hello first
+  const Clock::time_point began_ = Clock::now();
+  Clock::time_point last_message_ = began_;
+  std::optional<Clock::time_point> lost_ = began_;
+  std::optional<Busy> busy_;
+  std::uint64_t action_ = 0;
+  bool ended_ = false;
+};
+
+}  // namespace zrl::web

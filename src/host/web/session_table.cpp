@@ -1,0 +1,110 @@
+#include "host/web/session_table.h"
+
+#include <algorithm>
+#include <array>
+
+#include <sodium.h>
+
+namespace zrl::web {
+
+namespace {
+
+constexpr std::size_t token_bytes = 32;
+
+std::string random_token() {
+  std::array<unsigned char, token_bytes> bytes{};
+  ::randombytes_buf(bytes.data(), bytes.size());
+  std::array<char, 2 * token_bytes + 1> text{};
+  ::sodium_bin2hex(text.data(), text.size(), bytes.data(), bytes.size());
+  return text.data();
+}
+
+std::string digest(std::string_view token) {
+  std::array<unsigned char, crypto_generichash_BYTES> bytes{};
+  ::crypto_generichash(bytes.data(), bytes.size(), reinterpret_cast<const unsigned char*>(token.data()),
+                       token.size(), nullptr, 0);
+  return {bytes.begin(), bytes.end()};
+}
+
+}  // namespace
+
+SessionTable::SessionTable(IoLoop& loop, const ConsoleSettings& settings, const Limits& limits,
+                           std::function<void(std::string)> on_language)
+    : loop_(loop), settings_(settings), limits_(limits), on_language_(std::move(on_language)) {}
+
+std::string SessionTable::begin(const std::string& account) {
+  if (stopping_ || sessions_.size() + ending_.size() >= limits_.sessions) return {};
+  const std::string token = random_token();
+  sessions_[digest(token)] = std::make_shared<Session>(
+      loop_, settings_, limits_.times, account,
+      Session::Callbacks{.ended = [this](Session& session) { forget(session); },
+                         .finished = [this](Session& session) { finished(session); },
+                         .language_is = on_language_});
+  sweep_later();
+  return token;
+}
+
+std::shared_ptr<Session> SessionTable::find(std::string_view token) {
+  const auto found = sessions_.find(digest(token));
+  if (found == sessions_.end()) return nullptr;
+  if (!found->second->has_expired(Session::Clock::now())) return found->second;
+  leave(found, Session::Reason::over);
+  return nullptr;
+}
+
+void SessionTable::end(std::string_view token) {
+  const auto found = sessions_.find(digest(token));
+  if (found != sessions_.end()) leave(found, Session::Reason::over);
+}
+
+void SessionTable::stop(std::function<void()> done) {
+  stopping_ = true;
+  on_stopped_ = std::move(done);
+  // Those that are ending already may be in the middle of a long action.
+  for (const auto& session : std::list(ending_)) session->end(Session::Reason::stopping);
+  while (!sessions_.empty()) leave(sessions_.begin(), Session::Reason::stopping);
+  if (ending_.empty() && on_stopped_) std::exchange(on_stopped_, nullptr)();
+}
+
+void SessionTable::sweep_later() {
+  if (sweeping_) return;
+  sweeping_ = true;
+  loop_.after(limits_.sweep, [this] {
+    sweeping_ = false;
+    sweep();
+  });
+}
+
+void SessionTable::sweep() {
+  const auto now = Session::Clock::now();
+  for (auto it = sessions_.begin(); it != sessions_.end();) {
+    const auto next = std::next(it);
+    if (it->second->has_expired(now)) leave(it, Session::Reason::over);
+    it = next;
+  }
+  if (!sessions_.empty()) sweep_later();
+}
+
+void SessionTable::leave(Sessions::iterator found, Session::Reason reason) {
+  const std::shared_ptr<Session> session = std::move(found->second);
+  sessions_.erase(found);
+  ending_.push_back(session);
+  session->end(reason);
+}
+
+void SessionTable::forget(const Session& session) {
+  const auto found = std::find_if(sessions_.begin(), sessions_.end(),
+                                  [&](const auto& entry) { return entry.second.get() == &session; });
+  if (found == sessions_.end()) return;
+  ending_.push_back(std::move(found->second));
+  sessions_.erase(found);
+}
+
+void SessionTable::finished(const Session& session) {
+  ending_.remove_if([&](const std::shared_ptr<Session>& ending) { return ending.get() == &session; });
+  if (stopping_ && ending_.empty() && sessions_.empty() && on_stopped_) {
+    std::exchange(on_stopped_, nullptr)();
+  }
+}
+
+}  // namespace zrl::web

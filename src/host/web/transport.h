@@ -1,0 +1,85 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+// What the console's web host knows of HTTP and WebSockets. No type of a network library appears
+// here, so that everything above it builds quickly and is tested without a network.
+//
+// Everything but IoLoop::post() and IoLoop::after() is called on the one I/O thread.
+namespace zrl::web {
+
+class IoLoop {
+ public:
+  virtual ~IoLoop() = default;
+
+  // From any thread. Tasks of one thread run in their order.
+  virtual void post(std::function<void()> task) = 0;
+  virtual void after(std::chrono::milliseconds time, std::function<void()> task) = 0;
+};
+
+struct Request {
+  std::string method;
+  std::string path;  // without the query
+  std::string host;
+  std::string origin;
+  std::string content_type;
+  std::string cookie;
+  std::string body;
+  std::string remote_address;
+  bool accepts_gzip = false;
+  bool over_tls = false;
+};
+
+struct Response {
+  int status = 200;
+  std::string content_type = {};
+  std::vector<std::pair<std::string, std::string>> headers = {};
+  std::string body = {};
+  std::string_view asset = {};  // sent if there is no body; lives as long as the program
+  bool immutable = false;       // the browser may keep it for good; others it never keeps
+};
+
+// Answers a request, once, now or later. Later calls are ignored.
+using Reply = std::function<void(Response)>;
+
+// The server's end of an open WebSocket. Ignores calls after its end.
+class Channel {
+ public:
+  virtual ~Channel() = default;
+
+  // Never waits. A browser that lets too much pile up is cut off.
+  virtual void send(std::string text) = 0;
+  // What was sent before still goes out, for a few seconds.
+  virtual void close(int code) = 0;
+  // Reads on after on_text() said to pause.
+  virtual void resume() = 0;
+};
+
+class ChannelListener {
+ public:
+  virtual ~ChannelListener() = default;
+
+  virtual void on_open(std::shared_ptr<Channel> channel) = 0;
+  // False: no more is read until Channel::resume().
+  virtual bool on_text(std::string text) = 0;
+  // The last call, also after Channel::close().
+  virtual void on_close() = 0;
+};
+
+class HttpHandler {
+ public:
+  virtual ~HttpHandler() = default;
+
+  virtual void handle(Request request, Reply reply) = 0;
+  // A WebSocket is asked for: who listens to it, or the answer that refuses it.
+  virtual std::variant<Response, std::shared_ptr<ChannelListener>> upgrade(const Request& request) = 0;
+};
+
+}  // namespace zrl::web

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/console.h"
+#include "host/web/application.h"
+#include "host/web/http_server.h"
+#include "pages/catalogue.h"
+
+namespace zrl::web {
+
+struct WebHostOptions {
+  std::filesystem::path folder = {};       // the console's, laid out already
+  std::string listen = "127.0.0.1:8025";   // ADDRESS:PORT, [ADDRESS]:PORT; port 0 takes any that is free
+  std::filesystem::path certificate = {};  // PEM; empty: no TLS
+  std::filesystem::path key = {};
+  std::vector<std::string> hosts = {};  // further names that browsers know this console by
+  std::span<const PageEntry> pages = {};
+  // Called on the threads of sessions, at the same time.
+  std::function<void(Console&)> register_components = {};
+  std::function<void(const ProgramStart&)> start_program = {};
+  bool modeless_dialogs = false;
+
+  ServerLimits server_limits = {};
+  SessionTable::Limits session_limits = {};
+  PasswordCost password_cost = {};
+};
+
+// The web host: shows the console's pages to browsers.
+class WebHost {
+ public:
+  // Listens already. Raises std::runtime_error if that is not possible, the certificate or the
+  // accounts cannot be used, or `listen` is no such address.
+  explicit WebHost(WebHostOptions options);
+  ~WebHost();
+
+  // What to open in a browser: "http://127.0.0.1:8025/".
+  const std::string& address() const { return address_; }
+
+  // As long as there is no account: a new secret for choosing the first one, to be shown to whoever
+  // started the program. Empty otherwise. Call it once, before run().
+  std::string make_setup_secret();
+
+  // Serves until stop(). Then it returns when all sessions have ended; an action that does not let
+  // events run holds it up until it is through.
+  void run();
+  // From any thread.
+  void stop();
+
+ private:
+  HttpServer server_;
+  std::unique_ptr<Application> application_;
+  std::string address_;
+};
+
+}  // namespace zrl::web

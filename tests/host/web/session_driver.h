@@ -1,0 +1,115 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "host/composition.h"
+#include "host/folder.h"
+#include "host/web/browser_end.h"
+#include "host/web/session_console.h"
+#include "support/recording_host.h"
+#include "support/temporary_folder.h"
+
+namespace zrl::test {
+
+// A session's console on its thread, in a laid-out folder with the components of the build, and a
+// browser that is connected to it without a network between them.
+class SessionDriver : public BrowserEnd, private web::SessionOutput {
+ public:
+  explicit SessionDriver(std::span<const PageEntry> pages, bool modeless = false)
+      : settings_{folder_.path(), pages, register_components,
+                  [this](const ProgramStart& program) { programs.push_back(program.command_line); },
+                  modeless} {
+    RecordingHost nobody;
+    Console console(folder_.path(), nobody);
+    register_components(console);
+    lay_out_folder(console);
+    thread_ = std::thread([this] {
+      web::SessionConsole(settings_, "admin", inbox_, *this).run();
+      ended_ = true;
+    });
+    connect();
+  }
+  ~SessionDriver() override { end(web::Incoming::Kind::stopping); }
+
+  // A reload: what comes from then on belongs to a new connection.
+  void connect() {
+    {
+      const std::scoped_lock lock(mutex_);
+      ++connection_;
+      messages_.clear();
+    }
+    forms.clear();
+    start_numbering_anew();
+    inbox_.push({web::Incoming::Kind::connected, connection_, {}});
+    receive("hello");
+  }
+
+  // Returns when the thread has ended.
+  void end(web::Incoming::Kind kind) {
+    if (!thread_.joinable()) return;
+    inbox_.push({kind, 0, {}});
+    thread_.join();
+  }
+
+  // Opens the page and returns when it is shown.
+  void show(std::string_view page) { until_done(open(page)); }
+
+  // What the handlers of test pages wait for.
+  void make_file(std::string_view name) { std::ofstream(folder() / name) << "go"; }
+  const std::filesystem::path& folder() const { return folder_.path(); }
+
+  std::vector<std::string> programs;  // read it when no action runs
+  std::atomic<int> violations = 0;
+  std::atomic<int> busy_changes = 0;
+  std::atomic<bool> ended_ = false;
+  std::string language() {
+    const std::scoped_lock lock(mutex_);
+    return language_;
+  }
+
+ private:
+  void send(std::uint64_t connection, std::string message) override {
+    const std::scoped_lock lock(mutex_);
+    if (connection != connection_) return;
+    messages_.push_back(std::move(message));
+    arrived_.notify_one();
+  }
+  void violated(std::uint64_t) override { ++violations; }
+  void action_began() override { ++busy_changes; }
+  void action_ended() override { ++busy_changes; }
+  void progress(std::string, std::uint64_t, std::uint64_t) override {}
+  void language_is(std::string language) override {
+    const std::scoped_lock lock(mutex_);
+    language_ = std::move(language);
+  }
+
+  void transmit(const std::string& text) override {
+    inbox_.push({web::Incoming::Kind::message, connection_, text});
+  }
+  std::optional<std::string> next_text() override {
+    std::unique_lock lock(mutex_);
+    const bool came =
+        arrived_.wait_for(lock, std::chrono::seconds(10), [this] { return !messages_.empty(); });
+    if (!came) throw std::runtime_error("the session is silent");
+    std::string text = std::move(messages_.front());
+    messages_.pop_front();
+    return text;
+  }
+
+  TemporaryFolder folder_;
+  web::ConsoleSettings settings_;
+  web::Inbox inbox_{[] {}};
+  std::mutex mutex_;
+  std::condition_variable arrived_;
+  std::deque<std::string> messages_;
+  std::string language_;
+  std::uint64_t connection_ = 0;
+  std::thread thread_;
+};
+
+}  // namespace zrl::test
