@@ -51,6 +51,7 @@ export class ActivityModel {
     if (!asked) return
     this.asked.delete(message.request)
     this.grow(message.total)
+    this.before ??= message.total
     const askedFrom = 'block' in asked ? asked.block * blockSize : asked.scanFrom
     // A window that begins later than asked tells that the entries before it are gone.
     if (message.start > askedFrom) this.oldest.value = Math.max(this.oldest.peek(), message.start)
@@ -93,9 +94,7 @@ export class ActivityModel {
     this.open.value = open
     if (!open) return
     this.unseenFailures.value = 0
-    // Asking for an empty window tells how long the record is by now.
     this.version.value++
-    if (this.total.peek() === 0) this.askFirst()
     this.scan()
   }
 
@@ -112,7 +111,7 @@ export class ActivityModel {
     this.scanning.value = false
     this.oldest.value = 0
     this.before = null
-    if (this.open.peek()) this.askFirst()
+    this.askFirst()
     this.version.value++
   }
 
@@ -130,10 +129,11 @@ export class ActivityModel {
     this.failuresOnly.value = false
   }
 
+  /** Asks for the oldest entry, to learn how long the record is. */
   private askFirst(): void {
     const request = this.nextRequest++
     this.asked.set(request, { block: 0 })
-    this.send({ type: 'record', request, start: 0, count: blockSize })
+    this.send({ type: 'record', request, start: 0, count: 1 })
   }
 
   /** Searches the record for failures, the newest part first, one window at a time. */
