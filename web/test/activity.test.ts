@@ -97,16 +97,16 @@ describe('the activity record', () => {
   })
 
   it('does without the entries that the record has dropped', async () => {
-    const { model, asked } = start(3000, 1500)
+    const { model, asked } = start(3000, 1700)
     model.toggle(true)
     model.showFailures(true)
     await settle()
     expect(model.failures.value.map(failure => failure.position)).toEqual([2803, 2103])
     const before = asked.length
-    model.show(1400, 1550)
+    model.show(1600, 1750)
     await settle()
-    expect([model.oldest.value, model.entry(1499), model.entry(1500)?.text]).toEqual([1500, undefined, 'statement 1500'])
-    model.show(1400, 1550)
+    expect([model.oldest.value, model.entry(1699), model.entry(1700)?.text]).toEqual([1700, undefined, 'statement 1700'])
+    model.show(1600, 1750)
     expect(asked.length - before).toBeLessThanOrEqual(1)
   })
 
@@ -145,8 +145,9 @@ describe('toasts', () => {
     vi.advanceTimersByTime(6000)
     expect(texts(toasts)).toEqual(['failed ×1'])
     toasts.hold(true)
+    toasts.add('while reading')
     vi.advanceTimersByTime(60_000)
-    expect(texts(toasts)).toEqual(['failed ×1'])
+    expect(texts(toasts)).toEqual(['failed ×1', 'while reading ×1'])
     toasts.hold(false)
     vi.advanceTimersByTime(20_000)
     expect(texts(toasts)).toEqual([])
