@@ -12,7 +12,9 @@ const entryAt = (position: number): ActivityEntry => ({
 })
 
 /** A record of some length, and a model that asks it. */
-function start(length: number, oldest = 0) {
+function start(length: number) {
+  /** Where the record begins; older entries are dropped. */
+  const kept = { from: 0 }
   const record = Array.from({ length }, (_, position) => entryAt(position))
   const asked: number[] = []
   const model = new ActivityModel()
@@ -23,9 +25,9 @@ function start(length: number, oldest = 0) {
       model.accept({
         type: 'record',
         request: message.request,
-        start: Math.max(oldest, message.start),
+        start: Math.max(kept.from, message.start),
         total: record.length,
-        entries: record.slice(Math.max(oldest, message.start)).slice(0, message.count),
+        entries: record.slice(Math.max(kept.from, message.start)).slice(0, message.count),
       }),
     )
     return true
@@ -43,7 +45,7 @@ function start(length: number, oldest = 0) {
       entries: record.slice(shown),
     })
   }
-  return { model, record, asked, act }
+  return { model, asked, kept, act }
 }
 
 const settle = (): Promise<void> => new Promise(resolve => setTimeout(resolve, 5))
@@ -97,7 +99,9 @@ describe('the activity record', () => {
   })
 
   it('does without the entries that the record has dropped', async () => {
-    const { model, asked } = start(3000, 1700)
+    const { model, asked, kept } = start(3000)
+    await settle()
+    kept.from = 1700
     model.toggle(true)
     model.showFailures(true)
     await settle()
