@@ -114,7 +114,7 @@ export class MockSession {
     const first = this.record.length
     const time = new Date().toTimeString().slice(0, 8)
     for (const [kind, text, error] of entries) this.record.push({ time, kind, text, ok: !error, error: error ?? '' })
-    const failed = this.record.filter(entry => !entry.ok).length
+    const failed = entries.filter(entry => entry[2]).length
     const shown = Math.max(first, this.record.length - 50)
     this.send({ type: 'activity', first: shown, total: this.record.length, failed, entries: this.record.slice(shown), page: this.page?.name })
   }

@@ -18,6 +18,9 @@ export type FailureCode =
   | 'already_set_up'
   | 'too_many_tries'
   | 'too_many_sessions'
+  | 'not_saved'
+  | 'forbidden'
+  | 'signed_out'
 
 export interface Failure {
   error: FailureCode
@@ -185,7 +188,7 @@ export type ServerMessage =
   | RecordMessage
   | CaptionsMessage
   | { type: 'done'; seq: number }
-  | { type: 'error'; seq?: number; code: ErrorCode; text: string }
+  | { type: 'error'; seq?: number; request?: number; code: ErrorCode; text: string }
 
 export type UserEvent =
   | { event: 'click' }

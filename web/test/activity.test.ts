@@ -12,7 +12,9 @@ const entryAt = (position: number): ActivityEntry => ({
 })
 
 /** A record of some length, and a model that asks it. */
-function start(length: number, oldest = 0) {
+function start(length: number) {
+  /** Where the record begins; older entries are dropped. */
+  const kept = { from: 0 }
   const record = Array.from({ length }, (_, position) => entryAt(position))
   const asked: number[] = []
   const model = new ActivityModel()
@@ -23,13 +25,14 @@ function start(length: number, oldest = 0) {
       model.accept({
         type: 'record',
         request: message.request,
-        start: Math.max(oldest, message.start),
+        start: Math.max(kept.from, message.start),
         total: record.length,
-        entries: record.slice(Math.max(oldest, message.start)).slice(0, message.count),
+        entries: record.slice(Math.max(kept.from, message.start)).slice(0, message.count),
       }),
     )
     return true
   }
+  if (length > 0) model.reconnected()
   const act = (count: number): void => {
     const first = record.length
     for (let n = 0; n < count; ++n) record.push(entryAt(first + n))
@@ -38,11 +41,11 @@ function start(length: number, oldest = 0) {
       type: 'activity',
       first: shown,
       total: record.length,
-      failed: record.filter(entry => !entry.ok).length,
+      failed: record.slice(first).filter(entry => !entry.ok).length,
       entries: record.slice(shown),
     })
   }
-  return { model, record, asked, act }
+  return { model, asked, kept, act }
 }
 
 const settle = (): Promise<void> => new Promise(resolve => setTimeout(resolve, 5))
@@ -74,43 +77,40 @@ describe('the activity record', () => {
     expect(asked).toEqual([0])
   })
 
-  it('counts the failures of each action and those that nobody has seen', () => {
+  it('counts the failures that nobody has seen', () => {
     const { model, act } = start(0)
-    const failures: number[] = []
-    model.onAction = (_message, _steps, failed) => failures.push(failed)
     act(10)
     act(800)
-    act(10)
-    expect(failures).toEqual([1, 1, 0])
     expect(model.unseenFailures.value).toBe(2)
     model.toggle(true)
     expect(model.unseenFailures.value).toBe(0)
   })
 
-  it('takes no failure of before for one of the first action on a new connection', () => {
+  it('takes no step of before for one of the first action on a new connection', async () => {
     const { model, act } = start(1000)
-    model.reconnected()
-    const actions: number[][] = []
-    model.onAction = (_message, steps, failed) => actions.push([steps, failed])
+    const steps: number[] = []
+    model.onAction = (_message, count) => steps.push(count)
     act(5)
     act(3)
-    expect(actions).toEqual([
-      [5, 0],
-      [3, 0],
-    ])
+    model.reconnected()
+    await settle()
+    act(120)
+    expect(steps).toEqual([5, 3, 120])
   })
 
   it('does without the entries that the record has dropped', async () => {
-    const { model, asked } = start(3000, 1500)
+    const { model, asked, kept } = start(3000)
+    await settle()
+    kept.from = 1700
     model.toggle(true)
     model.showFailures(true)
     await settle()
     expect(model.failures.value.map(failure => failure.position)).toEqual([2803, 2103])
     const before = asked.length
-    model.show(1400, 1550)
+    model.show(1600, 1750)
     await settle()
-    expect([model.oldest.value, model.entry(1499), model.entry(1500)?.text]).toEqual([1500, undefined, 'statement 1500'])
-    model.show(1400, 1550)
+    expect([model.oldest.value, model.entry(1699), model.entry(1700)?.text]).toEqual([1700, undefined, 'statement 1700'])
+    model.show(1600, 1750)
     expect(asked.length - before).toBeLessThanOrEqual(1)
   })
 
@@ -149,8 +149,9 @@ describe('toasts', () => {
     vi.advanceTimersByTime(6000)
     expect(texts(toasts)).toEqual(['failed ×1'])
     toasts.hold(true)
+    toasts.add('while reading')
     vi.advanceTimersByTime(60_000)
-    expect(texts(toasts)).toEqual(['failed ×1'])
+    expect(texts(toasts)).toEqual(['failed ×1', 'while reading ×1'])
     toasts.hold(false)
     vi.advanceTimersByTime(20_000)
     expect(texts(toasts)).toEqual([])

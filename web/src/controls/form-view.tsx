@@ -36,6 +36,8 @@ function Frame({ form, node, depth }: NodeProps & { node: LayoutNode & { frame: 
       role={radio ? 'radiogroup' : 'group'}
       aria-labelledby={caption === '' ? undefined : titleId}
       data-control={control.id}
+      data-disabled={shown.enabled ? undefined : ''}
+      aria-disabled={shown.enabled ? undefined : true}
       data-grow={grows(node) ? '' : undefined}
       data-fill={fills(node, facts) ? '' : undefined}
     >

@@ -23,7 +23,7 @@ export class ActivityModel {
   readonly scanning = signal(false)
   readonly version = signal(0)
   send: (message: PlainMessage) => boolean = () => false
-  onAction: (message: ActivityMessage, steps: number, failed: number) => void = () => {}
+  onAction: (message: ActivityMessage, steps: number) => void = () => {}
 
   private blocks = new Map<number, ActivityEntry[]>()
   private asked = new Map<number, { block: number } | { scanFrom: number; scanEnd: number }>()
@@ -31,21 +31,19 @@ export class ActivityModel {
   /** The record is known to be searched for failures in [scannedFrom, scannedEnd). */
   private scannedFrom = 0
   private scannedEnd = 0
-  /** The whole record's numbers at the last action; unknown on a new connection. */
-  private before: { total: number; failed: number } | null = { total: 0, failed: 0 }
+  /** The length of the record before the next action; unknown on a new connection. */
+  private before: number | null = 0
 
   took(message: ActivityMessage): void {
     const { entries } = message
-    const known = this.before && this.before.total <= message.total ? this.before : null
-    const steps = known ? Math.max(entries.length, message.total - known.total) : entries.length
-    const failed = known ? message.failed - known.failed : entries.filter(entry => !entry.ok).length
-    this.before = { total: message.total, failed: message.failed }
+    const added = this.before === null ? 0 : message.total - this.before
+    this.before = message.total
     this.grow(message.total)
     for (const [offset, entry] of entries.entries()) this.place(message.first + offset, entry)
-    if (!this.open.peek()) this.unseenFailures.value += failed
+    if (!this.open.peek()) this.unseenFailures.value += message.failed
     this.version.value++
     this.scan()
-    this.onAction(message, steps, failed)
+    this.onAction(message, Math.max(entries.length, added))
   }
 
   accept(message: RecordMessage): void {
@@ -53,6 +51,7 @@ export class ActivityModel {
     if (!asked) return
     this.asked.delete(message.request)
     this.grow(message.total)
+    this.before ??= message.total
     const askedFrom = 'block' in asked ? asked.block * blockSize : asked.scanFrom
     // A window that begins later than asked tells that the entries before it are gone.
     if (message.start > askedFrom) this.oldest.value = Math.max(this.oldest.peek(), message.start)
@@ -95,9 +94,7 @@ export class ActivityModel {
     this.open.value = open
     if (!open) return
     this.unseenFailures.value = 0
-    // Asking for an empty window tells how long the record is by now.
     this.version.value++
-    if (this.total.peek() === 0) this.askFirst()
     this.scan()
   }
 
@@ -114,23 +111,29 @@ export class ActivityModel {
     this.scanning.value = false
     this.oldest.value = 0
     this.before = null
-    if (this.open.peek()) this.askFirst()
+    this.askFirst()
     this.version.value++
+  }
+
+  /** The record begins anew. */
+  restarted(): void {
+    this.total.value = 0
+    this.reconnected()
+    this.before = 0
   }
 
   reset(): void {
     this.open.value = false
-    this.reconnected()
-    this.before = { total: 0, failed: 0 }
-    this.total.value = 0
+    this.restarted()
     this.unseenFailures.value = 0
     this.failuresOnly.value = false
   }
 
+  /** Asks for the oldest entry, to learn how long the record is. */
   private askFirst(): void {
     const request = this.nextRequest++
     this.asked.set(request, { block: 0 })
-    this.send({ type: 'record', request, start: 0, count: blockSize })
+    this.send({ type: 'record', request, start: 0, count: 1 })
   }
 
   /** Searches the record for failures, the newest part first, one window at a time. */

@@ -21,6 +21,18 @@ function children(node: LayoutNode): readonly LayoutNode[] {
   return 'frame' in node ? [node.content] : []
 }
 
+/** The innermost frame around each control and each frame. */
+export function framesAround(
+  node: LayoutNode,
+  frame?: string,
+  found = new Map<string, string>(),
+): ReadonlyMap<string, string> {
+  const name = 'control' in node ? node.control : 'frame' in node ? node.frame : undefined
+  if (name !== undefined && frame !== undefined) found.set(name, frame)
+  for (const child of children(node)) framesAround(child, 'frame' in node ? node.frame : frame, found)
+  return found
+}
+
 /** A container takes the space that is left when something inside it does: the space has to reach it. */
 export function grows(node: LayoutNode): boolean {
   return node.grow === true || children(node).some(grows)

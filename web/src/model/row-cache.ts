@@ -26,7 +26,8 @@ export class RowCache {
   private revision: number
   private total: number
   private blocks = new Map<number, Block>()
-  private outstanding = new Map<number, { block: number; start: number; filter: string }>()
+  /** What was asked of the wanted filter and the newest revision; answers to anything older are dropped. */
+  private outstanding = new Map<number, { block: number; start: number }>()
   private static nextRequest = 1
   private readonly keptBlocks: number
 
@@ -108,7 +109,7 @@ export class RowCache {
       if (this.isOutstanding(block)) continue
       const request = RowCache.nextRequest++
       const start = block * blockSize + held
-      this.outstanding.set(request, { block, start, filter: this.wantedFilter })
+      this.outstanding.set(request, { block, start })
       requests.push({ request, start, count: blockSize - held, filter: this.wantedFilter })
     }
     return requests
@@ -119,7 +120,6 @@ export class RowCache {
     const asked = this.outstanding.get(message.request)
     if (!asked) return false
     this.outstanding.delete(message.request)
-    if (message.filter !== this.wantedFilter) return false
     if (this.filtering) {
       this.blocks.clear()
       this.filter = this.wantedFilter
@@ -162,7 +162,7 @@ export class RowCache {
 
   private isOutstanding(block: number): boolean {
     for (const asked of this.outstanding.values()) {
-      if (asked.block === block && asked.filter === this.wantedFilter) return true
+      if (asked.block === block) return true
     }
     return false
   }
