@@ -29,7 +29,7 @@ test('the form looks right in every shape', async () => {
 })
 
 test('typing reaches the page, and what the page answers does not disturb it', async () => {
-  const entry = page.getByLabel('Entry')
+  const entry = page.getByRole('textbox', { name: 'Entry' })
   await entry.pressSequentially('The quick brown fox', { delay: 15 })
   await page.getByText('You typed: The quick brown fox').waitFor()
   assert.equal(await entry.inputValue(), 'The quick brown fox')
@@ -54,7 +54,7 @@ test('choices, switches and hidden controls follow the page', async () => {
   await page.getByText('Enable the frame below').click()
   await page.waitForFunction(() => document.querySelectorAll('input[type=radio]:disabled').length === 3)
   await page.getByText('Show the hidden field').click()
-  await page.getByLabel('Hidden field').fill('there')
+  await page.getByRole('textbox', { name: 'Hidden field' }).fill('there')
   assert.ok(await page.getByRole('button', { name: 'Disabled' }).isDisabled())
 })
 
@@ -86,7 +86,7 @@ test('a dialog is used and closed, and its page goes on', async () => {
   await dialog.getByRole('option', { name: 'proxy.ini' }).click()
   await page.waitForFunction(() => [...document.querySelectorAll('dialog input')].some(i => i.value.endsWith('\\proxy.ini')))
   await picture(page, 'dialog')
-  await dialog.getByLabel('File', { exact: true }).fill('typed.example')
+  await dialog.getByRole('textbox', { name: 'File', exact: true }).fill('typed.example')
   await dialog.getByRole('button', { name: 'Apply' }).click()
   await page.getByText('The dialog was shown').waitFor()
   await page.getByRole('listbox', { name: 'A million entries' }).getByText('typed.example').waitFor()
@@ -117,7 +117,7 @@ test('a list of a million rows is there at once, scrolls and filters', async () 
     await list.getByText('host999999.example').waitFor()
   })
   await page.getByText('You typed: host999999.example').waitFor()
-  const filter = page.getByLabel('Filter A million entries')
+  const filter = page.getByRole('textbox', { name: 'Filter A million entries' })
   const filtered = await timed(async () => {
     await filter.fill('HOST77777')
     await page.getByText('11 of 1,000,000').waitFor()
@@ -153,7 +153,7 @@ test('the timer ticks without the browser', async () => {
 
 test('a lost connection comes back to the same page', async () => {
   browser.expected.push('WebSocket', 'ERR_CONNECTION_REFUSED', 'status of 401')
-  await page.getByLabel('Entry').fill('kept')
+  await page.getByRole('textbox', { name: 'Entry' }).fill('kept')
   await page.getByText('You typed: kept').waitFor()
   await page.context().setOffline(true)
   await page.evaluate(() => new Promise(resolve => setTimeout(resolve, 300)))

@@ -33,6 +33,8 @@ connection.onOpened = () => session.opened()
 activity.send = message => connection.send(message)
 activity.onAction = (message, steps) => {
   if (message.entries.length === 0) return
+  // What a page writes when it is shown is in the record; nobody asked for it.
+  if (message.showing && message.failed === 0) return
   const summary = summarise(message.entries, steps, message.failed)
   toasts.add(visibleText(messages.value.toast(summary), longestDetail), {
     detail: visibleText(summary.error, longestDetail),

@@ -158,6 +158,8 @@ export interface ActivityMessage {
   failed: number
   entries: ActivityEntry[]
   page?: string
+  /** It was the showing of a page, not something that the user did on it. */
+  showing?: boolean
 }
 
 export interface RecordMessage {
