@@ -43,8 +43,8 @@ class BrowserEnd {
   void until_done(std::uint64_t seq);
   // Receives up to the error about the event; returns its code.
   std::string until_error(std::uint64_t seq);
-  json::object rows(std::string_view form, std::string_view control, std::uint64_t start,
-                    std::uint64_t count, std::string_view filter = {});
+  json::object rows(std::string_view form, std::string_view control, std::uint64_t start, std::uint64_t count,
+                    std::string_view filter = {});
 
   const json::value& held(const std::string& form, std::string_view control,
                           std::string_view property) const {

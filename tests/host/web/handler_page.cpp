@@ -98,9 +98,13 @@ void HandlerPage::load() {
   for (const char* row : {"one", "two", "three"}) list.add_item(row);
 }
 
-void HandlerPage::hide() { std::ofstream(console().folder() / "handlers-left") << "left"; }
+void HandlerPage::hide() {
+  std::ofstream(console().folder() / "handlers-left") << "left";
+}
 
-bool HandlerPage::may_go() const { return std::filesystem::exists(Form::console().folder() / "go"); }
+bool HandlerPage::may_go() const {
+  return std::filesystem::exists(Form::console().folder() / "go");
+}
 
 void BoxedPage::load() {
   console().host().message_box({"Note", "While it loads", BoxStyle::critical});

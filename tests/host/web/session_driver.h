@@ -1,8 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <fstream>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -35,6 +37,8 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
     connect();
   }
   ~SessionDriver() override { end(web::Incoming::Kind::stopping); }
+
+  using BrowserEnd::send;
 
   // A reload: what comes from then on belongs to a new connection.
   void connect() {
