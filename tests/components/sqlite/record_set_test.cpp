@@ -90,6 +90,30 @@ TEST_F(RecordSetTest, StaysAsItWasOpened) {
   EXPECT_TRUE(set->at_end());
 }
 
+// Rows are read in blocks, whose keys may rise, fall, lie far apart or in no order at all.
+TEST_F(RecordSetTest, WalksInAnyOrder) {
+  other.run(
+      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<3000)"
+      " INSERT INTO bodylog (keyword, mailfrom) SELECT i*7919%3001, i%11 FROM n;"
+      "DELETE FROM bodylog WHERE ID%5=0");
+  const Literal selects[] = {"SELECT * FROM bodylog",
+                             "SELECT * FROM bodylog order by ID desc",
+                             "SELECT * FROM bodylog order by keyword",
+                             "SELECT * FROM bodylog where mailfrom='3' order by ID desc",
+                             "SELECT * FROM bodylog where mailfrom<>'3'",
+                             "SELECT * FROM bodylog order by ID>1500, -ID"};
+  for (const Literal select : selects) {
+    SCOPED_TRACE(select.text());
+    std::string seen;
+    for (const auto set = open(select); !set->at_end(); set->move_next()) {
+      for (const char* column : {"ID", "IPNumber", "mailfrom", "mailto", "keyword", "servertime"}) {
+        seen.append(seen.empty() ? "" : "|").append(set->is_null(column) ? "NULL" : set->text(column));
+      }
+    }
+    EXPECT_EQ(seen, other.ask(std::string(select.text())));
+  }
+}
+
 TEST_F(RecordSetTest, OutlivesItsConnection) {
   other.run("INSERT INTO words VALUES ('a'), ('b')");
   const auto set = open("SELECT * FROM words order by entry desc");
