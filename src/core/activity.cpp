@@ -20,7 +20,12 @@ void ActivityRecord::failed(Kind kind, std::string_view text, std::string_view e
 ActivityRecord::Entry ActivityRecord::operator[](std::uint64_t number) const {
   const Held& held = entries_[number - first_];
   const std::string_view bytes = held.bytes;
-  return {held.kind, held.ok, held.write, held.time, bytes.substr(0, held.text_length), bytes.substr(held.text_length)};
+  return {held.kind,
+          held.ok,
+          held.write,
+          held.time,
+          bytes.substr(0, held.text_length),
+          bytes.substr(held.text_length)};
 }
 
 void ActivityRecord::keep(Held entry) {

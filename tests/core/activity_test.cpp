@@ -10,7 +10,7 @@ using Kind = ActivityRecord::Kind;
 TEST(ActivityRecord, KeepsOrderOutcomeAndError) {
   ActivityRecord record;
   record.succeeded(Kind::option, "set_option checkmx=1", 10);
-  record.failed(Kind::sql, "DELETE * FROM iplog", "syntax error", 11);
+  record.failed(Kind::sql, "DELETE * FROM iplog", "syntax error", 11, true);
   ASSERT_EQ(record.total(), 2u);
   EXPECT_EQ(record.failures(), 1u);
   EXPECT_EQ(record[0].text, "set_option checkmx=1");

@@ -22,7 +22,7 @@ async function post(path: string, body: object): Promise<void> {
   })
   if (answer.ok) return
   const told = (await answer.json().catch(() => ({}))) as Partial<Failure>
-  throw new RequestFailed({ error: told.error ?? 'bad_request', retryAfter: told.retryAfter })
+  throw new RequestFailed({ error: told.error ?? (answer.status === 403 ? 'forbidden' : 'bad_request'), retryAfter: told.retryAfter })
 }
 
 export const setUp = (secret: string, account: string, password: string): Promise<void> =>

@@ -31,9 +31,11 @@ const longestDetail = 300
 connection.onMessage = message => session.receive(message)
 connection.onOpened = () => session.opened()
 activity.send = message => connection.send(message)
-activity.onAction = (message, actionTotal) => {
+activity.onAction = (message, steps) => {
   if (message.entries.length === 0) return
-  const summary = summarise(message.entries, actionTotal, message.failed)
+  // What a page writes when it is shown is in the record; nobody asked for it.
+  if (message.showing && message.failed === 0) return
+  const summary = summarise(message.entries, steps, message.failed)
   toasts.add(visibleText(messages.value.toast(summary), longestDetail), {
     detail: visibleText(summary.error, longestDetail),
     failed: summary.failed,

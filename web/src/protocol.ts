@@ -18,6 +18,9 @@ export type FailureCode =
   | 'already_set_up'
   | 'too_many_tries'
   | 'too_many_sessions'
+  | 'not_saved'
+  | 'forbidden'
+  | 'signed_out'
 
 export interface Failure {
   error: FailureCode
@@ -155,6 +158,8 @@ export interface ActivityMessage {
   failed: number
   entries: ActivityEntry[]
   page?: string
+  /** It was the showing of a page, not something that the user did on it. */
+  showing?: boolean
 }
 
 export interface RecordMessage {
@@ -185,7 +190,7 @@ export type ServerMessage =
   | RecordMessage
   | CaptionsMessage
   | { type: 'done'; seq: number }
-  | { type: 'error'; seq?: number; code: ErrorCode; text: string }
+  | { type: 'error'; seq?: number; request?: number; code: ErrorCode; text: string }
 
 export type UserEvent =
   | { event: 'click' }

@@ -13,6 +13,8 @@ const entryAt = (position: number): ActivityEntry => ({
 
 /** A record of some length, and a model that asks it. */
 function start(length: number) {
+  /** Where the record begins; older entries are dropped. */
+  const kept = { from: 0 }
   const record = Array.from({ length }, (_, position) => entryAt(position))
   const asked: number[] = []
   const model = new ActivityModel()
@@ -23,27 +25,27 @@ function start(length: number) {
       model.accept({
         type: 'record',
         request: message.request,
-        start: message.start,
+        start: Math.max(kept.from, message.start),
         total: record.length,
-        entries: record.slice(message.start, message.start + message.count),
+        entries: record.slice(Math.max(kept.from, message.start)).slice(0, message.count),
       }),
     )
     return true
   }
+  if (length > 0) model.reconnected()
   const act = (count: number): void => {
     const first = record.length
     for (let n = 0; n < count; ++n) record.push(entryAt(first + n))
     const shown = Math.max(first, record.length - 50)
-    const added = record.slice(first)
     model.took({
       type: 'activity',
       first: shown,
       total: record.length,
-      failed: added.filter(entry => !entry.ok).length,
+      failed: record.slice(first).filter(entry => !entry.ok).length,
       entries: record.slice(shown),
     })
   }
-  return { model, record, asked, act }
+  return { model, asked, kept, act }
 }
 
 const settle = (): Promise<void> => new Promise(resolve => setTimeout(resolve, 5))
@@ -78,9 +80,38 @@ describe('the activity record', () => {
   it('counts the failures that nobody has seen', () => {
     const { model, act } = start(0)
     act(10)
-    expect(model.unseenFailures.value).toBe(1)
+    act(800)
+    expect(model.unseenFailures.value).toBe(2)
     model.toggle(true)
     expect(model.unseenFailures.value).toBe(0)
+  })
+
+  it('takes no step of before for one of the first action on a new connection', async () => {
+    const { model, act } = start(1000)
+    const steps: number[] = []
+    model.onAction = (_message, count) => steps.push(count)
+    act(5)
+    act(3)
+    model.reconnected()
+    await settle()
+    act(120)
+    expect(steps).toEqual([5, 3, 120])
+  })
+
+  it('does without the entries that the record has dropped', async () => {
+    const { model, asked, kept } = start(3000)
+    await settle()
+    kept.from = 1700
+    model.toggle(true)
+    model.showFailures(true)
+    await settle()
+    expect(model.failures.value.map(failure => failure.position)).toEqual([2803, 2103])
+    const before = asked.length
+    model.show(1600, 1750)
+    await settle()
+    expect([model.oldest.value, model.entry(1699), model.entry(1700)?.text]).toEqual([1700, undefined, 'statement 1700'])
+    model.show(1600, 1750)
+    expect(asked.length - before).toBeLessThanOrEqual(1)
   })
 
   it('tells how many steps an action had, beyond those that were sent', () => {
@@ -118,8 +149,9 @@ describe('toasts', () => {
     vi.advanceTimersByTime(6000)
     expect(texts(toasts)).toEqual(['failed ×1'])
     toasts.hold(true)
+    toasts.add('while reading')
     vi.advanceTimersByTime(60_000)
-    expect(texts(toasts)).toEqual(['failed ×1'])
+    expect(texts(toasts)).toEqual(['failed ×1', 'while reading ×1'])
     toasts.hold(false)
     vi.advanceTimersByTime(20_000)
     expect(texts(toasts)).toEqual([])

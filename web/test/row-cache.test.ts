@@ -101,6 +101,24 @@ describe('the rows of a list', () => {
     expect([cache.length, cache.row(0), cache.indexAt(0)]).toEqual([1, 'none', 10])
   })
 
+  it('asks for the rest where the host sends less than it was asked for', () => {
+    const rows = numbered(1000)
+    const cache = new RowCache(1000, 1)
+    const short = (filter: string) => {
+      for (let turn = 0; turn < 20; ++turn) {
+        for (const request of cache.requestsFor(0, 150)) cache.accept(answer(rows, 1, { ...request, count: 60 }))
+      }
+      expect(cache.filter).toBe(filter)
+    }
+    short('')
+    expect([cache.row(59), cache.row(60), cache.row(150)]).toEqual(['row 59', 'row 60', 'row 150'])
+    expect(cache.requestsFor(0, 150)).toEqual([])
+    cache.setFilter('7')
+    short('7')
+    expect([cache.row(100), cache.indexAt(100)]).toEqual(['row 557', 557])
+    expect(cache.requestsFor(0, 150)).toEqual([])
+  })
+
   it('stays small however far one scrolls', () => {
     const cache = new RowCache(1_000_000, 1, 5)
     const rows = numbered(100_000)

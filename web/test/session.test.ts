@@ -196,6 +196,19 @@ describe('choosing', () => {
 })
 
 describe('forms', () => {
+  it('disable what stands in a disabled frame, however deep', () => {
+    const { session, change } = start()
+    const layout = { frame: 'outer', content: { column: [{ frame: 'inner', content: { control: 'go' } }, { control: 'text' }] } }
+    const frame = { kind: 'Frame' as const, ...usable }
+    session.open('framed')
+    session.receive({ ...formOf({ ...controls(), outer: frame, inner: frame }), layout })
+    const enabled = (name: string) => session.page.value!.controls.get(name)!.shown.value.enabled
+    change(1, { inner: { enabled: false } })
+    expect([enabled('go'), enabled('text'), enabled('box')]).toEqual([false, true, true])
+    change(1, { inner: { enabled: true }, outer: { enabled: false } })
+    expect([enabled('go'), enabled('text'), enabled('box')]).toEqual([false, false, true])
+  })
+
   it('stay on view until the next page has come', () => {
     const { session } = start()
     session.open('other')

@@ -70,7 +70,7 @@ bool ListReader::next_line(std::string_view& line) {
   while (true) {
     found = static_cast<const char*>(std::memchr(buffer_.data() + searched, '\n', end_ - searched));
     if (found != nullptr) break;
-    if (end_ - begin_ > longest_line) refuse("is too long");
+    if (end_ - begin_ > longest_line + 1) refuse("is too long");
     const std::size_t held = end_ - begin_;
     if (!fill()) break;
     searched = begin_ + held;
@@ -80,6 +80,7 @@ bool ListReader::next_line(std::string_view& line) {
   line = std::string_view(buffer_.data() + begin_, end - begin_);
   begin_ = found != nullptr ? end + 1 : end;
   if (line_++ == 0 && line.starts_with(byte_order_mark)) line.remove_prefix(byte_order_mark.size());
+  if (line.ends_with('\r')) line.remove_suffix(1);
   if (line.size() > longest_line) refuse("is too long");
   return true;
 }

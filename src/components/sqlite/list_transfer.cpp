@@ -17,8 +17,6 @@ namespace {
 // Below this a file is worked off line by line; above, sets and sorting pay.
 constexpr std::int64_t bulk_entries = 5000;
 constexpr std::uint64_t most_entries = 0xFFFFFFFF;
-// What one pass over the file keeps in memory: 16 to 32 bytes each.
-constexpr std::uint64_t entries_a_pass = std::uint64_t{2} << 20;
 constexpr std::uint64_t report_interval = 32768;
 
 // More memory for pages and sorting while it lives.
@@ -44,6 +42,7 @@ class Work {
   explicit Work(const ListTransfer& transfer)
       : engine_(transfer.session.engine),
         report_(transfer.report),
+        entries_a_pass_(transfer.entries_a_pass),
         name_(transfer.table.text()),
         table_(quoted_name(transfer.table.text())),
         column_(quoted_name(transfer.column.text())) {}
@@ -67,10 +66,11 @@ class Work {
   void create_indexes(const std::vector<std::string>& statements);
   void tick(const char* what, std::uint64_t done, std::uint64_t total);
 
-  std::uint64_t passes() const { return static_cast<std::uint64_t>(entries_) / entries_a_pass + 1; }
+  std::uint64_t passes() const { return static_cast<std::uint64_t>(entries_) / entries_a_pass_ + 1; }
 
   Engine& engine_;
   const std::function<void(const Progress&)>& report_;
+  std::uint64_t entries_a_pass_;
   std::string name_;
   std::string table_;
   std::string column_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 
@@ -16,6 +17,8 @@ struct ListTransfer {
   Literal column;
   Literal table;
   const std::function<void(const Progress&)>& report;
+  // Of a file with more entries, so many are kept in memory at a time: 16 to 32 bytes each.
+  std::uint64_t entries_a_pass = std::uint64_t{2} << 20;
 };
 
 // Adds the entries that the column lacks, each once, in the order of the file.

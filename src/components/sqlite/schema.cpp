@@ -151,9 +151,10 @@ CREATE INDEX avlog_IPNumber              ON avlog (IPNumber);
 CREATE INDEX avlog_mailfrom              ON avlog (mailfrom);
 CREATE INDEX avlog_servertime            ON avlog (servertime);
 
--- The archive. The source of the mail comes last: rows are read without it until it is shown.
+-- The archive. The source of the mail comes last: rows are read without it until it is shown. Keys
+-- are never given twice, so that who deletes the mail on the screen can't hit one that came later.
 CREATE TABLE marchive (
-  ID            INTEGER PRIMARY KEY,
+  ID            INTEGER PRIMARY KEY AUTOINCREMENT,
   mid           TEXT,
   subject       TEXT,
   sender        TEXT,
@@ -182,7 +183,9 @@ struct Object {
 // The statements of the text, taken apart by the engine itself: it knows best where one ends.
 std::vector<Object> objects_of(Engine& model) {
   std::vector<Object> result;
-  Query query(model, "SELECT type, name, tbl_name, sql FROM sqlite_schema ORDER BY rowid");
+  Query query(
+      model,
+      "SELECT type, name, tbl_name, sql FROM sqlite_schema WHERE name NOT LIKE 'sqlite%' ORDER BY rowid");
   while (query.step()) {
     result.push_back({std::string(query.text(0)), std::string(query.text(1)), std::string(query.text(2)),
                       std::string(query.text(3))});

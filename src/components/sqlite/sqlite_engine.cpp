@@ -89,7 +89,7 @@ void Engine::configure(const Options& options) {
     sqlite3_db_config(handle_, option, value, static_cast<int*>(nullptr));
   }
   try {
-    run("PRAGMA cell_size_check=ON; PRAGMA mmap_size=1073741824; PRAGMA journal_size_limit=67108864");
+    run("PRAGMA mmap_size=1073741824; PRAGMA journal_size_limit=67108864");
     if (!read_only()) use_write_ahead_log(options);
     Query encoding(*this, "PRAGMA encoding");
     stores_utf8_ = encoding.step() && encoding.text(0) == "UTF-8";

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <utility>
 
 #include "core/error.h"
@@ -57,7 +58,7 @@ class Words {
 
 struct TableSelect {
   std::string_view table;
-  std::string_view rest;
+  std::string rest;
 };
 
 // Takes "SELECT * from TABLE where ... order by ..." apart.
@@ -67,9 +68,20 @@ std::optional<TableSelect> table_select(std::string_view skeleton) {
   const std::string_view table = words.name();
   const std::string_view rest = words.rest();
   const auto starts_with = [&](std::string_view word) { return Words(rest).accept(word); };
-  const bool simple = rest.empty() || starts_with("where") || starts_with("order") || starts_with("limit");
-  if (table.empty() || !simple) return std::nullopt;
-  return TableSelect{table, rest};
+  if (table.empty() || !(rest.empty() || starts_with("where") || starts_with("order"))) return std::nullopt;
+  TableSelect result{table, std::string(rest)};
+  // Without an order rows come as they were inserted; their keys alone might come out of an index.
+  if (lower(rest).find("order by ") == std::string::npos) result.rest += " ORDER BY rowid";
+  return result;
+}
+
+// Keys that rise or fall with few others between them: a sweep is quicker than many look-ups.
+bool is_dense(std::span<const std::int64_t> keys) {
+  const bool rising = std::is_sorted(keys.begin(), keys.end());
+  if (!rising && !std::is_sorted(keys.begin(), keys.end(), std::greater<>())) return false;
+  const auto low = static_cast<std::uint64_t>(std::min(keys.front(), keys.back()));
+  const auto high = static_cast<std::uint64_t>(std::max(keys.front(), keys.back()));
+  return high - low <= 3 * keys.size();
 }
 
 // The number at the start of a text, as the engine reads numbers.
@@ -89,12 +101,12 @@ void RowBlock::clear(std::size_t columns) {
   cells_.clear();
 }
 
-void RowBlock::append(const Query& query) {
+void RowBlock::append(const Query& query, int first_column) {
   for (std::size_t i = 0; i < columns_; ++i) {
-    const int column = static_cast<int>(i);
-    const bool null = query.is_null(column);
-    if (!null) bytes_ += query.text(column);
-    cells_.push_back({bytes_.size(), null});
+    const int column = first_column + static_cast<int>(i);
+    const std::string_view text = query.text(column);
+    bytes_ += text;
+    cells_.push_back({bytes_.size(), text.empty() && query.is_null(column)});
   }
 }
 
@@ -121,10 +133,14 @@ bool SqliteRecordSet::open_keys(const Statement& select, Connection::Access acce
     std::string keys = "SELECT rowid FROM ";
     keys.append(parts->table).append(" ").append(parts->rest);
     const Loan rows = session_->statements.prepare(keys, select);
-    while (rows->step()) keys_.push_back(rows->number(0));
+    while (rows->step()) {
+      if (rows->is_null(0)) throw Error(SQLITE_ERROR, "the rows have no keys");
+      keys_.push_back(rows->number(0));
+    }
   } catch (const Error& error) {
     // A view or a table without row keys can still be read.
     if (error.number() != SQLITE_ERROR || access == Connection::Access::updatable) throw;
+    keys_.clear();
     return false;
   }
   table_ = parts->table;
@@ -138,7 +154,7 @@ void SqliteRecordSet::open_rows(const Statement& select) {
   const Loan rows = session_->statements.prepare(select);
   for (int i = 0; i < rows->columns(); ++i) columns_.emplace_back().name = rows->name(i);
   block_.clear(columns_.size());
-  while (rows->step()) block_.append(*rows);
+  while (rows->step()) block_.append(*rows, 0);
   count_ = static_cast<std::int64_t>(block_.rows());
 }
 
@@ -227,43 +243,60 @@ void SqliteRecordSet::prepare_row() {
 }
 
 void SqliteRecordSet::load_block() {
-  if (std::exchange(wants_changed_, false)) {
-    std::string names;
-    int slots = 0;
-    for (Column& column : columns_) {
-      column.slot = column.wanted ? slots++ : -1;
-      if (column.wanted) names += (names.empty() ? "" : ", ") + quoted_name(column.name);
-    }
-    block_.clear(static_cast<std::size_t>(slots));
-    if (slots == 0) return;
-    block_query_ =
-        Query(session_->engine, "SELECT " + names + " FROM " + table_ + " WHERE rowid=?1", Query::Life::kept);
-  }
-  const auto slots = static_cast<std::size_t>(
-      std::count_if(columns_.begin(), columns_.end(), [](const Column& column) { return column.slot >= 0; }));
-  block_.clear(slots);
-  if (slots == 0) return;
+  if (std::exchange(wants_changed_, false)) prepare_block();
+  block_.clear(wanted_);
+  if (wanted_ == 0) return;
   block_first_ = position_;
   block_changes_ = session_->engine.total_changes();
-  const std::size_t rows_left = keys_.size() - static_cast<std::size_t>(position_);
-  const std::size_t rows = steps_ < steps_of_a_walk ? 1 : std::min(block_rows, rows_left);
-  const Snapshot snapshot(session_->engine);
-  for (std::size_t i = 0; i < rows && block_.size() < block_bytes; ++i) {
-    block_query_.bind(1, keys_[static_cast<std::size_t>(position_) + i]);
-    if (block_query_.step()) {
-      block_.append(block_query_);
-    } else {
-      block_.append_missing();
-    }
-    block_query_.reset();
+  const auto here = keys_.begin() + position_;
+  const auto left = static_cast<std::size_t>(keys_.end() - here);
+  const std::span<const std::int64_t> keys(here, steps_ < steps_of_a_walk ? 1 : std::min(block_rows, left));
+  if (is_dense(keys)) {
+    read_range(keys);
+  } else {
+    const Snapshot snapshot(session_->engine);
+    for (std::size_t i = 0; i < keys.size() && block_.size() < block_bytes; ++i)
+      read_range(keys.subspan(i, 1));
   }
   for (Column& column : columns_) {
-    if (column.slot < 0 || block_.text(0, static_cast<std::size_t>(column.slot)).size() <= large_value)
+    if (column.slot < 0 || block_.text(0, static_cast<std::size_t>(column.slot)).size() <= large_value) {
       continue;
+    }
     column.large = true;
     column.wanted = false;
     wants_changed_ = true;
   }
+}
+
+void SqliteRecordSet::prepare_block() {
+  std::string select = "SELECT rowid";
+  wanted_ = 0;
+  for (Column& column : columns_) {
+    column.slot = column.wanted ? static_cast<int>(wanted_++) : -1;
+    if (column.wanted) select += ", " + quoted_name(column.name);
+  }
+  if (wanted_ == 0) return;
+  select += " FROM " + table_ + " WHERE rowid BETWEEN ?1 AND ?2 ORDER BY rowid";
+  upwards_ = Query(session_->engine, select, Query::Life::kept);
+  downwards_ = Query(session_->engine, select + " DESC", Query::Life::kept);
+}
+
+// Adds the rows of these keys, which rise or fall, in one sweep; stops early when the block is full.
+void SqliteRecordSet::read_range(std::span<const std::int64_t> keys) {
+  const bool upwards = keys.front() <= keys.back();
+  Query& rows = upwards ? upwards_ : downwards_;
+  const Loan sweep(rows);
+  rows.bind(1, std::min(keys.front(), keys.back())).bind(2, std::max(keys.front(), keys.back()));
+  auto wanted = keys.begin();
+  while (wanted != keys.end() && rows.step()) {
+    const std::int64_t found = rows.number(0);
+    for (; upwards ? *wanted < found : *wanted > found; ++wanted) block_.append_missing();
+    if (*wanted != found) continue;  // a row that the set leaves out
+    block_.append(rows, 1);
+    ++wanted;
+    if (block_.size() >= block_bytes) return;
+  }
+  for (; wanted != keys.end(); ++wanted) block_.append_missing();
 }
 
 void SqliteRecordSet::set_text(std::string_view column, std::string_view text) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,8 +17,8 @@ namespace zrl {
 class RowBlock {
  public:
   void clear(std::size_t columns);
-  // The row that the query stands on.
-  void append(const Query& query);
+  // The row that the query stands on, from this column of it on.
+  void append(const Query& query, int first_column);
   // A row that is gone: all its values are null.
   void append_missing();
 
@@ -90,6 +91,8 @@ class SqliteRecordSet : public RecordSet {
   void fetch(Column& column);
   void prepare_row();
   void load_block();
+  void prepare_block();
+  void read_range(std::span<const std::int64_t> keys);
   void place(std::int64_t position);
   void forget_row();
   void change(std::string_view column, Kind kind, std::string text);
@@ -110,7 +113,9 @@ class SqliteRecordSet : public RecordSet {
   int steps_ = 0;  // moves to the next row without another move between them
 
   RowBlock block_;
-  Query block_query_;
+  std::size_t wanted_ = 0;
+  Query upwards_;
+  Query downwards_;
   std::int64_t block_first_ = 0;
   std::int64_t block_changes_ = 0;  // made through the session before the block was read
   bool wants_changed_ = true;

@@ -10,6 +10,7 @@
 #include "host/command/step_runner.h"
 #include "host/composition.h"
 #include "host/folder.h"
+#include "host/sample/sample_data.h"
 
 namespace zrl::command {
 
@@ -40,6 +41,13 @@ std::uint32_t dword(const std::string& text) {
 int run_init(const Arguments& arguments, std::ostream& out) {
   PlainConsole plain(arguments.folder);
   for (const std::string& line : lay_out_folder(plain.console)) out << printable(line) << '\n';
+  if (!arguments.sample) return success;
+  const auto report = [&out](std::string_view table, std::size_t rows) {
+    out << "table " << table << ": " << rows << " rows\n";
+  };
+  if (!sample::fill_sample_data(plain.console, report)) {
+    out << "the database already holds data; nothing was changed\n";
+  }
   return success;
 }
 

@@ -158,7 +158,7 @@ std::string busy_message(bool on, std::string_view text, std::uint64_t done, std
 }
 
 std::string activity_message(const ActivityRecord& record, std::uint64_t from, std::uint64_t failed,
-                             std::string_view page) {
+                             std::string_view page, bool showing) {
   const std::uint64_t total = record.total();
   const std::uint64_t newest = total - std::min(total, entries_an_action);
   from = std::max({from, newest, record.first()});
@@ -167,7 +167,8 @@ std::string activity_message(const ActivityRecord& record, std::uint64_t from, s
                                       {"total", total},
                                       {"failed", failed},
                                       {"entries", entries_json(record, from, total)},
-                                      {"page", page}});
+                                      {"page", page},
+                                      {"showing", showing}});
 }
 
 std::string record_message(const ActivityRecord& record, std::uint64_t request, WindowOf window) {

@@ -43,9 +43,10 @@ std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64
 std::string box_message(std::uint64_t id, const MessageBox& box);
 std::string unbox_message(std::uint64_t id);
 std::string busy_message(bool on, std::string_view text, std::uint64_t done, std::uint64_t total);
-// The newest entries from number `from` on, `failed` of which are failures.
+// The newest entries from number `from` on, `failed` of which are failures; `showing` if they come
+// of showing the page.
 std::string activity_message(const ActivityRecord& record, std::uint64_t from, std::uint64_t failed,
-                             std::string_view page);
+                             std::string_view page, bool showing);
 std::string record_message(const ActivityRecord& record, std::uint64_t request, WindowOf window);
 std::string captions_message(Console& console, std::span<const PageEntry> pages);
 std::string done_message(std::uint64_t seq);

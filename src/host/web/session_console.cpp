@@ -198,7 +198,7 @@ void SessionConsole::report() {
   flush();
   const ActivityRecord& record = console_->activity();
   if (record.total() > reported_) {
-    send(activity_message(record, reported_, record.failures() - reported_failures_, page_name()));
+    send(activity_message(record, reported_, record.failures() - reported_failures_, page_name(), showing_));
     reported_ = record.total();
     reported_failures_ = record.failures();
   }

@@ -158,6 +158,7 @@ class SessionConsole : public Host {
   int modal_depth_ = 0;
   int busy_ = 0;  // handlers that do not wait for the browser
   bool ticked_last_ = false;
+  bool showing_ = false;
   bool ending_ = false;
   bool stopping_ = false;
   Clock::time_point flushed_{};

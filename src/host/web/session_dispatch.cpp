@@ -260,11 +260,13 @@ void SessionConsole::leave_page() {
 }
 
 void SessionConsole::show_page(const PageEntry& entry) {
+  showing_ = true;
   run_action([&] {
     page_ = entry.make(*console_);
     shown_.push_back(std::make_shared<ShownForm>(page_->name(), page_, false, false));
     page_->initialise();
   });
+  showing_ = false;
 }
 
 void SessionConsole::refuse(const MessageNumber& number, std::string_view code, std::string_view text) {

@@ -43,12 +43,13 @@ GeneralPage::GeneralPage(Console& console) : Page(console, "general", "General")
   Timer1.on_tick = [this] { process_events(); };
 
   set_layout(column({
-      row({grow(headline), Combo1}),
+      headline,
+      Combo1,
       frame(Frame1, grid({mx, comparemimewithsmtp, checkforat, checkmid, blockndr, Check1})),
       frame(Frame2, grid({ehlo, checkhelovalid, checkheloip})),
       frame(Frame3, grid({enablepipe, greylisting, cutconnection, simulation})),
       frame(Frame4, grid({protokoll, debugging, arcbody, removereceipts})),
-      frame(Frame5, row({autoimport, Command1})),
+      frame(Frame5, column({grid({autoimport}), row({Command1})})),
   }));
 }
 

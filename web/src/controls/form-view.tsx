@@ -1,6 +1,6 @@
 import { messages } from '../i18n'
 import type { FormModel } from '../model/form'
-import { grows, isLine, isNarrow, isRadioGroup, present, type LayoutFacts } from '../model/layout'
+import { fills, grows, isLine, isNarrow, isRadioGroup, present, type LayoutFacts } from '../model/layout'
 import type { LayoutNode } from '../protocol'
 import { ControlView } from './control-view'
 import { Tip } from './field'
@@ -28,14 +28,18 @@ function Frame({ form, node, depth }: NodeProps & { node: LayoutNode & { frame: 
   if (!control || !shown) return <Node form={form} node={node.content} depth={depth} />
   const titleId = `${control.id}-title`
   const caption = form.labelOf(shown)
-  const radio = isRadioGroup(node.content, factsOf(form))
+  const facts = factsOf(form)
+  const radio = isRadioGroup(node.content, facts)
   return (
     <section
       class={`frame${depth > 0 ? ' inner' : ''}`}
       role={radio ? 'radiogroup' : 'group'}
       aria-labelledby={caption === '' ? undefined : titleId}
       data-control={control.id}
+      data-disabled={shown.enabled ? undefined : ''}
+      aria-disabled={shown.enabled ? undefined : true}
       data-grow={grows(node) ? '' : undefined}
+      data-fill={fills(node, facts) ? '' : undefined}
     >
       {caption !== '' && (
         <header class="frame-head" data-tip={shown.toolTip}>
@@ -52,12 +56,18 @@ function Node({ form, node, depth }: NodeProps) {
   const facts = factsOf(form)
   if (!present(node, facts)) return null
   const grow = grows(node) ? '' : undefined
+  const fill = fills(node, facts) ? '' : undefined
   if ('control' in node) {
     const control = form.controls.get(node.control)
     if (!control) return null
     const kind = facts.kindOf(node.control)
     return (
-      <div class={`leaf leaf-${kind?.toLowerCase()}`} data-grow={grow} data-narrow={isNarrow(node, facts) ? '' : undefined}>
+      <div
+        class={`leaf leaf-${kind?.toLowerCase()}`}
+        data-grow={grow}
+        data-fill={fill}
+        data-narrow={isNarrow(node, facts) ? '' : undefined}
+      >
         <ControlView control={control} />
       </div>
     )
@@ -76,6 +86,7 @@ function Node({ form, node, depth }: NodeProps) {
     <div
       class={`node ${kind}${line ? ' line' : ''}`}
       data-grow={grow}
+      data-fill={fill}
       data-shares={children.some(grows) ? '' : undefined}
       role={radio ? 'radiogroup' : undefined}
       aria-label={radio ? form.caption.value : undefined}

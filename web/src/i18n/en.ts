@@ -72,6 +72,9 @@ const failures: Record<FailureCode, string> = {
   already_set_up: 'The console has been set up already. Sign in instead.',
   too_many_tries: 'There were too many tries.',
   too_many_sessions: 'Too many people are signed in at the moment. Try again later.',
+  not_saved: 'The account could not be saved. Can the console write to its folder?',
+  forbidden: 'The console does not accept requests from this address. Open it under the address that it printed.',
+  signed_out: 'You are not signed in.',
 }
 
 const refusals: Record<Refusal['code'], string> = {

@@ -12,6 +12,8 @@ export interface PlacedEntry extends ActivityEntry {
 /** The activity record as far as it is on view. The newest entry stands first. */
 export class ActivityModel {
   readonly total = signal(0)
+  /** The oldest entry that the record still has. */
+  readonly oldest = signal(0)
   /** Failures since the drawer was last looked at. */
   readonly unseenFailures = signal(0)
   readonly open = signal(false)
@@ -21,7 +23,7 @@ export class ActivityModel {
   readonly scanning = signal(false)
   readonly version = signal(0)
   send: (message: PlainMessage) => boolean = () => false
-  onAction: (message: ActivityMessage, actionTotal: number) => void = () => {}
+  onAction: (message: ActivityMessage, steps: number) => void = () => {}
 
   private blocks = new Map<number, ActivityEntry[]>()
   private asked = new Map<number, { block: number } | { scanFrom: number; scanEnd: number }>()
@@ -29,15 +31,19 @@ export class ActivityModel {
   /** The record is known to be searched for failures in [scannedFrom, scannedEnd). */
   private scannedFrom = 0
   private scannedEnd = 0
+  /** The length of the record before the next action; unknown on a new connection. */
+  private before: number | null = 0
 
   took(message: ActivityMessage): void {
-    const added = Math.max(message.entries.length, message.total - this.total.peek())
+    const { entries } = message
+    const added = this.before === null ? 0 : message.total - this.before
+    this.before = message.total
     this.grow(message.total)
-    for (const [offset, entry] of message.entries.entries()) this.place(message.first + offset, entry)
+    for (const [offset, entry] of entries.entries()) this.place(message.first + offset, entry)
     if (!this.open.peek()) this.unseenFailures.value += message.failed
     this.version.value++
     this.scan()
-    this.onAction(message, added)
+    this.onAction(message, Math.max(entries.length, added))
   }
 
   accept(message: RecordMessage): void {
@@ -45,22 +51,26 @@ export class ActivityModel {
     if (!asked) return
     this.asked.delete(message.request)
     this.grow(message.total)
+    this.before ??= message.total
+    const askedFrom = 'block' in asked ? asked.block * blockSize : asked.scanFrom
+    // A window that begins later than asked tells that the entries before it are gone.
+    if (message.start > askedFrom) this.oldest.value = Math.max(this.oldest.peek(), message.start)
     if ('block' in asked) {
-      this.blocks.set(asked.block, message.entries)
+      for (const [offset, entry] of message.entries.entries()) this.place(message.start + offset, entry)
       for (const number of this.blocks.keys()) {
         if (this.blocks.size > keptBlocks && Math.abs(number - asked.block) > 2) this.blocks.delete(number)
       }
     } else {
       const found = message.entries
         .map((entry, offset) => ({ ...entry, position: message.start + offset }))
-        .filter(entry => !entry.ok)
+        .filter(entry => !entry.ok && entry.position >= asked.scanFrom && entry.position < asked.scanEnd)
       this.failures.value = [...this.failures.peek(), ...found].sort((a, b) => b.position - a.position)
-      if (asked.scanFrom < this.scannedFrom || this.scannedFrom === this.scannedEnd) this.scannedFrom = asked.scanFrom
+      if (asked.scanFrom < this.scannedFrom) this.scannedFrom = asked.scanFrom
       this.scannedEnd = Math.max(this.scannedEnd, asked.scanEnd)
       this.scanning.value = false
-      this.scan()
     }
     this.version.value++
+    this.scan()
   }
 
   entry(position: number): ActivityEntry | undefined {
@@ -68,13 +78,12 @@ export class ActivityModel {
   }
 
   /** The record positions from first to last are on view. */
-  show(first: number, last: number): void {
+  show(from: number, last: number): void {
+    const first = Math.max(from, this.oldest.peek())
     for (let block = Math.floor(first / blockSize); block <= Math.floor(last / blockSize); ++block) {
       const start = block * blockSize
-      const held = this.blocks.get(block)?.length ?? 0
-      const wanted = Math.min(blockSize, this.total.peek() - start)
-      const complete = held >= wanted && !this.hasGap(block)
-      if (complete || this.isAsked(block) || wanted <= 0) continue
+      const end = Math.min(start + blockSize, this.total.peek())
+      if (this.isAsked(block) || this.isComplete(Math.max(start, this.oldest.peek()), end)) continue
       const request = this.nextRequest++
       this.asked.set(request, { block })
       this.send({ type: 'record', request, start, count: blockSize })
@@ -85,9 +94,7 @@ export class ActivityModel {
     this.open.value = open
     if (!open) return
     this.unseenFailures.value = 0
-    // Asking for an empty window tells how long the record is by now.
     this.version.value++
-    if (this.total.peek() === 0) this.askFirst()
     this.scan()
   }
 
@@ -102,22 +109,31 @@ export class ActivityModel {
     this.failures.value = []
     this.scannedFrom = this.scannedEnd = 0
     this.scanning.value = false
-    if (this.open.peek()) this.askFirst()
+    this.oldest.value = 0
+    this.before = null
+    this.askFirst()
     this.version.value++
   }
 
-  reset(): void {
-    this.reconnected()
+  /** The record begins anew. */
+  restarted(): void {
     this.total.value = 0
-    this.unseenFailures.value = 0
+    this.reconnected()
+    this.before = 0
+  }
+
+  reset(): void {
     this.open.value = false
+    this.restarted()
+    this.unseenFailures.value = 0
     this.failuresOnly.value = false
   }
 
+  /** Asks for the oldest entry, to learn how long the record is. */
   private askFirst(): void {
     const request = this.nextRequest++
     this.asked.set(request, { block: 0 })
-    this.send({ type: 'record', request, start: 0, count: blockSize })
+    this.send({ type: 'record', request, start: 0, count: 1 })
   }
 
   /** Searches the record for failures, the newest part first, one window at a time. */
@@ -130,9 +146,9 @@ export class ActivityModel {
     if (this.scannedEnd < total) {
       start = this.scannedEnd
       end = Math.min(total, start + scanSize)
-    } else if (this.scannedFrom > 0) {
+    } else if (this.scannedFrom > this.oldest.peek()) {
       end = this.scannedFrom
-      start = Math.max(0, end - scanSize)
+      start = Math.max(this.oldest.peek(), end - scanSize)
     } else return
     const request = this.nextRequest++
     this.asked.set(request, { scanFrom: start, scanEnd: end })
@@ -151,11 +167,9 @@ export class ActivityModel {
     block[position % blockSize] = entry
   }
 
-  private hasGap(block: number): boolean {
-    const held = this.blocks.get(block)
-    if (!held) return true
-    for (let place = 0; place < held.length; ++place) if (!held[place]) return true
-    return false
+  private isComplete(start: number, end: number): boolean {
+    for (let position = start; position < end; ++position) if (!this.entry(position)) return false
+    return true
   }
 
   private isAsked(block: number): boolean {

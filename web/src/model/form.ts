@@ -1,5 +1,6 @@
 import { batch, computed, signal, type ReadonlySignal } from '@preact/signals'
 import type { ChangeMessage, Control, FormMessage, Kind, LayoutNode, PlainMessage, UserEvent } from '../protocol'
+import { framesAround } from './layout'
 import { ListModel } from './list'
 import { PendingText } from './pending-text'
 
@@ -51,7 +52,9 @@ export class ControlModel {
     this.visible = computed(() => this.base.value.visible)
     this.shown = computed(() => {
       const over = this.overlay.value
-      return over ? { ...this.base.value, ...over.values } : this.base.value
+      const told = over ? { ...this.base.value, ...over.values } : this.base.value
+      // A frame that is disabled disables what stands in it.
+      return told.enabled && form.frameAround(name)?.shown.value.enabled === false ? { ...told, enabled: false } : told
     })
     const typed = control.kind === 'TextField' || (control.kind === 'ComboBox' && control.editable === true)
     this.pending = typed ? new PendingText(control.text ?? '') : null
@@ -63,11 +66,6 @@ export class ControlModel {
 
   get id(): string {
     return `c-${this.form.name}-${this.name}`
-  }
-
-  get usable(): boolean {
-    const { enabled, visible } = this.base.peek()
-    return enabled && visible
   }
 
   type(text: string): void {
@@ -202,6 +200,7 @@ export class FormModel {
   /** The label controls that are drawn with the control that they name. */
   readonly usedLabels = new Set<string>()
   readonly link: Link
+  private frames: ReadonlyMap<string, string>
 
   constructor(message: FormMessage, link: Link) {
     this.link = link
@@ -210,6 +209,7 @@ export class FormModel {
     this.modal = message.modal
     this.caption = signal(message.caption)
     this.layout = signal<LayoutNode>(message.layout)
+    this.frames = framesAround(message.layout)
     for (const [name, control] of Object.entries(message.controls)) {
       this.controls.set(name, new ControlModel(this, name, control))
       if (control.label !== undefined) this.usedLabels.add(control.label)
@@ -226,6 +226,7 @@ export class FormModel {
     batch(() => {
       this.caption.value = message.caption
       this.layout.value = message.layout
+      this.frames = framesAround(message.layout)
       this.closed.value = false
       for (const [name, control] of entries) this.controls.get(name)?.restore(control)
     })
@@ -246,6 +247,11 @@ export class FormModel {
       if (shown.kind !== 'OptionButton' || shown.group !== group) continue
       control.overlayWith(seq, { value: control === chosen ? 1 : 0 })
     }
+  }
+
+  frameAround(name: string): ControlModel | undefined {
+    const frame = this.frames.get(name)
+    return frame === undefined ? undefined : this.controls.get(frame)
   }
 
   labelOf(control: Control): string {

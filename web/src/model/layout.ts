@@ -11,20 +11,38 @@ export interface LayoutFacts {
 }
 
 export function leaves(node: LayoutNode): string[] {
-  if ('control' in node) return [node.control]
-  if ('column' in node) return node.column.flatMap(leaves)
-  if ('row' in node) return node.row.flatMap(leaves)
-  if ('grid' in node) return node.grid.flatMap(leaves)
-  return leaves(node.content)
+  return 'control' in node ? [node.control] : children(node).flatMap(leaves)
 }
 
-/** A container grows when something inside it does: the space has to reach it. */
+function children(node: LayoutNode): readonly LayoutNode[] {
+  if ('column' in node) return node.column
+  if ('row' in node) return node.row
+  if ('grid' in node) return node.grid
+  return 'frame' in node ? [node.content] : []
+}
+
+/** The innermost frame around each control and each frame. */
+export function framesAround(
+  node: LayoutNode,
+  frame?: string,
+  found = new Map<string, string>(),
+): ReadonlyMap<string, string> {
+  const name = 'control' in node ? node.control : 'frame' in node ? node.frame : undefined
+  if (name !== undefined && frame !== undefined) found.set(name, frame)
+  for (const child of children(node)) framesAround(child, 'frame' in node ? node.frame : frame, found)
+  return found
+}
+
+/** A container takes the space that is left when something inside it does: the space has to reach it. */
 export function grows(node: LayoutNode): boolean {
-  if (node.grow) return true
-  if ('column' in node) return node.column.some(grows)
-  if ('row' in node) return node.row.some(grows)
-  if ('frame' in node) return grows(node.content)
-  return false
+  return node.grow === true || children(node).some(grows)
+}
+
+/** Whether the height that is left makes sense for the node: lists and long texts use it, a line of text does not. */
+export function fills(node: LayoutNode, facts: LayoutFacts): boolean {
+  if ('control' in node) return node.grow === true && isTall(node.control, facts)
+  if (node.grow && leaves(node).some(name => isTall(name, facts))) return true
+  return !('grid' in node) && children(node).some(child => fills(child, facts))
 }
 
 /** Whether anything of the node is to be seen. */
@@ -37,7 +55,11 @@ export function present(node: LayoutNode, facts: LayoutFacts): boolean {
 }
 
 const narrow = new Set<Kind | undefined>(['Button', 'Label', 'CheckBox', 'OptionButton'])
-const tall = new Set<Kind | undefined>(['ListBox', 'DriveList', 'FolderList', 'FileList'])
+const lists = new Set<Kind | undefined>(['ListBox', 'DriveList', 'FolderList', 'FileList'])
+
+function isTall(name: string, facts: LayoutFacts): boolean {
+  return lists.has(facts.kindOf(name)) || facts.multiLine(name)
+}
 
 /** A leaf that is as wide as its content, in contrast to fields, which share the width of their row. */
 export function isNarrow(node: LayoutNode, facts: LayoutFacts): boolean {
@@ -46,7 +68,7 @@ export function isNarrow(node: LayoutNode, facts: LayoutFacts): boolean {
 
 /** A row of single-line controls stands on one base line; one with lists or groups starts at the top. */
 export function isLine(nodes: readonly LayoutNode[], facts: LayoutFacts): boolean {
-  return nodes.every(node => 'control' in node && !tall.has(facts.kindOf(node.control)) && !facts.multiLine(node.control))
+  return nodes.every(node => 'control' in node && !isTall(node.control, facts))
 }
 
 /** True when the node holds the option buttons of one group and nothing else. */

@@ -26,7 +26,8 @@ export class RowCache {
   private revision: number
   private total: number
   private blocks = new Map<number, Block>()
-  private outstanding = new Map<number, { block: number; filter: string }>()
+  /** What was asked of the wanted filter and the newest revision; answers to anything older are dropped. */
+  private outstanding = new Map<number, { block: number; start: number }>()
   private static nextRequest = 1
   private readonly keptBlocks: number
 
@@ -100,12 +101,16 @@ export class RowCache {
     const from = fresh ? 0 : Math.max(0, Math.floor(first / blockSize))
     const end = fresh ? 0 : Math.floor(Math.min(last, this.length - 1) / blockSize)
     if (!fresh && this.length === 0 && !(this.filter !== '' && this.stale(0))) return requests
-    for (let block = from; block <= Math.max(end, this.length === 0 ? 0 : end); ++block) {
-      if (!fresh && !this.stale(block)) continue
+    for (let block = from; block <= Math.max(0, end); ++block) {
+      const held = fresh ? 0 : this.freshRows(block)
+      const wanted = fresh ? 1 : Math.min(blockSize, this.length - block * blockSize, last + 1 - block * blockSize)
+      if (held > 0 && held >= wanted) continue
+      if (held === 0 && !fresh && !this.stale(block)) continue
       if (this.isOutstanding(block)) continue
       const request = RowCache.nextRequest++
-      this.outstanding.set(request, { block, filter: this.wantedFilter })
-      requests.push({ request, start: block * blockSize, count: blockSize, filter: this.wantedFilter })
+      const start = block * blockSize + held
+      this.outstanding.set(request, { block, start })
+      requests.push({ request, start, count: blockSize - held, filter: this.wantedFilter })
     }
     return requests
   }
@@ -115,7 +120,6 @@ export class RowCache {
     const asked = this.outstanding.get(message.request)
     if (!asked) return false
     this.outstanding.delete(message.request)
-    if (message.filter !== this.wantedFilter) return false
     if (this.filtering) {
       this.blocks.clear()
       this.filter = this.wantedFilter
@@ -125,15 +129,30 @@ export class RowCache {
       if (this.filter === '') this.total = message.length
     }
     this.length = message.length
-    this.blocks.delete(asked.block)
-    this.blocks.set(asked.block, {
-      rows: message.rows,
-      indexes: message.indexes ?? null,
-      revision: message.revision,
-    })
+    this.store(asked, message)
     this.dropBeyondEnd()
     this.trim(asked.block)
     return true
+  }
+
+  /** The host sends fewer rows than asked for where they are long; what follows is added to what is there. */
+  private store({ block, start }: { block: number; start: number }, message: RowsMessage): void {
+    const held = this.blocks.get(block)
+    const before = start - block * blockSize
+    const continues = before > 0 && held?.revision === message.revision && held.rows.length === before
+    if (before > 0 && !continues) return
+    this.blocks.delete(block)
+    this.blocks.set(block, {
+      rows: continues ? [...held.rows, ...message.rows] : message.rows,
+      indexes: message.indexes ? [...((continues && held.indexes) || []), ...message.indexes] : null,
+      revision: message.revision,
+    })
+  }
+
+  /** How many rows of a block are of the newest revision. */
+  private freshRows(block: number): number {
+    const held = this.blocks.get(block)
+    return held && held.revision >= this.revision ? held.rows.length : 0
   }
 
   private stale(block: number): boolean {
@@ -143,7 +162,7 @@ export class RowCache {
 
   private isOutstanding(block: number): boolean {
     for (const asked of this.outstanding.values()) {
-      if (asked.block === block && asked.filter === this.wantedFilter) return true
+      if (asked.block === block) return true
     }
     return false
   }

@@ -221,7 +221,7 @@ export class Session implements Link {
     const previous = this.hello.peek()
     this.hello.value = message
     if (previous?.language !== message.language) this.captions.value = null
-    if (!this.freshSocket) return
+    if (!this.freshSocket) return this.activity.restarted()
     this.freshSocket = false
     this.opening.value = null
     this.boxes.value = []
@@ -267,13 +267,14 @@ export class Session implements Link {
     for (const control of this.holding) if (control.form.name === name) this.holding.delete(control)
   }
 
-  private refused(seq: number, error: { code: ErrorCode; text: string }): void {
+  private refused(seq: number, error: { code: ErrorCode; text: string; request?: number }): void {
     if (seq > 0 && seq === this.openSeq) {
       this.opening.value = null
       this.wanted.value = null
     }
     this.finished(seq, control => control.refused(seq))
-    this.onRefusal(error)
+    // A form that is gone is gone from view too; rows that it was asked for before need no word.
+    if (error.code !== 'no_form' && error.request === undefined) this.onRefusal(error)
   }
 
   private finished(seq: number, settle: (control: ControlModel) => void): void {

@@ -73,7 +73,7 @@ function OpenDrawer() {
   const only = activity.failuresOnly.value
   const failures = activity.failures.value
   const total = activity.total.value
-  const count = only ? failures.length : total
+  const count = only ? failures.length : total - activity.oldest.value
   const placeOf = (row: number): number => (only ? (failures[row]?.position ?? -1) : total - 1 - row)
   const entryAt = (row: number): ActivityEntry | undefined => (only ? failures[row] : activity.entry(placeOf(row)))
   const rowOf = (place: number): number =>

@@ -16,6 +16,20 @@ interface Props {
   children: ComponentChildren
 }
 
+const focusable = ':is(a[href], button, input, select, textarea, [tabindex="0"]):not(:disabled)'
+
+/** Tab goes round in the dialog; by itself it would leave it for the browser's own buttons. */
+function keepInside(event: KeyboardEvent, dialog: HTMLDialogElement): void {
+  if (event.key !== 'Tab') return
+  const stops = [...dialog.querySelectorAll<HTMLElement>(focusable)].filter(stop => stop.checkVisibility())
+  const [first] = stops
+  const last = stops.at(-1)
+  const [end, start] = event.shiftKey ? [first, last] : [last, first]
+  if (!start || (document.activeElement !== end && dialog.contains(document.activeElement))) return
+  event.preventDefault()
+  start.focus()
+}
+
 /** A dialog that keeps the focus until it is closed, and gives it back then. */
 export function Modal({ title, onCancel, class: kind = '', describedBy, role, closable = true, icon, children }: Props) {
   const dialog = useRef<HTMLDialogElement>(null)
@@ -41,6 +55,7 @@ export function Modal({ title, onCancel, class: kind = '', describedBy, role, cl
       role={role}
       aria-labelledby={titleId}
       aria-describedby={describedBy}
+      onKeyDown={event => keepInside(event, event.currentTarget)}
       onCancel={event => {
         // The owner decides; closing here would let the screen and the server disagree.
         event.preventDefault()

@@ -1,0 +1,183 @@
+// A running console and a browser on it, for the browser tests.
+import assert from 'node:assert/strict'
+import { spawn, execFileSync } from 'node:child_process'
+import { mkdirSync, mkdtempSync, rmSync } from 'node:fs'
+import { createRequire } from 'node:module'
+import { tmpdir } from 'node:os'
+import { join } from 'node:path'
+import { fileURLToPath } from 'node:url'
+
+const top = fileURLToPath(new URL('../../', import.meta.url))
+const { chromium } = createRequire(join(top, 'web/package.json'))('playwright-core')
+const program = join(top, 'build/release/tests/zrlconsole_with_test_page')
+const pictures = join(top, 'build/screenshots')
+
+export const account = 'admin'
+export const password = 'correct horse battery'
+
+/** The console as a program of its own, in a folder of its own. */
+export class Console {
+  static async start({ sample = false } = {}) {
+    const console = new Console()
+    console.folder = join(mkdtempSync(join(tmpdir(), 'zrl-browser-')), 'console')
+    if (sample) console.run('init', '--sample')
+    await console.serve()
+    return console
+  }
+
+  async serve(port = 0) {
+    this.process = spawn(program, ['--folder', this.folder, 'serve', '--listen', `127.0.0.1:${port}`])
+    this.output = ''
+    this.errors = ''
+    this.process.stderr.on('data', data => (this.errors += data))
+    await new Promise((resolve, reject) => {
+      this.process.on('exit', status => reject(new Error(`the console ended with ${status}: ${this.errors}`)))
+      this.process.stdout.on('data', data => {
+        this.output += data
+        if (/^Open \S+\n/m.test(this.output)) resolve()
+      })
+    })
+    this.address = /^Open (\S+)/m.exec(this.output)[1]
+  }
+
+  get secret() {
+    return /secret: (\S+)/.exec(this.output)[1]
+  }
+
+  /** Ends the program; it must end well and have complained about nothing. */
+  async stop() {
+    if (this.process.exitCode === null) {
+      const ended = new Promise(resolve => this.process.on('exit', resolve))
+      this.process.kill('SIGTERM')
+      assert.equal(await ended, 0)
+    }
+    assert.equal(this.errors, '')
+  }
+
+  async end() {
+    await this.stop()
+    rmSync(join(this.folder, '..'), { recursive: true })
+  }
+
+  run(...args) {
+    return execFileSync(program, ['--folder', this.folder, ...args], { encoding: 'utf8' })
+  }
+
+  sql(statement) {
+    return execFileSync('sqlite3', ['-cmd', '.timeout 5000', join(this.folder, 'proxy.db'), statement], {
+      encoding: 'utf8',
+    }).trim()
+  }
+
+  /** Asks until the database answers as expected, because the browser does not wait for it. */
+  async becomes(statement, expected) {
+    let found
+    for (let i = 0; i < 100; ++i) {
+      found = this.sql(statement)
+      if (found === expected) return
+      await new Promise(resolve => setTimeout(resolve, 50))
+    }
+    assert.equal(found, expected)
+  }
+}
+
+/** A browser in which nothing unexpected may be logged, and from which nothing may leave the machine. */
+export class Browser {
+  static async start() {
+    const browser = new Browser()
+    browser.chromium = await chromium.launch({
+      executablePath: '/usr/bin/chromium',
+      chromiumSandbox: false,
+      args: [
+        '--disable-gpu',
+        '--disable-quic',
+        '--no-first-run',
+        '--disable-background-networking',
+        '--disable-component-update',
+        '--disable-sync',
+      ],
+    })
+    return browser
+  }
+
+  problems = []
+  /** Log lines that a test brings about on purpose. */
+  expected = []
+
+  async open(console, options = {}) {
+    const context = await this.chromium.newContext({
+      viewport: { width: 1440, height: 900 },
+      colorScheme: 'light',
+      reducedMotion: 'reduce',
+      ...options,
+    })
+    const page = await context.newPage()
+    page.setDefaultTimeout(10_000)
+    page.on('console', message => {
+      if (message.type() !== 'warning' && message.type() !== 'error') return
+      if (!this.expected.some(text => message.text().includes(text))) this.problems.push(message.text())
+    })
+    page.on('pageerror', error => this.problems.push(error.stack))
+    page.on('dialog', dialog => {
+      this.problems.push(`a script of a stranger ran: ${dialog.message()}`)
+      void dialog.dismiss()
+    })
+    page.on('request', request => {
+      const url = new URL(request.url())
+      const own = url.host === new URL(console.address).host || url.protocol === 'data:'
+      if (!own) this.problems.push(`a request left the console: ${request.url()}`)
+    })
+    await page.goto(console.address)
+    return page
+  }
+
+  async end() {
+    await this.chromium.close()
+    assert.deepEqual(this.problems, [])
+  }
+}
+
+export async function setUp(page, console) {
+  await page.getByLabel('Set-up secret').fill(console.secret)
+  await page.getByLabel('New password', { exact: true }).fill(password)
+  await page.getByLabel('Repeat the new password').fill(password)
+  await page.getByRole('button', { name: 'Set up and sign in' }).click()
+  await page.getByRole('navigation').waitFor()
+}
+
+export async function signIn(page) {
+  await page.getByLabel('Account').fill(account)
+  await page.getByLabel('Password', { exact: true }).fill(password)
+  await page.getByRole('button', { name: 'Sign in' }).click()
+  await page.getByRole('navigation').waitFor()
+}
+
+/** Opens a page from the sidebar and waits until it is drawn. */
+export async function openPage(page, title, name) {
+  await page.getByRole('navigation').getByRole('link', { name: title }).click()
+  await page.locator(`main [data-control^="c-${name}-"]`).first().waitFor()
+}
+
+const looks = [
+  ['light', 1440, 900],
+  ['dark', 1440, 900],
+  ['light', 390, 844],
+  ['dark', 390, 844],
+]
+
+/** Takes the four pictures of what is shown, and makes sure that nothing sticks out of the window. */
+export async function picture(page, name) {
+  mkdirSync(pictures, { recursive: true })
+  const before = page.viewportSize()
+  for (const [scheme, width, height] of looks) {
+    await page.emulateMedia({ colorScheme: scheme })
+    await page.setViewportSize({ width, height })
+    await page.waitForTimeout(150)
+    const overflow = await page.evaluate(() => document.documentElement.scrollWidth - window.innerWidth)
+    assert.ok(overflow <= 0, `${name} sticks out by ${overflow} pixels at ${width}`)
+    const shape = width > 600 ? 'wide' : 'narrow'
+    await page.screenshot({ path: join(pictures, `${name}-${shape}-${scheme}.png`) })
+  }
+  await page.emulateMedia({ colorScheme: 'light' })
+  await page.setViewportSize(before)
+}

@@ -1,0 +1,127 @@
+#include "core/registry.h"
+
+#include "components/sqlite/database_fixture.h"
+
+namespace zrl::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+class RegistryTest : public ::testing::Test {
+ protected:
+  std::filesystem::path file() const { return folder.path() / "registry.db"; }
+  std::string read(std::string_view path) { return store->registry()->regread(path).value_or("(none)"); }
+
+  TemporaryFolder folder;
+  std::shared_ptr<RegistryStore> store = make_registry_store(folder.path(), {std::chrono::milliseconds(200)});
+  std::shared_ptr<Registry> registry = store->registry();
+};
+
+TEST_F(RegistryTest, KeepsValuesOfBothKinds) {
+  registry->write_string("HKLM\\SOFTWARE\\Mirvan\\dataprovider", "sqlite:it's.db");
+  registry->write_dword("HKLM\\SOFTWARE\\Mirvan\\reloadblack", 4294967295U);
+  registry->write_string("hklm\\software\\mirvan\\007", "007");
+  EXPECT_EQ(read("hklm\\software\\MIRVAN\\DataProvider"), "sqlite:it's.db");
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\reloadblack"), "4294967295");
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\007"), "007");
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\reload"), "(none)");
+
+  registry->write_dword("HKLM\\software\\Mirvan\\DATAPROVIDER", 0);
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\dataprovider"), "0");
+  registry->write_string("HKLM\\SOFTWARE\\Mirvan\\dataprovider", "");
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\dataprovider"), "");
+  const std::vector<RegistryStore::Value> all = store->list();
+  ASSERT_EQ(all.size(), 3U);
+  EXPECT_EQ(all[0].path, "hklm\\software\\mirvan\\007");
+  EXPECT_EQ(all[1].kind, "REG_SZ");
+  EXPECT_EQ(all[2].kind, "REG_DWORD");
+  EXPECT_EQ(all[2].text, "4294967295");
+
+  registry->delete_value("HKLM\\software\\mirvan\\RELOADBLACK");
+  registry->delete_value("HKLM\\software\\mirvan\\never");
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\reloadblack"), "(none)");
+  EXPECT_EQ(store->list().size(), 2U);
+}
+
+TEST_F(RegistryTest, LooksLikeOneTableToOthers) {
+  registry->write_dword("HKLM\\SOFTWARE\\Mirvan\\reloadwhite", 1);
+  OtherProgram proxy(file());
+  EXPECT_EQ(proxy.ask("SELECT path, kind, value, typeof(value) FROM registry"),
+            "HKLM\\SOFTWARE\\Mirvan\\reloadwhite|REG_DWORD|1|integer");
+  proxy.run("UPDATE registry SET value=0 WHERE path='hklm\\software\\mirvan\\RELOADWHITE'");
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\reloadwhite"), "0");
+}
+
+TEST_F(RegistryTest, ReadingMakesNoFile) {
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\debug"), "(none)");
+  registry->delete_value("HKLM\\SOFTWARE\\Mirvan\\debug");
+  EXPECT_TRUE(store->list().empty());
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+  std::ofstream{file()};  // an empty file, as a crash may leave it
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\debug"), "(none)");
+  registry->write_dword("HKLM\\SOFTWARE\\Mirvan\\debug", 1);
+  EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\debug"), "1");
+}
+
+TEST_F(RegistryTest, FollowsItsFile) {
+  TemporaryFolder backup;
+  make_registry_store(backup.path())->registry()->write_string("a", "restored");
+  registry->write_string("a", "first");
+  std::filesystem::rename(backup.path() / "registry.db", file());
+  for (const char* ending : {"-wal", "-shm"}) std::filesystem::remove(file().string() + ending);
+  EXPECT_EQ(read("a"), "restored");
+  for (const char* ending : {"", "-wal", "-shm"}) std::filesystem::remove(file().string() + ending);
+  EXPECT_EQ(read("a"), "(none)");
+  registry->write_string("a", "again");
+  EXPECT_EQ(read("a"), "again");
+}
+
+TEST_F(RegistryTest, Failures) {
+  std::ofstream(file()) << std::string(5000, 'x');
+  EXPECT_THAT(failure_of([&] { read("a"); }), HasSubstr("registry.db"));
+  EXPECT_THAT(failure_of([&] { registry->write_string("a", "b"); }), HasSubstr("not a database"));
+  std::filesystem::remove(file());
+  registry->write_string("a", "b");
+  OtherProgram writer(file());
+  writer.run("BEGIN IMMEDIATE");
+  EXPECT_THAT(failure_of([&] { registry->write_string("a", "c"); }), HasSubstr("locked"));
+  EXPECT_EQ(read("a"), "b");
+  writer.run("ROLLBACK");
+  registry->write_string("a", "c");
+  EXPECT_EQ(read("a"), "c");
+  const auto nowhere = make_registry_store(folder.path() / "none");
+  EXPECT_FALSE(nowhere->find("a"));
+  EXPECT_NE(failure_of([&] { nowhere->registry()->write_string("a", "b"); }), "none");
+}
+
+TEST_F(RegistryTest, ServesSeveralProcessesAtOnce) {
+  constexpr int processes = 4;
+  constexpr int rounds = 50;
+  std::vector<pid_t> children;
+  for (int i = 0; i < processes; ++i) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      const auto own = make_registry_store(folder.path());
+      const std::string mine = "HKLM\\own" + std::to_string(i);
+      bool good = true;
+      for (int n = 0; n < rounds; ++n) {
+        good = good && failure_of([&] {
+                         own->registry()->write_dword(mine, static_cast<std::uint32_t>(n));
+                         own->registry()->write_string("HKLM\\common", std::to_string(i));
+                       }) == "none";
+        good = good && own->registry()->regread(mine) == std::to_string(n);
+      }
+      ::_exit(good ? 0 : 1);
+    }
+    children.push_back(child);
+  }
+  for (const pid_t child : children) {
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  EXPECT_EQ(store->list().size(), processes + 1U);
+}
+
+}  // namespace
+}  // namespace zrl::test

@@ -1,0 +1,52 @@
+#include "host/sample/encoding.h"
+
+#include <algorithm>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "host/sample/generator.h"
+
+namespace zrl::sample {
+namespace {
+
+using std::string_literals::operator""s;
+
+TEST(SampleEncoding, BytesBecomeBase64) {
+  const char* pairs[][2] = {{"", ""},        {"f", "Zg=="},          {"fo", "Zm8="},
+                            {"foo", "Zm9v"}, {"foobar", "Zm9vYmFy"}, {"\xff\xfe\xfd", "//79"}};
+  for (const auto& [bytes, text] : pairs) EXPECT_EQ(base64(bytes, 0), text);
+  EXPECT_EQ(base64("foobar", 4), "Zm9v\r\nYmFy\r\n");
+  EXPECT_EQ(base64("foob", 4), "Zm9v\r\nYg==\r\n");
+}
+
+TEST(SampleEncoding, QuotedPrintableKeepsLinesShortAndBlanksAtTheirEnds) {
+  EXPECT_EQ(quoted_printable("a=b \r\n\xfc."), "a=3Db=20\r\n=FC.");
+  const std::string wide = quoted_printable(std::string(200, '\xe4'));
+  for (std::size_t begin = 0; begin < wide.size();) {
+    const std::size_t end = std::min(wide.find("\r\n", begin), wide.size());
+    EXPECT_LE(end - begin, 76U);
+    begin = end + 2;
+  }
+}
+
+TEST(SampleEncoding, WordsAndCharacterSets) {
+  EXPECT_EQ(encoded_word("UTF-8", 'B', "foo"), "=?UTF-8?B?Zm9v?=");
+  EXPECT_EQ(encoded_word("ISO-8859-1", 'Q', single_byte("Tür_? zu", "ISO-8859-1")),
+            "=?ISO-8859-1?Q?T=FCr=5F=3F_zu?=");
+  EXPECT_EQ(single_byte("5 €", "ISO-8859-15"), "5 \xa4");
+  EXPECT_EQ(single_byte("5 €", "ISO-8859-1"), "5 ?");
+  EXPECT_EQ(single_byte("Аяd", "windows-1251"), "\xc0\xff\x64");
+  EXPECT_EQ(utf16("aü€"), "a\0\xfc\0\xac\x20"s);
+}
+
+// Other numbers on another machine would be another sample.
+TEST(SampleGenerator, NumbersAndTimesAreFixed) {
+  EXPECT_EQ(Generator(0).next(), 0xE220A8397B1DCDAFU);
+  EXPECT_EQ(Moment(29 * 86400 + 86399).log_time(), "2026-09-30 23:59:59");
+  EXPECT_EQ(Moment(86400 * 6 + 5 * 3600 + 61).header_date(), "Mon, 07 Sep 2026 05:01:01 +0000");
+  EXPECT_EQ(Moment(0).stamp(), "20260901000000");
+}
+
+}  // namespace
+}  // namespace zrl::sample
