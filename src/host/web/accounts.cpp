@@ -117,7 +117,8 @@ void Accounts::load() {
   text << stream.rdbuf();
   try {
     if (!stream) throw std::runtime_error("not readable");
-    for (const json::value& entry : json::parse(text.str()).at("accounts").as_array()) {
+    const json::value held = json::parse(text.str());
+    for (const json::value& entry : held.at("accounts").as_array()) {
       hashes_.emplace(entry.at("name").as_string(), entry.at("password").as_string());
     }
   } catch (const std::exception& failure) {

@@ -1,0 +1,259 @@
+#include <chrono>
+#include <fstream>
+#include <mutex>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sodium.h>
+
+#include "core/text.h"
+#include "host/web/accounts.h"
+#include "host/web/list_filter.h"
+#include "host/web/login_throttle.h"
+#include "host/web/origin_check.h"
+#include "support/temporary_folder.h"
+
+// The parts of the web host that need neither a session nor a network.
+namespace zrl::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::IsEmpty;
+
+// Runs what was posted when it is told to.
+class ManualLoop : public web::IoLoop {
+ public:
+  void post(std::function<void()> task) override {
+    const std::scoped_lock lock(mutex_);
+    tasks_.push_back(std::move(task));
+  }
+  void after(std::chrono::milliseconds, std::function<void()>) override {}
+
+  void run_one() {
+    for (;; std::this_thread::sleep_for(1ms)) {
+      std::function<void()> task;
+      {
+        const std::scoped_lock lock(mutex_);
+        if (tasks_.empty()) continue;
+        task = std::move(tasks_.front());
+        tasks_.erase(tasks_.begin());
+      }
+      return task();
+    }
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<std::function<void()>> tasks_;
+};
+
+TEST(ListFilter, FindsRowsThatContainTheText) {
+  const StringList rows{"Alpha", "", "beta ALPHA", "al", "pha", "alalpha", "gamma\xff", "\xc3\x84 alph", "a"};
+  struct Case {
+    const char* filter;
+    std::vector<std::uint32_t> found;
+  };
+  const Case cases[] = {
+      {"alpha", {0, 2, 5}}, {"ALPHA", {0, 2, 5}}, {"lph", {0, 2, 5, 7}}, {"alph", {0, 2, 5, 7}},
+      {"\xff", {6}},        {"\xc3\x84", {7}},    {"pha", {0, 2, 4, 5}}, {"ta a", {2}},
+      {"alpha ", {}},       {"mmm", {}},          {"phaalalpha", {}}};
+  for (const Case& tried : cases) {
+    EXPECT_EQ(web::matching_rows(rows, tried.filter), tried.found) << tried.filter;
+  }
+  EXPECT_THAT(web::matching_rows({}, "a"), IsEmpty());
+  EXPECT_THAT(web::matching_rows({"", "", ""}, "a"), IsEmpty());
+}
+
+// The same answer as the obvious search, on rows that are likely to match in part and across.
+TEST(ListFilter, AgreesWithAPlainSearch) {
+  std::uint32_t random = 12345;
+  const auto next = [&random](std::uint32_t limit) {
+    random = random * 1664525 + 1013904223;
+    return (random >> 16) % limit;
+  };
+  const auto text = [&](std::size_t longest) {
+    std::string made;
+    for (std::uint32_t i = next(static_cast<std::uint32_t>(longest) + 1); i > 0; --i) made += "abAB"[next(4)];
+    return made;
+  };
+  for (int round = 0; round < 300; ++round) {
+    StringList rows;
+    for (int i = 0; i < 40; ++i) rows.push_back(text(8));
+    const std::string filter = text(4) + "a";
+    std::vector<std::uint32_t> expected;
+    for (std::uint32_t i = 0; i < rows.size(); ++i) {
+      if (lower(rows[i]).find(lower(filter)) != std::string::npos) expected.push_back(i);
+    }
+    ASSERT_EQ(web::matching_rows(rows, filter), expected) << filter;
+  }
+}
+
+TEST(LoginThrottle, EachFurtherTryWaitsLonger) {
+  web::LoginThrottle throttle;
+  const auto start = web::LoginThrottle::Clock::now();
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(throttle.begin_try("192.0.2.1", start), 0s);
+  EXPECT_EQ(throttle.begin_try("192.0.2.1", start), 1s);
+  EXPECT_EQ(throttle.begin_try("192.0.2.2", start), 0s);
+  EXPECT_EQ(throttle.begin_try("192.0.2.1", start + 1s), 0s);
+  EXPECT_EQ(throttle.begin_try("192.0.2.1", start + 1s), 2s);
+  auto now = start + 1s;
+  for (int i = 0; i < 30; ++i) {
+    const auto wait = throttle.begin_try("192.0.2.1", now);
+    EXPECT_LE(wait, 900s);
+    now += wait;
+  }
+  EXPECT_GT(throttle.begin_try("192.0.2.1", now), 500s);
+  throttle.succeeded("192.0.2.1");
+  EXPECT_EQ(throttle.begin_try("192.0.2.1", now), 0s);
+  // A client has a whole IPv6 network, and it is one.
+  for (int i = 0; i < 5; ++i) throttle.begin_try("2001:db8:0:1::" + std::to_string(i), now + 1h);
+  EXPECT_GT(throttle.begin_try("2001:db8:0:1::99", now + 1h), 0s);
+}
+
+TEST(LoginThrottle, ManyAddressesAreSlowedDownTogetherAndTakeLittleRoom) {
+  web::LoginThrottle throttle;
+  auto now = web::LoginThrottle::Clock::now();
+  int tried = 0;
+  int at_once = 0;
+  while (tried < 1500) {
+    const std::string address = "10.0." + std::to_string(tried / 250) + "." + std::to_string(tried % 250);
+    const auto wait = throttle.begin_try(address, now);
+    ASSERT_LE(wait, 30s);
+    if (wait != 0s && at_once == 0) at_once = tried;
+    now += wait;
+    if (wait == 0s) ++tried;
+  }
+  EXPECT_EQ(at_once, 25);
+  EXPECT_LE(throttle.addresses(), web::LoginThrottle::max_addresses);
+}
+
+TEST(OriginCheck, OnlyOurOwnPagesAreLetIn) {
+  struct Case {
+    const char* listen;
+    const char* method;
+    const char* host;
+    const char* origin;
+    bool over_tls;
+    bool ours;
+  };
+  const Case cases[] = {{"127.0.0.1", "GET", "127.0.0.1:8025", "", false, true},
+                        {"127.0.0.1", "GET", "localhost:9000", "", false, true},
+                        {"127.0.0.1", "GET", "[::1]:8025", "", false, true},
+                        {"127.0.0.1", "GET", "LocalHost", "", false, true},
+                        {"127.0.0.1", "GET", "evil.example:8025", "", false, false},
+                        {"127.0.0.1", "GET", "192.0.2.1:8025", "", false, false},
+                        {"127.0.0.1", "GET", "", "", false, false},
+                        {"127.0.0.1", "GET", "127.0.0.1:8025.evil.example", "", false, false},
+                        {"127.0.0.1", "GET", "localhost:8025", "http://evil.example", false, false},
+                        {"127.0.0.1", "GET", "localhost:8025", "http://localhost:8025", false, true},
+                        {"127.0.0.1", "POST", "localhost:8025", "", false, false},
+                        {"127.0.0.1", "POST", "localhost:8025", "null", false, false},
+                        {"127.0.0.1", "POST", "localhost:8025", "http://localhost:8025", false, true},
+                        {"127.0.0.1", "POST", "localhost:8025", "http://localhost:8026", false, false},
+                        {"127.0.0.1", "POST", "localhost:8025", "https://localhost:8025", false, false},
+                        {"127.0.0.1", "POST", "localhost:8025", "https://localhost:8025", true, true},
+                        {"127.0.0.1", "POST", "localhost:8025", "http://localhost:8025", true, false},
+                        {"127.0.0.1", "POST", "console.example", "https://console.example", false, true},
+                        {"127.0.0.1", "POST", "CONSOLE.example", "https://console.EXAMPLE", false, true},
+                        {"127.0.0.1", "POST", "other.example", "https://other.example", false, false},
+                        {"192.0.2.7", "GET", "192.0.2.7:8025", "", false, true},
+                        {"192.0.2.7", "GET", "localhost:8025", "", false, false},
+                        {"0.0.0.0", "GET", "192.0.2.7:8025", "", false, true},
+                        {"::", "GET", "[2001:db8::1]:8025", "", false, true},
+                        {"0.0.0.0", "GET", "evil.example", "", false, false}};
+  for (const Case& tried : cases) {
+    web::Request request;
+    request.method = tried.method;
+    request.path = "/";
+    request.host = tried.host;
+    request.origin = tried.origin;
+    request.over_tls = tried.over_tls;
+    EXPECT_EQ(web::OriginCheck(tried.listen, {"console.example"}).is_ours(request), tried.ours)
+        << tried.listen << " " << tried.method << " " << tried.host << " " << tried.origin;
+  }
+  web::Request socket;
+  socket.method = "GET";
+  socket.path = "/ws";
+  socket.host = "localhost:8025";
+  EXPECT_FALSE(web::OriginCheck("127.0.0.1", {}).is_ours(socket));
+}
+
+class AccountsTest : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_GE(::sodium_init(), 0); }
+
+  static constexpr web::PasswordCost cheap{.operations = 1, .memory_bytes = 8192};
+
+  bool verify(web::Accounts& accounts, const std::string& account, const std::string& password) {
+    bool result = false;
+    EXPECT_TRUE(accounts.verify(account, password, [&](bool right) { result = right; }));
+    loop_.run_one();
+    return result;
+  }
+  web::Accounts::Creation create(web::Accounts& accounts, const std::string& account) {
+    auto result = web::Accounts::Creation::not_saved;
+    EXPECT_TRUE(accounts.create_first(account, "correct horse",
+                                      [&](web::Accounts::Creation creation) { result = creation; }));
+    loop_.run_one();
+    return result;
+  }
+
+  TemporaryFolder folder_;
+  std::filesystem::path file_ = folder_.path() / "accounts.json";
+  ManualLoop loop_;
+};
+
+TEST_F(AccountsTest, OutliveTheProgramWithoutThePassword) {
+  {
+    web::Accounts accounts(file_, loop_, cheap);
+    EXPECT_TRUE(accounts.empty());
+    EXPECT_FALSE(verify(accounts, "admin", "correct horse"));
+    EXPECT_EQ(create(accounts, "admin"), web::Accounts::Creation::created);
+    EXPECT_EQ(create(accounts, "second"), web::Accounts::Creation::exists_already);
+  }
+  web::Accounts accounts(file_, loop_, cheap);
+  EXPECT_TRUE(verify(accounts, "admin", "correct horse"));
+  EXPECT_FALSE(verify(accounts, "admin", "correct horsf"));
+  EXPECT_FALSE(verify(accounts, "second", "correct horse"));
+  std::ifstream stream(file_);
+  const std::string text{std::istreambuf_iterator<char>(stream), {}};
+  EXPECT_THAT(text, ::testing::HasSubstr("$argon2id$"));
+  EXPECT_THAT(text, ::testing::Not(::testing::HasSubstr("correct")));
+  EXPECT_EQ(std::filesystem::status(file_).permissions(), std::filesystem::perms(0600));
+}
+
+TEST_F(AccountsTest, AFileThatCannotBeUsedIsTold) {
+  {
+    web::Accounts accounts(folder_.path() / "missing" / "accounts.json", loop_, cheap);
+    EXPECT_EQ(create(accounts, "admin"), web::Accounts::Creation::not_saved);
+    EXPECT_TRUE(accounts.empty());
+  }
+  for (const char* text : {"", "{}", "[]", R"({"accounts": [{"name": 1, "password": "x"}]})"}) {
+    std::ofstream(file_) << text;
+    EXPECT_THROW(web::Accounts(file_, loop_, cheap), std::runtime_error) << text;
+  }
+}
+
+TEST_F(AccountsTest, NamesPasswordsAndSecretsAreChecked) {
+  EXPECT_TRUE(web::Accounts::is_acceptable_name("Jörg Müller"));
+  for (const std::string& name :
+       {std::string(), std::string(" a"), std::string("a\nb"), std::string(65, 'a')}) {
+    EXPECT_FALSE(web::Accounts::is_acceptable_name(name)) << name;
+  }
+  EXPECT_TRUE(web::Accounts::is_acceptable_password("äöüäöüäöüä"));
+  EXPECT_FALSE(web::Accounts::is_acceptable_password("äöüäöüäöü"));  // nine characters, eighteen bytes
+  EXPECT_FALSE(web::Accounts::is_acceptable_password(std::string(1025, 'a')));
+  web::SetupSecret secret;
+  EXPECT_FALSE(secret.is(""));
+  const std::string text = secret.make();
+  EXPECT_TRUE(secret.is(" " + text + "\n"));
+  EXPECT_FALSE(secret.is(text.substr(1)));
+  EXPECT_NE(text, secret.make());
+  EXPECT_FALSE(secret.is(text));
+}
+
+}  // namespace
+
+}  // namespace zrl::test
