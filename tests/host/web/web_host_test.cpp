@@ -282,18 +282,17 @@ TEST(WebHost, ABrowserThatDoesNotReadIsCutOff) {
   WebSocket lazy(lazy_client);
   lazy.until_done(lazy.open("allcontrols"));
   lazy.until_done(lazy.click("allcontrols", "fill"));
-  for (int i = 0; i < 5000; ++i) {
-    lazy.send(json::parse(R"({"type": "rows", "form": "allcontrols", "control": "List1", "request": 1,
-                              "start": 0, "count": 500, "filter": ""})"));
-  }
   WebClient other_client = host.sign_in();
   WebSocket other(other_client);
   other.until_done(other.open("handlers"));
-  int answered = 0;
-  while (lazy.receive()) ++answered;
-  EXPECT_LT(answered, 4000);
-  EXPECT_EQ(lazy.close_code(), 0);
-  other.until_done(other.click("handlers", "count"));
+  int asked = 0;
+  for (; asked < 100'000 && !lazy.broken; ++asked) {
+    lazy.send(json::parse(R"({"type": "rows", "form": "allcontrols", "control": "List1", "request": 1,
+                              "start": 0, "count": 500, "filter": ""})"));
+    if (asked % 500 == 0) other.until_done(other.click("handlers", "count"));
+  }
+  EXPECT_TRUE(lazy.broken);
+  EXPECT_GT(asked, 100);
   // It may come back.
   WebSocket again(lazy_client);
   EXPECT_EQ(again.receive("hello").at("open"), "allcontrols");
