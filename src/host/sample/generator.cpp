@@ -67,12 +67,13 @@ std::string Moment::header_date() const {
 std::vector<Moment> busy_moments(Generator& random, std::size_t count) {
   std::vector<std::uint32_t> seconds;
   while (seconds.size() < count) {
-    const auto second = static_cast<std::uint32_t>(random.below(30 * seconds_of_day));
+    const auto second = static_cast<std::uint32_t>(random.below(std::size_t{30} * seconds_of_day));
     const std::size_t percent = share_of_hour[second / 3600 % 24] * share_of_day[second / seconds_of_day % 7];
     if (random.chance(percent / 100)) seconds.push_back(second);
   }
   std::sort(seconds.begin(), seconds.end());
   std::vector<Moment> result;
+  result.reserve(count);
   for (const std::uint32_t second : seconds) result.emplace_back(second);
   return result;
 }

@@ -107,6 +107,7 @@ std::vector<Visit> chosen(const std::vector<Visit>& visits, const std::vector<st
   std::vector<std::size_t> places(begin, begin + static_cast<std::ptrdiff_t>(count));
   std::sort(places.begin(), places.end());
   std::vector<Visit> result;
+  result.reserve(count);
   for (const std::size_t place : places) result.push_back(visits[place]);
   return result;
 }

@@ -79,9 +79,9 @@ std::string loud_page(Draft& mail) {
   const string_view offer = mail.random.pick(offers);
   std::string page = join({"<html><head><title>", offer, "</title><style>body{background:url(http://img.",
                            site, "/b.png)}</style>\r\n<script>document.location='http://", site,
-                           "/'</script></head>\r\n<body bgcolor=#ffff00 onload=\"alert(1)\"><center>"
-                           "<table width=600 border=0><tr><td colspan=2><h1>",
-                           offer, "&nbsp;&#33;&#33;</h1></td></tr>\r\n"});
+                           "/'</script></head>\r\n<body bgcolor=#ffff00 onload=\"alert(1)\"><center>",
+                           "<table width=600 border=0><tr><td colspan=2><h1>", offer,
+                           "&nbsp;&#33;&#33;</h1></td></tr>\r\n"});
   for (std::size_t row = 3 + mail.random.below(6); row > 0; --row) {
     page +=
         join({"<tr><td><b>", mail.random.pick(offers), "</b></td><td>&euro;&nbsp;", mail.random.digits(90),

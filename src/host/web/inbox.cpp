@@ -23,9 +23,8 @@ std::optional<Incoming> Inbox::pop(Clock::time_point deadline) {
     const auto is_there = [this] { return !items_.empty(); };
     if (deadline == Clock::time_point::max()) {
       arrived_.wait(lock, is_there);
-    } else if (items_.empty() && deadline <= Clock::now()) {
-      return item;
-    } else if (!arrived_.wait_until(lock, deadline, is_there)) {
+    } else if (items_.empty() &&
+               (deadline <= Clock::now() || !arrived_.wait_until(lock, deadline, is_there))) {
       return item;
     }
     item = std::move(items_.front());

@@ -145,7 +145,7 @@ void Session::violated(std::uint64_t connection) {
 
 void Session::action_began() {
   post([](Session& self) {
-    self.busy_.emplace();
+    self.busy_ = Busy();
     const std::uint64_t action = ++self.action_;
     self.loop_.after(self.times_.busy_after, [weak = self.weak_from_this(), action] {
       const auto session = weak.lock();

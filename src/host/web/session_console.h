@@ -97,7 +97,7 @@ class SessionConsole : public Host {
   Level nested_level() const;
 
   // session_dispatch.cpp
-  void accept(Incoming item);
+  void accept(const Incoming& item);
   void greet(std::uint64_t connection);
   void accept_message(BrowserMessage message);
   void malformed(const Malformed& problem);

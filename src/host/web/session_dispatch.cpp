@@ -19,7 +19,7 @@ std::size_t size_of(const BrowserMessage& message) {
 
 }  // namespace
 
-void SessionConsole::accept(Incoming item) {
+void SessionConsole::accept(const Incoming& item) {
   switch (item.kind) {
     case Incoming::Kind::connected:
       greet(item.connection);

@@ -34,7 +34,7 @@ SessionTable::SessionTable(IoLoop& loop, const ConsoleSettings& settings, const 
 
 std::string SessionTable::begin(const std::string& account) {
   if (stopping_ || sessions_.size() + ending_.size() >= limits_.sessions) return {};
-  const std::string token = random_token();
+  std::string token = random_token();
   sessions_[digest(token)] = std::make_shared<Session>(
       loop_, settings_, limits_.times, account,
       Session::Callbacks{.ended = [this](Session& session) { forget(session); },

@@ -31,6 +31,7 @@ Timer* FormTimers::take_due(Clock::time_point now) {
     if (state.interval == 0 || state.ticking || state.due > now) continue;
     if (oldest == nullptr || state.due < oldest->due) oldest = &state;
   }
+  if (oldest == nullptr) return nullptr;
   oldest->ticking = true;
   return oldest->timer;
 }

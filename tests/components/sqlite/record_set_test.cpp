@@ -101,12 +101,16 @@ TEST_F(RecordSetTest, WalksInAnyOrder) {
                              "SELECT * FROM bodylog order by keyword",
                              "SELECT * FROM bodylog where mailfrom='3' order by ID desc",
                              "SELECT * FROM bodylog where mailfrom<>'3'",
-                             "SELECT * FROM bodylog order by ID>1500, ID*(ID<400)"};
+                             "SELECT * FROM bodylog order by ID>1500, -ID"};
   for (const Literal select : selects) {
     SCOPED_TRACE(select.text());
-    const std::string rows = "(" + std::string(select.text()) + ")";
-    const std::string expected = other.ask("SELECT group_concat(keyword, ' ') FROM " + rows);
-    EXPECT_EQ(walk(*open(select), "keyword"), expected + " ");
+    std::string seen;
+    for (const auto set = open(select); !set->at_end(); set->move_next()) {
+      for (const char* column : {"ID", "IPNumber", "mailfrom", "mailto", "keyword", "servertime"}) {
+        seen.append(seen.empty() ? "" : "|").append(set->is_null(column) ? "NULL" : set->text(column));
+      }
+    }
+    EXPECT_EQ(seen, other.ask(std::string(select.text())));
   }
 }
 
