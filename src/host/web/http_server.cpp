@@ -372,7 +372,10 @@ class HttpServer::Implementation {
       co_await http::async_read(stream, buffer, parser, asio::redirect_error(use_awaitable, failure));
       if (failure) {
         const int status = status_of(failure);
-        if (status != 0) co_await write(stream, Response{.status = status}, 11, false);
+        if (status == 0) co_return;
+        // Not a temporary in the call: the compiler copies such aggregates bit by bit.
+        const Response refusal{.status = status};
+        co_await write(stream, refusal, 11, false);
         co_return;
       }
       const Parser::value_type& message = parser.get();

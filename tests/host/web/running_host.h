@@ -23,6 +23,7 @@ class RunningHost {
     thread_ = std::thread([this] { host_.run(); });
   }
   ~RunningHost() {
+    if (!thread_.joinable()) return;
     host_.stop();
     thread_.join();
   }
@@ -44,6 +45,8 @@ class RunningHost {
 
   const std::filesystem::path& folder() const { return folder_.path(); }
   void stop() { host_.stop(); }
+  // After stop(): returns when all sessions have ended.
+  void join() { thread_.join(); }
 
   std::string secret;
 

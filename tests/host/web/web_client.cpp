@@ -75,12 +75,13 @@ TcpConnection::~TcpConnection() {
   if (socket_ >= 0) ::close(socket_);
 }
 
-void TcpConnection::write(std::string_view bytes) {
+bool TcpConnection::write(std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    if (written <= 0) return;  // the server has closed; reading tells
+    if (written <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
+  return true;
 }
 
 std::string TcpConnection::read() {
@@ -139,7 +140,7 @@ void WebSocket::send_frame(int opcode, std::string_view payload) {
     for (int shift = 56; shift >= 0; shift -= 8) frame += static_cast<char>(payload.size() >> shift & 0xFF);
   }
   frame.append(4, '\0');  // a mask of zeros leaves the payload as it is
-  connection_.write(frame.append(payload));
+  broken = !connection_.write(frame.append(payload)) || broken;
 }
 
 bool WebSocket::fill(std::size_t bytes) {

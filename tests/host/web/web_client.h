@@ -28,7 +28,8 @@ class TcpConnection {
   TcpConnection& operator=(const TcpConnection&) = delete;
   ~TcpConnection();
 
-  void write(std::string_view bytes);
+  // False if the server has closed.
+  bool write(std::string_view bytes);
   // At least one byte; empty at the end of the stream.
   std::string read();
   int descriptor() const { return socket_; }
@@ -66,6 +67,7 @@ class WebSocket : public BrowserEnd {
   explicit WebSocket(WebClient& client);
 
   int status = 0;
+  bool broken = false;  // something could not be sent
 
   void send_frame(int opcode, std::string_view payload);
   // Reads until the server closes: its code, 0 without a close frame.

@@ -1,30 +1,334 @@
-#include <array>
+#include <chrono>
+#include <fstream>
+#include <thread>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/web/handler_page.h"
 #include "host/web/running_host.h"
-#include "support/all_controls_page.h"
 
+// The web host over real connections.
 namespace zrl::test {
 
 namespace {
 
-constexpr std::array<PageEntry, 1> pages = {
-    {{"allcontrols", "Test", "All controls", make_page<AllControlsPage>}}};
+using namespace std::chrono_literals;
+using ::testing::HasSubstr;
 
-TEST(WebHost, ShowsAPageAndTellsWhatChanges) {
-  RunningHost host({.pages = pages});
+json::object login(std::string_view password) {
+  return {{"account", "admin"}, {"password", password}};
+}
+
+std::string error_of(const HttpAnswer& answer) {
+  return std::string(answer.object().at("error").as_string());
+}
+
+web::WebHostOptions with_pages() {
+  return {.pages = test_pages()};
+}
+
+TEST(WebHost, SigningInAndOut) {
+  RunningHost host(with_pages());
+  WebClient client(host.port());
+  EXPECT_EQ(client.get("/api/state").object(),
+            json::parse(R"({"setup": true, "account": null, "language": "english", "product": "Mirvan",
+                            "version": "0.1.0"})"));
+  EXPECT_EQ(error_of(client.post("/api/login", login("correct horse"))), "wrong_password");
+  json::object setup{{"account", "admin"}, {"password", "correct horse"}, {"secret", "wrong"}};
+  EXPECT_EQ(error_of(client.post("/api/setup", setup)), "wrong_secret");
+  setup["secret"] = host.secret;
+  setup["password"] = "too short";
+  EXPECT_EQ(error_of(client.post("/api/setup", setup)), "weak_password");
+  setup["password"] = "correct horse";
+  const HttpAnswer answer = client.post("/api/setup", setup);
+  EXPECT_EQ(answer.status, 200);
+  EXPECT_EQ(answer.object(), json::parse(R"({"account": "admin"})"));
+  EXPECT_THAT(answer.headers.at("set-cookie"),
+              ::testing::MatchesRegex("zrl_session=[0-9a-f]{64}; Path=/; HttpOnly; SameSite=Strict"));
+  EXPECT_EQ(client.get("/api/state").object().at("account"), "admin");
+  EXPECT_EQ(error_of(client.post("/api/setup", setup)), "already_set_up");
+
+  WebClient other(host.port());
+  EXPECT_EQ(client.get("/api/state").object().at("setup"), false);
+  EXPECT_EQ(other.get("/api/state").object().at("account"), nullptr);
+  EXPECT_EQ(other.post("/api/logout", json::object()).status, 401);
+  EXPECT_EQ(WebSocket(other).status, 401);
+  EXPECT_EQ(error_of(other.post("/api/login", login("incorrect"))), "wrong_password");
+  EXPECT_EQ(other.post("/api/login", login("correct horse")).status, 200);
+  EXPECT_NE(other.cookie, client.cookie);
+
+  WebSocket socket(client);
+  socket.receive("hello");
+  const std::string old_cookie = client.cookie;
+  EXPECT_EQ(client.post("/api/logout", json::object()).status, 200);
+  EXPECT_EQ(socket.close_code(), 4002);
+  client.cookie = old_cookie;
+  EXPECT_EQ(WebSocket(client).status, 401);
+  EXPECT_EQ(other.get("/api/state").object().at("account"), "admin");
+}
+
+TEST(WebHost, GuessingIsSlowedDown) {
+  RunningHost host(with_pages());
+  host.sign_in();
+  WebClient client(host.port());
+  HttpAnswer answer;
+  int tries = 0;
+  do {
+    answer = client.post("/api/login", login("guess number " + std::to_string(++tries)));
+  } while (answer.status == 401);
+  EXPECT_EQ(tries, 6);
+  EXPECT_EQ(answer.status, 429);
+  EXPECT_EQ(error_of(answer), "too_many_tries");
+  EXPECT_EQ(answer.object().at("retryAfter"), 1);
+  EXPECT_EQ(client.post("/api/login", login(RunningHost::password)).status, 429);
+}
+
+TEST(WebHost, RequestsThatAreNotOursAreRefused) {
+  RunningHost host(with_pages());
+  WebClient client = host.sign_in();
+  const std::string own = "Host: " + client.host() + "\r\n";
+  const std::string origin = "Origin: http://" + client.host() + "\r\n";
+  const std::string cookie = "Cookie: zrl_session=" + client.cookie + "\r\n";
+  const std::string upgrade =
+      "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+      "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n";
+  const std::string body = "Content-Type: application/json\r\nContent-Length: 2\r\n\r\n{}";
+  struct Case {
+    std::string request;
+    int status;
+  };
+  const Case cases[] = {
+      {"GET / HTTP/1.1\r\nHost: evil.example\r\n\r\n", 403},
+      {"GET / HTTP/1.1\r\n\r\n", 403},
+      {"GET /api/state HTTP/1.1\r\n" + own + "Origin: http://evil.example\r\n\r\n", 403},
+      {"GET / HTTP/1.1\r\n" + own + "\r\n", 200},
+      {"POST /api/logout HTTP/1.1\r\n" + own + cookie + body, 403},
+      {"POST /api/logout HTTP/1.1\r\n" + own + "Origin: https://" + client.host() + "\r\n" + cookie + body,
+       403},
+      {"GET /ws HTTP/1.1\r\n" + own + cookie + upgrade + "\r\n", 403},
+      {"GET /ws HTTP/1.1\r\n" + own + "Origin: http://evil.example\r\n" + cookie + upgrade + "\r\n", 403},
+      {"GET /ws HTTP/1.1\r\nHost: evil.example\r\nOrigin: http://evil.example\r\n" + cookie + upgrade +
+           "\r\n",
+       403},
+      {"GET /ws HTTP/1.1\r\n" + own + origin + cookie + upgrade + "\r\n", 101},
+      {"GET /other HTTP/1.1\r\n" + own + origin + cookie + upgrade + "\r\n", 404},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin +
+           "Content-Type: text/plain\r\nContent-Length: 2\r\n\r\n{}",
+       400},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin + body, 400},
+      {"POST /api/nothing HTTP/1.1\r\n" + own + origin + body, 404},
+      {"PUT / HTTP/1.1\r\n" + own + origin + body, 405},
+      {"GET /../accounts.json HTTP/1.1\r\n" + own + "\r\n", 404},
+      {"nonsense\r\n\r\n", 400},
+      {"GET / HTTP/1.1\r\n" + own + "X: " + std::string(20'000, 'x') + "\r\n\r\n", 431},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin + "Content-Length: 70000\r\n\r\n", 413},
+  };
+  for (const Case& tried : cases) {
+    HttpAnswer answer = client.raw(tried.request);
+    EXPECT_EQ(answer.status, tried.status) << tried.request.substr(0, 200);
+    if (answer.status != 101) {
+      EXPECT_THAT(answer.headers["content-security-policy"],
+                  "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
+                  "font-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; "
+                  "frame-ancestors 'none'");
+      EXPECT_EQ(answer.headers["x-content-type-options"], "nosniff");
+      EXPECT_EQ(answer.headers["cache-control"], "no-store");
+    }
+  }
+  EXPECT_EQ(client.get("/api/state").object().at("account"), "admin");
+}
+
+TEST(WebHost, TheFrontEndIsBuiltIn) {
+  RunningHost host(with_pages());
+  WebClient client(host.port());
+  const HttpAnswer plain = client.get("/");
+  EXPECT_EQ(plain.status, 200);
+  EXPECT_EQ(plain.headers.at("content-type"), "text/html; charset=utf-8");
+  EXPECT_THAT(plain.body, ::testing::StartsWith("<!"));
+  EXPECT_EQ(client.get("/index.html?x=1").body, plain.body);
+  const HttpAnswer zipped = client.get("/", "Accept-Encoding: gzip, br\r\n");
+  EXPECT_EQ(zipped.headers.at("content-encoding"), "gzip");
+  EXPECT_LT(zipped.body.size(), plain.body.size());
+}
+
+TEST(WebHost, RulesOfTheWebSocket) {
+  RunningHost host(with_pages());
+  WebClient client = host.sign_in();
+  {
+    WebSocket socket(client);
+    socket.send_frame(2, "binary");
+    EXPECT_EQ(socket.close_code(), 1003);
+  }
+  {
+    WebSocket socket(client);
+    socket.send_frame(1, std::string((1 << 20) + 1, 'x'));
+    EXPECT_EQ(socket.close_code(), 1009);
+  }
+  {
+    WebSocket socket(client);
+    socket.receive("hello");
+    for (int i = 0; i < 20; ++i) socket.send_text("malformed");
+    EXPECT_EQ(socket.close_code(), 1008);
+    EXPECT_EQ(socket.errors.size(), 20u);
+  }
+  WebSocket socket(client);
+  socket.until_done(socket.open("handlers"));
+}
+
+TEST(WebHost, ANewWebSocketTakesThePlaceOfTheOldOne) {
+  RunningHost host(with_pages());
+  WebClient client = host.sign_in();
+  WebSocket first(client);
+  first.until_done(first.open("handlers"));
+  first.until_done(first.event("handlers", "shouted", "text", {{"text", "kept"}}));
+  WebSocket second(client);
+  EXPECT_EQ(second.receive("hello").at("open"), "handlers");
+  second.receive("form");
+  EXPECT_EQ(second.held("handlers", "shouted", "text"), "KEPT");
+  EXPECT_EQ(first.close_code(), 4001);
+  second.until_done(second.click("handlers", "count"));
+}
+
+TEST(WebHost, ALostPageIsKeptForAWhile) {
+  web::WebHostOptions options = with_pages();
+  options.session_limits.times.lost = 500ms;
+  options.session_limits.sweep = 20ms;
+  RunningHost host(std::move(options));
+  WebClient client = host.sign_in();
+  {
+    WebSocket socket(client);
+    socket.until_done(socket.open("handlers"));
+  }
+  {
+    WebSocket socket(client);
+    EXPECT_EQ(socket.receive("hello").at("open"), "handlers");
+  }
+  EXPECT_FALSE(std::filesystem::exists(host.folder() / "handlers-left"));
+  while (!std::filesystem::exists(host.folder() / "handlers-left")) std::this_thread::sleep_for(10ms);
+  EXPECT_EQ(WebSocket(client).status, 401);
+}
+
+TEST(WebHost, IdleAndOldSessionsEnd) {
+  for (const bool idle : {true, false}) {
+    web::WebHostOptions options = with_pages();
+    (idle ? options.session_limits.times.idle : options.session_limits.times.longest) = 600ms;
+    options.session_limits.sweep = 20ms;
+    RunningHost host(std::move(options));
+    WebClient client = host.sign_in();
+    WebSocket socket(client);
+    socket.receive("hello");
+    const auto begin = std::chrono::steady_clock::now();
+    // Messages keep a session from being idle, but not from growing old.
+    std::uint64_t sent = 0;
+    while (std::chrono::steady_clock::now() - begin < (idle ? 1000ms : 400ms)) {
+      sent = socket.open("boxed");
+      std::this_thread::sleep_for(50ms);
+    }
+    EXPECT_GT(sent, 0u);
+    EXPECT_EQ(client.get("/api/state").object().at("account"), "admin");
+    EXPECT_EQ(socket.close_code(), 4002);
+    EXPECT_EQ(client.get("/api/state").object().at("account"), nullptr);
+  }
+}
+
+TEST(WebHost, SessionsAreCounted) {
+  web::WebHostOptions options = with_pages();
+  options.session_limits.sessions = 2;
+  RunningHost host(std::move(options));
+  WebClient first = host.sign_in();
+  WebClient second = host.sign_in();
+  WebClient third(host.port());
+  EXPECT_EQ(error_of(third.post("/api/login", login(RunningHost::password))), "too_many_sessions");
+  // Signing in again in the same browser ends the session that it had.
+  EXPECT_EQ(second.post("/api/login", login(RunningHost::password)).status, 200);
+  first.post("/api/logout", json::object());
+  EXPECT_EQ(third.post("/api/login", login(RunningHost::password)).status, 200);
+}
+
+TEST(WebHost, ABlockedSessionStopsNoOther) {
+  RunningHost host(with_pages());
+  WebClient blocked_client = host.sign_in();
+  WebSocket blocked(blocked_client);
+  blocked.until_done(blocked.open("handlers"));
+  const std::uint64_t seq = blocked.click("handlers", "block");
+  json::object busy = blocked.receive("busy");
+  EXPECT_EQ(busy.at("on"), true);
+  // More events than may wait: the rest is not even read.
+  std::uint64_t last = 0;
+  for (int i = 0; i < 600; ++i) last = blocked.click("handlers", "count");
+
+  std::vector<WebClient> clients;
+  std::vector<std::unique_ptr<WebSocket>> sockets;
+  for (int i = 0; i < 10; ++i) {
+    clients.push_back(host.sign_in());
+    sockets.push_back(std::make_unique<WebSocket>(clients.back()));
+  }
+  for (const auto& socket : sockets) socket->until_done(socket->open("handlers"));
+  for (const auto& socket : sockets) socket->until_done(socket->click("handlers", "count"));
+  for (const auto& socket : sockets) EXPECT_EQ(socket->held("handlers", "clicks", "caption"), "1");
+
+  std::ofstream(host.folder() / "go") << "go";
+  blocked.until_done(seq);
+  blocked.until_done(last);
+  EXPECT_EQ(blocked.held("handlers", "clicks", "caption"), "600");
+}
+
+TEST(WebHost, ABrowserThatDoesNotReadIsCutOff) {
+  web::WebHostOptions options = with_pages();
+  options.server_limits.send_queue_bytes = 1 << 20;
+  RunningHost host(std::move(options));
+  WebClient lazy_client = host.sign_in();
+  WebSocket lazy(lazy_client);
+  lazy.until_done(lazy.open("allcontrols"));
+  lazy.until_done(lazy.click("allcontrols", "fill"));
+  WebClient other_client = host.sign_in();
+  WebSocket other(other_client);
+  other.until_done(other.open("handlers"));
+  int asked = 0;
+  for (; asked < 100'000 && !lazy.broken; ++asked) {
+    lazy.send(json::parse(R"({"type": "rows", "form": "allcontrols", "control": "List1", "request": 1,
+                              "start": 0, "count": 500, "filter": ""})"));
+    if (asked % 500 == 0) other.until_done(other.click("handlers", "count"));
+  }
+  EXPECT_TRUE(lazy.broken);
+  EXPECT_GT(asked, 100);
+  // It may come back.
+  WebSocket again(lazy_client);
+  EXPECT_EQ(again.receive("hello").at("open"), "allcontrols");
+}
+
+TEST(WebHost, AnAddressHasOnlySoManyConnections) {
+  web::WebHostOptions options = with_pages();
+  options.server_limits.connections_an_address = 3;
+  options.server_limits.request = 300ms;
+  RunningHost host(std::move(options));
+  std::vector<TcpConnection> connections;
+  for (int i = 0; i < 3; ++i) connections.emplace_back(host.port());
+  connections[0].write("GET / HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+  EXPECT_THAT(connections[0].read(), HasSubstr("200 OK"));
+  TcpConnection refused(host.port());
+  EXPECT_EQ(refused.read(), "");
+  // Who sends a request by the byte is not waited for.
+  connections[1].write("GET / HT");
+  EXPECT_EQ(connections[1].read(), "");
+  EXPECT_EQ(connections[2].read(), "");
+  WebClient client(host.port());
+  EXPECT_EQ(client.get("/").status, 200);
+}
+
+TEST(WebHost, StoppingEndsWhatRuns) {
+  RunningHost host(with_pages());
   WebClient client = host.sign_in();
   WebSocket socket(client);
-  ASSERT_EQ(socket.status, 101);
-  const json::object hello = socket.receive("hello");
-  EXPECT_EQ(hello.at("account"), "admin");
-  EXPECT_EQ(hello.at("open"), nullptr);
-  socket.until_done(socket.open("allcontrols"));
-  EXPECT_EQ(socket.forms.at("allcontrols").at("Check1").at("value"), 1);
-  socket.until_done(socket.event("allcontrols", "Text1", "text", {{"text", "hello"}}));
-  EXPECT_EQ(socket.forms.at("allcontrols").at("echo").at("caption"), "You typed: hello");
-  EXPECT_EQ(socket.forms.at("allcontrols").at("Text1").at("text"), "");
+  socket.until_done(socket.open("handlers"));
+  socket.click("handlers", "pump");
+  while (socket.held("handlers", "state", "caption") != "1 pumping") socket.receive("change");
+  host.stop();
+  EXPECT_EQ(socket.close_code(), 1001);
+  EXPECT_THROW(TcpConnection(host.port()), std::runtime_error);
+  host.join();
+  EXPECT_TRUE(std::filesystem::exists(host.folder() / "handlers-left"));
 }
 
 }  // namespace
