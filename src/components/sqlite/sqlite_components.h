@@ -27,7 +27,7 @@ struct SqliteOptions {
 // imported, deleted or exported.
 //
 // The component, its connections and their record sets belong to one thread.
-std::shared_ptr<Database> make_sqlite_database(std::filesystem::path folder,
+std::shared_ptr<Database> make_sqlite_database(const std::filesystem::path& folder,
                                                std::function<std::string()> provider,
                                                std::function<void(const Progress&)> report = {},
                                                SqliteOptions options = {});
@@ -53,6 +53,7 @@ class RegistryStore {
   virtual std::vector<Value> list() = 0;
 };
 
-std::shared_ptr<RegistryStore> make_registry_store(std::filesystem::path folder, SqliteOptions options = {});
+std::shared_ptr<RegistryStore> make_registry_store(const std::filesystem::path& folder,
+                                                   SqliteOptions options = {});
 
 }  // namespace zrl

@@ -104,18 +104,18 @@ void add_word(Literal table, std::string_view word, const ConnectionHandle& conn
 
 }  // namespace
 
-SqliteDatabase::SqliteDatabase(std::filesystem::path folder, std::function<std::string()> provider,
+SqliteDatabase::SqliteDatabase(const std::filesystem::path& folder, std::function<std::string()> provider,
                                std::function<void(const Progress&)> report, SqliteOptions options)
     : folder_(std::filesystem::absolute(folder)),
       provider_(std::move(provider)),
       report_(std::move(report)),
       options_(options) {}
 
-std::shared_ptr<Database> make_sqlite_database(std::filesystem::path folder,
+std::shared_ptr<Database> make_sqlite_database(const std::filesystem::path& folder,
                                                std::function<std::string()> provider,
                                                std::function<void(const Progress&)> report,
                                                SqliteOptions options) {
-  return std::make_shared<SqliteDatabase>(std::move(folder), std::move(provider), std::move(report), options);
+  return std::make_shared<SqliteDatabase>(folder, std::move(provider), std::move(report), options);
 }
 
 ConnectionHandle SqliteDatabase::open_database(std::string_view provider) {

@@ -14,7 +14,7 @@ namespace zrl {
 
 class SqliteDatabase : public Database {
  public:
-  SqliteDatabase(std::filesystem::path folder, std::function<std::string()> provider,
+  SqliteDatabase(const std::filesystem::path& folder, std::function<std::string()> provider,
                  std::function<void(const Progress&)> report, SqliteOptions options);
 
   ConnectionHandle open_database(std::string_view provider) override;

@@ -121,7 +121,8 @@ std::shared_ptr<Registry> SqliteRegistryStore::registry() {
 
 }  // namespace
 
-std::shared_ptr<RegistryStore> make_registry_store(std::filesystem::path folder, SqliteOptions options) {
+std::shared_ptr<RegistryStore> make_registry_store(const std::filesystem::path& folder,
+                                                   SqliteOptions options) {
   return std::make_shared<SqliteRegistryStore>(folder, options);
 }
 
