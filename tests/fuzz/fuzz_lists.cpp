@@ -1,12 +1,12 @@
 // List files: whatever is in one, an entry is trimmed, not empty, valid UTF-8, one line, and of bounded
 // length; and the file reads the same twice.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <vector>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include "components/sqlite/list_reader.h"
 #include "core/error.h"
