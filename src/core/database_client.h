@@ -50,6 +50,17 @@ class DatabaseClient {
                                          Literal order);
   std::optional<std::int64_t> count_value(const Statement& select);
   std::unique_ptr<RecordSet> open(const Statement& select, Connection::Access access);
+  // The same for statements and conditions that are one literal.
+  std::optional<StringList> rows(Literal table, Literal column, Literal condition) {
+    return rows(table, column, Statement(condition));
+  }
+  std::optional<StringList> ordered_rows(Literal table, Literal column, Literal condition, Literal order) {
+    return ordered_rows(table, column, Statement(condition), order);
+  }
+  std::optional<std::int64_t> count_value(Literal select) { return count_value(Statement(select)); }
+  std::unique_ptr<RecordSet> open(Literal select, Connection::Access access) {
+    return open(Statement(select), access);
+  }
 
   // List operations of the component.
   using ListOperation = void (Database::*)(std::string_view, ConnectionHandle&);
