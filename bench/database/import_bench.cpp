@@ -16,13 +16,13 @@ namespace zrl::bench {
 
 namespace {
 
-constexpr int lines = 1000000;
+constexpr long lines = 1000000;
 
 enum class Journal { write_ahead, roll_back };
 
 std::filesystem::path file_of(unsigned seed) {
-  const std::filesystem::path path = folder() / ("lines" + std::to_string(seed) + ".txt");
-  if (!std::filesystem::exists(path)) write_lines(path, host_names(lines, seed));
+  std::filesystem::path path = folder() / ("lines" + std::to_string(seed) + ".txt");
+  if (!std::filesystem::exists(path)) write_lines(path, host_names(static_cast<int>(lines), seed));
   return path;
 }
 
@@ -50,7 +50,7 @@ std::filesystem::path original(bool full) {
 }
 
 std::filesystem::path copy(bool full, Journal journal) {
-  const std::filesystem::path path = folder() / "import.db";
+  std::filesystem::path path = folder() / "import.db";
   for (const char* ending : {"", "-wal", "-shm", "-journal"}) std::filesystem::remove(path.string() + ending);
   std::filesystem::copy_file(original(full), path);
   if (journal == Journal::roll_back)
@@ -101,20 +101,20 @@ double shell(bool full, unsigned seed, Journal journal) {
 }  // namespace
 
 void add_imports(Suite& suite) {
-  const struct {
+  struct Case {
     const char* name;
     bool full;
     unsigned seed;
     long rows;
-  } cases[] = {{"into an empty table", false, 3, lines},
-               {"into a table of 1,000,000 others", true, 4, 2 * lines},
-               {"into a table that holds them all", true, 3, lines}};
-  for (const auto& [name, full, seed, rows] : cases) {
+  };
+  for (const Case& each : {Case{"into an empty table", false, 3, lines},
+                           Case{"into a table of 1,000,000 others", true, 4, 2 * lines},
+                           Case{"into a table that holds them all", true, 3, lines}}) {
     for (const Journal journal : {Journal::write_ahead, Journal::roll_back}) {
       const char* mode = journal == Journal::write_ahead ? "; write-ahead" : "; roll-back";
-      suite.add(Comparison{std::string("1,000,000 lines ") + name + mode, 1.0,
-                           [=] { return ours(full, seed, rows); },
-                           [=] { return shell(full, seed, journal); }});
+      suite.add(Comparison{std::string("1,000,000 lines ") + each.name + mode, 1.0,
+                           [each] { return ours(each.full, each.seed, each.rows); },
+                           [each, journal] { return shell(each.full, each.seed, journal); }});
     }
   }
 }

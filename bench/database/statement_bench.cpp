@@ -9,7 +9,7 @@ namespace zrl::bench {
 
 namespace {
 
-constexpr int pairs = 50000;
+constexpr unsigned pairs = 50000;
 
 class Client : public DatabaseClient {
  public:
@@ -23,7 +23,7 @@ void make_empty(const std::string& name) {
 }
 
 const std::vector<std::string>& senders() {
-  static const std::vector<std::string> made = host_names(pairs, 2);
+  static const std::vector<std::string> made = host_names(static_cast<int>(pairs), 2);
   return made;
 }
 
@@ -43,7 +43,8 @@ double ours() {
     }
     console.end_action();
   });
-  if (console.activity().failures() != 0 || console.activity().total() != 2 * pairs) std::abort();
+  if (console.activity().failures() != 0 || console.activity().total() != std::uint64_t{2} * pairs)
+    std::abort();
   return seconds;
 }
 

@@ -132,6 +132,9 @@ bool SqliteRecordSet::open_keys(const Statement& select, Connection::Access acce
     if (!parts) throw Error(SQLITE_ERROR, "the statement selects no whole rows of one table");
     std::string keys = "SELECT rowid FROM ";
     keys.append(parts->table).append(" ").append(parts->rest);
+    // Left to itself the engine would take the keys from whichever index is smallest.
+    const std::string rest = lower(parts->rest);
+    if (rest.find("order by") == rest.npos && rest.find("limit") == rest.npos) keys += " ORDER BY rowid";
     const Loan rows = session_->statements.prepare(keys, select);
     while (rows->step()) {
       if (rows->is_null(0)) throw Error(SQLITE_ERROR, "the rows have no keys");

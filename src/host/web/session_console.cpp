@@ -82,7 +82,7 @@ bool SessionConsole::step(Level level, Clock::time_point deadline) {
   std::optional<Incoming> item = inbox_.pop(ticked_last_ ? std::min(deadline, Clock::now()) : deadline);
   ticked_last_ = false;
   if (!item) return false;
-  accept(std::move(*item));
+  accept(*item);
   return true;
 }
 
