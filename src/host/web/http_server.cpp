@@ -274,7 +274,7 @@ class HttpServer::Implementation {
  public:
   explicit Implementation(const ServerOptions& options)
       : options_(options), admissions_(std::make_shared<Admissions>(options_.limits)), acceptor_(io_) {
-    if (!options_.certificate.empty()) load_certificate();
+    if (!options_.certificate.empty() || !options_.key.empty()) load_certificate();
     listen();
   }
 

@@ -47,7 +47,7 @@ OriginCheck::OriginCheck(const std::string& listen_address, const std::vector<st
     std::array<char, 256> name{};
     if (::gethostname(name.data(), name.size() - 1) == 0) hosts_.insert(lower(name.data()));
   }
-  for (const std::string& name : told) told_.insert(lower(name));
+  for (const std::string& name : told) told_.insert(name_in(name));
 }
 
 bool OriginCheck::is_ours(const Request& request) const {

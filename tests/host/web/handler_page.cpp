@@ -75,7 +75,7 @@ HandlerPage::HandlerPage(Console& console) : Page(console, "handlers", "Handlers
   write_many.on_click = [this] {
     for (int i = 0; i < 1200; ++i) component_step("write " + std::to_string(i), [] {});
   };
-  read.on_click = [this, &console] {
+  read.on_click = [&console] {
     console.attempt(ActivityRecord::Kind::sql, "a read", Console::Step::read,
                     [] { throw std::runtime_error("it failed"); });
   };

@@ -96,8 +96,10 @@ TEST(Tls, AnUnusableCertificateIsTold) {
   make_certificate(options.certificate, options.key);
   std::ofstream(options.key) << "no key";
   EXPECT_THROW(RunningHost{options}, std::runtime_error);
-  // Nor is a key that belongs to another certificate.
+  // Nor is one of the two alone, or a key that belongs to another certificate.
   make_certificate(folder.path() / "other.pem", options.key);
+  EXPECT_THROW(RunningHost{options}, std::runtime_error);
+  options.certificate.clear();
   EXPECT_THROW(RunningHost{options}, std::runtime_error);
 }
 

@@ -170,7 +170,7 @@ TEST(OriginCheck, OnlyOurOwnPagesAreLetIn) {
     request.host = tried.host;
     request.origin = tried.origin;
     request.over_tls = tried.over_tls;
-    EXPECT_EQ(web::OriginCheck(tried.listen, {"console.example"}).is_ours(request), tried.ours)
+    EXPECT_EQ(web::OriginCheck(tried.listen, {"Console.example:443"}).is_ours(request), tried.ours)
         << tried.listen << " " << tried.method << " " << tried.host << " " << tried.origin;
   }
   web::Request socket;
