@@ -8,6 +8,10 @@ if(ZRL_SANITIZE)
   target_link_options(zrl_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(ZRL_FUZZ)
+  target_compile_options(zrl_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # zrl_precompile(TARGET HEADER...) precompiles the headers that most files of a target include.
 # ccache needs to be told to look through them (script/build sets CCACHE_SLOPPINESS).
 function(zrl_precompile target)
