@@ -19,7 +19,8 @@ namespace {
 
 class File {
  public:
-  File(const std::filesystem::path& path, int flags) : path_(path), fd_(::open(path.c_str(), flags, 0644)) {
+  File(const std::filesystem::path& path, int flags, unsigned mode = 0)
+      : path_(path), fd_(::open(path.c_str(), flags, mode)) {
     if (fd_ < 0) fail(path_, errno);
   }
   File(const File&) = delete;
@@ -54,6 +55,14 @@ class File {
   int fd_;
 };
 
+// A new name is on the disk when its folder is. Not every file system can do that.
+void flush_folder(const std::filesystem::path& folder) {
+  const int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return;
+  ::fsync(fd);
+  ::close(fd);
+}
+
 }  // namespace
 
 std::filesystem::path to_file_path(std::string_view product_path) {
@@ -68,11 +77,12 @@ std::string to_product_path(const std::filesystem::path& path) {
   return result;
 }
 
-void replace_file(const std::filesystem::path& path, std::string_view content) {
+void replace_file(const std::filesystem::path& path, std::string_view content, unsigned mode) {
   std::filesystem::path temporary = path;
   temporary += ".new" + std::to_string(::getpid());
+  ::unlink(temporary.c_str());  // of a process that died
   try {
-    File file(temporary, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC);
+    File file(temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     file.write(content);
     file.flush();
     if (std::rename(temporary.c_str(), path.c_str()) != 0) fail(path, errno);
@@ -80,6 +90,7 @@ void replace_file(const std::filesystem::path& path, std::string_view content) {
     ::unlink(temporary.c_str());
     throw;
   }
+  flush_folder(path.parent_path());
 }
 
 std::string read_file(const std::filesystem::path& path, std::size_t limit) {

@@ -1,6 +1,7 @@
 #include "host/command/serve_command.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <thread>
@@ -61,13 +62,15 @@ int serve(const ServeOptions& options, std::span<const PageEntry> pages) {
   host_options.start_program = zrl::start_program;
   web::WebHost host(std::move(host_options));
   announce(host);
-  std::thread stopper([&] {
+  // Stopping waits for actions that are under way; a second signal does not.
+  std::thread([&host, signals] {
     int signal = 0;
     sigwait(&signals, &signal);
     host.stop();
-  });
+    sigwait(&signals, &signal);
+    std::_Exit(failure);
+  }).detach();
   host.run();
-  stopper.join();
   return success;
 }
 

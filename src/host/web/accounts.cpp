@@ -6,10 +6,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include <fcntl.h>
 #include <sodium.h>
-#include <unistd.h>
 
+#include "core/paths.h"
 #include "core/text.h"
 
 namespace zrl::web {
@@ -36,27 +35,6 @@ std::string hash_of(std::string_view password, const PasswordCost& cost) {
 
 void forget(std::string& password) {
   ::sodium_memzero(password.data(), password.size());
-}
-
-// So that the file is there whole or not at all, and never readable by others.
-bool write_whole(const fs::path& file, std::string_view text) {
-  const fs::path temporary = file.string() + ".new";
-  ::unlink(temporary.c_str());
-  const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-  if (fd < 0) return false;
-  const bool written =
-      ::write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size()) && ::fsync(fd) == 0;
-  const bool closed = ::close(fd) == 0;
-  if (!written || !closed || ::rename(temporary.c_str(), file.c_str()) != 0) {
-    ::unlink(temporary.c_str());
-    return false;
-  }
-  const int folder = ::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (folder >= 0) {
-    ::fsync(folder);
-    ::close(folder);
-  }
-  return true;
 }
 
 std::string digest(std::string_view text) {
@@ -170,7 +148,7 @@ bool Accounts::create_first(const std::string& account, std::string password,
           hash = hash_of(password, cost_);
           const json::value text =
               json::object{{"accounts", json::array{json::object{{"name", account}, {"password", hash}}}}};
-          if (!write_whole(file_, json::serialize(text) + "\n")) hash.clear();
+          replace_file(file_, json::serialize(text) + "\n", 0600);
         } catch (const std::exception&) {
           hash.clear();
         }
