@@ -20,7 +20,7 @@ constexpr std::string_view english = "english";
 
 std::string Localisation::current_language() {
   if (!language_.empty()) return language_;
-  std::string found = translator_ ? translator_->defaultlanguage() : std::string();
+  std::string found = translators_language();
   if (found.empty()) {
     const std::filesystem::path path = console_.folder() / "language";
     std::error_code failure;
@@ -40,7 +40,7 @@ std::string Localisation::translate(std::string_view text, std::string_view lang
   if (!language.empty()) {
     language_ = language;
     tell_translator();
-    const std::string accepted = translator_ ? translator_->defaultlanguage() : std::string();
+    const std::string accepted = translators_language();
     if (!accepted.empty()) language_ = accepted;
   }
   if (!loaded_) create_translator();
@@ -78,7 +78,17 @@ bool Localisation::answers() {
 }
 
 void Localisation::tell_translator() {
-  if (translator_) translator_->set_defaultlanguage(language_);
+  if (!translator_) return;
+  console_.attempt(Kind::component, "defaultlanguage", Step::read,
+                   [&] { translator_->set_defaultlanguage(language_); });
+}
+
+std::string Localisation::translators_language() {
+  std::string result;
+  if (!translator_) return result;
+  console_.attempt(Kind::component, "defaultlanguage", Step::read,
+                   [&] { result = translator_->defaultlanguage(); });
+  return result;
 }
 
 }  // namespace zrl

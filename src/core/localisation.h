@@ -32,6 +32,7 @@ class Localisation {
  private:
   bool answers();
   void tell_translator();
+  std::string translators_language();
 
   Console& console_;
   std::string language_;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <unistd.h>
 
@@ -12,6 +13,39 @@
 #include "core/text.h"
 
 namespace zrl {
+
+namespace {
+
+// What the program finds when it starts: an empty input, none of our files and sockets, its folder,
+// and signals as any program expects them.
+struct Surroundings {
+  explicit Surroundings(const ProgramStart& program) {
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
+    if (!program.folder.empty()) {
+      posix_spawn_file_actions_addchdir_np(&actions, to_file_path(program.folder).c_str());
+    }
+    sigset_t signals;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    sigemptyset(&signals);
+    posix_spawnattr_setsigmask(&attributes, &signals);
+    sigfillset(&signals);
+    posix_spawnattr_setsigdefault(&attributes, &signals);
+  }
+  Surroundings(const Surroundings&) = delete;
+  Surroundings& operator=(const Surroundings&) = delete;
+  ~Surroundings() {
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+  }
+
+  posix_spawn_file_actions_t actions;
+  posix_spawnattr_t attributes;
+};
+
+}  // namespace
 
 std::vector<std::string> words_of(std::string_view command_line) {
   std::vector<std::string> words;
@@ -49,15 +83,10 @@ void start_program(const ProgramStart& program) {
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
 
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  if (!program.folder.empty()) {
-    posix_spawn_file_actions_addchdir_np(&actions, to_file_path(program.folder).c_str());
-  }
+  const Surroundings surroundings(program);
   pid_t child = 0;
-  const int failure = posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
+  const int failure = posix_spawnp(&child, arguments[0], &surroundings.actions, &surroundings.attributes,
+                                   arguments.data(), environ);
   if (failure != 0) throw Error(failure, words[0] + ": " + std::strerror(failure));
 }
 
