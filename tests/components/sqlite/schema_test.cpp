@@ -1,6 +1,10 @@
+#include "components/sqlite/schema.h"
+
 #include <sys/stat.h>
 
 #include "components/sqlite/database_fixture.h"
+#include "core/paths.h"
+#include "core/text.h"
 
 namespace zrl::test {
 namespace {
@@ -10,6 +14,13 @@ using ::testing::Not;
 using ::testing::StartsWith;
 
 using SchemaTest = DatabaseTest;
+
+// Whoever writes the proxy's side reads the schema there.
+TEST(Schema, IsWhatTheDocumentTells) {
+  const std::string told = read_file(ZRL_DOCUMENTS "/operating.md");
+  const std::string text(trim(schema_text()));
+  EXPECT_THAT(told, HasSubstr(text));
+}
 
 TEST_F(SchemaTest, HoldsEveryTableButTheScripts) {
   const struct {
