@@ -24,7 +24,6 @@ class ActivityRecord {
 
   // Keeps at most `limit` bytes of text; the oldest entries make room.
   explicit ActivityRecord(std::size_t limit = default_limit) : limit_(limit) {}
-  void set_limit(std::size_t limit) { limit_ = limit; }
 
   void succeeded(Kind kind, std::string_view text, std::int64_t time);
   void failed(Kind kind, std::string_view text, std::string_view error, std::int64_t time, bool write);

@@ -55,14 +55,6 @@ class File {
   int fd_;
 };
 
-// A new name is on the disk when its folder is. Not every file system can do that.
-void flush_folder(const std::filesystem::path& folder) {
-  const int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (fd < 0) return;
-  ::fsync(fd);
-  ::close(fd);
-}
-
 }  // namespace
 
 std::filesystem::path to_file_path(std::string_view product_path) {
@@ -91,6 +83,13 @@ void replace_file(const std::filesystem::path& path, std::string_view content, u
     throw;
   }
   flush_folder(path.parent_path());
+}
+
+void flush_folder(const std::filesystem::path& folder) {
+  const int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return;
+  ::fsync(fd);
+  ::close(fd);
 }
 
 std::string read_file(const std::filesystem::path& path, std::size_t limit) {

@@ -18,6 +18,9 @@ std::string to_product_path(const std::filesystem::path& path);
 // was.
 void replace_file(const std::filesystem::path& path, std::string_view content, unsigned mode = 0644);
 
+// Makes the names in a folder survive a power cut, where the file system can do that.
+void flush_folder(const std::filesystem::path& folder);
+
 // The content of a file; raises zrl::Error if it cannot be read or is larger than `limit` bytes.
 std::string read_file(const std::filesystem::path& path, std::size_t limit = std::size_t{1} << 20);
 

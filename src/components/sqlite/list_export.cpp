@@ -10,6 +10,7 @@
 
 #include "components/sqlite/list_transfer.h"
 #include "core/error.h"
+#include "core/paths.h"
 
 namespace zrl {
 
@@ -56,11 +57,7 @@ class NewFile {
     if (::fsync(fd_) != 0) fail(path_, errno);
     if (!rename(overwrite)) return false;
     temporary_.clear();
-    const int folder = ::open(path_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder >= 0) {
-      ::fsync(folder);
-      ::close(folder);
-    }
+    flush_folder(path_.parent_path());
     return true;
   }
 

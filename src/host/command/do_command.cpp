@@ -65,12 +65,10 @@ int run_do(const Arguments& arguments, const Program& program, std::istream& in,
   }
   StepRunner runner([&] { return steps->next(); }, arguments.start_programs);
   Console console(arguments.folder, runner);
-  console.activity().set_limit(std::numeric_limits<std::size_t>::max());
   register_components(console);
-  if (!std::filesystem::exists(arguments.folder)) {
-    lay_out_folder(console);
-    console.activity() = ActivityRecord(std::numeric_limits<std::size_t>::max());
-  }
+  if (!std::filesystem::exists(arguments.folder)) lay_out_folder(console);
+  // The record begins with the showing, and forgets nothing.
+  console.activity() = ActivityRecord(std::numeric_limits<std::size_t>::max());
 
   const std::unique_ptr<Page> page = entry.make(console);
   Report report(console);
