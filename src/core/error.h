@@ -18,6 +18,7 @@ class Error : public std::runtime_error {
 };
 
 namespace error_number {
+inline constexpr int invalid_call = 5;
 inline constexpr int subscript_out_of_range = 9;
 inline constexpr int type_mismatch = 13;
 inline constexpr int object_not_set = 91;

@@ -2,8 +2,10 @@
 
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zrl {
 
@@ -26,10 +28,14 @@ struct MessageBox {
   bool asks() const { return style == BoxStyle::ok_cancel || style == BoxStyle::question; }
 };
 
-// A program that a page starts. Hosts run it without a shell, its arguments as they stand here.
+// A program that a page starts. Hosts run it without a shell, each operand as one argument.
 struct ProgramStart {
-  std::string command_line;  // as the record shows it: "telnet.exe 192.0.2.1 25"
-  std::string folder;
+  std::string program;                // "telnet.exe"; looked up without the ending
+  std::vector<std::string> operands;  // none is empty or begins with "-"
+  std::string folder;                 // where it runs; the console's own folder if empty
+
+  // As the record shows it: "telnet.exe 192.0.2.1 25".
+  std::string command_line() const;
 };
 
 // How far a long action has come; `total` is 0 where that is not known.
@@ -60,6 +66,9 @@ class Host {
 
   // Raises zrl::Error if the program cannot be started. Does not wait for its end.
   virtual void start_program(const ProgramStart& program) = 0;
+
+  // A page has made this file for the user. Hosts far from the user's machine let it be fetched.
+  virtual void offer_file(const std::filesystem::path& path) = 0;
 
   virtual void show_progress(const Progress& progress) = 0;
 };

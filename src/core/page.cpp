@@ -1,6 +1,7 @@
 #include "core/page.h"
 
 #include "core/error.h"
+#include "core/text.h"
 
 namespace zrl {
 
@@ -57,6 +58,20 @@ void Page::load_switches(std::initializer_list<CheckBox*> boxes) {
 
 void Page::fill(ListBox& box, Literal table, Literal column, const Statement& condition) {
   box.set_items(rows(table, column, condition).value_or(StringList()));
+}
+
+bool Page::run_program(std::string_view program, std::vector<std::string> operands, std::string_view folder) {
+  ProgramStart start{std::string(program), std::move(operands), std::string(folder)};
+  const std::string name = lower(program);
+  if (!name.ends_with(".exe")) start.program += ".exe";
+  return console().attempt(ActivityRecord::Kind::program, start.command_line(), Console::Step::write, [&] {
+    for (const std::string& operand : start.operands) {
+      if (operand.empty() || operand.front() == '-' || operand.find('\0') != std::string::npos) {
+        throw Error(error_number::invalid_call, "this text cannot be passed to a program");
+      }
+    }
+    console().host().start_program(start);
+  });
 }
 
 std::string Page::translate(std::string_view text) {

@@ -47,6 +47,11 @@ class Page : public DatabaseClient, public Form {
   // Reads a whole column into a list box; a read that fails leaves the box empty.
   void fill(ListBox& box, Literal table, Literal column, const Statement& condition = {});
 
+  // Starts a program with operands, which may be anybody's text: each reaches the program as one
+  // argument, and one that is empty or would pass for an option makes the step fail. The program's
+  // name gets the ending ".exe" if it lacks it.
+  bool run_program(std::string_view program, std::vector<std::string> operands, std::string_view folder = {});
+
   std::string translate(std::string_view text);
   void process_events();
   Settings& settings() { return console().settings(); }

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <vector>
 
 #include <fcntl.h>
 #include <signal.h>
@@ -47,37 +48,14 @@ struct Surroundings {
 
 }  // namespace
 
-std::vector<std::string> words_of(std::string_view command_line) {
-  std::vector<std::string> words;
-  std::string word;
-  bool quoted = false;
-  bool begun = false;
-  for (const char c : command_line) {
-    if (c == '"') {
-      quoted = !quoted;
-      begun = true;
-    } else if (!quoted && (c == ' ' || c == '\t')) {
-      if (begun) words.push_back(std::move(word));
-      word.clear();
-      begun = false;
-    } else {
-      word += c;
-      begun = true;
-    }
-  }
-  if (begun) words.push_back(std::move(word));
-  return words;
-}
-
 std::string program_of(std::string_view word) {
   if (lower(word).ends_with(".exe")) word.remove_suffix(4);
   return std::string(word);
 }
 
 void start_program(const ProgramStart& program) {
-  std::vector<std::string> words = words_of(program.command_line);
-  if (words.empty()) throw Error(ENOENT, "no program to start");
-  words[0] = program_of(words[0]);
+  std::vector<std::string> words{program_of(program.program)};
+  words.insert(words.end(), program.operands.begin(), program.operands.end());
   std::vector<char*> arguments;
   arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());

@@ -2,15 +2,10 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "core/host.h"
 
 namespace zrl {
-
-// The words of a command line: parted by blanks, double quotes keeping blanks together. There is
-// no other syntax; nothing is expanded.
-std::vector<std::string> words_of(std::string_view command_line);
 
 // The name under which a program of the product is looked up here: without the ending ".exe".
 std::string program_of(std::string_view word);

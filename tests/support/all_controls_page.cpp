@@ -59,7 +59,7 @@ AllControlsPage::AllControlsPage(Console& console) : Page(console, "allcontrols"
   wrong.on_click = [this] { execute("DELETE * FROM nowhere"); };
   program.on_click = [this] {
     component_step("start telnet", [this] {
-      this->console().host().start_program({"telnet.exe 192.0.2.1 25", ""});
+      this->console().host().start_program({"telnet.exe", {"192.0.2.1", "25"}, ""});
     });
   };
   Timer1.on_tick = [this] { ticks.set_caption(std::to_string(++tick_count_) + " ticks"); };

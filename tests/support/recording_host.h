@@ -27,10 +27,12 @@ class RecordingHost : public Host {
   }
   void wait(std::chrono::milliseconds) override { ++waits; }
   void start_program(const ProgramStart& program) override { programs.push_back(program); }
+  void offer_file(const std::filesystem::path& path) override { offered.push_back(path); }
   void show_progress(const Progress&) override { ++progress_reports; }
 
   std::vector<MessageBox> boxes;
   std::vector<ProgramStart> programs;
+  std::vector<std::filesystem::path> offered;
   std::function<void(Form&)> on_show;
   std::function<void()> on_process_events;
   BoxReply reply = BoxReply::ok;

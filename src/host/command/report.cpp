@@ -43,7 +43,7 @@ json::array programs_json(const StepRunner& runner) {
   json::array programs;
   for (const ProgramStart& program : runner.programs()) {
     programs.push_back(
-        {{"command_line", valid_utf8(program.command_line)}, {"folder", valid_utf8(program.folder)}});
+        {{"command_line", valid_utf8(program.command_line())}, {"folder", valid_utf8(program.folder)}});
   }
   return programs;
 }
@@ -153,7 +153,7 @@ void Report::print(std::ostream& out, const Form& page, const StepRunner& runner
         << "\n  (answered " << reply_name(message.reply) << ")\n";
   }
   for (const ProgramStart& program : runner.programs()) {
-    out << "\nProgram: " << printable(program.command_line) << '\n';
+    out << "\nProgram: " << printable(program.command_line()) << '\n';
   }
   print_activity(out, console_.activity());
 }

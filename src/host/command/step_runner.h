@@ -44,6 +44,7 @@ class StepRunner : public Host {
   void process_events() override {}
   void wait(std::chrono::milliseconds time) override;
   void start_program(const ProgramStart& program) override;
+  void offer_file(const std::filesystem::path&) override {}
   void show_progress(const Progress&) override {}
 
  private:

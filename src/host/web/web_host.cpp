@@ -18,6 +18,7 @@ class NoHost : public Host {
   void process_events() override {}
   void wait(std::chrono::milliseconds) override {}
   void start_program(const ProgramStart&) override {}
+  void offer_file(const std::filesystem::path&) override {}
   void show_progress(const Progress&) override {}
 };
 

@@ -24,7 +24,7 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
  public:
   explicit SessionDriver(std::span<const PageEntry> pages, bool modeless = false)
       : settings_{folder_.path(), pages, register_components,
-                  [this](const ProgramStart& program) { programs.push_back(program.command_line); },
+                  [this](const ProgramStart& program) { programs.push_back(program.command_line()); },
                   modeless} {
     RecordingHost nobody;
     Console console(folder_.path(), nobody);

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zrl {
+
+// The directory that this machine belongs to.
+class DirectoryLookups {
+ public:
+  static constexpr std::string_view program_id = "mirvan_ad.lookups";
+
+  virtual ~DirectoryLookups() = default;
+
+  // The DNS name of the directory's root domain; empty if the machine belongs to none.
+  virtual std::string RootDomain() = 0;
+};
+
+}  // namespace zrl

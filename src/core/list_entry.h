@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// What list entries are: addresses, regular expressions, and texts that must not close a quote.
+namespace zrl {
+
+// Every double quote becomes the four characters \x22 and every apostrophe \x27, so that the text
+// can stand in a statement. Entries are stored in this form.
+std::string escape_quotes(std::string_view text);
+
+// An IPv4 address in dotted form and nothing else: four decimal numbers of one to three digits, each
+// from 0 to 255.
+bool is_ip_address(std::string_view text);
+
+// "REGEX[...]" or "regex[...]".
+bool is_regex_entry(std::string_view entry);
+
+// The regular expression between the brackets of such an entry.
+std::string_view regex_of(std::string_view entry);
+
+}  // namespace zrl
