@@ -20,24 +20,6 @@ void Page::show() {
   load();
 }
 
-// Runs one index past the last control, whose reads fail like those of a control without the
-// property; and drops the translator after every control. Both are how pages have always done it.
-void Page::translate_controls() {
-  const auto translate_property = [this](std::size_t index, Property property) {
-    try {
-      Control& control = control_at(index);
-      const auto text = std::get<std::string_view>(control.get(property));
-      if (!text.empty()) control.set(property, translate(text));
-    } catch (const Error&) {  // NOLINT(bugprone-empty-catch)
-    }
-  };
-  for (std::size_t i = 0; i <= controls().size(); ++i) {
-    translate_property(i, Property::caption);
-    translate_property(i, Property::tool_tip);
-    console().localisation().release_translator();
-  }
-}
-
 void Page::bind_switches(std::initializer_list<Switch> switches) {
   for (const Switch& bound : switches) {
     switch_keys_.emplace(&bound.box, bound.key);
@@ -54,6 +36,10 @@ void Page::load_switch(CheckBox& box) {
 
 void Page::load_switches(std::initializer_list<CheckBox*> boxes) {
   for (CheckBox* box : boxes) load_switch(*box);
+}
+
+void Page::publish_version() {
+  set_string("version", settings().product_version());
 }
 
 void Page::fill(ListBox& box, Literal table, Literal column, const Statement& condition) {
@@ -74,8 +60,31 @@ bool Page::run_program(std::string_view program, std::vector<std::string> operan
   });
 }
 
-std::string Page::translate(std::string_view text) {
-  return console().localisation().translate(text);
+std::string Page::find_mail_exchanger(std::string_view domain) {
+  component_step("lookup_mx " + std::string(domain),
+                 [] { throw Error(error_number::object_not_set, "no resolver"); });
+  return {};
+}
+
+StringList Page::mail_exchangers(std::string_view domain) {
+  find_mail_exchanger(domain);
+  return {};
+}
+
+std::string Page::address_of(std::string_view host) {
+  component_step("lookup_a " + std::string(host),
+                 [] { throw Error(error_number::object_not_set, "no resolver"); });
+  return {};
+}
+
+void Page::busy(Button& button, const std::function<void()>& action) {
+  button.set_enabled(false);
+  try {
+    action();
+  } catch (...) {
+    console().record_escaped(button.name());
+  }
+  button.set_enabled(true);
 }
 
 void Page::process_events() {

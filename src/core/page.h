@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <string>
@@ -33,8 +34,6 @@ class Page : public DatabaseClient, public Form {
   // What a page drops besides the two handles.
   virtual void hide() {}
 
-  void translate_controls();
-
   // A check box that is an option: load_switches() reads it, its click writes it at once.
   struct Switch {
     CheckBox& box;
@@ -44,6 +43,9 @@ class Page : public DatabaseClient, public Form {
   void load_switch(CheckBox& box);
   void load_switches(std::initializer_list<CheckBox*> boxes);
 
+  // Records the console's version in the option "version".
+  void publish_version();
+
   // Reads a whole column into a list box; a read that fails leaves the box empty.
   void fill(ListBox& box, Literal table, Literal column, const Statement& condition = {});
 
@@ -52,7 +54,16 @@ class Page : public DatabaseClient, public Form {
   // name gets the ending ".exe" if it lacks it.
   bool run_program(std::string_view program, std::vector<std::string> operands, std::string_view folder = {});
 
-  std::string translate(std::string_view text);
+  // DNS look-ups; a look-up without an answer is a failed step and reads as empty. The mail exchanger
+  // with the least preference number, all of them in the order of their preference, and the first
+  // IPv4 address of a host.
+  std::string find_mail_exchanger(std::string_view domain);
+  StringList mail_exchangers(std::string_view domain);
+  std::string address_of(std::string_view host);
+
+  // Runs the action with the button disabled, which keeps a second click away.
+  void busy(Button& button, const std::function<void()>& action);
+
   void process_events();
   Settings& settings() { return console().settings(); }
 
