@@ -74,7 +74,7 @@ void ListPage::update_lists(std::span<const ListFile> files) {
 }
 
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons) {
-  return frame(title, column({grow(box), row(buttons)}));
+  return grow(frame(title, column({grow(box), row(buttons)})));
 }
 
 }  // namespace zrl

@@ -73,7 +73,8 @@ class ListPage : public Page {
   Place place_ = Place::forgotten;
 };
 
-// How every list page shows a list: a titled frame with the list and its buttons below.
+// How every list page shows a list: a titled frame with the list and its buttons below. Several stand
+// side by side in a row.
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons);
 
 }  // namespace zrl

@@ -28,9 +28,8 @@ TransferDialog::TransferDialog(Console& console, Literal list_table, Literal lis
 
   set_layout(column({
       frame(Frame1, row({export_, import_, delete_, overwrite})),
-      source,
+      row({grow(source), action}),
       grow(row({grow(column({Drive1, grow(Dir1)})), grow(File1)})),
-      row({action}),
   }));
   load();
 }
