@@ -52,11 +52,21 @@ class Page : public DatabaseClient, public Form {
   // name gets the ending ".exe" if it lacks it.
   bool run_program(std::string_view program, std::vector<std::string> operands, std::string_view folder = {});
 
+  // Look-ups in the DNS. The event loop is served meanwhile; one that finds nothing is a failed read.
+  // The mail exchanger with the lowest preference, a dot at its end; or empty.
+  std::string find_mail_exchanger(std::string_view domain);
+  // All of them, by ascending preference.
+  std::vector<std::string> mail_exchangers(std::string_view domain);
+  // The first IPv4 address, dotted, of a host; of this machine if the text is blank; or empty.
+  std::string address_of(std::string_view host);
+
   std::string translate(std::string_view text);
   void process_events();
   Settings& settings() { return console().settings(); }
 
  private:
+  bool look_up_mail_exchangers(std::string_view domain);
+
   std::map<const CheckBox*, std::string_view> switch_keys_;
 };
 
