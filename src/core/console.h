@@ -14,6 +14,7 @@
 #include "core/host.h"
 #include "core/localisation.h"
 #include "core/settings.h"
+#include "net/resolver.h"
 
 namespace zrl {
 
@@ -38,6 +39,8 @@ class Console {
   ComponentRegistry& components() { return components_; }
   Settings& settings() { return settings_; }
   Localisation& localisation() { return localisation_; }
+  // Pages use its steps (Page), which record what fails.
+  Resolver& resolver() { return resolver_; }
   ActivityRecord& activity() { return activity_; }
   std::chrono::system_clock::time_point now() const { return clock_(); }
 
@@ -71,6 +74,7 @@ class Console {
   ComponentRegistry components_;
   Settings settings_;
   Localisation localisation_;
+  Resolver resolver_;
   std::vector<std::weak_ptr<Connection>> unsettled_;
   std::vector<std::shared_ptr<Form>> dialogs_;
   int action_depth_ = 0;

@@ -2,6 +2,7 @@
 
 #include "core/error.h"
 #include "core/text.h"
+#include "net/machine_sockets.h"
 
 namespace zrl {
 
@@ -60,21 +61,36 @@ bool Page::run_program(std::string_view program, std::vector<std::string> operan
   });
 }
 
-std::string Page::find_mail_exchanger(std::string_view domain) {
-  component_step("lookup_mx " + std::string(domain),
-                 [] { throw Error(error_number::object_not_set, "no resolver"); });
-  return {};
+bool Page::look_up_mail_exchangers(std::string_view domain) {
+  const std::string text = "lookup_mx " + std::string(domain);
+  return console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, [&] {
+    Resolver& resolver = console().resolver();
+    if (resolver.lookup_mx(domain).empty()) throw Error(resolver.last_dns_error(), resolver.problem());
+  });
 }
 
-StringList Page::mail_exchangers(std::string_view domain) {
-  find_mail_exchanger(domain);
-  return {};
+std::string Page::find_mail_exchanger(std::string_view domain) {
+  return look_up_mail_exchangers(domain) ? console().resolver().best_mx() : std::string();
+}
+
+std::vector<std::string> Page::mail_exchangers(std::string_view domain) {
+  std::vector<std::string> result;
+  if (!look_up_mail_exchangers(domain)) return result;
+  for (const MailExchanger& found : console().resolver().mx_list()) result.push_back(found.exchange);
+  return result;
 }
 
 std::string Page::address_of(std::string_view host) {
-  component_step("lookup_a " + std::string(host),
-                 [] { throw Error(error_number::object_not_set, "no resolver"); });
-  return {};
+  std::string address;
+  const std::string text = "host_address " + std::string(host);
+  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, [&] {
+    MachineSockets sockets(console().resolver());
+    std::string error_text;
+    address = host_address(sockets, host, error_text);
+    if (!address.empty()) return;
+    throw Error(sockets.last_error(), std::string(trim(error_text)) + " " + sockets.problem());
+  });
+  return address;
 }
 
 void Page::busy(Button& button, const std::function<void()>& action) {

@@ -54,11 +54,12 @@ class Page : public DatabaseClient, public Form {
   // name gets the ending ".exe" if it lacks it.
   bool run_program(std::string_view program, std::vector<std::string> operands, std::string_view folder = {});
 
-  // DNS look-ups; a look-up without an answer is a failed step and reads as empty. The mail exchanger
-  // with the least preference number, all of them in the order of their preference, and the first
-  // IPv4 address of a host.
+  // Look-ups in the DNS. The event loop is served meanwhile; one that finds nothing is a failed read.
+  // The mail exchanger with the lowest preference, a dot at its end; or empty.
   std::string find_mail_exchanger(std::string_view domain);
-  StringList mail_exchangers(std::string_view domain);
+  // All of them, by ascending preference.
+  std::vector<std::string> mail_exchangers(std::string_view domain);
+  // The first IPv4 address, dotted, of a host; of this machine if the text is blank; or empty.
   std::string address_of(std::string_view host);
 
   // Runs the action with the button disabled, which keeps a second click away.
@@ -68,6 +69,8 @@ class Page : public DatabaseClient, public Form {
   Settings& settings() { return console().settings(); }
 
  private:
+  bool look_up_mail_exchangers(std::string_view domain);
+
   std::map<const CheckBox*, std::string_view> switch_keys_;
 };
 
