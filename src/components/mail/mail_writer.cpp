@@ -77,14 +77,6 @@ MimeRef<GMimeObject> body_part(const Mail& mail) {
   return MimeRef<GMimeObject>(GMIME_OBJECT(both));
 }
 
-void add_mailbox(GMimeMessage* message, GMimeAddressType field, const Mailbox& mailbox) {
-  InternetAddressList* list = g_mime_message_get_addresses(message, field);
-  const char* name = mailbox.name.empty() ? nullptr : mailbox.name.c_str();
-  const MimeRef<InternetAddress> address(internet_address_mailbox_new(name, mailbox.address.c_str()));
-  internet_address_set_charset(address.get(), "utf-8");
-  internet_address_list_add(list, address.get());
-}
-
 std::string one_line(std::string_view subject) {
   std::string result = valid_utf8(subject);
   std::ranges::replace_if(
@@ -92,21 +84,50 @@ std::string one_line(std::string_view subject) {
   return std::string(trim(result));
 }
 
-// The value of a field that holds any text, folded, with a line feed at its end (RFC 2047). The
-// library's own writer leaves alone what looks like an encoded word, and lines of any length.
-std::string unstructured(std::string_view text) {
-  const bool plain = text.size() <= longest_plain_text && text.find("=?") == text.npos &&
-                     std::ranges::all_of(text, [](char c) { return c >= ' ' && c < '\x7F'; });
-  if (plain) return " " + std::string(text) + "\n";
+// The library's own writer leaves alone what looks like an encoded word, and lines of any length, and
+// its encoded words are longer than they may be. So subject and addresses are written here.
+bool is_plain(std::string_view text) {
+  return text.size() <= longest_plain_text && text.find("=?") == text.npos &&
+         std::ranges::all_of(text, [](char c) { return c >= ' ' && c < '\x7F'; });
+}
+
+// One word a line (RFC 2047); each but the first begins with a blank.
+std::string encoded_words(std::string_view text) {
   std::string result;
   while (!text.empty()) {
     std::size_t size = std::min(text.size(), bytes_in_word);
     while (size < text.size() && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) --size;
     const MimeText word(g_base64_encode(reinterpret_cast<const unsigned char*>(text.data()), size));
-    result.append(" =?utf-8?B?").append(word.get()).append("?=\n");
+    if (!result.empty()) result += "\n ";
+    result.append("=?utf-8?B?").append(word.get()).append("?=");
     text.remove_prefix(size);
   }
   return result;
+}
+
+std::string written(const Mailbox& mailbox) {
+  if (mailbox.name.empty()) return mailbox.address;
+  if (!is_plain(mailbox.name)) return encoded_words(mailbox.name) + "\n <" + mailbox.address + ">";
+  std::string quoted;
+  for (const char c : mailbox.name) {
+    if (c == '"' || c == '\\') quoted += '\\';
+    quoted += c;
+  }
+  return "\"" + quoted + "\" <" + mailbox.address + ">";
+}
+
+std::string written(const std::vector<Mailbox>& mailboxes) {
+  std::string result;
+  for (const Mailbox& mailbox : mailboxes) result += (result.empty() ? "" : ",\n ") + written(mailbox);
+  return result;
+}
+
+// `value` is folded, with line feeds.
+void set_field(GMimeMessage* message, const char* name, const std::string& value) {
+  GMimeObject* object = GMIME_OBJECT(message);
+  g_mime_object_set_header(object, name, "", nullptr);
+  GMimeHeader* header = g_mime_header_list_get_header(g_mime_object_get_header_list(object), name);
+  g_mime_header_set_raw_value(header, (" " + value + "\n").c_str());
 }
 
 std::string source_of(GMimeMessage* message) {
@@ -123,12 +144,10 @@ std::string source_of(GMimeMessage* message) {
 std::string write_mail(const Mail& mail, const Mailbox& sender, const std::vector<Mailbox>& recipients) {
   initialise_mime_library();
   const MimeRef<GMimeMessage> message(g_mime_message_new(TRUE));
-  add_mailbox(message.get(), GMIME_ADDRESS_TYPE_FROM, sender);
-  for (const Mailbox& recipient : recipients) add_mailbox(message.get(), GMIME_ADDRESS_TYPE_TO, recipient);
-  g_mime_object_set_header(GMIME_OBJECT(message.get()), "Subject", "", nullptr);
-  GMimeHeader* subject =
-      g_mime_header_list_get_header(g_mime_object_get_header_list(GMIME_OBJECT(message.get())), "Subject");
-  g_mime_header_set_raw_value(subject, unstructured(one_line(mail.subject)).c_str());
+  const std::string subject = one_line(mail.subject);
+  set_field(message.get(), "From", written(sender));
+  set_field(message.get(), "To", written(recipients));
+  set_field(message.get(), "Subject", is_plain(subject) ? subject : encoded_words(subject));
   const std::unique_ptr<GDateTime, ReleaseTime> now(g_date_time_new_now_local());
   g_mime_message_set_date(message.get(), now.get());
   const std::string domain = sender.address.substr(sender.address.rfind('@') + 1);

@@ -54,7 +54,7 @@ TEST(Sending, HandsOverEnvelopeAndMessage) {
   EXPECT_THAT(taken.recipients, ElementsAre("bob@example.org", "carol@example.net"));
   EXPECT_FALSE(taken.encrypted);
   EXPECT_THAT(taken.data, HasSubstr("From: ann@example.com\r\n"));
-  EXPECT_THAT(taken.data, HasSubstr("To: Bob <bob@example.org>, carol@example.net\r\n"));
+  EXPECT_THAT(taken.data, HasSubstr("To: \"Bob\" <bob@example.org>,\r\n carol@example.net\r\n"));
   EXPECT_THAT(taken.data, HasSubstr("Subject: Hello\r\n"));
   EXPECT_THAT(taken.data, HasSubstr("Date: "));
   EXPECT_THAT(taken.data, MatchesRegex(".*\r\nMessage-Id: <[^<>@ ]+@example\\.com>\r\n.*"));
@@ -71,7 +71,8 @@ TEST(Sending, BringsEveryTextAcross) {
       {"ann@example.com", "bob@example.org", "", "", ""},
       {"ann@example.com", "bob@example.org", "x", "", "<p>only HTML</p>"},
       {"ann@example.com", "bob@example.org", "dots", ".\n..\n.dot\n\n.\nQUIT\n", ""},
-      {"ann@example.com", "bob@example.org", "=?utf-8?q?not_a_word?=", "From here\n--B\n=20\n", ""},
+      {"\"A. \\\"\\\\ Ex\" <ann@example.com>", "=?utf-8?q?no?= <bob@example.org>",
+       "=?utf-8?q?not_a_word?=", "From here\n--B\n=20\n", ""},
       {"ann@example.com", "bob@example.org", std::string(200, 'a') + " " + std::string(300, 'b'), long_word,
        long_word},
       {"ann@example.com", "bob@example.org", "日本語", "日本語日本語", "<p>\xE2\x80\xA8</p>"},
