@@ -7,9 +7,9 @@
 
 namespace zrl::test {
 
-// A list page over the real database, as it is shown now, with nothing in the record.
+// A page over the real database, as it is shown now, with nothing in the record.
 template <typename PageType>
-class ListPageTest : public InstalledConsole {
+class ShownPage : public InstalledConsole {
  public:
   PageType& shown() {
     page_ = std::make_unique<PageType>(console);
