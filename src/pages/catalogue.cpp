@@ -4,6 +4,8 @@
 
 #include "pages/lists/domain_page.h"
 #include "pages/logs/iplog_page.h"
+#include "pages/logs/predatalog_page.h"
+#include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
 
 namespace zrl {
@@ -13,6 +15,8 @@ std::span<const PageEntry> page_catalogue() {
       {"general", "Settings", "General", make_page<GeneralPage>},
       {"domainbw", "Lists", "Domains", make_page<DomainPage>},
       {"iplog", "Logs", "IP log", make_page<IplogPage>},
+      {"predatalog", "Logs", "Header log", make_page<PredatalogPage>},
+      {"stati", "Logs", "Statistics", make_page<StatiPage>},
   };
   return entries;
 }
