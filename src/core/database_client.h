@@ -110,6 +110,7 @@ class DatabaseClient {
 
  private:
   Database& component_or_throw() const;
+  bool answered_step(std::string_view text, const std::function<bool()>& call);
   bool attempt_read(ActivityRecord::Kind kind, std::string_view text, const std::function<void()>& action);
   bool attempt_write(ActivityRecord::Kind kind, std::string_view text, const std::function<void()>& action);
 

@@ -21,24 +21,6 @@ void Page::show() {
   load();
 }
 
-// Runs one index past the last control, whose reads fail like those of a control without the
-// property; and drops the translator after every control. Both are how pages have always done it.
-void Page::translate_controls() {
-  const auto translate_property = [this](std::size_t index, Property property) {
-    try {
-      Control& control = control_at(index);
-      const auto text = std::get<std::string_view>(control.get(property));
-      if (!text.empty()) control.set(property, translate(text));
-    } catch (const Error&) {  // NOLINT(bugprone-empty-catch)
-    }
-  };
-  for (std::size_t i = 0; i <= controls().size(); ++i) {
-    translate_property(i, Property::caption);
-    translate_property(i, Property::tool_tip);
-    console().localisation().release_translator();
-  }
-}
-
 void Page::bind_switches(std::initializer_list<Switch> switches) {
   for (const Switch& bound : switches) {
     switch_keys_.emplace(&bound.box, bound.key);
@@ -55,6 +37,10 @@ void Page::load_switch(CheckBox& box) {
 
 void Page::load_switches(std::initializer_list<CheckBox*> boxes) {
   for (CheckBox* box : boxes) load_switch(*box);
+}
+
+void Page::publish_version() {
+  set_string("version", settings().product_version());
 }
 
 void Page::fill(ListBox& box, Literal table, Literal column, const Statement& condition) {
@@ -87,8 +73,8 @@ std::string Page::find_mail_exchanger(std::string_view domain) {
   return look_up_mail_exchangers(domain) ? console().resolver().best_mx() : std::string();
 }
 
-std::vector<std::string> Page::mail_exchangers(std::string_view domain) {
-  std::vector<std::string> result;
+StringList Page::mail_exchangers(std::string_view domain) {
+  StringList result;
   if (!look_up_mail_exchangers(domain)) return result;
   for (const MailExchanger& found : console().resolver().mx_list()) result.push_back(found.exchange);
   return result;
@@ -107,8 +93,14 @@ std::string Page::address_of(std::string_view host) {
   return address;
 }
 
-std::string Page::translate(std::string_view text) {
-  return console().localisation().translate(text);
+void Page::busy(Button& button, const std::function<void()>& action) {
+  button.set_enabled(false);
+  try {
+    action();
+  } catch (...) {
+    console().record_escaped(button.name());
+  }
+  button.set_enabled(true);
 }
 
 void Page::process_events() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "pages/lists/domain_page.h"
 #include "pages/settings/general_page.h"
 
 namespace zrl {
@@ -9,6 +10,7 @@ namespace zrl {
 std::span<const PageEntry> page_catalogue() {
   static constexpr PageEntry entries[] = {
       {"general", "Settings", "General", make_page<GeneralPage>},
+      {"domainbw", "Lists", "Domains", make_page<DomainPage>},
   };
   return entries;
 }

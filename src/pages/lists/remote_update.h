@@ -24,6 +24,12 @@ struct ListFile {
 
 // All files, in the order in which the update of all lists applies them.
 std::span<const ListFile> all_list_files();
+// The shares of single pages.
+std::span<const ListFile> attachment_list_files();
+std::span<const ListFile> domain_list_files();
+std::span<const ListFile> address_list_files();
+std::span<const ListFile> keyword_list_files();
+std::span<const ListFile> mail_list_files();
 
 // Fetches the files and keeps the downloader's status text in `status`. Without a downloader the
 // step fails like any other.

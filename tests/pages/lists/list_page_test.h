@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+
+#include "core/registry.h"
+#include "support/installed_console.h"
+
+namespace zrl::test {
+
+// A list page over the real database, as it is shown now, with nothing in the record.
+template <typename PageType>
+class ListPageTest : public InstalledConsole {
+ public:
+  PageType& shown() {
+    page_ = std::make_unique<PageType>(console);
+    page_->initialise();
+    forget_activity();
+    return *page_;
+  }
+
+  // The items of a list box.
+  static std::vector<std::string> items(const ListBox& box) {
+    std::vector<std::string> result;
+    for (std::size_t i = 0; i < box.items().size(); ++i) result.emplace_back(box.items()[i]);
+    return result;
+  }
+
+  void insert(Literal table, Literal column, std::initializer_list<std::string_view> entries) {
+    for (const std::string_view entry : entries) execute(insert_into(table, column, entry));
+  }
+
+  // The record's path of a reload flag.
+  std::string raised(std::string_view flag) { return console.settings().path_of(flag) + "=1"; }
+
+ private:
+  std::unique_ptr<PageType> page_;
+};
+
+}  // namespace zrl::test
