@@ -73,8 +73,8 @@ std::string Page::find_mail_exchanger(std::string_view domain) {
   return look_up_mail_exchangers(domain) ? console().resolver().best_mx() : std::string();
 }
 
-std::vector<std::string> Page::mail_exchangers(std::string_view domain) {
-  std::vector<std::string> result;
+StringList Page::mail_exchangers(std::string_view domain) {
+  StringList result;
   if (!look_up_mail_exchangers(domain)) return result;
   for (const MailExchanger& found : console().resolver().mx_list()) result.push_back(found.exchange);
   return result;
