@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "pages/lists/domain_page.h"
+#include "pages/lists/exception_page.h"
 #include "pages/lists/keyword_page.h"
 #include "pages/lists/mail_page.h"
 #include "pages/settings/general_page.h"
@@ -15,6 +16,7 @@ std::span<const PageEntry> page_catalogue() {
       {"domainbw", "Lists", "Domains", make_page<DomainPage>},
       {"wbuser", "Lists", "E-mail addresses", make_page<MailPage>},
       {"keywords", "Lists", "Keywords", make_page<KeywordPage>},
+      {"exceptions", "Lists", "Exceptions", make_page<ExceptionPage>},
   };
   return entries;
 }
