@@ -6,6 +6,7 @@
 #include "pages/lists/exception_page.h"
 #include "pages/lists/keyword_page.h"
 #include "pages/lists/mail_page.h"
+#include "pages/lists/replacement_page.h"
 #include "pages/settings/general_page.h"
 
 namespace zrl {
@@ -17,6 +18,7 @@ std::span<const PageEntry> page_catalogue() {
       {"wbuser", "Lists", "E-mail addresses", make_page<MailPage>},
       {"keywords", "Lists", "Keywords", make_page<KeywordPage>},
       {"exceptions", "Lists", "Exceptions", make_page<ExceptionPage>},
+      {"wordreplace", "Lists", "Word replacement", make_page<ReplacementPage>},
   };
   return entries;
 }
