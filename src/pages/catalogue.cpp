@@ -4,6 +4,7 @@
 
 #include "pages/lists/domain_page.h"
 #include "pages/lists/exception_page.h"
+#include "pages/lists/file_page.h"
 #include "pages/lists/keyword_page.h"
 #include "pages/lists/mail_page.h"
 #include "pages/lists/replacement_page.h"
@@ -19,6 +20,7 @@ std::span<const PageEntry> page_catalogue() {
       {"keywords", "Lists", "Keywords", make_page<KeywordPage>},
       {"exceptions", "Lists", "Exceptions", make_page<ExceptionPage>},
       {"wordreplace", "Lists", "Word replacement", make_page<ReplacementPage>},
+      {"filescanner", "Lists", "Attachments", make_page<FilePage>},
   };
   return entries;
 }
