@@ -8,7 +8,9 @@
 #include "pages/lists/keyword_page.h"
 #include "pages/lists/mail_page.h"
 #include "pages/lists/replacement_page.h"
+#include "pages/logs/avlog_page.h"
 #include "pages/logs/iplog_page.h"
+#include "pages/logs/keywordlog_page.h"
 #include "pages/logs/predatalog_page.h"
 #include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
@@ -26,6 +28,8 @@ std::span<const PageEntry> page_catalogue() {
       {"filescanner", "Lists", "Attachments", make_page<FilePage>},
       {"iplog", "Logs", "IP log", make_page<IplogPage>},
       {"predatalog", "Logs", "Header log", make_page<PredatalogPage>},
+      {"keywordlog", "Logs", "Keyword log", make_page<KeywordlogPage>},
+      {"avlog", "Logs", "Attachment log", make_page<AvlogPage>},
       {"stati", "Logs", "Statistics", make_page<StatiPage>},
   };
   return entries;

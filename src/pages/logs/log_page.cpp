@@ -1,5 +1,7 @@
 #include "pages/logs/log_page.h"
 
+#include <utility>
+
 #include "core/error.h"
 #include "core/text.h"
 
@@ -61,6 +63,44 @@ std::optional<std::string> LogPage::host_name_of(std::string_view address) {
     name = dns_->PTR_Query(address);
   });
   return name;
+}
+
+StringList LogPage::LogRows::lines() const {
+  StringList result;
+  std::string line;
+  for (std::size_t i = 0; i < size(); ++i) {
+    line.assign(what[i]).append(", ").append(addresses[i]);
+    line.append(", ").append(senders[i]).append(", ").append(recipients[i]);
+    result.push_back(line);
+  }
+  return result;
+}
+
+LogPage::LogRows LogPage::read_log(Literal select, Literal what, Texts texts) {
+  LogRows rows;
+  const auto take = [texts](StringList& list, std::string_view text) {
+    if (texts == Texts::as_stored) {
+      list.push_back(text);
+    } else {
+      list.push_back(lower(trim(text)));
+    }
+  };
+  const std::unique_ptr<RecordSet> set = open(select, Connection::Access::read_only);
+  if (!set) return rows;
+  const bool read = console().attempt(ActivityRecord::Kind::sql, select.text(), Console::Step::read, [&] {
+    for (; !set->at_end(); set->move_next()) {
+      take(rows.what, set->text(what.text()));
+      take(rows.addresses, set->text("IPNumber"));
+      take(rows.senders, set->text("mailfrom"));
+      take(rows.recipients, set->text("mailto"));
+    }
+  });
+  return read ? std::move(rows) : LogRows();
+}
+
+void LogPage::keep_alive(std::string_view value, std::size_t done, std::size_t total) {
+  console().host().show_progress({value, done, total});
+  process_events();
 }
 
 void LogPage::show_count(Label& label, Literal select) {

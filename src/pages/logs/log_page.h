@@ -9,6 +9,7 @@
 
 #include "core/dns_client.h"
 #include "core/page.h"
+#include "core/string_list.h"
 
 namespace zrl {
 
@@ -43,6 +44,24 @@ class LogPage : public Page {
   void create_dns_client() { dns_ = component<DnsClient>(); }
   // Nothing if the look-up failed.
   std::optional<std::string> host_name_of(std::string_view address);
+
+  // The rows of a log that is read as a whole: the texts of a column are one list, and all four lists
+  // are of the same length. A log that cannot be read is empty.
+  struct LogRows {
+    StringList what;  // the keyword or the reason
+    StringList addresses;
+    StringList senders;
+    StringList recipients;
+
+    std::size_t size() const { return what.size(); }
+    // One line a row: "what, address, sender, recipient".
+    StringList lines() const;
+  };
+  enum class Texts : std::uint8_t { as_stored, trimmed_lower_case };
+  LogRows read_log(Literal select, Literal what, Texts texts);
+
+  // Called for each of many values that an action works on: shows the progress and lets events run.
+  void keep_alive(std::string_view value, std::size_t done, std::size_t total);
 
   // Shows a count in a label; it stays as it was if counting failed.
   void show_count(Label& label, Literal select);

@@ -195,8 +195,7 @@ void PredatalogPage::for_each_address(const std::function<void(std::string_view)
   const StringList addresses = ip.items();
   for (std::size_t i = 0; i < addresses.size(); ++i) {
     if (addresses[i].empty()) continue;
-    console().host().show_progress({addresses[i], i, addresses.size()});
-    process_events();
+    keep_alive(addresses[i], i, addresses.size());
     action(addresses[i]);
   }
 }
