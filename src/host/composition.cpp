@@ -2,6 +2,7 @@
 
 #include "components/dns/cares_client.h"
 #include "components/locale/catalogue_translator.h"
+#include "components/pcre2/pcre2_regexp.h"
 #include "components/sqlite/sqlite_components.h"
 
 namespace zrl {
@@ -25,6 +26,7 @@ std::vector<std::string> server_texts(Resolver& resolver) {
 void register_components(Console& console) {
   ComponentRegistry& components = console.components();
   components.add<Translator>(make_translator_factory());
+  components.add<RegExp>(make_regexp_factory());
 
   const auto registry = make_registry_store(console.folder());
   components.add<Registry>([registry] { return registry->registry(); });

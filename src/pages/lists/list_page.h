@@ -11,9 +11,6 @@
 
 namespace zrl {
 
-// What entry fields show instead of an address that is none.
-inline constexpr std::string_view not_an_ip_number = "Not a valid IP. Please enter only IP Numbers";
-
 // A page that edits lists. A list is a table of one text column, shown in a list box; one text field
 // holds the entry that is added or removed, and clicking an item copies it there. What a list box
 // shows comes from the database alone: every change is followed by fill_lists().

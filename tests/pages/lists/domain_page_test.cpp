@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "pages/lists/list_page_test.h"
+#include "support/shown_page.h"
 
 namespace zrl {
 namespace {
@@ -13,7 +13,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class DomainPageTest : public testing::Test, public test::ListPageTest<DomainPage> {
+class DomainPageTest : public testing::Test, public test::ShownPage<DomainPage> {
  protected:
   std::string version() { return "set_string version=" + registry("ProductVersion"); }
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <fstream>
 #include <memory>
 
 #include "core/registry.h"
@@ -7,9 +9,9 @@
 
 namespace zrl::test {
 
-// A list page over the real database, as it is shown now, with nothing in the record.
+// A page over the real database, as it is shown now, with nothing in the record.
 template <typename PageType>
-class ListPageTest : public InstalledConsole {
+class ShownPage : public InstalledConsole {
  public:
   PageType& shown() {
     page_ = std::make_unique<PageType>(console);
@@ -27,6 +29,24 @@ class ListPageTest : public InstalledConsole {
 
   void insert(Literal table, Literal column, std::initializer_list<std::string_view> entries) {
     for (const std::string_view entry : entries) execute(insert_into(table, column, entry));
+  }
+
+  // What a button's transfer dialog moves: "title: proposed file".
+  std::string dialog_of(Button& button) {
+    std::string result;
+    host.on_show = [&](Form& dialog) {
+      const auto path = std::get<std::string_view>(dialog.find("source")->get(Property::text));
+      result = dialog.caption() + ": " + std::string(path.substr(path.find_last_of("/\\") + 1));
+    };
+    button.user_click();
+    host.on_show = {};
+    return result;
+  }
+
+  // A file as the downloader leaves it.
+  void put_download(std::string_view name, std::string_view entries) {
+    std::filesystem::create_directories(folder.path() / "download");
+    std::ofstream(folder.path() / "download" / name) << entries;
   }
 
   // The record's path of a reload flag.
