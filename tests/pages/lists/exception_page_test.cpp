@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "pages/lists/list_page_test.h"
+#include "support/shown_page.h"
 
 namespace zrl {
 namespace {
@@ -11,7 +11,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class ExceptionPageTest : public testing::Test, public test::ListPageTest<ExceptionPage> {};
+class ExceptionPageTest : public testing::Test, public test::ShownPage<ExceptionPage> {};
 
 TEST_F(ExceptionPageTest, TheAtSignTellsTheListAndTheTextIsStoredAsTyped) {
   const struct {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "components/sqlite/sqlite_components.h"
-#include "pages/lists/list_page_test.h"
+#include "support/shown_page.h"
 
 namespace zrl {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class KeywordPageTest : public testing::Test, public test::ListPageTest<KeywordPage> {
+class KeywordPageTest : public testing::Test, public test::ShownPage<KeywordPage> {
  protected:
   KeywordPageTest() { set_option("checksubject", 1); }
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "pages/lists/list_page_test.h"
+#include "support/shown_page.h"
 
 namespace zrl {
 namespace {
@@ -11,7 +11,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class ReplacementPageTest : public testing::Test, public test::ListPageTest<ReplacementPage> {
+class ReplacementPageTest : public testing::Test, public test::ShownPage<ReplacementPage> {
  protected:
   void insert_pair(std::string_view word, std::string_view replacement) {
     execute("INSERT INTO rwords (orig,repl) values ('" + value(word) + "','" + value(replacement) + "')");

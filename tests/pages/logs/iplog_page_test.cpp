@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/error.h"
+#include "support/log_rows.h"
 #include "support/shown_page.h"
 
 namespace zrl {
@@ -12,18 +12,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class FakeDns : public DnsClient {
- public:
-  std::string PTR_Query(std::string_view address) override {
-    if (address == "192.0.2.9") throw Error(1, "no name");
-    return "host-" + std::string(address) + ".example";
-  }
-};
-
 class IplogPageTest : public testing::Test, public test::ShownPage<IplogPage> {
  protected:
   IplogPageTest() {
-    console.components().add<DnsClient>([] { return std::make_shared<FakeDns>(); });
+    console.components().add<DnsClient>([] { return std::make_shared<test::FakeDns>(); });
     log("192.0.2.2", "2", "20051104120002");
     log("192.0.2.1", "0", "20051104120001");
     log("192.0.2.3", "1", "20051104120003");
@@ -31,10 +23,8 @@ class IplogPageTest : public testing::Test, public test::ShownPage<IplogPage> {
   }
 
   void log(std::string_view address, std::string_view status, std::string_view time) {
-    execute("INSERT INTO iplog (IPNumber,status,servertime) VALUES ('" + value(address) + "'," +
-            number(status) + ",'" + value(time) + "')");
-    execute("INSERT INTO predatalog (IPNumber,status,servertime) VALUES ('" + value(address) + "'," +
-            number(status) + ",'" + value(time) + "')");
+    execute(test::logged("iplog", address, status, time));
+    execute(test::logged("predatalog", address, status, time));
   }
 };
 
