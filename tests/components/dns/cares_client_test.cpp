@@ -51,6 +51,7 @@ TEST_F(DnsClientTest, FindsTheNameOfAnAddress) {
   server.add("192.0.2.1 PTR www.example.com");
   server.add("2.2.0.192.in-addr.arpa CNAME 2.customer.example.net");  // delegated (RFC 2317)
   server.add("2.customer.example.net PTR host.example.net");
+  server.set_manner({.delay = milliseconds(20)});
   EXPECT_EQ(ptr("192.0.2.1"), "mail.example.com");
   EXPECT_EQ(ptr(" 192.0.2.2 "), "host.example.net");
   EXPECT_THAT(server.queries(), ElementsAre("PTR 1.2.0.192.in-addr.arpa", "PTR 2.2.0.192.in-addr.arpa"));
@@ -140,6 +141,7 @@ TEST(ComposedDnsClientTest, UsesTheConsolesServersTimeOutAndWait) {
   Console& console = installed.console;
   console.settings().regwrite_dword(console.settings().path_of("DNSTimeout"), 3000);
   dns.server.add("192.0.2.1 PTR mail.example.com");
+  dns.server.set_manner({.delay = milliseconds(20)});
   const auto client = console.components().create<DnsClient>();
   EXPECT_EQ(client->PTR_Query("192.0.2.1"), "mail.example.com");
   EXPECT_EQ(console.resolver().dns_timeout(), milliseconds(3000));
