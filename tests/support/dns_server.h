@@ -42,7 +42,7 @@ class FakeDnsServer {
     // Sends, before each answer, a false one with another identifier, and one from another port.
     bool lies = false;
     // What is sent in place of the answer.
-    std::function<DnsMessage(DnsMessage answer)> rewrite;
+    std::function<DnsMessage(DnsMessage answer)> rewrite = {};
   };
   void set_manner(Manner manner);
 

@@ -36,6 +36,11 @@ std::string reverse_name(const AddressBytes& address) {
   throw Error(status, "no host name for " + std::string(address) + ": " + dns_status_text(status));
 }
 
+// The aliases are the names in the order of the answer; the name itself is the last of them.
+const char* first_name(const hostent& host) {
+  return host.h_aliases != nullptr && *host.h_aliases != nullptr ? *host.h_aliases : host.h_name;
+}
+
 class CaresClient : public DnsClient {
  public:
   explicit CaresClient(DnsSurroundings surroundings) : surroundings_(std::move(surroundings)) {}
@@ -52,7 +57,7 @@ class CaresClient : public DnsClient {
                              static_cast<int>(address.size()), AF_INET, &parsed);
     if (status != ARES_SUCCESS) fail(text, status);
     const std::unique_ptr<hostent, decltype(&ares_free_hostent)> host(parsed, ares_free_hostent);
-    std::string name = valid_utf8(host->h_name);
+    std::string name = valid_utf8(first_name(*host));
     if (name.ends_with('.')) name.pop_back();
     if (name.empty()) fail(text, ARES_ENODATA);
     return name;
