@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "pages/lists/domain_page.h"
+#include "pages/lists/ip_page.h"
 #include "pages/settings/general_page.h"
 
 namespace zrl {
@@ -11,6 +12,7 @@ std::span<const PageEntry> page_catalogue() {
   static constexpr PageEntry entries[] = {
       {"general", "Settings", "General", make_page<GeneralPage>},
       {"domainbw", "Lists", "Domains", make_page<DomainPage>},
+      {"ipbw", "Lists", "IP numbers", make_page<IpPage>},
   };
   return entries;
 }
