@@ -4,6 +4,7 @@
 
 #include "pages/lists/domain_page.h"
 #include "pages/lists/ip_page.h"
+#include "pages/lists/subnet_page.h"
 #include "pages/settings/general_page.h"
 
 namespace zrl {
@@ -13,6 +14,7 @@ std::span<const PageEntry> page_catalogue() {
       {"general", "Settings", "General", make_page<GeneralPage>},
       {"domainbw", "Lists", "Domains", make_page<DomainPage>},
       {"ipbw", "Lists", "IP numbers", make_page<IpPage>},
+      {"subnets", "Lists", "Subnets", make_page<SubnetPage>},
   };
   return entries;
 }
