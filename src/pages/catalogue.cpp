@@ -4,6 +4,7 @@
 
 #include "pages/lists/domain_page.h"
 #include "pages/lists/ip_page.h"
+#include "pages/lists/local_page.h"
 #include "pages/lists/subnet_page.h"
 #include "pages/settings/general_page.h"
 
@@ -15,6 +16,7 @@ std::span<const PageEntry> page_catalogue() {
       {"domainbw", "Lists", "Domains", make_page<DomainPage>},
       {"ipbw", "Lists", "IP numbers", make_page<IpPage>},
       {"subnets", "Lists", "Subnets", make_page<SubnetPage>},
+      {"localstuff", "Lists", "Local domains and IP numbers", make_page<LocalPage>},
   };
   return entries;
 }
