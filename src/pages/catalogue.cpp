@@ -5,6 +5,7 @@
 #include "pages/lists/domain_page.h"
 #include "pages/lists/ip_page.h"
 #include "pages/lists/local_page.h"
+#include "pages/lists/local_user_page.h"
 #include "pages/lists/subnet_page.h"
 #include "pages/settings/general_page.h"
 
@@ -17,6 +18,7 @@ std::span<const PageEntry> page_catalogue() {
       {"ipbw", "Lists", "IP numbers", make_page<IpPage>},
       {"subnets", "Lists", "Subnets", make_page<SubnetPage>},
       {"localstuff", "Lists", "Local domains and IP numbers", make_page<LocalPage>},
+      {"localuser", "Lists", "Local users", make_page<LocalUserPage>},
   };
   return entries;
 }
