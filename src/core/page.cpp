@@ -13,6 +13,7 @@ void Page::initialise() {
 void Page::terminate() {
   run([this] { hide(); });
   drop_database();
+  dns_.reset();
 }
 
 void Page::show() {
@@ -91,6 +92,17 @@ std::string Page::address_of(std::string_view host) {
     throw Error(sockets.last_error(), std::string(trim(error_text)) + " " + sockets.problem());
   });
   return address;
+}
+
+// The page may be left while the event loop is served, so the look-up holds the component.
+std::optional<std::string> Page::host_name_of(std::string_view address) {
+  std::optional<std::string> name;
+  const std::string text = "PTR_Query " + std::string(address);
+  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, [&, dns = dns_] {
+    if (!dns) throw Error(error_number::object_not_set, "no DNS component");
+    name = dns->PTR_Query(address);
+  });
+  return name;
 }
 
 void Page::busy(Button& button, const std::function<void()>& action) {

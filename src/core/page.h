@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/database_client.h"
+#include "core/dns_client.h"
 #include "core/form.h"
 
 namespace zrl {
@@ -61,6 +62,11 @@ class Page : public DatabaseClient, public Form {
   StringList mail_exchangers(std::string_view domain);
   std::string address_of(std::string_view host);
 
+  // The host name of an address, by the DNS component that create_dns_client() made and terminate()
+  // drops; nothing if the look-up failed.
+  void create_dns_client() { dns_ = component<DnsClient>(); }
+  std::optional<std::string> host_name_of(std::string_view address);
+
   // Runs the action with the button disabled, which keeps a second click away.
   void busy(Button& button, const std::function<void()>& action);
 
@@ -71,6 +77,7 @@ class Page : public DatabaseClient, public Form {
   bool look_up_mail_exchangers(std::string_view domain);
 
   std::map<const CheckBox*, std::string_view> switch_keys_;
+  std::shared_ptr<DnsClient> dns_;
 };
 
 }  // namespace zrl

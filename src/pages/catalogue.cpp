@@ -5,9 +5,13 @@
 #include "pages/lists/domain_page.h"
 #include "pages/lists/exception_page.h"
 #include "pages/lists/file_page.h"
+#include "pages/lists/ip_page.h"
 #include "pages/lists/keyword_page.h"
+#include "pages/lists/local_page.h"
+#include "pages/lists/local_user_page.h"
 #include "pages/lists/mail_page.h"
 #include "pages/lists/replacement_page.h"
+#include "pages/lists/subnet_page.h"
 #include "pages/logs/avlog_page.h"
 #include "pages/logs/iplog_page.h"
 #include "pages/logs/keywordlog_page.h"
@@ -21,6 +25,10 @@ std::span<const PageEntry> page_catalogue() {
   static constexpr PageEntry entries[] = {
       {"general", "Settings", "General", make_page<GeneralPage>},
       {"domainbw", "Lists", "Domains", make_page<DomainPage>},
+      {"ipbw", "Lists", "IP numbers", make_page<IpPage>},
+      {"subnets", "Lists", "Subnets", make_page<SubnetPage>},
+      {"localstuff", "Lists", "Local domains and IP numbers", make_page<LocalPage>},
+      {"localuser", "Lists", "Local users", make_page<LocalUserPage>},
       {"wbuser", "Lists", "E-mail addresses", make_page<MailPage>},
       {"keywords", "Lists", "Keywords", make_page<KeywordPage>},
       {"exceptions", "Lists", "Exceptions", make_page<ExceptionPage>},

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <memory>
 
+#include <gtest/gtest.h>
+
 #include "core/registry.h"
 #include "support/installed_console.h"
 
@@ -47,6 +49,35 @@ class ShownPage : public InstalledConsole {
   void put_download(std::string_view name, std::string_view entries) {
     std::filesystem::create_directories(folder.path() / "download");
     std::ofstream(folder.path() / "download" / name) << entries;
+  }
+
+  // Shows the page: every switch is read from its key, and its click writes it there.
+  void expect_switches(std::initializer_list<std::pair<const char*, const char*>> switches) {
+    for (const auto& [box, key] : switches) set_option(key, 1);
+    PageType& page = shown();
+    for (const auto& [box, key] : switches) {
+      auto& control = static_cast<CheckBox&>(*page.find(box));
+      EXPECT_TRUE(control.checked()) << box;
+      control.user_click();
+      EXPECT_EQ(option(key), "0") << key;
+    }
+  }
+
+  // The caption of the transfer dialog that the button opens, and what is recorded when a file that
+  // is not there is imported with it.
+  std::vector<std::string> transfer(Button& button) {
+    std::string caption;
+    host.on_show = [&](Form& dialog) {
+      caption = dialog.caption();
+      dialog.find("source")->user_type("/none/x.txt");
+      dialog.find("import")->user_click();
+      dialog.find("action")->user_click();
+    };
+    forget_activity();
+    button.user_click();
+    std::vector<std::string> result = activity();
+    result.insert(result.begin(), caption);
+    return result;
   }
 
   // The record's path of a reload flag.

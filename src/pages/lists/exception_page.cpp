@@ -26,7 +26,7 @@ ExceptionPage::ExceptionPage(Console& console) : ListPage(console, "exceptions",
   set_layout(column({
       Text1,
       row({addex, removeex}),
-      grow(grid({list_frame(Frame1, exceptdomains, {imleft}), list_frame(Frame2, exceptmails, {imright})})),
+      grow(row({list_frame(Frame1, exceptdomains, {imleft}), list_frame(Frame2, exceptmails, {imright})})),
       row({Command1}),
       frame(Frame3, grid({exceptdomain, exceptmail})),
   }));

@@ -22,8 +22,8 @@ FilePage::FilePage(Console& console) : ListPage(console, "filescanner", "Attachm
 
   set_layout(column({
       Text1,
-      grow(grid({list_frame(Frame1, files, {addfiles, leftim}),
-                 list_frame(Frame2, extension, {addextension, rightim})})),
+      grow(row({list_frame(Frame1, files, {addfiles, leftim}),
+                list_frame(Frame2, extension, {addextension, rightim})})),
       row({deleteit, freshit, remoteupdate}),
       frame(Frame3, grid({checkfiles, checkfilesstream, checkextension})),
   }));

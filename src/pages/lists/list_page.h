@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -69,6 +70,10 @@ class ListPage : public Page {
   std::vector<BoundList> lists_;
   Place place_ = Place::forgotten;
 };
+
+// The domain of an e-mail address as the domain lists hold it: what stands behind the first "@", in
+// small letters; empty if that is no domain, having another "@" or no dot.
+std::string domain_of_address(std::string_view address);
 
 // How every list page shows a list: a titled frame with the list and its buttons below. Several stand
 // side by side in a row.

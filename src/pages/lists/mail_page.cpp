@@ -10,11 +10,6 @@ bool has_at(std::string_view text) {
   return text.find('@') != text.npos;
 }
 
-// What stands behind the first at sign of an address.
-std::string_view domain_of(std::string_view address) {
-  return address.substr(address.find('@') + 1);
-}
-
 }  // namespace
 
 MailPage::MailPage(Console& console) : ListPage(console, "wbuser", "E-mail addresses") {
@@ -32,7 +27,7 @@ MailPage::MailPage(Console& console) : ListPage(console, "wbuser", "E-mail addre
 
   set_layout(column({
       mail,
-      grow(grid(
+      grow(row(
           {list_frame(Frame1, whitel, {addwhite, imright}), list_frame(Frame2, blackl, {addblack, imleft})})),
       row({remove, remotelist}),
       frame(Frame3, grid({checkmail})),
@@ -56,10 +51,8 @@ void MailPage::add(const Side& side) {
   if (has_at(address)) {
     execute(insert_into(side.table, "entry", address));
     execute(delete_from(side.other_table, "entry", address));
-    const std::string_view domain = domain_of(address);
-    if (!has_at(domain) && domain.find('.') != domain.npos) {
-      execute(delete_from(side.other_domains, "entry", domain));
-    }
+    const std::string domain = domain_of_address(address);
+    if (!domain.empty()) execute(delete_from(side.other_domains, "entry", domain));
     fill_lists();
   }
   raise_flag(side.flag);

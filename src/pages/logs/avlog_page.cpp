@@ -58,11 +58,6 @@ void AvlogPage::load() {
   refresh_log();
 }
 
-void AvlogPage::hide() {
-  rows_ = {};
-  LogPage::hide();
-}
-
 void AvlogPage::refresh_log() {
   rows_ = read_log("SELECT * from avlog order by servertime desc", "reason", Texts::trimmed_lower_case);
   control14.set_items(rows_.lines());

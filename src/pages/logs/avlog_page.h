@@ -47,7 +47,6 @@ class AvlogPage : public LogPage {
 
  private:
   void load() override;
-  void hide() override;
 
   void refresh_log();
   void click_row();

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "core/error.h"
 #include "core/text.h"
 
 namespace zrl {
@@ -53,16 +52,6 @@ void LogPage::unlist_domain(std::string_view domain) {
 
 void LogPage::connect_by_telnet(const std::string& target) {
   run_program("telnet.exe", {target, "25"});
-}
-
-std::optional<std::string> LogPage::host_name_of(std::string_view address) {
-  std::optional<std::string> name;
-  const std::string text = "PTR_Query " + std::string(address);
-  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, [&] {
-    if (!dns_) throw Error(error_number::object_not_set, "no DNS component");
-    name = dns_->PTR_Query(address);
-  });
-  return name;
 }
 
 StringList LogPage::LogRows::lines() const {

@@ -2,12 +2,9 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 
-#include "core/dns_client.h"
 #include "core/page.h"
 #include "core/string_list.h"
 
@@ -40,11 +37,6 @@ class LogPage : public Page {
   // Opens a connection to port 25.
   void connect_by_telnet(const std::string& target);
 
-  // The component is kept while the page is shown.
-  void create_dns_client() { dns_ = component<DnsClient>(); }
-  // Nothing if the look-up failed.
-  std::optional<std::string> host_name_of(std::string_view address);
-
   // The rows of a log that is read as a whole: the texts of a column are one list, and all four lists
   // are of the same length. A log that cannot be read is empty.
   struct LogRows {
@@ -69,11 +61,6 @@ class LogPage : public Page {
   // Chooses an item without running its click; an index that is not there chooses nothing.
   static void select(ListBox& box, std::int64_t index);
   static void select_last(ListBox& box) { select(box, static_cast<std::int64_t>(box.items().size()) - 1); }
-
-  void hide() override { dns_.reset(); }
-
- private:
-  std::shared_ptr<DnsClient> dns_;
 };
 
 }  // namespace zrl

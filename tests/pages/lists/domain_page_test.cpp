@@ -109,22 +109,11 @@ TEST_F(DomainPageTest, AddressesInTheTablesAreNotShownAndAClickedPlaceIsKept) {
 }
 
 TEST_F(DomainPageTest, EachSwitchHasItsKey) {
-  const struct {
-    const char* box;
-    const char* key;
-  } cases[] = {{"RetunPath", "ReturnPath"},
-               {"dcheck", "checkbodydom"},
-               {"hcheck", "checkheaderdom"},
-               {"checkbw", "checkbw"},
-               {"checkblhelo", "checkblhelo"}};
-  for (const auto& [box, key] : cases) set_option(key, 1);
-  DomainPage& page = shown();
-  for (const auto& [box, key] : cases) {
-    auto& control = static_cast<CheckBox&>(*page.find(box));
-    EXPECT_TRUE(control.checked()) << box;
-    control.user_click();
-    EXPECT_EQ(option(key), "0") << key;
-  }
+  expect_switches({{"RetunPath", "ReturnPath"},
+                   {"dcheck", "checkbodydom"},
+                   {"hcheck", "checkheaderdom"},
+                   {"checkbw", "checkbw"},
+                   {"checkblhelo", "checkblhelo"}});
 }
 
 TEST_F(DomainPageTest, TheTransferDialogMovesTheListAndRaisesOneFlag) {
