@@ -31,9 +31,13 @@ void initialise_library() {
   check(status);
 }
 
+// One list for c-ares, which refuses a whole list for one server with an interface ("fe80::1%eth0").
 std::string joined(const std::vector<std::string>& servers) {
   std::string result;
-  for (const std::string& server : servers) result.append(result.empty() ? "" : ",").append(server);
+  for (const std::string& server : servers) {
+    if (server.find('%') != server.npos) continue;
+    result.append(result.empty() ? "" : ",").append(server);
+  }
   return result;
 }
 
@@ -41,7 +45,7 @@ std::string joined(const std::vector<std::string>& servers) {
 
 DnsQueries::DnsQueries(const DnsSurroundings& surroundings) : surroundings_(surroundings) {
   initialise_library();
-  const std::vector<std::string> servers = surroundings_.servers();
+  const std::string servers = joined(surroundings_.servers());
   if (servers.empty()) throw Error(ARES_ESERVFAIL, "no DNS server is known");
   timeout_ = surroundings_.timeout();
   ares_options options{};
@@ -56,7 +60,7 @@ DnsQueries::DnsQueries(const DnsSurroundings& surroundings) : surroundings_(surr
   check(ares_init_options(
       &channel_, &options,
       ARES_OPT_FLAGS | ARES_OPT_TIMEOUTMS | ARES_OPT_TRIES | ARES_OPT_RESOLVCONF | ARES_OPT_LOOKUPS));
-  const int status = ares_set_servers_ports_csv(channel_, joined(servers).c_str());
+  const int status = ares_set_servers_ports_csv(channel_, servers.c_str());
   if (status != ARES_SUCCESS) ares_destroy(channel_);
   check(status);
 }

@@ -82,7 +82,7 @@ TEST_F(DnsClientTest, RepeatsAndGoesToTheNextServer) {
   EXPECT_EQ(server.queries().size(), 2U);
 
   auto gone = std::make_unique<test::FakeDnsServer>();
-  servers = {at(*gone), at(server)};
+  servers = {"[fe80::1%lo]:53", at(*gone), at(server)};
   gone.reset();
   EXPECT_EQ(ptr("192.0.2.1"), "mail.example.com");
 }
