@@ -12,7 +12,9 @@
 #include "core/components.h"
 #include "core/database.h"
 #include "core/host.h"
+#include "core/html_text.h"
 #include "core/localisation.h"
+#include "core/pattern_matcher.h"
 #include "core/settings.h"
 
 namespace zrl {
@@ -38,6 +40,8 @@ class Console {
   ComponentRegistry& components() { return components_; }
   Settings& settings() { return settings_; }
   Localisation& localisation() { return localisation_; }
+  PatternMatcher& pattern_matcher() { return pattern_matcher_; }
+  HtmlText& html_text() { return html_text_; }
   ActivityRecord& activity() { return activity_; }
   std::chrono::system_clock::time_point now() const { return clock_(); }
 
@@ -71,6 +75,8 @@ class Console {
   ComponentRegistry components_;
   Settings settings_;
   Localisation localisation_;
+  PatternMatcher pattern_matcher_;
+  HtmlText html_text_;
   std::vector<std::weak_ptr<Connection>> unsettled_;
   std::vector<std::shared_ptr<Form>> dialogs_;
   int action_depth_ = 0;
