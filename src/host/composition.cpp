@@ -1,6 +1,7 @@
 #include "host/composition.h"
 
 #include "components/dns/cares_client.h"
+#include "components/html/html_text_converter.h"
 #include "components/locale/catalogue_translator.h"
 #include "components/pcre2/pcre2_regexp.h"
 #include "components/sqlite/sqlite_components.h"
@@ -26,6 +27,7 @@ std::vector<std::string> server_texts(Resolver& resolver) {
 void register_components(Console& console) {
   ComponentRegistry& components = console.components();
   components.add<Translator>(make_translator_factory());
+  components.add<HtmlConverter>(make_html_converter_factory());
   components.add<RegExp>(make_regexp_factory());
 
   const auto registry = make_registry_store(console.folder());
