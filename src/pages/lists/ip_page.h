@@ -74,7 +74,7 @@ class IpPage : public ListPage {
   void hide() override { dns_.reset(); }
   void fill_lists() override;
 
-  void change(bool (IpPage::*operation)(std::string_view));
+  void change(bool (DatabaseClient::*operation)(std::string_view));
   void click_autobl();
   void find_host_name();
   void list_domain(Literal own, Literal other);
