@@ -52,7 +52,7 @@ void IpPage::fill_lists() {
   fill_list_boxes();
 }
 
-void IpPage::change(bool (IpPage::*operation)(std::string_view)) {
+void IpPage::change(bool (DatabaseClient::*operation)(std::string_view)) {
   if (is_ip_address(ip.text())) {
     (this->*operation)(ip.text());
   } else {

@@ -70,7 +70,7 @@ class IpPage : public ListPage {
   void load() override;
   void fill_lists() override;
 
-  void change(bool (IpPage::*operation)(std::string_view));
+  void change(bool (DatabaseClient::*operation)(std::string_view));
   void click_autobl();
   void find_host_name();
   void list_domain(Literal own, Literal other);
