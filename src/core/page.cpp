@@ -94,14 +94,16 @@ std::string Page::address_of(std::string_view host) {
   return address;
 }
 
-// The page may be left while the event loop is served, so the look-up holds the component.
+// The page may be left, and the control that holds the address changed, while the event loop is
+// served; the look-up holds its own.
 std::optional<std::string> Page::host_name_of(std::string_view address) {
   std::optional<std::string> name;
   const std::string text = "PTR_Query " + std::string(address);
-  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, [&, dns = dns_] {
-    if (!dns) throw Error(error_number::object_not_set, "no DNS component");
-    name = dns->PTR_Query(address);
-  });
+  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read,
+                    [&, dns = dns_, held = std::string(address)] {
+                      if (!dns) throw Error(error_number::object_not_set, "no DNS component");
+                      name = dns->PTR_Query(held);
+                    });
   return name;
 }
 
