@@ -146,6 +146,10 @@ bool DatabaseClient::export_file(Literal column, Literal table, std::string_view
                        [&] { return component_or_throw().export_(column, table, {}, path, overwrite); });
 }
 
+bool DatabaseClient::adad() {
+  return component_step("adad", [&] { component_or_throw().adad(); });
+}
+
 bool DatabaseClient::lcase_table(Literal table, Literal column) {
   return component_step(words({"lcase_table", table.text(), column.text()}),
                         [&] { component_or_throw().lcase_table(table, column); });

@@ -90,6 +90,7 @@ class DatabaseClient {
   bool delete_file(Literal column, Literal table, std::string_view path);
   bool export_file(Literal column, Literal table, std::string_view path, bool overwrite);
 
+  bool adad();
   bool lcase_table(Literal table, Literal column);
   bool create_table(Literal table, Literal columns);
 

@@ -14,7 +14,6 @@ constexpr std::size_t longest_address = 254;
 constexpr std::size_t longest_local_part = 64;
 constexpr std::size_t longest_domain = 253;
 constexpr std::size_t longest_label = 63;
-constexpr std::size_t longest_name = 256;
 
 bool is_letter_or_digit(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
@@ -73,34 +72,30 @@ bool has_controls(std::string_view text) {
   return std::ranges::any_of(text, [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; });
 }
 
-// Where the entry at the beginning of the text ends: a separator in quotes or in angle brackets is
-// part of it.
+// Where the entry at the beginning of the text ends.
 std::size_t end_of_entry(std::string_view text) {
   bool quoted = false;
   bool bracketed = false;
+  int comments = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
-    if (quoted && c == '\\') {
+    if ((quoted || comments > 0) && c == '\\') {
       ++i;
-    } else if (c == '"') {
+    } else if (comments == 0 && c == '"') {
       quoted = !quoted;
-    } else if (!quoted && (c == '<' || c == '>')) {
+    } else if (quoted) {
+      continue;
+    } else if (c == '(') {
+      ++comments;
+    } else if (c == ')') {
+      comments -= comments > 0 ? 1 : 0;
+    } else if (c == '<' || c == '>') {
       bracketed = c == '<';
-    } else if (!quoted && !bracketed && (c == ',' || c == ';')) {
+    } else if (!bracketed && comments == 0 && (c == ',' || c == ';')) {
       return i;
     }
   }
   return text.size();
-}
-
-std::string unquoted(std::string_view text) {
-  std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '"') continue;
-    if (text[i] == '\\' && i + 1 < text.size()) ++i;
-    result += text[i];
-  }
-  return std::string(trim(result));
 }
 
 std::optional<Mailbox> parse_mailbox(std::string_view entry) {
@@ -111,22 +106,50 @@ std::optional<Mailbox> parse_mailbox(std::string_view entry) {
     const std::size_t open = entry.rfind('<');
     if (open == entry.npos) return std::nullopt;
     address = trim(entry.substr(open + 1, entry.size() - open - 2));
-    mailbox.name = unquoted(entry.substr(0, open));
+    mailbox.name = unquoted_name(entry.substr(0, open));
   }
-  if (!is_mail_address(address) || mailbox.name.size() > longest_name) return std::nullopt;
+  if (!is_mail_address(address) || mailbox.name.size() > Mailbox::longest_name) return std::nullopt;
   mailbox.address = address;
   return mailbox;
 }
 
 }  // namespace
 
-MailboxList parse_mailboxes(std::string_view text) {
-  MailboxList result;
+std::string unquoted_name(std::string_view text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '"') continue;
+    if (text[i] == '\\' && i + 1 < text.size()) ++i;
+    result += text[i];
+  }
+  return std::string(trim(result));
+}
+
+std::vector<std::string_view> split_mailboxes(std::string_view text) {
+  std::vector<std::string_view> entries;
   while (!text.empty()) {
     const std::size_t end = end_of_entry(text);
     const std::string_view entry = trim(text.substr(0, end));
     text.remove_prefix(std::min(end + 1, text.size()));
-    if (entry.empty()) continue;
+    if (!entry.empty()) entries.push_back(entry);
+  }
+  return entries;
+}
+
+std::string to_text(const Mailbox& mailbox) {
+  if (mailbox.name.empty()) return mailbox.address;
+  std::string name;
+  for (const char c : mailbox.name) {
+    if (c == '"' || c == '\\') name += '\\';
+    name += c;
+  }
+  if (name.find_first_of("()<>[]:;@\\,.\"") != name.npos) name = '"' + name + '"';
+  return name + " <" + mailbox.address + ">";
+}
+
+MailboxList parse_mailboxes(std::string_view text) {
+  MailboxList result;
+  for (const std::string_view entry : split_mailboxes(text)) {
     std::optional<Mailbox> mailbox = parse_mailbox(entry);
     if (!mailbox) {
       result.wrong = entry;

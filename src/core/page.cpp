@@ -13,6 +13,7 @@ void Page::initialise() {
 void Page::terminate() {
   run([this] { hide(); });
   drop_database();
+  dns_.reset();
 }
 
 void Page::show() {
@@ -73,8 +74,8 @@ std::string Page::find_mail_exchanger(std::string_view domain) {
   return look_up_mail_exchangers(domain) ? console().resolver().best_mx() : std::string();
 }
 
-std::vector<std::string> Page::mail_exchangers(std::string_view domain) {
-  std::vector<std::string> result;
+StringList Page::mail_exchangers(std::string_view domain) {
+  StringList result;
   if (!look_up_mail_exchangers(domain)) return result;
   for (const MailExchanger& found : console().resolver().mx_list()) result.push_back(found.exchange);
   return result;
@@ -91,6 +92,19 @@ std::string Page::address_of(std::string_view host) {
     throw Error(sockets.last_error(), std::string(trim(error_text)) + " " + sockets.problem());
   });
   return address;
+}
+
+// The page may be left, and the control that holds the address changed, while the event loop is
+// served; the look-up holds its own.
+std::optional<std::string> Page::host_name_of(std::string_view address) {
+  std::optional<std::string> name;
+  const std::string text = "PTR_Query " + std::string(address);
+  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read,
+                    [&, dns = dns_, held = std::string(address)] {
+                      if (!dns) throw Error(error_number::object_not_set, "no DNS component");
+                      name = dns->PTR_Query(held);
+                    });
+  return name;
 }
 
 void Page::busy(Button& button, const std::function<void()>& action) {

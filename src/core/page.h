@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/database_client.h"
+#include "core/dns_client.h"
 #include "core/form.h"
 
 namespace zrl {
@@ -54,13 +55,17 @@ class Page : public DatabaseClient, public Form {
   // name gets the ending ".exe" if it lacks it.
   bool run_program(std::string_view program, std::vector<std::string> operands, std::string_view folder = {});
 
-  // Look-ups in the DNS. The event loop is served meanwhile; one that finds nothing is a failed read.
-  // The mail exchanger with the lowest preference, a dot at its end; or empty.
+  // Look-ups in the DNS, the event loop served meanwhile. One that finds nothing is a failed read and
+  // empty: the mail exchanger with the lowest preference, a dot at its end; all of them by ascending
+  // preference; the first IPv4 address of a host, or of this machine if the text is blank.
   std::string find_mail_exchanger(std::string_view domain);
-  // All of them, by ascending preference.
-  std::vector<std::string> mail_exchangers(std::string_view domain);
-  // The first IPv4 address, dotted, of a host; of this machine if the text is blank; or empty.
+  StringList mail_exchangers(std::string_view domain);
   std::string address_of(std::string_view host);
+
+  // The host name of an address, by the DNS component that create_dns_client() made and terminate()
+  // drops; nothing if the look-up failed.
+  void create_dns_client() { dns_ = component<DnsClient>(); }
+  std::optional<std::string> host_name_of(std::string_view address);
 
   // Runs the action with the button disabled, which keeps a second click away.
   void busy(Button& button, const std::function<void()>& action);
@@ -72,6 +77,7 @@ class Page : public DatabaseClient, public Form {
   bool look_up_mail_exchangers(std::string_view domain);
 
   std::map<const CheckBox*, std::string_view> switch_keys_;
+  std::shared_ptr<DnsClient> dns_;
 };
 
 }  // namespace zrl

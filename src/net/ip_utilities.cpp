@@ -74,7 +74,7 @@ bool stop_sockets(SocketPlatform& platform, std::string& error_text) {
 std::string host_address(SocketPlatform& platform, std::string_view name, std::string& error_text) {
   error_text.clear();
   if (!start_sockets(platform, error_text)) return {};
-  const std::string address = resolve(platform, std::string(trim(name)), error_text);
+  std::string address = resolve(platform, std::string(trim(name)), error_text);
   stop_sockets(platform, error_text);
   return address;
 }

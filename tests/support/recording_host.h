@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "core/form.h"
@@ -25,9 +26,10 @@ class RecordingHost : public Host {
     ++yields;
     if (on_process_events) on_process_events();
   }
-  void wait(std::chrono::milliseconds) override {
+  void wait(std::chrono::milliseconds time) override {
     ++waits;
     if (on_wait) on_wait();
+    std::this_thread::sleep_for(time);
   }
   void start_program(const ProgramStart& program) override { programs.push_back(program); }
   void offer_file(const std::filesystem::path& path) override { offered.push_back(path); }

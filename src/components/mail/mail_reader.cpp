@@ -7,6 +7,8 @@
 #include "components/mail/body_text.h"
 #include "components/mail/mime_library.h"
 #include "components/mail/mime_structure.h"
+#include "core/encoded_words.h"
+#include "core/mail_address.h"
 #include "core/text.h"
 
 namespace zrl {
@@ -15,8 +17,6 @@ namespace {
 
 constexpr int deepest_nesting = 20;
 constexpr int most_parts = 10'000;
-// The library reads groups of addresses by recursion, and a group has a colon.
-constexpr std::ptrdiff_t most_colons = 100;
 
 bool is_control(char c) {
   return (c >= '\0' && c < ' ') || c == '\x7F';
@@ -41,22 +41,41 @@ std::string without_controls(const std::string& field) {
   return result;
 }
 
-std::string decoded_text(GMimeParserOptions* options, const std::string& field) {
-  const MimeText text(g_mime_utils_header_decode_text(options, without_controls(field).c_str()));
-  return text ? std::string(text.get()) : std::string();
+// A field in UTF-8, its encoded words decoded; bytes that should not be there are taken for text as a
+// body's are.
+std::string decoded(const std::string& field) {
+  return one_line(decode_encoded_words(body_text(without_controls(field), {}, 2 * longest_field)),
+                  longest_field);
 }
 
-// Names with the quotes that they need, so that the text can be read again as it is.
-std::string decoded_addresses(GMimeParserOptions* options, const std::string& field) {
-  const std::string text = without_controls(field);
-  if (std::ranges::count(text, ':') <= most_colons) {
-    const MimeRef<InternetAddressList> list(internet_address_list_parse(options, text.c_str()));
-    if (list && internet_address_list_length(list.get()) > 0) {
-      const MimeText decoded(internet_address_list_to_string(list.get(), nullptr, FALSE));
-      if (decoded) return decoded.get();
-    }
+std::string cut(const std::string& text, std::size_t limit) {
+  return text.size() <= limit ? text : one_line(text, limit);
+}
+
+// The entry as the text of a mailbox, so that it can be read again; what is none is only decoded.
+std::string decoded_entry(std::string_view entry) {
+  Mailbox mailbox;
+  const std::size_t bracket = entry.rfind('<');
+  const std::size_t comment = entry.find('(');
+  if (entry.ends_with('>') && bracket != entry.npos) {
+    mailbox.name = unquoted_name(entry.substr(0, bracket));
+    mailbox.address = trim(entry.substr(bracket + 1, entry.size() - bracket - 2));
+  } else if (entry.ends_with(')') && comment != entry.npos) {
+    mailbox.name = entry.substr(comment + 1, entry.size() - comment - 2);
+    mailbox.address = trim(entry.substr(0, comment));
   }
-  return decoded_text(options, field);
+  if (!is_mail_address(mailbox.address)) return decoded(std::string(entry));
+  mailbox.name = cut(decoded(mailbox.name), Mailbox::longest_name);
+  return to_text(mailbox);
+}
+
+std::string decoded_mailboxes(const std::string& field) {
+  std::string result;
+  for (const std::string_view entry : split_mailboxes(field)) {
+    if (!result.empty()) result += ", ";
+    result += decoded_entry(entry);
+  }
+  return one_line(result, longest_field);
 }
 
 // What is no type counts as plain text (RFC 2045, section 5.2).
@@ -74,11 +93,9 @@ struct Leaf {
 // Looks for both bodies in a message.
 class BodySearch {
  public:
-  explicit BodySearch(GMimeParserOptions* options) : options_(options) {}
-
   void visit(const MimeEntity& entity, int depth) {
     const MimeRef<GMimeContentType> type(
-        g_mime_content_type_parse(options_, content_type(entity.field(MimeField::content_type)).c_str()));
+        g_mime_content_type_parse(nullptr, content_type(entity.field(MimeField::content_type)).c_str()));
     if (g_mime_content_type_is_type(type.get(), "multipart", "*")) {
       const char* boundary = g_mime_content_type_get_parameter(type.get(), "boundary");
       if (boundary != nullptr && depth < deepest_nesting) visit_parts(entity, boundary, depth);
@@ -106,11 +123,11 @@ class BodySearch {
   }
 
   // A disposition that nobody knows counts as an attachment (RFC 2183, section 2.8).
-  bool is_attachment(const MimeEntity& entity) const {
+  static bool is_attachment(const MimeEntity& entity) {
     const std::string& field = entity.field(MimeField::content_disposition);
     if (trim(field).empty()) return false;
     const MimeRef<GMimeContentDisposition> disposition(
-        g_mime_content_disposition_parse(options_, without_controls(field).c_str()));
+        g_mime_content_disposition_parse(nullptr, without_controls(field).c_str()));
     const char* kind = g_mime_content_disposition_get_disposition(disposition.get());
     return kind == nullptr || !equals_ignoring_case(kind, "inline");
   }
@@ -123,7 +140,6 @@ class BodySearch {
                  charset == nullptr ? std::string() : std::string(charset)}};
   }
 
-  GMimeParserOptions* options_;
   int parts_ = 0;
 };
 
@@ -134,15 +150,14 @@ std::string text_of(const std::optional<Leaf>& leaf) {
 }  // namespace
 
 Mail read_mail(std::string_view source) {
-  const ParserOptions options = make_parser_options();
+  initialise_mime_library();
   const MimeEntity message = read_entity(source.substr(0, MailMessage::longest_source));
-  BodySearch search(options.get());
+  BodySearch search;
   search.visit(message, 0);
   Mail mail;
-  mail.sender = one_line(decoded_addresses(options.get(), message.field(MimeField::from)), longest_field);
-  mail.recipient = one_line(decoded_addresses(options.get(), message.field(MimeField::to)), longest_field);
-  mail.subject =
-      one_line(decoded_text(options.get(), message.field(MimeField::subject)), MailMessage::longest_subject);
+  mail.sender = decoded_mailboxes(message.field(MimeField::from));
+  mail.recipient = decoded_mailboxes(message.field(MimeField::to));
+  mail.subject = cut(decoded(message.field(MimeField::subject)), MailMessage::longest_subject);
   mail.text_body = text_of(search.text);
   mail.html_body = text_of(search.html);
   return mail;

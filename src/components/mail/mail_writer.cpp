@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "components/mail/mime_library.h"
+#include "core/base64.h"
 #include "core/text.h"
 
 namespace zrl {
@@ -97,9 +98,8 @@ std::string encoded_words(std::string_view text) {
   while (!text.empty()) {
     std::size_t size = std::min(text.size(), bytes_in_word);
     while (size < text.size() && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) --size;
-    const MimeText word(g_base64_encode(reinterpret_cast<const unsigned char*>(text.data()), size));
     if (!result.empty()) result += "\n ";
-    result.append("=?utf-8?B?").append(word.get()).append("?=");
+    result.append("=?utf-8?B?").append(base64_encode(text.substr(0, size))).append("?=");
     text.remove_prefix(size);
   }
   return result;
@@ -108,12 +108,7 @@ std::string encoded_words(std::string_view text) {
 std::string written(const Mailbox& mailbox) {
   if (mailbox.name.empty()) return mailbox.address;
   if (!is_plain(mailbox.name)) return encoded_words(mailbox.name) + "\n <" + mailbox.address + ">";
-  std::string quoted;
-  for (const char c : mailbox.name) {
-    if (c == '"' || c == '\\') quoted += '\\';
-    quoted += c;
-  }
-  return "\"" + quoted + "\" <" + mailbox.address + ">";
+  return to_text(mailbox);
 }
 
 std::string written(const std::vector<Mailbox>& mailboxes) {

@@ -21,12 +21,4 @@ struct FreeText {
 };
 using MimeText = std::unique_ptr<char, FreeText>;
 
-struct FreeParserOptions {
-  void operator()(GMimeParserOptions* options) const { g_mime_parser_options_free(options); }
-};
-using ParserOptions = std::unique_ptr<GMimeParserOptions, FreeParserOptions>;
-
-// How foreign headers are read: leniently, and bytes beyond ASCII as UTF-8 or windows-1252.
-ParserOptions make_parser_options();
-
 }  // namespace zrl

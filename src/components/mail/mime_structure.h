@@ -8,9 +8,9 @@
 // How a mail is put together: headers and multiparts.
 //
 // The library has a parser for whole messages too. It keeps objects for every field and part, walks a
-// stack of boundaries for every line, and reads addresses recursively, so that a mail of a few
-// megabytes can take gigabytes or half a minute, or overflow the stack. Here a mail is only looked at,
-// and the library reads single fields and bodies of bounded size.
+// stack of boundaries for every line, reads addresses recursively, and loses what follows an encoded
+// word with padding: a mail of a few megabytes can take gigabytes or half a minute, or overflow the
+// stack. Here a mail is only looked at, and the library reads types and bodies of bounded size.
 namespace zrl {
 
 enum class MimeField { from, to, subject, content_type, content_disposition, content_transfer_encoding };

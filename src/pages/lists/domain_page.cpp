@@ -96,8 +96,8 @@ void DomainPage::find_exchanger_address() {
 }
 
 void DomainPage::find_exchanger_name() {
-  const std::vector<std::string> exchangers = mail_exchangers(Text1.text());
-  if (!exchangers.empty()) mxip.set_text(exchangers.back());
+  const StringList exchangers = mail_exchangers(Text1.text());
+  if (!exchangers.empty()) mxip.set_text(exchangers[exchangers.size() - 1]);
 }
 
 void DomainPage::list_address(bool black) {

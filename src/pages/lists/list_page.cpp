@@ -3,6 +3,7 @@
 #include <limits>
 #include <memory>
 
+#include "core/text.h"
 #include "pages/lists/transfer_dialog.h"
 
 namespace zrl {
@@ -71,6 +72,14 @@ void ListPage::update_lists(std::span<const ListFile> files) {
   std::string status;
   fetch_lists(*this, component<Downloader>(), status);
   merge_lists(*this, console(), files);
+}
+
+std::string domain_of_address(std::string_view address) {
+  const std::size_t at = address.find('@');
+  if (at == address.npos) return {};
+  const std::string_view domain = address.substr(at + 1);
+  const bool valid = domain.find('@') == domain.npos && domain.find('.') != domain.npos;
+  return valid ? lower(domain) : std::string();
 }
 
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -10,9 +11,6 @@
 #include "pages/lists/remote_update.h"
 
 namespace zrl {
-
-// What entry fields show instead of an address that is none.
-inline constexpr std::string_view not_an_ip_number = "Not a valid IP. Please enter only IP Numbers";
 
 // A page that edits lists. A list is a table of one text column, shown in a list box; one text field
 // holds the entry that is added or removed, and clicking an item copies it there. What a list box
@@ -72,6 +70,10 @@ class ListPage : public Page {
   std::vector<BoundList> lists_;
   Place place_ = Place::forgotten;
 };
+
+// The domain of an e-mail address as the domain lists hold it: what stands behind the first "@", in
+// small letters; empty if that is no domain, having another "@" or no dot.
+std::string domain_of_address(std::string_view address);
 
 // How every list page shows a list: a titled frame with the list and its buttons below. Several stand
 // side by side in a row.

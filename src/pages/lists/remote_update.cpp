@@ -1,5 +1,7 @@
 #include "pages/lists/remote_update.h"
 
+#include <algorithm>
+
 #include "core/error.h"
 #include "core/paths.h"
 
@@ -74,9 +76,24 @@ std::span<const ListFile> mail_list_files() {
   return share(21, 22);
 }
 
+std::vector<std::string> published_list_files() {
+  std::vector<std::string> names;
+  for (const ListFile& file : files_of_update) {
+    std::string name = to_file_path(file.file.text()).filename().string();
+    if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
+  }
+  return names;
+}
+
 bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& downloader, std::string& status) {
   if (!downloader) return false;
-  return client.component_step("updateall", [&] { status = downloader->updateall(); });
+  const bool fetched = client.component_step("updateall", [&] { status = downloader->updateall(); });
+  if (!fetched) return false;
+  for (const Downloader::Failure& failure : downloader->failures()) {
+    client.component_step("updateall " + failure.file,
+                          [&] { throw Error(error_number::invalid_call, failure.reason); });
+  }
+  return true;
 }
 
 void merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files) {

@@ -46,7 +46,8 @@ TEST(MailSubjects, AreDecoded) {
       {"=?iso-2022-jp?B?GyRCRnxLXBsoQg==?=", "日本"},
       {"caf\xE9", "café"},  // bare bytes
       {"caf\xC3\xA9", "café"},
-      {"=?no-such-set?q?abc?=", "abc"},
+      {"=?no-such-set?q?abc?=", "=?no-such-set?q?abc?="},
+      {"=?utf-8?B?R3I=?= =?utf-8?B?w7w=?= =?utf-8?B?w59l?=", "Grüße"},
       {"=?utf-8?q?a=0D=0ABcc:_x@y?=", "a  Bcc: x@y"},  // no second line
       {"=?utf-8?q?a=1B[2Jb?=", "a [2Jb"},
       {"=?utf-8?q?open", "=?utf-8?q?open"},
@@ -65,7 +66,11 @@ TEST(MailAddresses, KeepWhatTheyNeedToBeReadAgain) {
       {"=?utf-8?q?M=C3=BCller=2C_Ann?= <ann@example.com>", "\"Müller, Ann\" <ann@example.com>"},
       {"ann@example.com (Ann)", "Ann <ann@example.com>"},
       {"a@b.c,\r\n d@e.f", "a@b.c, d@e.f"},
-      {"undisclosed-recipients:;", "undisclosed-recipients: ;"},
+      {"undisclosed-recipients:;", "undisclosed-recipients:"},
+      {"\"=?utf-8?B?QQ==?= =?utf-8?B?Qg==?=\" <a@b>", "AB <a@b>"},
+      {"caf\xE9 <a@b>", "café <a@b>"},
+      {"a@b (Ex, A.)", "\"Ex, A.\" <a@b>"},
+      {"A <no address>, b@c", "A <no address>, b@c"},
       {"<>", "<>"},
       {"", ""},
   };

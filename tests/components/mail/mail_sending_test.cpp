@@ -54,7 +54,7 @@ TEST(Sending, HandsOverEnvelopeAndMessage) {
   EXPECT_THAT(taken.recipients, ElementsAre("bob@example.org", "carol@example.net"));
   EXPECT_FALSE(taken.encrypted);
   EXPECT_THAT(taken.data, HasSubstr("From: ann@example.com\r\n"));
-  EXPECT_THAT(taken.data, HasSubstr("To: \"Bob\" <bob@example.org>,\r\n carol@example.net\r\n"));
+  EXPECT_THAT(taken.data, HasSubstr("To: Bob <bob@example.org>,\r\n carol@example.net\r\n"));
   EXPECT_THAT(taken.data, HasSubstr("Subject: Hello\r\n"));
   EXPECT_THAT(taken.data, HasSubstr("Date: "));
   EXPECT_THAT(taken.data, MatchesRegex(".*\r\nMessage-Id: <[^<>@ ]+@example\\.com>\r\n.*"));

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "pages/lists/list_page_test.h"
+#include "support/shown_page.h"
 
 namespace zrl {
 namespace {
@@ -13,7 +13,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class DomainPageTest : public testing::Test, public test::ListPageTest<DomainPage> {
+class DomainPageTest : public testing::Test, public test::ShownPage<DomainPage> {
  protected:
   std::string version() { return "set_string version=" + registry("ProductVersion"); }
 };
@@ -109,22 +109,11 @@ TEST_F(DomainPageTest, AddressesInTheTablesAreNotShownAndAClickedPlaceIsKept) {
 }
 
 TEST_F(DomainPageTest, EachSwitchHasItsKey) {
-  const struct {
-    const char* box;
-    const char* key;
-  } cases[] = {{"RetunPath", "ReturnPath"},
-               {"dcheck", "checkbodydom"},
-               {"hcheck", "checkheaderdom"},
-               {"checkbw", "checkbw"},
-               {"checkblhelo", "checkblhelo"}};
-  for (const auto& [box, key] : cases) set_option(key, 1);
-  DomainPage& page = shown();
-  for (const auto& [box, key] : cases) {
-    auto& control = static_cast<CheckBox&>(*page.find(box));
-    EXPECT_TRUE(control.checked()) << box;
-    control.user_click();
-    EXPECT_EQ(option(key), "0") << key;
-  }
+  expect_switches({{"RetunPath", "ReturnPath"},
+                   {"dcheck", "checkbodydom"},
+                   {"hcheck", "checkheaderdom"},
+                   {"checkbw", "checkbw"},
+                   {"checkblhelo", "checkblhelo"}});
 }
 
 TEST_F(DomainPageTest, TheTransferDialogMovesTheListAndRaisesOneFlag) {
