@@ -40,10 +40,40 @@ constexpr ListFile files_of_update[] = {
     {drop, "entry", "blackmail", "\\download\\deluserblack.txt"},
 };
 
+constexpr std::span<const ListFile> share(std::size_t first_step, std::size_t last_step) {
+  return std::span(files_of_update).subspan(first_step - 1, last_step - first_step + 1);
+}
+
+// As in the update of all lists, but for the last two, which change places.
+constexpr ListFile keyword_files[] = {
+    files_of_update[12], files_of_update[13], files_of_update[14], files_of_update[15],
+    files_of_update[16], files_of_update[17], files_of_update[19], files_of_update[18],
+};
+
 }  // namespace
 
 std::span<const ListFile> all_list_files() {
   return files_of_update;
+}
+
+std::span<const ListFile> attachment_list_files() {
+  return share(1, 4);
+}
+
+std::span<const ListFile> domain_list_files() {
+  return share(5, 8);
+}
+
+std::span<const ListFile> address_list_files() {
+  return share(9, 12);
+}
+
+std::span<const ListFile> keyword_list_files() {
+  return keyword_files;
+}
+
+std::span<const ListFile> mail_list_files() {
+  return share(21, 22);
 }
 
 std::vector<std::string> published_list_files() {
