@@ -154,7 +154,7 @@ export async function signIn(page) {
 
 /** Opens a page from the sidebar and waits until it is drawn. */
 export async function openPage(page, title, name) {
-  await page.getByRole('navigation').getByRole('link', { name: title }).click()
+  await page.getByRole('navigation').getByRole('link', { name: title, exact: true }).click()
   await page.locator(`main [data-control^="c-${name}-"]`).first().waitFor()
 }
 
