@@ -201,8 +201,9 @@ std::string captions_message(Console& console, std::span<const PageEntry> pages)
   return json::serialize(json::object{{"type", "captions"}, {"pages", std::move(all)}});
 }
 
-std::string terminal_message(std::uint64_t id, std::string_view title) {
-  return json::serialize(json::object{{"type", "terminal"}, {"id", id}, {"title", valid(title)}});
+std::string terminal_message(std::uint64_t id, std::string_view title, bool fresh) {
+  return json::serialize(
+      json::object{{"type", "terminal"}, {"id", id}, {"title", valid(title)}, {"fresh", fresh}});
 }
 
 std::string output_message(std::uint64_t id, std::uint64_t position, std::string_view bytes) {

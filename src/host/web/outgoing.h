@@ -51,7 +51,8 @@ std::string activity_message(const ActivityRecord& record, std::uint64_t from, s
                              std::string_view page, bool showing);
 std::string record_message(const ActivityRecord& record, std::uint64_t request, WindowOf window);
 std::string captions_message(Console& console, std::span<const PageEntry> pages);
-std::string terminal_message(std::uint64_t id, std::string_view title);
+// `fresh` if it has just been started.
+std::string terminal_message(std::uint64_t id, std::string_view title, bool fresh);
 // `position` is how many bytes came before.
 std::string output_message(std::uint64_t id, std::uint64_t position, std::string_view bytes);
 std::string ended_message(std::uint64_t id, const Terminal::End& end);

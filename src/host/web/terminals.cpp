@@ -67,7 +67,7 @@ void Terminals::start(const ProgramStart& program) {
   Open& open = table_[id];
   open.title = program.command_line();
   open.terminal = std::move(terminal);
-  tell(terminal_message(id, open.title));
+  tell(terminal_message(id, open.title, true));
   wake();
 }
 
@@ -93,7 +93,7 @@ void Terminals::connected(std::uint64_t connection) {
 }
 
 void Terminals::tell_all(std::uint64_t id, Open& open) {
-  tell(terminal_message(id, open.title));
+  tell(terminal_message(id, open.title, false));
   open.taken = open.produced - open.history.size();
   for (std::size_t at = 0; at < open.history.size(); at += piece) {
     tell(output_message(id, open.taken + at, std::string_view(open.history).substr(at, piece)));
