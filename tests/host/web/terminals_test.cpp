@@ -120,9 +120,8 @@ class TerminalsTest : public ::testing::Test {
 TEST_F(TerminalsTest, AProgramGetsATerminalAndNothingOfOurs) {
   ::setenv("ZRL_TEST_SECRET", "secret", 1);
   start(
-      "tty -s && echo on a terminal; stty size; pwd; env; printf '<%s>' \"$@\"; echo; ps -o tty= -o stat= -p "
-      "$$\n"
-      "ls -1 /proc/$$/fd; exit 3",
+      "tty -s && echo on a terminal; stty size; pwd; env; printf '<%s>' \"$@\"; echo; ls -1 /proc/$$/fd; "
+      "exit 3",
       {"a b;c", "$(touch bad)"});
   ASSERT_TRUE(becomes([&] { return has_ended(1); }));
   const Shown told = shown(1);
@@ -181,7 +180,8 @@ TEST_F(TerminalsTest, EndlessOutputWaitsForTheBrowser) {
 }
 
 TEST_F(TerminalsTest, AProgramThatDoesNotReadBoundsWhatIsTyped) {
-  start("stty raw -echo; sleep 60");
+  start("stty raw -echo; echo ready; exec sleep 60");
+  ASSERT_TRUE(becomes([&] { return !shown(1).output.empty(); }));
   const std::string text(300'000, 'x');
   int taken = 0;
   while (taken < 20 && terminals_->type(1, text)) ++taken;

@@ -141,10 +141,12 @@ function Tab({ terminal, selected }: { terminal: TerminalModel; selected: boolea
 /** Drawn along its upper edge, or moved with the arrow keys. */
 function Handle({ panel }: { panel: { current: HTMLElement | null } }) {
   const m = messages.value
+  const [part, setPart] = useState(40)
   const set = (pixels: number): void => {
     if (!panel.current) return
     height.pixels = bounded(pixels)
     panel.current.style.height = `${height.pixels}px`
+    setPart(Math.round((height.pixels / innerHeight) * 100))
   }
   const now = (): number => panel.current?.getBoundingClientRect().height ?? 0
   return (
@@ -153,6 +155,7 @@ function Handle({ panel }: { panel: { current: HTMLElement | null } }) {
       role="separator"
       aria-orientation="horizontal"
       aria-label={m.terminalHeight}
+      aria-valuenow={part}
       tabIndex={0}
       onKeyDown={event => {
         if (event.key === 'ArrowUp') set(now() + keyStep)

@@ -18,6 +18,8 @@ interface Ports {
 /** Changing the title, links, the palette, and the clipboard; what a program says about them is dropped, questions included. */
 const deafTo = [0, 1, 2, 4, 5, 7, 8, 9, 10, 11, 12, 13, 14, 17, 19, 21, 22, 50, 52, 104, 105, 110, 111, 112, 117, 119, 133, 777, 1337]
 
+const hideCursor = '\u001b[?25l'
+
 /** Draws a program's terminal. */
 export class TerminalScreen implements Screen {
   private readonly terminal: Terminal
@@ -65,8 +67,7 @@ export class TerminalScreen implements Screen {
   /** The program has ended: nothing is typed any more. */
   finish(): void {
     this.terminal.options.disableStdin = true
-    this.terminal.options.cursorBlink = false
-    this.terminal.options.cursorInactiveStyle = 'none'
+    this.terminal.write(hideCursor)
   }
 
   restart(): void {
