@@ -12,8 +12,11 @@
 #include "core/components.h"
 #include "core/database.h"
 #include "core/host.h"
+#include "core/html_text.h"
 #include "core/localisation.h"
+#include "core/pattern_matcher.h"
 #include "core/settings.h"
+#include "net/resolver.h"
 
 namespace zrl {
 
@@ -38,6 +41,10 @@ class Console {
   ComponentRegistry& components() { return components_; }
   Settings& settings() { return settings_; }
   Localisation& localisation() { return localisation_; }
+  // Pages use its steps (Page), which record what fails.
+  Resolver& resolver() { return resolver_; }
+  PatternMatcher& pattern_matcher() { return pattern_matcher_; }
+  HtmlText& html_text() { return html_text_; }
   ActivityRecord& activity() { return activity_; }
   std::chrono::system_clock::time_point now() const { return clock_(); }
 
@@ -71,6 +78,9 @@ class Console {
   ComponentRegistry components_;
   Settings settings_;
   Localisation localisation_;
+  Resolver resolver_;
+  PatternMatcher pattern_matcher_;
+  HtmlText html_text_;
   std::vector<std::weak_ptr<Connection>> unsettled_;
   std::vector<std::shared_ptr<Form>> dialogs_;
   int action_depth_ = 0;

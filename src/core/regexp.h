@@ -21,7 +21,8 @@ struct RegExpMatch {
 };
 
 // A regular expression in the dialect that script writers know: ECMAScript's classic syntax with
-// lazy quantifiers, look-ahead, back references, \x and \u. "\w", "\d", "\s" and "\b" are those of
+// lazy quantifiers, look-ahead, back references, \x and \u. A reference to a group that took no part
+// matches the empty text. "\w", "\d", "\s" and "\b" are those of
 // ASCII; "$" matches at the very end only unless `multiline` is set.
 //
 // Patterns and texts may come from strangers. Neither can hang or crash the caller: a search that
@@ -39,9 +40,9 @@ class RegExp {
 
   virtual ~RegExp() = default;
 
-  // The pattern of the searches that follow. Raises zrl::Error with the number 5017 and a text if
-  // it is malformed; then the object has no pattern, and searching raises. Compiled patterns are
-  // kept: setting one again costs next to nothing.
+  // The pattern of the searches that follow. Raises zrl::Error with a number from 5017 to 5021 and
+  // its text if it is malformed; then the object has no pattern, and searching raises 5016. Compiled
+  // patterns are kept: setting one again costs next to nothing.
   virtual void set_pattern(std::string_view utf8_pattern, Options options) = 0;
   virtual void set_pattern(std::u16string_view pattern, Options options) = 0;
 

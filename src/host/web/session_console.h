@@ -74,7 +74,6 @@ class SessionConsole : public Host {
   void process_events() override;
   void wait(std::chrono::milliseconds time) override;
   void start_program(const ProgramStart& program) override;
-  // Raises zrl::Error if there is no such file.
   void offer_file(const std::filesystem::path& path) override;
   void show_progress(const Progress& progress) override;
 

@@ -31,9 +31,8 @@ void SessionConsole::use_terminal(const BrowserMessage& message) {
 }
 
 void SessionConsole::offer_file(const std::filesystem::path& path) {
-  const std::optional<Offer> offer = offered_.add(path);
-  if (!offer) throw Error(error_number::invalid_call, "there is no file to be fetched: " + path.string());
-  send(file_message(*offer));
+  // What is no file cannot be fetched; that is no reason for the page's action to fail.
+  if (const std::optional<Offer> offer = offered_.add(path)) send(file_message(*offer));
 }
 
 void SessionConsole::handle_upload(PendingUpload& upload) {

@@ -1,0 +1,29 @@
+#include "components/html/html_text_converter.h"
+
+#include <string>
+#include <string_view>
+
+#include "components/html/html_reader.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+class HtmlTextConverter : public HtmlConverter {
+ public:
+  std::string html2txt(std::string_view html) override {
+    TextLayout layout;
+    const std::string valid = valid_utf8(html);
+    HtmlReader(valid, layout).run();
+    return layout.take();
+  }
+};
+
+}  // namespace
+
+std::function<std::shared_ptr<HtmlConverter>()> make_html_converter_factory() {
+  return [] { return std::make_shared<HtmlTextConverter>(); };
+}
+
+}  // namespace zrl

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "components/pcre2/pcre2_api.h"
+#include "core/regexp.h"
+
+namespace zrl {
+
+// Frees what a library of PCRE2 made.
+template <auto free>
+struct Pcre2Deleter {
+  template <typename T>
+  void operator()(T* made) const {
+    free(made);
+  }
+};
+
+// A pattern compiled for texts of one width: `char` for UTF-8, `char16_t` for 16-bit units.
+template <typename Unit>
+class CompiledPattern {
+ public:
+  using Api = Pcre2<Unit>;
+
+  // Raises zrl::Error (5017 to 5021) if the pattern is malformed or too large.
+  CompiledPattern(std::basic_string_view<Unit> pattern, RegExp::Options options);
+
+  // A form of the code that calls back at every item of the pattern, so that a search can be ended
+  // at any time. Compiled when it is first wanted; null if it would be too large.
+  const typename Api::Code* guarded();
+  const typename Api::Code* plain() const { return plain_.get(); }
+
+  typename Api::MatchData* match_data() const { return match_data_.get(); }
+  bool has_jit() const { return has_jit_; }
+  bool anchored() const { return anchored_; }
+  std::size_t groups() const { return groups_; }
+  // The greatest number of units that one step of a search may run through without being counted.
+  std::size_t longest_scan() const { return longest_scan_; }
+
+ private:
+  using Code = std::unique_ptr<typename Api::Code, Pcre2Deleter<Api::code_free>>;
+
+  Code compile(std::uint32_t more_options) const;
+
+  std::basic_string<Unit> translated_;
+  std::uint32_t options_ = 0;
+  Code plain_;
+  Code guarded_;
+  std::unique_ptr<typename Api::MatchData, Pcre2Deleter<Api::match_data_free>> match_data_;
+  std::size_t groups_ = 0;
+  std::size_t longest_scan_ = 0;
+  bool has_jit_ = false;
+  bool anchored_ = false;
+  bool guarded_tried_ = false;
+};
+
+extern template class CompiledPattern<char>;
+extern template class CompiledPattern<char16_t>;
+
+}  // namespace zrl

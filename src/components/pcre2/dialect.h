@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// From the dialect of script writers to the syntax of PCRE2.
+namespace zrl {
+
+// What the translated pattern is compiled for.
+struct DialectTarget {
+  bool units16;  // every 16-bit unit is a character, surrogates too; else characters of Unicode
+  bool folding;  // case is ignored by Unicode properties, which then would widen \w, \d, \s and \b
+  bool multiline;
+};
+
+struct DialectPattern {
+  std::string text;  // ASCII
+  // The greatest number of units that a single item of the pattern may run through.
+  std::size_t longest_scan;
+};
+
+// `pattern` holds 16-bit units or characters, as the target says. Whatever PCRE2 understands beyond
+// the dialect is a literal or an error here too. Raises zrl::Error (5017 to 5021) if the pattern is
+// malformed.
+DialectPattern translate_pattern(std::u32string_view pattern, DialectTarget target);
+
+// Whether a pattern that ignores case needs the Unicode properties: it names characters beyond
+// ASCII, or refers back to text that may hold them.
+bool needs_folding(std::u32string_view pattern);
+
+}  // namespace zrl

@@ -1,0 +1,17 @@
+// Headers: valid UTF-8 stays valid whatever its encoded words hold, text without encoded words stays as it
+// is, and the result does not outgrow the header beyond what its character sets can do.
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "core/encoded_words.h"
+#include "core/text.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view header(reinterpret_cast<const char*>(data), size);
+  const std::string text = zrl::decode_encoded_words(header);
+  if (zrl::is_valid_utf8(header) && !zrl::is_valid_utf8(text)) std::abort();
+  if (header.find("?=") == header.npos && text != header) std::abort();
+  if (text.size() > 16 * size) std::abort();
+  return 0;
+}
