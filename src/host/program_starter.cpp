@@ -17,19 +17,19 @@ namespace zrl {
 
 namespace {
 
-// What the program finds when it starts: an empty input, none of our files and sockets, its folder,
-// and signals as any program expects them.
+// The new process's files, folder and signals.
 struct Surroundings {
-  explicit Surroundings(const ProgramStart& program) {
+  Surroundings(const ProgramStart& program, const SpawnOptions& options) {
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    options.open_files(actions);
     posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
     if (!program.folder.empty()) {
       posix_spawn_file_actions_addchdir_np(&actions, to_file_path(program.folder).c_str());
     }
     sigset_t signals;
     posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    posix_spawnattr_setflags(
+        &attributes, static_cast<short>(options.flags | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
     sigemptyset(&signals);
     posix_spawnattr_setsigmask(&attributes, &signals);
     sigfillset(&signals);
@@ -53,7 +53,7 @@ std::string program_of(std::string_view word) {
   return std::string(word);
 }
 
-void start_program(const ProgramStart& program) {
+pid_t spawn(const ProgramStart& program, const SpawnOptions& options) {
   std::vector<std::string> words{program_of(program.program)};
   words.insert(words.end(), program.operands.begin(), program.operands.end());
   std::vector<char*> arguments;
@@ -61,11 +61,19 @@ void start_program(const ProgramStart& program) {
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
 
-  const Surroundings surroundings(program);
+  const Surroundings surroundings(program, options);
   pid_t child = 0;
   const int failure = posix_spawnp(&child, arguments[0], &surroundings.actions, &surroundings.attributes,
-                                   arguments.data(), environ);
+                                   arguments.data(), options.environment);
   if (failure != 0) throw Error(failure, words[0] + ": " + std::strerror(failure));
+  return child;
+}
+
+void start_program(const ProgramStart& program) {
+  const auto no_input = [](posix_spawn_file_actions_t& actions) {
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  };
+  spawn(program, {.open_files = no_input, .environment = environ});
 }
 
 }  // namespace zrl

@@ -1,7 +1,7 @@
 // A running console and a browser on it, for the browser tests.
 import assert from 'node:assert/strict'
 import { spawn, execFileSync } from 'node:child_process'
-import { mkdirSync, mkdtempSync, rmSync } from 'node:fs'
+import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from 'node:fs'
 import { createRequire } from 'node:module'
 import { tmpdir } from 'node:os'
 import { join } from 'node:path'
@@ -17,16 +17,27 @@ export const password = 'correct horse battery'
 
 /** The console as a program of its own, in a folder of its own. */
 export class Console {
-  static async start({ sample = false } = {}) {
+  /** `programs`: scripts that it finds, by their names. */
+  static async start({ sample = false, programs = {} } = {}) {
     const console = new Console()
     console.folder = join(mkdtempSync(join(tmpdir(), 'zrl-browser-')), 'console')
+    console.install(programs)
     if (sample) console.run('init', '--sample')
     await console.serve()
     return console
   }
 
+  install(programs) {
+    this.programs = join(this.folder, '../programs')
+    mkdirSync(this.programs)
+    for (const [name, script] of Object.entries(programs)) {
+      writeFileSync(join(this.programs, name), `#!/bin/sh\n${script}\n`, { mode: 0o755 })
+    }
+  }
+
   async serve(port = 0) {
-    this.process = spawn(program, ['--folder', this.folder, 'serve', '--listen', `127.0.0.1:${port}`])
+    const env = { ...process.env, PATH: `${this.programs}:${process.env.PATH}` }
+    this.process = spawn(program, ['--folder', this.folder, 'serve', '--listen', `127.0.0.1:${port}`], { env })
     this.output = ''
     this.errors = ''
     this.process.stderr.on('data', data => (this.errors += data))
@@ -154,7 +165,7 @@ export async function signIn(page) {
 
 /** Opens a page from the sidebar and waits until it is drawn. */
 export async function openPage(page, title, name) {
-  await page.getByRole('navigation').getByRole('link', { name: title }).click()
+  await page.getByRole('navigation').getByRole('link', { name: title, exact: true }).click()
   await page.locator(`main [data-control^="c-${name}-"]`).first().waitFor()
 }
 

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -29,9 +30,11 @@ constexpr zrl::PageEntry pages[] = {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using zrl::web::Incoming;
   const zrl::web::ConsoleSettings settings{
-      std::filesystem::temp_directory_path() / "fuzz-messages-nowhere", pages, {}, {}, size % 2 == 0};
+      std::filesystem::temp_directory_path() / "fuzz-messages-nowhere", pages, {}, size % 2 == 0};
   zrl::web::Inbox inbox([] {});
+  zrl::web::OfferedFiles offered;
   NoOutput output;
+  ::setenv("PATH", "/nowhere", 1);  // no program is found
   inbox.push({Incoming::Kind::connected, 1, {}});
   // The connection box of the page, which has no database here, and what is fuzzed then.
   inbox.push({Incoming::Kind::message, 1, R"({"type":"open","page":"allcontrols","seq":1})"});
@@ -47,6 +50,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   inbox.push({Incoming::Kind::message, 1, std::move(line)});
   inbox.push({Incoming::Kind::stopping, 0, {}});
-  zrl::web::SessionConsole(settings, "fuzz", inbox, output).run();
+  zrl::web::SessionConsole(settings, "fuzz", inbox, offered, output).run();
   return 0;
 }

@@ -1,5 +1,7 @@
 #include "support/all_controls_page.h"
 
+#include <filesystem>
+#include <fstream>
 #include <memory>
 
 #include "core/paths.h"
@@ -62,6 +64,7 @@ AllControlsPage::AllControlsPage(Console& console) : Page(console, "allcontrols"
       this->console().host().start_program({"telnet.exe", {"192.0.2.1", "25"}, ""});
     });
   };
+  offer.on_click = [this] { offer_file(); };
   Timer1.on_tick = [this] { ticks.set_caption(std::to_string(++tick_count_) + " ticks"); };
   ticking.on_click = [this] { Timer1.set_enabled(ticking.checked()); };
 
@@ -72,7 +75,7 @@ AllControlsPage::AllControlsPage(Console& console) : Page(console, "allcontrols"
       frame(Frame3, grid({Option1, Option2, Option3})),
       frame(Frame4,
             column({row({grow(Combo1), grow(Combo2), grow(HScroll1)}), row({grow(List1), grow(List2)})})),
-      frame(Frame5, column({row({fill, clear, ask, fail, open, work, wrong, program, disabled}),
+      frame(Frame5, column({row({fill, clear, ask, fail, open, work, wrong, program, offer, disabled}),
                             row({ticking, ticks})})),
   }));
 }
@@ -124,6 +127,13 @@ void AllControlsPage::work_long() {
   }
   work.set_enabled(true);
   echo.set_caption("Worked");
+}
+
+void AllControlsPage::offer_file() {
+  const std::filesystem::path file = console().folder() / "list of h\u00f6sts.txt";
+  std::ofstream(file) << "apple.example\nbanana.example\n";
+  console().host().offer_file(file);
+  echo.set_caption("Offered");
 }
 
 }  // namespace zrl::test

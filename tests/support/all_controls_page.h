@@ -76,6 +76,7 @@ class AllControlsPage : public Page {
   Button work{*this, "work", "Work for two seconds", "Reports its progress"};
   Button wrong{*this, "wrong", "Run a wrong statement", "Is recorded as a failed step"};
   Button program{*this, "program", "Start a program"};
+  Button offer{*this, "offer", "Offer a file", "Writes a file and offers it for fetching"};
   Button disabled{*this, "disabled", "Disabled"};
   Timer Timer1{*this, "Timer1", 500, false};
   CheckBox ticking{*this, "ticking", "Let the timer tick"};
@@ -86,6 +87,7 @@ class AllControlsPage : public Page {
   void fill_list();
   void open_dialog();
   void work_long();
+  void offer_file();
 
   int tick_count_ = 0;
 };

@@ -306,9 +306,9 @@ void FakeDnsServer::receive(Outbox& outbox) {
   if (manner_.lies) {
     // The lie: the same message, its last byte, which belongs to the last record, changed.
     DnsMessage lie = message;
-    lie.back() ^= 1;
+    lie.at(lie.size() - 1) ^= 1;
     outbox.sendings.insert({Clock::now(), {lie, from, liar_.get()}});
-    lie[0] ^= 0x40;
+    lie.at(0) ^= 0x40;
     outbox.sendings.insert({Clock::now(), {lie, from, socket_.get()}});
   }
   if (manner_.rewrite) message = manner_.rewrite(std::move(message));

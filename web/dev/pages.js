@@ -178,6 +178,9 @@ export function makePages(german) {
       many: button('Ten thousand statements'),
       modal: button('Modal dialog'),
       modeless: button('Modeless dialog'),
+      program: button('Start a program'),
+      endless: button('Endless program'),
+      offer: button('Offer a file'),
       off: { ...button('Disabled'), enabled: false },
     },
     layout: {
@@ -185,7 +188,7 @@ export function makePages(german) {
         { row: [{ frame: 'Options', content: { column: [node('o1'), node('o2'), node('o3'), node('c1'), node('hidden'), node('Note')] } }, { frame: 'Texts', content: { column: [node('t1'), node('secret'), node('locked'), node('combo'), node('bar')] } }] },
         { row: [node('multi'), node('fixed')] },
         { frame: 'Lists', content: { column: [{ row: [node('hostile'), node('empty')] }, { row: [node('drives'), node('folders'), node('files')] }] } },
-        { frame: 'Actions', content: { row: ['boxes', 'ask', 'slow', 'fail', 'many', 'modal', 'modeless', 'off'].map(node) } },
+        { frame: 'Actions', content: { row: ['boxes', 'ask', 'slow', 'fail', 'many', 'modal', 'modeless', 'program', 'endless', 'offer', 'off'].map(node) } },
       ],
     },
   }

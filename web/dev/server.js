@@ -42,6 +42,22 @@ function signIn(response, account) {
   answer(response, 200, { account }, { 'Set-Cookie': `zrl_session=${key}; HttpOnly; SameSite=Strict; Path=/` })
 }
 
+function serveFile(request, response) {
+  const file = sessions.get(cookieOf(request))?.files.get(request.url.slice('/file/'.length))
+  if (!file) return answer(response, 404, { error: 'no_file' })
+  response.writeHead(200, { 'Content-Type': 'application/octet-stream', 'Content-Disposition': 'attachment', 'X-Content-Type-Options': 'nosniff' })
+  response.end(file.content)
+}
+
+async function upload(request, response) {
+  const session = sessions.get(cookieOf(request))
+  if (!session) return answer(response, 401, { error: 'signed_out' })
+  for await (const part of request) void part
+  const [form, control, name] = request.headers['upload-to'].split('/').map(decodeURIComponent)
+  const kept = session.uploaded(form, control, name)
+  return kept ? answer(response, 200, { name: kept }) : answer(response, 409, { error: 'refused' })
+}
+
 async function api(request, response) {
   if (request.url === '/api/state') {
     const session = sessions.get(cookieOf(request))
@@ -85,6 +101,8 @@ const server = createServer((request, response) => {
   void (async () => {
     try {
       if (request.url.startsWith('/api/') || request.url.startsWith('/mock/')) return await api(request, response)
+      if (request.url === '/upload') return await upload(request, response)
+      if (request.url.startsWith('/file/')) return serveFile(request, response)
       const path = request.url === '/' ? 'index.html' : normalize(request.url.split('?')[0]).replace(/^[/.]+/, '')
       const content = await readFile(join(root, path))
       response.writeHead(200, {

@@ -1,5 +1,6 @@
 // One mock session: the events of the made-up pages, and what the protocol says about lists, boxes, dialogs and the record.
 import { dialogs, makePages } from './pages.js'
+import { MockPrograms } from './programs.js'
 
 const pause = ms => new Promise(resolve => setTimeout(resolve, ms))
 
@@ -32,6 +33,8 @@ export class MockSession {
     this.boxes = new Map()
     this.queue = Promise.resolve()
     this.filters = new Map()
+    this.files = new Map()
+    this.programs = new MockPrograms(message => this.send(message))
   }
 
   attach(socket) {
@@ -41,6 +44,8 @@ export class MockSession {
     const pages = this.pages.map(({ name, group, title }) => ({ name, group, title }))
     this.send({ type: 'hello', account: this.account, language: this.german ? 'german' : 'english', product: 'Mirvan', version: '5.2', pages, open: this.page?.name ?? null })
     if (this.page) for (const form of [this.page, ...this.dialogs]) this.send(form.message())
+    this.send({ type: 'files', files: [...this.files.values()].map(({ token, name, size }) => ({ token, name, size })) })
+    this.programs.tellAll()
     socket.on('message', data => this.receive(JSON.parse(data)))
   }
 
@@ -68,6 +73,7 @@ export class MockSession {
       return this.send({ type: 'record', request: message.request, start: message.start, total: this.record.length, entries })
     }
     if (message.type === 'captions') return this.captions()
+    if (this.programs.receive(message)) return
     const nested = this.dialogs.length > 0
     const run = () => this.handle(message).then(() => this.send({ type: 'done', seq: message.seq }))
     if (nested) void run()
@@ -117,6 +123,22 @@ export class MockSession {
     const failed = entries.filter(entry => entry[2]).length
     const shown = Math.max(first, this.record.length - 50)
     this.send({ type: 'activity', first: shown, total: this.record.length, failed, entries: this.record.slice(shown), page: this.page?.name })
+  }
+
+  uploaded(form, control, name) {
+    const shown = this.form(form)
+    const list = shown?.controls.get(control)
+    if (list?.kind !== 'FileList') return null
+    const kept = list.rows.includes(name) ? name.replace(/(\.\w+)?$/, ' (2)$1') : name
+    this.change(shown, control, { rows: [kept], index: 0 })
+    if (shown.controls.has('source')) this.change(shown, 'source', { text: `/var/lib/zrlconsole/upload/${kept}` })
+    return kept
+  }
+
+  offer(name, content) {
+    const token = Math.random().toString(36).slice(2)
+    this.files.set(token, { token, name, content, size: content.length })
+    this.send({ type: 'file', token, name, size: content.length })
   }
 
   ask(title, text, style, buttons) {
@@ -183,6 +205,12 @@ export class MockSession {
       }
       this.send({ type: 'busy', on: false, text: '', done: 0, total: 0 })
     }
+    if (name === 'program') {
+      this.programs.start('telnet.exe 192.0.2.1 25')
+      this.wrote([['program', 'telnet.exe 192.0.2.1 25']])
+    }
+    if (name === 'endless') this.programs.start('yes.exe', true)
+    if (name === 'offer') this.offer('black list of höste.txt', 'apple.example\nbanana.example\n')
     if (name === 'modal' || name === 'transfer' || name === 'modeless') {
       const dialog = new Form('transfer', dialogs.transfer, true, name !== 'modeless')
       this.dialogs.push(dialog)

@@ -27,6 +27,7 @@ export const session = new Session(connection, activity)
 export const toasts = new Toasts()
 
 const longestDetail = 300
+const longestName = 100
 
 connection.onMessage = message => session.receive(message)
 connection.onOpened = () => session.opened()
@@ -44,6 +45,9 @@ activity.onAction = (message, steps) => {
 }
 session.onRefusal = refusal =>
   toasts.add(messages.value.refusals[refusal.code], { detail: visibleText(refusal.text, longestDetail), failed: true })
+
+session.onFile = file =>
+  toasts.add(messages.value.fileOffered(visibleText(file.name, longestName)), { topic: `file ${file.token}`, file })
 
 effect(() => {
   const status = connection.status.value

@@ -1,6 +1,7 @@
 import { render } from 'preact'
 import { App } from './app'
 import { begin } from './app-state'
+import { catchStrayFiles } from './controls/file-list'
 import { followPointer, followTheme } from './model/preferences'
 import { listenForPaletteKey } from './shell/palette'
 import { listenForEscape } from './shell/popups'
@@ -13,10 +14,13 @@ import './styles/layout.css'
 import './styles/shell.css'
 import './styles/overlays.css'
 import './styles/door.css'
+import './styles/terminal.css'
+import './styles/transfers.css'
 
 followTheme()
 followPointer()
 followUse()
+catchStrayFiles()
 listenForEscape()
 listenForPaletteKey()
 startRouter()

@@ -21,6 +21,10 @@ export type FailureCode =
   | 'not_saved'
   | 'forbidden'
   | 'signed_out'
+  | UploadFailureCode
+
+/** What only an upload is answered. */
+export type UploadFailureCode = 'no_form' | 'refused' | 'busy' | 'too_big'
 
 export interface Failure {
   error: FailureCode
@@ -175,6 +179,38 @@ export interface CaptionsMessage {
   pages: Record<string, { control: string; text: string }[]>
 }
 
+/** A program that runs on a terminal. */
+export interface TerminalMessage {
+  type: 'terminal'
+  id: number
+  title: string
+  /** It has just been started; others are told again to a browser that came back. */
+  fresh: boolean
+}
+
+export interface OutputMessage {
+  type: 'output'
+  id: number
+  /** How many bytes came before. */
+  position: number
+  /** Bytes in base64. */
+  data: string
+}
+
+export interface EndedMessage {
+  type: 'ended'
+  id: number
+  status?: number
+  signal?: number
+}
+
+/** A file that a page has made for the user. */
+export interface OfferedFile {
+  token: string
+  name: string
+  size: number
+}
+
 export type ErrorCode = 'refused' | 'no_form' | 'malformed' | 'unknown_page' | 'busy'
 
 export type ServerMessage =
@@ -189,6 +225,12 @@ export type ServerMessage =
   | ActivityMessage
   | RecordMessage
   | CaptionsMessage
+  | TerminalMessage
+  | OutputMessage
+  | EndedMessage
+  | { type: 'gone'; id: number }
+  | ({ type: 'file' } & OfferedFile)
+  | { type: 'files'; files: OfferedFile[] }
   | { type: 'done'; seq: number }
   | { type: 'error'; seq?: number; request?: number; code: ErrorCode; text: string }
 
@@ -203,10 +245,17 @@ export type SequencedMessage =
   | ({ type: 'event'; form: string; control: string } & UserEvent)
   | { type: 'close'; form: string }
 
+export type TerminalAct =
+  | { type: 'input'; id: number; text: string }
+  | { type: 'resize'; id: number; columns: number; rows: number }
+  | { type: 'taken'; id: number; position: number }
+  | { type: 'end'; id: number }
+
 export type PlainMessage =
   | { type: 'answer'; id: number | string; reply: Reply }
   | { type: 'rows'; form: string; control: string; request: number; start: number; count: number; filter: string }
   | { type: 'record'; request: number; start: number; count: number }
   | { type: 'captions' }
+  | TerminalAct
 
 export const closeCodes = { tooBig: 1009, rulesBroken: 1008, replaced: 4001, ended: 4002 } as const

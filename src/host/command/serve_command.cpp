@@ -9,7 +9,6 @@
 #include "host/command/step_runner.h"
 #include "host/composition.h"
 #include "host/folder.h"
-#include "host/program_starter.h"
 #include "host/web/web_host.h"
 
 namespace zrl::command {
@@ -31,8 +30,8 @@ sigset_t block_stop_signals() {
   sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  // Nobody waits for the programs that pages start.
-  std::signal(SIGCHLD, SIG_IGN);
+  // The ends of the programs that pages start are waited for.
+  std::signal(SIGCHLD, SIG_DFL);
   std::signal(SIGPIPE, SIG_IGN);
   return signals;
 }
@@ -59,7 +58,6 @@ int serve(const ServeOptions& options, std::span<const PageEntry> pages) {
   host_options.hosts = options.hosts;
   host_options.pages = pages;
   host_options.register_components = register_components;
-  host_options.start_program = zrl::start_program;
   web::WebHost host(std::move(host_options));
   announce(host);
   // Stopping waits for actions that are under way; a second signal does not.

@@ -9,6 +9,8 @@
 
 #include "core/console.h"
 #include "core/text.h"
+#include "host/web/responses.h"
+#include "host/web/uploads.h"
 
 namespace zrl::web {
 
@@ -17,15 +19,8 @@ namespace {
 namespace json = boost::json;
 
 constexpr std::string_view cookie_name = "zrl_session";
+constexpr std::string_view download_path = "/file/";
 constexpr std::size_t max_json_depth = 4;
-
-Response json_response(int status, const json::object& object) {
-  return {.status = status, .content_type = "application/json", .body = json::serialize(object)};
-}
-
-Response error_response(int status, std::string_view code) {
-  return json_response(status, {{"error", code}});
-}
 
 Response too_many_tries(std::chrono::seconds wait) {
   Response response = json_response(429, {{"error", "too_many_tries"}, {"retryAfter", wait.count()}});
@@ -93,6 +88,7 @@ Application::Application(ApplicationSettings settings, IoLoop& loop)
       sessions_(loop, settings_.console, settings_.limits,
                 [this](std::string language) { settings_.language = std::move(language); }) {
   if (::sodium_init() < 0) throw std::runtime_error("no source of random numbers");
+  UploadFolder(settings_.console.folder).sweep();
 }
 
 std::string Application::make_setup_secret() {
@@ -103,7 +99,7 @@ void Application::handle(Request request, Reply reply) {
   if (!origin_check_.is_ours(request)) {
     reply(error_response(403, "forbidden"));
   } else if (request.method == "GET") {
-    reply(request.path == "/api/state" ? state(request) : asset(request));
+    reply(answer_get(request));
   } else if (request.method != "POST") {
     Response response = error_response(405, "bad_request");
     response.headers.emplace_back("Allow", "GET, POST");
@@ -117,6 +113,23 @@ void Application::handle(Request request, Reply reply) {
   } else {
     reply(error_response(404, "bad_request"));
   }
+}
+
+Response Application::answer_get(const Request& request) {
+  if (request.path == "/api/state") return state(request);
+  if (!request.path.starts_with(download_path)) return asset(request);
+  const std::shared_ptr<Session> session = sessions_.find(session_token(request));
+  if (!session) return error_response(401, "signed_out");
+  return session->download(std::string_view(request.path).substr(download_path.size()));
+}
+
+std::variant<std::monostate, Response, std::shared_ptr<BodySink>> Application::receive(
+    const Request& request) {
+  if (request.method != "POST" || request.path != "/upload") return {};
+  if (!origin_check_.is_ours(request)) return error_response(403, "forbidden");
+  const std::shared_ptr<Session> session = sessions_.find(session_token(request));
+  if (!session) return error_response(401, "signed_out");
+  return session->receive_upload(request);
 }
 
 std::variant<Response, std::shared_ptr<ChannelListener>> Application::upgrade(const Request& request) {

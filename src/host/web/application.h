@@ -40,12 +40,14 @@ class Application : public HttpHandler {
   std::string make_setup_secret();
 
   void handle(Request request, Reply reply) override;
+  std::variant<std::monostate, Response, std::shared_ptr<BodySink>> receive(const Request& request) override;
   std::variant<Response, std::shared_ptr<ChannelListener>> upgrade(const Request& request) override;
 
   // Ends all sessions; `done` is called when their threads have ended.
   void stop(std::function<void()> done) { sessions_.stop(std::move(done)); }
 
  private:
+  Response answer_get(const Request& request);
   Response asset(const Request& request) const;
   Response state(const Request& request);
   void set_up(Request& request, const Reply& reply);

@@ -35,13 +35,13 @@ std::uint64_t AuditLog::append(const ActivityRecord& record, std::uint64_t from,
   std::string lines;
   if (from < record.first()) {
     const std::string lost = std::to_string(record.first() - from) + " entries are not recorded\n";
-    lines += time_text(std::time(nullptr)) + "\t" + field(account_) + "\t" + field(page) + "\t-\t-\t" + lost;
+    lines += begin_line(std::time(nullptr), page) + "-\t-\t" + lost;
     from = record.first();
   }
   for (; from < record.total(); ++from) {
     const ActivityRecord::Entry entry = record[from];
     if (!entry.write) continue;
-    lines += time_text(entry.time) + "\t" + field(account_) + "\t" + field(page) + "\t";
+    lines += begin_line(entry.time, page);
     lines.append(name_of(entry.kind)).append("\t").append(entry.ok ? "ok" : "failed").append("\t");
     lines += field(entry.text);
     if (!entry.ok) lines += "\t" + field(entry.error);
@@ -53,6 +53,18 @@ std::uint64_t AuditLog::append(const ActivityRecord& record, std::uint64_t from,
   }
   if (!lines.empty()) write(lines);
   return from;
+}
+
+void AuditLog::note(std::string_view page, std::string_view kind, std::string_view text,
+                    std::string_view error) {
+  std::string line = begin_line(std::time(nullptr), page);
+  line.append(kind).append(error.empty() ? "\tok\t" : "\tfailed\t") += field(text);
+  if (!error.empty()) line += "\t" + field(error);
+  write(line + "\n");
+}
+
+std::string AuditLog::begin_line(std::int64_t time, std::string_view page) const {
+  return time_text(time) + "\t" + field(account_) + "\t" + field(page) + "\t";
 }
 
 // Opened each time, so that the file may be moved away at any time.

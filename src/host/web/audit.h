@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -20,7 +21,11 @@ class AuditLog {
   // or not. Returns the number of the entry that comes next.
   std::uint64_t append(const ActivityRecord& record, std::uint64_t from, std::string_view page);
 
+  // Appends a line about something else that was done. `error` is empty if it worked.
+  void note(std::string_view page, std::string_view kind, std::string_view text, std::string_view error = {});
+
  private:
+  std::string begin_line(std::int64_t time, std::string_view page) const;
   void write(std::string_view lines);
 
   std::filesystem::path file_;

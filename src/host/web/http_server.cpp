@@ -10,6 +10,7 @@
 #include <boost/asio/ssl/context.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/use_awaitable.hpp>
+#include <boost/asio/write.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
 #include <boost/beast/ssl.hpp>
@@ -19,6 +20,7 @@
 #include <map>
 #include <optional>
 #include <stdexcept>
+#include <vector>
 
 namespace zrl::web {
 
@@ -36,10 +38,13 @@ using std::chrono::milliseconds;
 
 using PlainStream = beast::tcp_stream;
 using TlsStream = beast::ssl_stream<beast::tcp_stream>;
+using Head = http::request_parser<http::empty_body>;
 using Parser = http::request_parser<http::string_body>;
+using PieceParser = http::request_parser<http::buffer_body>;
 
 constexpr milliseconds close_grace{5000};
 constexpr milliseconds stop_grace{200};
+constexpr std::size_t piece_bytes = 64 << 10;
 
 constexpr std::pair<std::string_view, std::string_view> security_headers[] = {
     {"Content-Security-Policy",
@@ -143,7 +148,7 @@ class WebSocketChannel : public Channel, public std::enable_shared_from_this<Web
     resumed_.cancel();
   }
 
-  awaitable<void> serve(const Parser::value_type& request, std::shared_ptr<ChannelListener> listener) {
+  awaitable<void> serve(const Head::value_type& request, std::shared_ptr<ChannelListener> listener) {
     bool opened = false;
     try {
       co_await socket_.async_accept(request, use_awaitable);
@@ -240,7 +245,9 @@ struct PendingReply {
   std::optional<Response> response;
 };
 
-Request to_request(const Parser::value_type& message, std::string remote_address, bool over_tls) {
+// All but the body.
+Request to_request(const Head& head, std::string remote_address, bool over_tls) {
+  const Head::value_type& message = head.get();
   const auto field = [&](http::field name) { return as_string(message[name]); };
   Request request;
   request.method = as_string(message.method_string());
@@ -251,7 +258,8 @@ Request to_request(const Parser::value_type& message, std::string remote_address
   request.content_type = field(http::field::content_type);
   request.cookie = field(http::field::cookie);
   request.accepts_gzip = field(http::field::accept_encoding).find("gzip") != std::string::npos;
-  request.body = message.body();
+  request.upload = as_string(message["Upload-To"]);
+  request.content_length = head.content_length().value_or(0);
   request.remote_address = std::move(remote_address);
   request.over_tls = over_tls;
   return request;
@@ -364,44 +372,97 @@ class HttpServer::Implementation {
     constexpr bool over_tls = std::is_same_v<Stream, TlsStream>;
     beast::flat_buffer buffer;
     for (;;) {
-      Parser parser;
-      parser.header_limit(static_cast<std::uint32_t>(options_.limits.header_bytes));
-      parser.body_limit(options_.limits.body_bytes);
+      Head head;
+      head.header_limit(static_cast<std::uint32_t>(options_.limits.header_bytes));
+      head.body_limit(boost::none);  // whoever takes the body has a limit
       beast::get_lowest_layer(stream).expires_after(options_.limits.request);
       error_code failure;
-      co_await http::async_read(stream, buffer, parser, asio::redirect_error(use_awaitable, failure));
-      if (failure) {
-        const int status = status_of(failure);
-        if (status == 0) co_return;
-        // Not a temporary in the call: the compiler copies such aggregates bit by bit.
-        const Response refusal{.status = status};
-        co_await write(stream, refusal, 11, false);
-        co_return;
-      }
-      const Parser::value_type& message = parser.get();
-      Request request = to_request(message, remote_address, over_tls);
-      if (websocket::is_upgrade(message)) {
+      co_await http::async_read_header(stream, buffer, head, asio::redirect_error(use_awaitable, failure));
+      if (failure) co_return co_await refuse(stream, failure);
+      const unsigned version = head.get().version();
+      const bool keep_alive = head.keep_alive();
+      Request request = to_request(head, remote_address, over_tls);
+      if (websocket::is_upgrade(head.get())) {
         auto answer = handler_->upgrade(request);
         if (auto* listener = std::get_if<std::shared_ptr<ChannelListener>>(&answer)) {
           beast::get_lowest_layer(stream).expires_never();
           auto channel = std::make_shared<WebSocketChannel<Stream>>(std::move(stream), options_.limits);
-          co_await channel->serve(message, std::move(*listener));
+          co_await channel->serve(head.get(), std::move(*listener));
           co_return;
         }
-        co_await write(stream, std::get<Response>(answer), message.version(), false);
+        co_await write(stream, std::get<Response>(answer), version, false);
         co_return;
       }
-      const Response response = co_await ask(std::move(request));
-      const bool keep = message.keep_alive() && acceptor_.is_open();
-      co_await write(stream, response, message.version(), keep);
+      auto receiver = handler_->receive(request);
+      if (const auto* refusal = std::get_if<Response>(&receiver)) {
+        co_await write(stream, *refusal, version, false);
+        co_return;
+      }
+      std::optional<Response> response;
+      if (const auto* sink = std::get_if<std::shared_ptr<BodySink>>(&receiver)) {
+        failure = co_await take_body(stream, buffer, head, **sink);
+        if (!failure) response = co_await answer_of([&](Reply reply) { (*sink)->finish(std::move(reply)); });
+      } else {
+        failure = co_await take_body(stream, buffer, head, request.body);
+        if (!failure) {
+          response = co_await answer_of(
+              [&](Reply reply) { handler_->handle(std::move(request), std::move(reply)); });
+        }
+      }
+      if (failure) co_return co_await refuse(stream, failure);
+      const bool keep = keep_alive && acceptor_.is_open();
+      co_await write(stream, *response, version, keep);
       if (!keep) co_return;
     }
   }
 
-  awaitable<Response> ask(Request request) {
+  // Answers a request that could not be read, where that is of use.
+  template <typename Stream>
+  awaitable<void> refuse(Stream& stream, error_code failure) {
+    const int status = status_of(failure);
+    if (status == 0) co_return;
+    // Not a temporary in the call: the compiler copies such aggregates bit by bit.
+    const Response refusal{.status = status};
+    co_await write(stream, refusal, 11, false);
+  }
+
+  template <typename Stream>
+  awaitable<error_code> take_body(Stream& stream, beast::flat_buffer& buffer, Head& head, std::string& body) {
+    error_code failure;
+    if (head.is_done()) co_return failure;
+    if (head.content_length().value_or(0) > options_.limits.body_bytes) co_return http::error::body_limit;
+    Parser parser(std::move(head));
+    parser.body_limit(options_.limits.body_bytes);
+    co_await http::async_read(stream, buffer, parser, asio::redirect_error(use_awaitable, failure));
+    body = std::move(parser.get().body());
+    co_return failure;
+  }
+
+  // As long as pieces keep coming the whole may take its time.
+  template <typename Stream>
+  awaitable<error_code> take_body(Stream& stream, beast::flat_buffer& buffer, Head& head, BodySink& sink) {
+    error_code failure;
+    if (head.is_done()) co_return failure;
+    if (head.content_length().value_or(0) > sink.limit()) co_return http::error::body_limit;
+    PieceParser parser(std::move(head));
+    parser.body_limit(sink.limit());
+    std::vector<char> piece(piece_bytes);
+    while (!failure && !parser.is_done()) {
+      parser.get().body().data = piece.data();
+      parser.get().body().size = piece.size();
+      beast::get_lowest_layer(stream).expires_after(options_.limits.request);
+      co_await http::async_read(stream, buffer, parser, asio::redirect_error(use_awaitable, failure));
+      if (failure == http::error::need_buffer) failure = {};
+      if (!failure) sink.take({piece.data(), piece.size() - parser.get().body().size});
+    }
+    co_return failure;
+  }
+
+  template <typename Ask>
+  awaitable<Response> answer_of(Ask ask) {
     const auto pending = std::make_shared<PendingReply>(io_.get_executor());
     pending->waiting.expires_after(options_.limits.answer);
-    handler_->handle(std::move(request), [pending](Response response) {
+    ask([pending](Response response) {
       if (pending->response) return;
       pending->response = std::move(response);
       pending->waiting.cancel();
@@ -426,8 +487,23 @@ class HttpServer::Implementation {
     message.body() = beast::span<const char>(body.data(), body.size());
     message.keep_alive(keep_alive);
     message.prepare_payload();
+    if (response.source) message.content_length(response.source->size());
     beast::get_lowest_layer(stream).expires_after(options_.limits.write);
     co_await http::async_write(stream, message, use_awaitable);
+    if (response.source) co_await write_pieces(stream, *response.source);
+  }
+
+  // Raises when the source has less than it told: the connection ends, and the browser knows.
+  template <typename Stream>
+  awaitable<void> write_pieces(Stream& stream, BodySource& source) {
+    std::vector<char> piece(piece_bytes);
+    for (std::uint64_t rest = source.size(); rest > 0;) {
+      const std::size_t size = source.read(piece.data(), std::min<std::uint64_t>(rest, piece.size()));
+      if (size == 0) throw std::runtime_error("the file became shorter");
+      beast::get_lowest_layer(stream).expires_after(options_.limits.write);
+      co_await asio::async_write(stream, asio::buffer(piece.data(), size), use_awaitable);
+      rest -= size;
+    }
   }
 
   const ServerOptions options_;

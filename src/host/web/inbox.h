@@ -6,11 +6,14 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 
 namespace zrl::web {
+
+struct PendingUpload;
 
 // What reaches a session's thread from outside.
 struct Incoming {
@@ -19,11 +22,13 @@ struct Incoming {
     connected,  // a WebSocket has been opened; what it is sent begins with a hello
     ended,      // the session is over
     stopping,   // and so is the program: let running actions end early
+    upload,     // a file has come for a file list
   };
 
   Kind kind;
   std::uint64_t connection;
   std::string text;
+  std::shared_ptr<PendingUpload> upload = {};
 };
 
 // The queue between the I/O thread, which pushes, and a session's thread, which pops. Holds at

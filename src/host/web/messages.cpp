@@ -14,14 +14,19 @@ using Type = BrowserMessage::Type;
 using Act = BrowserMessage::Act;
 
 constexpr std::size_t max_depth = 8;
+constexpr std::int64_t longest_side = 1000;  // of a terminal
 
-constexpr std::array<std::pair<std::string_view, Type>, 7> types = {{{"open", Type::open},
-                                                                     {"event", Type::event},
-                                                                     {"close", Type::close},
-                                                                     {"answer", Type::answer},
-                                                                     {"rows", Type::rows},
-                                                                     {"record", Type::record},
-                                                                     {"captions", Type::captions}}};
+constexpr std::array<std::pair<std::string_view, Type>, 11> types = {{{"open", Type::open},
+                                                                      {"event", Type::event},
+                                                                      {"close", Type::close},
+                                                                      {"answer", Type::answer},
+                                                                      {"rows", Type::rows},
+                                                                      {"record", Type::record},
+                                                                      {"captions", Type::captions},
+                                                                      {"input", Type::input},
+                                                                      {"resize", Type::resize},
+                                                                      {"taken", Type::taken},
+                                                                      {"end", Type::end}}};
 constexpr std::array<std::pair<std::string_view, Act>, 4> acts = {
     {{"click", Act::click}, {"text", Act::type}, {"choose", Act::choose}, {"scroll", Act::scroll}}};
 
@@ -82,6 +87,12 @@ void read_window(const json::object& object, BrowserMessage& message) {
   message.count = count_of(object, "count");
 }
 
+std::uint16_t side_of(const json::object& object, std::string_view name) {
+  const std::int64_t number = number_of(object, name);
+  if (number < 1 || number > longest_side) throw BadMember(name, "a number from 1 to 1000");
+  return static_cast<std::uint16_t>(number);
+}
+
 BrowserMessage read(const json::object& object) {
   BrowserMessage message;
   message.type = one_of(types, object, "type");
@@ -108,7 +119,24 @@ BrowserMessage read(const json::object& object) {
     case Type::record:
       read_window(object, message);
       break;
+    case Type::input:
+      message.id = count_of(object, "id");
+      message.text = text_of(object, "text");
+      break;
+    case Type::resize:
+      message.id = count_of(object, "id");
+      message.columns = side_of(object, "columns");
+      message.lines = side_of(object, "rows");
+      break;
+    case Type::taken:
+      message.id = count_of(object, "id");
+      message.position = count_of(object, "position");
+      break;
+    case Type::end:
+      message.id = count_of(object, "id");
+      break;
     case Type::captions:
+    case Type::upload:
       break;
   }
   return message;

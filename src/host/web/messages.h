@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,24 +9,43 @@
 
 namespace zrl::web {
 
+struct PendingUpload;
+
 // A well-formed message from the browser. Members that its type has not are empty or 0.
 struct BrowserMessage {
-  enum class Type : std::uint8_t { open, event, close, answer, rows, record, captions };
+  enum class Type : std::uint8_t {
+    open,
+    event,
+    close,
+    answer,
+    rows,
+    record,
+    captions,
+    input,  // these and the next are about a terminal
+    resize,
+    taken,
+    end,
+    upload,  // never a message: a file that was sent over HTTP waits among them for its turn
+  };
   enum class Act : std::uint8_t { click, type, choose, scroll };
 
   Type type{};
   Act act{};
   std::uint64_t seq = 0;      // of open, event, close
   std::uint64_t request = 0;  // of rows, record
-  std::uint64_t id = 0;       // of answer
+  std::uint64_t id = 0;       // of answer, and of a terminal
   std::uint64_t start = 0;
   std::uint64_t count = 0;
+  std::uint64_t position = 0;
+  std::uint16_t columns = 0;
+  std::uint16_t lines = 0;
   std::int64_t number = 0;  // index or value
   std::string form;
   std::string control;
   std::string page;
   std::string text;  // what was typed, or the filter
   bool ok = false;   // the reply
+  std::shared_ptr<PendingUpload> upload;
 
   bool has_seq() const { return type == Type::open || type == Type::event || type == Type::close; }
 };

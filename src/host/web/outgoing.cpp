@@ -5,6 +5,8 @@
 #include <boost/json.hpp>
 #include <ctime>
 
+#include <sodium.h>
+
 #include "core/text.h"
 
 namespace zrl::web {
@@ -62,6 +64,10 @@ void add_captions(Console& console, const Form& form, json::array& captions) {
       captions.push_back(json::object{{"control", control->name()}, {"text", valid(shown)}});
     }
   }
+}
+
+json::object offer_json(const Offer& offer) {
+  return {{"token", offer.token}, {"name", valid(offer.name)}, {"size", offer.size}};
 }
 
 }  // namespace
@@ -193,6 +199,41 @@ std::string captions_message(Console& console, std::span<const PageEntry> pages)
     all[entry.name] = std::move(captions);
   }
   return json::serialize(json::object{{"type", "captions"}, {"pages", std::move(all)}});
+}
+
+std::string terminal_message(std::uint64_t id, std::string_view title, bool fresh) {
+  return json::serialize(
+      json::object{{"type", "terminal"}, {"id", id}, {"title", valid(title)}, {"fresh", fresh}});
+}
+
+std::string output_message(std::uint64_t id, std::uint64_t position, std::string_view bytes) {
+  std::string data(sodium_base64_encoded_len(bytes.size(), sodium_base64_VARIANT_ORIGINAL), '\0');
+  ::sodium_bin2base64(data.data(), data.size(), reinterpret_cast<const unsigned char*>(bytes.data()),
+                      bytes.size(), sodium_base64_VARIANT_ORIGINAL);
+  data.pop_back();  // the zero byte
+  return json::serialize(
+      json::object{{"type", "output"}, {"id", id}, {"position", position}, {"data", std::move(data)}});
+}
+
+std::string ended_message(std::uint64_t id, const Terminal::End& end) {
+  return json::serialize(
+      json::object{{"type", "ended"}, {"id", id}, {end.signalled ? "signal" : "status", end.number}});
+}
+
+std::string gone_message(std::uint64_t id) {
+  return json::serialize(json::object{{"type", "gone"}, {"id", id}});
+}
+
+std::string file_message(const Offer& offer) {
+  json::object message = offer_json(offer);
+  message["type"] = "file";
+  return json::serialize(message);
+}
+
+std::string files_message(const std::vector<Offer>& offers) {
+  json::array files;
+  for (const Offer& offer : offers) files.push_back(offer_json(offer));
+  return json::serialize(json::object{{"type", "files"}, {"files", std::move(files)}});
 }
 
 std::string done_message(std::uint64_t seq) {

@@ -11,7 +11,9 @@
 #include "core/controls.h"
 #include "core/host.h"
 #include "host/web/list_filter.h"
+#include "host/web/offered_files.h"
 #include "host/web/shown_form.h"
+#include "host/web/terminal.h"
 #include "pages/catalogue.h"
 
 // The messages to the browser, as their texts.
@@ -49,6 +51,14 @@ std::string activity_message(const ActivityRecord& record, std::uint64_t from, s
                              std::string_view page, bool showing);
 std::string record_message(const ActivityRecord& record, std::uint64_t request, WindowOf window);
 std::string captions_message(Console& console, std::span<const PageEntry> pages);
+// `fresh` if it has just been started.
+std::string terminal_message(std::uint64_t id, std::string_view title, bool fresh);
+// `position` is how many bytes came before.
+std::string output_message(std::uint64_t id, std::uint64_t position, std::string_view bytes);
+std::string ended_message(std::uint64_t id, const Terminal::End& end);
+std::string gone_message(std::uint64_t id);
+std::string file_message(const Offer& offer);
+std::string files_message(const std::vector<Offer>& offers);
 std::string done_message(std::uint64_t seq);
 std::string error_message(const MessageNumber& number, std::string_view code, std::string_view text);
 

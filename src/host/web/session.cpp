@@ -1,6 +1,9 @@
 #include "host/web/session.h"
 
+#include "core/error.h"
 #include "host/web/outgoing.h"
+#include "host/web/responses.h"
+#include "host/web/uploads.h"
 
 namespace zrl::web {
 
@@ -30,6 +33,39 @@ class Session::Listener : public ChannelListener {
   std::uint64_t connection_ = 0;
 };
 
+// A file on its way from a browser to a file list of the session's.
+class Session::UploadSink : public BodySink {
+ public:
+  UploadSink(std::shared_ptr<Session> session, UploadTarget target, std::unique_ptr<UploadedFile> file)
+      : session_(std::move(session)), target_(std::move(target)), file_(std::move(file)) {
+    ++session_->uploads_;
+  }
+  UploadSink(const UploadSink&) = delete;
+  UploadSink& operator=(const UploadSink&) = delete;
+  ~UploadSink() override { --session_->uploads_; }
+
+  std::uint64_t limit() const override { return UploadFolder::longest_file; }
+  void take(std::string_view piece) override { file_->write(piece); }
+
+  void finish(Reply reply) override {
+    if (session_->ended_ || !session_->thread_.joinable()) return reply(error_response(409, "no_form"));
+    auto on_loop = [&loop = session_->loop_, reply = std::move(reply)](Response response) {
+      loop.post([reply, response = std::move(response)] { reply(response); });
+    };
+    session_->last_message_ = Clock::now();
+    session_->inbox_.push(
+        {Incoming::Kind::upload,
+         0,
+         {},
+         std::make_shared<PendingUpload>(std::move(target_), std::move(file_), std::move(on_loop))});
+  }
+
+ private:
+  std::shared_ptr<Session> session_;
+  UploadTarget target_;
+  std::unique_ptr<UploadedFile> file_;
+};
+
 Session::Session(IoLoop& loop, const ConsoleSettings& settings, const Times& times, std::string account,
                  Callbacks callbacks)
     : loop_(loop),
@@ -41,7 +77,8 @@ Session::Session(IoLoop& loop, const ConsoleSettings& settings, const Times& tim
         post([](Session& self) {
           if (self.channel_) self.channel_->resume();
         });
-      }) {}
+      }),
+      audit_log_(settings.folder / "audit.log", account_) {}
 
 Session::~Session() {
   if (!thread_.joinable()) return;
@@ -54,6 +91,31 @@ Session::~Session() {
 
 std::shared_ptr<ChannelListener> Session::new_listener() {
   return std::make_shared<Listener>(shared_from_this());
+}
+
+Response Session::download(std::string_view token) {
+  const std::optional<std::filesystem::path> path = offered_.fetch(token);
+  if (!path) return error_response(404, "no_file");
+  Response response = file_response(*path);
+  audit_log_.note("", "download", path->string(), response.source ? "" : "the file is gone");
+  return response;
+}
+
+std::variant<std::monostate, Response, std::shared_ptr<BodySink>> Session::receive_upload(
+    const Request& request) {
+  if (request.content_length > UploadFolder::longest_file) return error_response(413, "too_big");
+  if (uploads_ >= most_uploads) return error_response(503, "busy");
+  std::optional<UploadTarget> target = parse_upload_target(request.upload);
+  if (!target || request.content_type != "application/octet-stream")
+    return error_response(400, "bad_request");
+  const UploadFolder folder(settings_.folder);
+  try {
+    folder.sweep();
+    return std::make_shared<UploadSink>(shared_from_this(), std::move(*target), folder.receive());
+  } catch (const Error& failure) {
+    audit_log_.note("", "upload", upload_name(target->name), failure.what());
+    return error_response(500, "not_saved");
+  }
 }
 
 bool Session::has_expired(Clock::time_point now) const {
@@ -106,7 +168,7 @@ void Session::start_thread() {
 void Session::run_console() {
   bool failed = false;
   try {
-    SessionConsole(settings_, account_, inbox_, *this).run();
+    SessionConsole(settings_, account_, inbox_, offered_, *this).run();
   } catch (const std::exception&) {
     failed = true;
   }

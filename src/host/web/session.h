@@ -7,8 +7,11 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <variant>
 
+#include "host/web/audit.h"
 #include "host/web/inbox.h"
+#include "host/web/offered_files.h"
 #include "host/web/session_console.h"
 #include "host/web/transport.h"
 
@@ -45,6 +48,11 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
   // Who listens to a new WebSocket. It takes the place of the one before.
   std::shared_ptr<ChannelListener> new_listener();
 
+  // An offered file, by its token.
+  Response download(std::string_view token);
+  // Who takes the file that a browser sends, or why it is refused.
+  std::variant<std::monostate, Response, std::shared_ptr<BodySink>> receive_upload(const Request& request);
+
   bool has_expired(Clock::time_point now) const;
 
   enum class Reason { over, stopping };
@@ -60,6 +68,9 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
 
  private:
   class Listener;
+  class UploadSink;
+
+  static constexpr int most_uploads = 4;  // at a time
 
   struct Busy {
     std::string text;
@@ -86,6 +97,9 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
   const std::string account_;
   const Callbacks callbacks_;
   Inbox inbox_;
+  OfferedFiles offered_;
+  AuditLog audit_log_;  // of downloads
+  int uploads_ = 0;
   std::thread thread_;
 
   std::shared_ptr<Channel> channel_;

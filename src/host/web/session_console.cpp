@@ -43,12 +43,16 @@ class SessionConsole::BusyPause {
 };
 
 SessionConsole::SessionConsole(const ConsoleSettings& settings, std::string account, Inbox& inbox,
-                               SessionOutput& output)
+                               OfferedFiles& offered, SessionOutput& output)
     : settings_(settings),
       account_(std::move(account)),
       inbox_(inbox),
+      offered_(offered),
       output_(output),
-      audit_log_(settings.folder / "audit.log", account_) {}
+      audit_log_(settings.folder / "audit.log", account_),
+      terminals_(settings.folder, [&output](std::uint64_t connection, std::string message) {
+        output.send(connection, std::move(message));
+      }) {}
 
 SessionConsole::~SessionConsole() = default;
 
@@ -164,13 +168,6 @@ void SessionConsole::wait(milliseconds time) {
   flush();
   step_until(nested_level(), end);
   if (stopping_) throw Error(error_number::object_not_set, "the console is being stopped");
-}
-
-void SessionConsole::start_program(const ProgramStart& program) {
-  if (!settings_.start_program) {
-    throw Error(error_number::cannot_create_object, "this console starts no programs");
-  }
-  settings_.start_program(program);
 }
 
 void SessionConsole::show_progress(const Progress& progress) {

@@ -18,8 +18,10 @@
 #include "host/web/audit.h"
 #include "host/web/inbox.h"
 #include "host/web/messages.h"
+#include "host/web/offered_files.h"
 #include "host/web/outgoing.h"
 #include "host/web/shown_form.h"
+#include "host/web/terminals.h"
 #include "pages/catalogue.h"
 
 namespace zrl::web {
@@ -29,7 +31,6 @@ struct ConsoleSettings {
   std::filesystem::path folder;
   std::span<const PageEntry> pages;
   std::function<void(Console&)> register_components;
-  std::function<void(const ProgramStart&)> start_program;
   // Whether dialogs stay open beside their page while its handler goes on.
   bool modeless_dialogs = false;
 };
@@ -58,7 +59,9 @@ class SessionOutput {
 // that moment; the others keep their order and wait, as do all changes of page.
 class SessionConsole : public Host {
  public:
-  SessionConsole(const ConsoleSettings& settings, std::string account, Inbox& inbox, SessionOutput& output);
+  // `inbox`, `offered` and `output` must outlive it.
+  SessionConsole(const ConsoleSettings& settings, std::string account, Inbox& inbox, OfferedFiles& offered,
+                 SessionOutput& output);
   ~SessionConsole() override;
 
   // Returns when the session has ended and its page has been terminated. Raises what keeps a
@@ -71,7 +74,7 @@ class SessionConsole : public Host {
   void process_events() override;
   void wait(std::chrono::milliseconds time) override;
   void start_program(const ProgramStart& program) override;
-  void offer_file(const std::filesystem::path&) override {}
+  void offer_file(const std::filesystem::path& path) override;
   void show_progress(const Progress& progress) override;
 
  private:
@@ -101,6 +104,7 @@ class SessionConsole : public Host {
   void accept(const Incoming& item);
   void greet(std::uint64_t connection);
   void accept_message(BrowserMessage message);
+  void wait_for_turn(BrowserMessage message);
   void malformed(const Malformed& problem);
   void answer(const BrowserMessage& message);
   void send_rows(const BrowserMessage& message);
@@ -113,6 +117,11 @@ class SessionConsole : public Host {
   void open_page(const BrowserMessage& message);
   void leave_page();
   void show_page(const PageEntry& entry);
+
+  // session_transfers.cpp
+  void use_terminal(const BrowserMessage& message);
+  void handle_upload(PendingUpload& upload);
+  void take_upload(PendingUpload& upload, FileList& list);
 
   // Runs something of a page's, and tells the browser what it did.
   void run_action(const std::function<void()>& action);
@@ -133,8 +142,10 @@ class SessionConsole : public Host {
   const ConsoleSettings& settings_;
   std::string account_;
   Inbox& inbox_;
+  OfferedFiles& offered_;
   SessionOutput& output_;
   AuditLog audit_log_;
+  Terminals terminals_;
 
   std::unique_ptr<Console> console_;
   std::string language_at_start_;

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "host/web/session_console.h"
+#include "host/web/uploads.h"
 
 // What the browser's messages do.
 namespace zrl::web {
@@ -30,6 +31,14 @@ void SessionConsole::accept(const Incoming& item) {
     case Incoming::Kind::ended:
       ending_ = true;
       return;
+    case Incoming::Kind::upload: {
+      BrowserMessage message;
+      message.type = Type::upload;
+      message.form = item.upload->target.form;
+      message.upload = item.upload;
+      wait_for_turn(std::move(message));
+      return;
+    }
     case Incoming::Kind::message:
       break;
   }
@@ -53,6 +62,8 @@ void SessionConsole::greet(std::uint64_t connection) {
   for (const std::shared_ptr<ShownForm>& shown : shown_) shown->announced = false;
   flush();
   if (box_) send(box_message(box_->id, *box_->box));
+  send(files_message(offered_.unfetched()));
+  terminals_.connected(connection);
 }
 
 void SessionConsole::malformed(const Malformed& problem) {
@@ -78,12 +89,22 @@ void SessionConsole::accept_message(BrowserMessage message) {
     case Type::record:
       send_record(message);
       return;
+    case Type::input:
+    case Type::resize:
+    case Type::taken:
+    case Type::end:
+      use_terminal(message);
+      return;
     default:
-      break;
+      wait_for_turn(std::move(message));
   }
+}
+
+void SessionConsole::wait_for_turn(BrowserMessage message) {
   // Not left in the inbox: the answer that everything waits for may lie behind.
   if (waiting_.size() >= Inbox::max_messages || waiting_bytes_ >= max_waiting_bytes) {
-    refuse({.seq = message.seq}, "busy", "too much is waiting");
+    // An upload is answered when it is dropped.
+    if (message.has_seq()) refuse({.seq = message.seq}, "busy", "too much is waiting");
     return;
   }
   waiting_bytes_ += size_of(message);
@@ -153,6 +174,9 @@ void SessionConsole::handle(const BrowserMessage& message) {
     case Type::captions:
       if (captions_.empty()) captions_ = captions_message(*console_, settings_.pages);
       send(captions_);
+      break;
+    case Type::upload:
+      handle_upload(*message.upload);
       break;
     default:
       break;

@@ -5,19 +5,11 @@
 
 #include <sodium.h>
 
+#include "host/web/random_token.h"
+
 namespace zrl::web {
 
 namespace {
-
-constexpr std::size_t token_bytes = 32;
-
-std::string random_token() {
-  std::array<unsigned char, token_bytes> bytes{};
-  ::randombytes_buf(bytes.data(), bytes.size());
-  std::array<char, 2 * token_bytes + 1> text{};
-  ::sodium_bin2hex(text.data(), text.size(), bytes.data(), bytes.size());
-  return text.data();
-}
 
 std::string digest(std::string_view token) {
   std::array<unsigned char, crypto_generichash_BYTES> bytes{};

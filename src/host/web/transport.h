@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -31,10 +32,22 @@ struct Request {
   std::string origin;
   std::string content_type;
   std::string cookie;
+  std::string upload;                // the header Upload-To
+  std::uint64_t content_length = 0;  // 0 if it is not told
   std::string body;
   std::string remote_address;
   bool accepts_gzip = false;
   bool over_tls = false;
+};
+
+// What a response sends piece by piece, after its head.
+class BodySource {
+ public:
+  virtual ~BodySource() = default;
+
+  virtual std::uint64_t size() const = 0;
+  // How much was read; 0 before the end means that the rest cannot be had.
+  virtual std::size_t read(char* data, std::size_t size) = 0;
 };
 
 struct Response {
@@ -42,12 +55,25 @@ struct Response {
   std::string content_type = {};
   std::vector<std::pair<std::string, std::string>> headers = {};
   std::string body = {};
-  std::string_view asset = {};  // sent if there is no body; lives as long as the program
-  bool immutable = false;       // the browser may keep it for good; others it never keeps
+  std::string_view asset = {};              // sent if there is no body; lives as long as the program
+  bool immutable = false;                   // the browser may keep it for good; others it never keeps
+  std::shared_ptr<BodySource> source = {};  // sent in place of body and asset
 };
 
 // Answers a request, once, now or later. Later calls are ignored.
 using Reply = std::function<void(Response)>;
+
+// Takes the body of a request piece by piece. If it goes without finish(), the request was broken off.
+class BodySink {
+ public:
+  virtual ~BodySink() = default;
+
+  // The longest body that it takes.
+  virtual std::uint64_t limit() const = 0;
+  virtual void take(std::string_view piece) = 0;
+  // All has been taken.
+  virtual void finish(Reply reply) = 0;
+};
 
 // The server's end of an open WebSocket. Ignores calls after its end.
 class Channel {
@@ -77,6 +103,10 @@ class HttpHandler {
  public:
   virtual ~HttpHandler() = default;
 
+  // A request whose head has come: who takes its body, an answer that refuses it (the connection ends
+  // then), or nothing: handle() gets it whole.
+  virtual std::variant<std::monostate, Response, std::shared_ptr<BodySink>> receive(
+      const Request& request) = 0;
   virtual void handle(Request request, Reply reply) = 0;
   // A WebSocket is asked for: who listens to it, or the answer that refuses it.
   virtual std::variant<Response, std::shared_ptr<ChannelListener>> upgrade(const Request& request) = 0;

@@ -64,7 +64,7 @@ ApplicationSettings application_settings(WebHostOptions options) {
   settings.version = console.settings().product_version();
   settings.language = language.empty() ? "english" : language;
   settings.console = {std::move(options.folder), options.pages, std::move(options.register_components),
-                      std::move(options.start_program), options.modeless_dialogs};
+                      options.modeless_dialogs};
   return settings;
 }
 

@@ -23,7 +23,6 @@ struct WebHostOptions {
   std::span<const PageEntry> pages = {};
   // Called on the threads of sessions, at the same time.
   std::function<void(Console&)> register_components = {};
-  std::function<void(const ProgramStart&)> start_program = {};
   bool modeless_dialogs = false;
 
   ServerLimits server_limits = {};

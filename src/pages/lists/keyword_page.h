@@ -39,7 +39,7 @@ class KeywordPage : public ListPage {
   Frame Frame3{*this, "Frame3", "Subject white list"};
   ListBox List3{*this, "List3",
                 "Mail with one of these in its subject passes; click an entry to edit or remove it"};
-  Label Label4{*this, "Label4", "Words in the subject that let mail pass", List3};
+  Label Label4{*this, "Label4", "Words that let mail pass", List3};
   Button Command7{*this, "Command7", "Add",
                   "Puts the word on the subject white list and takes it off the list of subject keywords"};
   Button Command8{*this, "Command8", "Remove", "Takes the word off the subject white list"};

@@ -32,7 +32,7 @@ ReplacementPage::ReplacementPage(Console& console) : ListPage(console, "wordrepl
   Command2.on_click = [this] { remove_pair(); };
 
   set_layout(column({
-      grid({Text1, Text2}),
+      row({grow(Text1), grow(Text2)}),
       grow(list_frame(Frame1, List1, {Command1, Command2})),
       frame(Frame2, grid({Check2})),
   }));

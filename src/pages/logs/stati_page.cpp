@@ -9,7 +9,7 @@ StatiPage::StatiPage(Console& console) : Page(console, "stati", "Statistics") {
   Command1.on_click = [this] { busy(Command1, [this] { calculate(); }); };
   Command2.on_click = [this] { busy(Command2, [this] { mail_report(); }); };
 
-  set_layout(column({frame(Frame1, column({Text1})), row({Command1, Command2})}));
+  set_layout(column({grow(frame(Frame1, column({grow(Text1)}))), row({Command1, Command2})}));
 }
 
 std::int64_t StatiPage::Counts::rejected() const {

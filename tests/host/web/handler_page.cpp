@@ -2,6 +2,7 @@
 
 #include <array>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -86,7 +87,14 @@ HandlerPage::HandlerPage(Console& console) : Page(console, "handlers", "Handlers
     console.show(std::make_shared<CountingDialog>(console));
     state.set_caption("opened");
   };
-  program.on_click = [&host] { host.start_program({"telnet.exe", {"192.0.2.1", "25"}, ""}); };
+  program.on_click = [this] {
+    std::vector<std::string> words;
+    std::istringstream text(command.text());
+    for (std::string word; text >> word;) words.push_back(word);
+    const std::string name = words.front();
+    words.erase(words.begin());
+    run_program(name, words);
+  };
   ticking.on_click = [this] { timer.set_enabled(ticking.checked()); };
   timer.on_tick = [this, &host] {
     ticks.set_caption(std::to_string(++tick_count_));

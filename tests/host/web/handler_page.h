@@ -31,6 +31,7 @@ class HandlerPage : public Page {
   Button raise{*this, "raise", "Raise an error"};
   Button german{*this, "german", "Choose German"};
   Button dialog{*this, "dialog", "Open a dialog"};
+  TextField command{*this, "command", "A program with its operands, parted by blanks"};
   Button program{*this, "program", "Start a program"};
   Timer timer{*this, "timer", 10, false};
   CheckBox ticking{*this, "ticking", "Tick"};

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <deque>
 #include <fstream>
+#include <future>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -13,6 +14,7 @@
 #include "host/folder.h"
 #include "host/web/browser_end.h"
 #include "host/web/session_console.h"
+#include "host/web/uploads.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
 
@@ -23,15 +25,13 @@ namespace zrl::test {
 class SessionDriver : public BrowserEnd, private web::SessionOutput {
  public:
   explicit SessionDriver(std::span<const PageEntry> pages, bool modeless = false)
-      : settings_{folder_.path(), pages, register_components,
-                  [this](const ProgramStart& program) { programs.push_back(program.command_line()); },
-                  modeless} {
+      : settings_{folder_.path(), pages, register_components, modeless} {
     RecordingHost nobody;
     Console console(folder_.path(), nobody);
     register_components(console);
     lay_out_folder(console);
     thread_ = std::thread([this] {
-      web::SessionConsole(settings_, "admin", inbox_, *this).run();
+      web::SessionConsole(settings_, "admin", inbox_, offered_, *this).run();
       ended_ = true;
     });
     connect();
@@ -63,11 +63,24 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
   // Opens the page and returns when it is shown.
   void show(std::string_view page) { until_done(open(page)); }
 
+  // Sends a file as a browser would; returns the answer, once it comes.
+  web::Response upload(web::UploadTarget target, std::string_view content) {
+    std::promise<web::Response> answer;
+    auto file = web::UploadFolder(folder()).receive();
+    file->write(content);
+    web::Reply reply = [&answer](web::Response response) { answer.set_value(std::move(response)); };
+    inbox_.push({web::Incoming::Kind::upload,
+                 0,
+                 {},
+                 std::make_shared<web::PendingUpload>(std::move(target), std::move(file), std::move(reply))});
+    return answer.get_future().get();
+  }
+  web::OfferedFiles& offered() { return offered_; }
+
   // What the handlers of test pages wait for.
   void make_file(std::string_view name) { std::ofstream(folder() / name) << "go"; }
   const std::filesystem::path& folder() const { return folder_.path(); }
 
-  std::vector<std::string> programs;  // read it when no action runs
   std::atomic<int> violations = 0;
   std::atomic<int> busy_changes = 0;
   std::atomic<bool> ended_ = false;
@@ -108,6 +121,7 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
   TemporaryFolder folder_;
   web::ConsoleSettings settings_;
   web::Inbox inbox_{[] {}};
+  web::OfferedFiles offered_;
   std::mutex mutex_;
   std::condition_variable arrived_;
   std::deque<std::string> messages_;

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/paths.h"
 #include "host/web/handler_page.h"
 #include "host/web/running_host.h"
 
@@ -329,6 +330,72 @@ TEST(WebHost, StoppingEndsWhatRuns) {
   EXPECT_THROW(TcpConnection(host.port()), std::runtime_error);
   host.join();
   EXPECT_TRUE(std::filesystem::exists(host.folder() / "handlers-left"));
+}
+
+std::string upload_of(const WebClient& client, const std::string& target, const std::string& content) {
+  return client.head("POST", "/upload",
+                     "Content-Type: application/octet-stream\r\nUpload-To: " + target +
+                         "\r\nContent-Length: " + std::to_string(content.size()) + "\r\n\r\n" + content);
+}
+
+TEST(WebHost, FilesComeAndGo) {
+  RunningHost host(with_pages());
+  WebClient client = host.sign_in();
+  EXPECT_EQ(error_of(client.raw(upload_of(client, "sample/File1/a.txt", "x"))), "no_form");
+  WebSocket socket(client);
+  socket.receive("hello");
+  socket.until_done(socket.open("allcontrols"));
+  socket.click("allcontrols", "open");
+  while (!socket.forms.contains("sample")) socket.receive("form");
+  // More than a piece, and more than an ordinary request may bring.
+  std::string content;
+  while (content.size() < 3'000'000) content += "line " + std::to_string(content.size()) + "\n";
+  const HttpAnswer uploaded = client.raw(upload_of(client, "sample/File1/a.txt", content));
+  EXPECT_EQ(uploaded.status, 200);
+  EXPECT_EQ(uploaded.object().at("name"), "a.txt");
+  EXPECT_EQ(read_file(host.folder() / "upload" / "a.txt", content.size()), content);
+  EXPECT_EQ(client.raw(upload_of(client, "sample/File1/empty", "")).object().at("name"), "empty");
+
+  EXPECT_EQ(error_of(client.raw(upload_of(client, "sample", "x"))), "bad_request");
+  EXPECT_EQ(client
+                .raw(client.head("POST", "/upload",
+                                 "Content-Type: application/octet-stream\r\nUpload-To: a/b/c\r\n"
+                                 "Content-Length: 67108865\r\n\r\n"))
+                .status,
+            413);
+  EXPECT_EQ(client.raw(client.head("POST", "/api/login", "Content-Length: 65537\r\n\r\n")).status, 413);
+  WebClient stranger(host.port());
+  EXPECT_EQ(error_of(stranger.raw(upload_of(stranger, "sample/File1/a.txt", "x"))), "signed_out");
+  {
+    // Broken off in the middle.
+    TcpConnection connection(host.port());
+    std::string request = upload_of(client, "sample/File1/broken.txt", content);
+    request.resize(request.size() - 1'000'000);
+    connection.write(request);
+  }
+  const std::filesystem::path arriving = host.folder() / "upload" / ".arriving";
+  for (int i = 0; i < 100 && !std::filesystem::is_empty(arriving); ++i) std::this_thread::sleep_for(25ms);
+  EXPECT_TRUE(std::filesystem::is_empty(arriving));
+  EXPECT_FALSE(std::filesystem::exists(host.folder() / "upload" / "broken.txt"));
+
+  socket.close_form("sample");
+  socket.click("allcontrols", "offer");
+  const json::object offer = socket.receive("file");
+  const std::string path = "/file/" + std::string(offer.at("token").as_string());
+  const HttpAnswer file = client.get(path);
+  EXPECT_EQ(file.status, 200);
+  EXPECT_EQ(file.body, "apple.example\nbanana.example\n");
+  EXPECT_EQ(file.headers.at("content-type"), "application/octet-stream");
+  EXPECT_EQ(file.headers.at("x-content-type-options"), "nosniff");
+  EXPECT_EQ(file.headers.at("cache-control"), "no-store");
+  EXPECT_THAT(file.headers.at("content-disposition"), HasSubstr("UTF-8''list%20of%20h%C3%B6sts.txt"));
+  EXPECT_EQ(stranger.get(path).status, 401);
+  EXPECT_EQ(host.sign_in().get(path).status, 404);  // another session's
+  EXPECT_EQ(client.get("/file/../proxy.ini").status, 404);
+  EXPECT_EQ(client.get("/file/").status, 404);
+  std::filesystem::remove(host.folder() / "list of h\u00f6sts.txt");
+  EXPECT_EQ(client.get(path).status, 404);
+  EXPECT_THAT(read_file(host.folder() / "audit.log"), HasSubstr("\tdownload\tok\t"));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@ import type { Kind } from '../protocol'
 import { Button } from './button'
 import { CheckBox, OptionButton } from './choices'
 import { ComboBox } from './combo-box'
+import { FileList } from './file-list'
 import { Label } from './label'
 import { ListBox } from './list-box'
 import { ScrollBar } from './scroll-bar'
@@ -23,7 +24,7 @@ const views: Partial<Record<Kind, View>> = {
   ScrollBar,
   DriveList: ListBox,
   FolderList: ListBox,
-  FileList: ListBox,
+  FileList,
 }
 
 export function ControlView({ control }: { control: ControlModel }) {

@@ -1,3 +1,4 @@
+import type { ComponentChildren } from 'preact'
 import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
@@ -118,7 +119,14 @@ export function keyTarget(key: string, from: number, count: number, page: number
   }
 }
 
-export function ListBox({ control }: { control: ControlModel }) {
+interface ListBoxProps {
+  control: ControlModel
+  /** What stands below the rows, and a button in the last line. */
+  bar?: ComponentChildren
+  tool?: ComponentChildren
+}
+
+export function ListBox({ control, bar, tool }: ListBoxProps) {
   const shown = control.shown.value
   const list = control.list as ListModel
   void list.version.value
@@ -232,6 +240,7 @@ export function ListBox({ control }: { control: ControlModel }) {
           />
           {count === 0 && <p class="list-empty">{cache.filter === '' ? m.emptyList : m.noMatch}</p>}
         </div>
+        {bar}
         <div class="list-foot">
           <span class="list-place">{index >= 0 && index < cache.wholeLength ? m.rowOf(index + 1, cache.wholeLength) : '\u00a0'}</span>
           {cut && selectedText !== undefined && (
@@ -239,6 +248,7 @@ export function ListBox({ control }: { control: ControlModel }) {
               {m.fullText}
             </button>
           )}
+          {tool}
         </div>
       </div>
     </Field>

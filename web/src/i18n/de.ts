@@ -1,5 +1,7 @@
 import type { Step } from '../model/toast-text'
+import type { UploadFailureCode } from '../protocol'
 import type { Messages } from './en'
+import { sizeText } from './size'
 
 const number = new Intl.NumberFormat('de')
 const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
@@ -63,6 +65,14 @@ const failureStep = (step: Step): string => {
   }
 }
 
+const uploadProblems: Record<UploadFailureCode | 'unreachable', string> = {
+  too_big: 'Die Datei ist zu groß (höchstens 64 MB).',
+  no_form: 'Der Dialog ist nicht mehr geöffnet.',
+  refused: 'Diese Liste nimmt im Moment keine Datei an.',
+  busy: 'Die Konsole ist beschäftigt. Versuchen Sie es gleich noch einmal.',
+  unreachable: 'Die Konsole war nicht erreichbar.',
+}
+
 export const de: Messages = {
   code: 'de',
   number: value => number.format(value),
@@ -108,6 +118,7 @@ export const de: Messages = {
     not_saved: 'Das Konto konnte nicht gespeichert werden. Darf die Konsole in ihren Ordner schreiben?',
     forbidden: 'Die Konsole nimmt von dieser Adresse keine Anfragen an. Öffnen Sie sie unter der Adresse, die sie ausgegeben hat.',
     signed_out: 'Sie sind nicht angemeldet.',
+    ...uploadProblems,
   },
   retryIn: seconds => `Neuer Versuch in ${plural(seconds, 'Sekunde', 'Sekunden')} möglich.`,
   unreachable: 'Die Konsole ist nicht erreichbar',
@@ -182,6 +193,35 @@ export const de: Messages = {
   dismiss: 'Ausblenden',
   notices: 'Meldungen',
   times: count => `×${number.format(count)}`,
+
+  terminals: 'Programme',
+  terminalRunning: 'Läuft',
+  terminalEnded: status => `Beendet mit Status ${status}`,
+  terminalKilled: signal => `Beendet durch Signal ${signal}`,
+  terminalLeave: 'verlässt das Terminal',
+  terminalCopy: 'Auswahl oder alles kopieren',
+  terminalClose: title => `${title} schließen`,
+  terminalHeight: 'Höhe der Programme',
+  terminalInput: title => `Terminal: ${title}`,
+  terminalFailed: 'Das Terminal konnte nicht geladen werden. Laden Sie die Seite neu.',
+
+  upload: 'Hochladen…',
+  uploadDrop: 'Datei hier ablegen',
+  uploading: name => `${name} wird gesendet`,
+  uploadWaiting: name => `${name} wird übernommen`,
+  uploadCancel: 'Senden abbrechen',
+  uploaded: name => `${name} wurde gesendet`,
+  uploadedAs: (name, kept) => `${name} wurde gesendet und heißt jetzt ${kept}`,
+  uploadOne: 'Nur die erste Datei wurde genommen: Eine Liste nimmt eine auf einmal.',
+  uploadFailed: name => `${name} wurde nicht gesendet`,
+  uploadProblem: problem => ({ ...de.failures, ...uploadProblems })[problem],
+
+  fileOffered: name => `Bereit: ${name}`,
+  download: name => `${name} herunterladen`,
+  downloadShort: 'Herunterladen',
+  files: 'Dateien für Sie',
+  fileFetched: 'Abgeholt',
+  size: bytes => sizeText(bytes, number),
 
   toast: summary => {
     if (summary.failed) {

@@ -1,6 +1,8 @@
 import type { Refusal } from '../model/session'
 import type { Step, Summary } from '../model/toast-text'
-import type { FailureCode } from '../protocol'
+import type { UploadProblem } from '../model/uploads'
+import type { FailureCode, UploadFailureCode } from '../protocol'
+import { sizeText } from './size'
 
 const number = new Intl.NumberFormat('en')
 const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
@@ -64,6 +66,14 @@ const failureStep = (step: Step): string => {
   }
 }
 
+const uploadProblems: Record<UploadFailureCode | 'unreachable', string> = {
+  too_big: 'The file is too big (the limit is 64 MB).',
+  no_form: 'The dialog is no longer open.',
+  refused: 'This list takes no file right now.',
+  busy: 'The console is busy. Try again in a moment.',
+  unreachable: 'The console could not be reached.',
+}
+
 const failures: Record<FailureCode, string> = {
   bad_request: 'The console did not understand the request. Reload the page and try again.',
   wrong_secret: 'This is not the set-up secret. It was printed when the console was started.',
@@ -75,6 +85,7 @@ const failures: Record<FailureCode, string> = {
   not_saved: 'The account could not be saved. Can the console write to its folder?',
   forbidden: 'The console does not accept requests from this address. Open it under the address that it printed.',
   signed_out: 'You are not signed in.',
+  ...uploadProblems,
 }
 
 const refusals: Record<Refusal['code'], string> = {
@@ -188,6 +199,35 @@ export const en = {
   dismiss: 'Dismiss',
   notices: 'Notices',
   times: (count: number): string => `×${number.format(count)}`,
+
+  terminals: 'Programs',
+  terminalRunning: 'Running',
+  terminalEnded: (status: number): string => `Ended with status ${status}`,
+  terminalKilled: (signal: number): string => `Ended by signal ${signal}`,
+  terminalLeave: 'leaves the terminal',
+  terminalCopy: 'Copy the selection, or everything',
+  terminalClose: (title: string): string => `Close ${title}`,
+  terminalHeight: 'Height of the programs',
+  terminalInput: (title: string): string => `Terminal: ${title}`,
+  terminalFailed: 'The terminal could not be loaded. Reload the page.',
+
+  upload: 'Upload…',
+  uploadDrop: 'Drop the file here',
+  uploading: (name: string): string => `Sending ${name}`,
+  uploadWaiting: (name: string): string => `${name} is being taken over`,
+  uploadCancel: 'Stop sending',
+  uploaded: (name: string): string => `${name} was sent`,
+  uploadedAs: (name: string, kept: string): string => `${name} was sent, and kept as ${kept}`,
+  uploadOne: 'Only the first file was taken: a list takes one at a time.',
+  uploadFailed: (name: string): string => `${name} was not sent`,
+  uploadProblem: (problem: UploadProblem): string => ({ ...failures, ...uploadProblems })[problem],
+
+  fileOffered: (name: string): string => `Ready: ${name}`,
+  download: (name: string): string => `Download ${name}`,
+  downloadShort: 'Download',
+  files: 'Files for you',
+  fileFetched: 'Fetched',
+  size: (bytes: number): string => sizeText(bytes, number),
 
   toast: (summary: Summary): string => {
     if (summary.failed) {

@@ -7,13 +7,16 @@ import type {
   ErrorCode,
   FormMessage,
   Hello,
+  OfferedFile,
   PlainMessage,
   Reply,
   ServerMessage,
   UserEvent,
 } from '../protocol'
 import type { ActivityModel } from './activity'
+import { Files } from './files'
 import { FormModel, type ControlModel, type Link } from './form'
+import { Terminals } from './terminals'
 
 const typingPause = 200
 /** The host closes the line on messages beyond 1 MiB; what frames the text in its message takes some of it. */
@@ -42,7 +45,10 @@ export class Session implements Link {
   readonly wanted = signal<{ page: string; control: string } | null>(null)
   /** True while something must be answered before the page can be used. */
   readonly blocked = computed(() => this.boxes.value.length > 0 || this.dialogs.value.some(dialog => dialog.modal))
+  readonly terminals: Terminals
+  readonly files = new Files()
   onRefusal: (refusal: Refusal) => void = () => {}
+  onFile: (file: OfferedFile) => void = () => {}
 
   private readonly connection: Connection
   private readonly activity: ActivityModel
@@ -59,6 +65,7 @@ export class Session implements Link {
   constructor(connection: Connection, activity: ActivityModel) {
     this.connection = connection
     this.activity = activity
+    this.terminals = new Terminals(message => connection.send(message))
   }
 
   /** A new socket was opened. */
@@ -161,6 +168,8 @@ export class Session implements Link {
       this.opening.value = null
       this.captions.value = null
       this.wanted.value = null
+      this.terminals.reset()
+      this.files.told([])
     })
     clearTimeout(this.flushTimer)
     clearTimeout(this.purgeTimer)
@@ -210,6 +219,17 @@ export class Session implements Link {
       case 'captions':
         this.captions.value = message.pages
         return
+      case 'terminal':
+      case 'output':
+      case 'ended':
+      case 'gone':
+        return this.terminals.receive(message)
+      case 'file':
+        this.files.add(message)
+        this.onFile(message)
+        return
+      case 'files':
+        return this.files.told(message.files)
       case 'done':
         return this.finished(message.seq, control => control.done(message.seq))
       case 'error':
@@ -229,6 +249,7 @@ export class Session implements Link {
     this.clicks.clear()
     this.unsettled.clear()
     this.activity.reconnected()
+    this.terminals.reconnected()
     const page = this.page.peek()
     this.untold = new Set([...(page ? [page] : []), ...this.dialogs.peek()])
     clearTimeout(this.purgeTimer)
@@ -240,6 +261,7 @@ export class Session implements Link {
     if (page && this.untold.has(page)) this.page.value = null
     this.dialogs.value = this.dialogs.peek().filter(dialog => !this.untold.has(dialog))
     this.untold.clear()
+    this.terminals.settle()
   }
 
   private showForm(message: FormMessage): void {

@@ -1,4 +1,5 @@
 import { signal } from '@preact/signals'
+import type { OfferedFile } from '../protocol'
 
 export interface Toast {
   id: number
@@ -8,6 +9,8 @@ export interface Toast {
   detail: string
   failed: boolean
   count: number
+  /** What it offers; such a notice stays until it is used. */
+  file?: OfferedFile | undefined
 }
 
 const shownAtMost = 3
@@ -21,22 +24,22 @@ export class Toasts {
   private readonly timers = new Map<number, ReturnType<typeof setTimeout>>()
   private held = false
 
-  add(text: string, more: { detail?: string; failed?: boolean; topic?: string } = {}): void {
+  add(text: string, more: { detail?: string; failed?: boolean; topic?: string; file?: OfferedFile } = {}): void {
     const { detail = '', failed = false } = more
     const topic = more.topic ?? `${failed} ${text} ${detail}`
     const same = this.shown.peek().find(toast => toast.topic === topic)
     if (same) {
       const repeated = same.text === text && same.detail === detail && same.failed === failed
       const count = repeated ? same.count + 1 : 1
-      this.shown.value = this.shown.peek().map(toast => (toast === same ? { ...toast, text, detail, failed, count } : toast))
-      this.start(same.id, failed)
+      this.shown.value = this.shown.peek().map(toast => (toast === same ? { ...toast, text, detail, failed, count, file: more.file } : toast))
+      this.start({ ...same, failed })
       return
     }
-    const toast = { id: this.nextId++, topic, text, detail, failed, count: 1 }
+    const toast = { id: this.nextId++, topic, text, detail, failed, count: 1, file: more.file }
     const kept = this.shown.peek().slice(1 - shownAtMost)
     for (const old of this.shown.peek()) if (!kept.includes(old)) this.stop(old.id)
     this.shown.value = [...kept, toast]
-    this.start(toast.id, failed)
+    this.start(toast)
   }
 
   dismiss(id: number): void {
@@ -44,12 +47,17 @@ export class Toasts {
     this.shown.value = this.shown.peek().filter(toast => toast.id !== id)
   }
 
+  /** A file is offered no more. */
+  dropFile(token: string): void {
+    for (const toast of this.shown.peek()) if (toast.file?.token === token) this.dismiss(toast.id)
+  }
+
   /** While somebody reads them, they stay. */
   hold(held: boolean): void {
     this.held = held
     for (const toast of this.shown.peek()) {
       if (held) this.stop(toast.id)
-      else this.start(toast.id, toast.failed)
+      else this.start(toast)
     }
   }
 
@@ -58,9 +66,10 @@ export class Toasts {
     this.shown.value = []
   }
 
-  private start(id: number, failed: boolean): void {
+  private start({ id, failed, file }: Pick<Toast, 'id' | 'failed' | 'file'>): void {
     this.stop(id)
-    if (!this.held) this.timers.set(id, setTimeout(() => this.dismiss(id), failed ? longStay : shortStay))
+    if (this.held || file) return
+    this.timers.set(id, setTimeout(() => this.dismiss(id), failed ? longStay : shortStay))
   }
 
   private stop(id: number): void {

@@ -7,6 +7,7 @@ import { coarse } from '../model/preferences'
 import { visibleText } from '../model/visible-text'
 import type { ActivityEntry } from '../protocol'
 import { Icon } from './icon'
+import { OfferedFiles } from './offered-files'
 import { CopyButton } from './text-viewer'
 
 const entryHeight = (): number => (coarse.value ? 72 : 60)
@@ -110,6 +111,7 @@ function OpenDrawer() {
           <Icon name="close" />
         </button>
       </header>
+      <OfferedFiles />
       <div class="drawer-tools">
         <label class="choice-label">
           <input

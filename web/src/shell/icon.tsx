@@ -13,6 +13,8 @@ const paths = {
   warning: 'M12 4 2.8 19.5h18.4zM12 10v4.5M12 17v.2',
   critical: 'M8.3 3h7.4L21 8.3v7.4L15.7 21H8.3L3 15.7V8.3zM12 7.5v5.5M12 16.2v.3',
   check: 'm5 12.5 4.5 4.5L19 7.5',
+  upload: 'M12 15V4M7.5 8.5 12 4l4.5 4.5M4 15v5h16v-5',
+  download: 'M12 4v11M7.5 10.5 12 15l4.5-4.5M4 15v5h16v-5',
   copy: 'M9 9h11v11H9zM15 9V4H4v11h5',
   expand: 'M4 9V4h5M20 15v5h-5M4 4l6 6M20 20l-6-6',
   page: 'M6 3h8l4 4v14H6zM14 3v4h4',

@@ -19,6 +19,7 @@ export function openPalette(): void {
 
 export function listenForPaletteKey(): void {
   document.addEventListener('keydown', event => {
+    if (event.target instanceof Element && event.target.closest('.terminal-screen')) return
     if (!(event.ctrlKey || event.metaKey) || event.altKey || event.shiftKey || event.key.toLowerCase() !== 'k') return
     event.preventDefault()
     if (open.peek()) open.value = false

@@ -11,6 +11,7 @@ import { Header } from './header'
 import { Icon } from './icon'
 import { Palette } from './palette'
 import { Sidebar } from './sidebar'
+import { TerminalPanel } from './terminal-panel'
 import { TextViewer } from './text-viewer'
 
 function Banner() {
@@ -100,6 +101,7 @@ export function Shell() {
           <Page />
           <ActivityDrawer />
         </div>
+        <TerminalPanel />
       </div>
       <FormDialogs />
       <Palette />

@@ -2,6 +2,7 @@ import { useLayoutEffect, useRef, useState } from 'preact/hooks'
 import { activity, session, toasts } from '../app-state'
 import { messages } from '../i18n'
 import { Icon } from './icon'
+import { DownloadLink } from './offered-files'
 
 const lastUsed: { element: Element | null } = { element: null }
 
@@ -56,7 +57,7 @@ export function ToastsView() {
     >
       {shown.map(toast => (
         <div key={toast.id} class={`toast${toast.failed ? ' failed' : ''}`}>
-          <Icon name={toast.failed ? 'warning' : 'check'} />
+          <Icon name={toast.failed ? 'warning' : toast.file ? 'page' : 'check'} />
           <div class="toast-text">
             <p dir="auto">
               {toast.text} {toast.count > 1 && <span class="toast-count">{m.times(toast.count)}</span>}
@@ -67,6 +68,7 @@ export function ToastsView() {
               </p>
             )}
           </div>
+          {toast.file && <DownloadLink file={toast.file} short onFetch={() => toasts.dismiss(toast.id)} />}
           {toast.failed && !session.blocked.value && (
             <button
               type="button"

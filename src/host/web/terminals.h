@@ -1,0 +1,113 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <poll.h>
+
+#include "host/web/terminal.h"
+
+namespace zrl::web {
+
+// The programs that a session's pages have started, each on a terminal that its browser shows. A
+// thread of its own, which begins with the first program, carries bytes both ways, so that neither
+// the console nor a program waits for the other. All calls are made on the session's thread.
+//
+// A program is read only as far ahead of the browser as a small window; one that prints without
+// end waits, as it would for a slow line. What has been shown last is kept for a browser that comes
+// back.
+class Terminals {
+ public:
+  static constexpr std::size_t most = 8;  // terminals of one session, ended ones included
+  static constexpr std::size_t window = 256 << 10;
+  static constexpr std::size_t most_input = 1 << 20;  // typed, and not read yet
+
+  // Called from both threads; must not wait.
+  using Send = std::function<void(std::uint64_t connection, std::string message)>;
+
+  // Programs run in `folder` unless they say where.
+  Terminals(std::filesystem::path folder, Send send);
+  Terminals(const Terminals&) = delete;
+  Terminals& operator=(const Terminals&) = delete;
+  // Ends all programs and returns when they have ended.
+  ~Terminals();
+
+  // Raises zrl::Error if it cannot be started, or if there are too many that run.
+  void start(const ProgramStart& program);
+
+  // Messages go to this connection of the browser's from now on; it is told what is open.
+  void connected(std::uint64_t connection);
+
+  // What the browser wants of a terminal; one that is gone is passed over. False: the program does
+  // not read, and the text is lost.
+  bool type(std::uint64_t id, std::string_view text);
+  void resize(std::uint64_t id, std::uint16_t columns, std::uint16_t rows);
+  // The browser has drawn the output up to this position.
+  void taken(std::uint64_t id, std::uint64_t position);
+  // Ends the program if it runs.
+  void close(std::uint64_t id);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  // How a program is made to end.
+  enum class Closing : std::uint8_t { ask, kill, leave };
+
+  struct Open {
+    std::string title;
+    std::unique_ptr<Terminal> terminal;  // none once all has been read of a program that ended
+    std::string input;
+    std::string history;         // the end of its output
+    std::uint64_t produced = 0;  // bytes of output ever
+    std::uint64_t taken = 0;
+    std::optional<Terminal::End> end;
+    bool closing = false;  // the browser wants no more of it
+    bool drained = false;
+    Clock::time_point next_read{};
+    Closing step = Closing::ask;
+    Clock::time_point next_step{};
+
+    bool wants_reading() const;
+  };
+  using Table = std::map<std::uint64_t, Open>;
+
+  struct Watch {
+    std::vector<std::uint64_t> ids;  // two entries of `polled` each, after the first
+    std::vector<pollfd> polled;
+    int timeout = -1;
+  };
+
+  void make_room();
+  void run();
+  Watch what_to_watch();
+  void serve(std::uint64_t id, Open& open);
+  void end_by_force(Open& open, Clock::time_point now);
+  void pass_output(std::uint64_t id, Open& open);
+  void tell(std::string message) { send_(connection_, std::move(message)); }
+  void tell_all(std::uint64_t id, Open& open);
+  void wake();
+
+  const std::filesystem::path folder_;
+  const Send send_;
+  Descriptor wake_;
+  std::mutex mutex_;  // of everything below; only the thread closes what it polls
+  Table table_;
+  std::uint64_t last_id_ = 0;
+  std::uint64_t connection_ = 0;
+  bool stopping_ = false;
+  std::vector<char> buffer_;
+  std::thread thread_;
+};
+
+}  // namespace zrl::web

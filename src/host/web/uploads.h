@@ -1,0 +1,91 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/web/terminal.h"
+#include "host/web/transport.h"
+
+namespace zrl::web {
+
+// The file list that a file is sent to, and what the browser calls the file.
+struct UploadTarget {
+  std::string form;
+  std::string control;
+  std::string name;
+};
+
+// The value of the header Upload-To: the three parts, each percent-encoded, with "/" between them.
+std::optional<UploadTarget> parse_upload_target(std::string_view header);
+
+// A name under which a file that is called so may be kept: without a folder, control characters,
+// characters that turn the direction of writing, and dots at its ends; neither empty nor long.
+std::string upload_name(std::string_view wanted);
+
+// A file on its way into the upload folder. It is gone unless keep() was called.
+class UploadedFile {
+ public:
+  UploadedFile(std::filesystem::path folder, std::filesystem::path temporary, Descriptor file);
+  UploadedFile(const UploadedFile&) = delete;
+  UploadedFile& operator=(const UploadedFile&) = delete;
+  ~UploadedFile();
+
+  // A failure is told by keep().
+  void write(std::string_view piece);
+  std::uint64_t size() const { return size_; }
+
+  // Moves it into the folder, as "name (2).txt" if another file has its name. Returns the name that
+  // it got. Raises zrl::Error if it could not be written.
+  std::string keep(std::string_view wanted);
+
+ private:
+  std::filesystem::path folder_;
+  std::filesystem::path temporary_;
+  Descriptor file_;
+  std::uint64_t size_ = 0;
+  int failure_ = 0;
+};
+
+// The folder `upload` of a console: what browsers sent to it.
+class UploadFolder {
+ public:
+  static constexpr std::uint64_t longest_file = 64 << 20;
+  static constexpr std::chrono::hours kept{7 * 24};
+
+  explicit UploadFolder(const std::filesystem::path& console_folder) : path_(console_folder / "upload") {}
+
+  const std::filesystem::path& path() const { return path_; }
+  // Makes the folder if need be. Raises zrl::Error.
+  std::unique_ptr<UploadedFile> receive() const;
+  // Removes what is older than a week, and what broke off.
+  void sweep() const;
+
+ private:
+  std::filesystem::path arriving() const { return path_ / ".arriving"; }
+
+  std::filesystem::path path_;
+};
+
+// A file that has come and waits for the session's thread. It is answered once; if nobody does, as
+// one that was refused.
+struct PendingUpload {
+  UploadTarget target;
+  std::unique_ptr<UploadedFile> file;
+  Reply reply;  // from any thread
+  std::chrono::steady_clock::time_point deadline;
+
+  PendingUpload(UploadTarget where, std::unique_ptr<UploadedFile> what, Reply answer);
+  PendingUpload(const PendingUpload&) = delete;
+  PendingUpload& operator=(const PendingUpload&) = delete;
+  ~PendingUpload();
+
+  void refuse(int status, std::string_view code);
+  void accept(std::string_view name);
+};
+
+}  // namespace zrl::web

@@ -1,0 +1,198 @@
+#include <array>
+#include <chrono>
+#include <fstream>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/error.h"
+#include "core/paths.h"
+#include "host/web/handler_page.h"
+#include "host/web/offered_files.h"
+#include "host/web/session_driver.h"
+#include "host/web/uploads.h"
+#include "support/temporary_folder.h"
+
+// Files that come from the browser and go to it.
+namespace zrl::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+std::string read_all(web::BodySource& source) {
+  std::string content;
+  std::array<char, 7> piece{};
+  while (const std::size_t size = source.read(piece.data(), piece.size())) content.append(piece.data(), size);
+  return content;
+}
+
+std::string error_of(const web::Response& response) {
+  return std::string(json::parse(response.body).at("error").as_string());
+}
+
+TEST(OfferedFiles, OnlyWhatWasOfferedIsServedAsItIsNow) {
+  const TemporaryFolder folder;
+  const fs::path file = folder.path() / "a.txt";
+  std::ofstream(file) << "before";
+  web::OfferedFiles files;
+  const web::Offer offer = files.add(file).value();
+  EXPECT_EQ(offer.name, "a.txt");
+  EXPECT_EQ(offer.size, 6u);
+  EXPECT_EQ(offer.token.size(), 64u);
+  EXPECT_EQ(files.unfetched().size(), 1u);
+  std::ofstream(file) << "afterwards";
+  EXPECT_EQ(files.add(file)->token, offer.token);
+  EXPECT_FALSE(files.fetch("a.txt"));
+  EXPECT_FALSE(files.fetch(""));
+  const web::Response response = web::file_response(files.fetch(offer.token).value());
+  EXPECT_EQ(response.source->size(), 10u);
+  EXPECT_EQ(read_all(*response.source), "afterwards");
+  EXPECT_THAT(files.unfetched(), IsEmpty());
+  EXPECT_TRUE(files.fetch(offer.token));  // once more, if the first time failed
+
+  fs::remove(file);
+  EXPECT_EQ(web::file_response(file).status, 404);
+  fs::create_symlink("/etc/passwd", file);
+  EXPECT_EQ(web::file_response(file).status, 404);
+  EXPECT_FALSE(files.add(file));
+  EXPECT_FALSE(files.add(folder.path()));
+  EXPECT_EQ(web::file_response(folder.path()).status, 404);
+}
+
+TEST(OfferedFiles, NamesAreSafeInAHeader) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"list.txt", R"(attachment; filename="list.txt"; filename*=UTF-8''list.txt)"},
+      {"h\u00f6sts (1).txt",
+       R"(attachment; filename="h_sts _1_.txt"; filename*=UTF-8''h%C3%B6sts%20%281%29.txt)"},
+      {"a\"b\\\r\nX: 1;%41",
+       R"(attachment; filename="a_b___X_ 1__41"; filename*=UTF-8''a%22b%5C%0D%0AX%3A%201%3B%2541)"},
+      {"\xff", R"(attachment; filename="_"; filename*=UTF-8''%EF%BF%BD)"},
+  };
+  for (const auto& [name, header] : cases) EXPECT_EQ(web::attachment_header(name), header);
+}
+
+TEST(Uploads, NamesAreCleaned) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"hosts.txt", "hosts.txt"},
+      {"../../etc/passwd", "passwd"},
+      {"C:\\Users\\x\\list.txt", "list.txt"},
+      {".bashrc", "bashrc"},
+      {" .. x . ", "x"},
+      {"..", "upload"},
+      {"", "upload"},
+      {"/", "upload"},
+      {std::string("a\0b\n\x7f\u0085\u202e.txt", 14), "ab.txt"},
+      {"\xff.txt", "\uFFFD.txt"},
+      {std::string(500, 'x') + ".txt", std::string(116, 'x') + ".txt"},
+      {std::string(119, 'x') + "\u00f6", std::string(119, 'x')},
+      {"x." + std::string(500, 'y'), "x." + std::string(118, 'y')},
+  };
+  for (const auto& [wanted, name] : cases) EXPECT_EQ(web::upload_name(wanted), name) << wanted;
+}
+
+TEST(Uploads, TargetsAreParsed) {
+  const auto target = web::parse_upload_target("transfer%232/File1/a%2Fb%20%C3%B6.txt");
+  ASSERT_TRUE(target);
+  EXPECT_EQ(target->form, "transfer#2");
+  EXPECT_EQ(target->control, "File1");
+  EXPECT_EQ(target->name, "a/b \u00f6.txt");
+  for (const char* wrong : {"", "a", "a/b", "a/b/%", "a/b/%4", "a/b/%zz", "%0x/b/c"}) {
+    EXPECT_FALSE(web::parse_upload_target(wrong)) << wrong;
+  }
+}
+
+TEST(Uploads, NothingIsReplacedAndWhatBreaksOffIsGone) {
+  const TemporaryFolder console;
+  const web::UploadFolder folder(console.path());
+  const auto upload = [&](std::string_view name, std::string_view content) {
+    const auto file = folder.receive();
+    file->write(content);
+    return file->keep(name);
+  };
+  EXPECT_EQ(upload("a.txt", "first"), "a.txt");
+  EXPECT_EQ(upload("x/a.txt", "second"), "a (2).txt");
+  EXPECT_EQ(upload("a.txt", ""), "a (3).txt");
+  EXPECT_EQ(upload("noending", ""), "noending");
+  EXPECT_EQ(upload("noending", ""), "noending (2)");
+  EXPECT_EQ(read_file(folder.path() / "a.txt"), "first");
+  EXPECT_EQ(read_file(folder.path() / "a (2).txt"), "second");
+  folder.receive()->write("broken off");
+  EXPECT_TRUE(fs::is_empty(folder.path() / ".arriving"));
+
+  const auto age = [&](const char* name, std::chrono::hours hours) {
+    fs::last_write_time(folder.path() / name, fs::file_time_type::clock::now() - hours);
+  };
+  age("a.txt", 7 * 24h + 1h);
+  age("a (2).txt", 7 * 24h - 1h);
+  folder.sweep();
+  EXPECT_FALSE(fs::exists(folder.path() / "a.txt"));
+  EXPECT_TRUE(fs::exists(folder.path() / "a (2).txt"));
+
+  std::ofstream(console.path() / "file") << "in the way of the folder";
+  EXPECT_THROW((void)web::UploadFolder(console.path() / "file").receive(), Error);
+}
+
+class SessionTransfers : public ::testing::Test {
+ protected:
+  void SetUp() override { session_.show("allcontrols"); }
+  std::string source() { return std::string(session_.held("sample", "source", "text").as_string()); }
+  std::string audit_log() { return read_file(session_.folder() / "audit.log"); }
+
+  SessionDriver session_{test_pages()};
+};
+
+TEST_F(SessionTransfers, AnUploadIsChosenInItsFileList) {
+  EXPECT_EQ(error_of(session_.upload({"sample", "File1", "a.txt"}, "x")), "no_form");
+  session_.click("allcontrols", "open");
+  session_.receive("form");
+  const web::Response response = session_.upload({"sample", "File1", "/x/a.txt"}, "content");
+  EXPECT_EQ(json::parse(response.body).at("name"), "a.txt");
+  session_.receive("change");
+  EXPECT_EQ(source(), to_product_path(session_.folder() / "upload") + "\\a.txt");
+  EXPECT_EQ(session_.rows("sample", "File1", 0, 5).at("rows"), json::parse(R"(["a.txt"])"));
+  session_.upload({"sample", "File1", "a.txt"}, "other");
+  while (source().find("(2)") == std::string::npos) session_.receive("change");
+  EXPECT_EQ(read_file(session_.folder() / "upload" / "a (2).txt"), "other");
+  EXPECT_THAT(audit_log(), HasSubstr("\tallcontrols\tupload\tok\ta.txt (7 bytes)\n"));
+
+  for (const char* control : {"Dir1", "apply", "none"}) {
+    EXPECT_EQ(error_of(session_.upload({"sample", control, "b.txt"}, "x")), "refused") << control;
+  }
+  EXPECT_FALSE(fs::exists(session_.folder() / "upload" / "b.txt"));
+}
+
+TEST_F(SessionTransfers, AnUploadThatNobodyTakesIsAnswered) {
+  session_.show("handlers");
+  session_.click("handlers", "ask");
+  session_.receive("box");
+  // It waits behind the box; a reload forgets it.
+  std::thread reload([this] {
+    std::this_thread::sleep_for(100ms);
+    session_.connect();
+  });
+  EXPECT_EQ(error_of(session_.upload({"handlers", "list", "a.txt"}, "x")), "refused");
+  reload.join();
+  EXPECT_TRUE(fs::is_empty(session_.folder() / "upload" / ".arriving"));
+}
+
+TEST_F(SessionTransfers, AnOfferIsToldAgainUntilItIsFetched) {
+  session_.click("allcontrols", "offer");
+  const json::object told = session_.receive("file");
+  EXPECT_EQ(told.at("name"), "list of h\u00f6sts.txt");
+  EXPECT_EQ(told.at("size"), 29);
+  session_.connect();
+  const json::object again = session_.receive("files");
+  EXPECT_EQ(again.at("files").at(0).at("token"), told.at("token"));
+  EXPECT_TRUE(session_.offered().fetch(told.at("token").as_string()));
+  session_.connect();
+  EXPECT_THAT(session_.receive("files").at("files").as_array(), IsEmpty());
+}
+
+}  // namespace
+
+}  // namespace zrl::test
