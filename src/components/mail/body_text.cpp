@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <vector>
 
 #include <iconv.h>
@@ -62,7 +63,7 @@ class Converter {
     if (known()) ::iconv_close(handle_);
   }
 
-  bool known() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+  bool known() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
 
   std::string to_utf8(std::string_view bytes, std::size_t limit) {
     std::string result;

@@ -29,14 +29,11 @@ std::string canonical(std::string_view body) {
   std::string result;
   for (std::size_t i = 0; i < body.size(); ++i) {
     const char c = body[i];
-    if (c == '\0') {
-      result += ' ';
-    } else if (c == '\n') {
+    if (c == '\n' || c == '\r') {
       result += "\r\n";
-    } else if (c != '\r') {
-      result += c;
-    } else if (i + 1 == body.size() || body[i + 1] != '\n') {
-      result += "\r\n";
+      if (c == '\r' && i + 1 < body.size() && body[i + 1] == '\n') ++i;
+    } else {
+      result += c == '\0' ? ' ' : c;
     }
   }
   return valid_utf8(result);
