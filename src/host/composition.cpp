@@ -1,12 +1,17 @@
 #include "host/composition.h"
 
-#include "components/dns/cares_client.h"
-#include "components/html/html_text_converter.h"
+#include <arpa/inet.h>
+
 #include "components/directory/directory_components.h"
+#include "components/dns/cares_client.h"
 #include "components/downloader/downloader_components.h"
+#include "components/html/html_text_converter.h"
 #include "components/locale/catalogue_translator.h"
+#include "components/mail/mail_components.h"
 #include "components/pcre2/pcre2_regexp.h"
 #include "components/sqlite/sqlite_components.h"
+#include "core/error.h"
+#include "net/machine_sockets.h"
 #include "pages/lists/remote_update.h"
 
 namespace zrl {
@@ -56,6 +61,19 @@ DownloaderSettings downloader_settings(Console& console) {
   return settings;
 }
 
+// The system's look-up knows nothing of the servers that ZRL_RESOLV_CONF names; the console's does.
+std::vector<std::string> addresses_where_servers_are_named(Console& console, const std::string& host) {
+  in6_addr bytes;
+  const bool is_address = host.starts_with('[') || ::inet_pton(AF_INET, host.c_str(), &bytes) == 1 ||
+                          ::inet_pton(AF_INET6, host.c_str(), &bytes) == 1;
+  if (is_address || !hosts_file_path().empty()) return {};
+  MachineSockets sockets(console.resolver());
+  std::string problem;
+  const std::string address = host_address(sockets, host, problem);
+  if (address.empty()) throw Error(sockets.last_error(), "no address was found for " + host);
+  return {address};
+}
+
 }  // namespace
 
 void register_components(Console& console) {
@@ -83,6 +101,15 @@ void register_components(Console& console) {
     return make_dns_client({[&resolver] { return server_texts(resolver); },
                             [&resolver] { return ready(resolver).dns_timeout(); },
                             [&host](std::chrono::milliseconds time) { host.wait(time); }});
+  });
+
+  components.add<MailMessage>([&console] {
+    return make_mail_message({
+        .wait = [&console](std::chrono::milliseconds time) { console.host().wait(time); },
+        .find_addresses =
+            [&console](const std::string& host) { return addresses_where_servers_are_named(console, host); },
+        .limits = {},
+    });
   });
 }
 

@@ -9,6 +9,7 @@
 #include "components/locale/catalogue_translator.h"
 #include "pages/catalogue.h"
 #include "pages/lists/transfer_dialog.h"
+#include "pages/tools/composer_dialog.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
 
@@ -22,6 +23,7 @@ class FormsTest : public testing::Test {
     for (const PageEntry& entry : page_catalogue()) forms.push_back(entry.make(console_));
     forms.push_back(std::make_unique<TransferDialog>(console_, Literal("blacklist"), Literal("entry"),
                                                      "Domain Blacklist"));
+    forms.push_back(std::make_unique<ComposerDialog>(console_));
   }
 
  private:

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/mail_message.h"
+
+namespace zrl {
+
+// As MailMessage::parse() promises.
+Mail read_mail(std::string_view source);
+
+}  // namespace zrl

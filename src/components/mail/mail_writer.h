@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/mail_address.h"
+#include "core/mail_message.h"
+
+namespace zrl {
+
+// The source of a mail, lines ended by CR LF, nothing in it beyond ASCII; the mailboxes have been
+// checked. Takes subject and bodies from `mail`.
+std::string write_mail(const Mail& mail, const Mailbox& sender, const std::vector<Mailbox>& recipients);
+
+}  // namespace zrl

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+
+#include <gmime/gmime.h>
+
+namespace zrl {
+
+// The library, ready for use. Cheap after the first call; from any thread.
+void initialise_mime_library();
+
+struct ReleaseObject {
+  void operator()(void* object) const { g_object_unref(object); }
+};
+// A counted reference to an object of the library.
+template <typename Type>
+using MimeRef = std::unique_ptr<Type, ReleaseObject>;
+
+struct FreeText {
+  void operator()(char* text) const { g_free(text); }
+};
+using MimeText = std::unique_ptr<char, FreeText>;
+
+struct FreeParserOptions {
+  void operator()(GMimeParserOptions* options) const { g_mime_parser_options_free(options); }
+};
+using ParserOptions = std::unique_ptr<GMimeParserOptions, FreeParserOptions>;
+
+// How foreign headers are read: leniently, and bytes beyond ASCII as UTF-8 or windows-1252.
+ParserOptions make_parser_options();
+
+}  // namespace zrl

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+#include <string_view>
+
+// How a mail is put together: headers and multiparts.
+//
+// The library has a parser for whole messages too. It keeps objects for every field and part, walks a
+// stack of boundaries for every line, and reads addresses recursively, so that a mail of a few
+// megabytes can take gigabytes or half a minute, or overflow the stack. Here a mail is only looked at,
+// and the library reads single fields and bodies of bounded size.
+namespace zrl {
+
+enum class MimeField { from, to, subject, content_type, content_disposition, content_transfer_encoding };
+inline constexpr std::size_t mime_field_count = 6;
+
+// A message, or a part of one.
+struct MimeEntity {
+  // The values of the first fields of each name, unfolded, cut at `longest_field` bytes, otherwise as
+  // they stand there; empty if there is none.
+  std::array<std::string, mime_field_count> fields;
+  std::string_view body;  // of the source
+
+  const std::string& field(MimeField name) const { return fields[static_cast<std::size_t>(name)]; }
+};
+
+inline constexpr std::size_t longest_field = std::size_t{64} << 10;
+
+// Lines of a header that are no fields are skipped; but if the first one is none, there is no header,
+// and all is body.
+MimeEntity read_entity(std::string_view source);
+
+// Calls `visit` for each part of the body of a multipart, until it returns false. The last part may
+// lack the closing boundary.
+void for_each_part(std::string_view body, const std::string& boundary,
+                   const std::function<bool(std::string_view part)>& visit);
+
+}  // namespace zrl

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+#include <vector>
+
+#include "components/mail/mail_components.h"
+
+namespace zrl {
+
+// One mail on its way to a server.
+struct SmtpDelivery {
+  MailServer server;
+  std::vector<std::string> addresses;  // of the server, if they are known already
+  std::string sender;                  // addresses that have been checked
+  std::vector<std::string> recipients;
+  std::string source;  // lines ended by CR LF
+  MailLimits limits;
+};
+
+// As MailMessage::send() promises, in a thread of its own if need be. Gives up within a second after
+// `cancelled` became true.
+void deliver(const SmtpDelivery& delivery, const std::atomic<bool>& cancelled);
+
+}  // namespace zrl
