@@ -3,7 +3,6 @@
 #include <limits>
 #include <new>
 
-#include "components/pcre2/dialect.h"
 #include "core/error.h"
 #include "core/text.h"
 
@@ -48,7 +47,7 @@ CompiledPattern<Unit>::CompiledPattern(std::basic_string_view<Unit> pattern, Reg
   const DialectPattern translated =
       translate_pattern(characters, {.units16 = units16, .folding = folding, .multiline = options.multiline});
   translated_.assign(translated.text.begin(), translated.text.end());
-  longest_scan_ = translated.longest_scan;
+  cost_ = translated.cost;
 
   options_ =
       PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALLOW_EMPTY_CLASS | PCRE2_NEVER_BACKSLASH_C | PCRE2_USE_OFFSET_LIMIT;
