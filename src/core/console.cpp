@@ -29,6 +29,8 @@ Console::Console(std::filesystem::path folder, Host& host, Clock clock)
       clock_(std::move(clock)),
       settings_(*this),
       localisation_(*this),
+      resolver_({.timeout_setting = [this] { return settings_.regread(settings_.path_of("DNSTimeout")); },
+                 .wait = [this](std::chrono::milliseconds time) { host_.wait(time); }}),
       pattern_matcher_(*this),
       html_text_(*this) {}
 

@@ -16,6 +16,7 @@
 #include "core/localisation.h"
 #include "core/pattern_matcher.h"
 #include "core/settings.h"
+#include "net/resolver.h"
 
 namespace zrl {
 
@@ -40,6 +41,8 @@ class Console {
   ComponentRegistry& components() { return components_; }
   Settings& settings() { return settings_; }
   Localisation& localisation() { return localisation_; }
+  // Pages use its steps (Page), which record what fails.
+  Resolver& resolver() { return resolver_; }
   PatternMatcher& pattern_matcher() { return pattern_matcher_; }
   HtmlText& html_text() { return html_text_; }
   ActivityRecord& activity() { return activity_; }
@@ -75,6 +78,7 @@ class Console {
   ComponentRegistry components_;
   Settings settings_;
   Localisation localisation_;
+  Resolver resolver_;
   PatternMatcher pattern_matcher_;
   HtmlText html_text_;
   std::vector<std::weak_ptr<Connection>> unsettled_;

@@ -54,6 +54,7 @@ class TextField : public Control {
     bool multi_line = false;
     bool fixed_pitch = false;
     bool secret = false;  // a password; hosts do not show it
+    bool counts = false;  // lines that begin with a count; hosts that can draw show them as bars too
     std::string_view placeholder = {};
   };
 

@@ -132,24 +132,22 @@ bool DatabaseClient::list_operation(std::string_view name, ListOperation operati
 }
 
 bool DatabaseClient::import_file(Literal column, Literal table, std::string_view path) {
-  bool done = false;
-  component_step(words({"import", column.text(), table.text(), path}),
-                 [&] { done = component_or_throw().import_(column, table, path, true); });
-  return done;
+  return answered_step(words({"import", column.text(), table.text(), path}),
+                       [&] { return component_or_throw().import_(column, table, path, true); });
 }
 
 bool DatabaseClient::delete_file(Literal column, Literal table, std::string_view path) {
-  bool done = false;
-  component_step(words({"delete", column.text(), table.text(), path}),
-                 [&] { done = component_or_throw().delete_(column, table, path, true); });
-  return done;
+  return answered_step(words({"delete", column.text(), table.text(), path}),
+                       [&] { return component_or_throw().delete_(column, table, path, true); });
 }
 
 bool DatabaseClient::export_file(Literal column, Literal table, std::string_view path, bool overwrite) {
-  bool done = false;
-  component_step(words({"export", column.text(), table.text(), path}),
-                 [&] { done = component_or_throw().export_(column, table, {}, path, overwrite); });
-  return done;
+  return answered_step(words({"export", column.text(), table.text(), path}),
+                       [&] { return component_or_throw().export_(column, table, {}, path, overwrite); });
+}
+
+bool DatabaseClient::adad() {
+  return component_step("adad", [&] { component_or_throw().adad(); });
 }
 
 bool DatabaseClient::lcase_table(Literal table, Literal column) {
@@ -164,6 +162,13 @@ bool DatabaseClient::create_table(Literal table, Literal columns) {
 
 bool DatabaseClient::component_step(std::string_view text, const std::function<void()>& call) {
   return attempt_write(Kind::component, text, call);
+}
+
+// A component that answers false has not done it, an export to a file that must stay for example.
+bool DatabaseClient::answered_step(std::string_view text, const std::function<bool()>& call) {
+  return component_step(text, [&] {
+    if (!call()) throw Error(error_number::invalid_call, "refused by the component");
+  });
 }
 
 bool DatabaseClient::raise_flag(std::string_view flag) {

@@ -90,6 +90,7 @@ class DatabaseClient {
   bool delete_file(Literal column, Literal table, std::string_view path);
   bool export_file(Literal column, Literal table, std::string_view path, bool overwrite);
 
+  bool adad();
   bool lcase_table(Literal table, Literal column);
   bool create_table(Literal table, Literal columns);
 
@@ -110,6 +111,7 @@ class DatabaseClient {
 
  private:
   Database& component_or_throw() const;
+  bool answered_step(std::string_view text, const std::function<bool()>& call);
   bool attempt_read(ActivityRecord::Kind kind, std::string_view text, const std::function<void()>& action);
   bool attempt_write(ActivityRecord::Kind kind, std::string_view text, const std::function<void()>& action);
 

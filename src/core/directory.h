@@ -12,7 +12,8 @@ class DirectoryLookups {
 
   virtual ~DirectoryLookups() = default;
 
-  // The DNS name of the directory's root domain; empty if the machine belongs to none.
+  // The DNS name of the directory's root domain, in lower case; empty if the machine belongs to
+  // none. Raises zrl::Error if the directory does not answer.
   virtual std::string RootDomain() = 0;
 };
 

@@ -79,4 +79,26 @@ void Form::set_layout(LayoutNode layout) {
   }
 }
 
+// Runs one index past the last control, whose reads fail like those of a control without the
+// property; and drops the translator after every control. Both are how it has always been done.
+void Form::translate_controls() {
+  const auto translate_property = [this](std::size_t index, Property property) {
+    try {
+      Control& control = control_at(index);
+      const auto text = std::get<std::string_view>(control.get(property));
+      if (!text.empty()) control.set(property, translate(text));
+    } catch (const Error&) {  // NOLINT(bugprone-empty-catch)
+    }
+  };
+  for (std::size_t i = 0; i <= controls().size(); ++i) {
+    translate_property(i, Property::caption);
+    translate_property(i, Property::tool_tip);
+    console().localisation().release_translator();
+  }
+}
+
+std::string Form::translate(std::string_view text) {
+  return console_.localisation().translate(text);
+}
+
 }  // namespace zrl

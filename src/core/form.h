@@ -52,6 +52,10 @@ class Form {
  protected:
   void set_layout(LayoutNode layout);
 
+  // Puts the captions and tool tips of all controls into the console's language.
+  void translate_controls();
+  std::string translate(std::string_view text);
+
  private:
   friend class Control;
   void add(Control& control) { controls_.push_back(&control); }

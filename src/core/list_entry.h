@@ -14,6 +14,9 @@ std::string escape_quotes(std::string_view text);
 // from 0 to 255.
 bool is_ip_address(std::string_view text);
 
+// What entry fields show instead of an address that is none.
+inline constexpr std::string_view not_an_ip_number = "Not a valid IP. Please enter only IP Numbers";
+
 // "REGEX[...]" or "regex[...]".
 bool is_regex_entry(std::string_view entry);
 

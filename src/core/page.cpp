@@ -2,6 +2,7 @@
 
 #include "core/error.h"
 #include "core/text.h"
+#include "net/machine_sockets.h"
 
 namespace zrl {
 
@@ -12,30 +13,13 @@ void Page::initialise() {
 void Page::terminate() {
   run([this] { hide(); });
   drop_database();
+  dns_.reset();
 }
 
 void Page::show() {
   translate_controls();
   connect_database();
   load();
-}
-
-// Runs one index past the last control, whose reads fail like those of a control without the
-// property; and drops the translator after every control. Both are how pages have always done it.
-void Page::translate_controls() {
-  const auto translate_property = [this](std::size_t index, Property property) {
-    try {
-      Control& control = control_at(index);
-      const auto text = std::get<std::string_view>(control.get(property));
-      if (!text.empty()) control.set(property, translate(text));
-    } catch (const Error&) {  // NOLINT(bugprone-empty-catch)
-    }
-  };
-  for (std::size_t i = 0; i <= controls().size(); ++i) {
-    translate_property(i, Property::caption);
-    translate_property(i, Property::tool_tip);
-    console().localisation().release_translator();
-  }
 }
 
 void Page::bind_switches(std::initializer_list<Switch> switches) {
@@ -56,6 +40,10 @@ void Page::load_switches(std::initializer_list<CheckBox*> boxes) {
   for (CheckBox* box : boxes) load_switch(*box);
 }
 
+void Page::publish_version() {
+  set_string("version", settings().product_version());
+}
+
 void Page::fill(ListBox& box, Literal table, Literal column, const Statement& condition) {
   box.set_items(rows(table, column, condition).value_or(StringList()));
 }
@@ -74,8 +62,59 @@ bool Page::run_program(std::string_view program, std::vector<std::string> operan
   });
 }
 
-std::string Page::translate(std::string_view text) {
-  return console().localisation().translate(text);
+bool Page::look_up_mail_exchangers(std::string_view domain) {
+  const std::string text = "lookup_mx " + std::string(domain);
+  return console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, [&] {
+    Resolver& resolver = console().resolver();
+    if (resolver.lookup_mx(domain).empty()) throw Error(resolver.last_dns_error(), resolver.problem());
+  });
+}
+
+std::string Page::find_mail_exchanger(std::string_view domain) {
+  return look_up_mail_exchangers(domain) ? console().resolver().best_mx() : std::string();
+}
+
+StringList Page::mail_exchangers(std::string_view domain) {
+  StringList result;
+  if (!look_up_mail_exchangers(domain)) return result;
+  for (const MailExchanger& found : console().resolver().mx_list()) result.push_back(found.exchange);
+  return result;
+}
+
+std::string Page::address_of(std::string_view host) {
+  std::string address;
+  const std::string text = "host_address " + std::string(host);
+  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, [&] {
+    MachineSockets sockets(console().resolver());
+    std::string error_text;
+    address = host_address(sockets, host, error_text);
+    if (!address.empty()) return;
+    throw Error(sockets.last_error(), std::string(trim(error_text)) + " " + sockets.problem());
+  });
+  return address;
+}
+
+// The page may be left, and the control that holds the address changed, while the event loop is
+// served; the look-up holds its own.
+std::optional<std::string> Page::host_name_of(std::string_view address) {
+  std::optional<std::string> name;
+  const std::string text = "PTR_Query " + std::string(address);
+  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read,
+                    [&, dns = dns_, held = std::string(address)] {
+                      if (!dns) throw Error(error_number::object_not_set, "no DNS component");
+                      name = dns->PTR_Query(held);
+                    });
+  return name;
+}
+
+void Page::busy(Button& button, const std::function<void()>& action) {
+  button.set_enabled(false);
+  try {
+    action();
+  } catch (...) {
+    console().record_escaped(button.name());
+  }
+  button.set_enabled(true);
 }
 
 void Page::process_events() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <string>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "core/database_client.h"
+#include "core/dns_client.h"
 #include "core/form.h"
 
 namespace zrl {
@@ -33,8 +35,6 @@ class Page : public DatabaseClient, public Form {
   // What a page drops besides the two handles.
   virtual void hide() {}
 
-  void translate_controls();
-
   // A check box that is an option: load_switches() reads it, its click writes it at once.
   struct Switch {
     CheckBox& box;
@@ -44,6 +44,9 @@ class Page : public DatabaseClient, public Form {
   void load_switch(CheckBox& box);
   void load_switches(std::initializer_list<CheckBox*> boxes);
 
+  // Records the console's version in the option "version".
+  void publish_version();
+
   // Reads a whole column into a list box; a read that fails leaves the box empty.
   void fill(ListBox& box, Literal table, Literal column, const Statement& condition = {});
 
@@ -52,12 +55,29 @@ class Page : public DatabaseClient, public Form {
   // name gets the ending ".exe" if it lacks it.
   bool run_program(std::string_view program, std::vector<std::string> operands, std::string_view folder = {});
 
-  std::string translate(std::string_view text);
+  // Look-ups in the DNS, the event loop served meanwhile. One that finds nothing is a failed read and
+  // empty: the mail exchanger with the lowest preference, a dot at its end; all of them by ascending
+  // preference; the first IPv4 address of a host, or of this machine if the text is blank.
+  std::string find_mail_exchanger(std::string_view domain);
+  StringList mail_exchangers(std::string_view domain);
+  std::string address_of(std::string_view host);
+
+  // The host name of an address, by the DNS component that create_dns_client() made and terminate()
+  // drops; nothing if the look-up failed.
+  void create_dns_client() { dns_ = component<DnsClient>(); }
+  std::optional<std::string> host_name_of(std::string_view address);
+
+  // Runs the action with the button disabled, which keeps a second click away.
+  void busy(Button& button, const std::function<void()>& action);
+
   void process_events();
   Settings& settings() { return console().settings(); }
 
  private:
+  bool look_up_mail_exchangers(std::string_view domain);
+
   std::map<const CheckBox*, std::string_view> switch_keys_;
+  std::shared_ptr<DnsClient> dns_;
 };
 
 }  // namespace zrl

@@ -1,11 +1,62 @@
 #include "host/composition.h"
 
+#include "components/dns/cares_client.h"
 #include "components/html/html_text_converter.h"
+#include "components/directory/directory_components.h"
+#include "components/downloader/downloader_components.h"
 #include "components/locale/catalogue_translator.h"
 #include "components/pcre2/pcre2_regexp.h"
 #include "components/sqlite/sqlite_components.h"
+#include "pages/lists/remote_update.h"
 
 namespace zrl {
+
+namespace {
+
+// The resolver, which looks for its servers and time-out again as long as it knows no server.
+Resolver& ready(Resolver& resolver) {
+  if (resolver.dns_servers().empty()) resolver.discover_dns_servers();
+  return resolver;
+}
+
+std::vector<std::string> server_texts(Resolver& resolver) {
+  std::vector<std::string> texts;
+  for (const DnsServer& server : ready(resolver).dns_servers()) texts.push_back(server.text());
+  return texts;
+}
+
+std::string data_provider(Console& console) {
+  return console.settings().regread(console.settings().data_provider_path());
+}
+
+std::string directory_server(Console& console) {
+  const auto database = console.components().create<Database>();
+  ConnectionHandle connection = database->open_database(data_provider(console));
+  return database->read_string("ldapserver", connection);
+}
+
+DirectorySettings directory_settings(Console& console) {
+  DirectorySettings settings;
+  settings.serve = [&console] { console.host().process_events(); };
+  settings.report = [&console](const Progress& progress) { console.host().show_progress(progress); };
+  return settings;
+}
+
+DownloaderSettings downloader_settings(Console& console) {
+  DownloaderSettings settings;
+  settings.folder = console.folder();
+  settings.files = published_list_files();
+  settings.address = [&console] {
+    return console.settings().regread(console.settings().path_of("updateurl"));
+  };
+  settings.database = [&console] { return console.components().create<Database>(); };
+  settings.provider = [&console] { return data_provider(console); };
+  settings.serve = [&console] { console.host().process_events(); };
+  settings.report = [&console](const Progress& progress) { console.host().show_progress(progress); };
+  return settings;
+}
+
+}  // namespace
 
 void register_components(Console& console) {
   ComponentRegistry& components = console.components();
@@ -18,9 +69,20 @@ void register_components(Console& console) {
 
   components.add<Database>([&console] {
     return make_sqlite_database(
-        console.folder(),
-        [&console] { return console.settings().regread(console.settings().data_provider_path()); },
-        [&console](const Progress& progress) { console.host().show_progress(progress); });
+        console.folder(), [&console] { return data_provider(console); },
+        [&console](const Progress& progress) { console.host().show_progress(progress); }, {},
+        [&console](std::string_view server) { return directory_users(server, directory_settings(console)); });
+  });
+  components.add<Downloader>([&console] { return make_downloader(downloader_settings(console)); });
+  components.add<DirectoryLookups>([&console] {
+    return make_directory_lookups([&console] { return directory_server(console); },
+                                  directory_settings(console));
+  });
+
+  components.add<DnsClient>([&resolver = console.resolver(), &host = console.host()] {
+    return make_dns_client({[&resolver] { return server_texts(resolver); },
+                            [&resolver] { return ready(resolver).dns_timeout(); },
+                            [&host](std::chrono::milliseconds time) { host.wait(time); }});
   });
 }
 

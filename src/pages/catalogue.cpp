@@ -2,6 +2,21 @@
 
 #include <algorithm>
 
+#include "pages/lists/domain_page.h"
+#include "pages/lists/exception_page.h"
+#include "pages/lists/file_page.h"
+#include "pages/lists/ip_page.h"
+#include "pages/lists/keyword_page.h"
+#include "pages/lists/local_page.h"
+#include "pages/lists/local_user_page.h"
+#include "pages/lists/mail_page.h"
+#include "pages/lists/replacement_page.h"
+#include "pages/lists/subnet_page.h"
+#include "pages/logs/avlog_page.h"
+#include "pages/logs/iplog_page.h"
+#include "pages/logs/keywordlog_page.h"
+#include "pages/logs/predatalog_page.h"
+#include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
 
 namespace zrl {
@@ -9,6 +24,21 @@ namespace zrl {
 std::span<const PageEntry> page_catalogue() {
   static constexpr PageEntry entries[] = {
       {"general", "Settings", "General", make_page<GeneralPage>},
+      {"domainbw", "Lists", "Domains", make_page<DomainPage>},
+      {"ipbw", "Lists", "IP numbers", make_page<IpPage>},
+      {"subnets", "Lists", "Subnets", make_page<SubnetPage>},
+      {"localstuff", "Lists", "Local domains and IP numbers", make_page<LocalPage>},
+      {"localuser", "Lists", "Local users", make_page<LocalUserPage>},
+      {"wbuser", "Lists", "E-mail addresses", make_page<MailPage>},
+      {"keywords", "Lists", "Keywords", make_page<KeywordPage>},
+      {"exceptions", "Lists", "Exceptions", make_page<ExceptionPage>},
+      {"wordreplace", "Lists", "Word replacement", make_page<ReplacementPage>},
+      {"filescanner", "Lists", "Attachments", make_page<FilePage>},
+      {"iplog", "Logs", "IP log", make_page<IplogPage>},
+      {"predatalog", "Logs", "Header log", make_page<PredatalogPage>},
+      {"keywordlog", "Logs", "Keyword log", make_page<KeywordlogPage>},
+      {"avlog", "Logs", "Attachment log", make_page<AvlogPage>},
+      {"stati", "Logs", "Statistics", make_page<StatiPage>},
   };
   return entries;
 }

@@ -35,6 +35,7 @@ class InstalledConsole {
   void set_option(std::string_view key, int value) { proxy_->set_option(key, value, conn_); }
   void set_string(std::string_view key, std::string_view text) { proxy_->set_string(key, text, conn_); }
   void execute(const Statement& statement) { conn_->execute(statement); }
+  void execute(Literal statement) { conn_->execute(Statement(statement)); }
   std::vector<std::string> rows(Literal table, Literal column) {
     const StringList array = proxy_->get_db_array(conn_, table, column, {});
     std::vector<std::string> result;

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "core/form.h"
@@ -25,7 +26,11 @@ class RecordingHost : public Host {
     ++yields;
     if (on_process_events) on_process_events();
   }
-  void wait(std::chrono::milliseconds) override { ++waits; }
+  void wait(std::chrono::milliseconds time) override {
+    ++waits;
+    if (on_wait) on_wait();
+    std::this_thread::sleep_for(time);
+  }
   void start_program(const ProgramStart& program) override { programs.push_back(program); }
   void offer_file(const std::filesystem::path& path) override { offered.push_back(path); }
   void show_progress(const Progress&) override { ++progress_reports; }
@@ -35,6 +40,7 @@ class RecordingHost : public Host {
   std::vector<std::filesystem::path> offered;
   std::function<void(Form&)> on_show;
   std::function<void()> on_process_events;
+  std::function<void()> on_wait;
   BoxReply reply = BoxReply::ok;
   bool modeless = false;
   int yields = 0;

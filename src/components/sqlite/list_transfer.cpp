@@ -48,6 +48,7 @@ class Work {
         column_(quoted_name(transfer.column.text())) {}
 
   void import(ListReader& reader);
+  void add(const StringList& entries);
   void remove(ListReader& reader);
 
  private:
@@ -55,6 +56,7 @@ class Work {
   void remove_singly(ListReader& reader);
   std::vector<bool> new_entries(ListReader& reader);
   void add(ListReader& reader, const std::vector<bool>& is_new);
+  Query addition_of_missing();
   std::vector<std::int64_t> matching_rows(ListReader& reader);
 
   void count(ListReader& reader);
@@ -110,11 +112,24 @@ void Work::import(ListReader& reader) {
 
 void Work::import_singly(ListReader& reader) {
   Atomic atomic(engine_);
-  Query insert(engine_, "INSERT INTO " + table_ + " (" + column_ +
-                            ") SELECT ?1 WHERE NOT EXISTS (SELECT 1 FROM " + table_ + " WHERE " + column_ +
-                            "=?1)");
+  Query insert = addition_of_missing();
   each_entry(reader, [&](std::string_view entry, std::size_t) { insert.bind(1, entry).run(); });
   atomic.commit();
+}
+
+void Work::add(const StringList& entries) {
+  Atomic atomic(engine_);
+  Query insert = addition_of_missing();
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    insert.bind(1, entries[i]).run();
+    tick("import ", i, entries.size());
+  }
+  atomic.commit();
+}
+
+Query Work::addition_of_missing() {
+  return {engine_, "INSERT INTO " + table_ + " (" + column_ + ") SELECT ?1 WHERE NOT EXISTS (SELECT 1 FROM " +
+                       table_ + " WHERE " + column_ + "=?1)"};
 }
 
 // Tells for each entry of the file whether it is to be added: it stands there for the first time,
@@ -247,6 +262,10 @@ void Work::tick(const char* what, std::uint64_t done, std::uint64_t total) {
 void import_list(const ListTransfer& transfer, const std::filesystem::path& path) {
   ListReader reader(path);
   Work(transfer).import(reader);
+}
+
+void add_entries(const ListTransfer& transfer, const StringList& entries) {
+  Work(transfer).add(entries);
 }
 
 void delete_list(const ListTransfer& transfer, const std::filesystem::path& path) {

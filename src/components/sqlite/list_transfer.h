@@ -7,6 +7,7 @@
 #include "components/sqlite/sqlite_connection.h"
 #include "core/host.h"
 #include "core/statement.h"
+#include "core/string_list.h"
 
 // Whole lists to and from files. Each of these is one transaction, all or nothing.
 namespace zrl {
@@ -23,6 +24,9 @@ struct ListTransfer {
 
 // Adds the entries that the column lacks, each once, in the order of the file.
 void import_list(const ListTransfer& transfer, const std::filesystem::path& path);
+
+// The same with entries that are at hand.
+void add_entries(const ListTransfer& transfer, const StringList& entries);
 
 // Removes every row whose column equals an entry of the file.
 void delete_list(const ListTransfer& transfer, const std::filesystem::path& path);

@@ -21,16 +21,19 @@ struct SqliteOptions {
   std::chrono::milliseconds busy_timeout{5000};
 };
 
+// The addresses of the users that a directory server knows. Raises zrl::Error.
+using DirectoryReader = std::function<StringList(std::string_view server)>;
+
 // A database access component. `folder` is where relative paths of connection strings lie;
 // `provider` tells the connection string for the operations that open a connection of their own,
 // each time one is about to start; `report`, if given, is called now and then while a list file is
-// imported, deleted or exported.
+// imported, deleted or exported; `directory` is what `adad` asks, which fails without it.
 //
 // The component, its connections and their record sets belong to one thread.
 std::shared_ptr<Database> make_sqlite_database(const std::filesystem::path& folder,
                                                std::function<std::string()> provider,
                                                std::function<void(const Progress&)> report = {},
-                                               SqliteOptions options = {});
+                                               SqliteOptions options = {}, DirectoryReader directory = {});
 
 // The settings in "registry.db". Any number of processes may use the file at the same time; each
 // operation is atomic and survives a power cut. The file is opened when it is first needed, made

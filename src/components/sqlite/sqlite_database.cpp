@@ -105,17 +105,20 @@ void add_word(Literal table, std::string_view word, const ConnectionHandle& conn
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(const std::filesystem::path& folder, std::function<std::string()> provider,
-                               std::function<void(const Progress&)> report, SqliteOptions options)
+                               std::function<void(const Progress&)> report, SqliteOptions options,
+                               DirectoryReader directory)
     : folder_(std::filesystem::absolute(folder)),
       provider_(std::move(provider)),
       report_(std::move(report)),
-      options_(options) {}
+      options_(options),
+      directory_(std::move(directory)) {}
 
 std::shared_ptr<Database> make_sqlite_database(const std::filesystem::path& folder,
                                                std::function<std::string()> provider,
                                                std::function<void(const Progress&)> report,
-                                               SqliteOptions options) {
-  return std::make_shared<SqliteDatabase>(folder, std::move(provider), std::move(report), options);
+                                               SqliteOptions options, DirectoryReader directory) {
+  return std::make_shared<SqliteDatabase>(folder, std::move(provider), std::move(report), options,
+                                          std::move(directory));
 }
 
 ConnectionHandle SqliteDatabase::open_database(std::string_view provider) {
@@ -273,7 +276,18 @@ StringList SqliteDatabase::read_disclaimer(std::string_view rule) {
 }
 
 void SqliteDatabase::adad() {
-  throw Error(error_number::cannot_create_object, "directory access is not available");
+  if (!directory_) throw Error(error_number::cannot_create_object, "directory access is not available");
+  std::string server;
+  with_own([&](Session& session) {
+    const Loan query = session.statements.prepare("SELECT value FROM konf WHERE ID='ldapserver'");
+    if (query->step()) server = trim(query->text(0));
+  });
+  if (server.empty()) {
+    throw Error(error_number::invalid_property_value, "no directory server is named (the option ldapserver)");
+  }
+  // Nothing is locked while the server is asked.
+  const StringList users = directory_(server);
+  with_own([&](Session& session) { add_entries({session, "entry", "localmail", report_}, users); });
 }
 
 std::filesystem::path SqliteDatabase::path_of(std::string_view provider) const {

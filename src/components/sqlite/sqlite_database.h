@@ -15,7 +15,8 @@ namespace zrl {
 class SqliteDatabase : public Database {
  public:
   SqliteDatabase(const std::filesystem::path& folder, std::function<std::string()> provider,
-                 std::function<void(const Progress&)> report, SqliteOptions options);
+                 std::function<void(const Progress&)> report, SqliteOptions options,
+                 DirectoryReader directory);
 
   ConnectionHandle open_database(std::string_view provider) override;
 
@@ -62,6 +63,7 @@ class SqliteDatabase : public Database {
   std::function<std::string()> provider_;
   std::function<void(const Progress&)> report_;
   SqliteOptions options_;
+  DirectoryReader directory_;
   std::unique_ptr<SqliteConnection> own_;
   std::string own_provider_;
   bool own_is_busy_ = false;

@@ -1,5 +1,7 @@
 #include "pages/lists/remote_update.h"
 
+#include <algorithm>
+
 #include "core/error.h"
 #include "core/paths.h"
 
@@ -38,15 +40,60 @@ constexpr ListFile files_of_update[] = {
     {drop, "entry", "blackmail", "\\download\\deluserblack.txt"},
 };
 
+constexpr std::span<const ListFile> share(std::size_t first_step, std::size_t last_step) {
+  return std::span(files_of_update).subspan(first_step - 1, last_step - first_step + 1);
+}
+
+// As in the update of all lists, but for the last two, which change places.
+constexpr ListFile keyword_files[] = {
+    files_of_update[12], files_of_update[13], files_of_update[14], files_of_update[15],
+    files_of_update[16], files_of_update[17], files_of_update[19], files_of_update[18],
+};
+
 }  // namespace
 
 std::span<const ListFile> all_list_files() {
   return files_of_update;
 }
 
+std::span<const ListFile> attachment_list_files() {
+  return share(1, 4);
+}
+
+std::span<const ListFile> domain_list_files() {
+  return share(5, 8);
+}
+
+std::span<const ListFile> address_list_files() {
+  return share(9, 12);
+}
+
+std::span<const ListFile> keyword_list_files() {
+  return keyword_files;
+}
+
+std::span<const ListFile> mail_list_files() {
+  return share(21, 22);
+}
+
+std::vector<std::string> published_list_files() {
+  std::vector<std::string> names;
+  for (const ListFile& file : files_of_update) {
+    std::string name = to_file_path(file.file.text()).filename().string();
+    if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
+  }
+  return names;
+}
+
 bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& downloader, std::string& status) {
   if (!downloader) return false;
-  return client.component_step("updateall", [&] { status = downloader->updateall(); });
+  const bool fetched = client.component_step("updateall", [&] { status = downloader->updateall(); });
+  if (!fetched) return false;
+  for (const Downloader::Failure& failure : downloader->failures()) {
+    client.component_step("updateall " + failure.file,
+                          [&] { throw Error(error_number::invalid_call, failure.reason); });
+  }
+  return true;
 }
 
 void merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "core/database_client.h"
 #include "core/downloader.h"
@@ -24,9 +25,18 @@ struct ListFile {
 
 // All files, in the order in which the update of all lists applies them.
 std::span<const ListFile> all_list_files();
+// The shares of single pages.
+std::span<const ListFile> attachment_list_files();
+std::span<const ListFile> domain_list_files();
+std::span<const ListFile> address_list_files();
+std::span<const ListFile> keyword_list_files();
+std::span<const ListFile> mail_list_files();
+
+// The names under which a server publishes them, each once.
+std::vector<std::string> published_list_files();
 
 // Fetches the files and keeps the downloader's status text in `status`. Without a downloader the
-// step fails like any other.
+// step fails like any other. A file that could not be fetched is recorded as a failed step.
 bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& downloader, std::string& status);
 
 // Merges the files. A file that is missing makes its step fail and leaves its list as it is.

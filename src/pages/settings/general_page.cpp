@@ -98,10 +98,6 @@ void GeneralPage::load_debugging() {
   debugging.set_checked(registry_value == 1 && option == 1);
 }
 
-void GeneralPage::publish_version() {
-  set_string("version", settings().product_version());
-}
-
 // English is the default and is stored as the absence of the value.
 void GeneralPage::choose_language() {
   const std::string language = lower(trim(Combo1.text()));

@@ -74,7 +74,6 @@ class GeneralPage : public Page {
   void load_settings();
   void load_autoimport();
   void load_debugging();
-  void publish_version();
 
   void choose_language();
   void click_mx();

@@ -86,7 +86,7 @@ HandlerPage::HandlerPage(Console& console) : Page(console, "handlers", "Handlers
     console.show(std::make_shared<CountingDialog>(console));
     state.set_caption("opened");
   };
-  program.on_click = [&host] { host.start_program({"telnet.exe 192.0.2.1 25", ""}); };
+  program.on_click = [&host] { host.start_program({"telnet.exe", {"192.0.2.1", "25"}, ""}); };
   ticking.on_click = [this] { timer.set_enabled(ticking.checked()); };
   timer.on_tick = [this, &host] {
     ticks.set_caption(std::to_string(++tick_count_));

@@ -4,13 +4,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <openssl/evp.h>
-#include <openssl/pem.h>
 #include <openssl/ssl.h>
-#include <openssl/x509.h>
 
 #include "host/web/handler_page.h"
 #include "host/web/running_host.h"
+#include "support/loopback_server.h"
 
 namespace zrl::test {
 
@@ -25,27 +23,6 @@ struct Release {
     release(object);
   }
 };
-
-// A certificate that signs itself, and its key, as PEM files.
-void make_certificate(const std::filesystem::path& certificate, const std::filesystem::path& key) {
-  const std::unique_ptr<EVP_PKEY, Release<EVP_PKEY_free>> pair(EVP_EC_gen("P-256"));
-  const std::unique_ptr<X509, Release<X509_free>> made(X509_new());
-  X509_set_version(made.get(), X509_VERSION_3);
-  ASN1_INTEGER_set(X509_get_serialNumber(made.get()), 1);
-  X509_gmtime_adj(X509_getm_notBefore(made.get()), 0);
-  X509_gmtime_adj(X509_getm_notAfter(made.get()), 3600);
-  X509_set_pubkey(made.get(), pair.get());
-  X509_NAME* name = X509_get_subject_name(made.get());
-  X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("localhost"),
-                             -1, -1, 0);
-  X509_set_issuer_name(made.get(), name);
-  X509_sign(made.get(), pair.get(), EVP_sha256());
-  const std::unique_ptr<std::FILE, Release<std::fclose>> certificate_file(
-      std::fopen(certificate.c_str(), "w"));
-  PEM_write_X509(certificate_file.get(), made.get());
-  const std::unique_ptr<std::FILE, Release<std::fclose>> key_file(std::fopen(key.c_str(), "w"));
-  PEM_write_PrivateKey(key_file.get(), pair.get(), nullptr, nullptr, 0, nullptr, nullptr);
-}
 
 // What the server answers over TLS, up to the end of the connection.
 std::string ask_over_tls(std::uint16_t port, const std::string& request) {
@@ -68,7 +45,7 @@ TEST(Tls, ServesWithACertificate) {
   web::WebHostOptions options{.pages = test_pages()};
   options.certificate = folder.path() / "certificate.pem";
   options.key = folder.path() / "key.pem";
-  make_certificate(options.certificate, options.key);
+  make_certificate(folder.path(), "DNS:localhost");
   RunningHost host(std::move(options));
   const std::string port = std::to_string(host.port());
   const std::string head = "Host: localhost:" + port + "\r\nConnection: close\r\n";
@@ -93,11 +70,14 @@ TEST(Tls, AnUnusableCertificateIsTold) {
   options.certificate = folder.path() / "certificate.pem";
   options.key = folder.path() / "key.pem";
   EXPECT_THROW(RunningHost{options}, std::runtime_error);
-  make_certificate(options.certificate, options.key);
+  make_certificate(folder.path(), "DNS:localhost");
   std::ofstream(options.key) << "no key";
   EXPECT_THROW(RunningHost{options}, std::runtime_error);
   // Nor is one of the two alone, or a key that belongs to another certificate.
-  make_certificate(folder.path() / "other.pem", options.key);
+  const std::filesystem::path other = folder.path() / "other";
+  std::filesystem::create_directory(other);
+  make_certificate(folder.path(), "DNS:localhost");
+  options.key = make_certificate(other, "DNS:localhost").key;
   EXPECT_THROW(RunningHost{options}, std::runtime_error);
   options.certificate.clear();
   EXPECT_THROW(RunningHost{options}, std::runtime_error);

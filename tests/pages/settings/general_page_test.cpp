@@ -259,6 +259,7 @@ TEST_F(GeneralPageTest, TheUpdateAppliesAllFilesInTheirOrder) {
 
 TEST_F(GeneralPageTest, AMissingDownloaderIsAFailedStepAndOldFilesAreApplied) {
   std::ofstream(folder.path() / "download" / "addwhite.txt") << "good.example\n";
+  console.components().remove(Downloader::program_id);
   GeneralPage& page = shown_and_quiet();
   page.Command1.user_click();
   EXPECT_TRUE(page.Command1.enabled());

@@ -1,5 +1,6 @@
-// German is complete: every text that a page shows at design time has its translation.
+// What every form of the product keeps to.
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -7,27 +8,43 @@
 #include "components/locale/catalogue.h"
 #include "components/locale/catalogue_translator.h"
 #include "pages/catalogue.h"
+#include "pages/lists/transfer_dialog.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
 
 namespace zrl {
 namespace {
 
-TEST(German, HasEveryTextOfEveryPage) {
+// Every form of the product: the pages, and the dialogs that they open.
+class FormsTest : public testing::Test {
+ protected:
+  FormsTest() {
+    for (const PageEntry& entry : page_catalogue()) forms.push_back(entry.make(console_));
+    forms.push_back(std::make_unique<TransferDialog>(console_, Literal("blacklist"), Literal("entry"),
+                                                     "Domain Blacklist"));
+  }
+
+ private:
+  test::TemporaryFolder folder_;
+  test::RecordingHost host_;
+  Console console_{folder_.path(), host_};
+
+ protected:
+  std::vector<std::unique_ptr<Form>> forms;
+};
+
+TEST_F(FormsTest, EveryTextIsInGerman) {
   const Catalogue german = Catalogue::parse(built_in_catalogue("german"));
-  test::TemporaryFolder folder;
-  test::RecordingHost host;
-  Console console(folder.path(), host);
   const auto expect_translation = [&](std::string_view where, std::string_view text) {
     EXPECT_TRUE(text.empty() || german.has(text)) << where << ": " << text;
   };
   for (const PageEntry& entry : page_catalogue()) {
     expect_translation(entry.name, entry.group);
     expect_translation(entry.name, entry.title);
-    const auto page = entry.make(console);
-    EXPECT_EQ(page->name(), entry.name);
-    EXPECT_EQ(page->caption(), entry.title);
-    for (const Control* control : page->controls()) {
+  }
+  for (const auto& form : forms) {
+    expect_translation(form->name(), form->caption());
+    for (const Control* control : form->controls()) {
       for (const Property property : {Property::caption, Property::tool_tip}) {
         if (!control->has(property)) continue;
         expect_translation(control->name(), std::get<std::string_view>(control->get(property)));
@@ -36,33 +53,40 @@ TEST(German, HasEveryTextOfEveryPage) {
   }
 }
 
-// What people see needs a name, and its place on the form.
-TEST(Pages, EveryControlIsLabelledAndLaidOut) {
+TEST(Pages, AreListedByTheirOwnNameAndCaption) {
   test::TemporaryFolder folder;
   test::RecordingHost host;
   Console console(folder.path(), host);
   for (const PageEntry& entry : page_catalogue()) {
     const auto page = entry.make(console);
+    EXPECT_EQ(page->name(), entry.name);
+    EXPECT_EQ(page->caption(), entry.title);
+  }
+}
+
+// What people see needs a name, and its place on the form.
+TEST_F(FormsTest, EveryControlIsLabelledAndLaidOut) {
+  for (const auto& form : forms) {
     std::vector<const Control*> named;
     std::vector<const Control*> placed;
     const auto place = [&](const auto& self, const LayoutNode& node) -> void {
       if (node.control != nullptr) placed.push_back(node.control);
       for (const LayoutNode& child : node.children) self(self, child);
     };
-    ASSERT_NE(page->layout(), nullptr);
-    place(place, *page->layout());
-    for (const Control* control : page->controls()) {
+    ASSERT_NE(form->layout(), nullptr);
+    place(place, *form->layout());
+    for (const Control* control : form->controls()) {
       if (control->kind() != ControlKind::label) continue;
       if (const Control* names = static_cast<const Label*>(control)->names()) {
         named.push_back(names);
         placed.push_back(control);
       }
     }
-    for (const Control* control : page->controls()) {
+    for (const Control* control : form->controls()) {
       if (control->kind() == ControlKind::timer) continue;
-      EXPECT_EQ(std::ranges::count(placed, control), 1) << entry.name << "." << control->name();
+      EXPECT_EQ(std::ranges::count(placed, control), 1) << form->name() << "." << control->name();
       if (control->has(Property::caption)) continue;
-      EXPECT_EQ(std::ranges::count(named, control), 1) << entry.name << "." << control->name();
+      EXPECT_EQ(std::ranges::count(named, control), 1) << form->name() << "." << control->name();
     }
   }
 }

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <ldap.h>
+
+#include "components/directory/directory_components.h"
+#include "components/directory/server_address.h"
+#include "components/directory/socket_watch.h"
+
+namespace zrl {
+
+// One entry of an answer. Views are valid as long as the entry is being visited.
+class DirectoryEntry {
+ public:
+  DirectoryEntry(LDAP* ldap, LDAPMessage* message) : ldap_(ldap), message_(message) {}
+
+  // Calls `take(std::string_view)` for each value of the attribute, whatever options its name
+  // carries ("mail;lang-de"). Values hold any bytes.
+  void each_value(std::string_view attribute, const std::function<void(std::string_view)>& take) const;
+  std::string first_value(std::string_view attribute) const;
+
+ private:
+  LDAP* ldap_;
+  LDAPMessage* message_;
+};
+
+// A connection to a directory server as nobody in particular. Every failure is a zrl::Error with
+// the library's result code and text.
+class DirectoryConnection {
+ public:
+  DirectoryConnection(const ServerAddress& server, const DirectorySettings& settings);
+  DirectoryConnection(const DirectoryConnection&) = delete;
+  DirectoryConnection& operator=(const DirectoryConnection&) = delete;
+  ~DirectoryConnection() { watch_.close(); }
+
+  using Visit = std::function<void(const DirectoryEntry&)>;
+
+  // What the server tells about itself.
+  void read_root(const std::vector<const char*>& attributes, const Visit& visit);
+
+  // Everything below `base` that the filter chooses, page by page where the server can do that.
+  void search(const std::string& base, const char* filter, const std::vector<const char*>& attributes,
+              const Visit& visit);
+
+ private:
+  struct Release {
+    void operator()(LDAP* ldap) const { ldap_unbind_ext(ldap, nullptr, nullptr); }
+    void operator()(LDAPMessage* message) const { ldap_msgfree(message); }
+    void operator()(LDAPControl* control) const { ldap_control_free(control); }
+    void operator()(LDAPControl** controls) const { ldap_controls_free(controls); }
+  };
+  using Message = std::unique_ptr<LDAPMessage, Release>;
+  using Control = std::unique_ptr<LDAPControl, Release>;
+  using Clock = SocketWatch::Clock;
+
+  struct Question {
+    const char* base;
+    int scope;
+    const char* filter;
+    const std::vector<const char*>& attributes;
+  };
+  struct Answer {
+    int code;
+    std::string text;  // the server's own words
+    Message message;
+  };
+
+  void set(int option, const void* value) const;
+  void sign_in();
+  Answer ask(const Question& question, LDAPControl* page, const Visit& visit);
+  Message next(int id);
+  Answer result_of(Message message) const;
+  Control page_control(const std::string& cookie) const;
+  std::string next_cookie(const Answer& answer) const;
+  void begin_waiting();
+  [[noreturn]] void fail(int code, const std::string& text = {}) const;
+
+  DirectorySettings settings_;
+  std::string url_;
+  Clock::time_point end_;
+  SocketWatch watch_;
+  std::unique_ptr<LDAP, Release> ldap_;
+};
+
+}  // namespace zrl

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <memory>
+
+#include "components/dns/dns_surroundings.h"
+#include "core/dns_client.h"
+
+namespace zrl {
+
+// Look-ups by c-ares, which asks one server after the other and repeats what gets lost.
+std::shared_ptr<DnsClient> make_dns_client(DnsSurroundings surroundings);
+
+}  // namespace zrl

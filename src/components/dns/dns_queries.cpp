@@ -1,0 +1,131 @@
+#include "components/dns/dns_queries.h"
+
+#include <algorithm>
+#include <array>
+
+#include <ares.h>
+#include <poll.h>
+
+#include "core/error.h"
+
+namespace zrl {
+
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+constexpr int class_internet = 1;
+constexpr int tries = 3;
+// c-ares doubles its time-out with each try: 1 + 2 + 4.
+constexpr int shares = 7;
+constexpr milliseconds shortest_slice{1};
+constexpr milliseconds longest_slice{10};
+
+void check(int status) {
+  if (status != ARES_SUCCESS) throw Error(status, "DNS look-up: " + dns_status_text(status));
+}
+
+void initialise_library() {
+  static const int status = ares_library_init(ARES_LIB_INIT_ALL);
+  check(status);
+}
+
+// One list for c-ares, which refuses a whole list for one server with an interface ("fe80::1%eth0").
+std::string joined(const std::vector<std::string>& servers) {
+  std::string result;
+  for (const std::string& server : servers) {
+    if (server.find('%') != server.npos) continue;
+    result.append(result.empty() ? "" : ",").append(server);
+  }
+  return result;
+}
+
+}  // namespace
+
+DnsQueries::DnsQueries(const DnsSurroundings& surroundings) : surroundings_(surroundings) {
+  initialise_library();
+  const std::string servers = joined(surroundings_.servers());
+  if (servers.empty()) throw Error(ARES_ESERVFAIL, "no DNS server is known");
+  timeout_ = surroundings_.timeout();
+  ares_options options{};
+  options.flags = ARES_FLAG_NOSEARCH | ARES_FLAG_NOALIASES;
+  options.timeout = std::max(1, static_cast<int>(timeout_.count() / shares));
+  options.tries = tries;
+  // The servers are told; nothing is to come from the system's own configuration.
+  std::string nowhere = "/dev/null";
+  std::string dns_only = "b";
+  options.resolvconf_path = nowhere.data();
+  options.lookups = dns_only.data();
+  check(ares_init_options(
+      &channel_, &options,
+      ARES_OPT_FLAGS | ARES_OPT_TIMEOUTMS | ARES_OPT_TRIES | ARES_OPT_RESOLVCONF | ARES_OPT_LOOKUPS));
+  const int status = ares_set_servers_ports_csv(channel_, servers.c_str());
+  if (status != ARES_SUCCESS) ares_destroy(channel_);
+  check(status);
+}
+
+DnsQueries::~DnsQueries() {
+  ares_destroy(channel_);
+}
+
+std::size_t DnsQueries::start(const std::string& name, int type) {
+  Pending& pending = pending_.emplace_back(Pending{{}, this});
+  ++unfinished_;
+  ares_query(channel_, name.c_str(), class_internet, type, ended, &pending);
+  return pending_.size() - 1;
+}
+
+void DnsQueries::finish() {
+  const Clock::time_point end = Clock::now() + timeout_;
+  milliseconds slice = shortest_slice;
+  milliseconds waited{0};
+  process();
+  // What was waited counts beside the clock: a console that is ending returns from waiting at once.
+  while (unfinished_ > 0 && Clock::now() < end && waited < timeout_) {
+    surroundings_.wait(slice);
+    waited += slice;
+    slice = std::min(2 * slice, longest_slice);
+    process();
+  }
+  ares_cancel(channel_);
+}
+
+void DnsQueries::ended(void* pending, int status, int, unsigned char* message, int size) {
+  Pending& ended = *static_cast<Pending*>(pending);
+  ended.reply.status = status == ARES_ECANCELLED ? ARES_ETIMEOUT : status;
+  if (status == ARES_SUCCESS && size > 0) ended.reply.message.assign(message, message + size);
+  --ended.owner->unfinished_;
+}
+
+// Handles what has come without waiting for more, and what has taken too long.
+void DnsQueries::process() {
+  std::array<ares_socket_t, ARES_GETSOCK_MAXNUM> sockets{};
+  std::array<pollfd, ARES_GETSOCK_MAXNUM> polled{};
+  const auto wanted =
+      static_cast<unsigned>(ares_getsock(channel_, sockets.data(), static_cast<int>(sockets.size())));
+  nfds_t count = 0;
+  for (unsigned i = 0; i < ARES_GETSOCK_MAXNUM; ++i) {
+    const bool readable = ARES_GETSOCK_READABLE(wanted, i) != 0;
+    const bool writable = ARES_GETSOCK_WRITABLE(wanted, i) != 0;
+    if (!readable && !writable) break;
+    const int events = (readable ? POLLIN : 0) | (writable ? POLLOUT : 0);
+    polled[count++] = {sockets[i], static_cast<short>(events), 0};
+  }
+  if (::poll(polled.data(), count, 0) > 0) {
+    for (const pollfd& socket : polled) {
+      if (socket.revents == 0) continue;
+      const bool writable = (socket.revents & POLLOUT) != 0;
+      const bool readable = (socket.revents & ~POLLOUT) != 0;
+      ares_process_fd(channel_, readable ? socket.fd : ARES_SOCKET_BAD,
+                      writable ? socket.fd : ARES_SOCKET_BAD);
+    }
+  }
+  ares_process_fd(channel_, ARES_SOCKET_BAD, ARES_SOCKET_BAD);
+}
+
+std::string dns_status_text(int status) {
+  return ares_strerror(status);
+}
+
+}  // namespace zrl

@@ -1,0 +1,183 @@
+#include "components/downloader/http_downloader.h"
+
+#include <cerrno>
+#include <memory>
+
+#include "components/downloader/downloaded_file.h"
+#include "core/error.h"
+#include "core/paths.h"
+#include "core/script_content.h"
+
+namespace zrl {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Outcome = FetchJob::Outcome;
+
+constexpr std::string_view script_file = "scripts.json";
+
+class TextTarget : public FetchTarget {
+ public:
+  void write(std::string_view bytes) override { text.append(bytes); }
+
+  std::string text;
+};
+
+std::string in_megabytes(std::uint64_t bytes) {
+  const std::uint64_t tenths = bytes * 10 / 1'000'000;
+  return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " MB";
+}
+
+std::string describe(const FetchJob& job) {
+  switch (job.outcome) {
+    case Outcome::fetched:
+      return "fetched, " + std::to_string(job.bytes) + " bytes";
+    case Outcome::not_published:
+      return "not published";
+    case Outcome::failed:
+      break;
+  }
+  return "failed: " + job.reason;
+}
+
+// Undone unless it is committed.
+class Transaction {
+ public:
+  explicit Transaction(Connection& connection) : connection_(connection) { connection.begin_transaction(); }
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  ~Transaction() {
+    if (done_) return;
+    try {
+      connection_.roll_back();
+    } catch (const Error&) {  // the failure that led here is on its way already
+    }
+  }
+
+  void commit() {
+    connection_.commit();
+    done_ = true;
+  }
+
+ private:
+  Connection& connection_;
+  bool done_ = false;
+};
+
+std::unique_ptr<RecordSet> row_of(Connection& connection, const PublishedScript& script) {
+  return connection.open("SELECT * FROM scriptengine WHERE scriptname='" + value(script.name) + "'",
+                         Connection::Access::updatable);
+}
+
+// What is no text for a statement goes through the row.
+void replace(Connection& connection, const PublishedScript& script) {
+  std::unique_ptr<RecordSet> row = row_of(connection, script);
+  if (row->at_end()) {
+    connection.execute(insert_into("scriptengine", "scriptname", script.name));
+    row = row_of(connection, script);
+  }
+  row->set_bytes("scriptcontent", to_script_content(script.content));
+  row->set_text("sposition", script.position);
+  row->set_number("prio", script.priority);
+  row->set_number("svisible", script.visible);
+  row->update();
+}
+
+}  // namespace
+
+std::shared_ptr<Downloader> make_downloader(DownloaderSettings settings) {
+  return std::make_shared<HttpDownloader>(std::move(settings));
+}
+
+std::string HttpDownloader::updateall() {
+  failures_.clear();
+  const UpdateAddress address(settings_.address());
+  const fs::path folder = settings_.folder / "download";
+  std::error_code failure;
+  fs::create_directories(folder, failure);
+  if (failure) throw Error(failure.value(), folder.string() + ": " + failure.message());
+  DownloadedFile::remove_leftovers(folder);
+
+  std::vector<std::unique_ptr<DownloadedFile>> files;
+  std::vector<FetchJob> jobs;
+  for (const std::string& name : settings_.files) {
+    files.push_back(std::make_unique<DownloadedFile>(folder / name));
+    FetchJob& job = jobs.emplace_back();
+    job.url = address.of(name);
+    job.target = files.back().get();
+    job.byte_limit = settings_.limits.file_bytes;
+  }
+  run(address, jobs, "lists");
+  flush_folder(folder);
+  return conclude(address, jobs);
+}
+
+void HttpDownloader::run(const UpdateAddress& address, std::span<FetchJob> jobs,
+                         std::string_view what) const {
+  FetchSettings settings;
+  settings.limits = settings_.limits;
+  settings.certificates = settings_.certificates;
+  settings.encrypted_only = address.is_encrypted();
+  settings.tick = [&](const FetchProgress& progress) {
+    if (settings_.report) {
+      const std::string text = "download " + std::string(what) + ", " + in_megabytes(progress.bytes);
+      settings_.report({text, progress.finished, progress.files});
+    }
+    if (settings_.serve) settings_.serve();
+  };
+  fetch(jobs, settings);
+}
+
+// Tells what became of each file. An update that brought nothing at all is a failure.
+std::string HttpDownloader::conclude(const UpdateAddress& address, const std::vector<FetchJob>& jobs) {
+  std::size_t fetched = 0;
+  std::string lines;
+  for (std::size_t i = 0; i < jobs.size(); ++i) {
+    const std::string& name = settings_.files[i];
+    lines += "\n" + name + ": " + describe(jobs[i]);
+    if (jobs[i].outcome == Outcome::fetched) ++fetched;
+    if (jobs[i].outcome == Outcome::failed) failures_.push_back({name, jobs[i].reason});
+  }
+  if (fetched == 0 && !jobs.empty()) {
+    const std::string server = "no list file could be fetched from " + address.shown() + ": ";
+    if (failures_.empty()) throw Error(ENOENT, server + "it publishes none");
+    const Failure first = failures_.front();
+    const bool all = failures_.size() == jobs.size();
+    throw Error(EIO, server + (all ? first.reason : first.file + ": " + first.reason));
+  }
+  return std::to_string(fetched) + " of " + std::to_string(jobs.size()) + " list files fetched from " +
+         address.shown() + lines;
+}
+
+void HttpDownloader::update_db() {
+  merge(fetch_scripts());
+}
+
+std::vector<PublishedScript> HttpDownloader::fetch_scripts() const {
+  const UpdateAddress address(settings_.address());
+  TextTarget target;
+  FetchJob job;
+  job.url = address.of(script_file);
+  job.target = &target;
+  job.byte_limit = settings_.limits.script_bytes;
+  run(address, {&job, 1}, "scripts");
+  if (job.outcome != Outcome::fetched) {
+    throw Error(EIO, "no scripts could be fetched from " + address.shown() + ": " + describe(job));
+  }
+  return read_published_scripts(target.text);
+}
+
+void HttpDownloader::merge(const std::vector<PublishedScript>& scripts) const {
+  const std::shared_ptr<Database> database = settings_.database();
+  ConnectionHandle connection = database->open_database(settings_.provider());
+  database->CreateTable(connection, "scriptengine",
+                        "scriptname nvarchar (255) NOT NULL Primary Key, scriptcontent image NULL, "
+                        "sposition nvarchar(255) null, prio int default 0, svisible int default 0");
+  Transaction transaction(*connection);
+  for (const PublishedScript& script : scripts) replace(*connection, script);
+  transaction.commit();
+  connection->settle();
+}
+
+}  // namespace zrl

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "net/dns_message.h"
+#include "net/resolver_file.h"
+
+namespace zrl {
+
+// A small stub resolver (RFC 1035) for mail exchangers and IPv4 addresses. It sends one query over
+// UDP to the first server, without repeating it, and looks for the answer every 10 ms until the
+// time-out. What comes from elsewhere, or bears another identifier, is ignored.
+//
+// Nothing here is raised but what `wait` raises. A look-up that finds nothing is empty; outcome() and
+// problem() then tell why. Waiting may run other look-ups of the same resolver: each yields its own
+// answer, and the state is that of the last one to end.
+class Resolver {
+ public:
+  struct Surroundings {
+    std::function<std::string()> timeout_setting;         // in milliseconds, a decimal number
+    std::function<void(std::chrono::milliseconds)> wait;  // returns after this time
+    std::function<std::filesystem::path()> resolver_file = resolver_file_path;
+  };
+
+  enum class Outcome : std::uint8_t {
+    found,
+    not_asked,      // there can be no such name, or it is too short
+    no_servers,     // none is known
+    socket_failed,  // last_dns_error() tells how
+    timed_out,
+    no_such_name,
+    server_failed,  // the server answered with an error
+    no_records,     // the name exists, but has no such record that can be read
+  };
+
+  explicit Resolver(Surroundings surroundings) : surroundings_(std::move(surroundings)) {}
+  Resolver(const Resolver&) = delete;
+  Resolver& operator=(const Resolver&) = delete;
+
+  // The mail exchanger with the lowest preference, with a dot at its end, or empty. A name inside the
+  // local domain that has no mail exchanger falls back to its parent names, down to the local parent
+  // domain. Names of fewer than 5 characters are not asked for.
+  std::string lookup_mx(std::string_view domain);
+  // What the last lookup_mx() found, by ascending preference.
+  const std::vector<MailExchanger>& mx_list() const { return mx_.list; }
+  std::size_t mx_count() const { return mx_.list.size(); }
+  const std::string& best_mx() const { return mx_.best; }
+
+  // The IPv4 addresses of a host, dotted.
+  std::vector<std::string> lookup_a(std::string_view host);
+
+  // Reads the resolver file and, once, the time-out: 10 seconds if the setting is missing or 0, and at
+  // least 100 ms. Look-ups do this as long as no server is known.
+  void discover_dns_servers();
+  const std::vector<DnsServer>& dns_servers() const { return servers_; }
+  const std::string& local_domain() const { return local_domain_; }
+  // The last two labels of the local domain.
+  const std::string& local_parent_domain() const { return local_parent_domain_; }
+  std::chrono::milliseconds dns_timeout() const { return std::chrono::milliseconds(dns_timeout_ms_); }
+
+  // Of the last look-up: the name that was asked for last, what came of it, and the same in words for
+  // people (empty if something was found); and the socket's error number, 0 if there was none.
+  const std::string& current_query_name() const { return current_query_name_; }
+  Outcome outcome() const { return outcome_; }
+  const std::string& problem() const { return problem_; }
+  std::int16_t last_dns_error() const { return last_dns_error_; }
+
+ private:
+  struct Answer {
+    Outcome outcome;
+    std::string problem;
+    std::int16_t error = 0;
+    std::vector<std::uint8_t> message;  // empty if none came
+  };
+
+  Answer ask(const std::string& name, DnsType type);
+  bool lies_below_local_parent(std::string_view name) const;
+  void conclude(const std::string& name, Answer answer, bool found);
+
+  Surroundings surroundings_;
+  std::vector<DnsServer> servers_;
+  std::string local_domain_;
+  std::string local_parent_domain_;
+  std::int32_t dns_timeout_ms_ = 0;
+  MailExchangers mx_;
+  std::string current_query_name_;
+  Outcome outcome_ = Outcome::found;
+  std::string problem_;
+  std::int16_t last_dns_error_ = 0;
+};
+
+}  // namespace zrl

@@ -1,0 +1,56 @@
+#include "net/udp_socket.h"
+
+#include <cerrno>
+#include <memory>
+
+#include <netdb.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace zrl {
+
+// Connecting lets the system drop what others send, and tells when nobody listens at the port.
+UdpSocket::UdpSocket(const DnsServer& server) {
+  addrinfo hints{};
+  hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
+  hints.ai_socktype = SOCK_DGRAM;
+  addrinfo* made = nullptr;
+  const std::string port = std::to_string(server.port);
+  if (::getaddrinfo(server.address.c_str(), port.c_str(), &hints, &made) != 0) {
+    fail(EADDRNOTAVAIL);
+    return;
+  }
+  const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> target(made, ::freeaddrinfo);
+  handle_ = ::socket(target->ai_family, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+  if (handle_ < 0 || ::connect(handle_, target->ai_addr, target->ai_addrlen) != 0) fail(errno);
+}
+
+UdpSocket::~UdpSocket() {
+  if (handle_ < 0) return;
+  ::shutdown(handle_, SHUT_RDWR);
+  ::close(handle_);
+}
+
+bool UdpSocket::send(DnsBytes message) {
+  if (error_ != 0) return false;
+  if (::send(handle_, message.data(), message.size(), MSG_NOSIGNAL) < 0) fail(errno);
+  return error_ == 0;
+}
+
+std::optional<std::vector<std::uint8_t>> UdpSocket::receive(std::size_t limit) {
+  if (error_ != 0) return std::nullopt;
+  std::vector<std::uint8_t> message(limit);
+  const ssize_t size = ::recv(handle_, message.data(), message.size(), 0);
+  if (size < 0) {
+    if (errno != EAGAIN && errno != EINTR) fail(errno);
+    return std::nullopt;
+  }
+  message.resize(static_cast<std::size_t>(size));
+  return message;
+}
+
+void UdpSocket::fail(int error) {
+  if (error_ == 0) error_ = error;
+}
+
+}  // namespace zrl

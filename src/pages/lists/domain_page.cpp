@@ -1,0 +1,122 @@
+#include "pages/lists/domain_page.h"
+
+#include "core/list_entry.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+// "mail.sub.example.com" becomes "example.com"; a single label stays.
+std::string_view last_two_labels(std::string_view name) {
+  const std::size_t last = name.rfind('.');
+  if (last == name.npos || last == 0) return name;
+  const std::size_t second = name.rfind('.', last - 1);
+  return second == name.npos ? name : name.substr(second + 1);
+}
+
+}  // namespace
+
+DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domains") {
+  bind_lists(Text1, Place::kept,
+             {{List1, "whitelist", "entry", Entries::without_at},
+              {List2, "blacklist", "entry", Entries::without_at}});
+  bind_switches({
+      {RetunPath, "ReturnPath"},
+      {dcheck, "checkbodydom"},
+      {hcheck, "checkheaderdom"},
+      {checkbw, "checkbw"},
+      {checkblhelo, "checkblhelo"},
+  });
+  bind_transfer(imexwhite, "whitelist", "entry", "Domain Whitelist", {"reloadwhite"});
+  bind_transfer(imexblack, "blacklist", "entry", "Domain Blacklist", {"reloadblack"});
+  bind_update(remote, domain_list_files(), {"reloadblack", "reloadwhite"});
+  refrall.on_click = [this] { fill_lists(); };
+
+  Command1.on_click = [this] { add(white_, black_); };
+  Command2.on_click = [this] { remove(white_); };
+  Command3.on_click = [this] { add(black_, white_); };
+  Command4.on_click = [this] { remove(black_); };
+
+  findmx.on_click = [this] { busy(findmx, [this] { find_exchanger_address(); }); };
+  Command6.on_click = [this] { find_exchanger_name(); };
+  blip.on_click = [this] { list_address(true); };
+  wlip.on_click = [this] { list_address(false); };
+  Command5.on_click = [this] { connect_by_telnet(); };
+  for (TextField* target : {&Text1, &mxip}) {
+    target->on_change = [this, target] {
+      if (!target->text().empty()) Command5.set_enabled(true);
+    };
+  }
+
+  set_layout(column({
+      Text1,
+      grow(row({list_frame(Frame1, List1, {Command1, Command2, imexwhite}),
+                list_frame(Frame2, List2, {Command3, Command4, imexblack})})),
+      row({refrall, remote}),
+      frame(Frame3, column({mxip, row({findmx, Command6, Command5, blip, wlip})})),
+      frame(Frame4, grid({checkbw, RetunPath, hcheck, dcheck, checkblhelo})),
+  }));
+}
+
+void DomainPage::fill_lists() {
+  fill_list_boxes();
+  load_switches({&RetunPath, &dcheck, &hcheck, &checkbw, &checkblhelo});
+  publish_version();
+}
+
+// Reading the field again at each step costs nothing, and the entry is stored as the field shows it.
+void DomainPage::add(const Side& own, const Side& other) {
+  Text1.set_text(trim(Text1.text()));
+  Text1.set_text(escape_quotes(Text1.text()));
+  raise_flag(own.flag);
+  execute(delete_from(own.table, "entry", Text1.text()));
+  execute(delete_from(other.table, "entry", Text1.text()));
+  execute(insert_into(own.table, "entry", Text1.text()));
+  own.box.add_item(Text1.text());
+  remove(other);
+}
+
+void DomainPage::remove(const Side& side) {
+  Text1.set_text(trim(Text1.text()));
+  raise_flag(side.flag);
+  execute(delete_from(side.table, "entry", Text1.text()));
+  execute(delete_from(side.table, "entry", "@*" + Text1.text()));
+  fill_lists();
+}
+
+void DomainPage::find_exchanger_address() {
+  mxip.set_text("");
+  if (Text1.text().find('.') != std::string::npos) mxip.set_text(find_mail_exchanger(Text1.text()));
+  if (mxip.text().empty()) {
+    Text1.set_text(last_two_labels(Text1.text()));
+    mxip.set_text(find_mail_exchanger(Text1.text()));
+  }
+  if (!mxip.text().empty()) mxip.set_text(address_of(mxip.text()));
+}
+
+void DomainPage::find_exchanger_name() {
+  const StringList exchangers = mail_exchangers(Text1.text());
+  if (!exchangers.empty()) mxip.set_text(exchangers[exchangers.size() - 1]);
+}
+
+void DomainPage::list_address(bool black) {
+  if (!is_ip_address(mxip.text())) {
+    mxip.set_text(not_an_ip_number);
+  } else if (black) {
+    add_to_blackhost(mxip.text());
+  } else {
+    add_to_whitehost(mxip.text());
+  }
+}
+
+void DomainPage::connect_by_telnet() {
+  const std::string target = is_ip_address(mxip.text()) ? mxip.text() : Text1.text();
+  if (target.empty()) {
+    Command5.set_enabled(false);
+  } else {
+    run_program("telnet.exe", {target, "25"});
+  }
+}
+
+}  // namespace zrl

@@ -1,0 +1,54 @@
+#include "pages/lists/exception_page.h"
+
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+// The list that an entry belongs to.
+Literal table_of(std::string_view entry) {
+  return entry.find('@') != entry.npos ? Literal("exceptmail") : Literal("exceptdomain");
+}
+
+}  // namespace
+
+ExceptionPage::ExceptionPage(Console& console) : ListPage(console, "exceptions", "Exceptions") {
+  bind_lists(Text1, Place::forgotten,
+             {{exceptdomains, "exceptdomain", "entry"}, {exceptmails, "exceptmail", "entry"}});
+  bind_switches({{exceptdomain, "exceptdomain"}, {exceptmail, "exceptmail"}});
+  bind_transfer(imleft, "exceptdomain", "entry", "Domain Exception List");
+  bind_transfer(imright, "exceptmail", "entry", "eMail Exception List");
+  Command1.on_click = [this] { fill_lists(); };
+  addex.on_click = [this] { add(); };
+  removeex.on_click = [this] { remove(); };
+
+  set_layout(column({
+      Text1,
+      row({addex, removeex}),
+      grow(row({list_frame(Frame1, exceptdomains, {imleft}), list_frame(Frame2, exceptmails, {imright})})),
+      row({Command1}),
+      frame(Frame3, grid({exceptdomain, exceptmail})),
+  }));
+}
+
+void ExceptionPage::fill_lists() {
+  fill_list_boxes();
+  load_switches({&exceptdomain, &exceptmail});
+}
+
+// Without a deletion first: an entry that is added twice is stored twice.
+void ExceptionPage::add() {
+  const std::string_view entry = trim(Text1.text());
+  if (!entry.empty()) execute(insert_into(table_of(entry), "entry", entry));
+  fill_lists();
+}
+
+// Blanks take empty entries, which imports may have brought, off the list of domains.
+void ExceptionPage::remove() {
+  const std::string_view entry = trim(Text1.text());
+  if (!Text1.text().empty()) execute(delete_from(table_of(entry), "entry", entry));
+  fill_lists();
+}
+
+}  // namespace zrl

@@ -1,0 +1,65 @@
+#include "pages/lists/file_page.h"
+
+#include "core/text.h"
+
+namespace zrl {
+
+FilePage::FilePage(Console& console) : ListPage(console, "filescanner", "Attachments") {
+  bind_lists(Text1, Place::forgotten, {{files, "files", "files"}, {extension, "extension", "extension"}});
+  bind_switches({
+      {checkfiles, "checkfiles"},
+      {checkfilesstream, "checkfilesstream"},
+      {checkextension, "checkextension"},
+  });
+  bind_transfer(leftim, "files", "files", "File List");
+  bind_transfer(rightim, "extension", "extension", "Extension List");
+  bind_update(remoteupdate, attachment_list_files());
+  freshit.on_click = [this] { fill_lists(); };
+
+  addfiles.on_click = [this] { busy(addfiles, [this] { add_file(); }); };
+  addextension.on_click = [this] { busy(addextension, [this] { add_extension(); }); };
+  deleteit.on_click = [this] { remove_text(); };
+
+  set_layout(column({
+      Text1,
+      grow(row({list_frame(Frame1, files, {addfiles, leftim}),
+                list_frame(Frame2, extension, {addextension, rightim})})),
+      row({deleteit, freshit, remoteupdate}),
+      frame(Frame3, grid({checkfiles, checkfilesstream, checkextension})),
+  }));
+}
+
+void FilePage::fill_lists() {
+  load_switches({&checkfiles, &checkfilesstream, &checkextension});
+  fill_list_boxes();
+}
+
+void FilePage::add_file() {
+  Text1.set_text(lower(trim(Text1.text())));
+  if (!Text1.text().empty()) {
+    execute(delete_from("files", "files", Text1.text()));
+    execute(insert_into("files", "files", Text1.text()));
+  }
+  fill_lists();
+}
+
+// Extensions are listed without their dot; a text with one is only taken off the list.
+void FilePage::add_extension() {
+  Text1.set_text(lower(trim(Text1.text())));
+  const std::string& text = Text1.text();
+  if (!text.empty()) {
+    execute(delete_from("extension", "extension", text));
+    if (text.find('.') == text.npos) execute(insert_into("extension", "extension", text));
+  }
+  fill_lists();
+}
+
+// The text is not trimmed: what stands in the field is what is removed.
+void FilePage::remove_text() {
+  Text1.set_text(lower(Text1.text()));
+  execute(delete_from("files", "files", Text1.text()));
+  execute(delete_from("extension", "extension", Text1.text()));
+  fill_lists();
+}
+
+}  // namespace zrl

@@ -1,0 +1,88 @@
+#include "pages/lists/ip_page.h"
+
+#include "core/list_entry.h"
+#include "core/text.h"
+
+namespace zrl {
+
+IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
+  bind_lists(ip, Place::kept, {{blackl, "Blackhost", "IPNumber"}, {whitel, "Whitehost", "IPNumber"}});
+  bind_switches({
+      {Check1, "ip_checking"},
+      {bcheck, "checkbodyip"},
+      {hcheck, "checkheaderip"},
+      {autobl, "autoBLheader"},
+      {acreject, "activereject"},
+      {checkempty, "checkreverse"},
+      {blr, "checkreverseblacklist"},
+      {wlr, "checkreversewhitelist"},
+  });
+  autobl.on_click = [this] { click_autobl(); };
+  bind_transfer(imleft, "Whitehost", "IPNumber", "IP Whitelist");
+  bind_transfer(imright, "Blackhost", "IPNumber", "IP Blacklist");
+  bind_update(remote, address_list_files());
+  refrall.on_click = [this] { fill_lists(); };
+
+  Command1.on_click = [this] { change(&IpPage::add_to_whitehost); };
+  Command3.on_click = [this] { change(&IpPage::add_to_blackhost); };
+  Command2.on_click = [this] { change(&IpPage::remove_from_iplist); };
+
+  rlookup.on_click = [this] { busy(rlookup, [this] { find_host_name(); }); };
+  adbl.on_click = [this] { list_domain("blacklist", "whitelist"); };
+  adwl.on_click = [this] { list_domain("whitelist", "blacklist"); };
+
+  set_layout(column({
+      ip,
+      grow(row(
+          {list_frame(Frame1, whitel, {Command1, imleft}), list_frame(Frame2, blackl, {Command3, imright})})),
+      row({Command2, refrall, remote}),
+      frame(Frame3, column({domain, row({rlookup, adbl, adwl})})),
+      frame(Frame4, grid({Check1, hcheck, bcheck, autobl, acreject})),
+      frame(Frame5, grid({checkempty, blr, wlr})),
+  }));
+}
+
+void IpPage::load() {
+  create_dns_client();
+  fill_lists();
+}
+
+void IpPage::fill_lists() {
+  load_switches({&Check1, &bcheck, &hcheck, &autobl, &acreject, &checkempty, &blr, &wlr});
+  fill_list_boxes();
+}
+
+void IpPage::change(bool (DatabaseClient::*operation)(std::string_view)) {
+  if (is_ip_address(ip.text())) {
+    (this->*operation)(ip.text());
+  } else {
+    ip.set_text(not_an_ip_number);
+  }
+  fill_lists();
+}
+
+// Black-listing from headers and blocking reports exclude each other; switching the one off leaves
+// the other alone.
+void IpPage::click_autobl() {
+  set_option("autoBLheader", autobl.value());
+  if (autobl.checked()) set_option("blockndr", 0);
+}
+
+void IpPage::find_host_name() {
+  if (!is_ip_address(ip.text())) return;
+  if (const auto name = host_name_of(ip.text())) domain.set_text(*name);
+}
+
+// The text is not escaped and no flag is raised here, unlike on the page of the domain lists.
+void IpPage::list_domain(Literal own, Literal other) {
+  if (domain.text().find('.') == std::string::npos) return;
+  const std::string entry(trim(domain.text()));
+  for (const Literal table : {own, other}) {
+    execute(delete_from(table, "entry", entry));
+    execute(delete_from(table, "entry", "@*" + entry));
+  }
+  execute(insert_into(own, "entry", entry));
+  domain.set_text("");
+}
+
+}  // namespace zrl

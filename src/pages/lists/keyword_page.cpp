@@ -1,0 +1,145 @@
+#include "pages/lists/keyword_page.h"
+
+#include "core/list_entry.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+// The option "subjectspace" is a number of blanks: what the ticked box writes, and the least number
+// that it shows as ticked.
+constexpr std::int16_t many_blanks = 5;
+constexpr std::int16_t least_blanks = 3;
+
+}  // namespace
+
+KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keywords") {
+  bind_lists(Text1, Place::kept,
+             {{List1, "swords", "entry", Entries::all, "entry<>''"},
+              {List2, "words", "entry", Entries::all, "entry<>''"},
+              {List3, "subjectwhite", "entry", Entries::all, "entry<>''"}});
+  bind_switches({
+      {Check1, "checksubject"},
+      {Check2, "checkbody"},
+      {Check3, "enablesubjectwhite"},
+      {checklongsubject, "checklongsubject"},
+      {checkshortsubject, "checkshortsubject"},
+  });
+  Check1.on_click = [this] { click_subject_check(); };
+  subjectspace.on_click = [this] { set_option("subjectspace", subjectspace.checked() ? many_blanks : 0); };
+  checkheader.on_click = [this] {
+    settings().regwrite_string(header_check_path(), checkheader.checked() ? "1" : "0");
+  };
+  bind_transfer(Command5, "swords", "entry", "Subject Keywords");
+  bind_transfer(Command6, "words", "entry", "Body Keywords");
+  bind_transfer(Command9, "subjectwhite", "entry", "Subject Whitelist");
+  bind_update(remote, keyword_list_files());
+
+  Command1.on_click = [this] { add_subject_keyword(); };
+  Command2.on_click = [this] { add_body_keyword(); };
+  Command7.on_click = [this] { add_subject_white_word(); };
+  Command3.on_click = [this] { remove("swords"); };
+  Command4.on_click = [this] { remove("words"); };
+  Command8.on_click = [this] { remove("subjectwhite"); };
+
+  set_layout(column({
+      Text1,
+      grow(row({list_frame(Frame1, List1, {Command1, Command3, Command5}),
+                list_frame(Frame2, List2, {Command2, Command4, Command6}),
+                list_frame(Frame3, List3, {Command7, Command8, Command9})})),
+      row({remote}),
+      frame(Frame4, grid({Check1, Check3, Check2, checkheader})),
+      frame(Frame5, grid({checklongsubject, checkshortsubject, subjectspace})),
+  }));
+}
+
+void KeywordPage::load() {
+  load_header_check();
+  fill_lists();
+}
+
+void KeywordPage::fill_lists() {
+  fill_list_boxes();
+  load_switches({&Check3, &Check2, &Check1});
+  follow_subject_check();
+  load_switches({&checklongsubject, &checkshortsubject});
+  load_subjectspace();
+  checkheader.set_enabled(Check2.checked());
+}
+
+// The header word check is a module of the proxy, which reads its switch from the registry.
+std::string KeywordPage::header_check_path() {
+  return settings().path_of("modules\\HeaderWordCheck\\enabled");
+}
+
+void KeywordPage::load_header_check() {
+  const std::string path = header_check_path();
+  console().attempt(ActivityRecord::Kind::registry, path, Console::Step::read,
+                    [&] { checkheader.set_value(OptionValue{settings().regread(path)}.to_int16()); });
+}
+
+void KeywordPage::load_subjectspace() {
+  if (const auto blanks = read_number("subjectspace")) subjectspace.set_checked(*blanks >= least_blanks);
+}
+
+void KeywordPage::click_subject_check() {
+  set_option("checksubject", Check1.value());
+  follow_subject_check();
+}
+
+// The subject white list works only while subjects are checked.
+void KeywordPage::follow_subject_check() {
+  if (!Check1.checked()) {
+    Check3.set_checked(false);
+    set_option("enablesubjectwhite", 0);
+  }
+  Check3.set_enabled(Check1.checked());
+}
+
+// False if there is nothing to add.
+bool KeywordPage::escape_entry() {
+  if (trim(Text1.text()).empty()) return false;
+  Text1.set_text(escape_quotes(Text1.text()));
+  return true;
+}
+
+void KeywordPage::add_subject_keyword() {
+  if (!escape_entry()) return;
+  const std::string_view word = trim(Text1.text());
+  add_to_swords(word);
+  execute(delete_from("subjectwhite", "entry", word));
+  purge("subjectwhite");
+  fill_lists();
+}
+
+void KeywordPage::add_body_keyword() {
+  if (!escape_entry()) return;
+  add_to_words(trim(Text1.text()));
+  fill_lists();
+}
+
+void KeywordPage::add_subject_white_word() {
+  if (!escape_entry()) return;
+  const std::string_view word = trim(Text1.text());
+  execute(delete_from("subjectwhite", "entry", word));
+  execute(insert_into("subjectwhite", "entry", word));
+  execute(delete_from("swords", "entry", word));
+  purge("swords");
+  fill_lists();
+}
+
+void KeywordPage::remove(Literal table) {
+  execute(delete_from(table, "entry", trim(Text1.text())));
+  purge(table);
+  fill_lists();
+}
+
+// The second statement selects no row, whatever the table holds; it belongs to the sequence all the
+// same.
+void KeywordPage::purge(Literal table) {
+  execute(delete_from(table, "entry", ""));
+  execute("DELETE FROM " + table + " where entry=NULL");
+}
+
+}  // namespace zrl

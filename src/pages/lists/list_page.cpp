@@ -1,0 +1,89 @@
+#include "pages/lists/list_page.h"
+
+#include <limits>
+#include <memory>
+
+#include "core/text.h"
+#include "pages/lists/transfer_dialog.h"
+
+namespace zrl {
+
+void ListPage::bind_lists(TextField& entry, Place place, std::initializer_list<List> lists) {
+  place_ = place;
+  for (const List& list : lists) {
+    const std::size_t number = lists_.size();
+    lists_.push_back({list});
+    list.box.on_click = [this, &entry, number] { click_item(entry, number); };
+  }
+}
+
+void ListPage::bind_transfer(Button& button, Literal table, Literal column, std::string_view title,
+                             std::initializer_list<std::string_view> flags) {
+  button.on_click = [this, table, column, title, raised = std::vector(flags)] {
+    open_transfer(table, column, title);
+    for (const std::string_view flag : raised) raise_flag(flag);
+    fill_lists();
+  };
+}
+
+void ListPage::bind_update(Button& button, std::span<const ListFile> files,
+                           std::initializer_list<std::string_view> flags) {
+  button.on_click = [this, &button, files, raised = std::vector(flags)] {
+    busy(button, [&] {
+      update_lists(files);
+      fill_lists();
+      for (const std::string_view flag : raised) raise_flag(flag);
+    });
+  };
+}
+
+void ListPage::fill_list_boxes() {
+  for (const BoundList& bound : lists_) fill_list(bound.list);
+  if (place_ == Place::forgotten) return;
+  for (const BoundList& bound : lists_) {
+    ListBox& box = bound.list.box;
+    if (bound.last_index < static_cast<std::int64_t>(box.items().size())) box.set_index(bound.last_index);
+  }
+}
+
+// The dialog keeps the page waiting where it is modal.
+void ListPage::open_transfer(Literal table, Literal column, std::string_view title) {
+  console().show(std::make_shared<TransferDialog>(console(), table, column, title));
+}
+
+void ListPage::click_item(TextField& entry, std::size_t list) {
+  BoundList& bound = lists_[list];
+  const std::int64_t index = bound.list.box.index();
+  entry.set_text(bound.list.box.chosen());
+  // The place is a 16-bit number; an item beyond leaves it as it was.
+  if (index <= std::numeric_limits<std::int16_t>::max()) bound.last_index = static_cast<std::int16_t>(index);
+}
+
+void ListPage::fill_list(const List& list) {
+  StringList entries = rows(list.table, list.column, list.condition).value_or(StringList());
+  if (list.entries != Entries::all) {
+    const bool wanted = list.entries == Entries::with_at;
+    entries.retain([wanted](std::string_view entry) { return (entry.find('@') != entry.npos) == wanted; });
+  }
+  list.box.set_items(std::move(entries));
+}
+
+void ListPage::update_lists(std::span<const ListFile> files) {
+  std::string status;
+  fetch_lists(*this, component<Downloader>(), status);
+  merge_lists(*this, console(), files);
+}
+
+std::string domain_of_address(std::string_view address) {
+  const std::size_t at = address.find('@');
+  if (at == address.npos) return {};
+  const std::string_view domain = address.substr(at + 1);
+  const bool valid = domain.find('@') == domain.npos && domain.find('.') != domain.npos;
+  return valid ? lower(domain) : std::string();
+}
+
+LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons) {
+  return grow(frame(title, column({grow(box), row(buttons)})));
+}
+
+}  // namespace zrl

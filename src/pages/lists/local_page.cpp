@@ -1,0 +1,52 @@
+#include "pages/lists/local_page.h"
+
+#include "core/list_entry.h"
+#include "core/text.h"
+
+namespace zrl {
+
+LocalPage::LocalPage(Console& console) : ListPage(console, "localstuff", "Local domains and IP numbers") {
+  bind_lists(Text1, Place::forgotten, {{List1, "mydomain", "entry"}, {List2, "myips", "IPNumber"}});
+  bind_switches({{acheck, "norelay"}, {checklocalhelo, "checklocalhelo"}, {nofakedom, "nofakedom"}});
+  bind_transfer(imleft, "mydomain", "entry", "Local Domain list");
+  bind_transfer(imright, "myips", "IPNumber", "Local IP list");
+
+  Command1.on_click = [this] { busy(Command1, [this] { add(); }); };
+  Command2.on_click = [this] { remove(); };
+  Command3.on_click = [this] { fill_lists(); };
+
+  set_layout(column({
+      Text1,
+      grow(row({list_frame(Frame1, List1, {imleft}), list_frame(Frame2, List2, {imright})})),
+      row({Command1, Command2, Command3}),
+      frame(Frame3, grid({acheck, checklocalhelo, nofakedom})),
+  }));
+}
+
+void LocalPage::fill_lists() {
+  Text1.set_text("");
+  fill_list_boxes();
+  load_switches({&acheck, &checklocalhelo, &nofakedom});
+}
+
+void LocalPage::add() {
+  const std::string entry(trim(Text1.text()));
+  if (is_ip_address(entry)) {
+    execute(delete_from("myips", "IPNumber", entry));
+    execute(insert_into("myips", "IPNumber", entry));
+  } else if (!entry.empty()) {
+    execute(delete_from("mydomain", "entry", entry));
+    execute(insert_into("mydomain", "entry", entry));
+  }
+  fill_lists();
+}
+
+void LocalPage::remove() {
+  const std::string entry(trim(Text1.text()));
+  if (entry.empty()) return;
+  execute(delete_from("myips", "IPNumber", entry));
+  execute(delete_from("mydomain", "entry", entry));
+  fill_lists();
+}
+
+}  // namespace zrl

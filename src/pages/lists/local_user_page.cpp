@@ -1,0 +1,91 @@
+#include "pages/lists/local_user_page.h"
+
+#include "core/directory.h"
+#include "core/text.h"
+
+namespace zrl {
+
+LocalUserPage::LocalUserPage(Console& console) : ListPage(console, "localuser", "Local users") {
+  bind_lists(uemail, Place::forgotten, {{List1, "localmail", "entry", Entries::with_at}});
+  bind_switches(
+      {{usercheck, "localmail"}, {fakeprotectuser, "nofakemail"}, {check_real_ad, "check_real_ad"}});
+  check_real_ad.on_click = [this] { click_check_real_ad(); };
+  bind_transfer(imexfile, "localmail", "entry", "Local User");
+
+  adduser.on_click = [this] { busy(adduser, [this] { add_user(); }); };
+  removeuser.on_click = [this] { remove_user(); };
+  Command1.on_click = [this] { busy(Command1, [this] { import_from_server(); }); };
+  importat.on_click = [this] { busy(importat, [this] { import_users(); }); };
+
+  set_layout(column({
+      uemail,
+      grow(list_frame(Frame1, List1, {adduser, removeuser, imexfile})),
+      frame(Frame2, column({Text1, row({Command1, importat}), check_real_ad})),
+      frame(Frame3, grid({usercheck, fakeprotectuser})),
+  }));
+}
+
+void LocalUserPage::load() {
+  fill_lists();
+  if (const auto server = read_string("ldapserver")) Text1.set_text(*server);
+}
+
+void LocalUserPage::fill_lists() {
+  fill_list_boxes();
+  load_switches({&usercheck, &fakeprotectuser, &check_real_ad});
+}
+
+// A user who is added twice stands there twice; the domain stands there once.
+void LocalUserPage::add_user() {
+  uemail.set_text(lower(uemail.text()));
+  if (uemail.text().find('@') == std::string::npos) return;
+  const std::string address(trim(uemail.text()));
+  raise_flag("reloadblack");  // also makes the proxy read the local users again
+  execute(insert_into("localmail", "entry", address));
+  if (const std::string domain = domain_of_address(address); !domain.empty()) {
+    execute(delete_from("mydomain", "entry", domain));
+    execute(insert_into("mydomain", "entry", domain));
+  }
+  fill_lists();
+}
+
+// The address is taken as it is written, capital letters too, and its domain stays local.
+void LocalUserPage::remove_user() {
+  if (uemail.text().find('@') == std::string::npos) return;
+  raise_flag("reloadblack");
+  execute(delete_from("localmail", "entry", trim(uemail.text())));
+  fill_lists();
+}
+
+void LocalUserPage::import_from_server() {
+  if (Text1.text().empty()) return;
+  set_string("ldapserver", Text1.text());
+  adad();
+  fill_lists();
+}
+
+void LocalUserPage::import_users() {
+  adad();
+  raise_flag("reloadblack");
+  fill_lists();
+}
+
+// Without a directory there is nothing to check against, and the box does not stay ticked.
+void LocalUserPage::click_check_real_ad() {
+  std::string root_domain;
+  if (check_real_ad.checked()) root_domain = directory_root();
+  check_real_ad.set_checked(!root_domain.empty());
+  set_option("check_real_ad", check_real_ad.value());
+  if (!root_domain.empty()) execute(insert_into("mydomain", "entry", root_domain));
+}
+
+std::string LocalUserPage::directory_root() {
+  std::string domain;
+  if (const auto directory = component<DirectoryLookups>()) {
+    console().attempt(ActivityRecord::Kind::component, "RootDomain", Console::Step::read,
+                      [&] { domain = directory->RootDomain(); });
+  }
+  return domain;
+}
+
+}  // namespace zrl

@@ -1,0 +1,67 @@
+#include "pages/lists/subnet_page.h"
+
+#include "core/list_entry.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+// Trims the field and tells whether it holds a network. The prefix length is cut off by the trimmed
+// address's length, so a blank before the slash leaves the slash in it, and the text is refused.
+bool check_subnet(TextField& field) {
+  field.set_text(trim(field.text()));
+  const std::string_view text = field.text();
+  const std::size_t slash = text.find('/');
+  if (slash == text.npos) return false;
+  const std::string_view address = trim(text.substr(0, slash));
+  const auto prefix_length = to_number(text.substr(address.size() + 1));
+  constexpr int longest = 32;
+  return is_ip_address(address) && prefix_length && *prefix_length >= 1 && *prefix_length <= longest;
+}
+
+}  // namespace
+
+SubnetPage::SubnetPage(Console& console) : ListPage(console, "subnets", "Subnets") {
+  bind_lists(subin, Place::kept, {{blacksub, "blacksub", "subnet"}, {whitesub, "whitesub", "subnet"}});
+  bind_switches({{subnetcheck, "subnetcheck"}});
+  bind_transfer(imleft, "whitesub", "subnet", "Subnet Whitelist");
+  bind_transfer(imright, "blacksub", "subnet", "Subnet Blacklist");
+
+  addwhite.on_click = [this] { add(white_, black_); };
+  addblack.on_click = [this] { add(black_, white_); };
+  removeit.on_click = [this] { remove(); };
+
+  set_layout(column({
+      subin,
+      grow(row({list_frame(Frame1, whitesub, {addwhite, imleft}),
+                list_frame(Frame2, blacksub, {addblack, imright})})),
+      row({removeit}),
+      frame(Frame3, grid({subnetcheck})),
+  }));
+}
+
+void SubnetPage::fill_lists() {
+  load_switches({&subnetcheck});
+  fill_list_boxes();
+}
+
+// Nothing is deleted from the own list before: a network that is added twice stands there twice.
+void SubnetPage::add(const Side& own, const Side& other) {
+  if (!check_subnet(subin)) {
+    show_error("Please refer to your manual", "Incorrect Syntax");
+    return;
+  }
+  execute(insert_into(own.table, "subnet", subin.text()));
+  own.box.add_item(subin.text());
+  execute(delete_from(other.table, "subnet", subin.text()));
+  fill_lists();
+}
+
+void SubnetPage::remove() {
+  execute(delete_from("blacksub", "subnet", subin.text()));
+  execute(delete_from("whitesub", "subnet", subin.text()));
+  fill_lists();
+}
+
+}  // namespace zrl

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "core/database_client.h"
+#include "core/form.h"
+
+namespace zrl {
+
+// Moves a whole list between its table and a text file: one entry a line.
+class TransferDialog : public Form, public DatabaseClient {
+ public:
+  // The dialog of the list in that column; `title` is English and becomes the caption.
+  TransferDialog(Console& console, Literal list_table, Literal list_column, std::string_view title);
+
+  Frame Frame1{*this, "Frame1", "Action"};
+  OptionButton export_{*this, "export", "Export", "Writes the list to the file"};
+  OptionButton import_{*this, "import", "Import", "Adds the entries of the file that the list lacks"};
+  OptionButton delete_{*this, "delete", "Delete", "Takes the entries of the file off the list"};
+  CheckBox overwrite{*this, "overwrite", "Overwrite an existing file",
+                     "An export leaves an existing file alone unless this is ticked"};
+
+  TextField source{*this, "source", "The full path, with folder and name, on the console's machine"};
+  Label Label1{*this, "Label1", "File", source};
+  DriveList Drive1{*this, "Drive1", "Where to look for folders"};
+  Label Label2{*this, "Label2", "Drive", Drive1};
+  FolderList Dir1{*this, "Dir1", "Choosing a folder enters it"};
+  Label Label3{*this, "Label3", "Folders", Dir1};
+  FileList File1{*this, "File1", "Choosing a file puts its path into the field above"};
+  Label Label4{*this, "Label4", "Files", File1};
+
+  Button action{*this, "action", "Export", "Does it with the file that is named above"};
+
+  void close() override;
+
+ private:
+  void load();
+  void enter(std::string_view folder);
+  void choose(const OptionButton& option);
+  void run_action();
+  void export_list(const std::string& path);
+
+  Literal table_;
+  Literal column_;
+};
+
+}  // namespace zrl

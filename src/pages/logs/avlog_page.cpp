@@ -1,0 +1,151 @@
+#include "pages/logs/avlog_page.h"
+
+#include "core/text.h"
+
+namespace zrl {
+
+AvlogPage::AvlogPage(Console& console) : LogPage(console, "avlog", "Attachment log") {
+  control14.on_click = [this] { click_row(); };
+  from.on_click = [this] { click_sender(); };
+  ip.on_click = [this] { Text2.set_text(ip.chosen()); };
+
+  const auto bind = [this](Button& button, const std::function<void()>& action) {
+    button.on_click = [this, &button, action] { busy(button, action); };
+  };
+  const auto bind_all = [&](Button& button, const std::function<void(std::string_view)>& action) {
+    bind(button, [this, action] {
+      lowercase_mail_lists();
+      for_each_sender(action);
+    });
+  };
+  const auto bind_one = [&](Button& button, const std::function<void(std::string_view)>& action) {
+    bind(button, [this, action] {
+      lowercase_mail_lists();
+      if (!Text1.text().empty()) action(Text1.text());
+    });
+  };
+  bind_all(Command1, [this](std::string_view v) { list_sender(v, "blackmail", "whitemail"); });
+  bind_all(Command2, [this](std::string_view v) { list_sender(v, "whitemail", "blackmail"); });
+  bind_all(Command5, [this](std::string_view v) { unlist_sender(v, "blackmail", "whitemail"); });
+  bind_one(Command7, [this](std::string_view v) { list_sender(v, "blackmail", "whitemail"); });
+  bind_one(Command8, [this](std::string_view v) { list_sender(v, "whitemail", "blackmail"); });
+  bind_one(Command9, [this](std::string_view v) { unlist_sender(v, "whitemail", "blackmail"); });
+
+  bind(Command3, [this] { list_all_addresses(IpStatus::black); });
+  bind(Command4, [this] { list_all_addresses(IpStatus::white); });
+  bind(Command6, [this] { list_all_addresses(IpStatus::neutral); });
+  bind(Command10, [this] { list_one_address(IpStatus::black); });
+  bind(Command11, [this] { list_one_address(IpStatus::white); });
+  bind(Command12, [this] { list_one_address(IpStatus::neutral); });
+
+  bind(Command13, [this] { clear_sender(); });
+  bind(Command14, [this] { clear_address(); });
+  Command15.on_click = [this] { refresh_log(); };
+
+  set_layout(column({
+      grow(frame(Frame1, column({grow(control14), row({Command15})}))),
+      grow(row({
+          grow(frame(Frame2, column({grow(from), row({Command1, Command2, Command5}), Text1,
+                                     row({Command7, Command8, Command9, Command13})}))),
+          grow(frame(Frame3, column({grow(ip), row({Command3, Command4, Command6}), Text2,
+                                     row({Command10, Command11, Command12, Command14})}))),
+      })),
+  }));
+}
+
+void AvlogPage::load() {
+  mail_lists_lower_cased_ = false;
+  refresh_log();
+}
+
+void AvlogPage::refresh_log() {
+  rows_ = read_log("SELECT * from avlog order by servertime desc", "reason", Texts::trimmed_lower_case);
+  control14.set_items(rows_.lines());
+  Text1.set_text("");
+  Text2.set_text("");
+  ip.clear();
+  from.clear();
+  if (rows_.size() > 0) control14.click_item(static_cast<std::int64_t>(rows_.size()) - 1);
+}
+
+void AvlogPage::click_row() {
+  const std::string_view reason = rows_.what[static_cast<std::size_t>(control14.index())];
+  StringList senders;
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    if (rows_.what[i] == reason && !rows_.senders[i].empty()) senders.push_back(rows_.senders[i]);
+  }
+  from.set_items(std::move(senders));
+  ip.clear();
+  Text1.set_text("");
+  Text2.set_text("");
+}
+
+void AvlogPage::click_sender() {
+  const std::string sender(from.chosen());
+  StringList addresses;
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    if (rows_.senders[i] == sender && !rows_.addresses[i].empty()) addresses.push_back(rows_.addresses[i]);
+  }
+  ip.set_items(std::move(addresses));
+  Text1.set_text(sender);
+  Text2.set_text("");
+}
+
+void AvlogPage::list_sender(std::string_view sender, Literal table, Literal opposite) {
+  const std::string entry = lower(trim(sender));
+  execute(insert_into(table, "entry", entry));
+  execute(delete_from(opposite, "entry", entry));
+}
+
+void AvlogPage::unlist_sender(std::string_view sender, Literal first, Literal second) {
+  delete_rows({first, second}, "entry", lower(trim(sender)));
+}
+
+// All addresses and a single one differ in their orders.
+void AvlogPage::list_all_addresses(IpStatus status) {
+  const StringList addresses = ip.items();
+  for (std::size_t i = 0; i < addresses.size(); ++i) {
+    keep_alive(addresses[i], i, addresses.size());
+    set_status("predatalog", status, addresses[i]);
+    set_status("iplog", status, addresses[i]);
+    list_address(status, addresses[i]);
+  }
+}
+
+void AvlogPage::list_one_address(IpStatus status) {
+  const std::string address = Text2.text();
+  if (address.empty()) return;
+  list_address(status, address);
+  set_status("iplog", status, address);
+  set_status("predatalog", status, address);
+}
+
+void AvlogPage::clear_sender() {
+  if (from.index() < 0) return;
+  delete_rows({"avlog", "predatalog", "subjectlog", "bodylog"}, "mailfrom", lower(trim(from.chosen())));
+  refresh_log();
+}
+
+void AvlogPage::clear_address() {
+  if (ip.index() < 0) return;
+  delete_rows({"avlog", "iplog", "predatalog", "subjectlog", "bodylog"}, "IPNumber",
+              lower(trim(ip.chosen())));
+  refresh_log();
+}
+
+void AvlogPage::lowercase_mail_lists() {
+  if (mail_lists_lower_cased_) return;
+  mail_lists_lower_cased_ = true;
+  lcase_table("blackmail", "entry");
+  lcase_table("whitemail", "entry");
+}
+
+void AvlogPage::for_each_sender(const std::function<void(std::string_view)>& action) {
+  const StringList senders = from.items();
+  for (std::size_t i = 0; i < senders.size(); ++i) {
+    keep_alive(senders[i], i, senders.size());
+    action(senders[i]);
+  }
+}
+
+}  // namespace zrl

@@ -1,0 +1,141 @@
+#include "pages/logs/keywordlog_page.h"
+
+#include "core/text.h"
+
+namespace zrl {
+
+KeywordlogPage::KeywordlogPage(Console& console) : LogPage(console, "keywordlog", "Keyword log") {
+  subject.on_click = [this] { refresh_log(); };
+  body.on_click = [this] { refresh_log(); };
+  logs.on_click = [this] { click_row(); };
+  Command13.on_click = [this] { refresh_log(); };
+  Command11.on_click = [this] { clear_log(); };
+  Command12.on_click = [this] { telnet(); };
+
+  const auto bind = [this](Button& button, TextField& source, const std::function<void()>& action) {
+    button.on_click = [this, &button, &source, action] {
+      if (!source.text().empty()) busy(button, action);
+    };
+  };
+  bind(Command1, keyw, [this] { remove_keyword(); });
+  bind(Command2, mfrom, [this] { list_sender("blackmail", "whitemail"); });
+  bind(Command3, mfrom, [this] { list_sender("whitemail", "blackmail"); });
+  bind(Command4, dfrom, [this] { list_domain(dfrom.text(), "blacklist", "whitelist"); });
+  bind(Command5, dfrom, [this] { list_domain(dfrom.text(), "whitelist", "blacklist"); });
+  bind(Command6, ip, [this] { list_client(IpStatus::black); });
+  bind(Command7, ip, [this] { list_client(IpStatus::white); });
+  bind(Command9, shost, [this] { list_domain(shost.text(), "blacklist", "whitelist"); });
+  Command10.on_click = [this] { whitelist_host(); };
+  Command8.on_click = [this] { look_up_host(); };
+  subject.choose();
+
+  set_layout(row({
+      grow(frame(Frame1, column({row({subject, body}), grow(logs), row({Command13, Command11})}))),
+      grow(column({
+          frame(Frame2, row({grow(keyw), Command1})),
+          frame(Frame3, column({row({grow(mfrom), Command2, Command3}),
+                                row({grow(dfrom), Command4, Command5}), rto})),
+          frame(Frame4, column({row({grow(ip), Command6, Command7}), row({Command8, Command12}),
+                                row({grow(shost), Command9, Command10})})),
+      })),
+  }));
+}
+
+void KeywordlogPage::show() {
+  lower_cased_.clear();
+  LogPage::show();
+  create_dns_client();
+}
+
+void KeywordlogPage::refresh_log() {
+  for (TextField* field : {&ip, &mfrom, &rto, &keyw, &shost, &dfrom}) field->set_text("");
+  rows_ = body.chosen()
+              ? read_log("SELECT * from bodylog order by servertime desc", "keyword", Texts::as_stored)
+              : read_log("SELECT * from subjectlog order by servertime desc", "keyword", Texts::as_stored);
+  logs.set_items(rows_.lines());
+  if (rows_.size() > 0) logs.click_item(static_cast<std::int64_t>(rows_.size()) - 1);
+}
+
+void KeywordlogPage::click_row() {
+  const auto index = static_cast<std::size_t>(logs.index());
+  ip.set_text(rows_.addresses[index]);
+  mfrom.set_text(rows_.senders[index]);
+  rto.set_text(rows_.recipients[index]);
+  keyw.set_text(rows_.what[index]);
+  const std::size_t at = mfrom.text().find('@');
+  dfrom.set_text(at == std::string::npos ? std::string() : mfrom.text().substr(at + 1));
+}
+
+void KeywordlogPage::remove_keyword() {
+  const std::string keyword = lower(keyw.text());
+  const Literal list = body.chosen() ? Literal("words") : Literal("swords");
+  const Literal log = body.chosen() ? Literal("bodylog") : Literal("subjectlog");
+  lower_case_once(list);
+  execute(delete_from(log, "keyword", keyword));
+  execute(delete_from(list, "entry", keyword));
+  refresh_log();
+}
+
+void KeywordlogPage::list_sender(Literal table, Literal opposite) {
+  mfrom.set_text(lower(trim(mfrom.text())));
+  lower_case_once(table);
+  lower_case_once(opposite);
+  execute(insert_into(table, "entry", mfrom.text()));
+  execute(delete_from(opposite, "entry", mfrom.text()));
+  forget_sender();
+}
+
+void KeywordlogPage::list_domain(std::string_view domain, Literal table, Literal opposite) {
+  const std::string entry(trim(domain));
+  lower_case_once("blacklist");
+  lower_case_once("whitelist");
+  execute(delete_from(table, "entry", entry));
+  execute(delete_from(opposite, "entry", entry));
+  execute(insert_into(table, "entry", entry));
+  forget_sender();
+}
+
+void KeywordlogPage::list_client(IpStatus status) {
+  list_address(status, ip.text());
+  set_status("iplog", status, ip.text());
+  set_status("predatalog", status, ip.text());
+  delete_rows({"subjectlog", "bodylog"}, "IPNumber", lower(ip.text()));
+}
+
+// Whatever was listed, the rows that go are those of the sender.
+void KeywordlogPage::forget_sender() {
+  delete_rows({"subjectlog", "bodylog"}, "mailfrom", lower(mfrom.text()));
+}
+
+// Frees the other button, so that this one waits for the next look-up.
+void KeywordlogPage::whitelist_host() {
+  if (shost.text().empty()) return;
+  Command10.set_enabled(false);
+  list_domain(shost.text(), "whitelist", "blacklist");
+  Command9.set_enabled(true);
+}
+
+void KeywordlogPage::look_up_host() {
+  if (!ip.text().empty()) {
+    busy(Command8, [this] {
+      if (const auto name = host_name_of(ip.text())) shost.set_text(*name);
+    });
+  }
+  Command10.set_enabled(true);
+}
+
+void KeywordlogPage::clear_log() {
+  execute(body.chosen() ? Literal("DELETE FROM bodylog") : Literal("DELETE FROM subjectlog"));
+  refresh_log();
+}
+
+void KeywordlogPage::telnet() {
+  const std::string& target = ip.text().empty() ? shost.text() : ip.text();
+  if (!target.empty()) connect_by_telnet(target);
+}
+
+void KeywordlogPage::lower_case_once(Literal table) {
+  if (lower_cased_.insert(table.text()).second) lcase_table(table, "entry");
+}
+
+}  // namespace zrl

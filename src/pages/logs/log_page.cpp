@@ -1,0 +1,103 @@
+#include "pages/logs/log_page.h"
+
+#include <utility>
+
+#include "core/text.h"
+
+namespace zrl {
+
+void LogPage::set_status(Literal table, IpStatus status, std::string_view address) {
+  const std::string digit = std::to_string(static_cast<int>(status));
+  execute("UPDATE " + table + " set status=" + number(digit) + " where IPNumber='" + value(address) + "'");
+}
+
+void LogPage::list_address(IpStatus status, std::string_view address) {
+  switch (status) {
+    case IpStatus::neutral:
+      remove_from_iplist(address);
+      break;
+    case IpStatus::white:
+      add_to_whitehost(address);
+      break;
+    case IpStatus::black:
+      add_to_blackhost(address);
+      break;
+  }
+}
+
+void LogPage::delete_rows(std::initializer_list<Literal> tables, Literal column, std::string_view text) {
+  for (const Literal table : tables) execute(delete_from(table, column, text));
+}
+
+void LogPage::blacklist_domain(std::string_view domain) {
+  const std::string_view entry = trim(domain);
+  if (entry.empty()) return;
+  execute(delete_from("whitelist", "entry", entry));
+  execute(insert_into("blacklist", "entry", entry));
+}
+
+void LogPage::whitelist_domain(std::string_view domain) {
+  const std::string_view entry = trim(domain);
+  if (entry.empty()) return;
+  execute(delete_from("blacklist", "entry", entry));
+  execute(insert_into("whitelist", "entry", entry));
+}
+
+void LogPage::unlist_domain(std::string_view domain) {
+  const std::string_view entry = trim(domain);
+  if (entry.empty()) return;
+  execute(delete_from("whitelist", "entry", entry));
+  execute(delete_from("blacklist", "entry", entry));
+}
+
+void LogPage::connect_by_telnet(const std::string& target) {
+  run_program("telnet.exe", {target, "25"});
+}
+
+StringList LogPage::LogRows::lines() const {
+  StringList result;
+  std::string line;
+  for (std::size_t i = 0; i < size(); ++i) {
+    line.assign(what[i]).append(", ").append(addresses[i]);
+    line.append(", ").append(senders[i]).append(", ").append(recipients[i]);
+    result.push_back(line);
+  }
+  return result;
+}
+
+LogPage::LogRows LogPage::read_log(Literal select, Literal what, Texts texts) {
+  LogRows rows;
+  const auto take = [texts](StringList& list, std::string_view text) {
+    if (texts == Texts::as_stored) {
+      list.push_back(text);
+    } else {
+      list.push_back(lower(trim(text)));
+    }
+  };
+  const std::unique_ptr<RecordSet> set = open(select, Connection::Access::read_only);
+  if (!set) return rows;
+  const bool read = console().attempt(ActivityRecord::Kind::sql, select.text(), Console::Step::read, [&] {
+    for (; !set->at_end(); set->move_next()) {
+      take(rows.what, set->text(what.text()));
+      take(rows.addresses, set->text("IPNumber"));
+      take(rows.senders, set->text("mailfrom"));
+      take(rows.recipients, set->text("mailto"));
+    }
+  });
+  return read ? std::move(rows) : LogRows();
+}
+
+void LogPage::keep_alive(std::string_view value, std::size_t done, std::size_t total) {
+  console().host().show_progress({value, done, total});
+  process_events();
+}
+
+void LogPage::show_count(Label& label, Literal select) {
+  if (const auto count = count_value(select)) label.set_caption(std::to_string(*count));
+}
+
+void LogPage::select(ListBox& box, std::int64_t index) {
+  if (index < static_cast<std::int64_t>(box.items().size())) box.set_index(index);
+}
+
+}  // namespace zrl

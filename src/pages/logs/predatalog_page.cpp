@@ -1,0 +1,203 @@
+#include "pages/logs/predatalog_page.h"
+
+#include <utility>
+
+#include "core/list_entry.h"
+
+namespace zrl {
+
+PredatalogPage::PredatalogPage(Console& console) : LogPage(console, "predatalog", "Header log") {
+  for (OptionButton* option : {&blacklist, &whitelist, &showall}) {
+    option->on_click = [this] { choose_view(); };
+  }
+  reason.on_click = [this] { click_reason(); };
+  ip.on_click = [this] {
+    selected_ip_index_ = ip.index();
+    IPNumber.set_text(ip.chosen());
+  };
+  rtext.on_change = [this] { cchange.set_enabled(!rtext.text().empty()); };
+  IPNumber.on_change = [this] {
+    ipaction.set_caption(translate(view().change_one));
+    ipaction.set_enabled(!IPNumber.text().empty());
+  };
+  cchange.on_click = [this] { busy(cchange, [this] { change_all(); }); };
+  ipaction.on_click = [this] { change_address(); };
+  Command1.on_click = [this] { delete_view(); };
+  Command2.on_click = [this] { busy(Command2, [this] { delete_listed(); }); };
+  delip.on_click = [this] { delete_address(); };
+  Command3.on_click = [this] { look_up_host_name(); };
+  Command4.on_click = [this] { blacklist_domain(reversedom.text()); };
+  Command5.on_click = [this] { whitelist_domain(reversedom.text()); };
+  Command6.on_click = [this] { unlist_domain(reversedom.text()); };
+  Command7.on_click = [this] { telnet(); };
+
+  showall.choose();
+  cchange.set_enabled(false);
+  ipaction.set_enabled(false);
+
+  set_layout(column({
+      row({grow(frame(Frame1, row({blacklist, whitelist, showall}))),
+           frame(Frame5, row({Label9, Label4, Label10, Label5, Label11, Label6}))}),
+      grow(row({
+          grow(frame(Frame2, column({grow(reason), rtext, row({cchange, Command2, Command1})}))),
+          grow(frame(Frame3, column({grow(ip), ipcount, IPNumber, row({ipaction, delip, Command3})}))),
+      })),
+      frame(Frame4, column({reversedom, row({Command4, Command5, Command6, Command7})})),
+  }));
+}
+
+const PredatalogPage::View& PredatalogPage::view() const {
+  static constexpr View black{"status=2",      "Whitelist IP's below", "Whitelist",
+                              IpStatus::white, IpStatus::white,        IpStatus::black};
+  static constexpr View white{"status=1",      "Blacklist IP's below", "Blacklist",
+                              IpStatus::black, IpStatus::black,        IpStatus::white};
+  static constexpr View all{
+      "", "Neutral IP's below", "Neutral", IpStatus::neutral, IpStatus::neutral, IpStatus::neutral};
+  if (blacklist.chosen()) return black;
+  return whitelist.chosen() ? white : all;
+}
+
+void PredatalogPage::show() {
+  translate_controls();
+  IPNumber.set_text("");
+  reason_filter_ = {};
+  cchange.set_caption(translate(view().change_all));
+  connect_database();
+  load();
+  create_dns_client();
+  select_last(reason);
+}
+
+void PredatalogPage::load() {
+  refresh_reasons();
+}
+
+void PredatalogPage::refresh_reasons() {
+  IPNumber.set_text("");
+  ip.clear();
+  StringList reasons =
+      ordered_rows("predatalog", "reason", view().condition, "servertime").value_or(StringList());
+  reasons.retain([](std::string_view text) { return !text.empty(); });
+  reason.set_items(std::move(reasons));
+  select(reason, selected_reason_index_);
+  show_count(Label4, "select status from predatalog where status=1");
+  show_count(Label5, "select status from predatalog where status=2");
+  show_count(Label6, "select status from predatalog where status=0");
+}
+
+void PredatalogPage::refresh_addresses() {
+  if (!reason_filter_.empty()) {
+    // A click while the list is being built starts another build, which then is the only one.
+    const std::uint64_t build = ++address_builds_;
+    IPNumber.set_text("");
+    ip.clear();
+    const StringList addresses =
+        ordered_rows("predatalog", "IPNumber", reason_filter_, "servertime").value_or(StringList());
+    for (std::size_t i = 0; i < addresses.size(); ++i) {
+      if (!is_ip_address(addresses[i])) continue;
+      ip.add_item(addresses[i]);
+      process_events();
+      if (build != address_builds_) return;
+    }
+    select(ip, selected_ip_index_);
+  }
+  reason_filter_ = {};
+  ipcount.set_caption(std::to_string(ip.items().size()) + " " + translate("listed"));
+}
+
+void PredatalogPage::refresh() {
+  refresh_reasons();
+  refresh_addresses();
+}
+
+void PredatalogPage::choose_view() {
+  rtext.set_text("");
+  cchange.set_caption(translate(view().change_all));
+  ipaction.set_caption(translate(view().change_one));
+  refresh_reasons();
+  if (!reason.items().empty()) reason.click_item(static_cast<std::int64_t>(reason.items().size()) - 1);
+  if (whitelist.chosen()) refresh_addresses();
+}
+
+void PredatalogPage::click_reason() {
+  selected_reason_index_ = reason.index();
+  rtext.set_text(reason.chosen());
+  process_events();
+  reason_filter_ = "reason='" + value(reason.chosen()) + "'";
+  process_events();
+  refresh_addresses();
+}
+
+void PredatalogPage::change_all() {
+  const View& chosen = view();
+  if (!rtext.text().empty()) {
+    const std::string digit = std::to_string(static_cast<int>(chosen.status));
+    execute("UPDATE predatalog set status=" + number(digit) + " where reason='" + value(rtext.text()) + "'");
+  }
+  for_each_address([&](std::string_view address) {
+    set_status("predatalog", chosen.status, address);
+    set_status("iplog", chosen.status, address);
+    list_address(chosen.list_for_all, address);
+  });
+  refresh();
+}
+
+void PredatalogPage::change_address() {
+  const std::string address = IPNumber.text();
+  if (is_ip_address(address)) {
+    list_address(view().list_for_one, address);
+    set_status("iplog", view().status, address);
+    set_status("predatalog", view().status, address);
+  } else if (!address.empty()) {
+    ipaction.set_enabled(false);
+  }
+  refresh();
+}
+
+void PredatalogPage::delete_view() {
+  const Literal condition = view().condition;
+  execute(condition.empty() ? Statement("DELETE FROM predatalog")
+                            : "DELETE FROM predatalog where " + condition);
+  refresh();
+}
+
+void PredatalogPage::delete_listed() {
+  for_each_address([&](std::string_view address) {
+    delete_rows({"predatalog", "avlog", "iplog", "subjectlog", "bodylog"}, "IPNumber", address);
+  });
+  if (!rtext.text().empty()) execute(delete_from("predatalog", "reason", rtext.text()));
+  refresh();
+}
+
+void PredatalogPage::delete_address() {
+  delete_rows({"iplog", "predatalog", "subjectlog", "bodylog", "avlog"}, "IPNumber", IPNumber.text());
+  refresh();
+}
+
+void PredatalogPage::look_up_host_name() {
+  reversedom.set_text("");
+  if (is_ip_address(IPNumber.text())) {
+    busy(Command3, [this] {
+      if (const auto name = host_name_of(IPNumber.text())) reversedom.set_text(*name);
+    });
+  } else {
+    IPNumber.set_text("");
+  }
+}
+
+void PredatalogPage::telnet() {
+  const std::string& target = IPNumber.text().empty() ? reversedom.text() : IPNumber.text();
+  if (!target.empty()) connect_by_telnet(target);
+}
+
+// The addresses as they are listed now: what the user does meanwhile changes nothing of it.
+void PredatalogPage::for_each_address(const std::function<void(std::string_view)>& action) {
+  const StringList addresses = ip.items();
+  for (std::size_t i = 0; i < addresses.size(); ++i) {
+    if (addresses[i].empty()) continue;
+    keep_alive(addresses[i], i, addresses.size());
+    action(addresses[i]);
+  }
+}
+
+}  // namespace zrl

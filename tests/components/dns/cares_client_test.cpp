@@ -1,0 +1,152 @@
+#include "components/dns/cares_client.h"
+
+#include <stdexcept>
+#include <thread>
+
+#include <ares.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "components/dns/dns_queries.h"
+#include "core/error.h"
+#include "support/dns_environment.h"
+#include "support/installed_console.h"
+
+namespace zrl {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+class DnsClientTest : public testing::Test {
+ protected:
+  DnsSurroundings surroundings() {
+    return {[this] { return servers; }, [this] { return timeout; },
+            [this](milliseconds time) {
+              ++waits;
+              if (on_wait) on_wait();
+              std::this_thread::sleep_for(time);
+            }};
+  }
+  std::string ptr(std::string_view address) { return make_dns_client(surroundings())->PTR_Query(address); }
+  std::string failure_of_ptr(std::string_view address) {
+    try {
+      return "found " + ptr(address);
+    } catch (const Error& error) {
+      return error.what();
+    }
+  }
+  static std::string at(const test::FakeDnsServer& one) { return "127.0.0.1:" + std::to_string(one.port()); }
+
+  test::FakeDnsServer server;
+  std::vector<std::string> servers{at(server)};
+  milliseconds timeout{5000};
+  std::function<void()> on_wait;
+  int waits = 0;
+};
+
+TEST_F(DnsClientTest, FindsTheNameOfAnAddress) {
+  server.add("192.0.2.1 PTR mail.example.com");
+  server.add("192.0.2.1 PTR www.example.com");
+  server.add("2.2.0.192.in-addr.arpa CNAME 2.customer.example.net");  // delegated (RFC 2317)
+  server.add("2.customer.example.net PTR host.example.net");
+  server.set_manner({.delay = milliseconds(20)});
+  EXPECT_EQ(ptr("192.0.2.1"), "mail.example.com");
+  EXPECT_EQ(ptr(" 192.0.2.2 "), "host.example.net");
+  EXPECT_THAT(server.queries(), ElementsAre("PTR 1.2.0.192.in-addr.arpa", "PTR 2.2.0.192.in-addr.arpa"));
+  EXPECT_GE(waits, 2);
+}
+
+TEST_F(DnsClientTest, RaisesWhatPreventsAnAnswer) {
+  server.add("3.2.0.192.in-addr.arpa ERROR 2");
+  server.add("192.0.2.4 TXT nothing");
+  server.add("4.2.0.192.in-addr.arpa TXT nothing");
+  EXPECT_EQ(failure_of_ptr("192.0.2.9"), "no host name for 192.0.2.9: Domain name not found");
+  EXPECT_THAT(failure_of_ptr("192.0.2.3"), testing::StartsWith("no host name for 192.0.2.3: "));
+  EXPECT_THAT(failure_of_ptr("192.0.2.4"), testing::StartsWith("no host name for 192.0.2.4: "));
+  const std::size_t asked = server.queries().size();
+  for (const char* text : {"", "mail.example.com", "300.1.1.1", "1.2.3", "::1"}) {
+    EXPECT_THAT(failure_of_ptr(text), testing::StartsWith("not an IPv4 address")) << text;
+  }
+  servers.clear();
+  EXPECT_EQ(failure_of_ptr("192.0.2.9"), "no DNS server is known");
+  EXPECT_EQ(server.queries().size(), asked);
+}
+
+TEST_F(DnsClientTest, RepeatsAndGoesToTheNextServer) {
+  server.add("192.0.2.1 PTR mail.example.com");
+  timeout = milliseconds(1400);
+  server.set_manner({.lost = 1});
+  EXPECT_EQ(ptr("192.0.2.1"), "mail.example.com");
+  EXPECT_EQ(server.queries().size(), 2U);
+
+  auto gone = std::make_unique<test::FakeDnsServer>();
+  servers = {"[fe80::1%lo]:53", at(*gone), at(server)};
+  gone.reset();
+  EXPECT_EQ(ptr("192.0.2.1"), "mail.example.com");
+}
+
+TEST_F(DnsClientTest, EndsWithTheTimeOutOrWhatTheWaitingRaises) {
+  timeout = milliseconds(150);
+  server.set_manner({.silent = true});
+  EXPECT_THAT(failure_of_ptr("192.0.2.1"), testing::StartsWith("no host name for 192.0.2.1: Timeout"));
+  DnsSurroundings ending = surroundings();
+  ending.timeout = [] { return milliseconds(60000); };
+  ending.wait = [](milliseconds) {};  // as a console does that is ending
+  EXPECT_THROW(make_dns_client(ending)->PTR_Query("192.0.2.1"), Error);
+  on_wait = [] { throw Error(91, "the console is being stopped"); };
+  EXPECT_EQ(failure_of_ptr("192.0.2.1"), "the console is being stopped");
+}
+
+TEST_F(DnsClientTest, IgnoresLiesAndSurvivesMalformedAnswers) {
+  server.add("192.0.2.1 PTR mail.example.com");
+  server.set_manner({.delay = milliseconds(30), .lies = true});
+  EXPECT_EQ(ptr("192.0.2.1"), "mail.example.com");
+  timeout = milliseconds(70);
+  for (const std::size_t size : {0, 5, 12, 30, 45, 60}) {
+    server.set_manner({.rewrite = [size](test::DnsMessage message) {
+      message.resize(size);
+      return message;
+    }});
+    EXPECT_THAT(failure_of_ptr("192.0.2.1"), testing::StartsWith("no host name")) << size;
+  }
+}
+
+TEST_F(DnsClientTest, QueriesOfOneCallAreUnderWayTogether) {
+  timeout = milliseconds(1000);
+  server.add("a.test TXT v=spf1 -all");
+  server.add("b.test A 192.0.2.1");
+  server.set_manner({.delay = milliseconds(100)});
+  const DnsSurroundings told = surroundings();
+  DnsQueries queries(told);
+  const std::size_t text = queries.start("a.test", 16);
+  const std::size_t address = queries.start("b.test", 1);
+  const std::size_t missing = queries.start("c.test", 1);
+  std::size_t at_first_answer = 0;
+  on_wait = [&] {
+    if (queries[text].message.empty()) at_first_answer = server.queries().size();
+  };
+  queries.finish();
+  EXPECT_EQ(at_first_answer, 3U);
+  EXPECT_EQ(queries[text].status, ARES_SUCCESS);
+  EXPECT_EQ(queries[address].message.size(), 40U);
+  EXPECT_EQ(queries[missing].status, ARES_ENOTFOUND);
+  EXPECT_THAT(server.queries(), UnorderedElementsAre("TXT a.test", "A b.test", "A c.test"));
+}
+
+TEST(ComposedDnsClientTest, UsesTheConsolesServersTimeOutAndWait) {
+  test::DnsEnvironment dns;
+  test::InstalledConsole installed;
+  Console& console = installed.console;
+  console.settings().regwrite_dword(console.settings().path_of("DNSTimeout"), 3000);
+  dns.server.add("192.0.2.1 PTR mail.example.com");
+  dns.server.set_manner({.delay = milliseconds(20)});
+  const auto client = console.components().create<DnsClient>();
+  EXPECT_EQ(client->PTR_Query("192.0.2.1"), "mail.example.com");
+  EXPECT_EQ(console.resolver().dns_timeout(), milliseconds(3000));
+  EXPECT_GE(installed.host.waits, 1);
+}
+
+}  // namespace
+}  // namespace zrl

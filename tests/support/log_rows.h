@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/dns_client.h"
+#include "core/error.h"
+#include "core/statement.h"
+
+namespace zrl::test {
+
+// One row of an address log.
+inline Statement logged(Literal table, std::string_view address, std::string_view status,
+                        std::string_view time, std::string_view reason = {}) {
+  if (table.text() == "iplog") {
+    return "INSERT INTO iplog (IPNumber,status,servertime) VALUES ('" + value(address) + "'," +
+           number(status) + ",'" + value(time) + "')";
+  }
+  return "INSERT INTO predatalog (IPNumber,status,servertime,reason) VALUES ('" + value(address) + "'," +
+         number(status) + ",'" + value(time) + "','" + value(reason) + "')";
+}
+
+// Knows every address but 192.0.2.9.
+class FakeDns : public DnsClient {
+ public:
+  std::string PTR_Query(std::string_view address) override {
+    if (address == "192.0.2.9") throw Error(1, "no name");
+    return "host-" + std::string(address) + ".example";
+  }
+};
+
+}  // namespace zrl::test
