@@ -22,11 +22,11 @@ std::u32string characters_of(std::string_view pattern) {
   for (const char c : valid_utf8(pattern)) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte < 0x80) {
-      result += byte;
+      result += static_cast<char32_t>(byte);
     } else if (byte < 0xC0) {
       result.back() = (result.back() << 6) | (byte & 0x3Fu);
     } else {
-      result += byte & (byte < 0xE0 ? 0x1Fu : byte < 0xF0 ? 0x0Fu : 0x07u);
+      result += static_cast<char32_t>(byte & (byte < 0xE0 ? 0x1Fu : byte < 0xF0 ? 0x0Fu : 0x07u));
     }
   }
   return result;

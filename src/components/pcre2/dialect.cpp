@@ -214,9 +214,7 @@ bool Translator::quantify(std::string_view behind) {
   constexpr std::u32string_view marks = U"*+?";
   bool found = true;
   std::uint32_t most = 1;
-  if (rest_.empty()) {
-    found = false;
-  } else if (marks.find(rest_.front()) != marks.npos) {
+  if (!rest_.empty() && marks.find(rest_.front()) != marks.npos) {
     most = rest_.front() == '?' ? 1 : beyond_count;
     out_ += static_cast<char>(next());
   } else if (const std::optional<Counts> range = counts()) {
@@ -232,7 +230,7 @@ bool Translator::quantify(std::string_view behind) {
   if (most > greatest_count) {
     ++cost_.unbounded;
   } else {
-    cost_.bounded += 4 * most;  // bytes of a character
+    cost_.bounded += std::size_t{4} * most;  // bytes of a character
   }
   mark_repeated();
   return true;
