@@ -155,6 +155,10 @@ bool DatabaseClient::lcase_table(Literal table, Literal column) {
                         [&] { component_or_throw().lcase_table(table, column); });
 }
 
+bool DatabaseClient::prep_mdb() {
+  return component_step("prep_mdb", [&] { component_or_throw().prep_mdb(conn); });
+}
+
 bool DatabaseClient::create_table(Literal table, Literal columns) {
   return component_step(words({"CreateTable", table.text(), columns.text()}),
                         [&] { component_or_throw().CreateTable(conn, table, columns); });

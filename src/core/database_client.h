@@ -92,6 +92,7 @@ class DatabaseClient {
 
   bool adad();
   bool lcase_table(Literal table, Literal column);
+  bool prep_mdb();
   bool create_table(Literal table, Literal columns);
 
   // A call on another component, recorded as a write under this text.

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -121,7 +122,7 @@ class Converter {
   }
 
  private:
-  bool usable() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+  bool usable() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
 
   iconv_t handle_;
 };

@@ -63,6 +63,7 @@ DownloaderSettings downloader_settings(Console& console) {
 
 // The system's look-up knows nothing of the servers that ZRL_RESOLV_CONF names; the console's does.
 std::vector<std::string> mail_server_addresses(Console& console, const std::string& host) {
+std::vector<std::string> addresses_where_servers_are_named(Console& console, const std::string& host) {
   in6_addr bytes;
   const bool is_address = host.starts_with('[') || ::inet_pton(AF_INET, host.c_str(), &bytes) == 1 ||
                           ::inet_pton(AF_INET6, host.c_str(), &bytes) == 1;

@@ -16,6 +16,7 @@
 #include "pages/logs/iplog_page.h"
 #include "pages/logs/keywordlog_page.h"
 #include "pages/logs/predatalog_page.h"
+#include "pages/logs/monitor_page.h"
 #include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
 
@@ -38,6 +39,7 @@ std::span<const PageEntry> page_catalogue() {
       {"predatalog", "Logs", "Header log", make_page<PredatalogPage>},
       {"keywordlog", "Logs", "Keyword log", make_page<KeywordlogPage>},
       {"avlog", "Logs", "Attachment log", make_page<AvlogPage>},
+      {"monitor", "Logs", "Mail archive", make_page<MonitorPage>},
       {"stati", "Logs", "Statistics", make_page<StatiPage>},
   };
   return entries;

@@ -3,7 +3,6 @@
 #include <limits>
 #include <new>
 
-#include "components/pcre2/dialect.h"
 #include "core/error.h"
 #include "core/text.h"
 
@@ -23,11 +22,11 @@ std::u32string characters_of(std::string_view pattern) {
   for (const char c : valid_utf8(pattern)) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte < 0x80) {
-      result += byte;
+      result += static_cast<char32_t>(byte);
     } else if (byte < 0xC0) {
       result.back() = (result.back() << 6) | (byte & 0x3Fu);
     } else {
-      result += byte & (byte < 0xE0 ? 0x1Fu : byte < 0xF0 ? 0x0Fu : 0x07u);
+      result += static_cast<char32_t>(byte & (byte < 0xE0 ? 0x1Fu : byte < 0xF0 ? 0x0Fu : 0x07u));
     }
   }
   return result;
@@ -48,7 +47,7 @@ CompiledPattern<Unit>::CompiledPattern(std::basic_string_view<Unit> pattern, Reg
   const DialectPattern translated =
       translate_pattern(characters, {.units16 = units16, .folding = folding, .multiline = options.multiline});
   translated_.assign(translated.text.begin(), translated.text.end());
-  longest_scan_ = translated.longest_scan;
+  cost_ = translated.cost;
 
   options_ =
       PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALLOW_EMPTY_CLASS | PCRE2_NEVER_BACKSLASH_C | PCRE2_USE_OFFSET_LIMIT;

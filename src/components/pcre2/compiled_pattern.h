@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "components/pcre2/dialect.h"
 #include "components/pcre2/pcre2_api.h"
 #include "core/regexp.h"
 
@@ -37,8 +38,7 @@ class CompiledPattern {
   bool has_jit() const { return has_jit_; }
   bool anchored() const { return anchored_; }
   std::size_t groups() const { return groups_; }
-  // The greatest number of units that one step of a search may run through without being counted.
-  std::size_t longest_scan() const { return longest_scan_; }
+  const PatternCost& cost() const { return cost_; }
 
  private:
   using Code = std::unique_ptr<typename Api::Code, Pcre2Deleter<Api::code_free>>;
@@ -51,7 +51,7 @@ class CompiledPattern {
   Code guarded_;
   std::unique_ptr<typename Api::MatchData, Pcre2Deleter<Api::match_data_free>> match_data_;
   std::size_t groups_ = 0;
-  std::size_t longest_scan_ = 0;
+  PatternCost cost_;
   bool has_jit_ = false;
   bool anchored_ = false;
   bool guarded_tried_ = false;

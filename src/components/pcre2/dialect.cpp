@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <limits>
 #include <optional>
+#include <vector>
 
 #include "core/error.h"
 
@@ -35,9 +35,6 @@ constexpr int invalid_range = 5021;
 
 constexpr std::uint32_t greatest_count = 65535;  // of PCRE2's quantifiers
 constexpr std::uint32_t beyond_count = 100'000;  // counts as without end
-
-constexpr std::size_t without_end = std::numeric_limits<std::size_t>::max();
-constexpr std::size_t few_units = 64;
 
 // Folding a range costs time for each of its characters; a pattern of nothing but wide ranges would
 // take minutes.
@@ -97,8 +94,8 @@ class Translator {
 
   DialectPattern run() {
     while (!rest_.empty()) term();
-    if (depth_ > 0) fail(expected_parenthesis);
-    return {std::move(out_), longest_scan_};
+    if (!open_groups_.empty()) fail(expected_parenthesis);
+    return {std::move(out_), cost_};
   }
 
  private:
@@ -126,7 +123,8 @@ class Translator {
   void term();
   void open_group();
   void close_group();
-  void quantify(std::string_view behind = {});
+  bool quantify(std::string_view behind = {});
+  void mark_repeated();
   void put_counts(const Counts& range);
   std::optional<Counts> counts() const;
   void character(char32_t c);
@@ -148,9 +146,9 @@ class Translator {
   std::u32string_view rest_;
   DialectTarget target_;
   std::size_t groups_;
-  std::size_t depth_ = 0;
   std::uint64_t folded_ = 0;
-  std::size_t longest_scan_ = few_units;
+  PatternCost cost_;
+  std::vector<bool> open_groups_;  // whether something is repeated in them
   std::string out_;
 };
 
@@ -164,6 +162,7 @@ void Translator::term() {
       return close_group();
     case '|':
       out_ += '|';
+      cost_.branches = true;
       return;
     case '^':
       out_ += target_.multiline ? R"((?:^|(?<=\r)))" : "^";
@@ -173,7 +172,8 @@ void Translator::term() {
       return;
     case '.':
       out_ += '.';
-      return quantify();
+      quantify();
+      return;
     case '[':
       return character_class();
     case '\\':
@@ -188,46 +188,60 @@ void Translator::term() {
 }
 
 void Translator::open_group() {
-  ++depth_;
+  open_groups_.push_back(false);
   out_ += '(';
   if (!take('?')) return;
   if (rest_.empty()) fail(syntax_error);
   const char32_t kind = next();
   if (kind != ':' && kind != '=' && kind != '!') fail(syntax_error);
+  if (kind != ':') cost_.branches = true;
   out_ += '?';
   out_ += static_cast<char>(kind);
 }
 
 void Translator::close_group() {
-  if (depth_ == 0) fail(syntax_error);
-  --depth_;
+  if (open_groups_.empty()) fail(syntax_error);
+  const bool repeats_inside = open_groups_.back();
+  open_groups_.pop_back();
   out_ += ')';
-  quantify();
+  if (repeats_inside) mark_repeated();
+  if (quantify() && repeats_inside) cost_.loops = true;
 }
 
-// The quantifier that follows, if one does, and then what restores the options of the pattern.
-void Translator::quantify(std::string_view behind) {
+// The quantifier that follows, if one does, and then what restores the options of the pattern. True if
+// the item may be repeated.
+bool Translator::quantify(std::string_view behind) {
   constexpr std::u32string_view marks = U"*+?";
   bool found = true;
-  if (rest_.empty()) {
-    found = false;
-  } else if (marks.find(rest_.front()) != marks.npos) {
-    if (rest_.front() != '?') longest_scan_ = without_end;
+  std::uint32_t most = 1;
+  if (!rest_.empty() && marks.find(rest_.front()) != marks.npos) {
+    most = rest_.front() == '?' ? 1 : beyond_count;
     out_ += static_cast<char>(next());
   } else if (const std::optional<Counts> range = counts()) {
     put_counts(*range);
+    most = range->most;
     rest_.remove_prefix(range->length);
   } else {
     found = false;
   }
   if (found && take('?')) out_ += '?';
   out_ += behind;
+  if (most <= 1) return false;
+  if (most > greatest_count) {
+    ++cost_.unbounded;
+  } else {
+    cost_.bounded += std::size_t{4} * most;  // bytes of a character
+  }
+  mark_repeated();
+  return true;
+}
+
+void Translator::mark_repeated() {
+  if (!open_groups_.empty()) open_groups_.back() = true;
 }
 
 void Translator::put_counts(const Counts& range) {
   if (range.least > greatest_count || range.most < range.least) fail(syntax_error);
-  const std::size_t most = range.most > greatest_count ? without_end : 4 * range.most;
-  longest_scan_ = std::max(longest_scan_, most);
   out_ += '{' + std::to_string(range.least);
   if (range.most > greatest_count) {
     out_ += ',';
@@ -320,7 +334,8 @@ bool Translator::back_reference() {
   }
   if (length == 0) return false;
   rest_.remove_prefix(length);
-  longest_scan_ = without_end;
+  ++cost_.unbounded;
+  mark_repeated();
   out_ += "\\g{" + std::to_string(best) + '}';
   quantify();
   return true;
@@ -330,7 +345,8 @@ void Translator::set_outside(char32_t letter) {
   if (!target_.folding) {
     out_ += '\\';
     out_ += static_cast<char>(letter);
-    return quantify();
+    quantify();
+    return;
   }
   const bool negated = letter < 'a';
   const char32_t kind = negated ? letter + ('a' - 'A') : letter;

@@ -14,10 +14,17 @@ struct DialectTarget {
   bool multiline;
 };
 
+// What a search may run through between two steps that PCRE2 counts.
+struct PatternCost {
+  std::size_t bounded = 64;   // units, by all items whose quantifier has an end
+  std::size_t unbounded = 0;  // items that may run to the end of the text
+  bool branches = false;      // several of them may start at the same place
+  bool loops = false;         // they are repeated by a quantifier around them
+};
+
 struct DialectPattern {
   std::string text;  // ASCII
-  // The greatest number of units that a single item of the pattern may run through.
-  std::size_t longest_scan;
+  PatternCost cost;
 };
 
 // `pattern` holds 16-bit units or characters, as the target says. Whatever PCRE2 understands beyond

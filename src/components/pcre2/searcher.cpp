@@ -7,8 +7,8 @@ namespace zrl {
 
 namespace {
 
-// What one slice may cost at most: places times steps times the units that a step runs through.
-constexpr std::size_t slice_cost = 1'000'000'000;
+// What one slice may cost at most, in units of text that are run through. The estimates are high.
+constexpr std::size_t slice_cost = 4'000'000'000;
 constexpr std::size_t least_steps = 10;
 constexpr std::size_t greatest_steps = 10'000'000;
 constexpr std::size_t shorter = 8;
@@ -17,6 +17,29 @@ constexpr std::size_t stack_start = std::size_t{32} << 10;
 constexpr std::size_t stack_size = std::size_t{256} << 10;
 constexpr std::size_t great_stack_size = std::size_t{64} << 20;
 constexpr std::uint32_t heap_kibibytes = 64 << 10;
+
+// PCRE2 does not count the rounds of a group, which its stack limits: each needs some bytes of it.
+constexpr std::size_t most_rounds = stack_size / 16;
+
+struct Estimate {
+  std::size_t place;  // an attempt without a step back
+  std::size_t step;
+
+  std::size_t least() const { return place + least_steps * step; }
+  std::size_t affordable_steps(std::size_t places) const {
+    const std::size_t cost = std::max(slice_cost / places, least());
+    return std::min((cost - place) / step, greatest_steps);
+  }
+};
+
+Estimate estimate(const PatternCost& cost, std::size_t length) {
+  const std::size_t bounded = std::min(cost.bounded, length + 1);
+  const std::size_t runs = cost.branches ? cost.unbounded : std::min<std::size_t>(cost.unbounded, 1);
+  const std::size_t rounds = cost.loops ? std::min(length, most_rounds) + 1 : 1;
+  const std::size_t pass = (bounded + runs * length) * rounds;
+  const bool runs_again = cost.unbounded > 1 || cost.branches || cost.loops;
+  return {pass, runs_again ? pass : bounded};
+}
 
 struct Guard {
   std::chrono::steady_clock::time_point deadline;
@@ -69,16 +92,15 @@ template <typename Unit>
 typename Searcher<Unit>::Outcome Searcher<Unit>::find_in_slices(CompiledPattern<Unit>& pattern,
                                                                 std::basic_string_view<Unit> text,
                                                                 std::size_t from) {
-  const std::size_t scan = std::min(text.size() - from, pattern.longest_scan()) + 1;
-  const std::size_t most_places = std::max<std::size_t>(1, slice_cost / least_steps / scan);
+  const Estimate each = estimate(pattern.cost(), text.size() - from);
+  const std::size_t most_places = slice_cost / each.least();
+  if (most_places == 0) return find_guarded(pattern, text, from, Clock::now() + longest_search_);
   std::size_t places = most_places;
   Clock::time_point deadline{};
   while (true) {
     const std::size_t left = text.size() - from + 1;
     places = std::min(places, left);
-    const std::size_t steps = slice_cost / scan / places;
-    Api::set_match_limit(context_.get(),
-                         static_cast<std::uint32_t>(std::clamp(steps, least_steps, greatest_steps)));
+    Api::set_match_limit(context_.get(), static_cast<std::uint32_t>(each.affordable_steps(places)));
     Api::set_offset_limit(context_.get(), from + places - 1);
     const int result = match(pattern.plain(), pattern.match_data(), text, from);
     if (result >= 0) return Outcome::match;

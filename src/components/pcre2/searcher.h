@@ -12,10 +12,10 @@ namespace zrl {
 // Searches texts of one width, within bounds of time and memory. Serves one thread.
 //
 // PCRE2 can limit the steps of an attempt at one place of the text, but neither the number of
-// places nor what one step runs through. So a search goes through the text in slices, each with
-// so few places and steps that it ends soon even in the worst case; where an attempt needs more
-// steps than that, the slices get shorter and the limit greater, down to one place; where that is
-// not enough either, the slower code that watches the clock takes over.
+// places nor what is run through from one step to the next. So a search goes through the text in
+// slices, each with so few places and steps that it ends soon even in the worst case; where an
+// attempt needs more steps than that, the slices get shorter and the limit greater, down to one
+// place; where that is not enough either, the slower code that watches the clock takes over.
 template <typename Unit>
 class Searcher {
  public:

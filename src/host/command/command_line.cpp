@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "host/command/commands.h"
+#include "host/command/script_command.h"
 #include "host/folder.h"
 #include "host/version.h"
 
@@ -37,6 +38,16 @@ Examples:
   zrlconsole registry delete 'HKLM\SOFTWARE\Mirvan\language'
 )";
 
+constexpr const char* help_of_script = R"(
+The files share one global module and run in their order. Scripts have the object
+WScript with Echo and Quit.
+
+Examples:
+  zrlconsole script check.vbs
+  zrlconsole script --check *.vbs
+  zrlconsole script --call checkhelo mail.example.com checkhelo.vbs
+)";
+
 constexpr const char* help_of_all = R"(
 Start with:
   zrlconsole init --sample     a folder with sample data
@@ -52,6 +63,7 @@ struct Parser {
   CLI::App* serve;
   CLI::App* pages;
   CLI::App* act;
+  CLI::App* script;
   CLI::App* registry;
   CLI::App* get;
   CLI::App* set;
@@ -96,6 +108,14 @@ struct Parser {
     act->positionals_at_end();
     act->footer(help_of_do);
 
+    script = app.add_subcommand("script", "Run script files, without a database");
+    script->add_flag("--check", arguments.script.check, "Compile them only");
+    script->add_option("--call", arguments.script.call, "Then call NAME with INPUT and print its result")
+        ->type_name("NAME INPUT")
+        ->expected(2);
+    script->add_option("FILE", arguments.script.files)->required();
+    script->footer(help_of_script);
+
     registry = app.add_subcommand("registry", "Read and write the registry values");
     registry->require_subcommand(1);
     registry->footer(help_of_registry);
@@ -116,6 +136,7 @@ int run(const Parser& parser, const Program& program, std::istream& in, std::ost
   if (*parser.init) return run_init(arguments, out);
   if (*parser.pages) return run_pages(arguments, program, out);
   if (*parser.act) return run_do(arguments, program, in, out, err);
+  if (*parser.script) return run_script(arguments.script, in, out, err);
   if (*parser.get) return run_registry_get(arguments, out);
   if (*parser.set) return run_registry_set(arguments);
   if (*parser.remove) return run_registry_delete(arguments);

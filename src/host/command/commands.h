@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/command/command_line.h"
+#include "host/command/script_command.h"
 
 namespace zrl::command {
 
@@ -22,6 +23,7 @@ struct Arguments {
   std::string kind;
   std::string value;
   ServeOptions serve;
+  ScriptOptions script;
 };
 
 // The command was called in a way that cannot be meant.

@@ -2,6 +2,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
+
+#include "pages/tools/composer_dialog.h"
 
 namespace zrl {
 
@@ -67,6 +70,11 @@ std::string StatiPage::report() {
       .append("\r\n");
 }
 
-void StatiPage::mail_report() {}
+void StatiPage::mail_report() {
+  const auto composer = std::make_shared<ComposerDialog>(console());
+  composer->fill_form({}, {}, std::string(product_name) + " Statistics", Text1.text(), {});
+  composer->load_forward();
+  console().show(composer);
+}
 
 }  // namespace zrl

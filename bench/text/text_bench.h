@@ -1,0 +1,10 @@
+#pragma once
+
+#include "suite.h"
+
+namespace zrl::bench {
+
+void add_base64(Suite& suite);
+void add_regexps(Suite& suite);
+
+}  // namespace zrl::bench

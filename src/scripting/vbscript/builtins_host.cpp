@@ -1,0 +1,112 @@
+#include "scripting/vbscript/conversions.h"
+#include "scripting/vbscript/machine.h"
+#include "scripting/vbscript/objects/dictionary.h"
+#include "scripting/vbscript/objects/regexp_object.h"
+#include "scripting/vbscript/unicode.h"
+
+// What scripts ask of their surroundings, and of the engine itself.
+namespace zrl::vbs {
+
+namespace {
+
+std::string text_argument(Machine& machine, Arguments arguments, std::size_t i) {
+  return arguments.has(i) ? to_utf8(Text(machine, arguments[i])) : std::string();
+}
+
+Value msg_box(Machine& machine, Arguments arguments) {
+  const std::int64_t buttons = arguments.has(1) ? to_long(machine, arguments[1]) : 0;
+  const std::string title = arguments.has(2) ? text_argument(machine, arguments, 2) : "VBScript";
+  const int button =
+      machine.host().msg_box(to_utf8(Text(machine, arguments[0])), static_cast<int>(buttons), title);
+  return Value::integer(button);
+}
+
+Value input_box(Machine& machine, Arguments arguments) {
+  const auto answer = machine.host().input_box(to_utf8(Text(machine, arguments[0])),
+                                               text_argument(machine, arguments, 1),
+                                               text_argument(machine, arguments, 2));
+  return answer ? Value(machine.heap.string(to_utf16(*answer))) : Value();
+}
+
+Value create_object(Machine& machine, Arguments arguments) {
+  return machine.create_object(Text(machine, arguments[0]));
+}
+
+Value get_object(Machine&, Arguments) {
+  raise(error::cannot_create);
+}
+
+Value get_ref(Machine& machine, Arguments arguments) {
+  return machine.procedure_reference(Text(machine, arguments[0]));
+}
+
+Value err(Machine& machine, Arguments) {
+  return machine.err_object();
+}
+
+Value wscript(Machine& machine, Arguments) {
+  return machine.wscript_object();
+}
+
+Value script_engine(Machine& machine, Arguments) {
+  return Value(machine.heap.string(u"VBScript"));
+}
+
+template <std::int64_t number>
+Value version(Machine&, Arguments) {
+  return Value::long_integer(number);
+}
+
+Value get_locale(Machine& machine, Arguments) {
+  return Value::long_integer(machine.locale->id);
+}
+
+Value set_locale(Machine& machine, Arguments arguments) {
+  const std::int32_t before = machine.locale->id;
+  const Locale* found = find_locale(0);
+  if (arguments.has(0)) {
+    const Value& wanted = arguments[0];
+    const bool tag = wanted.is(Type::string) && !parse_number(wanted.text(), *machine.locale);
+    found = tag ? find_locale(wanted.text()) : find_locale(static_cast<std::int32_t>(to_long(machine, wanted)));
+  }
+  if (!found) raise(error::bad_locale);
+  machine.locale = found;
+  return Value::long_integer(before);
+}
+
+constexpr Builtin functions[] = {
+    {"MsgBox", 1, 5, msg_box},
+    {"InputBox", 1, 7, input_box},
+    {"CreateObject", 1, 2, create_object},
+    {"GetObject", 0, 2, get_object},
+    {"LoadPicture", 1, 1, get_object},
+    {"GetRef", 1, 1, get_ref},
+    {"Err", 0, 0, err},
+    {"WScript", 0, 0, wscript},
+    {"ScriptEngine", 0, 0, script_engine},
+    {"ScriptEngineMajorVersion", 0, 0, version<5>},
+    {"ScriptEngineMinorVersion", 0, 0, version<8>},
+    {"ScriptEngineBuildVersion", 0, 0, version<16384>},
+    {"GetLocale", 0, 0, get_locale},
+    {"SetLocale", 0, 1, set_locale},
+};
+
+}  // namespace
+
+std::span<const Builtin> host_functions() {
+  return functions;
+}
+
+// Dictionaries and regular expressions; nothing else can be made.
+Value Machine::create_object(std::u16string_view class_name) {
+  const std::u16string lower = lower_cased(class_name);
+  if (lower == u"scripting.dictionary") {
+    return Value(Ref<Object>(memory_.make<Dictionary>().get()));
+  }
+  if (lower == u"vbscript.regexp" || lower == u"regexp") {
+    return Value(Ref<Object>(memory_.make<RegexpObject>().get()));
+  }
+  raise(error::cannot_create, std::u16string(class_name));
+}
+
+}  // namespace zrl::vbs

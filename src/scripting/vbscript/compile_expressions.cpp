@@ -1,0 +1,562 @@
+#include "scripting/vbscript/errors.h"
+#include "scripting/vbscript/procedure_compiler.h"
+
+namespace zrl::vbs {
+
+namespace {
+
+constexpr std::uint32_t widest_operand = 0xffff;
+
+// `a op b` as `b op' a`.
+Operator mirrored(Operator op) {
+  switch (op) {
+    case Operator::less:
+      return Operator::greater;
+    case Operator::greater:
+      return Operator::less;
+    case Operator::less_equal:
+      return Operator::greater_equal;
+    case Operator::greater_equal:
+      return Operator::less_equal;
+    default:
+      return op;
+  }
+}
+
+bool is_comparison(const Expr& expr) {
+  return expr.kind == ExprKind::binary && expr.op >= Operator::equal && expr.op <= Operator::greater_equal;
+}
+
+// The opcode of a comparison, counted from its first one; the table has them in the order of Operator.
+Op offset_op(Op first, Operator op) {
+  return static_cast<Op>(static_cast<int>(first) + static_cast<int>(op) - static_cast<int>(Operator::equal));
+}
+
+}  // namespace
+
+void ProcedureCompiler::load(const Value& value, Register target) {
+  load_constant(shared_.constant(value), target);
+}
+
+void ProcedureCompiler::load_constant(std::uint32_t index, Register target) {
+  emit_wide(Op::load, target, index);
+}
+
+// Whether the expression is a literal or a named constant, and which constant it is.
+bool ProcedureCompiler::literal(const Expr& expr, std::uint32_t& index) {
+  switch (expr.kind) {
+    case ExprKind::integer:
+    case ExprKind::long_int:
+    case ExprKind::number:
+    case ExprKind::date:
+    case ExprKind::boolean:
+      index = shared_.constant(constant_value(expr, shared_.ast, context_.heap));
+      return true;
+    case ExprKind::string:
+      index = shared_.string_constant(expr.string);
+      return true;
+    case ExprKind::negate:
+      if (expr.left->kind != ExprKind::integer && expr.left->kind != ExprKind::long_int &&
+          expr.left->kind != ExprKind::number) {
+        return false;
+      }
+      index = shared_.constant(constant_value(expr, shared_.ast, context_.heap));
+      return true;
+    case ExprKind::name: {
+      const Meaning known = meaning(expr.symbol);
+      if (known.kind != Meaning::Kind::constant) return false;
+      const Type type = shared_.module.constants[known.index].type();
+      if (type == Type::null || type == Type::empty || type == Type::object) return false;
+      index = known.index;
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+// Whether the value can never be an object or an array, so that it may go straight into a variable.
+bool ProcedureCompiler::scalar_result(const Expr& expr) const {
+  switch (expr.kind) {
+    case ExprKind::binary:
+    case ExprKind::negate:
+    case ExprKind::plus:
+    case ExprKind::logical_not:
+    case ExprKind::integer:
+    case ExprKind::long_int:
+    case ExprKind::number:
+    case ExprKind::date:
+    case ExprKind::string:
+    case ExprKind::boolean:
+    case ExprKind::null:
+    case ExprKind::empty:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// A register to read the value from, at once: a variable's own, or a temporary, which may be a reference.
+ProcedureCompiler::Register ProcedureCompiler::operand(const Expr& expr) {
+  if (expr.kind == ExprKind::name) {
+    const Meaning known = meaning(expr.symbol);
+    if (has_register(known)) return static_cast<Register>(known.index);
+    const Register target = temp();
+    if (known.kind == Meaning::Kind::global) {
+      emit(Op::get_global, target, known.index);
+    } else if (known.kind == Meaning::Kind::field) {
+      emit(Op::get_field, target, known.index);
+    } else {
+      name_into(expr, target);
+    }
+    return target;
+  }
+  const Register target = temp();
+  into(expr, target);
+  return target;
+}
+
+bool ProcedureCompiler::has_register(const Meaning& known) const {
+  return known.kind == Meaning::Kind::local || known.kind == Meaning::Kind::variable ||
+         (global_level_ && known.kind == Meaning::Kind::global);
+}
+
+// The value itself into a register; nothing else is written to it before.
+void ProcedureCompiler::into(const Expr& expr, Register target) {
+  std::uint32_t index = 0;
+  switch (expr.kind) {
+    case ExprKind::name:
+      return name_into(expr, target);
+    case ExprKind::member:
+      return member_into(expr, target);
+    case ExprKind::call:
+      return call_into(expr, target);
+    case ExprKind::binary:
+      return binary_into(expr, target);
+    case ExprKind::negate:
+      if (literal(expr, index)) return load_constant(index, target);
+      return unary_into(Op::negate, expr, target);
+    case ExprKind::plus:
+      return unary_into(Op::plus, expr, target);
+    case ExprKind::logical_not:
+      return unary_into(Op::logical_not, expr, target);
+    case ExprKind::me:
+      if (!own_class_) throw CompileFailure{error::invalid_me, expr.offset};
+      emit(Op::me, target);
+      return holds(target);
+    case ExprKind::new_object:
+      emit_extended(Op::new_object, target, 0, 0, expr.symbol);
+      return holds(target);
+    case ExprKind::missing:
+      return load(Value::missing(), target);
+    case ExprKind::string:
+      return load_constant(shared_.string_constant(expr.string), target);
+    default:
+      return load(constant_value(expr, shared_.ast, context_.heap), target);
+  }
+}
+
+void ProcedureCompiler::name_into(const Expr& expr, Register target) {
+  const Meaning known = meaning(expr.symbol);
+  switch (known.kind) {
+    case Meaning::Kind::local:
+    case Meaning::Kind::variable:
+      emit(Op::copy, target, known.index);
+      return holds(target);
+    case Meaning::Kind::unknown:
+      emit_extended(Op::get_name, target, known.index, 0, expr.symbol);
+      return holds(target);
+    case Meaning::Kind::undeclared:
+    case Meaning::Kind::class_type:
+      emit_extended(Op::get_name, target, no_register, 0, expr.symbol);
+      return holds(target);
+    case Meaning::Kind::constant:
+      return load_constant(known.index, target);
+    case Meaning::Kind::global:
+      emit(Op::get_global, target, known.index);
+      emit(Op::copy, target, target);
+      return holds(target);
+    case Meaning::Kind::field:
+      emit(Op::get_field, target, known.index);
+      emit(Op::copy, target, target);
+      return holds(target);
+    default: {
+      const std::size_t top = top_;
+      const Register result = invoke(expr, {}, target);
+      if (result != target) emit(Op::take, target, result);
+      release_to(top);
+      return holds(target);
+    }
+  }
+}
+
+void ProcedureCompiler::unary_into(Op op, const Expr& expr, Register target) {
+  const std::size_t top = top_;
+  const Register value = operand(*expr.left);
+  emit(op, target, value);
+  release_to(top);
+}
+
+void ProcedureCompiler::binary_into(const Expr& expr, Register target) {
+  switch (expr.op) {
+    case Operator::add:
+      return arithmetic_into(Op::add, Op::add_k, expr, target);
+    case Operator::subtract:
+      return arithmetic_into(Op::subtract, Op::subtract_k, expr, target);
+    case Operator::multiply:
+      return arithmetic_into(Op::multiply, Op::multiply_k, expr, target);
+    case Operator::int_divide:
+      return arithmetic_into(Op::int_divide, Op::int_divide_k, expr, target);
+    case Operator::mod:
+      return arithmetic_into(Op::mod, Op::mod_k, expr, target);
+    case Operator::divide:
+      return arithmetic_into(Op::divide, Op::divide, expr, target);
+    case Operator::power:
+      return arithmetic_into(Op::power, Op::power, expr, target);
+    case Operator::and_:
+      return arithmetic_into(Op::logical_and, Op::logical_and, expr, target);
+    case Operator::or_:
+      return arithmetic_into(Op::logical_or, Op::logical_or, expr, target);
+    case Operator::xor_:
+      return arithmetic_into(Op::logical_xor, Op::logical_xor, expr, target);
+    case Operator::eqv:
+      return arithmetic_into(Op::logical_eqv, Op::logical_eqv, expr, target);
+    case Operator::imp:
+      return arithmetic_into(Op::logical_imp, Op::logical_imp, expr, target);
+    case Operator::is:
+      return arithmetic_into(Op::is, Op::is, expr, target);
+    case Operator::concat:
+      return concat_into(expr, target);
+    default:
+      return comparison_into(expr, target);
+  }
+}
+
+// `with_constant` is for a literal number on the right; the same as `op` where there is no such opcode.
+void ProcedureCompiler::arithmetic_into(Op op, Op with_constant, const Expr& expr, Register target) {
+  const std::size_t top = top_;
+  const Register left = operand(*expr.left);
+  std::uint32_t index = 0;
+  if (with_constant != op && literal(*expr.right, index) && index <= widest_operand) {
+    emit(with_constant, target, left, index);
+  } else {
+    const Register right = operand(*expr.right);
+    emit(op, target, left, right);
+  }
+  release_to(top);
+}
+
+void ProcedureCompiler::comparison_into(const Expr& expr, Register target) {
+  const std::size_t top = top_;
+  std::uint32_t left_index = 0;
+  std::uint32_t right_index = 0;
+  const bool left_literal = literal(*expr.left, left_index);
+  const bool right_literal = literal(*expr.right, right_index);
+  if (left_literal && right_literal) {
+    const Register left = operand(*expr.left);
+    const Register right = operand(*expr.right);
+    emit_extended(Op::compare_literals, target, left, right, static_cast<std::int64_t>(expr.op));
+  } else if (right_literal && right_index <= widest_operand) {
+    emit(offset_op(Op::equal_k, expr.op), target, operand(*expr.left), right_index);
+  } else if (left_literal && left_index <= widest_operand) {
+    emit(offset_op(Op::equal_k, mirrored(expr.op)), target, operand(*expr.right), left_index);
+  } else {
+    const Register left = operand(*expr.left);
+    const Register right = operand(*expr.right);
+    emit(offset_op(Op::equal, expr.op), target, left, right);
+  }
+  release_to(top);
+}
+
+// A chain of & becomes one instruction over registers in a row.
+void ProcedureCompiler::concat_into(const Expr& expr, Register target) {
+  const std::size_t top = top_;
+  std::vector<const Expr*> parts;
+  const Expr* left = &expr;
+  while (left->kind == ExprKind::binary && left->op == Operator::concat &&
+         (left == &expr || !left->parenthesised)) {
+    parts.push_back(left->right);
+    left = left->left;
+  }
+  parts.push_back(left);
+  const Register first = temp();
+  for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+    const Register reg = part == parts.rbegin() ? first : temp();
+    if (!reference_into(**part, reg)) into(**part, reg);
+    release_to(reg + std::size_t{1});
+  }
+  emit(Op::concat, target, first, static_cast<std::uint32_t>(parts.size()));
+  release_to(top);
+}
+
+// A register with the object of `object.member`: of the innermost With where nothing stands there.
+ProcedureCompiler::Register ProcedureCompiler::object_of(const Expr& member) {
+  if (member.left) return reference_or_value(*member.left);
+  if (withs_.empty()) {
+    const Register none = temp();
+    emit_extended(Op::fail, error::unqualified_reference, 0, 0, 0);
+    return none;
+  }
+  return withs_.back();
+}
+
+void ProcedureCompiler::member_into(const Expr& expr, Register target) {
+  const std::size_t top = top_;
+  const Register object = object_of(expr);
+  emit_extended(Op::get_member, target, object, 0, expr.symbol);
+  release_to(top);
+  holds(target);
+}
+
+void ProcedureCompiler::call_into(const Expr& expr, Register target) {
+  if (index_into(expr, target)) return;
+  const std::size_t top = top_;
+  const Register result = invoke(*expr.left, expr.arguments, target);
+  if (result != target) emit(Op::take, target, result);
+  release_to(top);
+  holds(target);
+}
+
+// variable(index)
+bool ProcedureCompiler::index_into(const Expr& expr, Register target) {
+  if (expr.arguments.size() != 1 || !indexes_variable(expr) ||
+      expr.arguments[0]->kind == ExprKind::missing) {
+    return false;
+  }
+  const std::size_t top = top_;
+  const Register array = reference_or_value(*expr.left);
+  const Register index = operand(*expr.arguments[0]);
+  emit(Op::index, target, array, index);
+  release_to(top);
+  holds(target);
+  return true;
+}
+
+// Whether the expression calls what a variable holds, an array say.
+bool ProcedureCompiler::indexes_variable(const Expr& expr) const {
+  if (expr.kind != ExprKind::call || expr.left->kind != ExprKind::name) return false;
+  const Meaning known = meaning(expr.left->symbol);
+  if (known.kind == Meaning::Kind::local) {
+    const bool own_name = known.index == 0;
+    return !own_name;
+  }
+  return known.kind == Meaning::Kind::variable || known.kind == Meaning::Kind::global ||
+         known.kind == Meaning::Kind::field;
+}
+
+std::size_t ProcedureCompiler::locks_of(std::span<Expr*> list) const {
+  std::size_t count = 0;
+  for (const Expr* argument : list) {
+    if (!argument->parenthesised && indexes_variable(*argument)) ++count;
+  }
+  return count;
+}
+
+ProcedureCompiler::Register ProcedureCompiler::invoke(const Expr& callee, std::span<Expr*> list,
+                                                      std::size_t wanted) {
+  const std::size_t locks = locks_of(list);
+  const std::size_t outer_locks = locks_.size();
+  for (std::size_t i = 0; i < locks; ++i) locks_.push_back(temp());
+  const Register window = locks == 0 && wanted + 1 == top_ ? static_cast<Register>(wanted) : temp();
+  if (callee.kind == ExprKind::name) {
+    invoke_name(callee, list, window);
+  } else if (callee.kind == ExprKind::member) {
+    const Register object = object_of(callee);
+    if (object != window) emit(Op::refer, window, object);
+    release_to(window + std::size_t{1});
+    // The object in place: what it refers to may go away while the arguments are evaluated.
+    emit(Op::copy, window, window);
+    arguments(list, true);
+    emit_extended(Op::call_member, window, static_cast<std::uint32_t>(list.size()), 0, callee.symbol);
+  } else {
+    if (!reference_into(callee, window)) into(callee, window);
+    release_to(window + std::size_t{1});
+    arguments(list, true);
+    emit(Op::index_many, window, static_cast<std::uint32_t>(list.size()));
+  }
+  locks_.resize(outer_locks);
+  holds(window);
+  return window;
+}
+
+void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, Register window) {
+  const Meaning known = meaning(callee.symbol);
+  const auto count = static_cast<std::uint32_t>(list.size());
+  switch (known.kind) {
+    case Meaning::Kind::procedure:
+      arguments(list, true);
+      emit_extended(Op::call, window, count, 0, callee.symbol);
+      return;
+    case Meaning::Kind::own_member:
+      return invoke_own_name(callee, list, window);
+    case Meaning::Kind::builtin: {
+      const Builtin& builtin = context_.builtins.function(known.index);
+      const bool fits = list.size() >= builtin.least && list.size() <= builtin.most;
+      arguments(list, false);
+      if (fits) {
+        emit_extended(Op::call_builtin, window, count, 0, known.index);
+      } else {
+        emit_extended(Op::fail, error::argument_count, 0, 0, callee.symbol);
+      }
+      return;
+    }
+    case Meaning::Kind::special:
+      if (list.size() != 1) {
+        emit_extended(Op::fail, error::argument_count, 0, 0, callee.symbol);
+      } else if (known.builtin == Builtins::Kind::eval) {
+        arguments(list, false);
+        emit(Op::evaluate, window, window + 1U);
+      } else {
+        arguments(list, false);
+        emit(Op::execute, window + 1U, known.builtin == Builtins::Kind::execute_global ? 1 : 0);
+      }
+      return;
+    case Meaning::Kind::local:
+      if (known.index == 0) return invoke_own_name(callee, list, window);
+      [[fallthrough]];
+    case Meaning::Kind::variable:
+    case Meaning::Kind::global:
+    case Meaning::Kind::field:
+      reference_into(callee, window);
+      arguments(list, true);
+      emit(Op::index_many, window, count);
+      return;
+    case Meaning::Kind::unknown:
+    case Meaning::Kind::undeclared:
+    case Meaning::Kind::class_type:
+      arguments(list, true);
+      emit_extended(Op::call_name, window, count,
+                    known.kind == Meaning::Kind::unknown ? known.index : no_register, callee.symbol);
+      return;
+    case Meaning::Kind::constant:
+      load_constant(known.index, window);
+      arguments(list, true);
+      emit(Op::index_many, window, count);
+      return;
+  }
+}
+
+// A member of the class whose procedure this is, or the procedure itself.
+void ProcedureCompiler::invoke_own_name(const Expr& callee, std::span<Expr*> list, Register window) {
+  const auto count = static_cast<std::uint32_t>(list.size());
+  arguments(list, true);
+  emit_extended(own_class_ ? Op::call_own : Op::call, window, count, 0, callee.symbol);
+}
+
+// Arguments into the registers that follow.
+void ProcedureCompiler::arguments(std::span<Expr*> list, bool by_reference) {
+  for (const Expr* expr : list) argument(*expr, by_reference);
+}
+
+void ProcedureCompiler::argument(const Expr& expr, bool by_reference) {
+  const Register target = temp();
+  bool done = false;
+  if (expr.kind == ExprKind::name && (!by_reference || !expr.parenthesised)) {
+    done = reference_into(expr, target);
+  } else if (by_reference && !expr.parenthesised && indexes_variable(expr)) {
+    refer_index(expr, target);
+    done = true;
+  }
+  if (!done) into(expr, target);
+  release_to(target + std::size_t{1});
+}
+
+// A reference to a variable that has a name.
+bool ProcedureCompiler::reference_into(const Expr& expr, Register target) {
+  if (expr.kind != ExprKind::name) return false;
+  const Meaning known = meaning(expr.symbol);
+  switch (known.kind) {
+    case Meaning::Kind::local:
+    case Meaning::Kind::variable:
+      emit(Op::refer, target, known.index);
+      return true;
+    case Meaning::Kind::global:
+      emit(Op::refer_global, target, known.index);
+      return true;
+    case Meaning::Kind::field:
+      emit(Op::refer_field, target, known.index);
+      return true;
+    default:
+      return false;
+  }
+}
+
+// A reference to what variable(indexes) is, or its value where that is no array's element.
+void ProcedureCompiler::refer_index(const Expr& expr, Register target) {
+  Register lock = 0;
+  if (locks_.empty()) {
+    lock = temp();
+  } else {
+    lock = locks_.back();
+    locks_.pop_back();
+  }
+  const std::size_t outer_locks = locks_.size();
+  const std::size_t inner = locks_of(expr.arguments);
+  for (std::size_t i = 0; i < inner; ++i) locks_.push_back(temp());
+  const Register window = inner == 0 && target + std::size_t{1} == top_ ? target : temp();
+  reference_into(*expr.left, window);
+  arguments(expr.arguments, true);
+  emit(Op::refer_index, window, static_cast<std::uint32_t>(expr.arguments.size()), lock);
+  locks_.resize(outer_locks);
+  holds(lock);
+  holds(window);
+  if (window != target) {
+    emit(Op::take, target, window);
+    holds(target);
+  }
+}
+
+// For what is only looked at, an array or an object: no copy where there is a variable.
+ProcedureCompiler::Register ProcedureCompiler::reference_or_value(const Expr& expr) {
+  if (expr.kind != ExprKind::name) {
+    const Register target = temp();
+    into(expr, target);
+    return target;
+  }
+  const Meaning known = meaning(expr.symbol);
+  if (has_register(known)) return static_cast<Register>(known.index);
+  const Register target = temp();
+  if (!reference_into(expr, target)) into(expr, target);
+  return target;
+}
+
+// Jumps where the condition is not true.
+void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
+  const std::size_t top = top_;
+  std::uint32_t index = 0;
+  std::uint32_t other = 0;
+  const bool comparison = is_comparison(expr) && !(literal(*expr.left, index) && literal(*expr.right, other));
+  if (!comparison) {
+    const Register value = operand(expr);
+    if (held_first_ < held_end_) {
+      const Register result = temp();
+      emit(Op::test, result, value);
+      end_statement();
+      jump(Op::jump_false, result, unless);
+    } else {
+      jump(Op::jump_false, value, unless);
+    }
+    return release_to(top);
+  }
+  Operator op = expr.op;
+  const Expr* left = expr.left;
+  const Expr* right = expr.right;
+  if (literal(*left, index)) {
+    std::swap(left, right);
+    op = mirrored(op);
+  }
+  const bool with_constant = literal(*right, index) && index <= widest_operand;
+  const Register a = operand(*left);
+  const Register b = with_constant ? static_cast<Register>(index) : operand(*right);
+  if (held_first_ < held_end_) {
+    const Register result = temp();
+    emit(offset_op(with_constant ? Op::equal_k : Op::equal, op), result, a, b);
+    end_statement();
+    jump(Op::jump_false, result, unless);
+  } else {
+    jump_extended(offset_op(with_constant ? Op::unless_equal_k : Op::unless_equal, op), a, b, 0, unless);
+  }
+  release_to(top);
+}
+
+}  // namespace zrl::vbs

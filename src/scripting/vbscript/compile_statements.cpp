@@ -1,0 +1,618 @@
+#include <algorithm>
+
+#include "scripting/vbscript/errors.h"
+#include "scripting/vbscript/procedure_compiler.h"
+
+namespace zrl::vbs {
+
+ProcedureCompiler::ProcedureCompiler(ModuleCompiler& shared, const ProcDecl& declaration, Proc& proc,
+                                     const ClassInfo* own_class, bool global_level)
+    : shared_(shared),
+      context_(shared.context),
+      declaration_(declaration),
+      proc_(proc),
+      own_class_(own_class),
+      global_level_(global_level) {}
+
+void ProcedureCompiler::compile() {
+  declare_parameters();
+  declare_variables();
+  declare_constants();
+  settle_names();
+  if (global_level_) {
+    // Temporary values lie behind the global variables; others may be declared while the code runs.
+    top_ = most_ = context_.globals.used();
+  }
+  proc_.first_temp = static_cast<std::uint32_t>(top_);
+  persistent_ = top_;
+  place(declaration_.offset);
+  if (context_.evaluate) {
+    place(declaration_.body[0]->offset);
+    const Register result = temp();
+    into(*declaration_.body[0]->value, result);
+    emit(Op::take, global_level_ ? proc_.first_temp : 0, result);
+  } else {
+    for (const Stmt* stmt : declaration_.body) statement(*stmt);
+  }
+  place(declaration_.end_offset);
+  emit(Op::finish);
+  proc_.registers = static_cast<std::uint32_t>(most_ + 1);
+  if (global_level_ && most_ + 1 > Globals::most) throw CompileFailure{1001, 0};
+  if (most_ >= no_register) throw CompileFailure{1001, 0};
+}
+
+std::size_t ProcedureCompiler::emit(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c) {
+  if (a > 0xffff || b > 0xffff || c > 0xffff) throw CompileFailure{1001, 0};
+  proc_.code.push_back({op, static_cast<std::uint16_t>(a), static_cast<std::uint16_t>(b),
+                        static_cast<std::uint16_t>(c)});
+  return proc_.code.size() - 1;
+}
+
+std::size_t ProcedureCompiler::emit_wide(Op op, std::uint32_t a, std::int64_t wide) {
+  const std::size_t at = emit(op, a);
+  proc_.code[at].set_wide(static_cast<std::int32_t>(wide));
+  return at;
+}
+
+std::size_t ProcedureCompiler::emit_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c,
+                                             std::int64_t extra) {
+  const std::size_t at = emit(op, a, b, c);
+  emit_wide(op, 0, extra);
+  return at;
+}
+
+void ProcedureCompiler::jump(Op op, std::uint32_t a, Label& label) {
+  const std::size_t at = emit_wide(op, a, label.target);
+  if (label.target < 0) label.uses.push_back(at);
+}
+
+void ProcedureCompiler::jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c, Label& label) {
+  const std::size_t at = emit_extended(op, a, b, c, label.target);
+  if (label.target < 0) label.uses.push_back(at + 1);
+}
+
+void ProcedureCompiler::bind(Label& label) {
+  label.target = static_cast<std::int64_t>(proc_.code.size());
+  for (const std::size_t use : label.uses) proc_.code[use].set_wide(static_cast<std::int32_t>(label.target));
+  label.uses.clear();
+}
+
+void ProcedureCompiler::place(std::uint32_t offset) {
+  proc_.places.push_back({static_cast<std::uint32_t>(proc_.code.size()), offset, 0,
+                          static_cast<std::uint32_t>(persistent_)});
+}
+
+ProcedureCompiler::Register ProcedureCompiler::temp(std::size_t count) {
+  const std::size_t first = top_;
+  top_ += count;
+  most_ = std::max(most_, top_);
+  if (top_ >= no_register) throw CompileFailure{1001, 0};
+  return static_cast<Register>(first);
+}
+
+// The register may hold an object, which must not outlive the statement.
+void ProcedureCompiler::holds(std::size_t reg) {
+  if (reg < persistent_) return;
+  held_first_ = std::min(held_first_, reg);
+  held_end_ = std::max(held_end_, reg + 1);
+}
+
+void ProcedureCompiler::take_back(std::size_t reg) {
+  if (held_first_ == reg && held_end_ == reg + 1) held_first_ = SIZE_MAX, held_end_ = 0;
+}
+
+void ProcedureCompiler::end_statement() {
+  if (held_first_ < held_end_) {
+    emit(Op::clear, static_cast<std::uint32_t>(held_first_), static_cast<std::uint32_t>(held_end_ - held_first_));
+  }
+  held_first_ = SIZE_MAX;
+  held_end_ = 0;
+}
+
+void ProcedureCompiler::block(Block block) {
+  for (const Stmt* stmt : block) statement(*stmt);
+}
+
+void ProcedureCompiler::statement(const Stmt& stmt) {
+  const std::size_t top = top_;
+  place(stmt.offset);
+  switch (stmt.kind) {
+    case StmtKind::expression_call:
+      call(stmt);
+      break;
+    case StmtKind::let:
+    case StmtKind::set:
+      assign(stmt);
+      break;
+    case StmtKind::dim:
+      dim(stmt);
+      break;
+    case StmtKind::redim:
+      redim(stmt);
+      break;
+    case StmtKind::erase:
+      erase(stmt);
+      break;
+    case StmtKind::if_:
+      if_statement(stmt);
+      break;
+    case StmtKind::select:
+      select(stmt);
+      break;
+    case StmtKind::do_:
+      do_loop(stmt);
+      break;
+    case StmtKind::for_:
+      for_loop(stmt);
+      break;
+    case StmtKind::for_each:
+      for_each(stmt);
+      break;
+    case StmtKind::with:
+      with(stmt);
+      break;
+    case StmtKind::exit_do:
+    case StmtKind::exit_for:
+      exit(stmt);
+      break;
+    case StmtKind::exit_procedure:
+      emit(Op::finish);
+      break;
+    case StmtKind::on_error_resume:
+      emit(Op::on_error, 1);
+      break;
+    case StmtKind::on_error_stop:
+      emit(Op::on_error, 0);
+      break;
+    case StmtKind::nothing:
+      break;
+  }
+  end_statement();
+  release_to(top);
+}
+
+void ProcedureCompiler::call(const Stmt& stmt) {
+  invoke(*stmt.target, stmt.arguments, SIZE_MAX);
+}
+
+// Whether the target is a variable whose register can be written to directly.
+bool ProcedureCompiler::direct_register(const Expr& target, Register& reg) const {
+  if (target.kind != ExprKind::name) return false;
+  const Meaning known = meaning(target.symbol);
+  if (global_level_ && known.kind == Meaning::Kind::global) {
+    reg = static_cast<Register>(known.index);
+    return true;
+  }
+  if (known.kind != Meaning::Kind::local) return false;
+  reg = static_cast<Register>(known.index);
+  return true;
+}
+
+void ProcedureCompiler::assign(const Stmt& stmt) {
+  const bool set = stmt.kind == StmtKind::set;
+  const Expr& target = *stmt.target;
+  switch (target.kind) {
+    case ExprKind::name:
+      return assign_name(target, *stmt.value, set);
+    case ExprKind::member:
+      return assign_member(target, target.symbol, {}, *stmt.value, set);
+    case ExprKind::call:
+      return assign_call(target, *stmt.value, set);
+    default:
+      throw CompileFailure{error::syntax, target.offset};
+  }
+}
+
+// s = s & more
+bool ProcedureCompiler::append_to(const Expr& target, const Expr& value) {
+  if (value.kind != ExprKind::binary || value.op != Operator::concat) return false;
+  const Expr* first = &value;
+  std::vector<Expr*> rest;
+  while (first->kind == ExprKind::binary && first->op == Operator::concat &&
+         (first == &value || !first->parenthesised)) {
+    rest.push_back(first->right);
+    first = first->left;
+  }
+  if (first->kind != ExprKind::name ||
+      context_.symbols.canonical(first->symbol) != context_.symbols.canonical(target.symbol)) {
+    return false;
+  }
+  const Meaning known = meaning(target.symbol);
+  const bool variable = known.kind == Meaning::Kind::local || known.kind == Meaning::Kind::variable ||
+                        known.kind == Meaning::Kind::global || known.kind == Meaning::Kind::field;
+  if (!variable) return false;
+  // The rest first, in one piece; then it is appended in place.
+  const Register piece = temp();
+  if (rest.size() == 1) {
+    if (!reference_into(*rest[0], piece)) into(*rest[0], piece);
+  } else {
+    for (auto part = rest.rbegin(); part != rest.rend(); ++part) {
+      const Register reg = part == rest.rbegin() ? piece : temp();
+      if (!reference_into(**part, reg)) into(**part, reg);
+      release_to(reg + std::size_t{1});
+    }
+    emit(Op::concat, piece, piece, static_cast<std::uint32_t>(rest.size()));
+  }
+  release_to(piece + std::size_t{1});
+  Register reg = 0;
+  if (!direct_register(target, reg)) {
+    reg = temp();
+    reference_into(target, reg);
+  }
+  emit(Op::append, reg, piece);
+  return true;
+}
+
+void ProcedureCompiler::assign_name(const Expr& target, const Expr& value, bool set) {
+  using Kind = Meaning::Kind;
+  const Meaning known = meaning(target.symbol);
+  if (!set && append_to(target, value)) return;
+  Register reg = 0;
+  const bool direct = direct_register(target, reg);
+  if (direct && !set && scalar_result(value)) return into(value, reg);
+  if (known.kind == Kind::own_member) {
+    // A property of the class itself.
+    const Register window = temp(2);
+    into(value, static_cast<Register>(window + 1));
+    emit_extended(Op::put_own, window, 0, set ? 1 : 0, target.symbol);
+    return holds(window), holds(window + std::size_t{1});
+  }
+  const bool assignable = direct || known.kind == Kind::variable || known.kind == Kind::unknown ||
+                          known.kind == Kind::global || known.kind == Kind::field;
+  const Register from = set || !assignable ? operand(value) : temp();
+  if (!set && assignable) into(value, from);
+  if (!assignable && known.kind != Kind::undeclared) {
+    emit_extended(Op::fail, error::illegal_assignment, 0, 0, target.symbol);
+    return;
+  }
+  if (!set && assignable) {
+    if (direct || known.kind == Kind::variable || known.kind == Kind::unknown) {
+      emit(Op::let_taken, direct ? reg : known.index, from);
+    } else {
+      emit(known.kind == Kind::global ? Op::let_global : Op::let_field, known.index, from);
+    }
+    return take_back(from);
+  }
+  if (!direct) {
+    reg = temp();
+    variable_reference(target, reg);
+  }
+  emit(set ? Op::set : Op::let, reg, from);
+}
+
+// A reference to the variable that a name stands for, into a temporary.
+void ProcedureCompiler::variable_reference(const Expr& target, Register target_register) {
+  const Meaning known = meaning(target.symbol);
+  if (known.kind == Meaning::Kind::unknown) {
+    emit(Op::refer, target_register, known.index);
+  } else if (known.kind == Meaning::Kind::undeclared) {
+    emit_extended(Op::refer_name, target_register, 0, 0, target.symbol);
+  } else if (!reference_into(target, target_register)) {
+    emit_extended(Op::fail, error::illegal_assignment, 0, 0, target.symbol);
+  }
+}
+
+// callee(arguments) = value
+void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool set) {
+  const Expr& callee = *target.left;
+  if (callee.kind == ExprKind::member) {
+    return assign_member(callee, callee.symbol, target.arguments, value, set);
+  }
+  const bool of_variable = indexes_variable(target);
+  if (of_variable && !set && target.arguments.size() == 1 && target.arguments[0]->kind != ExprKind::missing) {
+    const Register array = reference_or_value(callee);
+    const Register from = operand(value);
+    const Register index = operand(*target.arguments[0]);
+    emit(Op::let_index, array, index, from);
+    return;
+  }
+  const std::size_t count = target.arguments.size();
+  if (callee.kind == ExprKind::name && !of_variable) {
+    const Meaning known = meaning(callee.symbol);
+    if (known.kind == Meaning::Kind::own_member || (known.kind == Meaning::Kind::local && own_class_)) {
+      const Register window = temp(count + 2);
+      into(value, static_cast<Register>(window + count + 1));
+      const std::size_t after = top_;
+      for (std::size_t i = 0; i < count; ++i) {
+        into(*target.arguments[i], static_cast<Register>(window + 1 + i));
+        release_to(after);
+      }
+      emit_extended(Op::put_own, window, static_cast<std::uint32_t>(count), set ? 1 : 0, callee.symbol);
+      for (std::size_t i = 0; i < count + 2; ++i) holds(window + i);
+      return;
+    }
+  }
+  const Register window = temp(count + 2);
+  const std::size_t after = top_;
+  if (of_variable || callee.kind != ExprKind::name) {
+    if (callee.kind == ExprKind::call && indexes_variable(callee)) {
+      // An array in an array is changed in place.
+      refer_index(callee, window);
+    } else if (!reference_into(callee, window)) {
+      into(callee, window);
+    }
+  } else {
+    const Meaning known = meaning(callee.symbol);
+    if (known.kind == Meaning::Kind::unknown || known.kind == Meaning::Kind::undeclared) {
+      variable_reference(callee, window);
+    } else {
+      into(callee, window);
+    }
+  }
+  holds(window);
+  into(value, static_cast<Register>(window + count + 1));
+  holds(window + count + 1);
+  for (std::size_t i = 0; i < count; ++i) {
+    into(*target.arguments[i], static_cast<Register>(window + 1 + i));
+    holds(window + 1 + i);
+  }
+  release_to(after);
+  emit(Op::put_index, window, static_cast<std::uint32_t>(count), set ? 1 : 0);
+}
+
+// object.symbol(arguments) = value
+void ProcedureCompiler::assign_member(const Expr& member, SymbolId symbol, std::span<Expr*> arguments,
+                                      const Expr& value, bool set) {
+  const std::size_t count = arguments.size();
+  const Register window = temp(count + 2);
+  const std::size_t after = top_;
+  const Register object = object_of(member);
+  emit(Op::copy, window, object);
+  holds(window);
+  release_to(after);
+  into(value, static_cast<Register>(window + count + 1));
+  holds(window + count + 1);
+  for (std::size_t i = 0; i < count; ++i) {
+    into(*arguments[i], static_cast<Register>(window + 1 + i));
+    holds(window + 1 + i);
+  }
+  release_to(after);
+  emit_extended(Op::put_member, window, static_cast<std::uint32_t>(count), set ? 1 : 0, symbol);
+}
+
+void ProcedureCompiler::if_statement(const Stmt& stmt) {
+  Label end;
+  for (std::size_t i = 0; i < stmt.branches.size(); ++i) {
+    const Branch& branch = stmt.branches[i];
+    if (i > 0) place(branch.offset);
+    Label next;
+    if (branch.condition) condition(*branch.condition, next);
+    block(branch.body);
+    if (i + 1 < stmt.branches.size()) jump(Op::jump, 0, end);
+    bind(next);
+  }
+  bind(end);
+}
+
+void ProcedureCompiler::select(const Stmt& stmt) {
+  const std::size_t at_value = proc_.places.size() - 1;
+  const std::size_t outer = persistent_;
+  const Register value = temp();
+  std::uint32_t value_index = 0;
+  const bool value_literal = literal(*stmt.value, value_index);
+  into(*stmt.value, value);
+  emit(Op::let, value, value);
+  take_back(value);
+  persistent_ = top_;
+  end_statement();
+  Label end;
+  std::vector<std::size_t> to_patch;
+  for (const Branch& branch : stmt.branches) {
+    Label body;
+    Label next;
+    if (!branch.tests.empty()) {
+      to_patch.clear();
+      for (std::size_t i = 0; i < branch.tests.size(); ++i) {
+        to_patch.push_back(proc_.places.size());
+        place(branch.tests[i]->offset);
+        const std::size_t top = top_;
+        const Register result = temp();
+        std::uint32_t index = 0;
+        const bool test_literal = literal(*branch.tests[i], index);
+        const Register test = test_literal && !value_literal && index <= 0xffff ? static_cast<Register>(0)
+                                                                                : operand(*branch.tests[i]);
+        if (test_literal && value_literal) {
+          emit_extended(Op::compare_literals, result, value, test, static_cast<std::int64_t>(Operator::equal));
+        } else if (test_literal && index <= 0xffff) {
+          emit(Op::equal_k, result, value, index);
+        } else if (value_literal && value_index <= 0xffff) {
+          emit(Op::equal_k, result, test, value_index);
+        } else {
+          emit(Op::equal, result, value, test);
+        }
+        end_statement();
+        if (i + 1 < branch.tests.size()) {
+          jump(Op::jump_true, result, body);
+        } else {
+          jump(Op::jump_false, result, next);
+        }
+        release_to(top);
+      }
+    }
+    bind(body);
+    for (const std::size_t at : to_patch) proc_.places[at].resume = static_cast<std::uint32_t>(body.target);
+    to_patch.clear();
+    place(branch.offset);
+    block(branch.body);
+    jump(Op::jump, 0, end);
+    bind(next);
+  }
+  bind(end);
+  proc_.places[at_value].resume = static_cast<std::uint32_t>(end.target);
+  place(stmt.end_offset);
+  persistent_ = outer;
+  emit(Op::clear, value, 1);
+}
+
+void ProcedureCompiler::do_loop(const Stmt& stmt) {
+  Label start;
+  Label exit;
+  const bool is_do = true;
+  loops_.push_back({!is_do, &exit});
+  bind(start);
+  const auto test = [&](Label& leave) {
+    if (!stmt.flag) return condition(*stmt.value, leave);
+    // Until: goes on where the condition is not true.
+    Label stay;
+    condition(*stmt.value, stay);
+    jump(Op::jump, 0, leave);
+    bind(stay);
+  };
+  if (stmt.value && !stmt.at_end) test(exit);
+  block(stmt.body);
+  place(stmt.end_offset);
+  if (stmt.value && stmt.at_end) test(exit);
+  jump(Op::loop, 0, start);
+  bind(exit);
+  loops_.pop_back();
+}
+
+void ProcedureCompiler::for_loop(const Stmt& stmt) {
+  const std::size_t outer = persistent_;
+  const Register base = temp(2);
+  Register variable = 0;
+  if (!direct_register(*stmt.target, variable)) {
+    const Meaning known = meaning(stmt.target->symbol);
+    if (known.kind == Meaning::Kind::variable) {
+      variable = static_cast<Register>(known.index);
+    } else {
+      variable = temp();
+      variable_reference(*stmt.target, variable);
+    }
+  }
+  persistent_ = top_;
+  emit(Op::clear, base, 2);
+  const Register from = temp();
+  into(*stmt.value, from);
+  into(*stmt.to, base);
+  if (stmt.step) {
+    into(*stmt.step, static_cast<Register>(base + 1));
+  } else {
+    load(Value::integer(1), static_cast<Register>(base + 1));
+  }
+  Label exit;
+  Label body;
+  jump_extended(Op::for_prepare, variable, base, from, exit);
+  end_statement();
+  release_to(persistent_);
+  loops_.push_back({true, &exit});
+  bind(body);
+  block(stmt.body);
+  place(stmt.end_offset);
+  jump_extended(Op::for_next, variable, base, 0, body);
+  bind(exit);
+  loops_.pop_back();
+  persistent_ = outer;
+}
+
+void ProcedureCompiler::for_each(const Stmt& stmt) {
+  const std::size_t outer = persistent_;
+  const Register base = temp(2);
+  Register variable = 0;
+  if (!direct_register(*stmt.target, variable)) {
+    const Meaning known = meaning(stmt.target->symbol);
+    if (known.kind == Meaning::Kind::variable) {
+      variable = static_cast<Register>(known.index);
+    } else {
+      variable = temp();
+      variable_reference(*stmt.target, variable);
+    }
+  }
+  persistent_ = top_;
+  emit(Op::clear, base, 2);
+  const Register collection = reference_or_value(*stmt.value);
+  emit(Op::each_prepare, base, collection);
+  end_statement();
+  release_to(persistent_);
+  Label exit;
+  Label next;
+  Label body;
+  loops_.push_back({true, &exit});
+  jump(Op::jump, 0, next);
+  bind(body);
+  block(stmt.body);
+  place(stmt.end_offset);
+  bind(next);
+  jump_extended(Op::each_next, variable, base, 0, body);
+  bind(exit);
+  place(stmt.end_offset);
+  emit(Op::clear, base, 2);
+  loops_.pop_back();
+  persistent_ = outer;
+}
+
+void ProcedureCompiler::with(const Stmt& stmt) {
+  const std::size_t outer = persistent_;
+  const Register object = temp();
+  persistent_ = top_;
+  emit(Op::clear, object, 1);
+  const std::size_t top = top_;
+  const Register value = reference_or_value(*stmt.value);
+  emit(Op::set, object, value);
+  end_statement();
+  release_to(top);
+  withs_.push_back(object);
+  block(stmt.body);
+  withs_.pop_back();
+  place(stmt.end_offset);
+  emit(Op::clear, object, 1);
+  persistent_ = outer;
+}
+
+void ProcedureCompiler::exit(const Stmt& stmt) {
+  const bool is_for = stmt.kind == StmtKind::exit_for;
+  for (auto loop = loops_.rbegin(); loop != loops_.rend(); ++loop) {
+    if (loop->is_for == is_for) return jump(Op::jump, 0, *loop->exit);
+  }
+  throw CompileFailure{error::invalid_exit, stmt.offset};
+}
+
+// Dim name(bounds), for each array
+void ProcedureCompiler::dim(const Stmt& stmt) {
+  for (const VariableDecl& variable : stmt.declarations) {
+    Expr name;
+    name.kind = ExprKind::name;
+    name.symbol = variable.symbol;
+    const std::size_t top = top_;
+    const Register target = temp();
+    variable_reference(name, target);
+    const Register first = top_ < no_register ? static_cast<Register>(top_) : Register{0};
+    for (const Expr* bound : variable.bounds) into(*bound, temp());
+    emit(Op::dim, target, first, static_cast<std::uint32_t>(variable.bounds.size()));
+    release_to(top);
+  }
+}
+
+void ProcedureCompiler::redim(const Stmt& stmt) {
+  for (const VariableDecl& variable : stmt.declarations) {
+    Expr name;
+    name.kind = ExprKind::name;
+    name.symbol = variable.symbol;
+    const std::size_t top = top_;
+    const Register first = temp(variable.bounds.size());
+    for (std::size_t i = 0; i < variable.bounds.size(); ++i) {
+      into(*variable.bounds[i], static_cast<Register>(first + i));
+    }
+    const Register target = temp();
+    variable_reference(name, target);
+    emit(stmt.flag ? Op::redim_preserve : Op::redim, target, first,
+         static_cast<std::uint32_t>(variable.bounds.size()));
+    release_to(top);
+  }
+}
+
+void ProcedureCompiler::erase(const Stmt& stmt) {
+  for (const Expr* array : stmt.arguments) {
+    const std::size_t top = top_;
+    const Register target = temp();
+    if (indexes_variable(*array)) {
+      refer_index(*array, target);
+    } else if (!reference_into(*array, target)) {
+      into(*array, target);
+    }
+    emit(Op::erase, target);
+    release_to(top);
+  }
+}
+
+}  // namespace zrl::vbs

@@ -1,0 +1,268 @@
+#include "scripting/vbscript/compiler.h"
+
+#include <bit>
+#include <unordered_set>
+
+#include "scripting/vbscript/errors.h"
+#include "scripting/vbscript/procedure_compiler.h"
+
+namespace zrl::vbs {
+
+std::uint32_t ModuleCompiler::constant(const Value& value) {
+  const std::uint64_t key = static_cast<std::uint64_t>(value.i()) * 31 + static_cast<std::uint64_t>(value.type());
+  const auto found = numbers.find(key);
+  if (found != numbers.end()) {
+    const Value& known = module.constants[found->second];
+    if (known.type() == value.type() && known.i() == value.i()) return found->second;
+  }
+  module.constants.push_back(value);
+  const auto index = static_cast<std::uint32_t>(module.constants.size() - 1);
+  numbers[key] = index;
+  return index;
+}
+
+std::uint32_t ModuleCompiler::string_constant(std::uint32_t literal) {
+  if (strings.empty()) strings.resize(ast.strings.size());
+  if (strings[literal] == 0) strings[literal] = text_constant(ast.strings[literal]) + 1;
+  return strings[literal] - 1;
+}
+
+std::uint32_t ModuleCompiler::text_constant(std::u16string_view text) {
+  module.constants.emplace_back(context.heap.string(text));
+  return static_cast<std::uint32_t>(module.constants.size() - 1);
+}
+
+std::uint32_t ModuleCompiler::named_constant(SymbolId canonical, const Value& value) {
+  const auto [entry, inserted] =
+      named.try_emplace(canonical, static_cast<std::uint32_t>(module.constants.size()));
+  if (inserted) module.constants.push_back(value);
+  return entry->second;
+}
+
+Value constant_value(const Expr& expr, const Ast& ast, Heap& heap) {
+  switch (expr.kind) {
+    case ExprKind::integer:
+      return Value::integer(expr.integer);
+    case ExprKind::long_int:
+      return Value::long_integer(expr.integer);
+    case ExprKind::number:
+      return Value::real(expr.number);
+    case ExprKind::date:
+      return Value::date(expr.number);
+    case ExprKind::boolean:
+      return Value::boolean(expr.integer != 0);
+    case ExprKind::null:
+      return Value::null();
+    case ExprKind::nothing:
+      return Value::nothing();
+    case ExprKind::string:
+      return Value(heap.string(ast.strings[expr.string]));
+    case ExprKind::plus:
+      return constant_value(*expr.left, ast, heap);
+    case ExprKind::negate: {
+      const Value value = constant_value(*expr.left, ast, heap);
+      if (value.is(Type::real) || value.is(Type::date)) return Value::of(value.type(), -value.d());
+      if (value.is(Type::boolean)) return Value::integer(-value.i());
+      if (value.is(Type::integer) || value.is(Type::long_integer)) return Value::of(value.type(), -value.i());
+      throw CompileFailure{error::expected_literal, expr.offset};
+    }
+    default:
+      return {};
+  }
+}
+
+namespace {
+
+// Compiles a whole text: first the names, then the code, then the names become real.
+class TextCompiler {
+ public:
+  TextCompiler(Ast& ast, Module& module, const CompileContext& context)
+      : ast_(ast), module_(module), context_(context), shared_{context, ast, module, {}, {}, {}} {}
+
+  void compile() {
+    check_names();
+    try {
+      declare();
+      compile_procedures();
+      compile_main();
+    } catch (...) {
+      for (auto it = before_.rbegin(); it != before_.rend(); ++it) {
+        context_.globals.name(it->first) = std::move(it->second);
+      }
+      throw;
+    }
+    for (const auto& proc : module_.procedures) proc->constants = module_.constants.data();
+  }
+
+ private:
+  SymbolId canonical(SymbolId symbol) const { return context_.symbols.canonical(symbol); }
+  bool in_procedure() const { return context_.outer != nullptr; }
+
+  GlobalName& enter(SymbolId symbol) {
+    GlobalName& name = context_.globals.name(canonical(symbol));
+    before_.emplace_back(canonical(symbol), name);
+    return name;
+  }
+
+  void check_names() {
+    std::unordered_set<SymbolId> unique;
+    const auto once = [&](SymbolId symbol, std::uint32_t offset) {
+      if (!unique.insert(canonical(symbol)).second) throw CompileFailure{error::name_redefined, offset};
+    };
+    for (const VariableDecl& variable : ast_.main.variables) once(variable.symbol, variable.offset);
+    for (const ConstDecl& constant : ast_.main.constants) once(constant.symbol, constant.offset);
+    for (const auto& declared : ast_.classes) once(declared->symbol, declared->offset);
+    for (const auto& declared : ast_.procedures) {
+      if (unique.count(canonical(declared->symbol)) != 0) {
+        throw CompileFailure{error::name_redefined, declared->offset};
+      }
+    }
+  }
+
+  void declare() {
+    if (!in_procedure()) {
+      for (const VariableDecl& variable : ast_.main.variables) {
+        if (context_.globals.name(canonical(variable.symbol)).kind == GlobalName::Kind::variable) continue;
+        enter(variable.symbol);
+        context_.globals.declare(canonical(variable.symbol));
+      }
+      for (const ConstDecl& constant : ast_.main.constants) {
+        GlobalName& name = enter(constant.symbol);
+        name.kind = GlobalName::Kind::constant;
+        name.constant = constant_value(*constant.value, ast_, context_.heap);
+      }
+    }
+    for (const auto& declared : ast_.procedures) {
+      GlobalName& name = enter(declared->symbol);
+      name.kind = GlobalName::Kind::procedure;
+      Proc* proc = add_procedure(*declared);
+      name.procedure = proc;
+    }
+    for (const auto& declared : ast_.classes) declare_class(*declared);
+  }
+
+  Proc* add_procedure(const ProcDecl& declared) {
+    auto proc = std::make_unique<Proc>();
+    proc->module = &module_;
+    proc->kind = declared.kind;
+    proc->symbol = declared.symbol;
+    proc->is_public = declared.is_public;
+    module_.procedures.push_back(std::move(proc));
+    return module_.procedures.back().get();
+  }
+
+  void declare_class(const ClassDecl& declared) {
+    auto info = std::make_unique<ClassInfo>();
+    info->symbol = declared.symbol;
+    for (const VariableDecl& field : declared.fields) {
+      Member member;
+      member.symbol = canonical(field.symbol);
+      member.is_field = true;
+      member.is_public = field.is_public;
+      member.field = info->fields++;
+      info->members.push_back(member);
+      if (!field.is_array) continue;
+      ClassInfo::ArrayField array{member.field, {}};
+      for (const Expr* bound : field.bounds) array.bounds.push_back(bound->integer);
+      info->arrays.push_back(std::move(array));
+    }
+    SymbolId default_symbol = Symbols::none;
+    for (const auto& procedure : declared.procedures) {
+      Proc* proc = add_procedure(*procedure);
+      add_member(*info, *procedure, *proc);
+      class_procedures_.push_back({procedure.get(), proc, info.get()});
+      if (procedure->is_default) default_symbol = canonical(procedure->symbol);
+    }
+    info->index_members();
+    if (default_symbol != Symbols::none) info->default_member = info->find(default_symbol);
+    find_events(*info);
+    GlobalName& name = enter(declared.symbol);
+    name.kind = GlobalName::Kind::class_type;
+    name.class_type = info.get();
+    module_.classes.push_back(std::move(info));
+  }
+
+  void add_member(ClassInfo& info, const ProcDecl& declared, const Proc& proc) {
+    Member* member = nullptr;
+    for (Member& other : info.members) {
+      if (other.symbol == canonical(declared.symbol)) member = &other;
+    }
+    if (!member) {
+      member = &info.members.emplace_back();
+      member->symbol = canonical(declared.symbol);
+    }
+    if (declared.kind == ProcKind::let) {
+      member->let = &proc;
+    } else if (declared.kind == ProcKind::set) {
+      member->set = &proc;
+    } else {
+      member->get = &proc;
+    }
+  }
+
+  void find_events(ClassInfo& info) {
+    const auto event = [&](std::string_view name) -> const Proc* {
+      const Member* member = info.find(context_.symbols.intern_ascii(name));
+      return member && !member->is_field ? member->get : nullptr;
+    };
+    info.initialise = event("class_initialize");
+    info.terminate = event("class_terminate");
+  }
+
+  void compile_procedures() {
+    std::size_t index = 0;
+    for (const auto& declared : ast_.procedures) {
+      compile_procedure(*declared, *module_.procedures[index++], nullptr, false);
+    }
+    for (const auto& [declared, proc, info] : class_procedures_) compile_procedure(*declared, *proc, info, false);
+  }
+
+  void compile_main() {
+    Proc* main = add_procedure(ast_.main);
+    main->global_frame = !in_procedure();
+    main->executed = in_procedure();
+    compile_procedure(ast_.main, *main, in_procedure() ? context_.outer_class : nullptr, !in_procedure());
+    module_.main = main;
+  }
+
+  void compile_procedure(const ProcDecl& declared, Proc& proc, const ClassInfo* info, bool global_level) {
+    ProcedureCompiler(shared_, declared, proc, info, global_level).compile();
+  }
+
+  struct ClassProcedure {
+    const ProcDecl* declared;
+    Proc* proc;
+    const ClassInfo* info;
+  };
+
+  Ast& ast_;
+  Module& module_;
+  const CompileContext& context_;
+  ModuleCompiler shared_;
+  std::vector<ClassProcedure> class_procedures_;
+  std::vector<std::pair<SymbolId, GlobalName>> before_;
+};
+
+std::size_t size_of(const Module& module) {
+  std::size_t bytes = sizeof(Module) + module.text.size() * sizeof(char16_t) + module.constants.size() * sizeof(Value);
+  for (const auto& proc : module.procedures) {
+    bytes += sizeof(Proc) + proc->code.size() * sizeof(Instr) + proc->places.size() * sizeof(Place);
+  }
+  return bytes;
+}
+
+}  // namespace
+
+std::unique_ptr<Module> compile(Ast& ast, std::u16string text, std::string name, const CompileContext& context) {
+  auto module = std::make_unique<Module>();
+  module->name = std::move(name);
+  module->text = std::move(text);
+  module->option_explicit = ast.option_explicit;
+  TextCompiler(ast, *module, context).compile();
+  const std::size_t bytes = size_of(*module);
+  context.heap.charge(bytes);
+  module->charged = bytes;
+  return module;
+}
+
+}  // namespace zrl::vbs

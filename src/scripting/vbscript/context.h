@@ -1,0 +1,24 @@
+#pragma once
+
+#include "scripting/vbscript/heap.h"
+#include "scripting/vbscript/locale.h"
+#include "scripting/vbscript/value.h"
+
+namespace zrl::vbs {
+
+// What conversions and operators need to know of the machine.
+class Context {
+ public:
+  explicit Context(Heap& memory) : heap(memory) {}
+  virtual ~Context() = default;
+  // The value of an object's default member; raises 91 for Nothing, 438 where there is none. Never an
+  // object again.
+  virtual Value default_value(const Value& object) = 0;
+  // To be called now and then in what takes long; raises when the time is over.
+  virtual void check_time() = 0;
+
+  Heap& heap;
+  const Locale* locale = &american_locale();
+};
+
+}  // namespace zrl::vbs

@@ -1,0 +1,194 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "scripting/vbscript/builtins.h"
+#include "scripting/vbscript/code.h"
+#include "scripting/vbscript/context.h"
+#include "scripting/vbscript/engine.h"
+#include "scripting/vbscript/errors.h"
+#include "scripting/vbscript/limits.h"
+#include "scripting/vbscript/objects/instance.h"
+#include "scripting/vbscript/operators.h"
+
+namespace zrl::vbs {
+
+class KeywordTable;
+
+// Variables that Execute made in a procedure that is running.
+struct ExtraScope {
+  std::vector<Binding> bindings;  // reg counts `values`
+  std::vector<std::unique_ptr<Value>> values;
+};
+
+// A procedure that runs or waits for one that it called.
+struct Frame {
+  const Proc* proc = nullptr;
+  const Instr* pc = nullptr;   // where it goes on
+  Value* base = nullptr;       // its registers
+  Value* top = nullptr;        // of the stack, behind its registers
+  Instance* me = nullptr;
+  Value* result = nullptr;     // where the result goes when it is not register 0 itself
+  ExtraScope* extra = nullptr;
+  Module* owned = nullptr;     // executed text that goes with the frame
+  std::uint32_t owner = 0;     // for executed text: the frame whose variables it sees
+  bool resume_next = false;
+  bool discard = false;        // nobody wants the result
+  bool termination = false;    // a Class_Terminate: its errors end with it
+  bool entry = false;          // returns to C++
+};
+
+// What scripts see as Err.
+struct ErrState {
+  std::int32_t number = 0;
+  std::u16string source;
+  std::u16string description;
+  std::u16string help_file;
+  std::int32_t help_context = 0;
+  std::u16string subject;
+};
+
+// Runs compiled code. One machine a thread at a time; all values that it hands out belong to its heap.
+class Machine final : public Context {
+ public:
+  Machine(EngineHost& host, const Limits& limits, bool with_wscript);
+  ~Machine() override;
+  Machine(const Machine&) = delete;
+  Machine& operator=(const Machine&) = delete;
+
+  // Compiles a text and enters its names; raises ScriptError.
+  Module& add(std::u16string text, std::string name);
+  void run_main(const Module& module);
+  const Proc* find_procedure(std::u16string_view name) const;
+  Value call(const Proc& proc, std::span<const Value> arguments);
+  // Ends all objects; nothing may run.
+  void shut_down();
+
+  // Starts the clock of a call from outside.
+  void start_clock();
+  void check_time() override;
+  Value default_value(const Value& object) override;
+  [[nodiscard]] ScriptError report(const Failure& failure) const;
+
+  // For built-in functions and objects.
+  EngineHost& host() { return host_; }
+  const Limits& limits() const { return limits_; }
+  Symbols& symbols() { return symbols_; }
+  ErrState& err() { return err_; }
+  Value create_object(std::u16string_view class_name);
+  Value procedure_reference(std::u16string_view name);
+  const Value& err_object() const { return err_object_; }
+  const Value& wscript_object() const { return wscript_object_; }
+  double random(const Value* argument);
+  void randomise(const Value* seed);
+  // Calls a procedure from C++ and waits for it.
+  Value invoke(const Proc& proc, Instance* me, std::span<const Value> arguments);
+
+  // Members of objects (machine_members.cpp).
+  enum class Access { get, let, set };
+  Value get_property(const Value& object, SymbolId symbol, Arguments arguments);
+
+ private:
+  // The dispatch loop (machine.cpp); returns when the frame `bottom` has returned.
+  void run(std::size_t bottom);
+  void execute(std::size_t bottom);
+
+  // Frames (machine_calls.cpp).
+  Frame& push(const Proc& proc, Value* window, std::size_t count, Instance* me);
+  void pop();
+  bool finish();  // whether the frame was the entry of a C++ call
+  void prepare_arguments(const Proc& proc, Value* window, std::size_t count);
+  void bind_names(Frame& frame);
+  void bind_executed(Frame& frame);
+  Value* find_outer(Frame& owner, const Binding& binding);
+  void bind_new_globals();
+  void call_symbol(Value* window, std::size_t count, SymbolId symbol);
+  void call_unresolved(Value* window, std::size_t count, std::uint16_t local, SymbolId symbol);
+  bool get_unresolved(Value& target, std::uint16_t local, SymbolId symbol);
+  void call_builtin(Value* window, std::size_t count, std::uint32_t index);
+  void run_text(const Value& text, bool global);
+  void evaluate_text(const Value& text, Value& target);
+  const Module& compile_text(std::u16string text, bool global, bool evaluate, std::unique_ptr<Module>& made);
+  void enter_text(std::unique_ptr<Module> module, Value* target, bool global);
+  void enter_global(const Proc& proc, Value* target);
+  void run_terminations();
+  void new_instance(Value& target, SymbolId symbol);
+  bool enter_nested() const { return nested_ < deepest_nested; }
+
+  // Members, indexes (machine_members.cpp).
+  void get_member(Value& target, const Value& object, SymbolId symbol, std::size_t target_register);
+  void call_member(Value* window, std::size_t count, SymbolId symbol, bool own);
+  void call_instance(Value* window, std::size_t count, SymbolId symbol, Instance& instance);
+  void put_member(Value* window, std::size_t count, SymbolId symbol, bool set, bool own);
+  void put_instance(Value* window, std::size_t count, SymbolId symbol, Instance& instance, bool set);
+  void index(Value& target, const Value& callee, const Value& argument);
+  void index_many(Value* window, std::size_t count);
+  void refer_index(Value* window, std::size_t count, Value& lock);
+  void let_index(Value& callee, const Value& argument, const Value& value);
+  void put_index(Value* window, std::size_t count, bool set);
+  void call_default(Value* window, std::size_t count);
+  Value& element(Value& variable, Value* indexes, std::size_t count);
+  const Member& member_of(const Instance& instance, SymbolId symbol, bool own) const;
+  void put_element(Value& element, const Value& value, bool set);
+  void call_in_place(Value* window, const Proc& proc, std::size_t count, Instance* me, bool discard);
+
+  // Statements (machine_statements.cpp).
+  void let(Value& variable, const Value& value);
+  void let_taken(Value& variable, Value& value);
+  void set(Value& variable, const Value& value);
+  bool prepare_for(Value& variable, Value* bounds, const Value& from);
+  bool next_for(Value& variable, Value* bounds);
+  void prepare_each(Value* state, const Value& collection);
+  bool next_each(Value& variable, Value* state);
+  void dim(Value& variable, Value* bounds, std::size_t count);
+  void redim(Value& variable, Value* bounds, std::size_t count, bool preserve);
+  void on_error(bool resume);
+  [[noreturn]] void fail(std::int32_t number, SymbolId symbol);
+
+  // Errors (machine_errors.cpp). Whether the machine can go on.
+  bool handle(const Failure& failure, std::size_t bottom);
+  const Place* place_of(const Frame& frame) const;
+  void note_place(const Failure& failure);
+  void count_down();
+
+  Frame& frame() { return frames_[depth_]; }
+  std::u16string symbol_text(SymbolId symbol) const { return symbols_.name(symbol); }
+
+  static constexpr std::size_t deepest_nested = 120;
+  static constexpr std::int64_t instructions_between_checks = 20'000;
+
+  EngineHost& host_;
+  Limits limits_;
+  Heap memory_;
+  Symbols symbols_;
+  std::unique_ptr<KeywordTable> keywords_;
+  Builtins builtins_;
+  Globals globals_;
+  std::vector<std::unique_ptr<Module>> modules_;
+
+  struct FreeStack {
+    void operator()(Value* stack) const;
+  };
+  std::unique_ptr<Value, FreeStack> stack_;
+  Value* stack_end_ = nullptr;
+  std::unique_ptr<Frame[]> frames_;
+  std::size_t depth_ = 0;  // of the frame that runs; 0 is none
+  std::size_t nested_ = 0;
+
+  std::int64_t countdown_ = instructions_between_checks;
+  std::chrono::steady_clock::time_point deadline_{};
+  ErrState err_;
+  Value err_object_;
+  Value wscript_object_;
+  std::uint32_t random_seed_ = 0x50000;
+
+  // Where the last error arose, for the report.
+  const Module* error_module_ = nullptr;
+  std::uint32_t error_offset_ = 0;
+  bool place_noted_ = false;
+};
+
+}  // namespace zrl::vbs

@@ -1,0 +1,223 @@
+#include <algorithm>
+#include <cstdlib>
+
+#include "scripting/vbscript/arrays.h"
+#include "scripting/vbscript/compiler.h"
+#include "scripting/vbscript/lexer.h"
+#include "scripting/vbscript/machine.h"
+#include "scripting/vbscript/objects/err_object.h"
+#include "scripting/vbscript/objects/wscript_object.h"
+#include "scripting/vbscript/parser.h"
+#include "scripting/vbscript/unicode.h"
+
+// The machine's life, its errors and its limits.
+namespace zrl::vbs {
+
+namespace {
+
+constexpr std::size_t stack_values = std::size_t{1} << 20;
+
+}  // namespace
+
+void Machine::FreeStack::operator()(Value* stack) const {
+  std::free(stack);
+}
+
+Machine::Machine(EngineHost& host, const Limits& limits, bool with_wscript)
+    : Context(memory_),
+      host_(host),
+      limits_(limits),
+      memory_(limits.memory, limits.string_units),
+      keywords_(std::make_unique<KeywordTable>(symbols_)),
+      builtins_(symbols_, with_wscript),
+      // Zeroes are Empty; what is not touched costs nothing.
+      stack_(static_cast<Value*>(std::calloc(stack_values, sizeof(Value)))),
+      frames_(new Frame[limits.call_depth + 1]) {
+  if (!stack_) throw std::bad_alloc();
+  stack_end_ = stack_.get() + stack_values;
+  frames_[0].top = stack_.get();
+  err_object_ = Value(Ref<Object>(memory_.make<ErrObject>().get()));
+  if (with_wscript) wscript_object_ = Value(Ref<Object>(memory_.make<WScriptObject>().get()));
+}
+
+Machine::~Machine() {
+  shut_down();
+}
+
+// Objects end in their order of release; what is left, cycles, is taken apart then.
+void Machine::shut_down() {
+  start_clock();
+  const auto run_all = [&] {
+    while (memory_.has_terminations()) {
+      const Ref<Object> object = memory_.next_termination();
+      auto& instance = static_cast<Instance&>(*object);
+      instance.mark_terminated();
+      try {
+        invoke(*instance.type().terminate, &instance, {});
+      } catch (const Failure&) {  // nobody is left to be told
+        continue;
+      }
+    }
+  };
+  run_all();
+  for (std::size_t i = 0; i < globals_.used(); ++i) globals_.values()[i].clear();
+  run_all();
+  // Members of cycles still want their Class_Terminate.
+  std::vector<Ref<Object>> left;
+  for (Object* object = memory_.first_object(); object; object = object->next) left.emplace_back(object);
+  for (const Ref<Object>& object : left) {
+    if (!object->wants_termination()) continue;
+    auto& instance = static_cast<Instance&>(*object);
+    instance.mark_terminated();
+    try {
+      invoke(*instance.type().terminate, &instance, {});
+    } catch (const Failure&) {
+      continue;
+    }
+  }
+  left.clear();
+  err_object_.clear();
+  wscript_object_.clear();
+  // Whatever the terminators did, everything goes now, and no script runs any more.
+  while (true) {
+    left.clear();
+    for (Object* object = memory_.first_object(); object; object = object->next) {
+      if (auto* instance = dynamic_cast<Instance*>(object)) instance->mark_terminated();
+      left.emplace_back(object);
+    }
+    if (left.empty()) break;
+    for (const Ref<Object>& object : left) object->clear();
+    for (std::size_t i = 0; i < globals_.used(); ++i) globals_.values()[i].clear();
+  }
+  for (auto& module : modules_) memory_.refund(module->charged);
+  modules_.clear();
+}
+
+void Machine::start_clock() {
+  deadline_ = std::chrono::steady_clock::now() + limits_.call_time;
+  countdown_ = instructions_between_checks;
+}
+
+void Machine::check_time() {
+  if (std::chrono::steady_clock::now() < deadline_) return;
+  Failure failure;
+  failure.number = 507;
+  failure.description = u"The script ran longer than " +
+                        ascii(std::to_string(limits_.call_time.count())) + u" milliseconds and was stopped";
+  failure.source = u"Microsoft VBScript runtime error";
+  failure.final = true;
+  throw failure;
+}
+
+Module& Machine::add(std::u16string text, std::string name) {
+  const CompileContext context{memory_, symbols_, globals_, builtins_, nullptr, nullptr, nullptr, false};
+  error_module_ = nullptr;
+  Parser parser(text, symbols_, *keywords_);
+  const std::unique_ptr<Ast> ast = parser.parse();
+  modules_.push_back(compile(*ast, std::move(text), std::move(name), context));
+  return *modules_.back();
+}
+
+void Machine::run_main(const Module& module) {
+  enter_global(*module.main, nullptr);
+  frame().entry = true;
+  globals_.take_new_variables();
+  ++nested_;
+  try {
+    run(depth_);
+  } catch (...) {
+    --nested_;
+    throw;
+  }
+  --nested_;
+}
+
+const Proc* Machine::find_procedure(std::u16string_view name) const {
+  const SymbolId symbol = symbols_.find(name);
+  const GlobalName* found = symbol == Symbols::none ? nullptr : globals_.find(symbol);
+  return found && found->kind == GlobalName::Kind::procedure ? found->procedure : nullptr;
+}
+
+Value Machine::call(const Proc& proc, std::span<const Value> arguments) {
+  place_noted_ = false;
+  error_module_ = nullptr;
+  return invoke(proc, nullptr, arguments.first(std::min<std::size_t>(arguments.size(), proc.parameters)));
+}
+
+// The statement that a frame is in.
+const Place* Machine::place_of(const Frame& frame) const {
+  const bool runs = &frame == &frames_[depth_];
+  const auto pc = static_cast<std::uint32_t>(frame.pc - frame.proc->code.data()) - (runs ? 0 : 1);
+  const auto& places = frame.proc->places;
+  auto after = std::upper_bound(places.begin(), places.end(), pc,
+                                [](std::uint32_t at, const Place& place) { return at < place.pc; });
+  return after == places.begin() ? nullptr : &*(after - 1);
+}
+
+void Machine::note_place(const Failure&) {
+  if (place_noted_ || depth_ == 0) return;
+  place_noted_ = true;
+  error_module_ = frame().proc->module;
+  const Place* place = place_of(frame());
+  error_offset_ = place ? place->offset : 0;
+}
+
+// Unwinds to the innermost procedure that goes on after errors, and there to the statement that follows.
+bool Machine::handle(const Failure& failure, std::size_t bottom) {
+  while (true) {
+    Frame& running = frame();
+    if (running.resume_next && !failure.final) break;
+    const bool last = depth_ == bottom;
+    if (running.termination && !failure.final) {
+      pop();
+      place_noted_ = false;
+      return true;
+    }
+    running.discard = true;
+    const Instr* const back = depth_ > 1 ? frames_[depth_ - 1].pc : nullptr;
+    pop();
+    if (last) return false;
+    // The caller's place is that of the call, which lies before where it would have gone on.
+    if (back) frame().pc = back - 1;
+  }
+  err_.number = failure.number;
+  err_.source = failure.source;
+  err_.description = failure.description;
+  err_.help_file = failure.help_file;
+  err_.help_context = failure.help_context;
+  err_.subject = failure.subject;
+  place_noted_ = false;
+  Frame& running = frame();
+  const auto& places = running.proc->places;
+  const Place* place = place_of(running);
+  std::uint32_t next = place->resume;
+  if (next == 0) next = place + 1 < places.data() + places.size() ? place[1].pc : place->pc;
+  for (std::size_t reg = place->first_temp; reg < running.proc->registers; ++reg) running.base[reg].clear();
+  running.pc = running.proc->code.data() + next;
+  if (memory_.has_terminations()) run_terminations();
+  return true;
+}
+
+ScriptError Machine::report(const Failure& failure) const {
+  ScriptError error;
+  error.number = failure.number;
+  error.description = to_utf8(failure.description);
+  if (!failure.subject.empty()) error.description += ": '" + to_utf8(failure.subject) + "'";
+  error.source = to_utf8(failure.source);
+  if (failure.source == u"Microsoft VBScript compilation error") error.kind = ScriptError::Kind::compilation;
+  if (!error_module_) return error;
+  error.name = error_module_->name;
+  error.line = 1;
+  std::size_t line_start = 0;
+  const std::u16string& text = error_module_->text;
+  for (std::size_t i = 0; i < error_offset_ && i < text.size(); ++i) {
+    const bool ends = text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
+    if (!ends) continue;
+    ++error.line;
+    line_start = i + 1;
+  }
+  error.column = error_offset_ - line_start + 1;
+  return error;
+}
+
+}  // namespace zrl::vbs

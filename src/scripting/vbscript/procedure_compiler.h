@@ -1,0 +1,174 @@
+#pragma once
+
+#include <unordered_map>
+#include <vector>
+
+#include "scripting/vbscript/compiler.h"
+
+namespace zrl::vbs {
+
+// What all procedures of one text share while they are compiled.
+struct ModuleCompiler {
+  const CompileContext& context;
+  Ast& ast;
+  Module& module;
+  // Constants that several procedures may use: by type and bits, and by string literal.
+  std::uint32_t constant(const Value& value);
+  std::uint32_t string_constant(std::uint32_t literal);
+  std::uint32_t text_constant(std::u16string_view text);
+  std::uint32_t named_constant(SymbolId canonical, const Value& value);
+
+  std::unordered_map<std::uint64_t, std::uint32_t> numbers;
+  std::vector<std::uint32_t> strings;  // of literals; 0: not yet, else index + 1
+  std::unordered_map<SymbolId, std::uint32_t> named;  // global constants
+};
+
+// The value of a constant's declaration.
+Value constant_value(const Expr& expr, const Ast& ast, Heap& heap);
+
+// Compiles one procedure, or the top level of a text.
+class ProcedureCompiler {
+ public:
+  ProcedureCompiler(ModuleCompiler& shared, const ProcDecl& declaration, Proc& proc, const ClassInfo* own_class,
+                    bool global_level);
+  void compile();
+
+ private:
+  using Register = std::uint16_t;
+
+  // What a name means here.
+  struct Meaning {
+    enum class Kind {
+      local,          // a register that is never a reference
+      variable,       // a register that may be a reference
+      unknown,        // the same; nothing assigns it here, so that it may be a later procedure's name
+      constant,       // index of a constant
+      field,          // of Me
+      own_member,     // another member of the class
+      global,         // slot
+      procedure,
+      class_type,
+      builtin,
+      special,        // Execute and its kin
+      undeclared,     // under Option Explicit, or read only at the top level
+    };
+    Kind kind = Kind::undeclared;
+    std::uint32_t index = 0;
+    Builtins::Kind builtin = Builtins::Kind::none;
+  };
+
+  // Jumps forward wait here for their target.
+  struct Label {
+    std::vector<std::size_t> uses;
+    std::int64_t target = -1;
+  };
+
+  struct Loop {
+    bool is_for = false;
+    Label* exit = nullptr;
+  };
+
+  // Names (compile_names.cpp).
+  void declare_parameters();
+  void declare_variables();
+  void declare_constants();
+  void scan(Block block);
+  void scan(const Stmt& stmt);
+  void scan(const Expr* expr, bool assigned = false);
+  void scan_arguments(std::span<Expr*> arguments);
+  void note_name(SymbolId symbol, bool assigned);
+  void settle_names();
+  Meaning meaning(SymbolId symbol) const;
+  Meaning outside_meaning(SymbolId canonical) const;
+  void add_local(SymbolId symbol, Meaning meaning);
+  Register new_local(SymbolId symbol, Meaning::Kind kind, bool declared);
+
+  // Code.
+  std::size_t emit(Op op, std::uint32_t a = 0, std::uint32_t b = 0, std::uint32_t c = 0);
+  std::size_t emit_wide(Op op, std::uint32_t a, std::int64_t wide);
+  std::size_t emit_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c, std::int64_t extra);
+  void jump(Op op, std::uint32_t a, Label& label);
+  void jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c, Label& label);
+  void bind(Label& label);
+  void place(std::uint32_t offset);
+  Register temp(std::size_t count = 1);
+  void release_to(std::size_t top) { top_ = top; }
+  void holds(std::size_t reg);
+  void take_back(std::size_t reg);
+  void end_statement();
+
+  // Expressions (compile_expressions.cpp).
+  Register operand(const Expr& expr);
+  void into(const Expr& expr, Register target);
+  void load(const Value& value, Register target);
+  void load_constant(std::uint32_t index, Register target);
+  bool literal(const Expr& expr, std::uint32_t& index);
+  bool has_register(const Meaning& known) const;
+  bool scalar_result(const Expr& expr) const;
+  void name_into(const Expr& expr, Register target);
+  void unary_into(Op op, const Expr& expr, Register target);
+  void binary_into(const Expr& expr, Register target);
+  void arithmetic_into(Op op, Op with_constant, const Expr& expr, Register target);
+  void comparison_into(const Expr& expr, Register target);
+  void concat_into(const Expr& expr, Register target);
+  void member_into(const Expr& expr, Register target);
+  void call_into(const Expr& expr, Register target);
+  // Tells the register of the result: `wanted` where that is the last temporary.
+  Register invoke(const Expr& callee, std::span<Expr*> list, std::size_t wanted);
+  void invoke_name(const Expr& callee, std::span<Expr*> list, Register window);
+  void invoke_own_name(const Expr& callee, std::span<Expr*> list, Register window);
+  std::size_t locks_of(std::span<Expr*> list) const;
+  bool indexes_variable(const Expr& expr) const;
+  bool index_into(const Expr& expr, Register target);
+  void arguments(std::span<Expr*> list, bool by_reference);
+  void argument(const Expr& expr, bool by_reference);
+  bool reference_into(const Expr& expr, Register target);
+  void refer_index(const Expr& expr, Register target);
+  Register reference_or_value(const Expr& expr);
+  Register object_of(const Expr& member);
+  void condition(const Expr& expr, Label& unless);
+
+  // Statements (compile_statements.cpp).
+  void block(Block block);
+  void statement(const Stmt& stmt);
+  void call(const Stmt& stmt);
+  void execute(const Stmt& stmt, Builtins::Kind kind);
+  void assign(const Stmt& stmt);
+  void assign_name(const Expr& target, const Expr& value, bool set);
+  bool append_to(const Expr& target, const Expr& value);
+  void assign_call(const Expr& target, const Expr& value, bool set);
+  void assign_member(const Expr& object, SymbolId symbol, std::span<Expr*> arguments, const Expr& value, bool set);
+  bool direct_register(const Expr& target, Register& reg) const;
+  void variable_reference(const Expr& target, Register target_register);
+  void if_statement(const Stmt& stmt);
+  void select(const Stmt& stmt);
+  void do_loop(const Stmt& stmt);
+  void for_loop(const Stmt& stmt);
+  void for_each(const Stmt& stmt);
+  void with(const Stmt& stmt);
+  void exit(const Stmt& stmt);
+  void dim(const Stmt& stmt);
+  void redim(const Stmt& stmt);
+  void erase(const Stmt& stmt);
+
+  ModuleCompiler& shared_;
+  const CompileContext& context_;
+  const ProcDecl& declaration_;
+  Proc& proc_;
+  const ClassInfo* own_class_;
+  const bool global_level_;
+
+  std::unordered_map<SymbolId, Meaning> locals_;  // by canonical symbol
+  std::vector<std::pair<SymbolId, bool>> names_;   // that the body mentions: assigned or only read
+  std::unordered_map<SymbolId, std::size_t> name_index_;
+  std::size_t top_ = 1;   // first free register
+  std::size_t most_ = 1;
+  std::size_t persistent_ = 0;  // registers below outlive the statement
+  std::size_t held_first_ = SIZE_MAX;
+  std::size_t held_end_ = 0;
+  std::vector<Loop> loops_;
+  std::vector<Register> withs_;
+  std::vector<Register> locks_;  // for the arguments that are being compiled
+};
+
+}  // namespace zrl::vbs

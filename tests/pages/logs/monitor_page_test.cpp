@@ -1,0 +1,206 @@
+#include "pages/logs/monitor_page.h"
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/paths.h"
+#include "pages/tools/composer_dialog.h"
+#include "support/shown_page.h"
+
+namespace zrl {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class MonitorPageTest : public testing::Test, public test::ShownPage<MonitorPage> {
+ protected:
+  void archive(std::string_view mid, std::string_view time, std::string_view source,
+               std::string_view subject = "Offer") {
+    const auto database = console.components().create<Database>();
+    ConnectionHandle conn = database->open_database("sqlite:proxy.db");
+    conn->execute(
+        "INSERT INTO marchive (mid,servertime,subject,sender,sdom,sip,returnaddr,mailheader) VALUES ('" +
+        value(mid) + "','" + value(time) + "','" + value(subject) +
+        "','ann@spam.example','spam.example','192.0.2.1','bounce.example','From: ann')");
+    const auto record =
+        conn->open("SELECT * from marchive where mid='" + value(mid) + "'", Connection::Access::updatable);
+    record->set_bytes("email", source);
+    record->update();
+  }
+  std::vector<std::string> mids() { return rows("marchive", "mid"); }
+};
+
+constexpr std::string_view text_mail =
+    "From: Ann <ann@spam.example>\r\nTo: me@here.example\r\nSubject: Hi\r\n\r\nFirst\r\nSecond\r\n";
+constexpr std::string_view html_mail =
+    "From: bob@b.example\r\nContent-Type: text/html\r\n\r\n<p>Buy "
+    "<b>now</b></p><script>alert(1)</script>\r\n";
+
+TEST_F(MonitorPageTest, AnEmptyArchiveShowsNothing) {
+  MonitorPage& page = shown();
+  EXPECT_EQ(page.HScroll1.max(), 0);
+  EXPECT_EQ(page.mid.text(), "");
+  page.savemail.user_click();
+  page.Command5.user_click();
+  page.Command6.user_click();
+  EXPECT_THAT(activity(), IsEmpty());
+  EXPECT_THAT(host.boxes, IsEmpty());
+}
+
+TEST_F(MonitorPageTest, WalksFromTheNewestAndShowsTheBodyAsText) {
+  archive("<old@x>", "20051104120001", html_mail);
+  archive("<new@x>", "20051104120002", text_mail, "=?utf-8?B?R3LDvMOfZQ==?=");
+  archive("<none@x>", "20051104120000", "");
+  MonitorPage& page = shown();
+  EXPECT_EQ(page.HScroll1.max(), 2);
+  EXPECT_EQ(page.mid.text(), "<new@x>");
+  EXPECT_EQ(page.msubject.text(),
+            "Gr\xc3\xbc\xc3\x9f"
+            "e");
+  EXPECT_THAT(page.mailheader.text(), HasSubstr("First"));
+  EXPECT_EQ(page.Label7.caption(), "Textbody");
+  EXPECT_EQ(page.mail.text(), text_mail);
+  page.HScroll1.user_scroll(1);
+  EXPECT_THAT(page.mailheader.text(), testing::StartsWith("Buy now"));
+  EXPECT_THAT(page.mailheader.text(), testing::Not(HasSubstr("alert")));
+  EXPECT_EQ(page.Label7.caption(), "HTMLbody");
+  page.HScroll1.user_scroll(2);
+  EXPECT_EQ(page.mailheader.text(), "From: ann");
+  EXPECT_EQ(page.Label7.caption(), "Message Header");
+  EXPECT_EQ(page.mail.text(), "");
+}
+
+TEST_F(MonitorPageTest, AMailThatIsShownIsNotLoadedAgain) {
+  archive("<a@x>", "20051104120001", text_mail);
+  archive("<b@x>", "20051104120002", text_mail);
+  MonitorPage& page = shown();
+  page.HScroll1.user_scroll(1);
+  page.msubject.user_type("kept");
+  page.Check1.user_click();
+  page.Command1.user_click();
+  EXPECT_EQ(page.msubject.text(), "kept");
+  // A new mail moves the others; with the box ticked the page follows its position.
+  archive("<c@x>", "20051104120003", text_mail);
+  page.Timer1.user_tick();
+  EXPECT_EQ(page.mid.text(), "<b@x>");
+  EXPECT_EQ(page.HScroll1.max(), 2);
+}
+
+TEST_F(MonitorPageTest, AMailIsExportedOnce) {
+  archive("<a@x>", "20051104120001",
+          "Subject: x\r\n\r\nGr\xc3\xbc\xc3\x9f"
+          "e\r\n");
+  MonitorPage& page = shown();
+  page.savemail.user_click();
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].title, "Email Export");
+  const std::string path = rows("marchive", "mpath").at(0);
+  EXPECT_EQ(host.boxes[0].text, "Your Email got exported to " + path);
+  EXPECT_THAT(path, testing::MatchesRegex(".*archive.1[0-9]{5}\\.[0-9]{14}\\.eml"));
+  EXPECT_EQ(read_file(to_file_path(path)), "Subject: x\r\n\r\nGr??e\r\n");
+  page.savemail.user_click();
+  EXPECT_EQ(host.boxes.size(), 1u);
+}
+
+TEST_F(MonitorPageTest, DeletingTakesTheMailThatIsShown) {
+  archive("<a@x>", "20051104120001", text_mail);
+  archive("<b@x>", "20051104120002", text_mail);
+  MonitorPage& page = shown();
+  page.HScroll1.user_scroll(1);
+  archive("<c@x>", "20051104120003", text_mail);
+  page.Timer1.user_tick();
+  page.Command5.user_click();
+  EXPECT_THAT(mids(), ElementsAre("<b@x>", "<c@x>"));
+  EXPECT_EQ(page.mid.text(), "");
+  EXPECT_EQ(page.HScroll1.max(), 1);
+  page.Command5.user_click();
+  EXPECT_THAT(mids(), ElementsAre("<b@x>", "<c@x>"));
+}
+
+TEST_F(MonitorPageTest, AnActionShowsTheListThatItTouched) {
+  const struct {
+    const char* button;
+    const char* write;
+    const char* removal;
+    const char* second;
+  } cases[] = {
+      {"Command2", "add_to_swords Offer", "DELETE FROM swords where entry='w'",
+       "DELETE FROM swords where entry='*@w'"},
+      {"Command3", "add_to_blackhost 192.0.2.1", "DELETE FROM Blackhost where IPNumber='w'",
+       "DELETE FROM Blackhost where IPNumber='*@w'"},
+      {"Command8", "add_to_whitehost 192.0.2.1", "DELETE FROM Whitehost where IPNumber='w'",
+       "DELETE FROM Whitehost where IPNumber='*@w'"},
+      {"Command4", "add_to_blackdomain spam.example", "DELETE FROM blacklist where entry='w'",
+       "DELETE FROM blacklist where entry='*@w'"},
+      {"Command9", "add_to_blackdomain bounce.example", "DELETE FROM blacklist where entry='w'",
+       "DELETE FROM blacklist where entry='*@w'"},
+      {"Command7", "add_to_whitedomain spam.example", "DELETE FROM whitelist where entry='w'",
+       "DELETE FROM whitelist where entry='*@w'"},
+  };
+  archive("<a@x>", "20051104120001", text_mail);
+  set_option("checkmail", 1);
+  MonitorPage& page = shown();
+  for (const auto& [button, write, removal, second] : cases) {
+    forget_activity();
+    page.find(button)->user_click();
+    EXPECT_FALSE(page.List1.items().empty()) << button;
+    page.wert.user_type("w");
+    page.Command6.user_click();
+    EXPECT_THAT(activity(), ElementsAre(write, removal, second));
+  }
+  forget_activity();
+  page.blacklistsender.user_click();
+  EXPECT_THAT(items(page.List1), ElementsAre("ann@spam.example"));
+  page.Command10.user_click();
+  page.List1.user_choose(0);
+  EXPECT_EQ(page.wert.text(), "ann@spam.example");
+  page.Command6.user_click();
+  EXPECT_THAT(activity(), ElementsAre("DELETE FROM whitemail where entry='ann@spam.example'",
+                                      "INSERT INTO blackmail (entry) VALUES ('ann@spam.example')",
+                                      "DELETE FROM blackmail where entry='ann@spam.example'",
+                                      "INSERT INTO whitemail (entry) VALUES ('ann@spam.example')",
+                                      "DELETE FROM whitemail where entry='ann@spam.example'"));
+}
+
+TEST_F(MonitorPageTest, DomainListsShowEntriesWithoutTheirMark) {
+  insert("blacklist", "entry", {"*@marked.example", "@single.example", "", "plain.example"});
+  archive("<a@x>", "20051104120001", text_mail);
+  MonitorPage& page = shown();
+  page.Command4.user_click();
+  EXPECT_THAT(items(page.List1),
+              ElementsAre("marked.example", "@single.example", "plain.example", "spam.example"));
+}
+
+TEST_F(MonitorPageTest, ShowingReadsItsOptionsAndPreparesTheDatabaseOnce) {
+  set_option("consolerefresh", 5000);
+  set_string("addbytes", "123456789012");
+  console.settings().regwrite_string(console.settings().path_of("prepdb"), "1");
+  MonitorPage& page = shown();
+  EXPECT_EQ(page.Timer1.interval(), 5000);
+  EXPECT_EQ(registry("prepdb"), "0");
+  EXPECT_FALSE(page.blacklistsender.enabled());
+  EXPECT_FALSE(page.Command10.enabled());
+  EXPECT_EQ(page.Label12.caption(), "123456789012");
+}
+
+TEST_F(MonitorPageTest, AReplyQuotesTheMailAndMarksTheSubjectOnce) {
+  archive("<a@x>", "20051104120001", text_mail);
+  set_string("forwardaddress", "mail.here.example");
+  MonitorPage& page = shown();
+  std::vector<std::string> fields;
+  host.on_show = [&](Form& dialog) {
+    for (const char* name : {"recipient", "subject", "textbody", "server"}) {
+      fields.emplace_back(std::get<std::string_view>(dialog.find(name)->get(Property::text)));
+    }
+  };
+  page.Command11.user_click();
+  EXPECT_THAT(fields, ElementsAre(HasSubstr("ann@spam.example"), "Re: Hi", HasSubstr("> First\n> Second"),
+                                  "mail.here.example"));
+}
+
+}  // namespace
+}  // namespace zrl
