@@ -62,7 +62,6 @@ DownloaderSettings downloader_settings(Console& console) {
 }
 
 // The system's look-up knows nothing of the servers that ZRL_RESOLV_CONF names; the console's does.
-std::vector<std::string> mail_server_addresses(Console& console, const std::string& host) {
 std::vector<std::string> addresses_where_servers_are_named(Console& console, const std::string& host) {
   in6_addr bytes;
   const bool is_address = host.starts_with('[') || ::inet_pton(AF_INET, host.c_str(), &bytes) == 1 ||
@@ -73,15 +72,6 @@ std::vector<std::string> addresses_where_servers_are_named(Console& console, con
   const std::string address = host_address(sockets, host, problem);
   if (address.empty()) throw Error(sockets.last_error(), "no address was found for " + host);
   return {address};
-}
-
-MailSettings mail_settings(Console& console) {
-  MailSettings settings;
-  settings.wait = [&console](std::chrono::milliseconds time) { console.host().wait(time); };
-  settings.find_addresses = [&console](const std::string& host) {
-    return mail_server_addresses(console, host);
-  };
-  return settings;
 }
 
 }  // namespace
@@ -112,7 +102,15 @@ void register_components(Console& console) {
                             [&resolver] { return ready(resolver).dns_timeout(); },
                             [&host](std::chrono::milliseconds time) { host.wait(time); }});
   });
-  components.add<MailMessage>([&console] { return make_mail_message(mail_settings(console)); });
+
+  components.add<MailMessage>([&console] {
+    return make_mail_message({
+        .wait = [&console](std::chrono::milliseconds time) { console.host().wait(time); },
+        .find_addresses =
+            [&console](const std::string& host) { return addresses_where_servers_are_named(console, host); },
+        .limits = {},
+    });
+  });
 }
 
 }  // namespace zrl
