@@ -63,6 +63,7 @@ export interface Control {
   items?: Items
   index?: number
   multiLine?: boolean
+  counts?: boolean
   fixedPitch?: boolean
   secret?: boolean
   placeholder?: string

@@ -42,6 +42,7 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
     object["multiLine"] = style.multi_line;
     object["fixedPitch"] = style.fixed_pitch;
     object["secret"] = style.secret;
+    if (style.counts) object["counts"] = true;
     add_placeholder(style.placeholder);
   } else if (control.kind() == ControlKind::combo_box) {
     const ComboBox::Style& style = static_cast<const ComboBox&>(control).style();

@@ -25,7 +25,7 @@ Digits significant_digits(double number, int count) {
   }
   std::from_chars(next + (next[1] == '+' ? 2 : 1), buffer + sizeof buffer, result.exponent);
   result.digits.erase(result.digits.find_last_not_of('0') + 1);
-  if (result.digits.empty()) result.digits = "0", result.exponent = 0;
+  if (result.digits.empty()) return {std::string(1, '0'), 0};
   return result;
 }
 

@@ -1,6 +1,7 @@
 import { useLayoutEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
+import { CountsChart } from './counts-chart'
 import { Field, naming } from './field'
 
 /** Sets the text of an input only when it differs, and leaves the caret where it stood. */
@@ -43,6 +44,7 @@ export function TextField({ control }: { control: ControlModel }) {
   const fixed = shown.fixedPitch ? ' fixed-pitch' : ''
   return (
     <Field control={control} shown={shown} class={shown.multiLine ? 'text-area' : 'text-field'} labelFor={control.id}>
+      {shown.counts && <CountsChart report={text} name={control.form.labelOf(shown)} />}
       {shown.multiLine ? (
         <textarea ref={area} class={`input${fixed}`} rows={6} wrap={shown.fixedPitch ? 'off' : 'soft'} {...common} />
       ) : (
