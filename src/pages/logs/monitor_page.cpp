@@ -274,10 +274,21 @@ void MonitorPage::export_mail(RecordSet& record) {
   });
 }
 
-void MonitorPage::reply() {
+// From its source as it is stored: the field on the page holds valid characters only.
+Mail MonitorPage::read_shown_mail() {
   Mail parsed;
   const auto message = component<MailMessage>();
-  if (message) parsed = message->parse(mail.text());
+  if (!message || !shown_) return parsed;
+  const std::string key = std::to_string(shown_key_);
+  const auto record = open("SELECT * FROM marchive where ID=" + number(key), Connection::Access::read_only);
+  console().attempt(ActivityRecord::Kind::sql, "marchive", Console::Step::read, [&] {
+    if (record && !record->at_end()) parsed = message->parse(record->bytes("email"));
+  });
+  return parsed;
+}
+
+void MonitorPage::reply() {
+  Mail parsed = read_shown_mail();
   std::string text = parsed.text_body;
   if (text.empty() && !parsed.html_body.empty()) text = console().html_text().html_to_text(parsed.html_body);
   if (parsed.sender.empty() && text.empty()) {

@@ -114,6 +114,7 @@ class MonitorPage : public Page {
   void delete_mail();
   void save_mail();
   void export_mail(RecordSet& record);
+  Mail read_shown_mail();
   void reply();
 
   std::unique_ptr<RecordSet> archive_;
