@@ -15,8 +15,8 @@
 #include "pages/logs/avlog_page.h"
 #include "pages/logs/iplog_page.h"
 #include "pages/logs/keywordlog_page.h"
-#include "pages/logs/predatalog_page.h"
 #include "pages/logs/monitor_page.h"
+#include "pages/logs/predatalog_page.h"
 #include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
 

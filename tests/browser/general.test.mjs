@@ -65,7 +65,7 @@ test('what another console wrote is there on the next showing', async () => {
 
 test('the activity drawer tells what was written and what failed', async () => {
   await page.getByRole('button', { name: 'Update all lists' }).click()
-  await page.getByText('zrlautoupdate.downloader').first().waitFor()
+  await page.getByText('updateall').first().waitFor()
   await page.getByRole('button', { name: 'Activity' }).click()
   const record = page.getByRole('listbox', { name: 'Activity' })
   await record.getByText('delete entry blackmail').waitFor()

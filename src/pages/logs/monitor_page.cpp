@@ -65,11 +65,12 @@ MonitorPage::MonitorPage(Console& console) : Page(console, "monitor", "Mail arch
   Command11.on_click = [this] { busy(Command11, [this] { reply(); }); };
 
   set_layout(column({
-      row({grow(HScroll1), Command1, Check1}),
+      grow(HScroll1),
+      row({Command1, Check1}),
       frame(Frame1, column({
                         row({grow(msubject), grow(mid)}),
                         row({grow(sender), grow(sdom), grow(returnaddr), grow(sip)}),
-                        row({grow(column({row({grow(tstamp), grow(otstamp)}), mailheader})),
+                        row({grow(column({row({grow(tstamp), grow(otstamp)}), grow(mailheader)})),
                              grow(column({envelope, mail}))}),
                         row({savemail, Command11, Command5}),
                     })),
