@@ -10,6 +10,8 @@ import { fileURLToPath } from 'node:url'
 const top = fileURLToPath(new URL('../../', import.meta.url))
 const { chromium } = createRequire(join(top, 'web/package.json'))('playwright-core')
 const program = join(top, 'build/release/tests/zrlconsole_with_test_page')
+/** A program of the build's tests. */
+export const built = name => join(top, 'build/release/tests', name)
 const pictures = join(top, 'build/screenshots')
 
 export const account = 'admin'

@@ -1,0 +1,96 @@
+// An administrator reads the logs and the archive, and acts on what is there.
+import assert from 'node:assert/strict'
+import { spawn } from 'node:child_process'
+import { existsSync, mkdtempSync, readFileSync } from 'node:fs'
+import { tmpdir } from 'node:os'
+import { join } from 'node:path'
+import { after, before, test } from 'node:test'
+import { Browser, Console, built, openPage, picture, setUp } from './console.mjs'
+
+let console
+let browser
+let page
+
+before(async () => {
+  console = await Console.start({ sample: true })
+  browser = await Browser.start()
+  page = await browser.open(console)
+  await setUp(page, console)
+})
+
+after(async () => {
+  await browser?.end()
+  await console?.end()
+})
+
+test('an address is picked from the log and black-listed', async () => {
+  await openPage(page, 'IP log', 'iplog')
+  const log = page.getByRole('listbox', { name: 'Logged addresses' })
+  await log.focus()
+  await page.keyboard.press('ArrowUp')
+  const field = page.getByLabel('IP number', { exact: true })
+  await page.waitForFunction(() => document.querySelector('[data-control$="-IPNumber"] input').value !== '')
+  const address = await field.inputValue()
+  await page.getByRole('group', { name: 'IP Lists' }).getByRole('button', { name: 'Add to Blacklist' }).click()
+  await console.becomes(`select count(*) from Blackhost where IPNumber='${address}'`, '1')
+  await console.becomes(`select count(*) from iplog where IPNumber='${address}' and status<>2`, '0')
+  await console.becomes(`select count(*) from predatalog where IPNumber='${address}' and status<>2`, '0')
+})
+
+test('arrow keys walk the keyword log, and the fields follow', async () => {
+  await openPage(page, 'Keyword log', 'keywordlog')
+  const log = page.getByRole('listbox', { name: 'Rejected or marked messages' })
+  await log.focus()
+  await page.keyboard.press('Home')
+  const newest = console.sql('select keyword from subjectlog order by servertime desc limit 1')
+  await page.waitForFunction(text => document.querySelector('[data-control$="-keyw"] input').value === text, newest)
+})
+
+test('the statistics show the same numbers as bars and as text', async () => {
+  await openPage(page, 'Statistics', 'stati')
+  const total = console.sql('select count(*) from iplog')
+  const bars = page.getByRole('list', { name: 'Report' })
+  await bars.getByText('total incoming connections').waitFor()
+  assert.equal(await bars.locator('.count-number').first().textContent(), total)
+  assert.match(await page.getByRole('textbox', { name: 'Report' }).inputValue(), new RegExp(`^${total} total`))
+})
+
+test('a mail is read, exported, and answered to a mail server', async () => {
+  const folder = mkdtempSync(join(tmpdir(), 'zrl-sink-'))
+  const mails = join(folder, 'mails')
+  const sink = spawn(built('smtp_sink'), [mails])
+  const port = await new Promise(resolve => sink.stdout.once('data', data => resolve(/\d+/.exec(String(data))[0])))
+  console.sql(`insert into marchive (mid,subject,sender,servertime,email) values ('<reading@test>',
+    '=?utf-8?B?R3LDvMOfZQ==?=', 'ann@spam.example', '2099-01-01 00:00:00',
+    'From: Ann <ann@spam.example>' || char(13,10) || 'Subject: =?utf-8?B?R3LDvMOfZQ==?=' || char(13,10) ||
+    'Content-Type: text/html; charset=utf-8' || char(13,10,13,10) ||
+    '<p>Buy <b>now</b></p><script>alert(1)</script>' || char(13,10))`)
+  console.sql("insert or replace into konf (ID,value) values ('forwardaddress','127.0.0.1')")
+  console.sql(`insert or replace into konf (ID,value) values ('forwardport','${port}')`)
+  await openPage(page, 'Mail archive', 'monitor')
+  const subject = page.getByLabel('Subject', { exact: true })
+  await page.waitForFunction(() => document.querySelector('[data-control$="-msubject"] input').value === 'Grüße')
+  const body = page.getByRole('textbox', { name: 'HTMLbody' })
+  assert.match(await body.inputValue(), /^Buy now\s*$/)
+  await picture(page, 'archive')
+
+  await page.getByRole('button', { name: 'save Mail' }).click()
+  const box = page.getByRole('alertdialog', { name: 'Email Export' })
+  await box.waitFor()
+  const path = /exported to (.*)$/.exec((await box.textContent()).replace(/OK$/, ''))[1].trim().replaceAll('\\', '/')
+  assert.ok(existsSync(path), path)
+  await box.getByRole('button', { name: 'OK' }).click()
+
+  await page.getByRole('button', { name: 'reply Mail' }).click()
+  const composer = page.getByRole('dialog').filter({ has: page.getByLabel('Recipient') })
+  await composer.waitFor()
+  await picture(page, 'composer')
+  assert.equal(await composer.getByLabel('Subject', { exact: true }).inputValue(), 'Re: Grüße')
+  await composer.getByLabel('Sender', { exact: true }).fill('admin@here.example')
+  await composer.getByRole('button', { name: 'Send', exact: true }).click()
+  for (let i = 0; i < 100 && !existsSync(mails); ++i) await page.waitForTimeout(50)
+  assert.match(readFileSync(mails, 'utf8'), /ann@spam\.example/)
+  await composer.getByRole('button', { name: 'Cancel' }).click()
+  sink.stdin.end()
+  sink.kill()
+})
