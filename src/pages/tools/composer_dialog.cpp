@@ -24,11 +24,10 @@ ComposerDialog::ComposerDialog(Console& console)
   send.on_click = [this] { click_send(); };
   cancel.on_click = [this] { close(); };
   set_layout(column({
-      sender,
-      recipient,
+      row({grow(sender), grow(recipient)}),
       subject,
       grow(textbody),
-      grow(htmlbody),
+      htmlbody,
       frame(Frame1, row({grow(server), port})),
       row({send, cancel}),
       status,
