@@ -336,12 +336,18 @@ bool ProcedureCompiler::index_into(const Expr& expr, Register target) {
 bool ProcedureCompiler::indexes_variable(const Expr& expr) const {
   if (expr.kind != ExprKind::call || expr.left->kind != ExprKind::name) return false;
   const Meaning known = meaning(expr.left->symbol);
-  if (known.kind == Meaning::Kind::local) {
-    const bool own_name = known.index == 0;
-    return !own_name;
-  }
-  return known.kind == Meaning::Kind::variable || known.kind == Meaning::Kind::global ||
+  if (is_own_name(known, expr.left->symbol)) return false;
+  return known.kind == Meaning::Kind::local || known.kind == Meaning::Kind::variable || known.kind == Meaning::Kind::global ||
          known.kind == Meaning::Kind::field;
+}
+
+// The name of the procedure itself is its result, but with arguments it is a call.
+bool ProcedureCompiler::is_own_name(const Meaning& known, SymbolId symbol) const {
+  if (proc_.executed) {
+    const SymbolId outer = context_.symbols.canonical(context_.outer->symbol);
+    return known.kind == Meaning::Kind::variable && outer == context_.symbols.canonical(symbol);
+  }
+  return known.kind == Meaning::Kind::local && known.index == 0;
 }
 
 std::size_t ProcedureCompiler::locks_of(std::span<Expr*> list) const {
@@ -357,15 +363,18 @@ ProcedureCompiler::Register ProcedureCompiler::invoke(const Expr& callee, std::s
   const std::size_t locks = locks_of(list);
   const std::size_t outer_locks = locks_.size();
   for (std::size_t i = 0; i < locks; ++i) locks_.push_back(temp());
-  const Register window = locks == 0 && wanted + 1 == top_ ? static_cast<Register>(wanted) : temp();
+  const bool in_place = locks == 0 && wanted != SIZE_MAX && wanted + 1 == top_;
+  const Register window = in_place ? static_cast<Register>(wanted) : temp();
   if (callee.kind == ExprKind::name) {
     invoke_name(callee, list, window);
   } else if (callee.kind == ExprKind::member) {
-    const Register object = object_of(callee);
-    if (object != window) emit(Op::refer, window, object);
+    // The object itself, not the variable: that may change while the arguments are evaluated.
+    if (callee.left) {
+      into(*callee.left, window);
+    } else {
+      emit(Op::copy, window, object_of(callee));
+    }
     release_to(window + std::size_t{1});
-    // The object in place: what it refers to may go away while the arguments are evaluated.
-    emit(Op::copy, window, window);
     arguments(list, true);
     emit_extended(Op::call_member, window, static_cast<std::uint32_t>(list.size()), 0, callee.symbol);
   } else {
@@ -412,9 +421,9 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
       }
       return;
     case Meaning::Kind::local:
-      if (known.index == 0) return invoke_own_name(callee, list, window);
-      [[fallthrough]];
     case Meaning::Kind::variable:
+      if (is_own_name(known, callee.symbol)) return invoke_own_name(callee, list, window);
+      [[fallthrough]];
     case Meaning::Kind::global:
     case Meaning::Kind::field:
       reference_into(callee, window);
@@ -476,6 +485,10 @@ bool ProcedureCompiler::reference_into(const Expr& expr, Register target) {
     case Meaning::Kind::field:
       emit(Op::refer_field, target, known.index);
       return true;
+    case Meaning::Kind::unknown:
+      emit_extended(Op::refer_name_or_get, target, known.index, 0, expr.symbol);
+      holds(target);
+      return true;
     default:
       return false;
   }
@@ -529,7 +542,7 @@ void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
   if (!comparison) {
     const Register value = operand(expr);
     if (held_first_ < held_end_) {
-      const Register result = temp();
+      const Register result = temp_behind_held();
       emit(Op::test, result, value);
       end_statement();
       jump(Op::jump_false, result, unless);
@@ -549,7 +562,7 @@ void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
   const Register a = operand(*left);
   const Register b = with_constant ? static_cast<Register>(index) : operand(*right);
   if (held_first_ < held_end_) {
-    const Register result = temp();
+    const Register result = temp_behind_held();
     emit(offset_op(with_constant ? Op::equal_k : Op::equal, op), result, a, b);
     end_statement();
     jump(Op::jump_false, result, unless);

@@ -101,6 +101,12 @@ void ProcedureCompiler::take_back(std::size_t reg) {
   if (held_first_ == reg && held_end_ == reg + 1) held_first_ = SIZE_MAX, held_end_ = 0;
 }
 
+// A temporary that the clearing of held ones leaves alone.
+ProcedureCompiler::Register ProcedureCompiler::temp_behind_held() {
+  top_ = std::max(top_, held_end_);
+  return temp();
+}
+
 void ProcedureCompiler::end_statement() {
   if (held_first_ < held_end_) {
     emit(Op::clear, static_cast<std::uint32_t>(held_first_), static_cast<std::uint32_t>(held_end_ - held_first_));
@@ -406,11 +412,11 @@ void ProcedureCompiler::select(const Stmt& stmt) {
         to_patch.push_back(proc_.places.size());
         place(branch.tests[i]->offset);
         const std::size_t top = top_;
-        const Register result = temp();
         std::uint32_t index = 0;
         const bool test_literal = literal(*branch.tests[i], index);
         const Register test = test_literal && !value_literal && index <= 0xffff ? static_cast<Register>(0)
                                                                                 : operand(*branch.tests[i]);
+        const Register result = temp_behind_held();
         if (test_literal && value_literal) {
           emit_extended(Op::compare_literals, result, value, test, static_cast<std::int64_t>(Operator::equal));
         } else if (test_literal && index <= 0xffff) {

@@ -566,6 +566,19 @@ op_get_name:
   SAVE();
   get_unresolved(R[pc->a], pc->b, static_cast<SymbolId>(pc[1].wide()));
   SETTLE(2);
+op_refer_name_or_get : {
+  SAVE();
+  const auto symbol = static_cast<SymbolId>(pc[1].wide());
+  Value& variable = R[pc->b].get();
+  const GlobalName* name = globals_.find(symbols_.canonical(symbol));
+  const bool other = name && name->kind != GlobalName::Kind::undefined && name->kind != GlobalName::Kind::variable;
+  if (other && variable.is(Type::empty)) {
+    get_unresolved(R[pc->a], pc->b, symbol);
+  } else {
+    R[pc->a] = Value::reference_to(&variable);
+  }
+  SETTLE(2);
+}
 op_refer_name : {
   SAVE();
   const auto symbol = static_cast<SymbolId>(pc[1].wide());

@@ -188,7 +188,8 @@ void Machine::call_builtin(Value* window, std::size_t count, std::uint32_t index
   try {
     window[0] = builtin.function(*this, Arguments(window + 1, count));
   } catch (Failure& failure) {
-    if (failure.subject.empty() && !failure.final) failure.subject = ascii(builtin.name);
+    const bool names_value = !failure.subject.empty() && failure.subject[0] == u'[';
+    if ((failure.subject.empty() || names_value) && !failure.final) failure.subject = ascii(builtin.name);
     throw;
   }
   for (std::size_t i = 1; i <= count; ++i) window[i].clear();

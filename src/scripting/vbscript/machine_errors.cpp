@@ -79,7 +79,7 @@ void Machine::shut_down() {
   err_object_.clear();
   wscript_object_.clear();
   // Whatever the terminators did, everything goes now, and no script runs any more.
-  while (true) {
+  for (int round = 0; round < 8; ++round) {
     left.clear();
     for (Object* object = memory_.first_object(); object; object = object->next) {
       if (auto* instance = dynamic_cast<Instance*>(object)) instance->mark_terminated();
@@ -96,6 +96,8 @@ void Machine::shut_down() {
 void Machine::start_clock() {
   deadline_ = std::chrono::steady_clock::now() + limits_.call_time;
   countdown_ = instructions_between_checks;
+  place_noted_ = false;
+  error_module_ = nullptr;
 }
 
 void Machine::check_time() {

@@ -25,7 +25,7 @@ Digits significant_digits(double number, int count) {
   }
   std::from_chars(next + (next[1] == '+' ? 2 : 1), buffer + sizeof buffer, result.exponent);
   result.digits.erase(result.digits.find_last_not_of('0') + 1);
-  if (result.digits.empty()) result.digits = "0", result.exponent = 0;
+  if (result.digits.empty()) result.digits.assign(1, '0'), result.exponent = 0;
   return result;
 }
 
@@ -64,7 +64,9 @@ std::u16string number_text(double number, int digits, const Locale& locale) {
   const bool plain = significant.exponent < digits && (significant.exponent >= 0 || decimals <= digits);
   const std::u16string text =
       plain ? positional(significant, locale.decimal) : scientific(significant, locale.decimal);
-  return number < 0 ? u"-" + text : text;
+  if (number >= 0) return text;
+  std::u16string negative(1, u'-');
+  return negative.append(text);
 }
 
 std::u16string single_text(double number, const Locale& locale) {
