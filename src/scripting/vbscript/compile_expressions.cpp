@@ -394,7 +394,7 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
   switch (known.kind) {
     case Meaning::Kind::procedure:
       arguments(list, true);
-      emit_extended(Op::call, window, count, 0, callee.symbol);
+      emit_extended(Op::call, window, count, 0, context_.symbols.canonical(callee.symbol));
       return;
     case Meaning::Kind::own_member:
       return invoke_own_name(callee, list, window);
@@ -449,7 +449,8 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
 void ProcedureCompiler::invoke_own_name(const Expr& callee, std::span<Expr*> list, Register window) {
   const auto count = static_cast<std::uint32_t>(list.size());
   arguments(list, true);
-  emit_extended(own_class_ ? Op::call_own : Op::call, window, count, 0, callee.symbol);
+  const SymbolId symbol = own_class_ ? callee.symbol : context_.symbols.canonical(callee.symbol);
+  emit_extended(own_class_ ? Op::call_own : Op::call, window, count, 0, symbol);
 }
 
 // Arguments into the registers that follow.

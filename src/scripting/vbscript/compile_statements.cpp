@@ -37,6 +37,7 @@ void ProcedureCompiler::compile() {
   place(declaration_.end_offset);
   emit(Op::finish);
   proc_.registers = static_cast<std::uint32_t>(most_ + 1);
+  proc_.plain = !proc_.any_by_value && proc_.implicit.empty() && !proc_.global_frame && !proc_.executed;
   if (global_level_ && most_ + 1 > Globals::most) throw CompileFailure{1001, 0};
   if (most_ >= no_register) throw CompileFailure{1001, 0};
 }
@@ -256,6 +257,11 @@ void ProcedureCompiler::assign_name(const Expr& target, const Expr& value, bool 
   Register reg = 0;
   const bool direct = direct_register(target, reg);
   if (direct && !set && scalar_result(value)) return into(value, reg);
+  if (!set && value.kind == ExprKind::name && has_register(meaning(value.symbol)) &&
+      (direct || known.kind == Kind::variable)) {
+    emit(Op::let, direct ? reg : known.index, meaning(value.symbol).index);
+    return;
+  }
   if (known.kind == Kind::own_member) {
     // A property of the class itself.
     const Register window = temp(2);

@@ -166,6 +166,11 @@ op_take:
   R[pc->a] = std::move(R[pc->b]);
   NEXT(1);
 op_let:
+  if (static_cast<int>(R[pc->a].type()) < static_cast<int>(Type::reference) &&
+      static_cast<int>(R[pc->b].type()) < static_cast<int>(Type::reference)) {
+    R[pc->a] = Value(R[pc->b]);
+    NEXT(1);
+  }
   SAVE();
   let(R[pc->a], R[pc->b]);
   SETTLE(1);
@@ -546,14 +551,42 @@ op_put_index:
   put_index(R + pc->a, pc->b, pc->c != 0);
   SETTLE(1);
 
-op_call:
+op_call : {
   if (--countdown_ < 0) {
     SAVE();
     count_down();
   }
+  const auto symbol = static_cast<SymbolId>(pc[1].wide());
+  const GlobalName& name = globals_.known(symbol);
+  const Proc* proc = name.procedure;
+  Value* const base = R + pc->a;
+  // A plain procedure, called from one: its registers begin at the window.
+  if (name.kind == GlobalName::Kind::procedure && proc->plain && proc->parameters == pc->b &&
+      !f->proc->global_frame && depth_ + 1 < limits_.call_depth &&
+      stack_end_ - base >= static_cast<std::ptrdiff_t>(proc->registers)) {
+    base[0].clear();
+    Value* const locals_end = base + proc->first_temp;
+    for (Value* value = base + pc->b + 1; value < locals_end; ++value) value->clear();
+    f->pc = pc + 2;
+    f = &frames_[++depth_];
+    f->proc = proc;
+    f->base = base;
+    f->top = base + proc->registers;
+    f->me = nullptr;
+    f->result = nullptr;
+    f->extra = nullptr;
+    f->owned = nullptr;
+    f->resume_next = f->discard = f->termination = f->entry = false;
+    f->plain = true;
+    pc = proc->code.data();
+    R = base;
+    K = proc->constants;
+    DISPATCH();
+  }
   SAVE();
-  call_symbol(R + pc->a, pc->b, static_cast<SymbolId>(pc[1].wide()));
+  call_symbol(base, pc->b, symbol);
   SETTLE(2);
+}
 op_call_builtin:
   SAVE();
   call_builtin(R + pc->a, pc->b, static_cast<std::uint32_t>(pc[1].wide()));
@@ -622,6 +655,16 @@ op_new_object:
   new_instance(R[pc->a], static_cast<SymbolId>(pc[1].wide()));
   SETTLE(2);
 op_finish:
+  if (f->plain) {
+    Value* const end = R + f->proc->registers;
+    for (Value* value = R + 1; value < end; ++value) {
+      if (static_cast<int>(value->type()) >= first_counted) value->clear();
+    }
+    --depth_;
+    if (memory_.has_terminations()) run_terminations();
+    RELOAD();
+    DISPATCH();
+  }
   SAVE();
   if (finish()) return;
   if (memory_.has_terminations()) run_terminations();

@@ -39,6 +39,7 @@ struct Frame {
   bool discard = false;        // nobody wants the result
   bool termination = false;    // a Class_Terminate: its errors end with it
   bool entry = false;          // returns to C++
+  bool plain = false;          // nothing is to be done at its end but to drop its registers
 };
 
 // What scripts see as Err.

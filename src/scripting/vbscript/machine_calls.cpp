@@ -39,7 +39,7 @@ Frame& Machine::push(const Proc& proc, Value* window, std::size_t count, Instanc
   next.result = result;
   next.extra = nullptr;
   next.owned = nullptr;
-  next.resume_next = next.discard = next.termination = next.entry = false;
+  next.resume_next = next.discard = next.termination = next.entry = next.plain = false;
   if (me) ++me->references;
   if (!proc.implicit.empty()) bind_names(next);
   return next;
@@ -357,6 +357,7 @@ Value* Machine::find_outer(Frame& owner, const Binding& binding) {
     if (name && name->kind == GlobalName::Kind::variable) return &globals_.values()[name->slot];
   }
   if (!owner.extra) owner.extra = new ExtraScope;
+  owner.plain = false;
   ExtraScope& extra = *owner.extra;
   extra.bindings.push_back({binding.symbol, static_cast<std::uint16_t>(extra.values.size()), true});
   extra.values.push_back(std::make_unique<Value>());
