@@ -400,7 +400,7 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
       return invoke_own_name(callee, list, window);
     case Meaning::Kind::builtin: {
       const Builtin& builtin = context_.builtins.function(known.index);
-      const bool fits = list.size() >= builtin.least && list.size() <= builtin.most;
+      const bool fits = list.size() >= builtin.least && (list.size() <= builtin.most || builtin.most == any_number);
       arguments(list, false);
       if (fits) {
         emit_extended(Op::call_builtin, window, count, 0, known.index);

@@ -65,6 +65,8 @@ class Machine final : public Context {
   void run_main(const Module& module);
   const Proc* find_procedure(std::u16string_view name) const;
   Value call(const Proc& proc, std::span<const Value> arguments);
+  // Runs the Class_Terminate of objects that nobody refers to any more; nothing else may run.
+  void settle();
   // Ends all objects; nothing may run.
   void shut_down();
 

@@ -29,7 +29,7 @@ Value use_member(Machine& machine, NativeObject& object, std::u16string_view low
   const bool writes = use != Use::get;
   if (!member || (writes && !member->writable)) raise(error::no_such_member, std::u16string(shown_name));
   const std::size_t count = arguments.size() - (writes ? 1 : 0);
-  if (count < member->least || count > member->most) {
+  if (count < member->least || (count > member->most && member->most != any_number)) {
     raise(error::argument_count, std::u16string(shown_name));
   }
   return member->function(machine, object, use, arguments);
