@@ -542,7 +542,10 @@ void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
   const bool comparison = is_comparison(expr) && !(literal(*expr.left, index) && literal(*expr.right, other));
   if (!comparison) {
     const Register value = operand(expr);
-    if (held_first_ < held_end_) {
+    if (held_first_ == value && held_end_ == value + std::size_t{1}) {
+      take_back(value);
+      jump(Op::jump_false_taken, value, unless);
+    } else if (held_first_ < held_end_) {
       const Register result = temp_behind_held();
       emit(Op::test, result, value);
       end_statement();
@@ -562,13 +565,24 @@ void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
   const bool with_constant = literal(*right, index) && index <= widest_operand;
   const Register a = operand(*left);
   const Register b = with_constant ? static_cast<Register>(index) : operand(*right);
+  // Operands that may hold an object are cleared by the comparison itself, where nothing else is held.
+  std::uint32_t clears = 0;
+  if (held_first_ < held_end_) {
+    if (a >= held_first_ && a < held_end_) clears |= 1;
+    if (!with_constant && b >= held_first_ && b < held_end_) clears |= 2;
+    const std::size_t cleared = clears == 3 ? 2 : clears == 0 ? 0 : 1;
+    if (cleared == held_end_ - held_first_) {
+      held_first_ = SIZE_MAX;
+      held_end_ = 0;
+    }
+  }
   if (held_first_ < held_end_) {
     const Register result = temp_behind_held();
     emit(offset_op(with_constant ? Op::equal_k : Op::equal, op), result, a, b);
     end_statement();
     jump(Op::jump_false, result, unless);
   } else {
-    jump_extended(offset_op(with_constant ? Op::unless_equal_k : Op::unless_equal, op), a, b, 0, unless);
+    jump_extended(offset_op(with_constant ? Op::unless_equal_k : Op::unless_equal, op), a, b, clears, unless);
   }
   release_to(top);
 }

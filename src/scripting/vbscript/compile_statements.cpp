@@ -313,6 +313,12 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
   const bool of_variable = indexes_variable(target);
   if (of_variable && !set && target.arguments.size() == 1 && target.arguments[0]->kind != ExprKind::missing) {
     const Register array = reference_or_value(callee);
+    std::uint32_t constant = 0;
+    if (literal(value, constant) && constant <= 0xffff) {
+      const Register index = operand(*target.arguments[0]);
+      emit(Op::let_index_k, array, index, constant);
+      return;
+    }
     const Register from = operand(value);
     const Register index = operand(*target.arguments[0]);
     emit(Op::let_index, array, index, from);

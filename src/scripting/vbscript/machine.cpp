@@ -412,6 +412,27 @@ op_loop:
   CONDITIONAL(jump_true, true)
   CONDITIONAL(jump_false, false)
 
+op_jump_false_taken : {
+  Value& x = R[pc->a];
+  bool truth = false;
+  if (x.is(Type::boolean)) {
+    truth = x.i() != 0;
+  } else {
+    SAVE();
+    truth = to_condition(*this, x);
+    x.clear();
+  }
+  const Instr* const next = truth ? pc + 1 : f->proc->code.data() + pc->wide();
+  if (memory_.has_terminations()) {
+    f->pc = next;
+    run_terminations();
+    RELOAD();
+    DISPATCH();
+  }
+  pc = next;
+  DISPATCH();
+}
+
 #define UNLESS(name, right, sign, operation, right_literal)                                         \
   op_##name : {                                                                                     \
     const Value& x = R[pc->a];                                                                      \
@@ -426,6 +447,16 @@ op_loop:
       SAVE();                                                                                       \
       const int order = compare(*this, x, y, Literals{false, right_literal});                       \
       truth = order != unordered && holds(Operator::operation, order);                              \
+      if (pc->c != 0) {                                                                             \
+        if ((pc->c & 1) != 0) R[pc->a].clear();                                                     \
+        if ((pc->c & 2) != 0) R[pc->b].clear();                                                     \
+        if (memory_.has_terminations()) {                                                           \
+          f->pc = truth ? pc + 2 : f->proc->code.data() + pc[1].wide();                             \
+          run_terminations();                                                                       \
+          RELOAD();                                                                                 \
+          DISPATCH();                                                                               \
+        }                                                                                           \
+      }                                                                                             \
     }                                                                                               \
     if (truth) NEXT(2);                                                                             \
     pc = f->proc->code.data() + pc[1].wide();                                                       \
@@ -526,26 +557,30 @@ op_refer_index:
   SAVE();
   refer_index(R + pc->a, pc->b, R[pc->c]);
   SETTLE(1);
-op_let_index : {
-  Value& callee = R[pc->a].get();
-  const Value& place = R[pc->b];
-  const Value& value = R[pc->c];
-  if (callee.is(Type::array) && (place.is(Type::integer) || place.is(Type::long_integer)) &&
-      static_cast<int>(value.type()) < static_cast<int>(Type::reference)) {
-    const Array& array = *callee.array();
-    const auto position = static_cast<std::uint64_t>(place.i());
-    if (array.dimensions == 1 && position < array.count && array.references <= 1 + array.locks) {
-      Value& element = array.elements[position];
-      if (!element.counted()) {
-        element = Value(value);
-        NEXT(1);
-      }
-    }
-  }
-  SAVE();
-  let_index(R[pc->a], R[pc->b], R[pc->c]);
-  SETTLE(1);
+#define LET_INDEX(name, assigned) \
+op_##name : { \
+  Value& callee = R[pc->a].get(); \
+  const Value& place = R[pc->b]; \
+  const Value& value = assigned; \
+  if (callee.is(Type::array) && (place.is(Type::integer) || place.is(Type::long_integer)) && \
+      static_cast<int>(value.type()) < static_cast<int>(Type::reference)) { \
+    const Array& array = *callee.array(); \
+    const auto position = static_cast<std::uint64_t>(place.i()); \
+    if (array.dimensions == 1 && position < array.count && array.references <= 1 + array.locks) { \
+      Value& element = array.elements[position]; \
+      if (!element.counted()) { \
+        element = Value(value); \
+        NEXT(1); \
+      } \
+    } \
+  } \
+  SAVE(); \
+  let_index(R[pc->a], R[pc->b], assigned); \
+  SETTLE(1); \
 }
+
+  LET_INDEX(let_index, R[pc->c])
+  LET_INDEX(let_index_k, K[pc->c])
 op_put_index:
   SAVE();
   put_index(R + pc->a, pc->b, pc->c != 0);
