@@ -27,7 +27,9 @@ void allocate_elements(Heap& heap, Array& array, std::size_t count) {
   array.count = count;
 }
 
-Ref<Array> clone(const Array& original) {
+}  // namespace
+
+Ref<Array> copy_of(const Array& original) {
   Ref<Array> copy = bare_array(*original.heap, original.dimensions);
   std::copy_n(original.sizes(), original.dimensions, copy->sizes());
   allocate_elements(*original.heap, *copy, original.count);
@@ -35,6 +37,8 @@ Ref<Array> clone(const Array& original) {
   copy->fixed = original.fixed;
   return copy;
 }
+
+namespace {
 
 // Moves the elements that both have; all dimensions but the last are alike.
 void move_elements(Array& from, Array& to) {
@@ -80,7 +84,7 @@ Ref<Array> make_list(Heap& heap, std::size_t count) {
 Array& writable(Value& variable) {
   Array* array = variable.array();
   if (array->references > 1 + array->locks) {
-    variable = Value(clone(*array));
+    variable = Value(copy_of(*array));
     array = variable.array();
   }
   return *array;

@@ -16,6 +16,7 @@ Ref<Array> make_unbounded_array(Heap& heap);
 Ref<Array> make_array(Heap& heap, std::span<const std::int64_t> upper_bounds);
 Ref<Array> make_list(Heap& heap, std::size_t count);
 
+Ref<Array> copy_of(const Array& array);
 // The array of a variable, its own after this call: shared elements are copied.
 Array& writable(Value& variable);
 

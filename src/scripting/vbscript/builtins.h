@@ -28,10 +28,12 @@ class Arguments {
 
 using BuiltinFunction = Value (*)(Machine& machine, Arguments arguments);
 
+inline constexpr std::uint8_t any_number = 255;
+
 struct Builtin {
   const char* name;  // as errors show it
   std::uint8_t least;
-  std::uint8_t most;
+  std::uint8_t most;  // or any_number
   BuiltinFunction function;
 };
 

@@ -121,8 +121,6 @@ Value filter(Machine& machine, Arguments arguments) {
   return Value(std::move(result));
 }
 
-constexpr std::uint8_t any_number = 255;
-
 constexpr Builtin functions[] = {
     {"Array", 0, any_number, array}, {"UBound", 1, 2, u_bound}, {"LBound", 1, 2, l_bound},
     {"Join", 1, 2, join},            {"Split", 1, 4, split},    {"Filter", 2, 4, filter},

@@ -67,6 +67,7 @@ struct Proc {
   bool is_public = true;
   bool global_frame = false;   // registers are the global variables
   bool any_by_value = false;
+  bool plain = false;          // begins without looking at its arguments or names
   bool executed = false;       // by Execute in a procedure: its outer variables are bound by name
   std::uint16_t parameters = 0;
   std::uint32_t registers = 1;  // register 0 is the result, then the parameters
@@ -154,6 +155,8 @@ class Globals {
   const GlobalName* find(SymbolId canonical) const {
     return canonical < names_.size() ? &names_[canonical] : nullptr;
   }
+  // Of a name that was entered before.
+  const GlobalName& known(SymbolId canonical) const { return names_[canonical]; }
   Value* values() { return values_.get(); }
   // Raises CompileFailure when there are too many.
   std::uint16_t add_slots(std::size_t count);

@@ -336,12 +336,18 @@ bool ProcedureCompiler::index_into(const Expr& expr, Register target) {
 bool ProcedureCompiler::indexes_variable(const Expr& expr) const {
   if (expr.kind != ExprKind::call || expr.left->kind != ExprKind::name) return false;
   const Meaning known = meaning(expr.left->symbol);
-  if (known.kind == Meaning::Kind::local) {
-    const bool own_name = known.index == 0;
-    return !own_name;
-  }
-  return known.kind == Meaning::Kind::variable || known.kind == Meaning::Kind::global ||
+  if (is_own_name(known, expr.left->symbol)) return false;
+  return known.kind == Meaning::Kind::local || known.kind == Meaning::Kind::variable || known.kind == Meaning::Kind::global ||
          known.kind == Meaning::Kind::field;
+}
+
+// The name of the procedure itself is its result, but with arguments it is a call.
+bool ProcedureCompiler::is_own_name(const Meaning& known, SymbolId symbol) const {
+  if (proc_.executed) {
+    const SymbolId outer = context_.symbols.canonical(context_.outer->symbol);
+    return known.kind == Meaning::Kind::variable && outer == context_.symbols.canonical(symbol);
+  }
+  return known.kind == Meaning::Kind::local && known.index == 0;
 }
 
 std::size_t ProcedureCompiler::locks_of(std::span<Expr*> list) const {
@@ -357,15 +363,18 @@ ProcedureCompiler::Register ProcedureCompiler::invoke(const Expr& callee, std::s
   const std::size_t locks = locks_of(list);
   const std::size_t outer_locks = locks_.size();
   for (std::size_t i = 0; i < locks; ++i) locks_.push_back(temp());
-  const Register window = locks == 0 && wanted + 1 == top_ ? static_cast<Register>(wanted) : temp();
+  const bool in_place = locks == 0 && wanted != SIZE_MAX && wanted + 1 == top_;
+  const Register window = in_place ? static_cast<Register>(wanted) : temp();
   if (callee.kind == ExprKind::name) {
     invoke_name(callee, list, window);
   } else if (callee.kind == ExprKind::member) {
-    const Register object = object_of(callee);
-    if (object != window) emit(Op::refer, window, object);
+    // The object itself, not the variable: that may change while the arguments are evaluated.
+    if (callee.left) {
+      into(*callee.left, window);
+    } else {
+      emit(Op::copy, window, object_of(callee));
+    }
     release_to(window + std::size_t{1});
-    // The object in place: what it refers to may go away while the arguments are evaluated.
-    emit(Op::copy, window, window);
     arguments(list, true);
     emit_extended(Op::call_member, window, static_cast<std::uint32_t>(list.size()), 0, callee.symbol);
   } else {
@@ -385,13 +394,13 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
   switch (known.kind) {
     case Meaning::Kind::procedure:
       arguments(list, true);
-      emit_extended(Op::call, window, count, 0, callee.symbol);
+      emit_extended(Op::call, window, count, 0, context_.symbols.canonical(callee.symbol));
       return;
     case Meaning::Kind::own_member:
       return invoke_own_name(callee, list, window);
     case Meaning::Kind::builtin: {
       const Builtin& builtin = context_.builtins.function(known.index);
-      const bool fits = list.size() >= builtin.least && list.size() <= builtin.most;
+      const bool fits = list.size() >= builtin.least && (list.size() <= builtin.most || builtin.most == any_number);
       arguments(list, false);
       if (fits) {
         emit_extended(Op::call_builtin, window, count, 0, known.index);
@@ -412,9 +421,9 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
       }
       return;
     case Meaning::Kind::local:
-      if (known.index == 0) return invoke_own_name(callee, list, window);
-      [[fallthrough]];
     case Meaning::Kind::variable:
+      if (is_own_name(known, callee.symbol)) return invoke_own_name(callee, list, window);
+      [[fallthrough]];
     case Meaning::Kind::global:
     case Meaning::Kind::field:
       reference_into(callee, window);
@@ -440,7 +449,8 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
 void ProcedureCompiler::invoke_own_name(const Expr& callee, std::span<Expr*> list, Register window) {
   const auto count = static_cast<std::uint32_t>(list.size());
   arguments(list, true);
-  emit_extended(own_class_ ? Op::call_own : Op::call, window, count, 0, callee.symbol);
+  const SymbolId symbol = own_class_ ? callee.symbol : context_.symbols.canonical(callee.symbol);
+  emit_extended(own_class_ ? Op::call_own : Op::call, window, count, 0, symbol);
 }
 
 // Arguments into the registers that follow.
@@ -475,6 +485,10 @@ bool ProcedureCompiler::reference_into(const Expr& expr, Register target) {
       return true;
     case Meaning::Kind::field:
       emit(Op::refer_field, target, known.index);
+      return true;
+    case Meaning::Kind::unknown:
+      emit_extended(Op::refer_name_or_get, target, known.index, 0, expr.symbol);
+      holds(target);
       return true;
     default:
       return false;
@@ -528,8 +542,11 @@ void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
   const bool comparison = is_comparison(expr) && !(literal(*expr.left, index) && literal(*expr.right, other));
   if (!comparison) {
     const Register value = operand(expr);
-    if (held_first_ < held_end_) {
-      const Register result = temp();
+    if (held_first_ == value && held_end_ == value + std::size_t{1}) {
+      take_back(value);
+      jump(Op::jump_false_taken, value, unless);
+    } else if (held_first_ < held_end_) {
+      const Register result = temp_behind_held();
       emit(Op::test, result, value);
       end_statement();
       jump(Op::jump_false, result, unless);
@@ -548,13 +565,24 @@ void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
   const bool with_constant = literal(*right, index) && index <= widest_operand;
   const Register a = operand(*left);
   const Register b = with_constant ? static_cast<Register>(index) : operand(*right);
+  // Operands that may hold an object are cleared by the comparison itself, where nothing else is held.
+  std::uint32_t clears = 0;
   if (held_first_ < held_end_) {
-    const Register result = temp();
+    if (a >= held_first_ && a < held_end_) clears |= 1;
+    if (!with_constant && b >= held_first_ && b < held_end_) clears |= 2;
+    const std::size_t cleared = clears == 3 ? 2 : clears == 0 ? 0 : 1;
+    if (cleared == held_end_ - held_first_) {
+      held_first_ = SIZE_MAX;
+      held_end_ = 0;
+    }
+  }
+  if (held_first_ < held_end_) {
+    const Register result = temp_behind_held();
     emit(offset_op(with_constant ? Op::equal_k : Op::equal, op), result, a, b);
     end_statement();
     jump(Op::jump_false, result, unless);
   } else {
-    jump_extended(offset_op(with_constant ? Op::unless_equal_k : Op::unless_equal, op), a, b, 0, unless);
+    jump_extended(offset_op(with_constant ? Op::unless_equal_k : Op::unless_equal, op), a, b, clears, unless);
   }
   release_to(top);
 }

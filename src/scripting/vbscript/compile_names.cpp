@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "scripting/vbscript/errors.h"
 #include "scripting/vbscript/procedure_compiler.h"
 
@@ -61,29 +63,31 @@ void ProcedureCompiler::declare_constants() {
   }
 }
 
-void ProcedureCompiler::note_name(SymbolId symbol, bool assigned) {
+void ProcedureCompiler::note_name(SymbolId symbol, NameUse use) {
   const SymbolId canonical = context_.symbols.canonical(symbol);
   const auto [entry, inserted] = name_index_.try_emplace(canonical, names_.size());
   if (inserted) {
-    names_.emplace_back(canonical, assigned);
-  } else if (assigned) {
-    names_[entry->second].second = true;
+    names_.emplace_back(canonical, use);
+  } else {
+    NameUse& known = names_[entry->second].second;
+    known = std::max(known, use);
   }
 }
 
 void ProcedureCompiler::scan_arguments(std::span<Expr*> arguments) {
   // A name alone is passed by reference and may come back changed.
   for (const Expr* argument : arguments) {
-    scan(argument, argument->kind == ExprKind::name && !argument->parenthesised);
+    const bool name = argument->kind == ExprKind::name && !argument->parenthesised;
+    scan(argument, name ? NameUse::passed : NameUse::read);
   }
 }
 
-void ProcedureCompiler::scan(const Expr* expr, bool assigned) {
+void ProcedureCompiler::scan(const Expr* expr, NameUse use) {
   while (expr) {
-    if (expr->kind == ExprKind::name) note_name(expr->symbol, assigned);
-    assigned = false;
+    if (expr->kind == ExprKind::name) note_name(expr->symbol, use);
+    use = expr->kind == ExprKind::call ? NameUse::called : NameUse::read;
     if (!expr->arguments.empty()) scan_arguments(expr->arguments);
-    if (expr->right) scan(expr->right);
+    if (expr->right) scan(expr->right, NameUse::read);
     expr = expr->left;
   }
 }
@@ -95,20 +99,18 @@ void ProcedureCompiler::scan(Block block) {
 void ProcedureCompiler::scan(const Stmt& stmt) {
   const bool assigns = stmt.kind == StmtKind::let || stmt.kind == StmtKind::set ||
                        stmt.kind == StmtKind::for_ || stmt.kind == StmtKind::for_each;
-  scan(stmt.target, assigns);
-  scan(stmt.value);
-  scan(stmt.to);
-  scan(stmt.step);
+  scan(stmt.target, assigns ? NameUse::assigned : NameUse::called);
+  for (const Expr* expr : {stmt.value, stmt.to, stmt.step}) scan(expr, NameUse::read);
   scan_arguments(stmt.arguments);
   for (const Branch& branch : stmt.branches) {
-    scan(branch.condition);
-    for (const Expr* test : branch.tests) scan(test);
+    scan(branch.condition, NameUse::read);
+    for (const Expr* test : branch.tests) scan(test, NameUse::read);
     scan(branch.body);
   }
   if (stmt.kind == StmtKind::redim) {
     for (const VariableDecl& variable : stmt.declarations) {
-      note_name(variable.symbol, true);
-      for (const Expr* bound : variable.bounds) scan(bound);
+      note_name(variable.symbol, NameUse::assigned);
+      for (const Expr* bound : variable.bounds) scan(bound, NameUse::read);
     }
   }
   scan(stmt.body);
@@ -117,7 +119,7 @@ void ProcedureCompiler::scan(const Stmt& stmt) {
 // Names without a declaration become variables: of the text's top level, or of the procedure.
 void ProcedureCompiler::settle_names() {
   for (const Stmt* stmt : declaration_.body) scan(*stmt);
-  for (const auto& [symbol, assigned] : names_) {
+  for (const auto& [symbol, use] : names_) {
     if (locals_.count(symbol) != 0) continue;
     if (outside_meaning(symbol).kind != Meaning::Kind::undeclared) continue;
     bool outer = false;
@@ -132,9 +134,11 @@ void ProcedureCompiler::settle_names() {
     } else if (shared_.ast.option_explicit) {
       continue;
     } else if (global_level_) {
-      if (assigned) context_.globals.declare(symbol);
+      if (use < NameUse::passed) continue;
+      const std::uint16_t slot = context_.globals.declare(symbol);
+      if (use == NameUse::passed) add_local(symbol, {Meaning::Kind::unknown, slot, Builtins::Kind::none});
     } else {
-      new_local(symbol, assigned ? Meaning::Kind::variable : Meaning::Kind::unknown, false);
+      new_local(symbol, use == NameUse::assigned ? Meaning::Kind::variable : Meaning::Kind::unknown, false);
     }
   }
 }

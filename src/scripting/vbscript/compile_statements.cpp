@@ -37,6 +37,7 @@ void ProcedureCompiler::compile() {
   place(declaration_.end_offset);
   emit(Op::finish);
   proc_.registers = static_cast<std::uint32_t>(most_ + 1);
+  proc_.plain = !proc_.any_by_value && proc_.implicit.empty() && !proc_.global_frame && !proc_.executed;
   if (global_level_ && most_ + 1 > Globals::most) throw CompileFailure{1001, 0};
   if (most_ >= no_register) throw CompileFailure{1001, 0};
 }
@@ -99,6 +100,12 @@ void ProcedureCompiler::holds(std::size_t reg) {
 
 void ProcedureCompiler::take_back(std::size_t reg) {
   if (held_first_ == reg && held_end_ == reg + 1) held_first_ = SIZE_MAX, held_end_ = 0;
+}
+
+// A temporary that the clearing of held ones leaves alone.
+ProcedureCompiler::Register ProcedureCompiler::temp_behind_held() {
+  top_ = std::max(top_, held_end_);
+  return temp();
 }
 
 void ProcedureCompiler::end_statement() {
@@ -250,6 +257,11 @@ void ProcedureCompiler::assign_name(const Expr& target, const Expr& value, bool 
   Register reg = 0;
   const bool direct = direct_register(target, reg);
   if (direct && !set && scalar_result(value)) return into(value, reg);
+  if (!set && value.kind == ExprKind::name && has_register(meaning(value.symbol)) &&
+      (direct || known.kind == Kind::variable)) {
+    emit(Op::let, direct ? reg : known.index, meaning(value.symbol).index);
+    return;
+  }
   if (known.kind == Kind::own_member) {
     // A property of the class itself.
     const Register window = temp(2);
@@ -301,6 +313,12 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
   const bool of_variable = indexes_variable(target);
   if (of_variable && !set && target.arguments.size() == 1 && target.arguments[0]->kind != ExprKind::missing) {
     const Register array = reference_or_value(callee);
+    std::uint32_t constant = 0;
+    if (literal(value, constant) && constant <= 0xffff) {
+      const Register index = operand(*target.arguments[0]);
+      emit(Op::let_index_k, array, index, constant);
+      return;
+    }
     const Register from = operand(value);
     const Register index = operand(*target.arguments[0]);
     emit(Op::let_index, array, index, from);
@@ -406,11 +424,11 @@ void ProcedureCompiler::select(const Stmt& stmt) {
         to_patch.push_back(proc_.places.size());
         place(branch.tests[i]->offset);
         const std::size_t top = top_;
-        const Register result = temp();
         std::uint32_t index = 0;
         const bool test_literal = literal(*branch.tests[i], index);
         const Register test = test_literal && !value_literal && index <= 0xffff ? static_cast<Register>(0)
                                                                                 : operand(*branch.tests[i]);
+        const Register result = temp_behind_held();
         if (test_literal && value_literal) {
           emit_extended(Op::compare_literals, result, value, test, static_cast<std::int64_t>(Operator::equal));
         } else if (test_literal && index <= 0xffff) {

@@ -159,6 +159,7 @@ class TextCompiler {
       member.symbol = canonical(field.symbol);
       member.is_field = true;
       member.is_public = field.is_public;
+      if (info->fields == no_register) throw CompileFailure{1001, field.offset};
       member.field = info->fields++;
       info->members.push_back(member);
       if (!field.is_array) continue;

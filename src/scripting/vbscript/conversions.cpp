@@ -132,7 +132,9 @@ std::int64_t round_to(double number, double least, double most) {
 }
 
 std::int64_t double_to_currency(double number) {
-  return round_to(number * static_cast<double>(currency_scale), -9223372036854774784.0, 9223372036854774784.0);
+  const long double scaled = std::nearbyint(static_cast<long double>(number) * currency_scale);
+  if (!(std::fabs(scaled) < 9223372036854775807.0L)) raise(error::overflow);
+  return static_cast<std::int64_t>(scaled);
 }
 
 double currency_to_double(std::int64_t currency) {

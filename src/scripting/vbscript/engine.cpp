@@ -45,6 +45,10 @@ struct Engine::State {
   template <class Action>
   auto guarded(Action action) {
     machine->start_clock();
+    struct Settle {
+      Machine& settled;
+      ~Settle() { settled.settle(); }
+    } const settle{*machine};
     try {
       return action();
     } catch (const Failure& failure) {

@@ -166,6 +166,11 @@ op_take:
   R[pc->a] = std::move(R[pc->b]);
   NEXT(1);
 op_let:
+  if (static_cast<int>(R[pc->a].type()) < static_cast<int>(Type::reference) &&
+      static_cast<int>(R[pc->b].type()) < static_cast<int>(Type::reference)) {
+    R[pc->a] = Value(R[pc->b]);
+    NEXT(1);
+  }
   SAVE();
   let(R[pc->a], R[pc->b]);
   SETTLE(1);
@@ -407,6 +412,27 @@ op_loop:
   CONDITIONAL(jump_true, true)
   CONDITIONAL(jump_false, false)
 
+op_jump_false_taken : {
+  Value& x = R[pc->a];
+  bool truth = false;
+  if (x.is(Type::boolean)) {
+    truth = x.i() != 0;
+  } else {
+    SAVE();
+    truth = to_condition(*this, x);
+    x.clear();
+  }
+  const Instr* const next = truth ? pc + 1 : f->proc->code.data() + pc->wide();
+  if (memory_.has_terminations()) {
+    f->pc = next;
+    run_terminations();
+    RELOAD();
+    DISPATCH();
+  }
+  pc = next;
+  DISPATCH();
+}
+
 #define UNLESS(name, right, sign, operation, right_literal)                                         \
   op_##name : {                                                                                     \
     const Value& x = R[pc->a];                                                                      \
@@ -421,6 +447,16 @@ op_loop:
       SAVE();                                                                                       \
       const int order = compare(*this, x, y, Literals{false, right_literal});                       \
       truth = order != unordered && holds(Operator::operation, order);                              \
+      if (pc->c != 0) {                                                                             \
+        if ((pc->c & 1) != 0) R[pc->a].clear();                                                     \
+        if ((pc->c & 2) != 0) R[pc->b].clear();                                                     \
+        if (memory_.has_terminations()) {                                                           \
+          f->pc = truth ? pc + 2 : f->proc->code.data() + pc[1].wide();                             \
+          run_terminations();                                                                       \
+          RELOAD();                                                                                 \
+          DISPATCH();                                                                               \
+        }                                                                                           \
+      }                                                                                             \
     }                                                                                               \
     if (truth) NEXT(2);                                                                             \
     pc = f->proc->code.data() + pc[1].wide();                                                       \
@@ -521,39 +557,71 @@ op_refer_index:
   SAVE();
   refer_index(R + pc->a, pc->b, R[pc->c]);
   SETTLE(1);
-op_let_index : {
-  Value& callee = R[pc->a].get();
-  const Value& place = R[pc->b];
-  const Value& value = R[pc->c];
-  if (callee.is(Type::array) && (place.is(Type::integer) || place.is(Type::long_integer)) &&
-      static_cast<int>(value.type()) < static_cast<int>(Type::reference)) {
-    const Array& array = *callee.array();
-    const auto position = static_cast<std::uint64_t>(place.i());
-    if (array.dimensions == 1 && position < array.count && array.references <= 1 + array.locks) {
-      Value& element = array.elements[position];
-      if (!element.counted()) {
-        element = Value(value);
-        NEXT(1);
-      }
-    }
-  }
-  SAVE();
-  let_index(R[pc->a], R[pc->b], R[pc->c]);
-  SETTLE(1);
+#define LET_INDEX(name, assigned) \
+op_##name : { \
+  Value& callee = R[pc->a].get(); \
+  const Value& place = R[pc->b]; \
+  const Value& value = assigned; \
+  if (callee.is(Type::array) && (place.is(Type::integer) || place.is(Type::long_integer)) && \
+      static_cast<int>(value.type()) < static_cast<int>(Type::reference)) { \
+    const Array& array = *callee.array(); \
+    const auto position = static_cast<std::uint64_t>(place.i()); \
+    if (array.dimensions == 1 && position < array.count && array.references <= 1 + array.locks) { \
+      Value& element = array.elements[position]; \
+      if (!element.counted()) { \
+        element = Value(value); \
+        NEXT(1); \
+      } \
+    } \
+  } \
+  SAVE(); \
+  let_index(R[pc->a], R[pc->b], assigned); \
+  SETTLE(1); \
 }
+
+  LET_INDEX(let_index, R[pc->c])
+  LET_INDEX(let_index_k, K[pc->c])
 op_put_index:
   SAVE();
   put_index(R + pc->a, pc->b, pc->c != 0);
   SETTLE(1);
 
-op_call:
+op_call : {
   if (--countdown_ < 0) {
     SAVE();
     count_down();
   }
+  const auto symbol = static_cast<SymbolId>(pc[1].wide());
+  const GlobalName& name = globals_.known(symbol);
+  const Proc* proc = name.procedure;
+  Value* const base = R + pc->a;
+  // A plain procedure, called from one: its registers begin at the window.
+  if (name.kind == GlobalName::Kind::procedure && proc->plain && proc->parameters == pc->b &&
+      !f->proc->global_frame && depth_ + 1 < limits_.call_depth &&
+      stack_end_ - base >= static_cast<std::ptrdiff_t>(proc->registers)) {
+    base[0].clear();
+    Value* const locals_end = base + proc->first_temp;
+    for (Value* value = base + pc->b + 1; value < locals_end; ++value) value->clear();
+    f->pc = pc + 2;
+    f = &frames_[++depth_];
+    f->proc = proc;
+    f->base = base;
+    f->top = base + proc->registers;
+    f->me = nullptr;
+    f->result = nullptr;
+    f->extra = nullptr;
+    f->owned = nullptr;
+    f->resume_next = f->discard = f->termination = f->entry = false;
+    f->plain = true;
+    pc = proc->code.data();
+    R = base;
+    K = proc->constants;
+    DISPATCH();
+  }
   SAVE();
-  call_symbol(R + pc->a, pc->b, static_cast<SymbolId>(pc[1].wide()));
+  call_symbol(base, pc->b, symbol);
   SETTLE(2);
+}
 op_call_builtin:
   SAVE();
   call_builtin(R + pc->a, pc->b, static_cast<std::uint32_t>(pc[1].wide()));
@@ -566,6 +634,19 @@ op_get_name:
   SAVE();
   get_unresolved(R[pc->a], pc->b, static_cast<SymbolId>(pc[1].wide()));
   SETTLE(2);
+op_refer_name_or_get : {
+  SAVE();
+  const auto symbol = static_cast<SymbolId>(pc[1].wide());
+  Value& variable = R[pc->b].get();
+  const GlobalName* name = globals_.find(symbols_.canonical(symbol));
+  const bool other = name && name->kind != GlobalName::Kind::undefined && name->kind != GlobalName::Kind::variable;
+  if (other && variable.is(Type::empty)) {
+    get_unresolved(R[pc->a], pc->b, symbol);
+  } else {
+    R[pc->a] = Value::reference_to(&variable);
+  }
+  SETTLE(2);
+}
 op_refer_name : {
   SAVE();
   const auto symbol = static_cast<SymbolId>(pc[1].wide());
@@ -609,6 +690,16 @@ op_new_object:
   new_instance(R[pc->a], static_cast<SymbolId>(pc[1].wide()));
   SETTLE(2);
 op_finish:
+  if (f->plain) {
+    Value* const end = R + f->proc->registers;
+    for (Value* value = R + 1; value < end; ++value) {
+      if (static_cast<int>(value->type()) >= first_counted) value->clear();
+    }
+    --depth_;
+    if (memory_.has_terminations()) run_terminations();
+    RELOAD();
+    DISPATCH();
+  }
   SAVE();
   if (finish()) return;
   if (memory_.has_terminations()) run_terminations();

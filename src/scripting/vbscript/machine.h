@@ -39,6 +39,7 @@ struct Frame {
   bool discard = false;        // nobody wants the result
   bool termination = false;    // a Class_Terminate: its errors end with it
   bool entry = false;          // returns to C++
+  bool plain = false;          // nothing is to be done at its end but to drop its registers
 };
 
 // What scripts see as Err.
@@ -64,6 +65,8 @@ class Machine final : public Context {
   void run_main(const Module& module);
   const Proc* find_procedure(std::u16string_view name) const;
   Value call(const Proc& proc, std::span<const Value> arguments);
+  // Runs the Class_Terminate of objects that nobody refers to any more; nothing else may run.
+  void settle();
   // Ends all objects; nothing may run.
   void shut_down();
 

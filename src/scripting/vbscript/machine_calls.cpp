@@ -15,6 +15,7 @@ namespace zrl::vbs {
 // Begins a procedure. The window is the place of its result, followed by its arguments.
 Frame& Machine::push(const Proc& proc, Value* window, std::size_t count, Instance* me) {
   if (count != proc.parameters) fail(error::argument_count, proc.symbol);
+  if (--countdown_ < 0) count_down();
   if (depth_ + 1 >= limits_.call_depth) raise(error::stack_space);
   Value* base = window;
   Value* result = nullptr;
@@ -39,7 +40,7 @@ Frame& Machine::push(const Proc& proc, Value* window, std::size_t count, Instanc
   next.result = result;
   next.extra = nullptr;
   next.owned = nullptr;
-  next.resume_next = next.discard = next.termination = next.entry = false;
+  next.resume_next = next.discard = next.termination = next.entry = next.plain = false;
   if (me) ++me->references;
   if (!proc.implicit.empty()) bind_names(next);
   return next;
@@ -188,7 +189,8 @@ void Machine::call_builtin(Value* window, std::size_t count, std::uint32_t index
   try {
     window[0] = builtin.function(*this, Arguments(window + 1, count));
   } catch (Failure& failure) {
-    if (failure.subject.empty() && !failure.final) failure.subject = ascii(builtin.name);
+    const bool names_value = !failure.subject.empty() && failure.subject[0] == u'[';
+    if ((failure.subject.empty() || names_value) && !failure.final) failure.subject = ascii(builtin.name);
     throw;
   }
   for (std::size_t i = 1; i <= count; ++i) window[i].clear();
@@ -199,7 +201,12 @@ Value Machine::invoke(const Proc& proc, Instance* me, std::span<const Value> arg
   Value* const window = frame().top;
   if (stack_end_ - window <= static_cast<std::ptrdiff_t>(arguments.size() + 1)) raise(error::stack_space);
   for (std::size_t i = 0; i < arguments.size(); ++i) window[i + 1] = arguments[i];
-  push(proc, window, arguments.size(), me).entry = true;
+  try {
+    push(proc, window, arguments.size(), me).entry = true;
+  } catch (...) {
+    for (std::size_t i = 0; i < arguments.size(); ++i) window[i + 1].clear();
+    throw;
+  }
   ++nested_;
   try {
     run(depth_);
@@ -257,6 +264,15 @@ const Module& Machine::compile_text(std::u16string text, bool global, bool evalu
     context.outer_class = running.me ? &running.me->type() : nullptr;
   }
   const std::string name = running.proc->module->name;
+  // Tokens and tree are gone when the code is there, but must not go beyond the limit meanwhile.
+  struct Charge {
+    Heap& charged;
+    std::size_t bytes;
+    Charge(Heap& heap_of, std::size_t size) : charged(heap_of), bytes(size) { charged.charge(bytes); }
+    ~Charge() { charged.refund(bytes); }
+    Charge(const Charge&) = delete;
+    Charge& operator=(const Charge&) = delete;
+  } const charge(memory_, text.size() * 32);
   try {
     Parser parser(text, symbols_, *keywords_);
     const std::unique_ptr<Ast> ast = evaluate ? parser.parse_expression_text() : parser.parse();
@@ -356,6 +372,7 @@ Value* Machine::find_outer(Frame& owner, const Binding& binding) {
     if (name && name->kind == GlobalName::Kind::variable) return &globals_.values()[name->slot];
   }
   if (!owner.extra) owner.extra = new ExtraScope;
+  owner.plain = false;
   ExtraScope& extra = *owner.extra;
   extra.bindings.push_back({binding.symbol, static_cast<std::uint16_t>(extra.values.size()), true});
   extra.values.push_back(std::make_unique<Value>());

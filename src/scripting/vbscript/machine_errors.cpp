@@ -44,24 +44,25 @@ Machine::~Machine() {
   shut_down();
 }
 
+void Machine::settle() {
+  while (memory_.has_terminations()) {
+    const Ref<Object> object = memory_.next_termination();
+    auto& instance = static_cast<Instance&>(*object);
+    instance.mark_terminated();
+    try {
+      invoke(*instance.type().terminate, &instance, {});
+    } catch (const Failure&) {  // nobody is left to be told
+      continue;
+    }
+  }
+}
+
 // Objects end in their order of release; what is left, cycles, is taken apart then.
 void Machine::shut_down() {
   start_clock();
-  const auto run_all = [&] {
-    while (memory_.has_terminations()) {
-      const Ref<Object> object = memory_.next_termination();
-      auto& instance = static_cast<Instance&>(*object);
-      instance.mark_terminated();
-      try {
-        invoke(*instance.type().terminate, &instance, {});
-      } catch (const Failure&) {  // nobody is left to be told
-        continue;
-      }
-    }
-  };
-  run_all();
+  settle();
   for (std::size_t i = 0; i < globals_.used(); ++i) globals_.values()[i].clear();
-  run_all();
+  settle();
   // Members of cycles still want their Class_Terminate.
   std::vector<Ref<Object>> left;
   for (Object* object = memory_.first_object(); object; object = object->next) left.emplace_back(object);
@@ -79,7 +80,7 @@ void Machine::shut_down() {
   err_object_.clear();
   wscript_object_.clear();
   // Whatever the terminators did, everything goes now, and no script runs any more.
-  while (true) {
+  for (int round = 0; round < 8; ++round) {
     left.clear();
     for (Object* object = memory_.first_object(); object; object = object->next) {
       if (auto* instance = dynamic_cast<Instance*>(object)) instance->mark_terminated();
@@ -96,6 +97,8 @@ void Machine::shut_down() {
 void Machine::start_clock() {
   deadline_ = std::chrono::steady_clock::now() + limits_.call_time;
   countdown_ = instructions_between_checks;
+  place_noted_ = false;
+  error_module_ = nullptr;
 }
 
 void Machine::check_time() {
@@ -164,6 +167,10 @@ void Machine::note_place(const Failure&) {
 
 // Unwinds to the innermost procedure that goes on after errors, and there to the statement that follows.
 bool Machine::handle(const Failure& failure, std::size_t bottom) {
+  // What was being prepared behind the frame for a call that did not come about.
+  constexpr std::ptrdiff_t prepared = 300;
+  Value* const behind = frame().top;
+  for (Value* value = behind; value < behind + std::min(prepared, stack_end_ - behind); ++value) value->clear();
   while (true) {
     Frame& running = frame();
     if (running.resume_next && !failure.final) break;

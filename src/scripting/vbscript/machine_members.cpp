@@ -68,6 +68,12 @@ void Machine::call_member(Value* window, std::size_t count, SymbolId symbol, boo
   }
   auto& native = static_cast<NativeObject&>(*held.object());
   const std::u16string& name = symbols_.name(symbols_.canonical(symbol));
+  const NativeMember* member = find_member(native, name);
+  if (member && count > 0 && member->most == 0) {
+    // The arguments are for what the property returns.
+    window[0] = use_member(*this, native, name, Use::get, Arguments(nullptr, 0), symbols_.name(symbol));
+    return index_many(window, count);
+  }
   window[0] = use_member(*this, native, name, Use::get, Arguments(window + 1, count), symbols_.name(symbol));
   for (std::size_t i = 1; i <= count; ++i) window[i].clear();
 }

@@ -7,12 +7,12 @@ namespace zrl::vbs {
 
 namespace {
 
-// A copy of a fixed array may be redimensioned.
+// A copy of a fixed array may be redimensioned. While something refers to elements, copies are not shared.
 Value unfixed(Value array) {
-  if (!array.array()->fixed) return array;
-  const Value second = array;  // makes `array` shared, so that it is copied
-  writable(array).fixed = false;
-  return array;
+  if (!array.array()->fixed && array.array()->locks == 0) return array;
+  Value own(copy_of(*array.array()));
+  own.array()->fixed = false;
+  return own;
 }
 
 }  // namespace

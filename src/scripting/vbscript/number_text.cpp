@@ -64,7 +64,9 @@ std::u16string number_text(double number, int digits, const Locale& locale) {
   const bool plain = significant.exponent < digits && (significant.exponent >= 0 || decimals <= digits);
   const std::u16string text =
       plain ? positional(significant, locale.decimal) : scientific(significant, locale.decimal);
-  return number < 0 ? u"-" + text : text;
+  if (number >= 0) return text;
+  std::u16string negative(1, u'-');
+  return negative.append(text);
 }
 
 std::u16string single_text(double number, const Locale& locale) {

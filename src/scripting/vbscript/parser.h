@@ -47,7 +47,8 @@ class Parser {
   Expr* operand();
   Expr* unary();
   Expr* primary();
-  Expr* postfix(Expr* expr);
+  Expr* postfix(Expr* expr, bool statement = false);
+  bool argument_follows() const;
   Expr* literal();
   std::span<Expr*> arguments_in_parentheses();
   std::vector<Expr*> argument_list();

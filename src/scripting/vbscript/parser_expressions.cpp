@@ -221,8 +221,9 @@ Expr* Parser::literal() {
 }
 
 // postfix: primary { . name | ( arguments ) }
-Expr* Parser::postfix(Expr* expr) {
+Expr* Parser::postfix(Expr* expr, bool statement) {
   while (true) {
+    if (statement && argument_follows()) return expr;
     if (at(TokenKind::dot)) {
       if (expr->kind >= ExprKind::integer && expr->kind <= ExprKind::empty && !expr->parenthesised) return expr;
       Expr* member = node(ExprKind::member);
@@ -241,6 +242,22 @@ Expr* Parser::postfix(Expr* expr) {
       return expr;
     }
   }
+}
+
+// In a call statement a blank may end the callee: before the dot of a With, and before an expression
+// in parentheses whose member is taken.
+bool Parser::argument_follows() const {
+  if (!token().blank_before) return false;
+  if (at(TokenKind::dot)) return true;
+  if (!at(TokenKind::open)) return false;
+  std::size_t place = position_;
+  int depth = 0;
+  do {
+    const TokenKind kind = tokens_[place++].kind;
+    if (kind == TokenKind::end_of_line) return false;
+    depth += kind == TokenKind::open ? 1 : kind == TokenKind::close ? -1 : 0;
+  } while (depth > 0);
+  return tokens_[place].kind == TokenKind::dot && !tokens_[place].blank_before;
 }
 
 // arguments: ( [ list ] )

@@ -117,7 +117,7 @@ Stmt* Parser::call_or_assignment() {
     fail(error::only_in_class);
   }
   Stmt* stmt = make(StmtKind::let);
-  Expr* target = postfix(primary());
+  Expr* target = postfix(primary(), true);
   if (accept(TokenKind::equal)) {
     stmt->target = target;
     stmt->value = expression();

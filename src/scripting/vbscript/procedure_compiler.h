@@ -68,15 +68,18 @@ class ProcedureCompiler {
     Label* exit = nullptr;
   };
 
+  // What a body does with a name; what comes later makes it more of a variable.
+  enum class NameUse { called, read, passed, assigned };
+
   // Names (compile_names.cpp).
   void declare_parameters();
   void declare_variables();
   void declare_constants();
   void scan(Block block);
   void scan(const Stmt& stmt);
-  void scan(const Expr* expr, bool assigned = false);
+  void scan(const Expr* expr, NameUse use);
   void scan_arguments(std::span<Expr*> arguments);
-  void note_name(SymbolId symbol, bool assigned);
+  void note_name(SymbolId symbol, NameUse use);
   void settle_names();
   Meaning meaning(SymbolId symbol) const;
   Meaning outside_meaning(SymbolId canonical) const;
@@ -95,6 +98,7 @@ class ProcedureCompiler {
   void release_to(std::size_t top) { top_ = top; }
   void holds(std::size_t reg);
   void take_back(std::size_t reg);
+  Register temp_behind_held();
   void end_statement();
 
   // Expressions (compile_expressions.cpp).
@@ -118,6 +122,7 @@ class ProcedureCompiler {
   void invoke_name(const Expr& callee, std::span<Expr*> list, Register window);
   void invoke_own_name(const Expr& callee, std::span<Expr*> list, Register window);
   std::size_t locks_of(std::span<Expr*> list) const;
+  bool is_own_name(const Meaning& known, SymbolId symbol) const;
   bool indexes_variable(const Expr& expr) const;
   bool index_into(const Expr& expr, Register target);
   void arguments(std::span<Expr*> list, bool by_reference);
@@ -159,7 +164,7 @@ class ProcedureCompiler {
   const bool global_level_;
 
   std::unordered_map<SymbolId, Meaning> locals_;  // by canonical symbol
-  std::vector<std::pair<SymbolId, bool>> names_;   // that the body mentions: assigned or only read
+  std::vector<std::pair<SymbolId, NameUse>> names_;  // that the body mentions
   std::unordered_map<SymbolId, std::size_t> name_index_;
   std::size_t top_ = 1;   // first free register
   std::size_t most_ = 1;

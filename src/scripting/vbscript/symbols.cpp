@@ -15,7 +15,8 @@ std::uint32_t hash_of(std::u16string_view name) {
 }  // namespace
 
 Symbols::Symbols() : slots_(1024) {
-  entries_.push_back({{}, 0, 0});
+  entries_.push_back({{}, 0});
+  canonical_.push_back(0);
 }
 
 std::size_t Symbols::slot_of(std::u16string_view name, std::uint32_t hash) const {
@@ -45,10 +46,14 @@ SymbolId Symbols::intern(std::u16string_view name) {
     slot = slot_of(name, hash);
   }
   const auto id = static_cast<SymbolId>(entries_.size());
-  entries_.push_back({std::u16string(name), hash, id});
+  entries_.push_back({std::u16string(name), hash});
+  canonical_.push_back(id);
   slots_[slot] = id;
   std::u16string lower = lower_cased(name);
-  if (lower != name) entries_[id].canonical = intern(lower);
+  if (lower != name) {
+    const SymbolId canonical = intern(lower);
+    canonical_[id] = canonical;
+  }
   return id;
 }
 

@@ -21,7 +21,7 @@ class Symbols {
   // The canonical symbol if anything interned the name, else `none`.
   SymbolId find(std::u16string_view name) const;
 
-  SymbolId canonical(SymbolId id) const { return entries_[id].canonical; }
+  SymbolId canonical(SymbolId id) const { return canonical_[id]; }
   const std::u16string& name(SymbolId id) const { return entries_[id].name; }
   std::size_t size() const { return entries_.size(); }
 
@@ -31,12 +31,12 @@ class Symbols {
   struct Entry {
     std::u16string name;
     std::uint32_t hash;
-    SymbolId canonical;
   };
   std::size_t slot_of(std::u16string_view name, std::uint32_t hash) const;
   void grow();
 
   std::deque<Entry> entries_;
+  std::vector<SymbolId> canonical_;
   std::vector<SymbolId> slots_;  // open addressing; 0 is free
 };
 

@@ -3,23 +3,23 @@
 namespace zrl::vbs {
 
 void Value::release() noexcept {
-  if (type_ == Type::array_lock) --a_->locks;
+  if (type_ == Type::array_lock) --array()->locks;
   if (--counted_->references != 0) return;
   switch (type_) {
     case Type::string:
-      s_->heap->free_string(s_);
+      counted_->heap->free_string(string());
       break;
     case Type::object:
-      o_->heap->retire(o_);
+      counted_->heap->retire(object());
       break;
     default:
-      a_->heap->retire(a_);
+      counted_->heap->retire(array());
   }
 }
 
 Value Value::lock(Array* array) {
   Value value;
-  value.a_ = array;
+  value.counted_ = array;
   value.type_ = Type::array_lock;
   ++array->references;
   ++array->locks;

@@ -72,9 +72,9 @@ class Value {
   ~Value() {
     if (counted()) release();
   }
-  explicit Value(Ref<String> string) : s_(string.release()), type_(Type::string) {}
-  explicit Value(Ref<Array> array) : a_(array.release()), type_(Type::array) {}
-  explicit Value(Ref<Object> object) : o_(object.release()), type_(Type::object) {}
+  explicit Value(Ref<String> string);
+  explicit Value(Ref<Array> array);
+  explicit Value(Ref<Object> object);
 
   static Value of(Type type, std::int64_t integer) {
     Value value;
@@ -112,11 +112,11 @@ class Value {
 
   std::int64_t i() const { return i_; }
   double d() const { return d_; }
-  String* string() const { return s_; }
-  Array* array() const { return a_; }
-  Object* object() const { return o_; }  // nullptr: Nothing
+  String* string() const;
+  Array* array() const;
+  Object* object() const;  // nullptr: Nothing
   Value* reference() const { return r_; }
-  std::u16string_view text() const { return s_->view(); }
+  std::u16string_view text() const;
 
   const Value& get() const { return type_ == Type::reference ? *r_ : *this; }
   Value& get() { return type_ == Type::reference ? *r_ : *this; }
@@ -151,11 +151,8 @@ class Value {
   union {
     std::int64_t i_;
     double d_;
-    String* s_;
-    Array* a_;
-    Object* o_;
     Value* r_;
-    Counted* counted_;
+    Counted* counted_;  // where an object is polymorphic, this is not where it begins
   };
   Type type_;
 };
@@ -196,6 +193,22 @@ class Object : public Container {
   Object* next = nullptr;
   Object* previous = nullptr;
 };
+
+inline Value::Value(Ref<String> string) : counted_(string.release()), type_(Type::string) {}
+inline Value::Value(Ref<Array> array) : counted_(array.release()), type_(Type::array) {}
+inline Value::Value(Ref<Object> object) : counted_(object.release()), type_(Type::object) {}
+inline String* Value::string() const {
+  return static_cast<String*>(counted_);
+}
+inline Array* Value::array() const {
+  return static_cast<Array*>(counted_);
+}
+inline Object* Value::object() const {
+  return static_cast<Object*>(counted_);
+}
+inline std::u16string_view Value::text() const {
+  return string()->view();
+}
 
 template <class T>
 Ref<T>::~Ref() {

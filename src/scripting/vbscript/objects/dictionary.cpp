@@ -226,14 +226,12 @@ Value key(Machine&, NativeObject& object, Use, Arguments arguments) {
   return {};
 }
 
-Value keys(Machine& machine, NativeObject& object, Use, Arguments arguments) {
-  const Value all = self(object).list(machine, true);
-  return arguments.size() == 0 ? all : Value(element_at(*all.array(), std::vector<std::int64_t>{to_long(machine, arguments[0])}));
+Value keys(Machine& machine, NativeObject& object, Use, Arguments) {
+  return self(object).list(machine, true);
 }
 
-Value items(Machine& machine, NativeObject& object, Use, Arguments arguments) {
-  const Value all = self(object).list(machine, false);
-  return arguments.size() == 0 ? all : Value(element_at(*all.array(), std::vector<std::int64_t>{to_long(machine, arguments[0])}));
+Value items(Machine& machine, NativeObject& object, Use, Arguments) {
+  return self(object).list(machine, false);
 }
 
 Value count(Machine&, NativeObject& object, Use, Arguments) {
@@ -265,8 +263,8 @@ constexpr NativeMember dictionary_members[] = {
     {"exists", 1, 1, false, false, exists},
     {"add", 2, 2, false, false, add},
     {"count", 0, 0, false, false, count},
-    {"keys", 0, 1, false, false, keys},
-    {"items", 0, 1, false, false, items},
+    {"keys", 0, 0, false, false, keys},
+    {"items", 0, 0, false, false, items},
     {"key", 1, 1, true, false, key},
     {"remove", 1, 1, false, false, remove},
     {"removeall", 0, 0, false, false, remove_all},

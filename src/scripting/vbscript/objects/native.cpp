@@ -16,20 +16,23 @@ bool equals(std::u16string_view name, std::string_view ascii_name) {
 
 }  // namespace
 
+const NativeMember* find_member(const NativeObject& object, std::u16string_view lower_name) {
+  for (const NativeMember& member : object.members()) {
+    if (lower_name.empty() ? member.is_default : equals(lower_name, member.name)) return &member;
+  }
+  return nullptr;
+}
+
 Value use_member(Machine& machine, NativeObject& object, std::u16string_view lower_name, Use use,
                  Arguments arguments, std::u16string_view shown_name) {
-  for (const NativeMember& member : object.members()) {
-    const bool found = lower_name.empty() ? member.is_default : equals(lower_name, member.name);
-    if (!found) continue;
-    const std::size_t values = use == Use::get ? 0 : 1;
-    if (use != Use::get && !member.writable) raise(error::no_such_member, std::u16string(shown_name));
-    const std::size_t count = arguments.size() - values;
-    if (count < member.least || count > member.most) {
-      raise(error::argument_count, std::u16string(shown_name));
-    }
-    return member.function(machine, object, use, arguments);
+  const NativeMember* member = find_member(object, lower_name);
+  const bool writes = use != Use::get;
+  if (!member || (writes && !member->writable)) raise(error::no_such_member, std::u16string(shown_name));
+  const std::size_t count = arguments.size() - (writes ? 1 : 0);
+  if (count < member->least || (count > member->most && member->most != any_number)) {
+    raise(error::argument_count, std::u16string(shown_name));
   }
-  raise(error::no_such_member, std::u16string(shown_name));
+  return member->function(machine, object, use, arguments);
 }
 
 }  // namespace zrl::vbs

@@ -32,6 +32,8 @@ class NativeObject : public Object {
   virtual Value enumerate(Machine&) { return {}; }
 };
 
+// nullptr where there is none. An empty name is the default member.
+const NativeMember* find_member(const NativeObject& object, std::u16string_view lower_name);
 // Finds and runs a member. An empty name is the default member. Raises 438 and 450.
 Value use_member(Machine& machine, NativeObject& object, std::u16string_view lower_name, Use use,
                  Arguments arguments, std::u16string_view shown_name);

@@ -8,8 +8,6 @@ namespace zrl::vbs {
 
 namespace {
 
-constexpr std::uint8_t any_number = 255;
-
 Value echo(Machine& machine, NativeObject&, Use, Arguments arguments) {
   std::u16string line;
   for (std::size_t i = 0; i < arguments.size(); ++i) {

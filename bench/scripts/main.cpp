@@ -1,0 +1,141 @@
+// Runs each program in the script engine and in Lua, in turn, and prints the best times as ratios with
+// their goals; then what a call and the loading of scripts cost.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <lua.hpp>
+#include <stdexcept>
+#include <string>
+
+#include "components/pcre2/pcre2_regexp.h"
+#include "scripting/vbscript/engine.h"
+
+namespace {
+
+using zrl::vbs::Engine;
+
+class BenchHost : public zrl::vbs::EngineHost {
+ public:
+  int msg_box(const std::string&, int, const std::string&) override { return 1; }
+  std::optional<std::string> input_box(const std::string&, const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+  void echo(const std::string&) override {}
+  std::shared_ptr<zrl::RegExp> make_regexp() override { return make_(); }
+
+ private:
+  std::function<std::shared_ptr<zrl::RegExp>()> make_ = zrl::make_regexp_factory();
+};
+
+double seconds(const std::function<void()>& action) {
+  const auto start = std::chrono::steady_clock::now();
+  action();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+std::string contents(const std::string& file) {
+  std::ifstream in(std::string(PROGRAMS) + "/" + file, std::ios::binary);
+  if (!in) throw std::runtime_error("cannot read " + file);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+long long run_lua(lua_State* lua) {
+  lua_getglobal(lua, "program");
+  lua_pushstring(lua, "x");
+  if (lua_pcall(lua, 1, 1, 0) != LUA_OK) throw std::runtime_error(lua_tostring(lua, -1));
+  const auto result = static_cast<long long>(lua_tonumber(lua, -1));
+  lua_pop(lua, 1);
+  return result;
+}
+
+void compare(const std::string& name, double goal) {
+  constexpr int rounds = 5;
+  BenchHost host;
+  Engine engine(host);
+  engine.add_code(name, contents(name + ".vbs"));
+  lua_State* lua = luaL_newstate();
+  luaL_openlibs(lua);
+  if (luaL_dostring(lua, contents(name + ".lua").c_str()) != LUA_OK) throw std::runtime_error(lua_tostring(lua, -1));
+  double ours = 1e9;
+  double theirs = 1e9;
+  long long our_result = 0;
+  long long their_result = 0;
+  for (int i = 0; i < rounds; ++i) {
+    ours = std::min(ours, seconds([&] { our_result = engine.call("program", "x").number.value_or(-1); }));
+    theirs = std::min(theirs, seconds([&] { their_result = run_lua(lua); }));
+  }
+  lua_close(lua);
+  if (our_result != their_result) throw std::runtime_error(name + ": the results differ");
+  std::printf("%-12s %8.1f ms   Lua %8.1f ms   ratio %.2f (goal %.1f)\n", name.c_str(), ours * 1e3, theirs * 1e3,
+              ours / theirs, goal);
+}
+
+void measure_call() {
+  BenchHost host;
+  Engine engine(host);
+  engine.add_code("t", R"(Function check(data)
+  Dim score
+  score = 0
+  If InStr(data, "viagra") > 0 Then
+    score = score + 5
+  End If
+  If Len(data) > 1000 Then
+    score = score + 1
+  End If
+  check = score
+End Function)");
+  constexpr int calls = 200'000;
+  const double time = seconds([&] {
+    for (int i = 0; i < calls; ++i) engine.call("check", "HELO mail.example.com");
+  });
+  std::printf("%-12s %8.2f us (goal 2)\n", "call", time / calls * 1e6);
+}
+
+void measure_loading() {
+  std::vector<std::string> texts;
+  for (int i = 0; i < 100; ++i) {
+    const std::string n = std::to_string(i);
+    std::string text = "Function script" + n + "(data)\n  Dim parts, i, total\n  total = 0\n";
+    for (int line = 0; line < 24; ++line) {
+      text += "  If InStr(1, LCase(data), \"word" + std::to_string(line) + "\") > 0 Then\n    total = total + " +
+              std::to_string(line) + "\n    parts = parts & \",\" & total\n  End If\n";
+    }
+    texts.push_back(text + "  script" + n + " = total\nEnd Function\n");
+  }
+  BenchHost host;
+  Engine engine(host);
+  double best = 1e9;
+  for (int round = 0; round < 10; ++round) {
+    engine.reset();
+    best = std::min(best, seconds([&] {
+      for (const std::string& text : texts) engine.add_code("t", text);
+    }));
+  }
+  std::printf("%-12s %8.2f ms for 100 scripts of 100 lines (goal 5)\n", "loading", best * 1e3);
+}
+
+}  // namespace
+
+int main() {
+  try {
+    compare("recursion", 1.5);
+    compare("loops", 1.5);
+    compare("sieve", 1.5);
+    compare("strings", 2);
+    compare("building", 2);
+    compare("dictionary", 2);
+    compare("expressions", 2);
+    measure_call();
+    measure_loading();
+  } catch (const zrl::vbs::ScriptError& error) {
+    std::fprintf(stderr, "%s(%zu): %s\n", error.name.c_str(), error.line, error.description.c_str());
+    return 1;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+  return 0;
+}

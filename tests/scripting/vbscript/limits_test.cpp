@@ -1,0 +1,131 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "scripting/vbscript/script_support.h"
+
+namespace zrl::vbs::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+Limits small() {
+  Limits limits;
+  limits.call_time = 100ms;
+  limits.memory = std::size_t{4} << 20;
+  limits.string_units = 200'000;
+  limits.call_depth = 500;
+  return limits;
+}
+
+TEST(LimitsTest, EndlessScriptsAreStopped) {
+  for (const char* script : {
+           "Do : Loop",
+           "While True : Wend",
+           "On Error Resume Next\nDo : x = 1 / 0 : Loop",
+           "For i = 1 To 2 Step 0 : Next",
+           "Sub f : g : End Sub : Sub g : End Sub\nDo : f : Loop",
+           "Set d = CreateObject(\"Scripting.Dictionary\")\nDo : d(1) = 2 : Loop",
+           "Do : x = Eval(\"1\") : Loop",
+       }) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THAT(output_of(script, small()), ElementsAre(HasSubstr("was stopped"))) << script;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s) << script;
+  }
+}
+
+TEST(LimitsTest, TheEngineGoesOnAfterALimit) {
+  ScriptHost host;
+  Engine engine(host, small());
+  engine.add_code("t", "Function f(x) : f = x + 1 : End Function\nSub endless(x) : Do : Loop : End Sub");
+  EXPECT_THROW(engine.call("endless", ""), ScriptError);
+  EXPECT_EQ(engine.call("f", "1").number, 2);
+  EXPECT_THROW(engine.add_code("u", "s = \"x\" : Do : s = s & s : Loop"), ScriptError);
+  EXPECT_EQ(engine.call("f", "1").number, 2);
+}
+
+TEST(LimitsTest, MemoryIsCounted) {
+  EXPECT_THAT(output_of("ReDim a(10000000)", small()), ElementsAre(HasSubstr("error 7 ")));
+  EXPECT_THAT(output_of("Dim n : ReDim a(1000)\nDo : n = n + 1 : a(n Mod 1000) = String(100000, \"x\") : Loop", small()),
+              ElementsAre(HasSubstr("error 7 ")));
+  EXPECT_THAT(output_of("Set d = CreateObject(\"Scripting.Dictionary\")\nDo : n = n + 1 : d(n) = n : Loop", small()),
+              ElementsAre(HasSubstr("error 7 ")));
+  EXPECT_THAT(output_of("Do : n = n + 1 : ExecuteGlobal \"Sub f\" & n & \" : End Sub\" : Loop", small()),
+              ElementsAre(testing::AnyOf(HasSubstr("error 7 "), HasSubstr("was stopped"))));
+}
+
+TEST(LimitsTest, StringsHaveASize) {
+  for (const char* script : {"s = String(300000, \"x\")", "s = Space(300000)", "s = \"x\" : Do : s = s & s : Loop",
+                             "s = Replace(String(1000, \"x\"), \"x\", String(1000, \"y\"))",
+                             "Dim a(1000) : s = Join(a, String(1000, \"x\"))"}) {
+    EXPECT_THAT(output_of(script, small()), ElementsAre(HasSubstr("error 14 "))) << script;
+  }
+}
+
+TEST(LimitsTest, RecursionEnds) {
+  for (const char* script : {
+           "Sub f : f : End Sub : f",
+           "Class C : Public Default Property Get v : v = Me & \"\" : End Property : End Class\nx = New C & \"\"",
+           "Class C : Private Sub Class_Initialize : Set x = New C : End Sub : End Class\nSet y = New C",
+           "Function f(x) : f = Eval(\"f(1)\") : End Function\nx = f(1)",
+           "Sub f : Execute \"f\" : End Sub : f",
+       }) {
+    EXPECT_THAT(output_of(script, small()), ElementsAre(HasSubstr("error 28 "))) << script;
+  }
+}
+
+std::string repeated(const std::string& text, int count) {
+  std::string result;
+  for (int i = 0; i < count; ++i) result += text;
+  return result;
+}
+
+TEST(LimitsTest, DeepNestingIsRefusedOrHandled) {
+  const int many = 100'000;
+  for (const std::string& script : {
+           "x = " + repeated("(", many) + "1" + repeated(")", many),
+           "x = " + repeated("-", many) + "1",
+           "x = " + repeated("Not ", many) + "1",
+           "x = a" + repeated("(a", many) + repeated(")", many),
+           "x = 1" + repeated(" + 1", many),
+           "x = 1" + repeated(" ^ -1", many),
+           "x" + repeated(".y", many) + " 1",
+           repeated("If 1 Then ", many),
+           repeated("Do\n", many),
+           "Const c = " + repeated("-", many) + "1",
+       }) {
+    EXPECT_THAT(output_of(script, small()), ElementsAre(HasSubstr("compile error 28 "))) << script.substr(0, 40);
+  }
+  EXPECT_THAT(output_of("x = \"a\"" + repeated(" & \"b\"", 800) + "\nWScript.Echo Len(x)"), ElementsAre("801"));
+}
+
+TEST(LimitsTest, LongChainsOfObjectsAndArraysEnd) {
+  EXPECT_THAT(output_of("Class Node : Public p : End Class\n"
+                        "For i = 1 To 200000 : Set n = New Node : Set n.p = h : Set h = n : Next\n"
+                        "Set n = Nothing : Set h = Nothing : WScript.Echo 1"),
+              ElementsAre(HasSubstr("error 424")));
+  EXPECT_THAT(output_of("Class Node : Public p : End Class\n"
+                        "Set h = Nothing\n"
+                        "For i = 1 To 200000 : Set n = New Node : Set n.p = h : Set h = n : Next\n"
+                        "Set n = Nothing : Set h = Nothing : WScript.Echo 1"),
+              ElementsAre("1"));
+  EXPECT_THAT(output_of("a = 0\nFor i = 1 To 200000 : a = Array(a) : Next\na = 0 : WScript.Echo 1"), ElementsAre("1"));
+  EXPECT_THAT(output_of("Class Node : Public p\nPrivate Sub Class_Terminate : count = count + 1 : End Sub : End Class\n"
+                        "Dim count : Set h = Nothing\n"
+                        "For i = 1 To 20000 : Set n = New Node : Set n.p = h : Set h = n : Next\n"
+                        "Set n = Nothing : Set h = Nothing : WScript.Echo count"),
+              ElementsAre("20000"));
+}
+
+// A text search that grows with both lengths would never come back.
+TEST(LimitsTest, SearchesAreLinear) {
+  EXPECT_THAT(output_of("s = String(2000000, \"a\") : n = String(1000000, \"a\") & \"b\"\n"
+                        "WScript.Echo InStr(s, n), InStrRev(s, n), Len(Replace(s, n, \"\"))"),
+              ElementsAre("0 0 2000000"));
+}
+
+}  // namespace
+}  // namespace zrl::vbs::test
