@@ -53,6 +53,10 @@ void write_version(Bare& bare);
 // "FROM n" in a SELECT over the numbers from 1 to `count`, in the column i.
 std::string numbers(int count, std::string_view select);
 
+// The least seconds of several runs, for work of milliseconds, which anything else on the machine
+// would hide.
+double quickest(const Run& run);
+
 // Ends the program: what was measured did not do its work.
 void require(bool done, const char* what);
 
