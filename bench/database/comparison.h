@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <sqlite3.h>
@@ -27,6 +30,27 @@ class Bare {
 
  private:
   sqlite3* handle_ = nullptr;
+};
+
+// What a program would keep of a list that knows nothing but the engine.
+struct Arena {
+  std::string bytes;
+  std::vector<std::uint32_t> ends;
+
+  void add(std::string_view text) {
+    bytes.append(text);
+    ends.push_back(static_cast<std::uint32_t>(bytes.size()));
+  }
+  void add(sqlite3_stmt* row, int column) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+    add(std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(row, column))));
+  }
+  std::string_view operator[](std::size_t index) const {
+    const std::size_t begin = index == 0 ? 0 : ends[index - 1];
+    return std::string_view(bytes).substr(begin, ends[index] - begin);
+  }
+  std::size_t count() const { return ends.size(); }
+  std::size_t size() const { return bytes.size() + ends.size() * sizeof(std::uint32_t); }
 };
 
 // Where the databases and list files of the benchmarks lie; removed when the program ends.

@@ -41,19 +41,6 @@ const std::filesystem::path& database() {
   return path;
 }
 
-// What a program would keep that knows nothing but the engine.
-struct Arena {
-  std::string bytes;
-  std::vector<std::uint32_t> ends;
-
-  void add(sqlite3_stmt* row, int column) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
-    bytes.append(text, static_cast<std::size_t>(sqlite3_column_bytes(row, column)));
-    ends.push_back(static_cast<std::uint32_t>(bytes.size()));
-  }
-  std::size_t size() const { return bytes.size() + ends.size() * sizeof(std::uint32_t); }
-};
-
 Arena read_bare(Bare& bare) {
   Arena arena;
   sqlite3_stmt* rows = bare.prepare("SELECT entry FROM blacklist");

@@ -140,6 +140,7 @@ bool SqliteRecordSet::open_keys(const Statement& select, Connection::Access acce
       if (rows->is_null(0)) throw Error(SQLITE_ERROR, "the rows have no keys");
       keys_.push_back(rows->number(0));
     }
+    keys_.shrink_to_fit();
   } catch (const Error& error) {
     // A view or a table without row keys can still be read.
     if (error.number() != SQLITE_ERROR || access == Connection::Access::updatable) throw;

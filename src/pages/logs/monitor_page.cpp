@@ -122,16 +122,13 @@ void MonitorPage::open_archive() {
 
 void MonitorPage::fill_list() {
   if (list_mode_ == nullptr) return;
-  StringList entries = rows(list_mode_->table, list_mode_->column).value_or(StringList());
-  entries.retain([](std::string_view entry) { return !entry.empty(); });
-  if (list_mode_->domains) {
-    StringList shown;
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-      shown.push_back(entries[i].substr(entries[i].starts_with(any_mailbox) ? any_mailbox.size() : 0));
-    }
-    entries = std::move(shown);
+  const StringList entries = rows(list_mode_->table, list_mode_->column).value_or(StringList());
+  StringList shown;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const bool hides = list_mode_->domains && entries[i].starts_with(any_mailbox);
+    if (!entries[i].empty()) shown.push_back(entries[i].substr(hides ? any_mailbox.size() : 0));
   }
-  List1.set_items(std::move(entries));
+  List1.set_items(std::move(shown));
 }
 
 void MonitorPage::read_counters() {
