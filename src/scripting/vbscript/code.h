@@ -65,10 +65,10 @@ struct Proc {
   ProcKind kind = ProcKind::main;
   SymbolId symbol = Symbols::none;
   bool is_public = true;
-  bool global_frame = false;   // registers are the global variables
+  bool global_frame = false;  // registers are the global variables
   bool any_by_value = false;
-  bool plain = false;          // begins without looking at its arguments or names
-  bool executed = false;       // by Execute in a procedure: its outer variables are bound by name
+  bool plain = false;     // begins without looking at its arguments or names
+  bool executed = false;  // by Execute in a procedure: its outer variables are bound by name
   std::uint16_t parameters = 0;
   std::uint32_t registers = 1;  // register 0 is the result, then the parameters
   std::uint32_t first_temp = 0;

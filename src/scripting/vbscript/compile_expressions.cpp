@@ -319,8 +319,7 @@ void ProcedureCompiler::call_into(const Expr& expr, Register target) {
 
 // variable(index)
 bool ProcedureCompiler::index_into(const Expr& expr, Register target) {
-  if (expr.arguments.size() != 1 || !indexes_variable(expr) ||
-      expr.arguments[0]->kind == ExprKind::missing) {
+  if (expr.arguments.size() != 1 || !indexes_variable(expr) || expr.arguments[0]->kind == ExprKind::missing) {
     return false;
   }
   const std::size_t top = top_;
@@ -337,8 +336,8 @@ bool ProcedureCompiler::indexes_variable(const Expr& expr) const {
   if (expr.kind != ExprKind::call || expr.left->kind != ExprKind::name) return false;
   const Meaning known = meaning(expr.left->symbol);
   if (is_own_name(known, expr.left->symbol)) return false;
-  return known.kind == Meaning::Kind::local || known.kind == Meaning::Kind::variable || known.kind == Meaning::Kind::global ||
-         known.kind == Meaning::Kind::field;
+  return known.kind == Meaning::Kind::local || known.kind == Meaning::Kind::variable ||
+         known.kind == Meaning::Kind::global || known.kind == Meaning::Kind::field;
 }
 
 // The name of the procedure itself is its result, but with arguments it is a call.
@@ -400,7 +399,8 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
       return invoke_own_name(callee, list, window);
     case Meaning::Kind::builtin: {
       const Builtin& builtin = context_.builtins.function(known.index);
-      const bool fits = list.size() >= builtin.least && (list.size() <= builtin.most || builtin.most == any_number);
+      const bool fits =
+          list.size() >= builtin.least && (list.size() <= builtin.most || builtin.most == any_number);
       arguments(list, false);
       if (fits) {
         emit_extended(Op::call_builtin, window, count, 0, known.index);

@@ -44,8 +44,8 @@ void ProcedureCompiler::compile() {
 
 std::size_t ProcedureCompiler::emit(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c) {
   if (a > 0xffff || b > 0xffff || c > 0xffff) throw CompileFailure{1001, 0};
-  proc_.code.push_back({op, static_cast<std::uint16_t>(a), static_cast<std::uint16_t>(b),
-                        static_cast<std::uint16_t>(c)});
+  proc_.code.push_back(
+      {op, static_cast<std::uint16_t>(a), static_cast<std::uint16_t>(b), static_cast<std::uint16_t>(c)});
   return proc_.code.size() - 1;
 }
 
@@ -67,7 +67,8 @@ void ProcedureCompiler::jump(Op op, std::uint32_t a, Label& label) {
   if (label.target < 0) label.uses.push_back(at);
 }
 
-void ProcedureCompiler::jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c, Label& label) {
+void ProcedureCompiler::jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c,
+                                      Label& label) {
   const std::size_t at = emit_extended(op, a, b, c, label.target);
   if (label.target < 0) label.uses.push_back(at + 1);
 }
@@ -79,8 +80,8 @@ void ProcedureCompiler::bind(Label& label) {
 }
 
 void ProcedureCompiler::place(std::uint32_t offset) {
-  proc_.places.push_back({static_cast<std::uint32_t>(proc_.code.size()), offset, 0,
-                          static_cast<std::uint32_t>(persistent_)});
+  proc_.places.push_back(
+      {static_cast<std::uint32_t>(proc_.code.size()), offset, 0, static_cast<std::uint32_t>(persistent_)});
 }
 
 ProcedureCompiler::Register ProcedureCompiler::temp(std::size_t count) {
@@ -110,7 +111,8 @@ ProcedureCompiler::Register ProcedureCompiler::temp_behind_held() {
 
 void ProcedureCompiler::end_statement() {
   if (held_first_ < held_end_) {
-    emit(Op::clear, static_cast<std::uint32_t>(held_first_), static_cast<std::uint32_t>(held_end_ - held_first_));
+    emit(Op::clear, static_cast<std::uint32_t>(held_first_),
+         static_cast<std::uint32_t>(held_end_ - held_first_));
   }
   held_first_ = SIZE_MAX;
   held_end_ = 0;
@@ -430,7 +432,8 @@ void ProcedureCompiler::select(const Stmt& stmt) {
                                                                                 : operand(*branch.tests[i]);
         const Register result = temp_behind_held();
         if (test_literal && value_literal) {
-          emit_extended(Op::compare_literals, result, value, test, static_cast<std::int64_t>(Operator::equal));
+          emit_extended(Op::compare_literals, result, value, test,
+                        static_cast<std::int64_t>(Operator::equal));
         } else if (test_literal && index <= 0xffff) {
           emit(Op::equal_k, result, value, index);
         } else if (value_literal && value_index <= 0xffff) {

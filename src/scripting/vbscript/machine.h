@@ -27,19 +27,19 @@ struct ExtraScope {
 // A procedure that runs or waits for one that it called.
 struct Frame {
   const Proc* proc = nullptr;
-  const Instr* pc = nullptr;   // where it goes on
-  Value* base = nullptr;       // its registers
-  Value* top = nullptr;        // of the stack, behind its registers
+  const Instr* pc = nullptr;  // where it goes on
+  Value* base = nullptr;      // its registers
+  Value* top = nullptr;       // of the stack, behind its registers
   Instance* me = nullptr;
-  Value* result = nullptr;     // where the result goes when it is not register 0 itself
+  Value* result = nullptr;  // where the result goes when it is not register 0 itself
   ExtraScope* extra = nullptr;
-  Module* owned = nullptr;     // executed text that goes with the frame
-  std::uint32_t owner = 0;     // for executed text: the frame whose variables it sees
+  Module* owned = nullptr;  // executed text that goes with the frame
+  std::uint32_t owner = 0;  // for executed text: the frame whose variables it sees
   bool resume_next = false;
-  bool discard = false;        // nobody wants the result
-  bool termination = false;    // a Class_Terminate: its errors end with it
-  bool entry = false;          // returns to C++
-  bool plain = false;          // nothing is to be done at its end but to drop its registers
+  bool discard = false;      // nobody wants the result
+  bool termination = false;  // a Class_Terminate: its errors end with it
+  bool entry = false;        // returns to C++
+  bool plain = false;        // nothing is to be done at its end but to drop its registers
 };
 
 // What scripts see as Err.

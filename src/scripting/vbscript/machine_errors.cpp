@@ -105,8 +105,8 @@ void Machine::check_time() {
   if (std::chrono::steady_clock::now() < deadline_) return;
   Failure failure;
   failure.number = 507;
-  failure.description = u"The script ran longer than " +
-                        ascii(std::to_string(limits_.call_time.count())) + u" milliseconds and was stopped";
+  failure.description = u"The script ran longer than " + ascii(std::to_string(limits_.call_time.count())) +
+                        u" milliseconds and was stopped";
   failure.source = u"Microsoft VBScript runtime error";
   failure.final = true;
   throw failure;
@@ -170,7 +170,8 @@ bool Machine::handle(const Failure& failure, std::size_t bottom) {
   // What was being prepared behind the frame for a call that did not come about.
   constexpr std::ptrdiff_t prepared = 300;
   Value* const behind = frame().top;
-  for (Value* value = behind; value < behind + std::min(prepared, stack_end_ - behind); ++value) value->clear();
+  for (Value* value = behind; value < behind + std::min(prepared, stack_end_ - behind); ++value)
+    value->clear();
   while (true) {
     Frame& running = frame();
     if (running.resume_next && !failure.final) break;
@@ -218,7 +219,8 @@ ScriptError Machine::report(const Failure& failure) const {
   std::size_t line_start = 0;
   const std::u16string& text = error_module_->text;
   for (std::size_t i = 0; i < error_offset_ && i < text.size(); ++i) {
-    const bool ends = text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
+    const bool ends =
+        text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
     if (!ends) continue;
     ++error.line;
     line_start = i + 1;

@@ -173,7 +173,8 @@ void Machine::index(Value& target, const Value& callee, const Value& argument) {
       !dynamic_cast<ProcedureObject*>(actual.object())) {
     const Value held = actual;
     Value place = Value(argument.get());
-    target = use_member(*this, static_cast<NativeObject&>(*held.object()), {}, Use::get, Arguments(&place, 1), {});
+    target =
+        use_member(*this, static_cast<NativeObject&>(*held.object()), {}, Use::get, Arguments(&place, 1), {});
     return;
   }
   Value* const window = frame().top;
@@ -298,7 +299,8 @@ Value Machine::default_value(const Value& object) {
     } else if (auto* procedure = dynamic_cast<ProcedureObject*>(held.object())) {
       value = invoke(procedure->proc(), nullptr, {});
     } else {
-      value = use_member(*this, static_cast<NativeObject&>(*held.object()), {}, Use::get, Arguments(nullptr, 0), {});
+      value = use_member(*this, static_cast<NativeObject&>(*held.object()), {}, Use::get,
+                         Arguments(nullptr, 0), {});
     }
   }
   return value;

@@ -16,7 +16,7 @@ class NativeObject;
 
 // A member of an object that the engine brings. For let and set the value is the last argument.
 struct NativeMember {
-  const char* name;  // in lower case
+  const char* name;    // in lower case
   std::uint8_t least;  // arguments, without the value
   std::uint8_t most;
   bool writable;
