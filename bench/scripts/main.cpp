@@ -58,7 +58,8 @@ void compare(const std::string& name, double goal) {
   engine.add_code(name, contents(name + ".vbs"));
   lua_State* lua = luaL_newstate();
   luaL_openlibs(lua);
-  if (luaL_dostring(lua, contents(name + ".lua").c_str()) != LUA_OK) throw std::runtime_error(lua_tostring(lua, -1));
+  if (luaL_dostring(lua, contents(name + ".lua").c_str()) != LUA_OK)
+    throw std::runtime_error(lua_tostring(lua, -1));
   double ours = 1e9;
   double theirs = 1e9;
   long long our_result = 0;
@@ -69,8 +70,8 @@ void compare(const std::string& name, double goal) {
   }
   lua_close(lua);
   if (our_result != their_result) throw std::runtime_error(name + ": the results differ");
-  std::printf("%-12s %8.1f ms   Lua %8.1f ms   ratio %.2f (goal %.1f)\n", name.c_str(), ours * 1e3, theirs * 1e3,
-              ours / theirs, goal);
+  std::printf("%-12s %8.1f ms   Lua %8.1f ms   ratio %.2f (goal %.1f)\n", name.c_str(), ours * 1e3,
+              theirs * 1e3, ours / theirs, goal);
 }
 
 void measure_call() {
@@ -100,8 +101,9 @@ void measure_loading() {
     const std::string n = std::to_string(i);
     std::string text = "Function script" + n + "(data)\n  Dim parts, i, total\n  total = 0\n";
     for (int line = 0; line < 24; ++line) {
-      text += "  If InStr(1, LCase(data), \"word" + std::to_string(line) + "\") > 0 Then\n    total = total + " +
-              std::to_string(line) + "\n    parts = parts & \",\" & total\n  End If\n";
+      text += "  If InStr(1, LCase(data), \"word" + std::to_string(line) +
+              "\") > 0 Then\n    total = total + " + std::to_string(line) +
+              "\n    parts = parts & \",\" & total\n  End If\n";
     }
     texts.push_back(text + "  script" + n + " = total\nEnd Function\n");
   }
@@ -111,8 +113,8 @@ void measure_loading() {
   for (int round = 0; round < 10; ++round) {
     engine.reset();
     best = std::min(best, seconds([&] {
-      for (const std::string& text : texts) engine.add_code("t", text);
-    }));
+                      for (const std::string& text : texts) engine.add_code("t", text);
+                    }));
   }
   std::printf("%-12s %8.2f ms for 100 scripts of 100 lines (goal 5)\n", "loading", best * 1e3);
 }

@@ -54,9 +54,26 @@ enum class ExprKind : std::uint8_t {
 };
 
 enum class Operator : std::uint8_t {
-  imp, eqv, xor_, or_, and_,
-  equal, not_equal, less, greater, less_equal, greater_equal, is,
-  concat, add, subtract, mod, int_divide, multiply, divide, power,
+  imp,
+  eqv,
+  xor_,
+  or_,
+  and_,
+  equal,
+  not_equal,
+  less,
+  greater,
+  less_equal,
+  greater_equal,
+  is,
+  concat,
+  add,
+  subtract,
+  mod,
+  int_divide,
+  multiply,
+  divide,
+  power,
 };
 
 struct Expr {
@@ -80,19 +97,21 @@ enum class StmtKind : std::uint8_t {
   expression_call,  // target: the callee; arguments
   let,              // target = value
   set,
-  dim,              // arrays with bounds, in declarations
+  dim,  // arrays with bounds, in declarations
   redim,
-  erase,            // arguments
-  if_,              // branches
-  select,           // value, branches
-  do_,              // condition (may be null), until, at_end
-  for_,             // target, from value, to, step
-  for_each,         // target, value
-  with,             // value
-  exit_do, exit_for, exit_procedure,
+  erase,     // arguments
+  if_,       // branches
+  select,    // value, branches
+  do_,       // condition (may be null), until, at_end
+  for_,      // target, from value, to, step
+  for_each,  // target, value
+  with,      // value
+  exit_do,
+  exit_for,
+  exit_procedure,
   on_error_resume,
   on_error_stop,
-  nothing,          // what only marks a place: Stop, Const
+  nothing,  // what only marks a place: Stop, Const
 };
 
 struct Stmt;
@@ -100,8 +119,8 @@ using Block = std::span<Stmt*>;
 
 struct Branch {
   std::uint32_t offset = 0;
-  Expr* condition = nullptr;       // If, ElseIf; null for Else
-  std::span<Expr*> tests;          // Case
+  Expr* condition = nullptr;  // If, ElseIf; null for Else
+  std::span<Expr*> tests;     // Case
   Block body;
 };
 
@@ -109,8 +128,8 @@ struct VariableDecl {
   SymbolId symbol = Symbols::none;
   std::uint32_t offset = 0;
   bool is_array = false;
-  bool is_public = true;           // of classes
-  std::span<Expr*> bounds;         // empty: dynamic
+  bool is_public = true;    // of classes
+  std::span<Expr*> bounds;  // empty: dynamic
 };
 
 struct ConstDecl {
@@ -121,10 +140,10 @@ struct ConstDecl {
 
 struct Stmt {
   StmtKind kind = StmtKind::nothing;
-  bool flag = false;               // preserve; until
-  bool at_end = false;             // the condition of Do stands at Loop
+  bool flag = false;    // preserve; until
+  bool at_end = false;  // the condition of Do stands at Loop
   std::uint32_t offset = 0;
-  std::uint32_t end_offset = 0;    // of the line that closes the block
+  std::uint32_t end_offset = 0;  // of the line that closes the block
   Expr* target = nullptr;
   Expr* value = nullptr;
   Expr* to = nullptr;

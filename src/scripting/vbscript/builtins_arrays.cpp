@@ -44,7 +44,8 @@ std::int64_t dimension_argument(Machine& machine, Arguments arguments) {
 }
 
 Value u_bound(Machine& machine, Arguments arguments) {
-  return Value::long_integer(upper_bound(array_argument(arguments[0]), dimension_argument(machine, arguments)));
+  return Value::long_integer(
+      upper_bound(array_argument(arguments[0]), dimension_argument(machine, arguments)));
 }
 
 Value l_bound(Machine& machine, Arguments arguments) {
@@ -111,8 +112,8 @@ Value filter(Machine& machine, Arguments arguments) {
   std::vector<Ref<String>> kept;
   for (std::size_t i = 0; i < list.count; ++i) {
     Ref<String> text = to_string(machine, list.elements[i]);
-    const std::size_t found = ignoring_case ? find_text(lower_cased(text->view()), needle, 0)
-                                            : find_text(text->view(), needle, 0);
+    const std::size_t found =
+        ignoring_case ? find_text(lower_cased(text->view()), needle, 0) : find_text(text->view(), needle, 0);
     if ((found != std::u16string::npos) == include) kept.push_back(std::move(text));
     if (i % 65536 == 65535) machine.check_time();
   }
@@ -122,8 +123,9 @@ Value filter(Machine& machine, Arguments arguments) {
 }
 
 constexpr Builtin functions[] = {
-    {"Array", 0, any_number, array}, {"UBound", 1, 2, u_bound}, {"LBound", 1, 2, l_bound},
-    {"Join", 1, 2, join},            {"Split", 1, 4, split},    {"Filter", 2, 4, filter},
+    {"Array", 0, any_number, array}, {"UBound", 1, 2, u_bound},
+    {"LBound", 1, 2, l_bound},       {"Join", 1, 2, join},
+    {"Split", 1, 4, split},          {"Filter", 2, 4, filter},
 };
 
 }  // namespace

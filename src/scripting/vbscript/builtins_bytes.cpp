@@ -75,7 +75,8 @@ Value in_str_b(Machine& machine, Arguments arguments) {
   if (from >= bytes.size()) return Value::long_integer(0);
   if (needle.empty()) return Value::long_integer(start);
   machine.check_time();
-  const auto found = std::search(bytes.begin() + static_cast<std::ptrdiff_t>(from), bytes.end(), needle.begin(), needle.end());
+  const auto found = std::search(bytes.begin() + static_cast<std::ptrdiff_t>(from), bytes.end(),
+                                 needle.begin(), needle.end());
   return Value::long_integer(found == bytes.end() ? 0 : found - bytes.begin() + 1);
 }
 
@@ -93,7 +94,7 @@ Value chr_b(Machine& machine, Arguments arguments) {
 }
 
 constexpr Builtin functions[] = {
-    {"LenB", 1, 1, len_b},     {"LeftB", 2, 2, left_b}, {"RightB", 2, 2, right_b}, {"MidB", 2, 3, mid_b},
+    {"LenB", 1, 1, len_b},      {"LeftB", 2, 2, left_b}, {"RightB", 2, 2, right_b}, {"MidB", 2, 3, mid_b},
     {"InStrB", 2, 4, in_str_b}, {"AscB", 1, 1, asc_b},   {"ChrB", 1, 1, chr_b},
 };
 

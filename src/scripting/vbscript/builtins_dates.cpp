@@ -103,13 +103,15 @@ Value month_name(Machine& machine, Arguments arguments) {
   const bool abbreviated = arguments.has(1) && to_boolean(machine, arguments[1]);
   if (number < 1 || number > 12) raise(error::invalid_call);
   const Locale& locale = *machine.locale;
-  return Value(machine.heap.string(abbreviated ? locale.short_months[number - 1] : locale.months[number - 1]));
+  return Value(
+      machine.heap.string(abbreviated ? locale.short_months[number - 1] : locale.months[number - 1]));
 }
 
 Value date_serial(Machine& machine, Arguments arguments) {
   std::int64_t full_year = to_integer(machine, arguments[0]);
   if (full_year >= 0 && full_year < 100) full_year += full_year < 30 ? 2000 : 1900;
-  return Value::date(days_or_fail(full_year, to_integer(machine, arguments[1]), to_integer(machine, arguments[2])));
+  return Value::date(
+      days_or_fail(full_year, to_integer(machine, arguments[1]), to_integer(machine, arguments[2])));
 }
 
 Value time_serial(Machine& machine, Arguments arguments) {

@@ -22,9 +22,9 @@ Value msg_box(Machine& machine, Arguments arguments) {
 }
 
 Value input_box(Machine& machine, Arguments arguments) {
-  const auto answer = machine.host().input_box(to_utf8(Text(machine, arguments[0])),
-                                               text_argument(machine, arguments, 1),
-                                               text_argument(machine, arguments, 2));
+  const auto answer =
+      machine.host().input_box(to_utf8(Text(machine, arguments[0])), text_argument(machine, arguments, 1),
+                               text_argument(machine, arguments, 2));
   return answer ? Value(machine.heap.string(to_utf16(*answer))) : Value();
 }
 
@@ -67,7 +67,8 @@ Value set_locale(Machine& machine, Arguments arguments) {
   if (arguments.has(0)) {
     const Value& wanted = arguments[0];
     const bool tag = wanted.is(Type::string) && !parse_number(wanted.text(), *machine.locale);
-    found = tag ? find_locale(wanted.text()) : find_locale(static_cast<std::int32_t>(to_long(machine, wanted)));
+    found =
+        tag ? find_locale(wanted.text()) : find_locale(static_cast<std::int32_t>(to_long(machine, wanted)));
   }
   if (!found) raise(error::bad_locale);
   machine.locale = found;

@@ -162,8 +162,11 @@ double Machine::random(const Value* argument) {
 }
 
 void Machine::randomise(const Value* seed) {
-  const double number = seed ? to_number(*this, *seed)
-                             : static_cast<double>(std::chrono::system_clock::now().time_since_epoch().count() % 86'400'000'000'000) / 1e9;
+  const double number =
+      seed ? to_number(*this, *seed)
+           : static_cast<double>(std::chrono::system_clock::now().time_since_epoch().count() %
+                                 86'400'000'000'000) /
+                 1e9;
   const auto high = static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(number) >> 32);
   random_seed_ = (random_seed_ & 0xff) | (((high & 0xffff) ^ (high >> 16)) << 8);
 }

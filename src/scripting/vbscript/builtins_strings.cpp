@@ -88,8 +88,8 @@ Value in_str(Machine& machine, Arguments arguments) {
   const auto from = static_cast<std::size_t>(start - 1);
   if (text.view().empty() || from >= text.view().size()) return Value::long_integer(0);
   if (needle.view().empty()) return Value::long_integer(start);
-  const std::size_t found = ignoring_case ? find_text(lower_cased(text), lower_cased(needle), from)
-                                          : find_text(text, needle, from);
+  const std::size_t found =
+      ignoring_case ? find_text(lower_cased(text), lower_cased(needle), from) : find_text(text, needle, from);
   return Value::long_integer(found == std::u16string_view::npos ? 0 : static_cast<std::int64_t>(found + 1));
 }
 

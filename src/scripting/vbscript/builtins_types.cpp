@@ -57,7 +57,8 @@ Value is_array(Machine&, Arguments arguments) {
 }
 
 Value is_date(Machine& machine, Arguments arguments) {
-  const Value value = arguments[0].is(Type::object) && !arguments[0].object() ? Value() : scalar(machine, arguments[0]);
+  const Value value =
+      arguments[0].is(Type::object) && !arguments[0].object() ? Value() : scalar(machine, arguments[0]);
   if (value.is(Type::date)) return Value::boolean(true);
   return Value::boolean(value.is(Type::string) && parse_date(value.text(), *machine.locale).has_value());
 }
@@ -183,8 +184,8 @@ std::u16string type_text(Machine& machine, const Value& value) {
       return u"Variant()";
   }
   if (!value.object()) return u"Nothing";
-  if (auto* instance = dynamic_cast<Instance*>(value.object())) return machine.symbols().name(instance->type().symbol);
-  if (auto* native = dynamic_cast<NativeObject*>(value.object())) return to_utf16(native->type_name());
+  if (auto* instance = as_instance(value.object())) return machine.symbols().name(instance->type().symbol);
+  if (auto* native = as_native(value.object())) return to_utf16(native->type_name());
   return u"Object";
 }
 
@@ -193,15 +194,15 @@ Value type_name(Machine& machine, Arguments arguments) {
 }
 
 constexpr Builtin conversions[] = {
-    {"CBool", 1, 1, c_bool},   {"CByte", 1, 1, c_byte},   {"CInt", 1, 1, c_int},
-    {"CLng", 1, 1, c_long},    {"CDbl", 1, 1, c_double},  {"CSng", 1, 1, c_single},
+    {"CBool", 1, 1, c_bool},    {"CByte", 1, 1, c_byte},  {"CInt", 1, 1, c_int},
+    {"CLng", 1, 1, c_long},     {"CDbl", 1, 1, c_double}, {"CSng", 1, 1, c_single},
     {"CCur", 1, 1, c_currency}, {"CDate", 1, 1, c_date},  {"CStr", 1, 1, c_string},
 };
 
 constexpr Builtin types[] = {
-    {"IsArray", 1, 1, is_array},     {"IsDate", 1, 1, is_date},       {"IsEmpty", 1, 1, is_empty},
-    {"IsNull", 1, 1, is_null},       {"IsObject", 1, 1, is_object},   {"IsNumeric", 1, 1, is_numeric},
-    {"VarType", 1, 1, var_type},     {"TypeName", 1, 1, type_name},
+    {"IsArray", 1, 1, is_array}, {"IsDate", 1, 1, is_date},     {"IsEmpty", 1, 1, is_empty},
+    {"IsNull", 1, 1, is_null},   {"IsObject", 1, 1, is_object}, {"IsNumeric", 1, 1, is_numeric},
+    {"VarType", 1, 1, var_type}, {"TypeName", 1, 1, type_name},
 };
 
 }  // namespace

@@ -20,8 +20,8 @@ int order(std::u16string_view a, std::u16string_view b) {
 
 bool is_integral(const Value& value) {
   const Type type = value.type();
-  return type == Type::empty || type == Type::integer || type == Type::long_integer || type == Type::boolean ||
-         type == Type::byte;
+  return type == Type::empty || type == Type::integer || type == Type::long_integer ||
+         type == Type::boolean || type == Type::byte;
 }
 
 // A text and something that is none.

@@ -44,8 +44,8 @@ void ProcedureCompiler::compile() {
 
 std::size_t ProcedureCompiler::emit(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c) {
   if (a > 0xffff || b > 0xffff || c > 0xffff) throw CompileFailure{1001, 0};
-  proc_.code.push_back({op, static_cast<std::uint16_t>(a), static_cast<std::uint16_t>(b),
-                        static_cast<std::uint16_t>(c)});
+  proc_.code.push_back(
+      {op, static_cast<std::uint16_t>(a), static_cast<std::uint16_t>(b), static_cast<std::uint16_t>(c)});
   return proc_.code.size() - 1;
 }
 
@@ -67,7 +67,8 @@ void ProcedureCompiler::jump(Op op, std::uint32_t a, Label& label) {
   if (label.target < 0) label.uses.push_back(at);
 }
 
-void ProcedureCompiler::jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c, Label& label) {
+void ProcedureCompiler::jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c,
+                                      Label& label) {
   const std::size_t at = emit_extended(op, a, b, c, label.target);
   if (label.target < 0) label.uses.push_back(at + 1);
 }
@@ -79,8 +80,8 @@ void ProcedureCompiler::bind(Label& label) {
 }
 
 void ProcedureCompiler::place(std::uint32_t offset) {
-  proc_.places.push_back({static_cast<std::uint32_t>(proc_.code.size()), offset, 0,
-                          static_cast<std::uint32_t>(persistent_)});
+  proc_.places.push_back(
+      {static_cast<std::uint32_t>(proc_.code.size()), offset, 0, static_cast<std::uint32_t>(persistent_)});
 }
 
 ProcedureCompiler::Register ProcedureCompiler::temp(std::size_t count) {
@@ -110,7 +111,8 @@ ProcedureCompiler::Register ProcedureCompiler::temp_behind_held() {
 
 void ProcedureCompiler::end_statement() {
   if (held_first_ < held_end_) {
-    emit(Op::clear, static_cast<std::uint32_t>(held_first_), static_cast<std::uint32_t>(held_end_ - held_first_));
+    emit(Op::clear, static_cast<std::uint32_t>(held_first_),
+         static_cast<std::uint32_t>(held_end_ - held_first_));
   }
   held_first_ = SIZE_MAX;
   held_end_ = 0;
@@ -430,7 +432,8 @@ void ProcedureCompiler::select(const Stmt& stmt) {
                                                                                 : operand(*branch.tests[i]);
         const Register result = temp_behind_held();
         if (test_literal && value_literal) {
-          emit_extended(Op::compare_literals, result, value, test, static_cast<std::int64_t>(Operator::equal));
+          emit_extended(Op::compare_literals, result, value, test,
+                        static_cast<std::int64_t>(Operator::equal));
         } else if (test_literal && index <= 0xffff) {
           emit(Op::equal_k, result, value, index);
         } else if (value_literal && value_index <= 0xffff) {
@@ -460,129 +463,6 @@ void ProcedureCompiler::select(const Stmt& stmt) {
   place(stmt.end_offset);
   persistent_ = outer;
   emit(Op::clear, value, 1);
-}
-
-void ProcedureCompiler::do_loop(const Stmt& stmt) {
-  Label start;
-  Label exit;
-  const bool is_do = true;
-  loops_.push_back({!is_do, &exit});
-  bind(start);
-  const auto test = [&](Label& leave) {
-    if (!stmt.flag) return condition(*stmt.value, leave);
-    // Until: goes on where the condition is not true.
-    Label stay;
-    condition(*stmt.value, stay);
-    jump(Op::jump, 0, leave);
-    bind(stay);
-  };
-  if (stmt.value && !stmt.at_end) test(exit);
-  block(stmt.body);
-  place(stmt.end_offset);
-  if (stmt.value && stmt.at_end) test(exit);
-  jump(Op::loop, 0, start);
-  bind(exit);
-  loops_.pop_back();
-}
-
-void ProcedureCompiler::for_loop(const Stmt& stmt) {
-  const std::size_t outer = persistent_;
-  const Register base = temp(2);
-  Register variable = 0;
-  if (!direct_register(*stmt.target, variable)) {
-    const Meaning known = meaning(stmt.target->symbol);
-    if (known.kind == Meaning::Kind::variable) {
-      variable = static_cast<Register>(known.index);
-    } else {
-      variable = temp();
-      variable_reference(*stmt.target, variable);
-    }
-  }
-  persistent_ = top_;
-  emit(Op::clear, base, 2);
-  const Register from = temp();
-  into(*stmt.value, from);
-  into(*stmt.to, base);
-  if (stmt.step) {
-    into(*stmt.step, static_cast<Register>(base + 1));
-  } else {
-    load(Value::integer(1), static_cast<Register>(base + 1));
-  }
-  Label exit;
-  Label body;
-  jump_extended(Op::for_prepare, variable, base, from, exit);
-  end_statement();
-  release_to(persistent_);
-  loops_.push_back({true, &exit});
-  bind(body);
-  block(stmt.body);
-  place(stmt.end_offset);
-  jump_extended(Op::for_next, variable, base, 0, body);
-  bind(exit);
-  loops_.pop_back();
-  persistent_ = outer;
-}
-
-void ProcedureCompiler::for_each(const Stmt& stmt) {
-  const std::size_t outer = persistent_;
-  const Register base = temp(2);
-  Register variable = 0;
-  if (!direct_register(*stmt.target, variable)) {
-    const Meaning known = meaning(stmt.target->symbol);
-    if (known.kind == Meaning::Kind::variable) {
-      variable = static_cast<Register>(known.index);
-    } else {
-      variable = temp();
-      variable_reference(*stmt.target, variable);
-    }
-  }
-  persistent_ = top_;
-  emit(Op::clear, base, 2);
-  const Register collection = reference_or_value(*stmt.value);
-  emit(Op::each_prepare, base, collection);
-  end_statement();
-  release_to(persistent_);
-  Label exit;
-  Label next;
-  Label body;
-  loops_.push_back({true, &exit});
-  jump(Op::jump, 0, next);
-  bind(body);
-  block(stmt.body);
-  place(stmt.end_offset);
-  bind(next);
-  jump_extended(Op::each_next, variable, base, 0, body);
-  bind(exit);
-  place(stmt.end_offset);
-  emit(Op::clear, base, 2);
-  loops_.pop_back();
-  persistent_ = outer;
-}
-
-void ProcedureCompiler::with(const Stmt& stmt) {
-  const std::size_t outer = persistent_;
-  const Register object = temp();
-  persistent_ = top_;
-  emit(Op::clear, object, 1);
-  const std::size_t top = top_;
-  const Register value = reference_or_value(*stmt.value);
-  emit(Op::set, object, value);
-  end_statement();
-  release_to(top);
-  withs_.push_back(object);
-  block(stmt.body);
-  withs_.pop_back();
-  place(stmt.end_offset);
-  emit(Op::clear, object, 1);
-  persistent_ = outer;
-}
-
-void ProcedureCompiler::exit(const Stmt& stmt) {
-  const bool is_for = stmt.kind == StmtKind::exit_for;
-  for (auto loop = loops_.rbegin(); loop != loops_.rend(); ++loop) {
-    if (loop->is_for == is_for) return jump(Op::jump, 0, *loop->exit);
-  }
-  throw CompileFailure{error::invalid_exit, stmt.offset};
 }
 
 // Dim name(bounds), for each array

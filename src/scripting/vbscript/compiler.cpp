@@ -9,7 +9,8 @@
 namespace zrl::vbs {
 
 std::uint32_t ModuleCompiler::constant(const Value& value) {
-  const std::uint64_t key = static_cast<std::uint64_t>(value.i()) * 31 + static_cast<std::uint64_t>(value.type());
+  const std::uint64_t key =
+      static_cast<std::uint64_t>(value.i()) * 31 + static_cast<std::uint64_t>(value.type());
   const auto found = numbers.find(key);
   if (found != numbers.end()) {
     const Value& known = module.constants[found->second];
@@ -215,7 +216,8 @@ class TextCompiler {
     for (const auto& declared : ast_.procedures) {
       compile_procedure(*declared, *module_.procedures[index++], nullptr, false);
     }
-    for (const auto& [declared, proc, info] : class_procedures_) compile_procedure(*declared, *proc, info, false);
+    for (const auto& [declared, proc, info] : class_procedures_)
+      compile_procedure(*declared, *proc, info, false);
   }
 
   void compile_main() {
@@ -245,7 +247,8 @@ class TextCompiler {
 };
 
 std::size_t size_of(const Module& module) {
-  std::size_t bytes = sizeof(Module) + module.text.size() * sizeof(char16_t) + module.constants.size() * sizeof(Value);
+  std::size_t bytes =
+      sizeof(Module) + module.text.size() * sizeof(char16_t) + module.constants.size() * sizeof(Value);
   for (const auto& proc : module.procedures) {
     bytes += sizeof(Proc) + proc->code.size() * sizeof(Instr) + proc->places.size() * sizeof(Place);
   }
@@ -254,7 +257,8 @@ std::size_t size_of(const Module& module) {
 
 }  // namespace
 
-std::unique_ptr<Module> compile(Ast& ast, std::u16string text, std::string name, const CompileContext& context) {
+std::unique_ptr<Module> compile(Ast& ast, std::u16string text, std::string name,
+                                const CompileContext& context) {
   auto module = std::make_unique<Module>();
   module->name = std::move(name);
   module->text = std::move(text);

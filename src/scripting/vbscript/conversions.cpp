@@ -31,7 +31,8 @@ std::optional<double> parse_based(std::u16string_view text) {
   const bool marked = digits.back() == '&';
   if (marked) digits.pop_back();
   std::uint32_t number = 0;
-  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number, marker == u'h' ? 16 : 8);
+  const auto result =
+      std::from_chars(digits.data(), digits.data() + digits.size(), number, marker == u'h' ? 16 : 8);
   if (result.ec != std::errc() || result.ptr != digits.data() + digits.size()) return std::nullopt;
   if (!marked && number <= 0xffff) return static_cast<std::int16_t>(static_cast<std::uint16_t>(number));
   return static_cast<std::int32_t>(number);
@@ -103,7 +104,8 @@ std::optional<double> parse_number(std::u16string_view text, const Locale& local
     }
     if (exponent < text.size() && is_digit(text[exponent])) {
       plain += mark;
-      for (; exponent < text.size() && is_digit(text[exponent]); ++exponent) plain += static_cast<char>(text[exponent]);
+      for (; exponent < text.size() && is_digit(text[exponent]); ++exponent)
+        plain += static_cast<char>(text[exponent]);
       i = exponent;
     }
   }

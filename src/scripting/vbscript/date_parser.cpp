@@ -104,7 +104,8 @@ class DateReader {
 
   bool read_separator() {
     const char16_t unit = text_[position_++];
-    return (unit == u'/' || unit == u'-' || unit == u'.' || unit == u',') && (!numbers_.empty() || month_ != 0);
+    return (unit == u'/' || unit == u'-' || unit == u'.' || unit == u',') &&
+           (!numbers_.empty() || month_ != 0);
   }
 
   bool read_word() {
@@ -138,7 +139,8 @@ class DateReader {
   }
 
   static std::optional<double> date(std::int64_t year, std::int64_t month, std::int64_t day) {
-    if (month < 1 || month > 12 || day < 1 || year < 100 || day > days_in_month(year, month)) return std::nullopt;
+    if (month < 1 || month > 12 || day < 1 || year < 100 || day > days_in_month(year, month))
+      return std::nullopt;
     return day_serial(year, month, day);
   }
 
@@ -149,7 +151,8 @@ class DateReader {
     if (month_ != 0) {
       if (n.size() == 2) {
         const bool year_first = n[0].value > 31 || n[0].digits > 2;
-        return year_first ? date(full_year(n[0]), month_, n[1].value) : date(full_year(n[1]), month_, n[0].value);
+        return year_first ? date(full_year(n[0]), month_, n[1].value)
+                          : date(full_year(n[1]), month_, n[0].value);
       }
       if (n.size() != 1) return std::nullopt;
       if (n[0].value > 31 || n[0].digits > 2) return date(full_year(n[0]), month_, 1);

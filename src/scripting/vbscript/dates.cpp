@@ -55,7 +55,8 @@ double joined(double days, std::int64_t seconds) {
 DateParts parts_of(double serial) {
   const double even = linear(serial);
   auto day = static_cast<std::int64_t>(std::floor(even));
-  auto seconds = static_cast<std::int64_t>(std::floor((even - static_cast<double>(day)) * seconds_a_day + 0.5));
+  auto seconds =
+      static_cast<std::int64_t>(std::floor((even - static_cast<double>(day)) * seconds_a_day + 0.5));
   if (seconds >= seconds_a_day) {
     ++day;
     seconds -= seconds_a_day;
@@ -80,7 +81,8 @@ std::optional<double> day_serial(std::int64_t year, std::int64_t month, std::int
   month = month - 1 - floor_divide(month - 1, 12) * 12 + 1;
   if (year < -30'000 || year > 30'000) return std::nullopt;
   const std::chrono::year_month_day first{std::chrono::year(static_cast<int>(year)),
-                                          std::chrono::month(static_cast<unsigned>(month)), std::chrono::day(1)};
+                                          std::chrono::month(static_cast<unsigned>(month)),
+                                          std::chrono::day(1)};
   const std::int64_t days = std::chrono::sys_days(first).time_since_epoch().count() - epoch + day - 1;
   const auto serial = static_cast<double>(days);
   if (!is_date_serial(serial)) return std::nullopt;

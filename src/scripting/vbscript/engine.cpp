@@ -9,7 +9,8 @@ namespace zrl::vbs {
 
 namespace {
 
-ScriptError compile_error(const CompileFailure& failure, const std::u16string& text, const std::string& name) {
+ScriptError compile_error(const CompileFailure& failure, const std::u16string& text,
+                          const std::string& name) {
   ScriptError error;
   error.kind = ScriptError::Kind::compilation;
   error.number = failure.number;
@@ -19,7 +20,8 @@ ScriptError compile_error(const CompileFailure& failure, const std::u16string& t
   error.line = 1;
   std::size_t line_start = 0;
   for (std::size_t i = 0; i < failure.offset && i < text.size(); ++i) {
-    const bool ends = text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
+    const bool ends =
+        text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
     if (!ends) continue;
     ++error.line;
     line_start = i + 1;

@@ -32,8 +32,8 @@ struct ScriptError {
   Kind kind = Kind::runtime;
   std::int32_t number = 0;
   std::string description;
-  std::string source;  // as Err.Source tells it
-  std::string name;    // of the text, as add_code was told
+  std::string source;      // as Err.Source tells it
+  std::string name;        // of the text, as add_code was told
   std::size_t line = 0;    // from 1; 0 where there is no place
   std::size_t column = 0;  // from 1, in 16-bit units
 };
@@ -45,8 +45,8 @@ struct ScriptQuit {
 
 // The result of a call.
 struct ScriptValue {
-  bool is_empty = true;  // Empty or Null
-  std::string text;      // as CStr makes it; empty for objects and arrays
+  bool is_empty = true;                // Empty or Null
+  std::string text;                    // as CStr makes it; empty for objects and arrays
   std::optional<std::int32_t> number;  // as CLng makes it, where it can
 };
 

@@ -195,7 +195,8 @@ void Lexer::read_number() {
 bool Lexer::after_operand() const {
   if (tokens_.empty()) return false;
   const TokenKind kind = tokens_.back().kind;
-  return kind == TokenKind::name || kind == TokenKind::close || (kind >= TokenKind::integer && kind <= TokenKind::string);
+  return kind == TokenKind::name || kind == TokenKind::close ||
+         (kind >= TokenKind::integer && kind <= TokenKind::string);
 }
 
 // &H1F, &O17, &17, each with or without a closing &. Without it, what fits 16 bits is an Integer.

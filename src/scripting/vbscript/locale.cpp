@@ -12,18 +12,18 @@ Names english_months[] = {u"January", u"February", u"March",     u"April",   u"M
                           u"July",    u"August",   u"September", u"October", u"November", u"December"};
 Names english_short_months[] = {u"Jan", u"Feb", u"Mar", u"Apr", u"May", u"Jun",
                                 u"Jul", u"Aug", u"Sep", u"Oct", u"Nov", u"Dec"};
-Names english_days[] = {u"Sunday",   u"Monday", u"Tuesday", u"Wednesday",
-                        u"Thursday", u"Friday", u"Saturday"};
+Names english_days[] = {u"Sunday", u"Monday", u"Tuesday", u"Wednesday", u"Thursday", u"Friday", u"Saturday"};
 Names english_short_days[] = {u"Sun", u"Mon", u"Tue", u"Wed", u"Thu", u"Fri", u"Sat"};
-Names german_months[] = {u"Januar", u"Februar", u"M\u00e4rz",  u"April",   u"Mai",      u"Juni",
+Names german_months[] = {u"Januar", u"Februar", u"M\u00e4rz", u"April",   u"Mai",      u"Juni",
                          u"Juli",   u"August",  u"September", u"Oktober", u"November", u"Dezember"};
 Names german_short_months[] = {u"Jan", u"Feb", u"Mrz", u"Apr", u"Mai", u"Jun",
                                u"Jul", u"Aug", u"Sep", u"Okt", u"Nov", u"Dez"};
 Names german_days[] = {u"Sonntag",    u"Montag",  u"Dienstag", u"Mittwoch",
                        u"Donnerstag", u"Freitag", u"Samstag"};
 Names german_short_days[] = {u"So", u"Mo", u"Di", u"Mi", u"Do", u"Fr", u"Sa"};
-Names french_months[] = {u"janvier", u"f\u00e9vrier", u"mars",      u"avril",   u"mai",      u"juin",
-                         u"juillet", u"ao\u00fbt",    u"septembre", u"octobre", u"novembre", u"d\u00e9cembre"};
+Names french_months[] = {u"janvier",   u"f\u00e9vrier", u"mars",     u"avril",
+                         u"mai",       u"juin",         u"juillet",  u"ao\u00fbt",
+                         u"septembre", u"octobre",      u"novembre", u"d\u00e9cembre"};
 Names french_short_months[] = {u"janv.", u"f\u00e9vr.", u"mars",  u"avr.", u"mai",  u"juin",
                                u"juil.", u"ao\u00fbt",  u"sept.", u"oct.", u"nov.", u"d\u00e9c."};
 Names french_days[] = {u"dimanche", u"lundi", u"mardi", u"mercredi", u"jeudi", u"vendredi", u"samedi"};
@@ -66,7 +66,8 @@ const Locale* find_locale(std::int32_t id) {
 
 const Locale* find_locale(std::u16string_view tag) {
   for (const Locale& locale : locales) {
-    if (equal_ignoring_case(ascii(locale.tag), tag) || equal_ignoring_case(ascii(locale.tag).substr(0, 2), tag)) {
+    if (equal_ignoring_case(ascii(locale.tag), tag) ||
+        equal_ignoring_case(ascii(locale.tag).substr(0, 2), tag)) {
       return &locale;
     }
   }

@@ -13,12 +13,12 @@ struct Locale {
   char16_t decimal;
   char16_t thousands;
   const char16_t* currency;
-  bool currency_first;     // the sign stands before the amount
-  bool currency_blank;     // with a blank between
+  bool currency_first;        // the sign stands before the amount
+  bool currency_blank;        // with a blank between
   bool money_in_parentheses;  // negative amounts
   DateOrder order;
   char16_t date_separator;
-  bool padded_date;        // 02.01.2020
+  bool padded_date;  // 02.01.2020
   bool twelve_hours;
   bool padded_hour;
   const char16_t* long_date;  // d dd ddd.. see dates.cpp: W weekday, M month, d day, D padded day, y year

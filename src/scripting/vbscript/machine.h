@@ -27,19 +27,19 @@ struct ExtraScope {
 // A procedure that runs or waits for one that it called.
 struct Frame {
   const Proc* proc = nullptr;
-  const Instr* pc = nullptr;   // where it goes on
-  Value* base = nullptr;       // its registers
-  Value* top = nullptr;        // of the stack, behind its registers
+  const Instr* pc = nullptr;  // where it goes on
+  Value* base = nullptr;      // its registers
+  Value* top = nullptr;       // of the stack, behind its registers
   Instance* me = nullptr;
-  Value* result = nullptr;     // where the result goes when it is not register 0 itself
+  Value* result = nullptr;  // where the result goes when it is not register 0 itself
   ExtraScope* extra = nullptr;
-  Module* owned = nullptr;     // executed text that goes with the frame
-  std::uint32_t owner = 0;     // for executed text: the frame whose variables it sees
+  Module* owned = nullptr;  // executed text that goes with the frame
+  std::uint32_t owner = 0;  // for executed text: the frame whose variables it sees
   bool resume_next = false;
-  bool discard = false;        // nobody wants the result
-  bool termination = false;    // a Class_Terminate: its errors end with it
-  bool entry = false;          // returns to C++
-  bool plain = false;          // nothing is to be done at its end but to drop its registers
+  bool discard = false;      // nobody wants the result
+  bool termination = false;  // a Class_Terminate: its errors end with it
+  bool entry = false;        // returns to C++
+  bool plain = false;        // nothing is to be done at its end but to drop its registers
 };
 
 // What scripts see as Err.
@@ -172,12 +172,13 @@ class Machine final : public Context {
   Globals globals_;
   std::vector<std::unique_ptr<Module>> modules_;
 
-  struct FreeStack {
-    void operator()(Value* stack) const;
+  // Zeroes from the start, so that what is not touched costs nothing.
+  struct Free {
+    void operator()(void* block) const;
   };
-  std::unique_ptr<Value, FreeStack> stack_;
+  std::unique_ptr<Value, Free> stack_;
   Value* stack_end_ = nullptr;
-  std::unique_ptr<Frame[]> frames_;
+  std::unique_ptr<Frame[], Free> frames_;
   std::size_t depth_ = 0;  // of the frame that runs; 0 is none
   std::size_t nested_ = 0;
 

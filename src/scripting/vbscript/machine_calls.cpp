@@ -144,8 +144,9 @@ void Machine::call_unresolved(Value* window, std::size_t count, std::uint16_t lo
       break;
   }
   const bool declared_only = frame().proc->module->option_explicit;
-  fail(declared_only && kind == GlobalName::Kind::undefined ? error::undefined_variable : error::type_mismatch,
-       symbol);
+  fail(
+      declared_only && kind == GlobalName::Kind::undefined ? error::undefined_variable : error::type_mismatch,
+      symbol);
 }
 
 // What a name stands for that had no meaning when the code was compiled.
@@ -281,7 +282,8 @@ const Module& Machine::compile_text(std::u16string text, bool global, bool evalu
     Failure raised;
     raised.number = failure.number;
     raised.description = to_utf16(error_text(failure.number));
-    raised.source = failure.number > 1000 ? u"Microsoft VBScript compilation error" : u"Microsoft VBScript runtime error";
+    raised.source =
+        failure.number > 1000 ? u"Microsoft VBScript compilation error" : u"Microsoft VBScript runtime error";
     throw raised;
   }
   return *made;

@@ -19,8 +19,8 @@ constexpr std::size_t stack_values = std::size_t{1} << 20;
 
 }  // namespace
 
-void Machine::FreeStack::operator()(Value* stack) const {
-  std::free(stack);
+void Machine::Free::operator()(void* block) const {
+  std::free(block);
 }
 
 Machine::Machine(EngineHost& host, const Limits& limits, bool with_wscript)
@@ -32,8 +32,8 @@ Machine::Machine(EngineHost& host, const Limits& limits, bool with_wscript)
       builtins_(symbols_, with_wscript),
       // Zeroes are Empty; what is not touched costs nothing.
       stack_(static_cast<Value*>(std::calloc(stack_values, sizeof(Value)))),
-      frames_(new Frame[limits.call_depth + 1]) {
-  if (!stack_) throw std::bad_alloc();
+      frames_(static_cast<Frame*>(std::calloc(limits.call_depth + 1, sizeof(Frame)))) {
+  if (!stack_ || !frames_) throw std::bad_alloc();
   stack_end_ = stack_.get() + stack_values;
   frames_[0].top = stack_.get();
   err_object_ = Value(Ref<Object>(memory_.make<ErrObject>().get()));
@@ -83,7 +83,7 @@ void Machine::shut_down() {
   for (int round = 0; round < 8; ++round) {
     left.clear();
     for (Object* object = memory_.first_object(); object; object = object->next) {
-      if (auto* instance = dynamic_cast<Instance*>(object)) instance->mark_terminated();
+      if (auto* instance = as_instance(object)) instance->mark_terminated();
       left.emplace_back(object);
     }
     if (left.empty()) break;
@@ -105,8 +105,8 @@ void Machine::check_time() {
   if (std::chrono::steady_clock::now() < deadline_) return;
   Failure failure;
   failure.number = 507;
-  failure.description = u"The script ran longer than " +
-                        ascii(std::to_string(limits_.call_time.count())) + u" milliseconds and was stopped";
+  failure.description = u"The script ran longer than " + ascii(std::to_string(limits_.call_time.count())) +
+                        u" milliseconds and was stopped";
   failure.source = u"Microsoft VBScript runtime error";
   failure.final = true;
   throw failure;
@@ -170,7 +170,8 @@ bool Machine::handle(const Failure& failure, std::size_t bottom) {
   // What was being prepared behind the frame for a call that did not come about.
   constexpr std::ptrdiff_t prepared = 300;
   Value* const behind = frame().top;
-  for (Value* value = behind; value < behind + std::min(prepared, stack_end_ - behind); ++value) value->clear();
+  for (Value* value = behind; value < behind + std::min(prepared, stack_end_ - behind); ++value)
+    value->clear();
   while (true) {
     Frame& running = frame();
     if (running.resume_next && !failure.final) break;
@@ -218,7 +219,8 @@ ScriptError Machine::report(const Failure& failure) const {
   std::size_t line_start = 0;
   const std::u16string& text = error_module_->text;
   for (std::size_t i = 0; i < error_offset_ && i < text.size(); ++i) {
-    const bool ends = text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
+    const bool ends =
+        text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
     if (!ends) continue;
     ++error.line;
     line_start = i + 1;

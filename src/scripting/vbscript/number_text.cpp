@@ -33,7 +33,8 @@ std::u16string scientific(const Digits& number, char16_t decimal) {
   std::u16string text = ascii(number.digits.substr(0, 1));
   if (number.digits.size() > 1) (text += decimal) += ascii(number.digits.substr(1));
   char exponent[16];
-  std::snprintf(exponent, sizeof exponent, "E%c%02d", number.exponent < 0 ? '-' : '+', std::abs(number.exponent));
+  std::snprintf(exponent, sizeof exponent, "E%c%02d", number.exponent < 0 ? '-' : '+',
+                std::abs(number.exponent));
   return text + ascii(exponent);
 }
 
@@ -81,7 +82,8 @@ std::u16string integer_text(std::int64_t number) {
 
 std::u16string currency_text(std::int64_t currency, const Locale& locale) {
   const bool negative = currency < 0;
-  const std::uint64_t size = negative ? 0 - static_cast<std::uint64_t>(currency) : static_cast<std::uint64_t>(currency);
+  const std::uint64_t size =
+      negative ? 0 - static_cast<std::uint64_t>(currency) : static_cast<std::uint64_t>(currency);
   std::u16string text = negative ? u"-" : u"";
   text += ascii(std::to_string(size / currency_scale));
   std::string fraction = std::to_string(size % currency_scale + currency_scale).substr(1);

@@ -22,9 +22,7 @@ class Parser {
  private:
   // Tokens.
   const Token& token() const { return tokens_[position_]; }
-  const Token& ahead(std::size_t n = 1) const {
-    return tokens_[std::min(position_ + n, tokens_.size() - 1)];
-  }
+  const Token& ahead(std::size_t n = 1) const { return tokens_[std::min(position_ + n, tokens_.size() - 1)]; }
   bool at(TokenKind kind) const { return token().kind == kind; }
   bool at(Keyword keyword) const { return token().kind == TokenKind::keyword && token().keyword == keyword; }
   // Also where the word could be a name.

@@ -271,14 +271,16 @@ void Parser::check_class(const ClassDecl& declaration) const {
         fail(error::name_redefined, procedure.offset);
       }
       const bool other_writes = other.kind == ProcKind::let || other.kind == ProcKind::set;
-      if (procedure.parameters.size() - (writes ? 1 : 0) != other.parameters.size() - (other_writes ? 1 : 0)) {
+      if (procedure.parameters.size() - (writes ? 1 : 0) !=
+          other.parameters.size() - (other_writes ? 1 : 0)) {
         fail(error::inconsistent_arguments, procedure.offset);
       }
     }
   }
   for (std::size_t i = 0; i < declaration.fields.size(); ++i) {
     for (std::size_t j = 0; j < i; ++j) {
-      if (symbols_.canonical(declaration.fields[i].symbol) == symbols_.canonical(declaration.fields[j].symbol)) {
+      if (symbols_.canonical(declaration.fields[i].symbol) ==
+          symbols_.canonical(declaration.fields[j].symbol)) {
         fail(error::name_redefined, declaration.fields[i].offset);
       }
     }

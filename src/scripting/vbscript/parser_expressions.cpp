@@ -225,7 +225,8 @@ Expr* Parser::postfix(Expr* expr, bool statement) {
   while (true) {
     if (statement && argument_follows()) return expr;
     if (at(TokenKind::dot)) {
-      if (expr->kind >= ExprKind::integer && expr->kind <= ExprKind::empty && !expr->parenthesised) return expr;
+      if (expr->kind >= ExprKind::integer && expr->kind <= ExprKind::empty && !expr->parenthesised)
+        return expr;
       Expr* member = node(ExprKind::member);
       ++position_;
       member->left = expr;
@@ -274,7 +275,8 @@ std::span<Expr*> Parser::arguments_in_parentheses() {
 std::vector<Expr*> Parser::argument_list() {
   std::vector<Expr*> list;
   do {
-    const bool missing = at(TokenKind::comma) || at(TokenKind::close) || (at_statement_end() && !list.empty());
+    const bool missing =
+        at(TokenKind::comma) || at(TokenKind::close) || (at_statement_end() && !list.empty());
     list.push_back(missing ? node(ExprKind::missing) : expression());
   } while (accept(TokenKind::comma));
   return list;

@@ -113,7 +113,8 @@ Stmt* Parser::keyword_statement() {
 // call: target [ list ]
 Stmt* Parser::call_or_assignment() {
   if (token().keyword == Keyword::property && procedure_ == &ast_->main &&
-      (ahead().keyword == Keyword::get || ahead().keyword == Keyword::let || ahead().keyword == Keyword::set)) {
+      (ahead().keyword == Keyword::get || ahead().keyword == Keyword::let ||
+       ahead().keyword == Keyword::set)) {
     fail(error::only_in_class);
   }
   Stmt* stmt = make(StmtKind::let);

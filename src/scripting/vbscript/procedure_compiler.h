@@ -19,7 +19,7 @@ struct ModuleCompiler {
   std::uint32_t named_constant(SymbolId canonical, const Value& value);
 
   std::unordered_map<std::uint64_t, std::uint32_t> numbers;
-  std::vector<std::uint32_t> strings;  // of literals; 0: not yet, else index + 1
+  std::vector<std::uint32_t> strings;                 // of literals; 0: not yet, else index + 1
   std::unordered_map<SymbolId, std::uint32_t> named;  // global constants
 };
 
@@ -29,8 +29,8 @@ Value constant_value(const Expr& expr, const Ast& ast, Heap& heap);
 // Compiles one procedure, or the top level of a text.
 class ProcedureCompiler {
  public:
-  ProcedureCompiler(ModuleCompiler& shared, const ProcDecl& declaration, Proc& proc, const ClassInfo* own_class,
-                    bool global_level);
+  ProcedureCompiler(ModuleCompiler& shared, const ProcDecl& declaration, Proc& proc,
+                    const ClassInfo* own_class, bool global_level);
   void compile();
 
  private:
@@ -39,18 +39,18 @@ class ProcedureCompiler {
   // What a name means here.
   struct Meaning {
     enum class Kind {
-      local,          // a register that is never a reference
-      variable,       // a register that may be a reference
-      unknown,        // the same; nothing assigns it here, so that it may be a later procedure's name
-      constant,       // index of a constant
-      field,          // of Me
-      own_member,     // another member of the class
-      global,         // slot
+      local,       // a register that is never a reference
+      variable,    // a register that may be a reference
+      unknown,     // the same; nothing assigns it here, so that it may be a later procedure's name
+      constant,    // index of a constant
+      field,       // of Me
+      own_member,  // another member of the class
+      global,      // slot
       procedure,
       class_type,
       builtin,
-      special,        // Execute and its kin
-      undeclared,     // under Option Explicit, or read only at the top level
+      special,     // Execute and its kin
+      undeclared,  // under Option Explicit, or read only at the top level
     };
     Kind kind = Kind::undeclared;
     std::uint32_t index = 0;
@@ -142,7 +142,8 @@ class ProcedureCompiler {
   void assign_name(const Expr& target, const Expr& value, bool set);
   bool append_to(const Expr& target, const Expr& value);
   void assign_call(const Expr& target, const Expr& value, bool set);
-  void assign_member(const Expr& object, SymbolId symbol, std::span<Expr*> arguments, const Expr& value, bool set);
+  void assign_member(const Expr& object, SymbolId symbol, std::span<Expr*> arguments, const Expr& value,
+                     bool set);
   bool direct_register(const Expr& target, Register& reg) const;
   void variable_reference(const Expr& target, Register target_register);
   void if_statement(const Stmt& stmt);
@@ -163,10 +164,10 @@ class ProcedureCompiler {
   const ClassInfo* own_class_;
   const bool global_level_;
 
-  std::unordered_map<SymbolId, Meaning> locals_;  // by canonical symbol
+  std::unordered_map<SymbolId, Meaning> locals_;     // by canonical symbol
   std::vector<std::pair<SymbolId, NameUse>> names_;  // that the body mentions
   std::unordered_map<SymbolId, std::size_t> name_index_;
-  std::size_t top_ = 1;   // first free register
+  std::size_t top_ = 1;  // first free register
   std::size_t most_ = 1;
   std::size_t persistent_ = 0;  // registers below outlive the statement
   std::size_t held_first_ = SIZE_MAX;

@@ -29,7 +29,9 @@ bool equal_ignoring_case(std::u16string_view a, std::u16string_view b);
 // Below, above or at 0, as a comparison of lower-cased units.
 int compare_ignoring_case(std::u16string_view a, std::u16string_view b);
 
-inline bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+inline bool is_digit(char16_t unit) {
+  return unit >= u'0' && unit <= u'9';
+}
 inline bool is_letter(char16_t unit) {
   return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || unit >= 0xAA;
 }

@@ -1,7 +1,7 @@
+#include <chrono>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <chrono>
 
 #include "scripting/vbscript/script_support.h"
 
@@ -49,18 +49,22 @@ TEST(LimitsTest, TheEngineGoesOnAfterALimit) {
 
 TEST(LimitsTest, MemoryIsCounted) {
   EXPECT_THAT(output_of("ReDim a(10000000)", small()), ElementsAre(HasSubstr("error 7 ")));
-  EXPECT_THAT(output_of("Dim n : ReDim a(1000)\nDo : n = n + 1 : a(n Mod 1000) = String(100000, \"x\") : Loop", small()),
-              ElementsAre(HasSubstr("error 7 ")));
-  EXPECT_THAT(output_of("Set d = CreateObject(\"Scripting.Dictionary\")\nDo : n = n + 1 : d(n) = n : Loop", small()),
-              ElementsAre(HasSubstr("error 7 ")));
+  EXPECT_THAT(
+      output_of("Dim n : ReDim a(1000)\nDo : n = n + 1 : a(n Mod 1000) = String(100000, \"x\") : Loop",
+                small()),
+      ElementsAre(HasSubstr("error 7 ")));
+  EXPECT_THAT(
+      output_of("Set d = CreateObject(\"Scripting.Dictionary\")\nDo : n = n + 1 : d(n) = n : Loop", small()),
+      ElementsAre(HasSubstr("error 7 ")));
   EXPECT_THAT(output_of("Do : n = n + 1 : ExecuteGlobal \"Sub f\" & n & \" : End Sub\" : Loop", small()),
               ElementsAre(testing::AnyOf(HasSubstr("error 7 "), HasSubstr("was stopped"))));
 }
 
 TEST(LimitsTest, StringsHaveASize) {
-  for (const char* script : {"s = String(300000, \"x\")", "s = Space(300000)", "s = \"x\" : Do : s = s & s : Loop",
-                             "s = Replace(String(1000, \"x\"), \"x\", String(1000, \"y\"))",
-                             "Dim a(1000) : s = Join(a, String(1000, \"x\"))"}) {
+  for (const char* script :
+       {"s = String(300000, \"x\")", "s = Space(300000)", "s = \"x\" : Do : s = s & s : Loop",
+        "s = Replace(String(1000, \"x\"), \"x\", String(1000, \"y\"))",
+        "Dim a(1000) : s = Join(a, String(1000, \"x\"))"}) {
     EXPECT_THAT(output_of(script, small()), ElementsAre(HasSubstr("error 14 "))) << script;
   }
 }
@@ -68,7 +72,8 @@ TEST(LimitsTest, StringsHaveASize) {
 TEST(LimitsTest, RecursionEnds) {
   for (const char* script : {
            "Sub f : f : End Sub : f",
-           "Class C : Public Default Property Get v : v = Me & \"\" : End Property : End Class\nx = New C & \"\"",
+           "Class C : Public Default Property Get v : v = Me & \"\" : End Property : End Class\nx = New C & "
+           "\"\"",
            "Class C : Private Sub Class_Initialize : Set x = New C : End Sub : End Class\nSet y = New C",
            "Function f(x) : f = Eval(\"f(1)\") : End Function\nx = f(1)",
            "Sub f : Execute \"f\" : End Sub : f",
@@ -97,9 +102,11 @@ TEST(LimitsTest, DeepNestingIsRefusedOrHandled) {
            repeated("Do\n", many),
            "Const c = " + repeated("-", many) + "1",
        }) {
-    EXPECT_THAT(output_of(script, small()), ElementsAre(HasSubstr("compile error 28 "))) << script.substr(0, 40);
+    EXPECT_THAT(output_of(script, small()), ElementsAre(HasSubstr("compile error 28 ")))
+        << script.substr(0, 40);
   }
-  EXPECT_THAT(output_of("x = \"a\"" + repeated(" & \"b\"", 800) + "\nWScript.Echo Len(x)"), ElementsAre("801"));
+  EXPECT_THAT(output_of("x = \"a\"" + repeated(" & \"b\"", 800) + "\nWScript.Echo Len(x)"),
+              ElementsAre("801"));
 }
 
 TEST(LimitsTest, LongChainsOfObjectsAndArraysEnd) {
@@ -112,12 +119,15 @@ TEST(LimitsTest, LongChainsOfObjectsAndArraysEnd) {
                         "For i = 1 To 200000 : Set n = New Node : Set n.p = h : Set h = n : Next\n"
                         "Set n = Nothing : Set h = Nothing : WScript.Echo 1"),
               ElementsAre("1"));
-  EXPECT_THAT(output_of("a = 0\nFor i = 1 To 200000 : a = Array(a) : Next\na = 0 : WScript.Echo 1"), ElementsAre("1"));
-  EXPECT_THAT(output_of("Class Node : Public p\nPrivate Sub Class_Terminate : count = count + 1 : End Sub : End Class\n"
-                        "Dim count : Set h = Nothing\n"
-                        "For i = 1 To 20000 : Set n = New Node : Set n.p = h : Set h = n : Next\n"
-                        "Set n = Nothing : Set h = Nothing : WScript.Echo count"),
-              ElementsAre("20000"));
+  EXPECT_THAT(output_of("a = 0\nFor i = 1 To 200000 : a = Array(a) : Next\na = 0 : WScript.Echo 1"),
+              ElementsAre("1"));
+  EXPECT_THAT(
+      output_of(
+          "Class Node : Public p\nPrivate Sub Class_Terminate : count = count + 1 : End Sub : End Class\n"
+          "Dim count : Set h = Nothing\n"
+          "For i = 1 To 20000 : Set n = New Node : Set n.p = h : Set h = n : Next\n"
+          "Set n = Nothing : Set h = Nothing : WScript.Echo count"),
+      ElementsAre("20000"));
 }
 
 // A text search that grows with both lengths would never come back.

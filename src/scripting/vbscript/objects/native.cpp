@@ -9,9 +9,8 @@ namespace {
 
 bool equals(std::u16string_view name, std::string_view ascii_name) {
   return name.size() == ascii_name.size() &&
-         std::equal(name.begin(), name.end(), ascii_name.begin(), [](char16_t a, char b) {
-           return a == static_cast<unsigned char>(b);
-         });
+         std::equal(name.begin(), name.end(), ascii_name.begin(),
+                    [](char16_t a, char b) { return a == static_cast<unsigned char>(b); });
 }
 
 }  // namespace

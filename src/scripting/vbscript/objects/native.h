@@ -16,7 +16,7 @@ class NativeObject;
 
 // A member of an object that the engine brings. For let and set the value is the last argument.
 struct NativeMember {
-  const char* name;  // in lower case
+  const char* name;    // in lower case
   std::uint8_t least;  // arguments, without the value
   std::uint8_t most;
   bool writable;
@@ -31,6 +31,11 @@ class NativeObject : public Object {
   // The members of a collection, for For Each; an empty value where there are none to walk over.
   virtual Value enumerate(Machine&) { return {}; }
 };
+
+// nullptr for other objects.
+inline NativeObject* as_native(Object* object) {
+  return object && object->kind == Object::Kind::native ? static_cast<NativeObject*>(object) : nullptr;
+}
 
 // nullptr where there is none. An empty name is the default member.
 const NativeMember* find_member(const NativeObject& object, std::u16string_view lower_name);

@@ -109,8 +109,8 @@ Value execute(Machine& machine, NativeObject& object, Use, Arguments arguments) 
     }
     Ref<MatchList> submatches = heap.make<MatchList>(Value(std::move(groups)), true);
     Value whole(heap.string(part(text->view(), match.whole)));
-    Ref<MatchObject> made = heap.make<MatchObject>(std::move(whole), match.whole.offset,
-                                                   Value(Ref<Object>(submatches.get())));
+    Ref<MatchObject> made =
+        heap.make<MatchObject>(std::move(whole), match.whole.offset, Value(Ref<Object>(submatches.get())));
     found.emplace_back(Ref<Object>(made.get()));
   }
   Ref<Array> list = make_list(heap, found.size());
@@ -120,7 +120,8 @@ Value execute(Machine& machine, NativeObject& object, Use, Arguments arguments) 
 }
 
 // Adds the replacement of one match: $1 to $99, $&, $`, $', $$.
-void expand(std::u16string& out, std::u16string_view with, std::u16string_view text, const RegExpMatch& match) {
+void expand(std::u16string& out, std::u16string_view with, std::u16string_view text,
+            const RegExpMatch& match) {
   for (std::size_t i = 0; i < with.size(); ++i) {
     const char16_t next = i + 1 < with.size() ? with[i + 1] : u'\0';
     if (with[i] != u'$' || next == u'\0') {
