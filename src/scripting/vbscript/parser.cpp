@@ -7,7 +7,7 @@ namespace zrl::vbs {
 namespace {
 
 constexpr int deepest_nesting = 250;
-constexpr std::size_t arena_chunk = 16 * 1024;
+constexpr std::size_t arena_chunk = std::size_t{16} << 10;
 
 }  // namespace
 
