@@ -3,6 +3,8 @@
 // How Machine::execute is written: what several instructions have in common. For machine.cpp alone, whose
 // variables f (the frame), pc, R (registers) and K (constants) they use.
 
+// NOLINTBEGIN(bugprone-macro-parentheses)
+
 #define DISPATCH() goto* labels[static_cast<int>(pc->op)]
 #define NEXT(words) \
   do {              \
@@ -183,3 +185,5 @@
     let_index(R[pc->a], R[pc->b], assigned);                                                        \
     SETTLE(1);                                                                                      \
   }
+
+// NOLINTEND(bugprone-macro-parentheses)

@@ -171,6 +171,7 @@ void Machine::index(Value& target, const Value& callee, const Value& argument) {
   }
   if (actual.is(Type::object) && actual.object() && !as_instance(actual.object()) &&
       !as_procedure(actual.object())) {
+    // Keeps the object. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const Value held = actual;
     Value place = Value(argument.get());
     target =

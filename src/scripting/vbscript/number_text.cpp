@@ -63,7 +63,7 @@ std::u16string number_text(double number, int digits, const Locale& locale) {
   const Digits significant = significant_digits(std::fabs(number), digits);
   const int decimals = static_cast<int>(significant.digits.size()) - significant.exponent - 1;
   const bool plain = significant.exponent < digits && (significant.exponent >= 0 || decimals <= digits);
-  const std::u16string text =
+  std::u16string text =
       plain ? positional(significant, locale.decimal) : scientific(significant, locale.decimal);
   if (number >= 0) return text;
   std::u16string negative(1, u'-');

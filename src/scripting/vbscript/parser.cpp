@@ -1,5 +1,7 @@
 #include "scripting/vbscript/parser.h"
 
+#include <algorithm>
+
 #include "scripting/vbscript/errors.h"
 
 namespace zrl::vbs {
