@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "scripting/vbscript/conversions.h"
@@ -177,12 +178,11 @@ Value arithmetic(Context& context, Operator op, const Value& left, const Value& 
 }
 
 Value negated(Context& context, const Value& value) {
-  const Value number = to_numeric(context, value);
+  Value number = to_numeric(context, value);
   switch (number.type()) {
     case Type::null:
       return number;
     case Type::byte:
-      return whole_result(-number.i(), rank_integer);
     case Type::integer:
       return whole_result(-number.i(), rank_integer);
     case Type::long_integer:
@@ -198,7 +198,7 @@ Value negated(Context& context, const Value& value) {
 }
 
 Value plus(Context& context, const Value& value) {
-  const Value actual = scalar(context, value);
+  Value actual = scalar(context, value);
   if (actual.is(Type::string)) return actual;
   return to_numeric(context, actual);
 }

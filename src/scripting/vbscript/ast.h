@@ -19,7 +19,7 @@ class Arena {
   }
   template <class T>
   std::span<T> copy(const std::vector<T>& items) {
-    T* first = static_cast<T*>(take(items.size() * sizeof(T)));
+    T* first = static_cast<T*>(take(items.size() * sizeof(T)));  // NOLINT(bugprone-sizeof-expression)
     std::uninitialized_copy(items.begin(), items.end(), first);
     return {first, items.size()};
   }

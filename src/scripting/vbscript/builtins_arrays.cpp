@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "scripting/vbscript/arrays.h"
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/machine.h"

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -200,6 +201,11 @@ double week_start(double day, int weekday, int first) {
   return day - (weekday_from(weekday, first) - 1);
 }
 
+// Counted from year 0.
+std::int64_t quarters(const DateParts& parts) {
+  return parts.year * 4 + (parts.month - 1) / 3;
+}
+
 Value date_diff(Machine& machine, Arguments arguments) {
   const Interval interval = interval_argument(machine, arguments[0]);
   if (arguments[1].is(Type::null) || arguments[2].is(Type::null)) return Value::null();
@@ -220,7 +226,7 @@ Value date_diff(Machine& machine, Arguments arguments) {
     case Interval::year:
       return difference(static_cast<double>(b.year - a.year));
     case Interval::quarter:
-      return difference(static_cast<double>((b.year - a.year) * 4 + (b.month - 1) / 3 - (a.month - 1) / 3));
+      return difference(static_cast<double>(quarters(b) - quarters(a)));
     case Interval::month:
       return difference(static_cast<double>((b.year - a.year) * 12 + b.month - a.month));
     case Interval::weekday:

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <bit>
 #include <cmath>
 
@@ -36,14 +37,14 @@ Value sqr(Machine& machine, Arguments arguments) {
 }
 
 Value abs(Machine& machine, Arguments arguments) {
-  const Value number = to_numeric(machine, arguments[0]);
+  Value number = to_numeric(machine, arguments[0]);
   if (number.is(Type::null)) return number;
   return to_number(machine, number) < 0 ? negated(machine, number) : number;
 }
 
 template <double (*function)(double)>
 Value whole_part(Machine& machine, Arguments arguments) {
-  const Value number = to_numeric(machine, arguments[0]);
+  Value number = to_numeric(machine, arguments[0]);
   if (number.is(Type::null) || is_whole(number)) return number;
   if (number.is(Type::currency)) {
     return Value::of(Type::currency, double_to_currency(function(currency_to_double(number.i()))));
@@ -52,14 +53,14 @@ Value whole_part(Machine& machine, Arguments arguments) {
 }
 
 Value sgn(Machine& machine, Arguments arguments) {
-  const Value value = to_numeric(machine, arguments[0]);
+  Value value = to_numeric(machine, arguments[0]);
   if (value.is(Type::null)) return value;
   const double number = to_number(machine, value);
   return Value::integer(number < 0 ? -1 : number > 0 ? 1 : 0);
 }
 
 Value round(Machine& machine, Arguments arguments) {
-  const Value number = to_numeric(machine, arguments[0]);
+  Value number = to_numeric(machine, arguments[0]);
   const std::int64_t digits = arguments.has(1) ? to_long(machine, arguments[1]) : 0;
   if (digits < 0) raise(error::invalid_call);
   if (number.is(Type::null) || is_whole(number)) return number;
@@ -95,7 +96,7 @@ std::u16string digits_of(std::uint64_t number, unsigned shift) {
 
 template <unsigned shift>
 Value in_base(Machine& machine, Arguments arguments) {
-  const Value number = to_numeric(machine, arguments[0]);
+  Value number = to_numeric(machine, arguments[0]);
   if (number.is(Type::null)) return number;
   const bool narrow = number.is(Type::integer) || number.is(Type::byte);
   const std::int64_t value = to_long(machine, number);

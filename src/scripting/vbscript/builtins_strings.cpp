@@ -34,13 +34,13 @@ bool ignores_case(Machine& machine, Arguments arguments, std::size_t i) {
 }
 
 Value len(Machine& machine, Arguments arguments) {
-  const Value value = scalar(machine, arguments[0]);
+  Value value = scalar(machine, arguments[0]);
   if (value.is(Type::null)) return value;
   return Value::long_integer(static_cast<std::int64_t>(Text(machine, value).view().size()));
 }
 
 Value left(Machine& machine, Arguments arguments) {
-  const Value value = scalar(machine, arguments[0]);
+  Value value = scalar(machine, arguments[0]);
   const std::size_t length = length_argument(machine, arguments[1]);
   if (value.is(Type::null)) return value;
   const Text text(machine, value);
@@ -49,7 +49,7 @@ Value left(Machine& machine, Arguments arguments) {
 }
 
 Value right(Machine& machine, Arguments arguments) {
-  const Value value = scalar(machine, arguments[0]);
+  Value value = scalar(machine, arguments[0]);
   const std::size_t length = length_argument(machine, arguments[1]);
   if (value.is(Type::null)) return value;
   const Text text(machine, value);
@@ -58,7 +58,7 @@ Value right(Machine& machine, Arguments arguments) {
 }
 
 Value mid(Machine& machine, Arguments arguments) {
-  const Value value = scalar(machine, arguments[0]);
+  Value value = scalar(machine, arguments[0]);
   const std::int64_t start = to_long(machine, arguments[1]);
   if (start < 1) raise(error::invalid_call);
   std::size_t length = std::u16string_view::npos;
@@ -116,7 +116,7 @@ Value in_str_rev(Machine& machine, Arguments arguments) {
 
 template <char16_t (*mapped)(char16_t)>
 Value case_mapped(Machine& machine, Arguments arguments) {
-  const Value value = scalar(machine, arguments[0]);
+  Value value = scalar(machine, arguments[0]);
   if (value.is(Type::null)) return value;
   const Text text(machine, value);
   Ref<String> result = machine.heap.blank_string(text.view().size());
@@ -126,7 +126,7 @@ Value case_mapped(Machine& machine, Arguments arguments) {
 
 template <bool from_left, bool from_right>
 Value trim(Machine& machine, Arguments arguments) {
-  const Value value = scalar(machine, arguments[0]);
+  Value value = scalar(machine, arguments[0]);
   if (value.is(Type::null)) return value;
   const Text text(machine, value);
   std::u16string_view rest = text;
@@ -167,7 +167,7 @@ Value replace(Machine& machine, Arguments arguments) {
                     : places_of(machine, text, find, 0, most);
   if (places.empty()) return text_value(machine, text);
   const std::size_t kept = text.size() - places.size() * find.view().size();
-  if (with.view().size() > 0 && places.size() > machine.limits().string_units / with.view().size()) {
+  if (!with.view().empty() && places.size() > machine.limits().string_units / with.view().size()) {
     raise(error::string_space);
   }
   Ref<String> result = machine.heap.blank_string(kept + places.size() * with.view().size());
@@ -194,7 +194,7 @@ Value space(Machine& machine, Arguments arguments) {
 }
 
 Value string(Machine& machine, Arguments arguments) {
-  const Value what = scalar(machine, arguments[1]);
+  Value what = scalar(machine, arguments[1]);
   const std::size_t length = length_argument(machine, arguments[0]);
   if (what.is(Type::null)) return what;
   if (what.is(Type::string)) {
@@ -253,7 +253,7 @@ bool stays_as_it_is(char16_t unit) {
 }
 
 Value escape(Machine& machine, Arguments arguments) {
-  const Value value = scalar(machine, arguments[0]);
+  Value value = scalar(machine, arguments[0]);
   if (value.is(Type::null)) return value;
   const Text text(machine, value);
   constexpr char16_t digits[] = u"0123456789ABCDEF";
@@ -284,7 +284,7 @@ bool hexadecimal(std::u16string_view text, std::size_t from, std::size_t count, 
 }
 
 Value unescape(Machine& machine, Arguments arguments) {
-  const Value value = scalar(machine, arguments[0]);
+  Value value = scalar(machine, arguments[0]);
   if (value.is(Type::null)) return value;
   const Text whole(machine, value);
   const std::u16string_view text = whole;

@@ -184,9 +184,8 @@ std::u16string type_text(Machine& machine, const Value& value) {
       return u"Variant()";
   }
   if (!value.object()) return u"Nothing";
-  if (auto* instance = dynamic_cast<Instance*>(value.object()))
-    return machine.symbols().name(instance->type().symbol);
-  if (auto* native = dynamic_cast<NativeObject*>(value.object())) return to_utf16(native->type_name());
+  if (auto* instance = as_instance(value.object())) return machine.symbols().name(instance->type().symbol);
+  if (auto* native = as_native(value.object())) return to_utf16(native->type_name());
   return u"Object";
 }
 

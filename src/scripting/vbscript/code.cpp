@@ -1,6 +1,8 @@
 #include "scripting/vbscript/code.h"
 
 #include <bit>
+#include <cstdlib>
+#include <new>
 
 #include "scripting/vbscript/errors.h"
 
@@ -14,6 +16,15 @@ void ClassInfo::index_members() {
     while (slots[slot] != 0) slot = (slot + 1) & mask;
     slots[slot] = static_cast<std::uint32_t>(i + 1);
   }
+}
+
+// Zeroes are Empty, and cost nothing before they are touched.
+Globals::Globals() : values_(static_cast<Value*>(std::calloc(most, sizeof(Value)))) {
+  if (!values_) throw std::bad_alloc();
+}
+
+void Globals::Free::operator()(Value* values) const {
+  std::free(values);
 }
 
 std::uint16_t Globals::add_slots(std::size_t count) {

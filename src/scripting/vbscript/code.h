@@ -146,7 +146,7 @@ class Globals {
  public:
   static constexpr std::size_t most = 60'000;
 
-  Globals() : values_(std::make_unique<Value[]>(most)) {}
+  Globals();
 
   GlobalName& name(SymbolId canonical) {
     if (canonical >= names_.size()) names_.resize(canonical + 64 + canonical / 2);
@@ -168,7 +168,10 @@ class Globals {
   bool has_new_variables() const { return !new_variables_.empty(); }
 
  private:
-  std::unique_ptr<Value[]> values_;
+  struct Free {
+    void operator()(Value* values) const;
+  };
+  std::unique_ptr<Value, Free> values_;
   std::size_t used_ = 0;
   std::vector<GlobalName> names_;
   std::vector<SymbolId> new_variables_;

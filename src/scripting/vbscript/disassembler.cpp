@@ -21,6 +21,7 @@ constexpr OpInfo infos[] = {
 
 void put(std::string& text, char kind, const Instr& instr, std::uint16_t field, const Instr* extra,
          const Symbols& symbols) {
+  const std::int32_t second = extra ? extra->wide() : 0;
   switch (kind) {
     case '-':
       return;
@@ -31,10 +32,10 @@ void put(std::string& text, char kind, const Instr& instr, std::uint16_t field, 
       text += " ->" + std::to_string(extra ? extra->wide() : instr.wide());
       return;
     case 'S':
-      text += ' ' + to_utf8(symbols.name(static_cast<SymbolId>(extra->wide())));
+      text += ' ' + to_utf8(symbols.name(static_cast<SymbolId>(second)));
       return;
     case 'N':
-      text += " #" + std::to_string(extra->wide());
+      text += " #" + std::to_string(second);
       return;
     default:
       text += ' ';

@@ -1,5 +1,7 @@
 #include "scripting/vbscript/engine.h"
 
+#include <algorithm>
+
 #include "scripting/vbscript/compiler.h"
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/machine.h"

@@ -11,7 +11,7 @@ namespace zrl::vbs {
 
 namespace {
 
-constexpr std::size_t chunk_bytes = 64 * 1024;
+constexpr std::size_t chunk_bytes = std::size_t{64} << 10;
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool own_blocks = false;  // lets the sanitizer see every block

@@ -1,5 +1,6 @@
 #include "scripting/vbscript/lexer.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 

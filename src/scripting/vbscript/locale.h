@@ -6,7 +6,7 @@
 namespace zrl::vbs {
 
 // How people of a country write numbers, dates and money.
-struct Locale {
+struct Locale {  // NOLINT(clang-analyzer-optin.performance.Padding)
   enum class DateOrder : std::uint8_t { month_day_year, day_month_year, year_month_day };
   std::int32_t id;
   const char* tag;

@@ -172,12 +172,13 @@ class Machine final : public Context {
   Globals globals_;
   std::vector<std::unique_ptr<Module>> modules_;
 
-  struct FreeStack {
-    void operator()(Value* stack) const;
+  // Zeroes from the start, so that what is not touched costs nothing.
+  struct Free {
+    void operator()(void* block) const;
   };
-  std::unique_ptr<Value, FreeStack> stack_;
+  std::unique_ptr<Value, Free> stack_;
   Value* stack_end_ = nullptr;
-  std::unique_ptr<Frame[]> frames_;
+  std::unique_ptr<Frame[], Free> frames_;
   std::size_t depth_ = 0;  // of the frame that runs; 0 is none
   std::size_t nested_ = 0;
 

@@ -297,8 +297,8 @@ void Machine::run_text(const Value& text, bool global) {
 
 void Machine::evaluate_text(const Value& text, Value& target) {
   if (!text.get().is(Type::string)) {
-    const Value same = text.get();
-    target = same;
+    Value same = text.get();
+    target = std::move(same);
     return;
   }
   std::unique_ptr<Module> made;

@@ -19,8 +19,8 @@ constexpr std::size_t stack_values = std::size_t{1} << 20;
 
 }  // namespace
 
-void Machine::FreeStack::operator()(Value* stack) const {
-  std::free(stack);
+void Machine::Free::operator()(void* block) const {
+  std::free(block);
 }
 
 Machine::Machine(EngineHost& host, const Limits& limits, bool with_wscript)
@@ -32,8 +32,8 @@ Machine::Machine(EngineHost& host, const Limits& limits, bool with_wscript)
       builtins_(symbols_, with_wscript),
       // Zeroes are Empty; what is not touched costs nothing.
       stack_(static_cast<Value*>(std::calloc(stack_values, sizeof(Value)))),
-      frames_(new Frame[limits.call_depth + 1]) {
-  if (!stack_) throw std::bad_alloc();
+      frames_(static_cast<Frame*>(std::calloc(limits.call_depth + 1, sizeof(Frame)))) {
+  if (!stack_ || !frames_) throw std::bad_alloc();
   stack_end_ = stack_.get() + stack_values;
   frames_[0].top = stack_.get();
   err_object_ = Value(Ref<Object>(memory_.make<ErrObject>().get()));
@@ -83,7 +83,7 @@ void Machine::shut_down() {
   for (int round = 0; round < 8; ++round) {
     left.clear();
     for (Object* object = memory_.first_object(); object; object = object->next) {
-      if (auto* instance = dynamic_cast<Instance*>(object)) instance->mark_terminated();
+      if (auto* instance = as_instance(object)) instance->mark_terminated();
       left.emplace_back(object);
     }
     if (left.empty()) break;

@@ -35,7 +35,7 @@ const Member& Machine::member_of(const Instance& instance, SymbolId symbol, bool
 void Machine::get_member(Value& target, const Value& object, SymbolId symbol, std::size_t) {
   const Value& actual = object.get();
   if (actual.is(Type::object) && actual.object()) {
-    if (auto* instance = dynamic_cast<Instance*>(actual.object())) {
+    if (auto* instance = as_instance(actual.object())) {
       const bool own = instance == frame().me;
       const Member& member = member_of(*instance, symbol, own);
       if (member.is_field) {
@@ -63,7 +63,7 @@ void Machine::call_member(Value* window, std::size_t count, SymbolId symbol, boo
   if (!object.is(Type::object)) raise(error::object_required, symbol_text(symbol));
   if (!object.object()) raise(error::object_not_set, symbol_text(symbol));
   const Value held = object;
-  if (auto* instance = dynamic_cast<Instance*>(held.object())) {
+  if (auto* instance = as_instance(held.object())) {
     return call_instance(window, count, symbol, *instance);
   }
   auto& native = static_cast<NativeObject&>(*held.object());
@@ -106,7 +106,7 @@ void Machine::put_member(Value* window, std::size_t count, SymbolId symbol, bool
   const Value held = window[0].get();
   if (!held.is(Type::object)) raise(error::object_required, symbol_text(symbol));
   if (!held.object()) raise(error::object_not_set, symbol_text(symbol));
-  if (auto* instance = dynamic_cast<Instance*>(held.object())) {
+  if (auto* instance = as_instance(held.object())) {
     return put_instance(window, count, symbol, *instance, set);
   }
   auto& native = static_cast<NativeObject&>(*held.object());
@@ -169,8 +169,9 @@ void Machine::index(Value& target, const Value& callee, const Value& argument) {
     target = found;
     return;
   }
-  if (actual.is(Type::object) && actual.object() && !dynamic_cast<Instance*>(actual.object()) &&
-      !dynamic_cast<ProcedureObject*>(actual.object())) {
+  if (actual.is(Type::object) && actual.object() && !as_instance(actual.object()) &&
+      !as_procedure(actual.object())) {
+    // Keeps the object. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const Value held = actual;
     Value place = Value(argument.get());
     target =
@@ -216,13 +217,13 @@ void Machine::index_many(Value* window, std::size_t count) {
 // The default member of the object in the window, with arguments.
 void Machine::call_default(Value* window, std::size_t count) {
   const Value held = window[0];
-  if (auto* instance = dynamic_cast<Instance*>(held.object())) {
+  if (auto* instance = as_instance(held.object())) {
     const Member* member = instance->type().default_member;
     if (!member) raise(error::no_such_member);
     window[0].clear();
     return call_instance(window, count, member->symbol, *instance);
   }
-  if (auto* procedure = dynamic_cast<ProcedureObject*>(held.object())) {
+  if (auto* procedure = as_procedure(held.object())) {
     window[0].clear();
     push(procedure->proc(), window, count, nullptr);
     return;
@@ -276,12 +277,12 @@ void Machine::put_index(Value* window, std::size_t count, bool set) {
   if (!callee.is(Type::object)) raise(error::type_mismatch);
   if (!callee.object()) raise(error::object_not_set);
   const Value held = callee;
-  if (auto* instance = dynamic_cast<Instance*>(held.object())) {
+  if (auto* instance = as_instance(held.object())) {
     const Member* member = instance->type().default_member;
     if (!member) raise(error::no_such_member);
     return put_instance(window, count, member->symbol, *instance, set);
   }
-  if (dynamic_cast<ProcedureObject*>(held.object())) raise(error::no_such_member);
+  if (as_procedure(held.object())) raise(error::no_such_member);
   use_member(*this, static_cast<NativeObject&>(*held.object()), {}, set ? Use::set : Use::let,
              Arguments(window + 1, count + 1), {});
 }
@@ -292,11 +293,11 @@ Value Machine::default_value(const Value& object) {
     if (!value.object()) raise(error::object_not_set);
     if (i == longest_default_chain) raise(error::no_such_member);
     const Value held = value;
-    if (auto* instance = dynamic_cast<Instance*>(held.object())) {
+    if (auto* instance = as_instance(held.object())) {
       const Member* member = instance->type().default_member;
       if (!member) raise(error::no_such_member);
       value = member->is_field ? instance->field(member->field) : invoke(*member->get, instance, {});
-    } else if (auto* procedure = dynamic_cast<ProcedureObject*>(held.object())) {
+    } else if (auto* procedure = as_procedure(held.object())) {
       value = invoke(procedure->proc(), nullptr, {});
     } else {
       value = use_member(*this, static_cast<NativeObject&>(*held.object()), {}, Use::get,

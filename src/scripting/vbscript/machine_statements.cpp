@@ -78,7 +78,7 @@ void Machine::prepare_each(Value* state, const Value& collection) {
   Value actual = collection.get();
   if (actual.is(Type::object)) {
     if (!actual.object()) raise(error::object_not_set);
-    auto* native = dynamic_cast<NativeObject*>(actual.object());
+    auto* native = as_native(actual.object());
     Value list = native ? native->enumerate(*this) : Value();
     if (!list.is(Type::array)) raise(error::no_such_member);
     actual = std::move(list);

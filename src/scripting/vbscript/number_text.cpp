@@ -25,7 +25,7 @@ Digits significant_digits(double number, int count) {
   }
   std::from_chars(next + (next[1] == '+' ? 2 : 1), buffer + sizeof buffer, result.exponent);
   result.digits.erase(result.digits.find_last_not_of('0') + 1);
-  if (result.digits.empty()) return {std::string(1, '0'), 0};
+  if (result.digits.empty()) result.digits.assign(1, '0'), result.exponent = 0;
   return result;
 }
 
@@ -63,7 +63,7 @@ std::u16string number_text(double number, int digits, const Locale& locale) {
   const Digits significant = significant_digits(std::fabs(number), digits);
   const int decimals = static_cast<int>(significant.digits.size()) - significant.exponent - 1;
   const bool plain = significant.exponent < digits && (significant.exponent >= 0 || decimals <= digits);
-  const std::u16string text =
+  std::u16string text =
       plain ? positional(significant, locale.decimal) : scientific(significant, locale.decimal);
   if (number >= 0) return text;
   std::u16string negative(1, u'-');

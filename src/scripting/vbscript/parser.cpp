@@ -1,5 +1,7 @@
 #include "scripting/vbscript/parser.h"
 
+#include <algorithm>
+
 #include "scripting/vbscript/errors.h"
 
 namespace zrl::vbs {
@@ -7,7 +9,7 @@ namespace zrl::vbs {
 namespace {
 
 constexpr int deepest_nesting = 250;
-constexpr std::size_t arena_chunk = 16 * 1024;
+constexpr std::size_t arena_chunk = std::size_t{16} << 10;
 
 }  // namespace
 

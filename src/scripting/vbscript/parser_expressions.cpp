@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "scripting/vbscript/errors.h"
 #include "scripting/vbscript/parser.h"
 

@@ -102,8 +102,6 @@ Stmt* Parser::keyword_statement() {
     case Keyword::class_:
       class_declaration();
       return nullptr;
-    case Keyword::option:
-      fail(error::expected_statement);
     default:
       fail(error::expected_statement);
   }

@@ -179,7 +179,9 @@ struct Array : Container {
 // What scripts hold as Object. The kinds are the classes of scripts and those that the engine brings.
 class Object : public Container {
  public:
-  Object() = default;
+  enum class Kind : std::uint8_t { native, instance, procedure };
+
+  explicit Object(Kind object_kind = Kind::native) : kind(object_kind) {}
   Object(const Object&) = delete;
   Object& operator=(const Object&) = delete;
   virtual ~Object() = default;
@@ -189,6 +191,7 @@ class Object : public Container {
   // Whether a script's Class_Terminate is still to run.
   virtual bool wants_termination() const { return false; }
 
+  const Kind kind;
   std::size_t block_bytes = 0;
   Object* next = nullptr;
   Object* previous = nullptr;

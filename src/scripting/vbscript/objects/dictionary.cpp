@@ -155,12 +155,11 @@ bool Dictionary::remove(const Value& key, Value& key_removed, Value& item_remove
 }
 
 void Dictionary::change_key(const Value& from, const Value& to) {
-  const Value held = to;
   const std::size_t slot = slot_of(from, hash_of(from));
   const std::uint32_t index = slots_[slot];
   Entry& entry = entries_[index - 1];
-  entry.key = held;
-  entry.hash = hash_of(held);
+  entry.key = Value(to);
+  entry.hash = hash_of(to);
   rebuild(slots_.size());
 }
 

@@ -6,7 +6,7 @@
 
 namespace zrl::vbs {
 
-Instance::Instance(const ClassInfo& type) : type_(type) {
+Instance::Instance(const ClassInfo& type) : Object(Kind::instance), type_(type) {
   std::uninitialized_value_construct_n(fields(), type.fields);
 }
 

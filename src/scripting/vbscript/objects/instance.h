@@ -27,4 +27,9 @@ class Instance final : public Object {
   bool terminated_ = false;
 };
 
+// nullptr for other objects.
+inline Instance* as_instance(Object* object) {
+  return object && object->kind == Object::Kind::instance ? static_cast<Instance*>(object) : nullptr;
+}
+
 }  // namespace zrl::vbs

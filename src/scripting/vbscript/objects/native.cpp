@@ -1,5 +1,7 @@
 #include "scripting/vbscript/objects/native.h"
 
+#include <algorithm>
+
 #include "scripting/vbscript/errors.h"
 #include "scripting/vbscript/unicode.h"
 

@@ -32,6 +32,11 @@ class NativeObject : public Object {
   virtual Value enumerate(Machine&) { return {}; }
 };
 
+// nullptr for other objects.
+inline NativeObject* as_native(Object* object) {
+  return object && object->kind == Object::Kind::native ? static_cast<NativeObject*>(object) : nullptr;
+}
+
 // nullptr where there is none. An empty name is the default member.
 const NativeMember* find_member(const NativeObject& object, std::u16string_view lower_name);
 // Finds and runs a member. An empty name is the default member. Raises 438 and 450.
