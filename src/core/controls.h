@@ -55,6 +55,7 @@ class TextField : public Control {
     bool fixed_pitch = false;
     bool secret = false;  // a password; hosts do not show it
     bool counts = false;  // lines that begin with a count; hosts that can draw show them as bars too
+    bool source = false;  // of a script, in "vbscript"; hosts that can edit source text do
     std::string_view placeholder = {};
   };
 

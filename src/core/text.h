@@ -14,6 +14,8 @@ std::string_view trim(std::string_view text);
 
 // With A to Z replaced by a to z.
 std::string lower(std::string_view text);
+// The other way.
+std::string upper(std::string_view text);
 
 // Equal, A to Z and a to z being the same.
 bool equals_ignoring_case(std::string_view left, std::string_view right);

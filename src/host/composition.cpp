@@ -7,6 +7,7 @@
 #include "components/downloader/downloader_components.h"
 #include "components/html/html_text_converter.h"
 #include "components/locale/catalogue_translator.h"
+#include "components/logging/file_logger.h"
 #include "components/mail/mail_components.h"
 #include "components/pcre2/pcre2_regexp.h"
 #include "components/sqlite/sqlite_components.h"
@@ -81,6 +82,7 @@ void register_components(Console& console) {
   components.add<Translator>(make_translator_factory());
   components.add<HtmlConverter>(make_html_converter_factory());
   components.add<RegExp>(make_regexp_factory());
+  components.add<Logger>(make_logger_factory());
 
   const auto registry = make_registry_store(console.folder());
   components.add<Registry>([registry] { return registry->registry(); });

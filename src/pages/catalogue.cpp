@@ -19,6 +19,7 @@
 #include "pages/logs/predatalog_page.h"
 #include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
+#include "scripting/script_engine_page.h"
 
 namespace zrl {
 
@@ -41,6 +42,7 @@ std::span<const PageEntry> page_catalogue() {
       {"avlog", "Logs", "Attachment log", make_page<AvlogPage>},
       {"monitor", "Logs", "Mail archive", make_page<MonitorPage>},
       {"stati", "Logs", "Statistics", make_page<StatiPage>},
+      {"ScriptEngine", "Scripts", "Script engine", make_page<ScriptEnginePage>},
   };
   return entries;
 }

@@ -64,6 +64,7 @@ export interface Control {
   index?: number
   multiLine?: boolean
   counts?: boolean
+  source?: boolean
   fixedPitch?: boolean
   secret?: boolean
   placeholder?: string

@@ -43,6 +43,7 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
     object["fixedPitch"] = style.fixed_pitch;
     object["secret"] = style.secret;
     if (style.counts) object["counts"] = true;
+    if (style.source) object["source"] = true;
     add_placeholder(style.placeholder);
   } else if (control.kind() == ControlKind::combo_box) {
     const ComboBox::Style& style = static_cast<const ComboBox&>(control).style();

@@ -98,6 +98,7 @@ ScriptValue Engine::call(std::string_view name, std::string_view argument) {
     const Value text(machine.heap.string(to_utf16(argument)));
     const Value value = machine.call(*proc, {&text, 1});
     ScriptValue result;
+    if (value.is(Type::empty)) result.number = 0;
     const Value scalar = value.is(Type::object) ? Value() : value;
     if (scalar.is(Type::null) || scalar.is(Type::empty) || scalar.is(Type::array)) return result;
     result.is_empty = false;

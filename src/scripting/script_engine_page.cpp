@@ -1,0 +1,261 @@
+#include "scripting/script_engine_page.h"
+
+#include "core/error.h"
+#include "core/paths.h"
+#include "core/script_content.h"
+#include "core/text.h"
+#include "core/text_file.h"
+#include "pages/lists/remote_update.h"
+
+namespace zrl {
+
+namespace {
+
+using Kind = ActivityRecord::Kind;
+using Step = Console::Step;
+
+constexpr std::string_view positions[] = {"Never",     "CONNECT",    "ENVELOPE", "HEADER",
+                                          "HEADERENV", "BODYSTREAM", "BODY",     "AV"};
+
+Statement script_row(std::string_view name) {
+  return "SELECT * FROM scriptengine WHERE scriptname='" + value(name) + "'";
+}
+
+std::string script_template(const std::string& name) {
+  return "Function " + name + "(input)\r\n" +
+         "On Error Resume Next\r\n"
+         "\r\n"
+         "\t" +
+         name +
+         "=0\t\t\t'set return value (always Integer)\r\n"
+         "\t'msgbox input\t\t\t'output Testdata\r\n"
+         "\r\n"
+         "\r\n"
+         "End Function \r\n";
+}
+
+std::string with_underscores(std::string text) {
+  for (char& c : text) {
+    if (c == ' ') c = '_';
+  }
+  return text;
+}
+
+}  // namespace
+
+ScriptEnginePage::ScriptEnginePage(Console& console) : Page(console, "ScriptEngine", "Script engine") {
+  bind_switches({{scriptcheck, "scriptcheck"}});
+  wire();
+  lay_out();
+  sposition.set_text("never");
+  inputbox.set_text("Testdata");
+}
+
+void ScriptEnginePage::wire() {
+  scriptnamen.on_click = [this] { select(); };
+  scriptnamen.on_change = [this] { insertnew.set_enabled(true); };
+  scriptsource.on_change = [this] { changed(); };
+  sposition.on_click = [this] { changed(); };
+  svisible.on_click = [this] {
+    changed();
+    save();
+  };
+  allscripts.on_click = [this] { fill_script_list(); };
+  insertnew.on_click = [this] { create(); };
+  savechunk.on_click = [this] { save(); };
+  deletefromdb.on_click = [this] { remove(); };
+  executescript.on_click = [this] { busy(executescript, [this] { run_script(); }); };
+  Command1.on_click = [this] { busy(Command1, [this] { run_position(); }); };
+  download.on_click = [this] {
+    busy(download, [this] {
+      std::string status;
+      fetch_lists(*this, component<Downloader>(), status);
+    });
+  };
+  update.on_click = [this] { busy(update, [this] { update_database(); }); };
+}
+
+void ScriptEnginePage::lay_out() {
+  set_layout(column({
+      scriptcheck,
+      frame(Frame1, column({
+                        row({grow(scriptnamen), allscripts, insertnew}),
+                        row({grow(sposition), svisible}),
+                        grow(scriptsource),
+                        row({savechunk, deletefromdb}),
+                    })),
+      frame(Frame2, column({
+                        inputbox,
+                        row({executescript, outputlabel}),
+                        row({Command1, Label4}),
+                        problems,
+                    })),
+      frame(Frame3, row({download, update})),
+  }));
+}
+
+void ScriptEnginePage::show() {
+  translate_controls();
+  connect_database("No Database Connection Possible (Script Engine Control)");
+  load();
+}
+
+void ScriptEnginePage::load() {
+  runner_ = std::make_unique<ScriptRunner>(console());
+  fill_script_list();
+  sposition.set_text("Never");
+  for (const std::string_view position : positions) sposition.add_item(position);
+  sposition.set_text("Never");
+  load_switch(scriptcheck);
+}
+
+// The name field goes on telling which script is being edited.
+void ScriptEnginePage::fill_script_list() {
+  scriptnamen.clear();
+  const auto names =
+      ordered_rows("scriptengine", "scriptname",
+                   allscripts.checked() ? Literal("svisible<>99") : Literal("svisible=1"), "prio");
+  if (names && !names->empty()) {
+    scriptnamen.set_items(*names);
+  } else {
+    ensure_script_table();
+  }
+  scriptnamen.set_text(current_script_);
+}
+
+void ScriptEnginePage::ensure_script_table() {
+  create_table("scriptengine",
+               "scriptname nvarchar (255) NOT NULL Primary Key, scriptcontent image NULL, sposition "
+               "nvarchar(255) null, prio int default 0, svisible int default 0");
+}
+
+void ScriptEnginePage::select() {
+  insertnew.set_enabled(false);
+  deletefromdb.set_enabled(true);
+  scriptsource.set_text("");
+  sposition.set_text("");
+  current_script_ = scriptnamen.text();
+  if (!current_script_.empty()) read_script();
+  savechunk.set_enabled(false);
+}
+
+void ScriptEnginePage::read_script() {
+  const auto record = open(script_row(current_script_), Connection::Access::read_only);
+  if (!record || record->at_end()) return;
+  read_step("scriptcontent",
+            [&] { scriptsource.set_text(from_script_content(record->bytes("scriptcontent"))); });
+  read_step("sposition", [&] {
+    if (!record->is_null("sposition")) sposition.set_text(record->text("sposition"));
+  });
+  read_step("svisible", [&] {
+    const std::int64_t visible = record->number("svisible");
+    if (visible != 0 && visible != 1) throw Error(error_number::invalid_property_value, "neither 0 nor 1");
+    svisible.set_value(static_cast<std::int16_t>(visible));
+  });
+}
+
+// A name that exists keeps the text in the editor, which is then saved under it.
+void ScriptEnginePage::create() {
+  if (scriptnamen.text().empty()) return;
+  scriptnamen.set_text(with_underscores(scriptnamen.text()));
+  const std::string name = scriptnamen.text();
+  const bool is_new = execute(insert_into("scriptengine", "scriptname", name));
+  current_script_ = name;
+  if (is_new) scriptsource.set_text(script_template(name));
+  save();
+  fill_script_list();
+}
+
+void ScriptEnginePage::save() {
+  savechunk.set_enabled(false);
+  store();
+  if (runner_) runner_->loaddb();
+  write_text_file(console(), to_product_path(console().folder()) + "\\scripts", current_script_ + ".vbs",
+                  scriptsource.text());
+}
+
+void ScriptEnginePage::store() {
+  const bool begun = read_step("begin transaction", [this] {
+    if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
+    conn->begin_transaction();
+  });
+  const Statement select_row = script_row(current_script_);
+  auto record = open(select_row, Connection::Access::updatable);
+  const bool found = record && !record->at_end();
+  const auto write = [&](std::string_view column, const auto& set) {
+    read_step(column, [&] {
+      set();
+      record->update();
+    });
+  };
+  if (found) {
+    write("scriptcontent",
+          [&] { record->set_bytes("scriptcontent", to_script_content(scriptsource.text())); });
+    write("sposition", [&] { record->set_text("sposition", upper(sposition.text())); });
+    write("svisible", [&] { record->set_number("svisible", svisible.value()); });
+  }
+  if (!begun) return;
+  if (found) console().wrote_to(conn);
+  const bool committed = console().attempt(Kind::sql, select_row.text(), found ? Step::write : Step::read,
+                                           [this] { conn->commit(); });
+  if (!committed) read_step("roll back", [this] { conn->roll_back(); });
+}
+
+void ScriptEnginePage::remove() {
+  const MessageBox question{translate("Delete Script"), translate("Are you sure?"), BoxStyle::ok_cancel};
+  if (console().host().message_box(question) != BoxReply::ok) return;
+  execute(delete_from("scriptengine", "scriptname", current_script_));
+  current_script_.clear();
+  scriptsource.set_text("");
+  sposition.set_text("");
+  fill_script_list();
+}
+
+void ScriptEnginePage::run_script() {
+  save();
+  if (scriptsource.text().empty() || !runner_) return;
+  runner_->loaddb();
+  const vbs::ScriptValue result = runner_->call_vbs(current_script_, test_input());
+  outputlabel.set_caption(translate("The result of your script is: ") + result.text);
+  show_problems();
+}
+
+void ScriptEnginePage::run_position() {
+  save();
+  if (!runner_) return;
+  runner_->load_into_engine(conn, upper(sposition.text()));
+  const std::int32_t sum = runner_->call_all(test_input(), sposition.text());
+  Label4.set_caption(translate("The result of your scripts are: ") + std::to_string(sum));
+  show_problems();
+}
+
+void ScriptEnginePage::update_database() {
+  const auto downloader = component<Downloader>();
+  if (downloader) component_step("update_db", [&] { downloader->update_db(); });
+  fill_script_list();
+}
+
+// Mail comes with both characters at each line's end; what people type has the second alone.
+std::string ScriptEnginePage::test_input() const {
+  std::string result;
+  for (const char c : inputbox.text()) {
+    if (c == '\n' && !result.ends_with('\r')) result += '\r';
+    result += c;
+  }
+  return result;
+}
+
+void ScriptEnginePage::show_problems() {
+  std::string lines;
+  for (const ScriptRunner::Problem& problem : runner_->problems()) {
+    if (!lines.empty()) lines += '\n';
+    lines += problem.description();
+  }
+  problems.set_caption(lines);
+}
+
+bool ScriptEnginePage::read_step(std::string_view text, const std::function<void()>& action) {
+  return console().attempt(Kind::sql, text, Step::read, action);
+}
+
+}  // namespace zrl
