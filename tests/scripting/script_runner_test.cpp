@@ -219,7 +219,7 @@ TEST_F(ScriptRunnerTest, SampleScriptsRunAtTheirPositions) {
       {"HEADERENV", "rcpt to:a", 0},
       {"BODYSTREAM", "http://a.example", 0},
       {"BODY", "short", 0},
-      {"AV", "holiday.txt", 0},
+      {"AV", "holiday.SCR", 10},
       {"NEVER", "x", 0},
   };
   for (const auto& c : cases) {

@@ -100,7 +100,9 @@ void ProcedureCompiler::holds(std::size_t reg) {
 }
 
 void ProcedureCompiler::take_back(std::size_t reg) {
-  if (held_first_ == reg && held_end_ == reg + 1) held_first_ = SIZE_MAX, held_end_ = 0;
+  if (held_first_ != reg) return;
+  held_first_ = reg + 1;
+  if (held_first_ == held_end_) held_first_ = SIZE_MAX, held_end_ = 0;
 }
 
 // A temporary that the clearing of held ones leaves alone.

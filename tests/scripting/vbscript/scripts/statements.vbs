@@ -38,6 +38,11 @@ Select Case "b"
   Case "x", "b" : WScript.Echo "B"  '=> B
   Case Else : WScript.Echo "E"
 End Select
+name = "holiday.SCR"
+Select Case LCase(Mid(name, InStrRev(name, ".") + 1))
+  Case "pif", "scr" : WScript.Echo "program"  '=> program
+  Case Else : WScript.Echo "other"
+End Select
 Select Case 9
   Case 1 : WScript.Echo "1"
   Case Else : WScript.Echo "else"   '=> else
