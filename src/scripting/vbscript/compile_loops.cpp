@@ -27,19 +27,20 @@ void ProcedureCompiler::do_loop(const Stmt& stmt) {
   loops_.pop_back();
 }
 
+ProcedureCompiler::Register ProcedureCompiler::loop_variable(const Expr& target) {
+  Register variable = 0;
+  if (direct_register(target, variable)) return variable;
+  const Meaning known = meaning(target.symbol);
+  if (known.kind == Meaning::Kind::variable) return static_cast<Register>(known.index);
+  variable = temp();
+  variable_reference(target, variable);
+  return variable;
+}
+
 void ProcedureCompiler::for_loop(const Stmt& stmt) {
   const std::size_t outer = persistent_;
   const Register base = temp(2);
-  Register variable = 0;
-  if (!direct_register(*stmt.target, variable)) {
-    const Meaning known = meaning(stmt.target->symbol);
-    if (known.kind == Meaning::Kind::variable) {
-      variable = static_cast<Register>(known.index);
-    } else {
-      variable = temp();
-      variable_reference(*stmt.target, variable);
-    }
-  }
+  const Register variable = loop_variable(*stmt.target);
   persistent_ = top_;
   emit(Op::clear, base, 2);
   const Register from = temp();
@@ -68,16 +69,7 @@ void ProcedureCompiler::for_loop(const Stmt& stmt) {
 void ProcedureCompiler::for_each(const Stmt& stmt) {
   const std::size_t outer = persistent_;
   const Register base = temp(2);
-  Register variable = 0;
-  if (!direct_register(*stmt.target, variable)) {
-    const Meaning known = meaning(stmt.target->symbol);
-    if (known.kind == Meaning::Kind::variable) {
-      variable = static_cast<Register>(known.index);
-    } else {
-      variable = temp();
-      variable_reference(*stmt.target, variable);
-    }
-  }
+  const Register variable = loop_variable(*stmt.target);
   persistent_ = top_;
   emit(Op::clear, base, 2);
   const Register collection = reference_or_value(*stmt.value);

@@ -97,6 +97,7 @@ class Machine final : public Context {
  private:
   // The dispatch loop (machine.cpp); returns when the frame `bottom` has returned.
   void run(std::size_t bottom);
+  void run_nested();
   void execute(std::size_t bottom);
 
   // Frames (machine_calls.cpp).

@@ -197,6 +197,18 @@ void Machine::call_builtin(Value* window, std::size_t count, std::uint32_t index
   for (std::size_t i = 1; i <= count; ++i) window[i].clear();
 }
 
+// Runs what was entered last, until it returns.
+void Machine::run_nested() {
+  ++nested_;
+  try {
+    run(depth_);
+  } catch (...) {
+    --nested_;
+    throw;
+  }
+  --nested_;
+}
+
 Value Machine::invoke(const Proc& proc, Instance* me, std::span<const Value> arguments) {
   if (nested_ >= deepest_nested) raise(error::stack_space);
   Value* const window = frame().top;
@@ -208,14 +220,7 @@ Value Machine::invoke(const Proc& proc, Instance* me, std::span<const Value> arg
     for (std::size_t i = 0; i < arguments.size(); ++i) window[i + 1].clear();
     throw;
   }
-  ++nested_;
-  try {
-    run(depth_);
-  } catch (...) {
-    --nested_;
-    throw;
-  }
-  --nested_;
+  run_nested();
   if (proc.global_frame) return {};
   return std::exchange(window[0], Value());
 }

@@ -125,14 +125,7 @@ void Machine::run_main(const Module& module) {
   enter_global(*module.main, nullptr);
   frame().entry = true;
   globals_.take_new_variables();
-  ++nested_;
-  try {
-    run(depth_);
-  } catch (...) {
-    --nested_;
-    throw;
-  }
-  --nested_;
+  run_nested();
 }
 
 const Proc* Machine::find_procedure(std::u16string_view name) const {

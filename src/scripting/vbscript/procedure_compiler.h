@@ -149,6 +149,8 @@ class ProcedureCompiler {
   void if_statement(const Stmt& stmt);
   void select(const Stmt& stmt);
   void do_loop(const Stmt& stmt);
+  // Where the counter or element of a loop lives: its own register, or one that refers to it.
+  Register loop_variable(const Expr& target);
   void for_loop(const Stmt& stmt);
   void for_each(const Stmt& stmt);
   void with(const Stmt& stmt);
