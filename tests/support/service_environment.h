@@ -15,7 +15,8 @@ namespace zrl::test {
 // the "systemctl" that was made here: no test reaches the services of the machine.
 class ServiceEnvironment {
  public:
-  ServiceEnvironment() : path_(std::getenv("PATH")) {
+  ServiceEnvironment() {
+    if (const char* path = std::getenv("PATH")) path_ = path;
     ::setenv("PATH", folder_.path().c_str(), 1);
     use_bus("unix:path=" + (folder_.path() / "none").string());
   }

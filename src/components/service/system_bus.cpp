@@ -86,6 +86,7 @@ BusMessage SystemBus::call(const BusMessage& message) const {
 
 void append_texts(const BusMessage& message, const std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (const std::string& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
   pointers.push_back(nullptr);
   check_bus(sd_bus_message_append_strv(message.get(), pointers.data()), "question to the service manager");
