@@ -39,13 +39,18 @@ PopConfigPage::PopConfigPage(Console& console) : Page(console, "pop_config", "PO
   deletea.on_click = [this] { delete_account(); };
   clearnew.on_click = [this] { start_account(); };
 
-  set_layout(column({
-      frame(Frame1, row({enable_pop3, poptime, setpoptime})),
-      frame(Frame2, column({userlist, row({clearnew, deletea})})),
-      frame(Frame3, column({grid({username, server, password, maxsize}), grid({leave, scan})})),
-      frame(Frame4, grid({subm, forward})),
-      frame(Frame5, column({grid({tagging, subjectdelete, spamtobadmail}), grid({spamforward, badmail})})),
-      row({addmod}),
+  set_layout(row({
+      grow(column({
+          frame(Frame1, column({enable_pop3, row({poptime, setpoptime})})),
+          grow(frame(Frame2, column({grow(userlist), row({clearnew, deletea})}))),
+      })),
+      grow(column({
+          frame(Frame3, column({grid({username, server, password, maxsize}), grid({leave, scan})})),
+          frame(Frame4, grid({subm, forward})),
+          frame(Frame5,
+                column({grid({tagging, subjectdelete, spamtobadmail}), grid({spamforward, badmail})})),
+          row({addmod}),
+      })),
   }));
 }
 
