@@ -9,7 +9,7 @@ namespace zrl {
 namespace {
 
 struct ReplyText {
-  TextField StringsPage::*field;
+  TextField StringsPage::* field;
   std::string_view key;
   std::string_view default_text;
 };

@@ -24,7 +24,7 @@ class PopConfigPageTest : public testing::Test, public test::ShownPage<PopConfig
     return page;
   }
   // What a field's text becomes in the table.
-  std::string stored(TextField PopConfigPage::*field, Literal column, std::string_view text) {
+  std::string stored(TextField PopConfigPage::* field, Literal column, std::string_view text) {
     PopConfigPage& page = shown_with_account();
     (page.*field).user_type(text);
     page.addmod.user_click();
@@ -127,7 +127,7 @@ TEST_F(PopConfigPageTest, NothingIsStoredWithoutUserNameOrServer) {
 
 TEST_F(PopConfigPageTest, WhatCannotBeUsedIsStoredAsEmpty) {
   const struct {
-    TextField PopConfigPage::*field;
+    TextField PopConfigPage::* field;
     Literal column;
     const char* text;
     bool kept;
