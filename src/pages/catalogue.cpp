@@ -50,9 +50,9 @@ std::span<const PageEntry> page_catalogue() {
       {"monitor", "Logs", "Mail archive", make_page<MonitorPage>},
       {"stati", "Logs", "Statistics", make_page<StatiPage>},
       {"ScriptEngine", "Scripts", "Script engine", make_page<ScriptEnginePage>},
-      {"ServiceControl", "Service", "Service control", make_page<ServiceControlPage>},
       {"keywordtester", "Test tools", "Keyword tester", make_page<KeywordTesterPage>},
       {"regEx", "Test tools", "Regular expression tester", make_page<RegexTesterPage>},
+      {"ServiceControl", "Service", "Service control", make_page<ServiceControlPage>},
   };
   return entries;
 }
