@@ -26,6 +26,19 @@ export interface Wording {
 
 const descriptionId = 'description'
 
+/** Over selected text browsers type in its style: they would add a style attribute, which the content security policy
+ *  refuses and tells about. */
+const typeOver = EditorView.domEventHandlers({
+  beforeinput: (event, view) => {
+    const { state } = view
+    if (event.inputType !== 'insertText' || event.data === null || event.isComposing) return false
+    if (state.selection.main.empty || state.readOnly) return false
+    event.preventDefault()
+    view.dispatch(state.replaceSelection(event.data), { userEvent: 'input.type', scrollIntoView: true })
+    return true
+  },
+})
+
 /** An editor of source text, in a shadow root: there the library's styles are sheets, which the content security policy
  *  allows. The host element passes the focus on to it. */
 export class SourceEditor {
@@ -114,6 +127,7 @@ export class SourceEditor {
         vbscript(),
         marking,
         theme,
+        typeOver,
         keymap.of([{ key: 'Tab', run: insertTab, shift: indentLess }, ...searchKeymap, ...historyKeymap, ...defaultKeymap]),
         this.wording.of(this.worded()),
         this.access.of(this.accessible()),

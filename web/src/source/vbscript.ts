@@ -10,21 +10,29 @@ const closesWhenTyped = /^\s*(?:end\s+(?:if|function|sub|property|class|select|w
 /** As the line before, one step further in a block, one step back where the block ends. */
 const indentation = indentService.of((context, place) => {
   const { doc } = context.state
-  const line = doc.lineAt(place)
-  let before = line.number - 1
-  while (before > 0 && doc.line(before).text.trim() === '') --before
-  if (before === 0) return 0
-  const above = doc.line(before)
-  let columns = context.lineIndent(above.from)
+  const { from } = context.lineAt(place)
+  // The line may be about to be broken here: what stands before the place is the line above then.
+  let above = context.lineAt(place, -1)
+  while (above.text.trim() === '' || above.from === from) {
+    if (above.from === 0) return 0
+    above = doc.lineAt(above.from - 1)
+  }
+  let columns = context.countColumn(above.text, above.text.search(/\S/))
   if (opening.test(above.text)) columns += context.unit
-  // The line may be about to be broken at the place: what comes behind it begins the new one.
   if (closing.test(context.textAfterPos(place))) columns -= context.unit
   return Math.max(0, columns)
 })
 
+/** Words of the language that the mode takes for names. */
+const furtherKeywords = /^(?:to|step|each|preserve|default|erase)$/i
+
 export function vbscript(): Extension {
   const language = StreamLanguage.define({
     ...vbScript,
+    token: (stream, state) => {
+      const style = vbScript.token(stream, state)
+      return style === 'variable' && furtherKeywords.test(stream.current()) ? 'keyword' : style
+    },
     languageData: { commentTokens: { line: "'" }, indentOnInput: closesWhenTyped },
   })
   return [language, indentation]
