@@ -105,7 +105,7 @@ std::int32_t ScriptRunner::call_all(std::string_view input, std::string_view pos
   std::int32_t sum = 0;
   std::int32_t value = 0;
   for (const Script& script : scripts_) {
-    if (lower(script.position) != lower(position)) continue;
+    if (!equals_ignoring_case(script.position, position)) continue;
     value = result_of(script.name, input).value_or(value);
     sum = sum_of(sum, value);
     log(script.name, value);
