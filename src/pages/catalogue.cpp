@@ -19,6 +19,7 @@
 #include "pages/logs/predatalog_page.h"
 #include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
+#include "pages/settings/spf_page.h"
 #include "scripting/script_engine_page.h"
 
 namespace zrl {
@@ -26,6 +27,7 @@ namespace zrl {
 std::span<const PageEntry> page_catalogue() {
   static constexpr PageEntry entries[] = {
       {"general", "Settings", "General", make_page<GeneralPage>},
+      {"spf", "Settings", "SPF and Caller-ID", make_page<SpfPage>},
       {"domainbw", "Lists", "Domains", make_page<DomainPage>},
       {"ipbw", "Lists", "IP numbers", make_page<IpPage>},
       {"subnets", "Lists", "Subnets", make_page<SubnetPage>},
