@@ -1,12 +1,9 @@
 #pragma once
 
-#include <algorithm>
 #include <map>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "components/dns/sender_lookups.h"
@@ -14,8 +11,8 @@
 
 namespace zrl::test {
 
-// The DNS as a list of records, one a line: "example.com MX mail.example.com". A name with the record
-// "ERROR" gets no answer.
+// The DNS as a list of records, one a line: "example.com MX mail.example.com", "192.0.2.1 PTR NAME". A
+// name with the record "ERROR" gets no answer. Lines that are no records do nothing.
 class ZoneLookups : public SenderLookups {
  public:
   explicit ZoneLookups(std::string_view records) {
@@ -46,7 +43,9 @@ class ZoneLookups : public SenderLookups {
       const Records<std::string> texts = ask(name, family == IpAddress::Family::v4 ? "A" : "AAAA");
       Records<IpAddress>& records = result.emplace_back();
       records.failed = texts.failed;
-      for (const std::string& text : texts.found) records.found.push_back(*IpAddress::parse(text, family));
+      for (const std::string& text : texts.found) {
+        if (const auto address = IpAddress::parse(text, family)) records.found.push_back(*address);
+      }
     }
     return result;
   }

@@ -65,9 +65,8 @@ class CaresClient : public DnsClient {
     fetched_ = {};
     const std::string name = domain_in(domain);
     CaresLookups lookups = start();
-    const std::string record = valid_utf8(published_spf(name, lookups).value_or(""));
-    fetched_ = {name, name, record};
-    return record;
+    fetched_ = {name, name, valid_utf8(published_spf(name, lookups).value_or(""))};
+    return fetched_.record;
   }
 
   std::string get_redirect(std::string_view text) override {
@@ -117,10 +116,9 @@ class CaresClient : public DnsClient {
 
   // Of a redirect in a record that stands where `from` says, or that is not known to stand anywhere.
   static std::string target_of(const MacroString& redirect, const Fetched& from) {
-    const std::string sender = "postmaster@" + from.domain;
     return redirect.expand_to_name([&](char letter) -> std::string {
-      if (letter == 'l') return local_part_of(sender);
-      if (letter == 's' && !from.domain.empty()) return sender;
+      if (letter == 'l') return "postmaster";
+      if (letter == 's' && !from.domain.empty()) return "postmaster@" + from.domain;
       if ((letter == 'o' || letter == 'h') && !from.domain.empty()) return from.domain;
       if (letter == 'd' && !from.place.empty()) return from.place;
       refuse("where redirect=" + redirect.text() + " leads depends on the client");

@@ -20,7 +20,7 @@ constexpr int tries = 3;
 // c-ares doubles its time-out with each try: 1 + 2 + 4.
 constexpr int shares = 7;
 // How long the sockets are watched before the event loop is served again.
-constexpr milliseconds watch{5};
+constexpr milliseconds watch{9};
 constexpr milliseconds serve{1};
 
 void check(int status) {

@@ -35,6 +35,15 @@ bool is_at_or_below(std::string_view name, std::string_view domain) {
   return name.size() == domain.size() || name[name.size() - domain.size() - 1] == '.';
 }
 
+std::string local_part_of(const std::string& sender) {
+  const std::size_t at = sender.rfind('@');
+  return at == 0 || at == sender.npos ? "postmaster" : sender.substr(0, at);
+}
+
+std::string domain_of_sender(const std::string& sender) {
+  return sender.substr(sender.rfind('@') + 1);
+}
+
 class Evaluation {
  public:
   Evaluation(const SenderQuestion& question, SenderLookups& lookups)
@@ -266,15 +275,6 @@ std::optional<std::string> published_spf(const std::string& domain, SenderLookup
   if (texts.found.size() > 1) fail_for_good(domain + " has several SPF records");
   if (texts.found.empty()) return std::nullopt;
   return texts.found.front();
-}
-
-std::string local_part_of(const std::string& sender) {
-  const std::size_t at = sender.rfind('@');
-  return at == 0 || at == sender.npos ? "postmaster" : sender.substr(0, at);
-}
-
-std::string domain_of_sender(const std::string& sender) {
-  return sender.substr(sender.rfind('@') + 1);
 }
 
 }  // namespace zrl

@@ -18,8 +18,4 @@ SenderCheck check_spf(const SenderQuestion& question, SenderLookups& lookups);
 // several, or no answer.
 std::optional<std::string> published_spf(const std::string& domain, SenderLookups& lookups);
 
-// Where the sender's address is meant from: the values of the letters that depend on it alone.
-std::string local_part_of(const std::string& sender);
-std::string domain_of_sender(const std::string& sender);
-
 }  // namespace zrl

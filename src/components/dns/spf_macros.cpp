@@ -168,7 +168,7 @@ std::string MacroString::expand_to_name(const Values& value) const {
   return dot == name.npos ? std::string() : name.substr(dot + 1);
 }
 
-std::string MacroString::transformed(std::string value, const Part& part) {
+std::string MacroString::transformed(const std::string& value, const Part& part) {
   std::vector<std::string> labels(1);
   for (const char c : value) {
     if (part.delimiters.find(c) == part.delimiters.npos) {

@@ -43,7 +43,7 @@ class MacroString {
   };
   class Parser;
 
-  static std::string transformed(std::string value, const Part& part);
+  static std::string transformed(const std::string& value, const Part& part);
 
   std::string text_;
   std::vector<Part> parts_;
