@@ -174,15 +174,10 @@ void ScriptEnginePage::save() {
   write_copy();
 }
 
-// What is in the editor belongs to no script as long as none is selected: there is no file to write.
+// A text that belongs to no script yet is kept too, in a file without a name.
 void ScriptEnginePage::write_copy() {
-  const std::string scripts = to_product_path(console().folder()) + "\\scripts";
-  if (current_script_.empty()) {
-    console().attempt(Kind::file, to_file_path(scripts).string(), Step::write,
-                      [] { throw Error(error_number::invalid_call, "no script is selected"); });
-    return;
-  }
-  write_text_file(console(), scripts, current_script_ + ".vbs", scriptsource.text());
+  write_text_file(console(), to_product_path(console().folder()) + "\\scripts", current_script_ + ".vbs",
+                  scriptsource.text());
 }
 
 void ScriptEnginePage::store() {
