@@ -41,8 +41,8 @@ ServiceControlPage::ServiceControlPage(Console& console)
       frame(Frame1, grid({Text1, Text3})),
       frame(Frame2, grid({listenip, Text2})),
       row({Command1}),
-      frame(Frame3, column({Label1, Label2, dontstartproxy, row({starts, stopservice, rservice, Command2}),
-                            row({Command3})})),
+      frame(Frame3, column({Label1, Label2, grid({dontstartproxy}),
+                            row({starts, stopservice, rservice, Command2}), row({Command3})})),
   }));
 }
 

@@ -41,14 +41,14 @@ PopConfigPage::PopConfigPage(Console& console) : Page(console, "pop_config", "PO
 
   set_layout(row({
       grow(column({
-          frame(Frame1, column({enable_pop3, row({poptime, setpoptime})})),
+          frame(Frame1, column({grid({enable_pop3}), row({poptime, setpoptime})})),
           grow(frame(Frame2, column({grow(userlist), row({clearnew, deletea})}))),
       })),
       grow(column({
-          frame(Frame3, column({grid({username, server, password, maxsize}), grid({leave, scan})})),
+          frame(Frame3, column({grid({username, server, password, maxsize}), row({leave, scan})})),
           frame(Frame4, grid({subm, forward})),
           frame(Frame5,
-                column({grid({tagging, subjectdelete, spamtobadmail}), grid({spamforward, badmail})})),
+                column({column({tagging, subjectdelete, spamtobadmail}), grid({spamforward, badmail})})),
           row({addmod}),
       })),
   }));

@@ -36,10 +36,11 @@ SpfPage::SpfPage(Console& console) : Page(console, "spf", "SPF and Caller-ID") {
   checkcid.on_click = [this] { busy(checkcid, [this] { test(cid_, "check_cid", &DnsClient::check_cid); }); };
 
   set_layout(column({
-      frame(Frame4, column({check_spf, use_default_spf, default_spf, row({updatespf}), whitel_spf})),
-      frame(Frame1, column({check_cid, use_default_cid, default_cid, row({updatecid})})),
-      frame(Frame2, column({grid({spfdom, spfip}), spfrec, row({getspf, checkspf, spfresult})})),
-      frame(Frame3, column({grid({ciddom, cidip}), cidrec, row({getcid, checkcid, cidresult})})),
+      frame(Frame4,
+            column({grid({check_spf, use_default_spf, whitel_spf}), row({grow(default_spf), updatespf})})),
+      frame(Frame1, column({grid({check_cid, use_default_cid}), row({grow(default_cid), updatecid})})),
+      frame(Frame2, column({grid({spfdom, spfip}), row({grow(spfrec)}), row({getspf, checkspf, spfresult})})),
+      frame(Frame3, column({grid({ciddom, cidip}), row({grow(cidrec)}), row({getcid, checkcid, cidresult})})),
       Label7,
   }));
 }

@@ -36,7 +36,7 @@ StringsPage::StringsPage(Console& console) : Page(console, "strings", "Reply tex
   Command2.on_click = [this] { store_default_banner(); };
 
   set_layout(column({
-      frame(Frame1, column({welcome, hello, bye, queue})),
+      frame(Frame1, column({welcome, row({grow(hello)}), row({grow(bye)}), row({grow(queue)})})),
       row({updatedb, Command1, Command2}),
   }));
 }
