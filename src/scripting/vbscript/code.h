@@ -60,6 +60,20 @@ struct Binding {
   bool declared = false;
 };
 
+// A piece of the text.
+struct Extent {
+  std::uint32_t offset = 0;
+  std::uint32_t length = 0;
+};
+
+// What an instruction is about, for the report of an error that nobody handled.
+struct Subject {
+  std::uint32_t pc = 0;
+  bool of_member = false;
+  Extent object;  // whose member or element is meant
+  Extent index;   // the name of the variable that is the index
+};
+
 struct Proc {
   Module* module = nullptr;
   ProcKind kind = ProcKind::main;
@@ -76,6 +90,7 @@ struct Proc {
   std::vector<Parameter> parameter_list;
   std::vector<Instr> code;
   std::vector<Place> places;
+  std::vector<Subject> subjects;  // by pc
   std::vector<Binding> implicit;
   std::vector<Binding> locals;  // names for Execute and Eval
   const Value* constants = nullptr;

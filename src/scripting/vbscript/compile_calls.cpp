@@ -48,6 +48,7 @@ ProcedureCompiler::Register ProcedureCompiler::invoke(const Expr& callee, std::s
     }
     release_to(window + std::size_t{1});
     arguments(list, true);
+    subject_of_member(callee);
     emit_extended(Op::call_member, window, static_cast<std::uint32_t>(list.size()), 0, callee.symbol);
   } else {
     if (!reference_into(callee, window)) into(callee, window);
@@ -101,6 +102,7 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
     case Meaning::Kind::field:
       reference_into(callee, window);
       arguments(list, true);
+      subject_of_index(callee, count == 1 ? list[0] : nullptr);
       emit(Op::index_many, window, count);
       return;
     case Meaning::Kind::unknown:
@@ -183,6 +185,7 @@ void ProcedureCompiler::refer_index(const Expr& expr, Register target) {
   const Register window = inner == 0 && target + std::size_t{1} == top_ ? target : temp();
   reference_into(*expr.left, window);
   arguments(expr.arguments, true);
+  subject_of_index(*expr.left, expr.arguments.size() == 1 ? expr.arguments[0] : nullptr);
   emit(Op::refer_index, window, static_cast<std::uint32_t>(expr.arguments.size()), lock);
   locks_.resize(outer_locks);
   holds(lock);

@@ -39,11 +39,7 @@ std::optional<double> parse_based(std::u16string_view text) {
 }
 
 [[noreturn]] void mismatch(const Value& value) {
-  std::u16string subject;
-  if (value.is(Type::string)) {
-    subject = u"[string: \"" + std::u16string(value.text().substr(0, 40)) + u"\"]";
-  }
-  raise(error::type_mismatch, subject);
+  raise(error::type_mismatch, description_of(value));
 }
 
 double number_of_text(const Value& value, const Locale& locale) {
@@ -52,6 +48,19 @@ double number_of_text(const Value& value, const Locale& locale) {
 }
 
 }  // namespace
+
+std::u16string description_of(const Value& value) {
+  constexpr std::size_t longest = 40;
+  switch (value.type()) {
+    case Type::string:
+      return u"[string: \"" + std::u16string(value.text().substr(0, longest)) + u"\"]";
+    case Type::integer:
+    case Type::long_integer:
+      return u"[number: " + integer_text(value.i()) + u"]";
+    default:
+      return {};
+  }
+}
 
 std::optional<double> parse_number(std::u16string_view text, const Locale& locale) {
   text = trimmed(text);

@@ -103,7 +103,11 @@ void Machine::pop() {
   --depth_;
   if (owned) {
     memory_.refund(owned->charged);
-    if (error_module_ == owned) error_module_ = nullptr;
+    if (error_module_ == owned) {
+      // Only an error on its way out is looked at; what is handled costs nothing.
+      if (place_noted_) error_place_ = error_place();
+      error_module_ = nullptr;
+    }
     delete owned;
   }
   if (me) Value(Ref<Object>::adopt(me)).clear();

@@ -68,6 +68,7 @@ std::unique_ptr<Ast> Parser::parse_expression_text() {
 }
 
 void Parser::fail(std::int32_t number) const {
+  if (at(TokenKind::invalid)) fail(static_cast<std::int32_t>(token().integer), token().offset);
   fail(number, token().offset);
 }
 
