@@ -149,6 +149,7 @@ struct Module {
 struct GlobalName {
   enum class Kind : std::uint8_t { undefined, variable, constant, procedure, class_type };
   Kind kind = Kind::undefined;
+  bool declared = false;  // of a variable: by Dim
   std::uint16_t slot = 0;
   const Proc* procedure = nullptr;
   ClassInfo* class_type = nullptr;
@@ -179,6 +180,9 @@ class Globals {
   void shrink(std::size_t used) { used_ = used; }
   // A variable that did not exist before. Tells its slot.
   std::uint16_t declare(SymbolId canonical);
+  // The variable of that name, where there is one. What nobody declares comes into being with its first
+  // value: until then the name is free for procedures.
+  Value* existing(SymbolId canonical);
   std::vector<SymbolId> take_new_variables() { return std::move(new_variables_); }
   bool has_new_variables() const { return !new_variables_.empty(); }
 

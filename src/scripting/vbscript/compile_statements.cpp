@@ -88,7 +88,8 @@ namespace {
 
 std::uint32_t start_of(const Expr& expr) {
   const Expr* first = &expr;
-  while (first->left && (first->kind == ExprKind::member || first->kind == ExprKind::call)) first = first->left;
+  while (first->left && (first->kind == ExprKind::member || first->kind == ExprKind::call))
+    first = first->left;
   return first->offset;
 }
 

@@ -194,6 +194,13 @@ class Machine final : public Context {
   std::size_t depth_ = 0;  // of the frame that runs; 0 is none
   std::size_t nested_ = 0;
 
+  // Objects that end after the one whose Class_Terminate runs in the frame at `depth`.
+  struct Waiting {
+    std::size_t depth;
+    Heap::Terminations objects;
+  };
+  std::vector<Waiting> waiting_;
+
   std::int64_t countdown_ = instructions_between_checks;
   std::chrono::steady_clock::time_point deadline_{};
   ErrState err_;

@@ -2,8 +2,8 @@
 #include <cstdlib>
 
 #include "scripting/vbscript/arrays.h"
-#include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/compiler.h"
+#include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/lexer.h"
 #include "scripting/vbscript/machine.h"
 #include "scripting/vbscript/objects/err_object.h"
@@ -47,14 +47,16 @@ Machine::~Machine() {
 
 void Machine::settle() {
   while (memory_.has_terminations()) {
-    const Ref<Object> object = memory_.next_termination();
+    Ref<Object> object = memory_.next_termination();
     auto& instance = static_cast<Instance&>(*object);
     instance.mark_terminated();
+    const Heap::Terminations others = memory_.take_terminations();
     try {
       invoke(*instance.type().terminate, &instance, {});
     } catch (const Failure&) {  // nobody is left to be told
-      continue;
     }
+    object = {};
+    memory_.append_terminations(others);
   }
 }
 
@@ -162,8 +164,9 @@ void Machine::note_place(const Failure&) {
   error_subject_ = {};
   const auto pc = static_cast<std::uint32_t>(frame().pc - frame().proc->code.data());
   const auto& subjects = frame().proc->subjects;
-  const auto found = std::lower_bound(subjects.begin(), subjects.end(), pc,
-                                      [](const Subject& subject, std::uint32_t at) { return subject.pc < at; });
+  const auto found =
+      std::lower_bound(subjects.begin(), subjects.end(), pc,
+                       [](const Subject& subject, std::uint32_t at) { return subject.pc < at; });
   if (found != subjects.end() && found->pc == pc) error_subject_ = *found;
 }
 

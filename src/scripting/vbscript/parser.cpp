@@ -8,7 +8,7 @@ namespace zrl::vbs {
 
 namespace {
 
-constexpr int deepest_nesting = 250;
+constexpr int deepest_nesting = 500;
 constexpr std::size_t arena_chunk = std::size_t{16} << 10;
 
 }  // namespace

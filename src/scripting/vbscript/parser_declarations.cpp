@@ -234,14 +234,13 @@ void Parser::class_member(ClassDecl& declaration) {
   const bool is_public = !at(Keyword::private_);
   if (visible) ++position_;
   bool is_default = false;
-  if (at_word(Keyword::default_) &&
-      (ahead().kind == TokenKind::keyword || ahead().kind == TokenKind::name)) {
+  if (at_word(Keyword::default_) && (ahead().kind == TokenKind::keyword || ahead().kind == TokenKind::name)) {
     if (!visible || !is_public) fail(error::default_not_public);
     ++position_;
     is_default = true;
   }
-  const bool is_property = at_word(Keyword::property) &&
-                           (ahead().kind == TokenKind::keyword || ahead().kind == TokenKind::name);
+  const bool is_property =
+      at_word(Keyword::property) && (ahead().kind == TokenKind::keyword || ahead().kind == TokenKind::name);
   if (at(Keyword::sub) || at(Keyword::function) || is_property) {
     declaration.procedures.push_back(procedure_declaration(is_public, is_default));
     return;
