@@ -22,6 +22,12 @@ bool ProcedureCompiler::is_own_name(const Meaning& known, SymbolId symbol) const
   return known.kind == Meaning::Kind::local && known.index == 0;
 }
 
+// The name of a function where it is written to: its result, an array say.
+bool ProcedureCompiler::is_own_result(const Expr& callee) const {
+  return callee.kind == ExprKind::name && declaration_.kind == ProcKind::function &&
+         is_own_name(meaning(callee.symbol), callee.symbol);
+}
+
 std::size_t ProcedureCompiler::locks_of(std::span<Expr*> list) const {
   std::size_t count = 0;
   for (const Expr* argument : list) {

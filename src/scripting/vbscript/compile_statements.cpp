@@ -343,7 +343,7 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
   if (callee.kind == ExprKind::member) {
     return assign_member(callee, callee.symbol, target.arguments, value, set);
   }
-  const bool of_variable = indexes_variable(target);
+  const bool of_variable = indexes_variable(target) || is_own_result(callee);
   if (of_variable && !set && target.arguments.size() == 1 && target.arguments[0]->kind != ExprKind::missing) {
     const Register array = reference_or_value(callee);
     std::uint32_t constant = 0;
@@ -386,6 +386,12 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
     }
   } else {
     const Meaning known = meaning(callee.symbol);
+    const bool called = known.kind == Meaning::Kind::procedure || known.kind == Meaning::Kind::builtin ||
+                        known.kind == Meaning::Kind::special;
+    if (called) {
+      emit_extended(Op::fail, error::illegal_assignment, 0, 0, callee.symbol);
+      return;
+    }
     if (known.kind == Meaning::Kind::unknown || known.kind == Meaning::Kind::undeclared) {
       variable_reference(callee, window);
     } else {

@@ -115,8 +115,9 @@ void Parser::visible_declaration(Stmt*& stmt) {
   stmt = dim(is_public);
 }
 
+// Also within a block of the top level: it is there even where the block is not run.
 void Parser::procedure(bool is_public, bool is_default) {
-  if (procedure_ != &ast_->main || blocks_ > 0) fail(error::syntax);
+  if (procedure_ != &ast_->main) fail(error::syntax);
   ast_->procedures.push_back(procedure_declaration(is_public, is_default));
 }
 

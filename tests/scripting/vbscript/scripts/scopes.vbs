@@ -28,3 +28,17 @@ Function Twice(x) Twice = 2 * x End Function
 Sub Empty_() End Sub
 Empty_
 WScript.Echo Twice(4)                    '=> 8
+' Procedures and constants are there even where their block is not run.
+If False Then
+  Function Hoisted : Hoisted = Constant : End Function
+  Const Constant = 7
+End If
+WScript.Echo Hoisted                     '=> 7
+' The result of a function is a variable in it, with elements too.
+Function Squares(n) : ReDim Squares(n) : Dim i : For i = 0 To n : Squares(i) = i * i : Next : End Function
+WScript.Echo Join(Squares(3))            '=> 0 1 4 9
+Class Maker : Public Function List : ReDim List(1) : List(0) = "p" : List(1) = "q" : End Function : End Class
+WScript.Echo Join((New Maker).List)      '=> p q
+On Error Resume Next
+s = "abc" : Mid(s, 1, 1) = "x" : WScript.Echo Err.Number, s : Err.Clear  '=> 501 abc
+Squares(1) = 3 : WScript.Echo Err.Number : Err.Clear                     '=> 501
