@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 
+#include "components/checks/check_components.h"
 #include "components/directory/directory_components.h"
 #include "components/dns/cares_client.h"
 #include "components/downloader/downloader_components.h"
@@ -10,8 +11,10 @@
 #include "components/logging/file_logger.h"
 #include "components/mail/mail_components.h"
 #include "components/pcre2/pcre2_regexp.h"
+#include "components/service/service_components.h"
 #include "components/sqlite/sqlite_components.h"
 #include "core/error.h"
+#include "host/program_output.h"
 #include "net/machine_sockets.h"
 #include "pages/lists/remote_update.h"
 
@@ -46,6 +49,14 @@ DirectorySettings directory_settings(Console& console) {
   settings.serve = [&console] { console.host().process_events(); };
   settings.report = [&console](const Progress& progress) { console.host().show_progress(progress); };
   return settings;
+}
+
+CheckSurroundings check_surroundings(Console& console) {
+  return {[&console] { return console.components().create<Database>(); },
+          [&console] { return data_provider(console); },
+          [&console](std::string_view entry, std::string_view text) {
+            return console.pattern_matcher().regex_match(entry, text);
+          }};
 }
 
 DownloaderSettings downloader_settings(Console& console) {
@@ -104,6 +115,11 @@ void register_components(Console& console) {
                             [&resolver] { return ready(resolver).dns_timeout(); },
                             [&host](std::chrono::milliseconds time) { host.wait(time); }});
   });
+
+  components.add<ServiceManager>([] { return make_service_manager({.run = program_output}); });
+  components.add<PluginHost>(make_plugin_transport_factory(components));
+  components.add<CheckPlugin>(checks::body_stream, make_body_check_factory(check_surroundings(console)));
+  components.add<CheckPlugin>(checks::subject, make_subject_check_factory(check_surroundings(console)));
 
   components.add<MailMessage>([&console] {
     return make_mail_message({

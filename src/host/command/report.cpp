@@ -70,6 +70,20 @@ void print_items(std::ostream& out, const StringList& items, std::int64_t index)
   }
 }
 
+// A password that is there.
+bool hides(const Control& control) {
+  const auto& field = static_cast<const TextField&>(control);
+  return field.style().secret && !field.text().empty();
+}
+
+void print_marks(std::ostream& out, const TextField& field) {
+  for (const TextField::Mark& mark : field.marks()) {
+    out << "      ! " << short_text(mark.name);
+    if (mark.line > 0) out << '(' << mark.line << ", " << mark.column << ')';
+    out << ": " << short_text(mark.text) << '\n';
+  }
+}
+
 // What a control holds, in one line; lists follow it with their items.
 void print_control(std::ostream& out, const Control& control) {
   const auto text = [&](Property property) {
@@ -88,7 +102,7 @@ void print_control(std::ostream& out, const Control& control) {
       out << "<" << text(Property::caption) << ">";
       break;
     case ControlKind::text_field:
-      out << '"' << text(Property::text) << '"';
+      out << '"' << (hides(control) ? "********" : text(Property::text)) << '"';
       break;
     case ControlKind::timer:
       out << "every " << number(Property::interval) << " ms";
@@ -107,6 +121,7 @@ void print_control(std::ostream& out, const Control& control) {
   if (!control.visible()) out << "  (hidden)";
   if (!control.enabled()) out << "  (disabled)";
   out << '\n';
+  if (control.kind() == ControlKind::text_field) print_marks(out, static_cast<const TextField&>(control));
   if (control.has(Property::items)) {
     print_items(out, *std::get<const StringList*>(control.get(Property::items)), number(Property::index));
   }
@@ -118,7 +133,7 @@ void print_activity(std::ostream& out, const ActivityRecord& activity) {
   for (std::uint64_t i = activity.first(); i < activity.total(); ++i) {
     const ActivityRecord::Entry entry = activity[i];
     out << (entry.ok ? "  done    " : "  failed  ") << std::left << std::setw(10) << name_of(entry.kind)
-        << short_text(entry.text);
+        << short_text(entry.public_text);
     if (!entry.ok) out << ": " << printable(entry.error);
     out << '\n';
   }

@@ -56,6 +56,23 @@ TEST_F(CommandTest, EveryKindTellsItsProperties) {
   EXPECT_EQ(controls.at("List1").at("index").as_int64(), -1);
 }
 
+TEST_F(CommandTest, AScriptIsWrittenRunAndDeleted) {
+  const std::string code = "scriptsource=Function twice(input)\n twice = 2 * input\nEnd Function";
+  json::object result =
+      run_do({"ScriptEngine", "scriptnamen=twice", "insertnew", "inputbox=21", code, "executescript"});
+  EXPECT_EQ(result.at("controls").at("outputlabel").at("caption"), "The result of your script is: 42");
+  EXPECT_FALSE(result.at("controls").at("scriptsource").as_object().contains("marks"));
+  result = run_do({"ScriptEngine", "allscripts=1", "scriptnamen#0", "inputbox=many", "executescript"});
+  const json::value& mark = result.at("controls").at("scriptsource").at("marks").at(0);
+  EXPECT_EQ(mark.at("name"), "twice");
+  EXPECT_EQ(mark.at("line"), 2);
+  EXPECT_THAT(std::string(mark.at("text").as_string()), HasSubstr("Type mismatch"));
+  EXPECT_THAT(texts_of(result, "activity", "error"), HasSubstr("twice(2, "));
+  result =
+      run_do({"ScriptEngine", "allscripts=1", "scriptnamen#0", "deletefromdb", "allscripts", "allscripts"});
+  EXPECT_TRUE(result.at("controls").at("scriptnamen").at("items").as_array().empty());
+}
+
 TEST_F(CommandTest, StepsActAsAUserWould) {
   const json::object controls =
       run_do({"allcontrols", "Text1=a=b", "Option2", "Combo1=BODY", "Combo2=typed", "List1=banana.example",
@@ -141,6 +158,12 @@ TEST_F(CommandTest, PeopleGetNothingThatTheirTerminalObeys) {
   EXPECT_THAT(out, HasSubstr("> \\x1b[31mred"));
   EXPECT_THAT(out, HasSubstr("... and 999980 more"));
   EXPECT_LT(out.size(), 10'000u);
+}
+
+TEST_F(CommandTest, PeopleDoNotSeePasswords) {
+  EXPECT_EQ(run({"do", "pop_config", "username=me", "server=pop.example", "password=pa55", "addmod"}), 0);
+  EXPECT_THAT(out, HasSubstr("set [password]='********' where"));
+  EXPECT_THAT(out, testing::Not(HasSubstr("pa55")));
 }
 
 }  // namespace

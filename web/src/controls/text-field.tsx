@@ -3,6 +3,7 @@ import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import { CountsChart } from './counts-chart'
 import { Field, naming } from './field'
+import { SourceField } from './source-field'
 
 /** Sets the text of an input only when it differs, and leaves the caret where it stood. */
 export function putText(input: HTMLInputElement | HTMLTextAreaElement, text: string): void {
@@ -17,10 +18,19 @@ export function putText(input: HTMLInputElement | HTMLTextAreaElement, text: str
   input.scrollTop = scrollTop
 }
 
+/** What stands in the input. A text area has its line ends as line feeds; the console's are CR LF, as in what it stores. */
+function textOf(input: HTMLInputElement | HTMLTextAreaElement): string {
+  return input instanceof HTMLTextAreaElement ? input.value.replace(/\n/g, '\r\n') : input.value
+}
+
 /** The element's types tell the two apart, though its attributes are the same for both. */
 export const fieldType = (hidden: boolean): 'text' => (hidden ? 'password' : 'text') as 'text'
 
 export function TextField({ control }: { control: ControlModel }) {
+  return control.shown.value.source ? <SourceField control={control} plain={PlainField} /> : <PlainField control={control} />
+}
+
+function PlainField({ control }: { control: ControlModel }) {
   const shown = control.shown.value
   const text = control.text.value
   const area = useRef<HTMLTextAreaElement>(null)
@@ -38,7 +48,7 @@ export function TextField({ control }: { control: ControlModel }) {
     autocomplete: shown.secret ? 'new-password' : 'off',
     autocapitalize: 'off' as const,
     dir: 'auto' as const,
-    onInput: (event: Event) => control.type((event.currentTarget as HTMLInputElement).value),
+    onInput: (event: Event) => control.type(textOf(event.currentTarget as HTMLInputElement | HTMLTextAreaElement)),
     ...naming(control, shown),
   }
   const fixed = shown.fixedPitch ? ' fixed-pitch' : ''
