@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/errors.h"
@@ -61,15 +62,29 @@ Value whole_result(std::int64_t number, Rank rank) {
   return Value::real(static_cast<double>(number));
 }
 
+// Rounded half to even. Both are taken apart at the point, so that nothing leaves 64 bits unseen.
+std::int64_t currency_product(std::int64_t left, std::int64_t right) {
+  const std::int64_t fractions = (left % currency_scale) * (right % currency_scale);
+  std::int64_t smallest = fractions / currency_scale;
+  const std::int64_t rest = std::abs(fractions % currency_scale) * 2;
+  if (rest > currency_scale || (rest == currency_scale && smallest % 2 != 0))
+    smallest += fractions < 0 ? -1 : 1;
+  std::int64_t result = 0;
+  const bool failed =
+      __builtin_mul_overflow(left / currency_scale, right, &result) ||
+      __builtin_add_overflow(result, (left % currency_scale) * (right / currency_scale), &result) ||
+      __builtin_add_overflow(result, smallest, &result);
+  if (failed) raise(error::overflow);
+  return result;
+}
+
 Value currency_result(Operator op, const Value& left, const Value& right) {
   const auto exact = [](const Value& value) {
     if (value.is(Type::currency)) return value.i();
     return double_to_currency(number_of(value));
   };
   std::int64_t result = 0;
-  if (op == Operator::multiply) {
-    return Value::of(Type::currency, double_to_currency(number_of(left) * number_of(right)));
-  }
+  if (op == Operator::multiply) return Value::of(Type::currency, currency_product(exact(left), exact(right)));
   const bool failed = op == Operator::add ? __builtin_add_overflow(exact(left), exact(right), &result)
                                           : __builtin_sub_overflow(exact(left), exact(right), &result);
   if (failed) raise(error::overflow);

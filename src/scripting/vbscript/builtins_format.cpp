@@ -19,6 +19,12 @@ bool choice(Machine& machine, Arguments arguments, std::size_t i, bool otherwise
   return chosen == -2 ? otherwise : chosen == -1;
 }
 
+// What is formatted: Null is no number here.
+double number_argument(Machine& machine, Arguments arguments) {
+  if (arguments[0].is(Type::null)) raise(error::type_mismatch);
+  return to_number(machine, arguments[0]);
+}
+
 // The decimal digits of a number with `decimals` of them behind the point, rounded half up.
 std::string fixed_digits(double number, std::size_t decimals) {
   char buffer[512];
@@ -96,21 +102,21 @@ std::u16string with_sign(const std::u16string& text, bool negative, bool parenth
 }
 
 Value format_number(Machine& machine, Arguments arguments) {
-  const double number = to_number(machine, arguments[0]);
+  const double number = number_argument(machine, arguments);
   const Style style = style_argument(machine, arguments, false);
   const std::u16string text = amount(number, style, *machine.locale);
   return result(machine, with_sign(text, number < 0 && !is_zero(text), style.parentheses));
 }
 
 Value format_percent(Machine& machine, Arguments arguments) {
-  const double number = to_number(machine, arguments[0]) * 100;
+  const double number = number_argument(machine, arguments) * 100;
   const Style style = style_argument(machine, arguments, false);
   const std::u16string text = amount(number, style, *machine.locale);
   return result(machine, with_sign(text + u"%", number < 0 && !is_zero(text), style.parentheses));
 }
 
 Value format_currency(Machine& machine, Arguments arguments) {
-  const double number = to_number(machine, arguments[0]);
+  const double number = number_argument(machine, arguments);
   const Locale& locale = *machine.locale;
   const Style style = style_argument(machine, arguments, locale.money_in_parentheses);
   std::u16string text = amount(number, style, locale);
@@ -121,6 +127,7 @@ Value format_currency(Machine& machine, Arguments arguments) {
 }
 
 Value format_date_time(Machine& machine, Arguments arguments) {
+  if (arguments[0].is(Type::null)) raise(error::type_mismatch);
   const double serial = to_date(machine, arguments[0]);
   const std::int64_t form = arguments.has(1) ? to_long(machine, arguments[1]) : 0;
   const Locale& locale = *machine.locale;

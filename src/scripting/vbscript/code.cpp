@@ -43,4 +43,11 @@ std::uint16_t Globals::declare(SymbolId canonical) {
   return slot;
 }
 
+Value* Globals::existing(SymbolId canonical) {
+  const GlobalName* name = find(canonical);
+  if (!name || name->kind != GlobalName::Kind::variable) return nullptr;
+  Value& value = values_.get()[name->slot];
+  return name->declared || !value.is(Type::empty) ? &value : nullptr;
+}
+
 }  // namespace zrl::vbs

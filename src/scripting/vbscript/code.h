@@ -60,6 +60,20 @@ struct Binding {
   bool declared = false;
 };
 
+// A piece of the text.
+struct Extent {
+  std::uint32_t offset = 0;
+  std::uint32_t length = 0;
+};
+
+// What an instruction is about, for the report of an error that nobody handled.
+struct Subject {
+  std::uint32_t pc = 0;
+  bool of_member = false;
+  Extent object;  // whose member or element is meant
+  Extent index;   // the name of the variable that is the index
+};
+
 struct Proc {
   Module* module = nullptr;
   ProcKind kind = ProcKind::main;
@@ -76,6 +90,7 @@ struct Proc {
   std::vector<Parameter> parameter_list;
   std::vector<Instr> code;
   std::vector<Place> places;
+  std::vector<Subject> subjects;  // by pc
   std::vector<Binding> implicit;
   std::vector<Binding> locals;  // names for Execute and Eval
   const Value* constants = nullptr;
@@ -134,6 +149,7 @@ struct Module {
 struct GlobalName {
   enum class Kind : std::uint8_t { undefined, variable, constant, procedure, class_type };
   Kind kind = Kind::undefined;
+  bool declared = false;  // of a variable: by Dim
   std::uint16_t slot = 0;
   const Proc* procedure = nullptr;
   ClassInfo* class_type = nullptr;
@@ -164,6 +180,9 @@ class Globals {
   void shrink(std::size_t used) { used_ = used; }
   // A variable that did not exist before. Tells its slot.
   std::uint16_t declare(SymbolId canonical);
+  // The variable of that name, where there is one. What nobody declares comes into being with its first
+  // value: until then the name is free for procedures.
+  Value* existing(SymbolId canonical);
   std::vector<SymbolId> take_new_variables() { return std::move(new_variables_); }
   bool has_new_variables() const { return !new_variables_.empty(); }
 

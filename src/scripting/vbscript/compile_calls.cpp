@@ -22,6 +22,12 @@ bool ProcedureCompiler::is_own_name(const Meaning& known, SymbolId symbol) const
   return known.kind == Meaning::Kind::local && known.index == 0;
 }
 
+// The name of a function where it is written to: its result, an array say.
+bool ProcedureCompiler::is_own_result(const Expr& callee) const {
+  return callee.kind == ExprKind::name && declaration_.kind == ProcKind::function &&
+         is_own_name(meaning(callee.symbol), callee.symbol);
+}
+
 std::size_t ProcedureCompiler::locks_of(std::span<Expr*> list) const {
   std::size_t count = 0;
   for (const Expr* argument : list) {
@@ -48,6 +54,7 @@ ProcedureCompiler::Register ProcedureCompiler::invoke(const Expr& callee, std::s
     }
     release_to(window + std::size_t{1});
     arguments(list, true);
+    subject_of_member(callee);
     emit_extended(Op::call_member, window, static_cast<std::uint32_t>(list.size()), 0, callee.symbol);
   } else {
     if (!reference_into(callee, window)) into(callee, window);
@@ -101,6 +108,7 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
     case Meaning::Kind::field:
       reference_into(callee, window);
       arguments(list, true);
+      subject_of_index(callee, count == 1 ? list[0] : nullptr);
       emit(Op::index_many, window, count);
       return;
     case Meaning::Kind::unknown:
@@ -183,6 +191,7 @@ void ProcedureCompiler::refer_index(const Expr& expr, Register target) {
   const Register window = inner == 0 && target + std::size_t{1} == top_ ? target : temp();
   reference_into(*expr.left, window);
   arguments(expr.arguments, true);
+  subject_of_index(*expr.left, expr.arguments.size() == 1 ? expr.arguments[0] : nullptr);
   emit(Op::refer_index, window, static_cast<std::uint32_t>(expr.arguments.size()), lock);
   locks_.resize(outer_locks);
   holds(lock);

@@ -303,6 +303,7 @@ ProcedureCompiler::Register ProcedureCompiler::object_of(const Expr& member) {
 void ProcedureCompiler::member_into(const Expr& expr, Register target) {
   const std::size_t top = top_;
   const Register object = object_of(expr);
+  subject_of_member(expr);
   emit_extended(Op::get_member, target, object, 0, expr.symbol);
   release_to(top);
   holds(target);
@@ -325,6 +326,7 @@ bool ProcedureCompiler::index_into(const Expr& expr, Register target) {
   const std::size_t top = top_;
   const Register array = reference_or_value(*expr.left);
   const Register index = operand(*expr.arguments[0]);
+  subject_of_index(*expr.left, expr.arguments[0]);
   emit(Op::index, target, array, index);
   release_to(top);
   holds(target);

@@ -84,6 +84,34 @@ void ProcedureCompiler::place(std::uint32_t offset) {
       {static_cast<std::uint32_t>(proc_.code.size()), offset, 0, static_cast<std::uint32_t>(persistent_)});
 }
 
+namespace {
+
+std::uint32_t start_of(const Expr& expr) {
+  const Expr* first = &expr;
+  while (first->left && (first->kind == ExprKind::member || first->kind == ExprKind::call))
+    first = first->left;
+  return first->offset;
+}
+
+}  // namespace
+
+void ProcedureCompiler::subject_of_member(const Expr& member) {
+  if (!member.left) return;
+  const std::uint32_t start = start_of(*member.left);
+  const auto pc = static_cast<std::uint32_t>(proc_.code.size());
+  proc_.subjects.push_back({pc, true, {start, member.offset - start}, {}});
+}
+
+void ProcedureCompiler::subject_of_index(const Expr& callee, const Expr* index) {
+  if (callee.kind != ExprKind::name) return;
+  const auto extent = [&](const Expr& name) -> Extent {
+    return {name.offset, static_cast<std::uint32_t>(context_.symbols.name(name.symbol).size())};
+  };
+  const bool named = index && index->kind == ExprKind::name;
+  const auto pc = static_cast<std::uint32_t>(proc_.code.size());
+  proc_.subjects.push_back({pc, false, extent(callee), named ? extent(*index) : Extent()});
+}
+
 ProcedureCompiler::Register ProcedureCompiler::temp(std::size_t count) {
   const std::size_t first = top_;
   top_ += count;
@@ -293,6 +321,7 @@ void ProcedureCompiler::assign_name(const Expr& target, const Expr& value, bool 
     reg = temp();
     variable_reference(target, reg);
   }
+  if (set) subject_of_index(value, nullptr);
   emit(set ? Op::set : Op::let, reg, from);
 }
 
@@ -314,17 +343,19 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
   if (callee.kind == ExprKind::member) {
     return assign_member(callee, callee.symbol, target.arguments, value, set);
   }
-  const bool of_variable = indexes_variable(target);
+  const bool of_variable = indexes_variable(target) || is_own_result(callee);
   if (of_variable && !set && target.arguments.size() == 1 && target.arguments[0]->kind != ExprKind::missing) {
     const Register array = reference_or_value(callee);
     std::uint32_t constant = 0;
     if (literal(value, constant) && constant <= 0xffff) {
       const Register index = operand(*target.arguments[0]);
+      subject_of_index(callee, target.arguments[0]);
       emit(Op::let_index_k, array, index, constant);
       return;
     }
     const Register from = operand(value);
     const Register index = operand(*target.arguments[0]);
+    subject_of_index(callee, target.arguments[0]);
     emit(Op::let_index, array, index, from);
     return;
   }
@@ -355,6 +386,12 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
     }
   } else {
     const Meaning known = meaning(callee.symbol);
+    const bool called = known.kind == Meaning::Kind::procedure || known.kind == Meaning::Kind::builtin ||
+                        known.kind == Meaning::Kind::special;
+    if (called) {
+      emit_extended(Op::fail, error::illegal_assignment, 0, 0, callee.symbol);
+      return;
+    }
     if (known.kind == Meaning::Kind::unknown || known.kind == Meaning::Kind::undeclared) {
       variable_reference(callee, window);
     } else {
@@ -369,6 +406,7 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
     holds(window + 1 + i);
   }
   release_to(after);
+  subject_of_index(callee, nullptr);
   emit(Op::put_index, window, static_cast<std::uint32_t>(count), set ? 1 : 0);
 }
 
@@ -389,6 +427,7 @@ void ProcedureCompiler::assign_member(const Expr& member, SymbolId symbol, std::
     holds(window + 1 + i);
   }
   release_to(after);
+  subject_of_member(member);
   emit_extended(Op::put_member, window, static_cast<std::uint32_t>(count), set ? 1 : 0, symbol);
 }
 

@@ -1,6 +1,7 @@
 #include "scripting/vbscript/compiler.h"
 
 #include <bit>
+#include <map>
 #include <unordered_set>
 
 #include "scripting/vbscript/errors.h"
@@ -106,13 +107,16 @@ class TextCompiler {
   }
 
   void check_names() {
+    // In the order of the text: the later one of two is the wrong one.
+    std::map<std::uint32_t, SymbolId> declared_names;
+    for (const VariableDecl& variable : ast_.main.variables)
+      declared_names[variable.offset] = variable.symbol;
+    for (const ConstDecl& constant : ast_.main.constants) declared_names[constant.offset] = constant.symbol;
+    for (const auto& declared : ast_.classes) declared_names[declared->offset] = declared->symbol;
     std::unordered_set<SymbolId> unique;
-    const auto once = [&](SymbolId symbol, std::uint32_t offset) {
+    for (const auto& [offset, symbol] : declared_names) {
       if (!unique.insert(canonical(symbol)).second) throw CompileFailure{error::name_redefined, offset};
-    };
-    for (const VariableDecl& variable : ast_.main.variables) once(variable.symbol, variable.offset);
-    for (const ConstDecl& constant : ast_.main.constants) once(constant.symbol, constant.offset);
-    for (const auto& declared : ast_.classes) once(declared->symbol, declared->offset);
+    }
     for (const auto& declared : ast_.procedures) {
       if (unique.count(canonical(declared->symbol)) != 0) {
         throw CompileFailure{error::name_redefined, declared->offset};
@@ -123,9 +127,9 @@ class TextCompiler {
   void declare() {
     if (!in_procedure()) {
       for (const VariableDecl& variable : ast_.main.variables) {
-        if (context_.globals.name(canonical(variable.symbol)).kind == GlobalName::Kind::variable) continue;
-        enter(variable.symbol);
-        context_.globals.declare(canonical(variable.symbol));
+        GlobalName& name = enter(variable.symbol);
+        if (name.kind != GlobalName::Kind::variable) context_.globals.declare(canonical(variable.symbol));
+        name.declared = true;
       }
       for (const ConstDecl& constant : ast_.main.constants) {
         GlobalName& name = enter(constant.symbol);

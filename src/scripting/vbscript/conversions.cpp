@@ -39,11 +39,7 @@ std::optional<double> parse_based(std::u16string_view text) {
 }
 
 [[noreturn]] void mismatch(const Value& value) {
-  std::u16string subject;
-  if (value.is(Type::string)) {
-    subject = u"[string: \"" + std::u16string(value.text().substr(0, 40)) + u"\"]";
-  }
-  raise(error::type_mismatch, subject);
+  raise(error::type_mismatch, description_of(value));
 }
 
 double number_of_text(const Value& value, const Locale& locale) {
@@ -53,10 +49,28 @@ double number_of_text(const Value& value, const Locale& locale) {
 
 }  // namespace
 
-std::optional<double> parse_number(std::u16string_view text, const Locale& locale) {
-  text = trimmed(text);
-  if (text.empty()) return std::nullopt;
-  if (text[0] == u'&') return parse_based(text);
+std::u16string description_of(const Value& value) {
+  constexpr std::size_t longest = 40;
+  switch (value.type()) {
+    case Type::string:
+      return u"[string: \"" + std::u16string(value.text().substr(0, longest)) + u"\"]";
+    case Type::integer:
+    case Type::long_integer:
+      return u"[number: " + integer_text(value.i()) + u"]";
+    default:
+      return {};
+  }
+}
+
+namespace {
+
+// A number as people write it, without its sign, grouping and currency: digits, point, exponent.
+struct Decimal {
+  std::string digits;
+  bool negative = false;
+};
+
+std::optional<Decimal> read_decimal(std::u16string_view text, const Locale& locale) {
   bool negative = false;
   bool signed_already = false;
   if (text.size() > 2 && text.front() == u'(' && text.back() == u')') {
@@ -118,13 +132,40 @@ std::optional<double> parse_number(std::u16string_view text, const Locale& local
     rest = {};
   }
   if (!rest.empty()) return std::nullopt;
-  double number = 0;
-  const auto result = std::from_chars(plain.data(), plain.data() + plain.size(), number);
+  return Decimal{std::move(plain), negative};
+}
+
+// Raises 6 for what is too large.
+template <class Number>
+Number value_of(const Decimal& decimal) {
+  const std::string& digits = decimal.digits;
+  Number number = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (result.ec == std::errc::result_out_of_range) {
-    if (plain.find("e-") == plain.npos) raise(error::overflow);
+    if (digits.find("e-") == digits.npos) raise(error::overflow);
     number = 0;
   }
-  return negative ? -number : number;
+  return decimal.negative ? -number : number;
+}
+
+// A text may say more than a Double holds.
+std::optional<std::int64_t> parse_currency(std::u16string_view text, const Locale& locale) {
+  std::optional<Decimal> decimal = read_decimal(trimmed(text), locale);
+  if (!decimal || decimal->digits.find('e') != std::string::npos) return std::nullopt;
+  decimal->digits += "e4";
+  const long double scaled = std::nearbyint(value_of<long double>(*decimal));
+  if (!(scaled >= -9223372036854775808.0L && scaled < 9223372036854775808.0L)) raise(error::overflow);
+  return static_cast<std::int64_t>(scaled);
+}
+
+}  // namespace
+
+std::optional<double> parse_number(std::u16string_view text, const Locale& locale) {
+  text = trimmed(text);
+  if (text.starts_with(u'&')) return parse_based(text);
+  const std::optional<Decimal> decimal = read_decimal(text, locale);
+  if (!decimal) return std::nullopt;
+  return value_of<double>(*decimal);
 }
 
 std::int64_t round_to(double number, double least, double most) {
@@ -291,6 +332,9 @@ double to_date(Context& context, const Value& value) {
 std::int64_t to_currency(Context& context, const Value& value) {
   if (value.is(Type::currency)) return value.i();
   if (value.is(Type::reference)) return to_currency(context, *value.reference());
+  if (value.is(Type::string)) {
+    if (const auto currency = parse_currency(value.text(), *context.locale)) return *currency;
+  }
   return double_to_currency(to_number(context, value));
 }
 

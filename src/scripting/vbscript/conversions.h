@@ -48,5 +48,7 @@ std::u16string number_text(double number, int digits, const Locale& locale);
 std::u16string single_text(double number, const Locale& locale);
 std::u16string currency_text(std::int64_t currency, const Locale& locale);
 std::u16string integer_text(std::int64_t number);
+// A value as errors name it: [string: "abc"], [number: 5], or nothing.
+std::u16string description_of(const Value& value);
 
 }  // namespace zrl::vbs

@@ -129,18 +129,27 @@ void Heap::retire(Object* object) noexcept {
   if (!object->wants_termination()) return drop(object);
   object->references = 1;
   object->next_doomed = nullptr;
-  if (terminations_) {
-    last_termination_->next_doomed = object;
-  } else {
-    terminations_ = object;
-  }
-  last_termination_ = object;
+  append_terminations({object, object});
 }
 
 Ref<Object> Heap::next_termination() {
-  Object* object = terminations_;
-  terminations_ = static_cast<Object*>(object->next_doomed);
+  Object* object = terminations_.first;
+  terminations_.first = static_cast<Object*>(object->next_doomed);
   return Ref<Object>::adopt(object);
+}
+
+Heap::Terminations Heap::take_terminations() {
+  return std::exchange(terminations_, {});
+}
+
+void Heap::append_terminations(Terminations objects) {
+  if (!objects.first) return;
+  if (terminations_.first) {
+    terminations_.last->next_doomed = objects.first;
+  } else {
+    terminations_.first = objects.first;
+  }
+  terminations_.last = objects.last;
 }
 
 void Heap::retire(Array* array) noexcept {

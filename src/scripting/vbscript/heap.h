@@ -100,9 +100,16 @@ class Heap {
   void retire(Object* object) noexcept;
   void retire(Array* array) noexcept;
 
-  bool has_terminations() const { return terminations_ != nullptr; }
+  bool has_terminations() const { return terminations_.first != nullptr; }
   // The next object that is to be terminated, with one reference left.
   Ref<Object> next_termination();
+  // Those that wait behind it. They are set aside while it ends, for what it drops itself goes first.
+  struct Terminations {
+    Object* first = nullptr;
+    Object* last = nullptr;
+  };
+  Terminations take_terminations();
+  void append_terminations(Terminations objects);
 
   // All living objects, for a reset: the first one, or nullptr.
   Object* first_object() const { return objects_; }
@@ -126,8 +133,7 @@ class Heap {
   Object* objects_ = nullptr;
   Container* doomed_ = nullptr;
   bool destroying_ = false;
-  Object* terminations_ = nullptr;
-  Object* last_termination_ = nullptr;
+  Terminations terminations_;
 
   Ref<String> empty_;
   Ref<String> units_[256];

@@ -67,10 +67,14 @@ void Lexer::push(TokenKind kind, std::size_t length) {
 
 std::vector<Token> Lexer::tokens() {
   tokens_.reserve(text_.size() / 4 + 2);
-  while (true) {
-    skip_blanks();
-    if (position_ >= text_.size()) break;
-    next();
+  try {
+    while (true) {
+      skip_blanks();
+      if (position_ >= text_.size()) break;
+      next();
+    }
+  } catch (const CompileFailure& failure) {
+    push_at(TokenKind::invalid, failure.offset).integer = failure.number;
   }
   push_at(TokenKind::end_of_line, text_.size());
   push_at(TokenKind::end_of_text, text_.size());
@@ -170,12 +174,14 @@ void Lexer::read_number() {
   if (to_lower(at(position_)) == u'e') {
     std::size_t exponent = position_ + 1;
     if (at(exponent) == u'+' || at(exponent) == u'-') ++exponent;
-    if (!is_digit(at(exponent))) fail(error::invalid_number, start);
-    whole = false;
-    position_ = exponent;
-    while (is_digit(at(position_))) ++position_;
+    if (is_digit(at(exponent))) {
+      whole = false;
+      position_ = exponent;
+      while (is_digit(at(position_))) ++position_;
+    } else if (!is_letter(at(exponent))) {  // 1else is the number 1 and a word
+      fail(error::invalid_number, start);
+    }
   }
-  if (is_letter(at(position_))) fail(error::expected_end_of_statement, position_);
   std::string digits;
   for (const char16_t unit : text_.substr(start, position_ - start)) digits += static_cast<char>(unit);
   double number = 0;
@@ -196,6 +202,11 @@ void Lexer::read_number() {
 bool Lexer::after_operand() const {
   if (tokens_.empty()) return false;
   const TokenKind kind = tokens_.back().kind;
+  if (kind == TokenKind::keyword) {
+    const Keyword word = tokens_.back().keyword;
+    return word == Keyword::true_ || word == Keyword::false_ || word == Keyword::null ||
+           word == Keyword::empty || word == Keyword::nothing || word == Keyword::me;
+  }
   return kind == TokenKind::name || kind == TokenKind::close ||
          (kind >= TokenKind::integer && kind <= TokenKind::string);
 }
@@ -285,7 +296,6 @@ void Lexer::read_operator() {
       if (next == u'>') return push(TokenKind::greater_equal, 2);
       return push(TokenKind::equal, 1);
     case u'<':
-      if (text_.substr(position_, 4) == u"<!--") return skip_to_line_end();
       if (next == u'>') return push(TokenKind::not_equal, 2);
       if (next == u'=') return push(TokenKind::less_equal, 2);
       return push(TokenKind::less, 1);

@@ -24,7 +24,8 @@ class KeywordTable {
   SymbolId rem_;
 };
 
-// Cuts a text into tokens. Raises CompileFailure.
+// Cuts a text into tokens. What cannot be read is the last one, `invalid`: an error of grammar before it
+// comes first.
 class Lexer {
  public:
   Lexer(std::u16string_view text, Symbols& symbols, const KeywordTable& keywords);

@@ -470,6 +470,10 @@ op_get_name:
 op_refer_name_or_get: {
   SAVE();
   const auto symbol = static_cast<SymbolId>(pc[1].wide());
+  if (R[pc->b].is(Type::empty)) {
+    Value* const global = globals_.existing(symbols_.canonical(symbol));
+    if (global && global != &R[pc->b]) R[pc->b] = Value::reference_to(global);
+  }
   Value& variable = R[pc->b].get();
   const GlobalName* name = globals_.find(symbols_.canonical(symbol));
   const bool other =

@@ -42,6 +42,16 @@ struct Frame {
   bool plain = false;        // nothing is to be done at its end but to drop its registers
 };
 
+// Where an error arose, and what it names.
+struct ErrorPlace {
+  std::string name;
+  std::size_t line = 0;
+  std::size_t column = 0;
+  bool of_member = false;
+  std::u16string object;
+  std::u16string index;
+};
+
 // What scripts see as Err.
 struct ErrState {
   std::int32_t number = 0;
@@ -168,6 +178,7 @@ class Machine final : public Context {
   bool handle(const Failure& failure, std::size_t bottom);
   const Place* place_of(const Frame& frame) const;
   void note_place(const Failure& failure);
+  [[nodiscard]] ErrorPlace error_place() const;
   void count_down();
 
   Frame& frame() { return frames_[depth_]; }
@@ -195,6 +206,13 @@ class Machine final : public Context {
   std::size_t depth_ = 0;  // of the frame that runs; 0 is none
   std::size_t nested_ = 0;
 
+  // Objects that end after the one whose Class_Terminate runs in the frame at `depth`.
+  struct Waiting {
+    std::size_t depth;
+    Heap::Terminations objects;
+  };
+  std::vector<Waiting> waiting_;
+
   std::int64_t countdown_ = instructions_between_checks;
   std::chrono::steady_clock::time_point deadline_{};
   ErrState err_;
@@ -205,6 +223,8 @@ class Machine final : public Context {
   // Where the last error arose, for the report.
   const Module* error_module_ = nullptr;
   std::uint32_t error_offset_ = 0;
+  Subject error_subject_;
+  ErrorPlace error_place_;  // once error_module_ is gone
   bool place_noted_ = false;
 };
 

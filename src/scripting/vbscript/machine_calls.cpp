@@ -57,9 +57,8 @@ void Machine::prepare_arguments(const Proc& proc, Value* window, std::size_t cou
 void Machine::bind_names(Frame& frame) {
   if (frame.proc->executed) return;  // bound by enter_text, which knows the outer frame
   for (const Binding& binding : frame.proc->implicit) {
-    const GlobalName* name = globals_.find(binding.symbol);
-    if (name && name->kind == GlobalName::Kind::variable) {
-      frame.base[binding.reg] = Value::reference_to(&globals_.values()[name->slot]);
+    if (Value* variable = globals_.existing(binding.symbol)) {
+      frame.base[binding.reg] = Value::reference_to(variable);
     }
   }
 }
@@ -103,10 +102,18 @@ void Machine::pop() {
   --depth_;
   if (owned) {
     memory_.refund(owned->charged);
-    if (error_module_ == owned) error_module_ = nullptr;
+    if (error_module_ == owned) {
+      // Only an error on its way out is looked at; what is handled costs nothing.
+      if (place_noted_) error_place_ = error_place();
+      error_module_ = nullptr;
+    }
     delete owned;
   }
   if (me) Value(Ref<Object>::adopt(me)).clear();
+  if (!waiting_.empty() && waiting_.back().depth > depth_) {
+    memory_.append_terminations(waiting_.back().objects);
+    waiting_.pop_back();
+  }
 }
 
 bool Machine::finish() {
@@ -235,6 +242,7 @@ void Machine::run_terminations() {
       Frame& next = push(*instance.type().terminate, frame().top, 0, &instance);
       next.discard = true;
       next.termination = true;
+      if (memory_.has_terminations()) waiting_.push_back({depth_, memory_.take_terminations()});
       return;
     } catch (const Failure&) {
       continue;  // no room to run it: the object goes without
@@ -375,8 +383,7 @@ Value* Machine::find_outer(Frame& owner, const Binding& binding) {
     }
   }
   if (!binding.declared) {
-    const GlobalName* name = globals_.find(binding.symbol);
-    if (name && name->kind == GlobalName::Kind::variable) return &globals_.values()[name->slot];
+    if (Value* variable = globals_.existing(binding.symbol)) return variable;
   }
   if (!owner.extra) owner.extra = new ExtraScope;
   owner.plain = false;

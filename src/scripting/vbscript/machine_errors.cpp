@@ -3,6 +3,7 @@
 
 #include "scripting/vbscript/arrays.h"
 #include "scripting/vbscript/compiler.h"
+#include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/lexer.h"
 #include "scripting/vbscript/machine.h"
 #include "scripting/vbscript/objects/err_object.h"
@@ -46,14 +47,16 @@ Machine::~Machine() {
 
 void Machine::settle() {
   while (memory_.has_terminations()) {
-    const Ref<Object> object = memory_.next_termination();
+    Ref<Object> object = memory_.next_termination();
     auto& instance = static_cast<Instance&>(*object);
     instance.mark_terminated();
+    const Heap::Terminations others = memory_.take_terminations();
     try {
       invoke(*instance.type().terminate, &instance, {});
     } catch (const Failure&) {  // nobody is left to be told
-      continue;
     }
+    object = {};
+    memory_.append_terminations(others);
   }
 }
 
@@ -99,6 +102,7 @@ void Machine::start_clock() {
   countdown_ = instructions_between_checks;
   place_noted_ = false;
   error_module_ = nullptr;
+  error_place_ = {};
 }
 
 void Machine::check_time() {
@@ -137,6 +141,7 @@ const Proc* Machine::find_procedure(std::u16string_view name) const {
 Value Machine::call(const Proc& proc, std::span<const Value> arguments) {
   place_noted_ = false;
   error_module_ = nullptr;
+  error_place_ = {};
   return invoke(proc, nullptr, arguments.first(std::min<std::size_t>(arguments.size(), proc.parameters)));
 }
 
@@ -156,6 +161,50 @@ void Machine::note_place(const Failure&) {
   error_module_ = frame().proc->module;
   const Place* place = place_of(frame());
   error_offset_ = place ? place->offset : 0;
+  error_subject_ = {};
+  const auto pc = static_cast<std::uint32_t>(frame().pc - frame().proc->code.data());
+  const auto& subjects = frame().proc->subjects;
+  const auto found =
+      std::lower_bound(subjects.begin(), subjects.end(), pc,
+                       [](const Subject& subject, std::uint32_t at) { return subject.pc < at; });
+  if (found != subjects.end() && found->pc == pc) error_subject_ = *found;
+}
+
+namespace {
+
+// What stands in the text, with (...) for arguments.
+std::u16string named(const std::u16string& text, const Extent& extent) {
+  std::u16string name;
+  int depth = 0;
+  for (const char16_t unit : std::u16string_view(text).substr(extent.offset, extent.length)) {
+    if (unit == u')') --depth;
+    if (depth == 0 && unit > u' ') name += unit;
+    if (unit == u'(' && depth++ == 0) name += u"...";
+  }
+  return name;
+}
+
+}  // namespace
+
+ErrorPlace Machine::error_place() const {
+  if (!error_module_) return error_place_;
+  ErrorPlace place;
+  const std::u16string& text = error_module_->text;
+  place.name = error_module_->name;
+  place.line = 1;
+  std::size_t line_start = 0;
+  for (std::size_t i = 0; i < error_offset_ && i < text.size(); ++i) {
+    const bool ends =
+        text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
+    if (!ends) continue;
+    ++place.line;
+    line_start = i + 1;
+  }
+  place.column = error_offset_ - line_start + 1;
+  place.of_member = error_subject_.of_member;
+  place.object = named(text, error_subject_.object);
+  place.index = named(text, error_subject_.index);
+  return place;
 }
 
 // Unwinds to the innermost procedure that goes on after errors, and there to the statement that follows.
@@ -199,26 +248,38 @@ bool Machine::handle(const Failure& failure, std::size_t bottom) {
   return true;
 }
 
+namespace {
+
+// What an error is about: the object, its member, a function, an index.
+std::u16string subject_of(const Failure& failure, const ErrorPlace& place) {
+  switch (failure.number) {
+    case error::object_required:
+    case error::object_not_set:
+      return place.object.empty() ? failure.subject : place.object;
+    case error::subscript:
+      return place.index.empty() ? failure.subject : place.index;
+    case error::type_mismatch:
+      return failure.subject.empty() && !place.of_member ? place.object : failure.subject;
+    default:
+      return place.of_member && !failure.subject.empty() ? place.object + u"." + failure.subject
+                                                         : failure.subject;
+  }
+}
+
+}  // namespace
+
 ScriptError Machine::report(const Failure& failure) const {
+  const ErrorPlace place = error_place();
   ScriptError error;
   error.number = failure.number;
   error.description = to_utf8(failure.description);
-  if (!failure.subject.empty()) error.description += ": '" + to_utf8(failure.subject) + "'";
+  const std::u16string subject = subject_of(failure, place);
+  if (!subject.empty()) error.description += ": '" + to_utf8(subject) + "'";
   error.source = to_utf8(failure.source);
   if (failure.source == u"Microsoft VBScript compilation error") error.kind = ScriptError::Kind::compilation;
-  if (!error_module_) return error;
-  error.name = error_module_->name;
-  error.line = 1;
-  std::size_t line_start = 0;
-  const std::u16string& text = error_module_->text;
-  for (std::size_t i = 0; i < error_offset_ && i < text.size(); ++i) {
-    const bool ends =
-        text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
-    if (!ends) continue;
-    ++error.line;
-    line_start = i + 1;
-  }
-  error.column = error_offset_ - line_start + 1;
+  error.name = place.name;
+  error.line = place.line;
+  error.column = place.column;
   return error;
 }
 

@@ -93,6 +93,7 @@ void Machine::call_instance(Value* window, std::size_t count, SymbolId symbol, I
   if (count != member.get->parameters && member.get->kind == ProcKind::get && member.get->parameters == 0) {
     // A property without parameters whose value is indexed.
     const Value value = invoke(*member.get, &instance, {});
+    if (!value.is(Type::array) && !value.is(Type::object)) raise(error::argument_count, symbol_text(symbol));
     window[0] = value;
     return index_many(window, count);
   }
@@ -157,6 +158,9 @@ Value& Machine::element(Value& variable, Value* indexes, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) places[i] = index_of(*this, indexes[i]);
   // Asking an object for its value may have changed the variable.
   if (!variable.is(Type::array)) raise(error::type_mismatch);
+  const Array& array = *variable.array();
+  const bool outside = array.dimensions == 1 && (places[0] < 0 || places[0] > upper_bound(array, 1));
+  if (count == 1 && outside) raise(error::subscript, u"[number: " + integer_text(places[0]) + u"]");
   return element_at(*variable.array(), {places, count});
 }
 

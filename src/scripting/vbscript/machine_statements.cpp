@@ -44,7 +44,7 @@ void Machine::let_taken(Value& variable, Value& value) {
 
 // Set variable = value
 void Machine::set(Value& variable, const Value& value) {
-  if (!value.get().is(Type::object)) raise(error::object_required);
+  if (!value.get().is(Type::object)) raise(error::object_required, description_of(value.get()));
   Value copy = value.get();
   variable.get() = std::move(copy);
 }

@@ -8,7 +8,7 @@ namespace zrl::vbs {
 
 namespace {
 
-constexpr int deepest_nesting = 250;
+constexpr int deepest_nesting = 500;
 constexpr std::size_t arena_chunk = std::size_t{16} << 10;
 
 }  // namespace
@@ -68,6 +68,7 @@ std::unique_ptr<Ast> Parser::parse_expression_text() {
 }
 
 void Parser::fail(std::int32_t number) const {
+  if (at(TokenKind::invalid)) fail(static_cast<std::int32_t>(token().integer), token().offset);
   fail(number, token().offset);
 }
 

@@ -87,6 +87,7 @@ class Parser {
   std::unique_ptr<ProcDecl> procedure_declaration(bool is_public, bool is_default);
   void parameters(ProcDecl& procedure);
   void procedure_body(ProcDecl& procedure);
+  void procedure_block(std::vector<Stmt*>& body);
   void class_declaration();
   void class_member(ClassDecl& declaration);
   void class_fields(ClassDecl& declaration, bool is_public);

@@ -115,8 +115,9 @@ void Parser::visible_declaration(Stmt*& stmt) {
   stmt = dim(is_public);
 }
 
+// Also within a block of the top level: it is there even where the block is not run.
 void Parser::procedure(bool is_public, bool is_default) {
-  if (procedure_ != &ast_->main || blocks_ > 0) fail(error::syntax);
+  if (procedure_ != &ast_->main) fail(error::syntax);
   ast_->procedures.push_back(procedure_declaration(is_public, is_default));
 }
 
@@ -175,6 +176,16 @@ void Parser::parameters(ProcDecl& procedure) {
   expect(TokenKind::close, error::expected_close_parenthesis);
 }
 
+// block, or statement on the line of the head
+void Parser::procedure_block(std::vector<Stmt*>& body) {
+  if (!at_statement_end() && !at(Keyword::end)) {
+    if (Stmt* stmt = statement()) body.push_back(stmt);
+    if (at(Keyword::end)) return;
+    expect_statement_end();
+  }
+  block(body);
+}
+
 void Parser::procedure_body(ProcDecl& procedure) {
   if ((procedure.kind == ProcKind::let || procedure.kind == ProcKind::set) && procedure.parameters.empty()) {
     fail(error::property_needs_argument);
@@ -183,7 +194,7 @@ void Parser::procedure_body(ProcDecl& procedure) {
   const int loops_do = std::exchange(loops_do_, 0);
   const int loops_for = std::exchange(loops_for_, 0);
   const int blocks = std::exchange(blocks_, 0);
-  block(procedure.body);
+  procedure_block(procedure.body);
   procedure_ = outer;
   loops_do_ = loops_do;
   loops_for_ = loops_for;
@@ -224,13 +235,13 @@ void Parser::class_member(ClassDecl& declaration) {
   const bool is_public = !at(Keyword::private_);
   if (visible) ++position_;
   bool is_default = false;
-  if (at_word(Keyword::default_) &&
-      (ahead().kind == TokenKind::keyword || ahead().keyword == Keyword::property)) {
+  if (at_word(Keyword::default_) && (ahead().kind == TokenKind::keyword || ahead().kind == TokenKind::name)) {
     if (!visible || !is_public) fail(error::default_not_public);
     ++position_;
     is_default = true;
   }
-  const bool is_property = at_word(Keyword::property) && ahead().kind == TokenKind::keyword;
+  const bool is_property =
+      at_word(Keyword::property) && (ahead().kind == TokenKind::keyword || ahead().kind == TokenKind::name);
   if (at(Keyword::sub) || at(Keyword::function) || is_property) {
     declaration.procedures.push_back(procedure_declaration(is_public, is_default));
     return;

@@ -94,6 +94,9 @@ class ProcedureCompiler {
   void jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c, Label& label);
   void bind(Label& label);
   void place(std::uint32_t offset);
+  // Of the instruction that comes next.
+  void subject_of_member(const Expr& member);
+  void subject_of_index(const Expr& callee, const Expr* index);
   Register temp(std::size_t count = 1);
   void release_to(std::size_t top) { top_ = top; }
   void holds(std::size_t reg);
@@ -124,6 +127,7 @@ class ProcedureCompiler {
   std::size_t locks_of(std::span<Expr*> list) const;
   bool is_own_name(const Meaning& known, SymbolId symbol) const;
   bool indexes_variable(const Expr& expr) const;
+  bool is_own_result(const Expr& callee) const;
   bool index_into(const Expr& expr, Register target);
   void arguments(std::span<Expr*> list, bool by_reference);
   void argument(const Expr& expr, bool by_reference);

@@ -8,6 +8,7 @@ namespace zrl::vbs {
 
 enum class TokenKind : std::uint8_t {
   end_of_text,
+  invalid,  // where the text cannot be read; the error is in `integer`
   end_of_line,
   colon,
   name,

@@ -249,6 +249,20 @@ Value remove_all(Machine&, NativeObject& object, Use, Arguments) {
   return {};
 }
 
+// The place of a key in the tables that the object has always had: 1201 rows.
+Value hash_value(Machine& machine, NativeObject& object, Use, Arguments arguments) {
+  constexpr std::uint32_t rows = 1201;
+  const Value& key = arguments[0];
+  if (key.is(Type::string)) {
+    std::uint32_t hash = 0;
+    for (const char16_t unit : key.text())
+      hash = hash * 17 + (self(object).ignores_case() ? to_lower(unit) : unit);
+    return Value::long_integer(hash % rows);
+  }
+  const auto number = static_cast<float>(key.is(Type::object) ? 0.0 : to_number(machine, key));
+  return Value::long_integer(std::bit_cast<std::uint32_t>(number) % rows);
+}
+
 Value compare_mode(Machine& machine, NativeObject& object, Use use, Arguments arguments) {
   if (use == Use::get) return Value::long_integer(self(object).ignores_case() ? 1 : 0);
   const std::int64_t mode = to_long(machine, arguments[0]);
@@ -267,6 +281,7 @@ constexpr NativeMember dictionary_members[] = {
     {"key", 1, 1, true, false, key},
     {"remove", 1, 1, false, false, remove},
     {"removeall", 0, 0, false, false, remove_all},
+    {"hashval", 1, 1, false, false, hash_value},
     {"comparemode", 0, 0, true, false, compare_mode},
 };
 

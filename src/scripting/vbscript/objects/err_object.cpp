@@ -8,6 +8,9 @@ namespace zrl::vbs {
 
 namespace {
 
+// Above are the codes of the language's own errors only, which are negative.
+constexpr std::int32_t most_number = 65535;
+
 Value number(Machine& machine, NativeObject&, Use use, Arguments arguments) {
   ErrState& err = machine.err();
   if (use == Use::get) return Value::long_integer(err.number);
@@ -50,7 +53,7 @@ Value raise_error(Machine& machine, NativeObject&, Use, Arguments arguments) {
   Failure failure;
   const ErrState& err = machine.err();
   failure.number = static_cast<std::int32_t>(to_long(machine, arguments[0]));
-  if (failure.number == 0) raise(error::invalid_call);
+  if (failure.number == 0 || failure.number > most_number) raise(error::invalid_call);
   const auto text = [&](std::size_t i, const std::u16string& otherwise) {
     return arguments.has(i) ? std::u16string(Text(machine, arguments[i])) : otherwise;
   };

@@ -12,7 +12,7 @@ Value echo(Machine& machine, NativeObject&, Use, Arguments arguments) {
   std::u16string line;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     if (i > 0) line += u' ';
-    line += Text(machine, arguments[i]).view();
+    line += arguments[i].is(Type::null) ? u"null" : Text(machine, arguments[i]).view();
   }
   machine.host().echo(to_utf8(line));
   return {};

@@ -40,3 +40,7 @@ WScript.Echo -3^2, 2^3^2, 2^-1, -2 ^ -2  '=> 9 64 0.5 0.25
 WScript.Echo 7 \ 2 * 2, 7 Mod 4 * 3, 10 - 2 - 3, 2 + 3 & 4  '=> 1 7 5 54
 WScript.Echo Not 1 = 2, Not True Or True, 1 = 1 And 2 = 3  '=> True True False
 WScript.Echo 1 =< 2, 1 => 2, 1 >< 2  '=> True False True
+' A number may touch the word behind it.
+For i=1To 2:s=s&i:Next:If s="12"Then WScript.Echo "touching"Else WScript.Echo "apart"  '=> touching
+If 1=2Then x=1Else x=2
+WScript.Echo x, True&1, Null&7  '=> 2 True1 7

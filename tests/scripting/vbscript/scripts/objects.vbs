@@ -36,3 +36,9 @@ WScript.Echo MsgBox("hi", 3, "T"), InputBox("q", "U", "pre"), IsEmpty(InputBox("
 '=> [U] q
 '=> [U] q
 '=> 4 pre True
+WScript.Echo Null, Empty, "x"  '=> null  x
+Set h = CreateObject("Scripting.Dictionary")
+WScript.Echo h.HashVal("ab"), h.HashVal(1)  '=> 546 161
+On Error Resume Next
+Err.Raise 65536 : WScript.Echo Err.Number : Err.Clear  '=> 5
+Err.Raise 65535 : WScript.Echo Err.Number : Err.Clear  '=> 65535

@@ -55,3 +55,6 @@ x = 1E308 * 10 : WScript.Echo Err.Number : Err.Clear  '=> 6
 x = Null + 1 : WScript.Echo IsNull(x), Err.Number     '=> True 0
 x = "a" + 1 : WScript.Echo Err.Number                 '=> 13
 x = Array(1) + 1 : WScript.Echo Err.Number            '=> 13
+' Currency is exact, from texts too.
+WScript.Echo CCur("900000000000000.1234") * CCur(1), CCur("-922337203685477.5808")  '=> 900000000000000.1234 -922337203685477.5808
+WScript.Echo CCur("123456.789") * CCur("98765.4321"), CCur("-0.0003") * CCur("0.5"), CCur("0.0001") * CCur("0.5")  '=> 12193263111.2635 -0.0002 0
