@@ -76,6 +76,11 @@ std::size_t DnsQueries::start(const std::string& name, int type) {
   return pending_.size() - 1;
 }
 
+void DnsQueries::pause() {
+  surroundings_.wait(shortest_slice);
+  process();
+}
+
 void DnsQueries::finish() {
   const Clock::time_point end = Clock::now() + timeout_;
   milliseconds slice = shortest_slice;
