@@ -71,21 +71,25 @@ void BlockListPage::test() {
   console().attempt(ActivityRecord::Kind::component, "look up " + text, Console::Step::read,
                     [&, block_lists = block_lists_] {
                       if (!block_lists) throw Error(error_number::object_not_set, "no block-list component");
-                      if (!block_lists->initmodule(context)) return;
+                      if (!block_lists->initmodule(context)) {
+                        throw Error(error_number::invalid_call, "neither an IP number nor a domain");
+                      }
                       block_lists->Value(is_address ? BlockLists::connect : BlockLists::envelope, listing,
                                          zone);
                     });
+  Label3.set_caption(text + verdict(listing, zone));
+}
+
+std::string BlockListPage::verdict(BlockLists::Listing listing, const std::string& zone) {
   switch (listing) {
-    case BlockLists::Listing::none:
-      Label3.set_caption(text + translate(" is NOT listed in one of your configured RBL/RWL Server"));
-      break;
     case BlockLists::Listing::white:
-      Label3.set_caption(text + translate(" is WHITELISTED in ") + zone);
-      break;
+      return translate(" is WHITELISTED in ") + zone;
     case BlockLists::Listing::black:
-      Label3.set_caption(text + translate(" is BLACKLISTED in ") + zone);
+      return translate(" is BLACKLISTED in ") + zone;
+    case BlockLists::Listing::none:
       break;
   }
+  return translate(" is NOT listed in one of your configured RBL/RWL Server");
 }
 
 void BlockListPage::report_relays() {

@@ -65,6 +65,8 @@ class BlockListPage : public ListPage {
   void add(Literal table);
   void remove(Literal table);
   void test();
+  // What the result says of the text that stands before it.
+  std::string verdict(BlockLists::Listing listing, const std::string& zone);
   void report_relays();
 
   std::shared_ptr<BlockLists> block_lists_;
