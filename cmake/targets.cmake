@@ -26,3 +26,14 @@ function(zrl_precompile target)
   target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
   target_precompile_headers(${target} PRIVATE ${ARGN})
 endfunction()
+
+# zrl_versioned(TARGET) makes a library one that is installed. Until version 1 every minor version may change
+# the interface.
+function(zrl_versioned target)
+  set_target_properties(${target} PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+    INSTALL_RPATH $ORIGIN)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:include/zrlconfig>)
+endfunction()

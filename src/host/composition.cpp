@@ -11,8 +11,10 @@
 #include "components/logging/file_logger.h"
 #include "components/mail/mail_components.h"
 #include "components/pcre2/pcre2_regexp.h"
+#include "components/service/service_components.h"
 #include "components/sqlite/sqlite_components.h"
 #include "core/error.h"
+#include "host/program_output.h"
 #include "net/machine_sockets.h"
 #include "pages/lists/remote_update.h"
 
@@ -127,6 +129,8 @@ void register_components(Console& console) {
   components.add<BlockLists>([&console] { return make_block_lists(block_list_settings(console)); });
   components.add<CheckPlugin>(checks::surbl,
                               [&console] { return make_uri_check(block_list_settings(console)); });
+
+  components.add<ServiceManager>([] { return make_service_manager({.run = program_output}); });
 
   components.add<MailMessage>([&console] {
     return make_mail_message({

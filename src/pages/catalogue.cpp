@@ -22,6 +22,7 @@
 #include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
 #include "scripting/script_engine_page.h"
+#include "service/service_control_page.h"
 
 namespace zrl {
 
@@ -47,6 +48,7 @@ std::span<const PageEntry> page_catalogue() {
       {"monitor", "Logs", "Mail archive", make_page<MonitorPage>},
       {"stati", "Logs", "Statistics", make_page<StatiPage>},
       {"ScriptEngine", "Scripts", "Script engine", make_page<ScriptEnginePage>},
+      {"ServiceControl", "Service", "Service control", make_page<ServiceControlPage>},
   };
   return entries;
 }

@@ -158,9 +158,9 @@ export async function setUp(page, console) {
   await page.getByRole('navigation').waitFor()
 }
 
-export async function signIn(page) {
+export async function signIn(page, secret = password) {
   await page.getByLabel('Account').fill(account)
-  await page.getByLabel('Password', { exact: true }).fill(password)
+  await page.getByLabel('Password', { exact: true }).fill(secret)
   await page.getByRole('button', { name: 'Sign in' }).click()
   await page.getByRole('navigation').waitFor()
 }

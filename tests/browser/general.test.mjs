@@ -1,7 +1,7 @@
 // The way of an administrator from the first start to a setting that is stored.
 import assert from 'node:assert/strict'
 import { after, before, test } from 'node:test'
-import { Browser, Console, openPage, picture, setUp, signIn } from './console.mjs'
+import { Browser, Console, openPage, password, picture, setUp, signIn } from './console.mjs'
 
 let console
 let browser
@@ -39,6 +39,26 @@ test('signing out and in again, with the wrong password first', async () => {
   await page.getByText('The account or the password is wrong.').waitFor()
   await picture(page, 'sign-in')
   await signIn(page)
+  await page.getByRole('heading', { name: 'General' }).waitFor()
+})
+
+test('another password is chosen', async () => {
+  const dialog = page.getByRole('dialog', { name: 'Change password' })
+  const fill = async (old, chosen) => {
+    await page.getByRole('navigation').getByRole('button', { name: 'Change password' }).click()
+    await dialog.getByLabel('Current password').fill(old)
+    await dialog.getByLabel('New password', { exact: true }).fill(chosen)
+    await dialog.getByLabel('Repeat the new password').fill(chosen)
+    await dialog.getByRole('button', { name: 'Change password' }).click()
+  }
+  await fill('a wrong guess', 'staple battery')
+  await dialog.getByText('The current password is wrong.').waitFor()
+  await picture(page, 'password')
+  await dialog.getByRole('button', { name: 'Close' }).click()
+  await fill(password, 'staple battery')
+  await page.getByRole('region', { name: 'Notices' }).getByText('The password has been changed').waitFor()
+  await page.getByRole('button', { name: 'Sign out' }).click()
+  await signIn(page, 'staple battery')
   await page.getByRole('heading', { name: 'General' }).waitFor()
 })
 

@@ -31,3 +31,6 @@ export const setUp = (secret: string, account: string, password: string): Promis
 export const logIn = (account: string, password: string): Promise<void> => post('/api/login', { account, password })
 
 export const logOut = (): Promise<void> => post('/api/logout', {})
+
+export const changePassword = (password: string, new_password: string): Promise<void> =>
+  post('/api/password', { password, new_password })

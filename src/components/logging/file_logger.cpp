@@ -30,8 +30,7 @@ class FileLogger : public Logger {
  private:
   static std::string one_line(std::string_view line) {
     std::string bytes(line);
-    std::replace_if(
-        bytes.begin(), bytes.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    std::replace_if(bytes.begin(), bytes.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     return bytes + '\n';
   }
 

@@ -77,8 +77,7 @@ MimeRef<GMimeObject> body_part(const Mail& mail) {
 
 std::string one_line(std::string_view subject) {
   std::string result = valid_utf8(subject);
-  std::ranges::replace_if(
-      result, [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; }, ' ');
+  std::ranges::replace_if(result, [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; }, ' ');
   return std::string(trim(result));
 }
 

@@ -231,16 +231,14 @@ void SqliteDatabase::adddropps(std::int64_t number, ConnectionHandle& conn) {
 }
 
 bool SqliteDatabase::import_(Literal column, Literal table, std::string_view path, bool /*flag*/) {
-  with_own([&](Session& session) {
-    import_list({session, column, table, report_}, std::filesystem::path(path));
-  });
+  with_own(
+      [&](Session& session) { import_list({session, column, table, report_}, std::filesystem::path(path)); });
   return true;
 }
 
 bool SqliteDatabase::delete_(Literal column, Literal table, std::string_view path, bool /*flag*/) {
-  with_own([&](Session& session) {
-    delete_list({session, column, table, report_}, std::filesystem::path(path));
-  });
+  with_own(
+      [&](Session& session) { delete_list({session, column, table, report_}, std::filesystem::path(path)); });
   return true;
 }
 

@@ -72,8 +72,8 @@ int run_do(const Arguments& arguments, const Program& program, std::istream& in,
 
   const std::unique_ptr<Page> page = entry.make(console);
   Report report(console);
-  const bool finished = runner.run(
-      console, *page, [&] { page->initialise(); }, [&] { report.take_dialogs(); });
+  const bool finished =
+      runner.run(console, *page, [&] { page->initialise(); }, [&] { report.take_dialogs(); });
   if (finished && arguments.json) {
     out << boost::json::serialize(report.json(*page, runner)) << '\n';
   } else if (finished) {

@@ -215,9 +215,8 @@ Lists make_lists() {
 
   Distinct phrases;
   lists.subject_keywords = phrases.make(900, [&] { return phrase(random); });
-  const Texts subject_white = phrases.make(150, [&] {
-    return join({"[", random.pick(decent_second), "] ", random.digits(60)});
-  });
+  const Texts subject_white =
+      phrases.make(150, [&] { return join({"[", random.pick(decent_second), "] ", random.digits(60)}); });
   Distinct words;
   lists.body_keywords = words.make(1200 - std::size(expressions), [&] { return phrase(random); });
   Texts body_words = lists.body_keywords;

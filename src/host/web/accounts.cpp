@@ -37,6 +37,13 @@ void forget(std::string& password) {
   ::sodium_memzero(password.data(), password.size());
 }
 
+std::string text_of(const std::map<std::string, std::string, std::less<>>& hashes) {
+  json::array accounts;
+  for (const auto& [name, hash] : hashes)
+    accounts.push_back(json::object{{"name", name}, {"password", hash}});
+  return json::serialize(json::object{{"accounts", std::move(accounts)}}) + "\n";
+}
+
 std::string digest(std::string_view text) {
   std::array<unsigned char, crypto_generichash_BYTES> bytes{};
   ::crypto_generichash(bytes.data(), bytes.size(), reinterpret_cast<const unsigned char*>(text.data()),
@@ -137,30 +144,38 @@ bool Accounts::verify(const std::string& account, std::string password, std::fun
 
 bool Accounts::create_first(const std::string& account, std::string password,
                             std::function<void(Creation)> done) {
-  if (!empty() || creating_) {
+  if (!empty() || saving_) {
     loop_.post([done = std::move(done)] { done(Creation::exists_already); });
     return true;
   }
-  const bool taken =
-      workers_.run([this, account, password = std::move(password), done = std::move(done)]() mutable {
-        std::string hash;
+  return store(account, std::move(password), [done = std::move(done)](bool saved) {
+    done(saved ? Creation::created : Creation::not_saved);
+  });
+}
+
+bool Accounts::change(const std::string& account, std::string password, std::function<void(bool)> done) {
+  return !saving_ && store(account, std::move(password), std::move(done));
+}
+
+bool Accounts::store(const std::string& account, std::string password, std::function<void(bool)> done) {
+  saving_ = workers_.run(
+      [this, account, hashes = hashes_, password = std::move(password), done = std::move(done)]() mutable {
+        bool saved = false;
         try {
-          hash = hash_of(password, cost_);
-          const json::value text =
-              json::object{{"accounts", json::array{json::object{{"name", account}, {"password", hash}}}}};
-          replace_file(file_, json::serialize(text) + "\n", 0600);
+          hashes.insert_or_assign(account, hash_of(password, cost_));
+          replace_file(file_, text_of(hashes), 0600);
+          saved = true;
         } catch (const std::exception&) {
-          hash.clear();
+          saved = false;
         }
         forget(password);
-        loop_.post([this, account, hash, done = std::move(done)] {
-          creating_ = false;
-          if (!hash.empty()) hashes_.emplace(account, hash);
-          done(hash.empty() ? Creation::not_saved : Creation::created);
+        loop_.post([this, saved, hashes = std::move(hashes), done = std::move(done)]() mutable {
+          saving_ = false;
+          if (saved) hashes_ = std::move(hashes);
+          done(saved);
         });
       });
-  creating_ = taken;
-  return taken;
+  return saving_;
 }
 
 std::string SetupSecret::make() {

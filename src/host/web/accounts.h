@@ -64,14 +64,22 @@ class Accounts {
   // Makes the first account; `done` is called on the I/O thread. False as with verify().
   bool create_first(const std::string& account, std::string password, std::function<void(Creation)> done);
 
+  // Gives an account another password; true is passed on if it was saved. False as with verify(), and
+  // while another one is being saved.
+  bool change(const std::string& account, std::string password, std::function<void(bool)> done);
+
  private:
+  using Hashes = std::map<std::string, std::string, std::less<>>;
+
   void load();
+  // Saves the accounts with this one's new password, elsewhere; what is held changes when that is done.
+  bool store(const std::string& account, std::string password, std::function<void(bool)> done);
 
   const std::filesystem::path file_;
   IoLoop& loop_;
   const PasswordCost cost_;
-  std::map<std::string, std::string, std::less<>> hashes_;
-  bool creating_ = false;
+  Hashes hashes_;
+  bool saving_ = false;
   WorkerPool workers_;
 };
 

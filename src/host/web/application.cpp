@@ -9,6 +9,7 @@
 
 #include "core/console.h"
 #include "core/text.h"
+#include "host/web/audit.h"
 #include "host/web/responses.h"
 #include "host/web/uploads.h"
 
@@ -108,6 +109,8 @@ void Application::handle(Request request, Reply reply) {
     log_in(request, reply);
   } else if (request.path == "/api/setup") {
     set_up(request, reply);
+  } else if (request.path == "/api/password") {
+    change_password(request, reply);
   } else if (request.path == "/api/logout") {
     reply(log_out(request));
   } else {
@@ -190,7 +193,10 @@ void Application::set_up(Request& request, const Reply& reply) {
   if (!Accounts::is_acceptable_password(password)) return reply(error_response(400, "weak_password"));
   const bool taken = accounts_.create_first(
       account, std::move(password), [this, request, reply, name = account](Accounts::Creation creation) {
-        if (creation == Accounts::Creation::created) return reply(sign_in(request, name));
+        if (creation == Accounts::Creation::created) {
+          note(name, "set up", request);
+          return reply(sign_in(request, name));
+        }
         const bool exists = creation == Accounts::Creation::exists_already;
         reply(exists ? error_response(409, "already_set_up") : error_response(500, "not_saved"));
       });
@@ -205,7 +211,10 @@ void Application::log_in(Request& request, const Reply& reply) {
   if (auto refusal = throttled(request)) return reply(std::move(*refusal));
   const bool taken =
       accounts_.verify(account, std::move(password), [this, request, reply, name = account](bool right) {
-        if (!right) return reply(error_response(401, "wrong_password"));
+        if (!right) {
+          note(name, "sign in", request, "wrong account or password");
+          return reply(error_response(401, "wrong_password"));
+        }
         throttle_.succeeded(request.remote_address);
         reply(sign_in(request, name));
       });
@@ -216,9 +225,47 @@ Response Application::sign_in(const Request& request, const std::string& account
   sessions_.end(session_token(request));
   const std::string token = sessions_.begin(account);
   if (token.empty()) return error_response(503, "too_many_sessions");
+  note(account, "sign in", request);
   Response response = json_response(200, {{"account", account}});
   response.headers.emplace_back("Set-Cookie", cookie_header(request, token));
   return response;
+}
+
+// Whoever else is signed in to the account may be the reason for the change, and is signed out.
+void Application::change_password(Request& request, const Reply& reply) {
+  const std::string token(session_token(request));
+  const std::shared_ptr<Session> session = sessions_.find(token);
+  if (!session) return reply(error_response(401, "signed_out"));
+  auto texts = texts_of<2>(request, {"password", "new_password"});
+  if (!texts) return reply(error_response(400, "bad_request"));
+  request.body.clear();
+  auto& [password, new_password] = *texts;
+  if (!Accounts::is_acceptable_password(new_password)) return reply(error_response(400, "weak_password"));
+  if (auto refusal = throttled(request)) return reply(std::move(*refusal));
+  const auto saved = [this, request, reply, token, account = session->account()](bool done) {
+    note(account, "change password", request, done ? "" : "not saved");
+    if (!done) return reply(error_response(500, "not_saved"));
+    sessions_.end_others(account, token);
+    reply(json_response(200, {{"account", account}}));
+  };
+  const auto verified = [this, request, reply, saved, account = session->account(),
+                         new_password = std::move(new_password)](bool right) {
+    if (!right) {
+      note(account, "change password", request, "wrong password");
+      return reply(error_response(401, "wrong_password"));
+    }
+    throttle_.succeeded(request.remote_address);
+    if (!accounts_.change(account, new_password, saved)) reply(too_many_tries(std::chrono::seconds(1)));
+  };
+  if (!accounts_.verify(session->account(), std::move(password), verified)) {
+    reply(too_many_tries(std::chrono::seconds(1)));
+  }
+}
+
+void Application::note(const std::string& account, std::string_view what, const Request& request,
+                       std::string_view error) const {
+  AuditLog log(settings_.console.folder / "audit.log", account);
+  log.note("", "account", std::string(what) + " from " + request.remote_address, error);
 }
 
 Response Application::log_out(const Request& request) {
@@ -227,6 +274,7 @@ Response Application::log_out(const Request& request) {
   const std::shared_ptr<Session> session = sessions_.find(token);
   if (!session) return error_response(401, "signed_out");
   sessions_.end(token);
+  note(session->account(), "sign out", request);
   Response response = json_response(200, {{"account", session->account()}});
   response.headers.emplace_back("Set-Cookie", cookie_header(request, {}));
   return response;

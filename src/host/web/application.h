@@ -52,8 +52,11 @@ class Application : public HttpHandler {
   Response state(const Request& request);
   void set_up(Request& request, const Reply& reply);
   void log_in(Request& request, const Reply& reply);
+  void change_password(Request& request, const Reply& reply);
   Response log_out(const Request& request);
   Response sign_in(const Request& request, const std::string& account);
+  void note(const std::string& account, std::string_view what, const Request& request,
+            std::string_view error = {}) const;
   // The answer to who has tried too often, else nothing.
   std::optional<Response> throttled(const Request& request);
 

@@ -79,7 +79,7 @@ std::vector<Offer> OfferedFiles::unfetched() const {
 
 Response file_response(const std::filesystem::path& path) {
   Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-  struct stat state {};
+  struct stat state{};
   if (!file || ::fstat(file.get(), &state) != 0 || !S_ISREG(state.st_mode)) {
     return error_response(404, "no_file");
   }

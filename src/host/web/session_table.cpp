@@ -49,6 +49,15 @@ void SessionTable::end(std::string_view token) {
   if (found != sessions_.end()) leave(found, Session::Reason::over);
 }
 
+void SessionTable::end_others(std::string_view account, std::string_view token) {
+  const std::string kept = digest(token);
+  for (auto it = sessions_.begin(); it != sessions_.end();) {
+    const auto next = std::next(it);
+    if (it->first != kept && it->second->account() == account) leave(it, Session::Reason::over);
+    it = next;
+  }
+}
+
 void SessionTable::stop(std::function<void()> done) {
   stopping_ = true;
   on_stopped_ = std::move(done);

@@ -32,6 +32,8 @@ class SessionTable {
   std::shared_ptr<Session> find(std::string_view token);
   // Ends the session if there is one.
   void end(std::string_view token);
+  // Ends the account's sessions but the one with this token.
+  void end_others(std::string_view account, std::string_view token);
 
   // Ends all sessions; `done` is called when the last thread has ended. No session can begin then.
   void stop(std::function<void()> done);

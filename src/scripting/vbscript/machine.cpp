@@ -82,7 +82,7 @@ void Machine::execute(std::size_t bottom) {
 op_load:
   R[pc->a] = K[pc->wide()];
   NEXT(1);
-op_copy : {
+op_copy: {
   const Value& from = R[pc->b].get();
   if (from.counted()) {
     SAVE();
@@ -92,13 +92,13 @@ op_copy : {
   R[pc->a] = Value(from);
   NEXT(1);
 }
-op_refer : {
+op_refer: {
   Value& from = R[pc->b];
   Value* target = from.is(Type::reference) ? from.reference() : &from;
   R[pc->a] = Value::reference_to(target);
   NEXT(1);
 }
-op_get_global : {
+op_get_global: {
   Value& from = globals_.values()[pc->b];
   if (static_cast<int>(from.type()) < first_counted) {
     R[pc->a] = from;
@@ -110,12 +110,12 @@ op_get_global : {
 op_refer_global:
   R[pc->a] = Value::reference_to(&globals_.values()[pc->b]);
   NEXT(1);
-op_let_global : {
+op_let_global: {
   SAVE();
   let_taken(globals_.values()[pc->a], R[pc->b]);
   SETTLE(1);
 }
-op_get_field : {
+op_get_field: {
   Value& from = f->me->field(pc->b);
   if (static_cast<int>(from.type()) < first_counted) {
     R[pc->a] = from;
@@ -127,7 +127,7 @@ op_get_field : {
 op_refer_field:
   R[pc->a] = Value::reference_to(&f->me->field(pc->b));
   NEXT(1);
-op_let_field : {
+op_let_field: {
   SAVE();
   let_taken(f->me->field(pc->a), R[pc->b]);
   SETTLE(1);
@@ -144,7 +144,7 @@ op_let:
   SAVE();
   let(R[pc->a], R[pc->b]);
   SETTLE(1);
-op_let_taken : {
+op_let_taken: {
   Value& target = R[pc->a];
   Value& from = R[pc->b];
   if (static_cast<int>(target.type()) < static_cast<int>(Type::reference) &&
@@ -160,7 +160,7 @@ op_set:
   SAVE();
   set(R[pc->a], R[pc->b]);
   SETTLE(1);
-op_clear : {
+op_clear: {
   Value* first = R + pc->a;
   bool counted = false;
   for (Value* value = first; value < first + pc->b; ++value) {
@@ -187,7 +187,7 @@ op_me:
   ARITHMETIC_SLOW(subtract_k, K[pc->c], subtract);
   ARITHMETIC_SLOW(multiply_k, K[pc->c], multiply);
 
-op_divide : {
+op_divide: {
   const Value& x = R[pc->b];
   const Value& y = R[pc->c];
   const int pair = pair_of(x, y);
@@ -227,13 +227,13 @@ op_append:
   LOGICAL(logical_eqv, eqv, ~(x.i() ^ y.i()))
   LOGICAL(logical_imp, imp, ~x.i() | y.i())
 
-op_is : {
+op_is: {
   SAVE();
   const bool same = is_same_object(R[pc->b], R[pc->c]);
   R[pc->a] = Value::boolean(same);
   SETTLE(1);
 }
-op_negate : {
+op_negate: {
   const Value& x = R[pc->b];
   if (x.is(Type::real)) {
     R[pc->a].set(Type::real, -x.d());
@@ -247,7 +247,7 @@ op_plus:
   SAVE();
   R[pc->a] = plus(*this, R[pc->b]);
   SETTLE(1);
-op_logical_not : {
+op_logical_not: {
   const Value& x = R[pc->b];
   if (x.is(Type::boolean)) {
     R[pc->a].set(Type::boolean, ~x.i());
@@ -276,7 +276,7 @@ op_compare_literals:
   R[pc->a] = comparison(*this, static_cast<Operator>(pc[1].wide()), R[pc->b], R[pc->c], Literals{true, true});
   SETTLE(2);
 
-op_test : {
+op_test: {
   SAVE();
   const bool truth = to_condition(*this, R[pc->b]);
   R[pc->a] = Value::boolean(truth);
@@ -296,7 +296,7 @@ op_loop:
   CONDITIONAL(jump_true, true)
   CONDITIONAL(jump_false, false)
 
-op_jump_false_taken : {
+op_jump_false_taken: {
   Value& x = R[pc->a];
   bool truth = false;
   if (x.is(Type::boolean)) {
@@ -330,14 +330,14 @@ op_jump_false_taken : {
   UNLESS(unless_less_equal_k, K[pc->b], <=, less_equal, true)
   UNLESS(unless_greater_equal_k, K[pc->b], >=, greater_equal, true)
 
-op_for_prepare : {
+op_for_prepare: {
   SAVE();
   const bool enters = prepare_for(R[pc->a], R + pc->b, R[pc->c]);
   if (enters) SETTLE(2);
   pc = f->proc->code.data() + pc[1].wide();
   DISPATCH();
 }
-op_for_next : {
+op_for_next: {
   if (--countdown_ < 0) {
     SAVE();
     count_down();
@@ -365,7 +365,7 @@ op_each_prepare:
   SAVE();
   prepare_each(R + pc->a, R[pc->b]);
   SETTLE(1);
-op_each_next : {
+op_each_next: {
   if (--countdown_ < 0) {
     SAVE();
     count_down();
@@ -383,7 +383,7 @@ op_each_next : {
   DISPATCH();
 }
 
-op_index : {
+op_index: {
   const Value& callee = R[pc->b].get();
   const Value& place = R[pc->c];
   if (callee.is(Type::array) && (place.is(Type::integer) || place.is(Type::long_integer))) {
@@ -419,7 +419,7 @@ op_put_index:
   put_index(R + pc->a, pc->b, pc->c != 0);
   SETTLE(1);
 
-op_call : {
+op_call: {
   if (--countdown_ < 0) {
     SAVE();
     count_down();
@@ -467,7 +467,7 @@ op_get_name:
   SAVE();
   get_unresolved(R[pc->a], pc->b, static_cast<SymbolId>(pc[1].wide()));
   SETTLE(2);
-op_refer_name_or_get : {
+op_refer_name_or_get: {
   SAVE();
   const auto symbol = static_cast<SymbolId>(pc[1].wide());
   Value& variable = R[pc->b].get();
@@ -481,7 +481,7 @@ op_refer_name_or_get : {
   }
   SETTLE(2);
 }
-op_refer_name : {
+op_refer_name: {
   SAVE();
   const auto symbol = static_cast<SymbolId>(pc[1].wide());
   const GlobalName* name = globals_.find(symbols_.canonical(symbol));

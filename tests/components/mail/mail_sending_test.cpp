@@ -66,8 +66,8 @@ TEST(Sending, BringsEveryTextAcross) {
   const std::string long_word(3000, 'w');
   const Mail mails[] = {
       plain_mail,
-      {"\"Müller, Ann\" <ann@example.com>", "Bøb <bob@example.org>, c@d.e", "Grüße — 日本 😀", "Grüße\n日本\n",
-       "<p>Grüße</p>"},
+      {"\"Müller, Ann\" <ann@example.com>", "Bøb <bob@example.org>, c@d.e", "Grüße — 日本 😀",
+       "Grüße\n日本\n", "<p>Grüße</p>"},
       {"ann@example.com", "bob@example.org", "", "", ""},
       {"ann@example.com", "bob@example.org", "x", "", "<p>only HTML</p>"},
       {"ann@example.com", "bob@example.org", "dots", ".\n..\n.dot\n\n.\nQUIT\n", ""},
@@ -117,7 +117,7 @@ TEST(Sending, LetsNoTextAddAFieldOrACommand) {
   EXPECT_THAT(sink.mails().at(0).data, Not(HasSubstr("\nBcc")));
   EXPECT_EQ(sink.mails().at(0).data.find("eve@example.net\r\n\r\n"), std::string::npos);
   EXPECT_THAT(sink.mails().at(0).recipients, ElementsAre("bob@example.org"));
-  for (std::string Mail::*field : {&Mail::sender, &Mail::recipient}) {
+  for (std::string Mail::* field : {&Mail::sender, &Mail::recipient}) {
     for (const std::string& text : {injected, "a@b\r\nRCPT TO:<c@d>"s, "A\nB <a@b.c>"s, "a@b.c\0"s,
                                     "\"a\r\n\" <a@b.c>"s, "a@b> SIZE=1 <c"s, ""s}) {
       Mail bad = plain_mail;

@@ -243,8 +243,7 @@ TEST_F(ListFileTest, ReportsProgressAndRefusesToNest) {
     EXPECT_LE(progress.done, progress.total);
     nested = failure_of([&] { busy->import_("entry", "whitelist", file, true); });
   };
-  busy = make_sqlite_database(
-      folder.path(), [] { return "sqlite:zrl.db"; }, report);
+  busy = make_sqlite_database(folder.path(), [] { return "sqlite:zrl.db"; }, report);
   EXPECT_TRUE(busy->import_("entry", "blacklist", file, true));
   EXPECT_GE(reports, 2);
   EXPECT_THAT(nested, HasSubstr("being transferred"));

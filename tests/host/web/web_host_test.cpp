@@ -85,6 +85,29 @@ TEST(WebHost, GuessingIsSlowedDown) {
   EXPECT_EQ(client.post("/api/login", login(RunningHost::password)).status, 429);
 }
 
+TEST(WebHost, AnotherPassword) {
+  RunningHost host(with_pages());
+  WebClient client = host.sign_in();
+  WebClient stranger = host.sign_in();
+  const auto change = [&](WebClient& browser, std::string_view password, std::string_view new_password) {
+    return browser.post("/api/password", {{"password", password}, {"new_password", new_password}});
+  };
+  WebClient nobody(host.port());
+  EXPECT_EQ(error_of(change(nobody, RunningHost::password, "staple battery")), "signed_out");
+  EXPECT_EQ(error_of(change(client, "a wrong guess", "staple battery")), "wrong_password");
+  EXPECT_EQ(error_of(change(client, RunningHost::password, "too short")), "weak_password");
+  EXPECT_EQ(change(client, RunningHost::password, "staple battery").status, 200);
+
+  EXPECT_EQ(client.get("/api/state").object().at("account"), "admin");
+  EXPECT_EQ(stranger.get("/api/state").object().at("account"), nullptr);
+  EXPECT_EQ(error_of(nobody.post("/api/login", login(RunningHost::password))), "wrong_password");
+  EXPECT_EQ(nobody.post("/api/login", login("staple battery")).status, 200);
+  EXPECT_THAT(read_file(host.folder() / "audit.log"),
+              ::testing::HasSubstr("account\tfailed\tchange password from 127.0.0.1\twrong password\n"));
+  EXPECT_THAT(read_file(host.folder() / "audit.log"),
+              ::testing::HasSubstr("account\tok\tchange password from 127.0.0.1\n"));
+}
+
 TEST(WebHost, RequestsThatAreNotOursAreRefused) {
   RunningHost host(with_pages());
   WebClient client = host.sign_in();

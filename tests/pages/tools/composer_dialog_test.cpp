@@ -77,7 +77,7 @@ TEST_F(ComposerDialogTest, TellsWhatTheServerSaid) {
 TEST_F(ComposerDialogTest, AsksForWhatIsMissingOrWrong) {
   const SmtpSink sink;
   const struct {
-    TextField ComposerDialog::*field;
+    TextField ComposerDialog::* field;
     std::string text;
     std::string status;
   } cases[] = {

@@ -10,6 +10,7 @@ import { FormDialogs } from './form-dialogs'
 import { Header } from './header'
 import { Icon } from './icon'
 import { Palette } from './palette'
+import { PasswordDialog } from './password-dialog'
 import { Sidebar } from './sidebar'
 import { TerminalPanel } from './terminal-panel'
 import { TextViewer } from './text-viewer'
@@ -105,6 +106,7 @@ export function Shell() {
       </div>
       <FormDialogs />
       <Palette />
+      <PasswordDialog />
       <Boxes />
       <TextViewer />
     </div>

@@ -3,6 +3,7 @@ import { session } from '../app-state'
 import { messages } from '../i18n'
 import type { PageEntry } from '../protocol'
 import { Icon, Logo } from './icon'
+import { openPasswordDialog } from './password-dialog'
 import { addressOf, goTo } from './router'
 
 export function grouped(pages: readonly PageEntry[]): { group: string; pages: PageEntry[] }[] {
@@ -70,7 +71,22 @@ export function Sidebar({ drawn, onLeave }: { drawn: boolean; onLeave: () => voi
           </section>
         ))}
       </div>
-      <p class="sidebar-foot">{hello && m.version(hello.version)}</p>
+      {hello && (
+        <div class="sidebar-foot">
+          <p class="sidebar-account">{m.signedInAs(hello.account)}</p>
+          <button
+            type="button"
+            class="link"
+            onClick={() => {
+              if (drawn) onLeave()
+              openPasswordDialog()
+            }}
+          >
+            {m.changePassword}
+          </button>
+          <p>{m.version(hello.version)}</p>
+        </div>
+      )}
     </nav>
   )
 }

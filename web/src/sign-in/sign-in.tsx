@@ -1,14 +1,11 @@
 import type { ComponentChildren } from 'preact'
-import { useEffect, useId, useRef, useState } from 'preact/hooks'
-import { logIn, RequestFailed, setUp } from '../api'
+import { useEffect, useRef, useState } from 'preact/hooks'
+import { logIn, setUp } from '../api'
 import { begin, connection, enter, hostState, screen } from '../app-state'
-import { fieldType } from '../controls/text-field'
 import { messages } from '../i18n'
-import type { Failure } from '../protocol'
 import { ThemeButton } from '../shell/header'
-import { Icon, Logo, Spinner, type IconName } from '../shell/icon'
-
-const shortestPassword = 10
+import { Icon, Logo, type IconName } from '../shell/icon'
+import { FailureNote, focusInvalid, Input, isWeak, Submit, useSending } from './fields'
 
 function Card({ title, lead, children }: { title: string; lead: string; children: ComponentChildren }) {
   const product = hostState.value?.product ?? ''
@@ -34,137 +31,12 @@ function Card({ title, lead, children }: { title: string; lead: string; children
   )
 }
 
-interface InputProps {
-  label: string
-  value: string
-  onValue: (value: string) => void
-  help?: string
-  error?: string
-  secret?: boolean
-  autocomplete: string
-  focus?: boolean
-}
-
-function Input({ label, value, onValue, help, error, secret, autocomplete, focus }: InputProps) {
-  const id = useId()
-  const [shown, setShown] = useState(false)
-  const input = useRef<HTMLInputElement>(null)
-  const m = messages.value
-  useEffect(() => {
-    if (focus) input.current?.focus()
-  }, [])
-  return (
-    <div class="field">
-      <div class="field-head">
-        <label class="field-label" for={id}>
-          {label}
-        </label>
-      </div>
-      <span class="input-line">
-        <input
-          ref={input}
-          id={id}
-          class="input"
-          type={fieldType(secret === true && !shown)}
-          autocomplete={autocomplete}
-          autocapitalize="off"
-          spellcheck={false}
-          value={value}
-          aria-invalid={error !== undefined}
-          aria-describedby={error !== undefined || help ? `${id}-note` : undefined}
-          onInput={event => onValue(event.currentTarget.value)}
-        />
-        {secret && (
-          <button type="button" class="button quiet small" aria-pressed={shown} onClick={() => setShown(!shown)}>
-            {shown ? m.hidePassword : m.showPassword}
-          </button>
-        )}
-      </span>
-      {(error !== undefined || help) && (
-        <p id={`${id}-note`} class={`field-note${error !== undefined ? ' failed' : ''}`}>
-          {error ?? help}
-        </p>
-      )}
-    </div>
-  )
-}
-
-/** Sends a form of the door, and counts down when the host asks for patience. */
-function useSending(): {
-  sending: boolean
-  failure: string
-  wait: number
-  fail: (text: string) => void
-  send: (request: () => Promise<void>) => Promise<void>
-} {
-  const [sending, setSending] = useState(false)
-  const [failure, setFailure] = useState('')
-  const [wait, setWait] = useState(0)
-  useEffect(() => {
-    if (wait <= 0) return undefined
-    const timer = setTimeout(() => {
-      setWait(wait - 1)
-      if (wait === 1) setFailure('')
-    }, 1000)
-    return () => clearTimeout(timer)
-  }, [wait])
-  const told = (failed: Failure): void => {
-    setFailure(messages.value.failures[failed.error] ?? messages.value.failures.bad_request)
-    if (failed.error === 'too_many_tries') setWait(Math.max(1, Math.ceil(failed.retryAfter ?? 10)))
-    if (failed.error === 'already_set_up') void begin()
-  }
-  const send = async (request: () => Promise<void>): Promise<void> => {
-    setSending(true)
-    setFailure('')
-    try {
-      await request()
-      enter()
-    } catch (error) {
-      setSending(false)
-      if (error instanceof RequestFailed) told(error.failure)
-      else setFailure(messages.value.unreachable)
-    }
-  }
-  return { sending, failure, wait, fail: setFailure, send }
-}
-
-/** After a refused attempt the first field that needs something gets the focus. */
-function focusInvalid(form: EventTarget | null): void {
-  requestAnimationFrame(() => {
-    if (form instanceof HTMLElement) form.querySelector<HTMLElement>('[aria-invalid="true"]')?.focus()
-  })
-}
-
-function FailureNote({ failure, wait }: { failure: string; wait: number }) {
-  return (
-    <div role="alert" class="door-failure-space">
-      {failure !== '' && (
-        <p class="door-failure">
-          <Icon name="warning" />
-          <span>
-            {failure} {wait > 0 && <span aria-hidden="true">{messages.value.retryIn(wait)}</span>}
-          </span>
-        </p>
-      )}
-    </div>
-  )
-}
-
-function Submit({ text, sending, wait }: { text: string; sending: boolean; wait: number }) {
-  return (
-    <button type="submit" class="button primary wide" disabled={wait > 0} aria-busy={sending}>
-      {sending && <Spinner />}
-      {sending ? messages.value.working : text}
-    </button>
-  )
-}
-
 function LogIn() {
   const m = messages.value
   const [account, setAccount] = useState('')
   const [password, setPassword] = useState('')
   const [tried, setTried] = useState(false)
-  const { sending, failure, wait, send } = useSending()
+  const { sending, failure, wait, send } = useSending(enter)
   const submit = (event: Event): void => {
     event.preventDefault()
     setTried(true)
@@ -198,9 +70,11 @@ function SetUp() {
   const [password, setPassword] = useState('')
   const [again, setAgain] = useState('')
   const [tried, setTried] = useState(false)
-  const { sending, failure, wait, send } = useSending()
+  const { sending, failure, wait, send } = useSending(enter, failed => {
+    if (failed.error === 'already_set_up') void begin()
+  })
   const missing = (value: string): string | undefined => (tried && value.trim() === '' ? m.required : undefined)
-  const weak = [...password].length < shortestPassword
+  const weak = isWeak(password)
   const submit = (event: Event): void => {
     event.preventDefault()
     setTried(true)

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "components/service/service_components.h"
+#include "components/service/unit.h"
+
+namespace zrl {
+
+// systemd's services by its program, which reaches the manager by ways of its own: as root without
+// a bus.
+class SystemctlServices : public ServiceManager {
+ public:
+  explicit SystemctlServices(ServiceSettings settings) : settings_(std::move(settings)) {}
+
+  ServiceState inspect(std::string_view service) override { return state_of(unit_of(service)); }
+  void start(std::string_view service) override { order("start", service); }
+  void stop(std::string_view service) override { order("stop", service); }
+
+ private:
+  Unit unit_of(std::string_view service) const;
+  void order(const char* verb, std::string_view service) const;
+  std::string run(std::vector<std::string> words) const;
+
+  ServiceSettings settings_;
+};
+
+}  // namespace zrl

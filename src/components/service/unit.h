@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "core/error.h"
+#include "core/service_manager.h"
+
+namespace zrl {
+
+// A unit as systemd describes it.
+struct Unit {
+  std::string name;    // "mirvan.service"
+  std::string load;    // "loaded", "not-found", "masked", "bad-setting"
+  std::string active;  // "active", "inactive", "failed", "activating", "deactivating"
+  std::string sub;     // "running", "dead"
+  bool has_job = false;
+
+  bool exists() const { return !name.empty() && load != "not-found"; }
+};
+
+ServiceState state_of(const Unit& unit);
+
+// Whether a unit can have this name in front of its ending: ASCII letters, digits and ":-_.@", at most
+// 200 of them.
+bool can_be_unit(std::string_view service);
+// The wildcard pattern of the service's unit, its letters in any case: "[Aa][Bb]1.service".
+std::string unit_pattern(std::string_view service);
+bool is_unit_of(std::string_view service, std::string_view unit_name);
+
+Error unknown_service(std::string_view service);
+
+// The first line of what the manager said, as an error tells it.
+std::string excerpt(std::string_view text);
+
+}  // namespace zrl

@@ -1,0 +1,160 @@
+#include "service/service_control_page.h"
+
+#include <limits>
+
+#include "core/error.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+// A text with an IPv4 address somewhere in it.
+constexpr std::string_view holds_ip_number =
+    R"(REGEX[\b((25[0-5]|2[0-4]\d|[01]\d\d|\d?\d)\.){3}(25[0-5]|2[0-4]\d|[01]\d\d|\d?\d)\b])";
+
+// How often the timer asks in vain for the service before it takes an order for done.
+constexpr int most_unanswered = 20;
+
+bool is_missing(const TextField& port) {
+  return port.text() == "-1" || port.text().empty();
+}
+
+}  // namespace
+
+ServiceControlPage::ServiceControlPage(Console& console)
+    : Page(console, "ServiceControl", "Service control") {
+  dontstartproxy.on_click = [this] { store_start_switch(); };
+  Command1.on_click = [this] { save(); };
+  Command2.on_click = [this] { refresh_status(); };
+  Command3.on_click = [this] { run_program("ProxyServiceControl.exe", {}); };
+  starts.on_click = [this] {
+    dontstartproxy.set_checked(true);
+    store_start_switch();
+    begin(Pending::start, "StartService", &ServiceManager::start);
+  };
+  stopservice.on_click = [this] { begin(Pending::none, "StopService", &ServiceManager::stop); };
+  rservice.on_click = [this] { begin(Pending::restart, "StopService", &ServiceManager::stop); };
+  Timer1.on_tick = [this] { follow_service(); };
+
+  set_layout(column({
+      frame(Frame1, grid({Text1, Text3})),
+      frame(Frame2, grid({listenip, Text2})),
+      row({Command1}),
+      frame(Frame3, column({Label1, Label2, dontstartproxy, row({starts, stopservice, rservice, Command2}),
+                            row({Command3})})),
+  }));
+}
+
+void ServiceControlPage::load() {
+  load_fields();
+  load_start_switch();
+  services_ = component<ServiceManager>();
+  refresh_status();
+}
+
+void ServiceControlPage::load_fields() {
+  if (const auto address = read_string("forwardaddress")) Text1.set_text(*address);
+  if (const auto address = read_string("listenip")) listenip.set_text(*address);
+  load_listen();
+  load_forward();
+}
+
+void ServiceControlPage::load_listen() {
+  if (const auto port = read_option("listenport")) Text2.set_text(port->text);
+  if (!is_missing(Text2)) return;
+  execute("DELETE FROM konf where ID='listenport'");
+  Text2.set_text("25");
+  store_number("listenport", Text2);
+}
+
+void ServiceControlPage::load_forward() {
+  if (const auto port = read_option("forwardport")) Text3.set_text(port->text);
+  if (!is_missing(Text3)) return;
+  execute("DELETE FROM konf where ID='forwardport'");
+  Text3.set_text(listenip.text() == Text1.text() ? "26" : "25");
+  store_number("forwardport", Text3);
+}
+
+void ServiceControlPage::load_start_switch() {
+  if (const auto prevented = read_number("dontstartproxy")) dontstartproxy.set_checked(*prevented < 1);
+}
+
+void ServiceControlPage::save() {
+  if (!Text1.text().empty()) {
+    set_string("forwardaddress", Text1.text());
+    add_to_whitehost(Text1.text());
+    execute(delete_from("myips", "IPNumber", Text1.text()));
+    execute(insert_into("myips", "IPNumber", Text1.text()));
+  }
+  if (!console().pattern_matcher().regex_match(holds_ip_number, listenip.text()).empty()) {
+    set_string("listenip", listenip.text());
+  }
+  execute("DELETE FROM konf where ID='listenport'");
+  execute("DELETE FROM konf where ID='forwardport'");
+  if (!Text2.text().empty()) store_number("listenport", Text2);
+  if (!Text3.text().empty()) store_number("forwardport", Text3);
+  load_fields();
+}
+
+// The option says the opposite of the box.
+void ServiceControlPage::store_start_switch() {
+  set_option("dontstartproxy", dontstartproxy.checked() ? 0 : 1);
+}
+
+void ServiceControlPage::store_number(std::string_view key, const TextField& field) {
+  using Limits = std::numeric_limits<std::int32_t>;
+  const auto number = to_number(field.text());
+  if (number && *number >= Limits::min() && *number <= Limits::max()) {
+    set_option(key, static_cast<std::int32_t>(*number));
+    return;
+  }
+  const std::string step = "set_option " + std::string(key) + "=" + field.text();
+  console().attempt(ActivityRecord::Kind::option, step, Console::Step::write,
+                    [] { throw Error(error_number::type_mismatch, "Type mismatch: not a 32-bit integer"); });
+}
+
+void ServiceControlPage::begin(Pending pending, std::string_view name, ServiceCall call) {
+  pending_ = pending;
+  unanswered_ = 0;
+  order(name, call);
+  refresh_status();
+  Timer1.set_enabled(true);
+}
+
+void ServiceControlPage::order(std::string_view name, ServiceCall call) {
+  const std::string service = settings().product_key();
+  component_step(std::string(name) + " " + service, [&] { (services().*call)(service); });
+}
+
+// Nothing if the service manager did not answer.
+std::optional<ServiceState> ServiceControlPage::refresh_status() {
+  const std::string service = settings().product_key();
+  std::optional<ServiceState> answer;
+  console().attempt(ActivityRecord::Kind::component, "service_state " + service, Console::Step::read, [&] {
+    answer = services().inspect(service);
+    if (answer->status.empty()) throw Error(ServiceManager::no_such_service, "no such service: " + service);
+  });
+  const ServiceState shown = answer.value_or(ServiceState());
+  Label1.set_caption(translate("Service Status: ") + shown.status);
+  Label2.set_caption(translate("Service State: ") + shown.state);
+  return answer;
+}
+
+// A timer that ran on for ever would fill the record where the manager is gone.
+void ServiceControlPage::follow_service() {
+  const auto answer = refresh_status();
+  unanswered_ = answer ? 0 : unanswered_ + 1;
+  if (answer ? answer->checkpoint != 0 : unanswered_ < most_unanswered) return;
+  Timer1.set_enabled(false);
+  if (pending_ != Pending::restart) return;
+  order("StartService", &ServiceManager::start);
+  refresh_status();
+}
+
+ServiceManager& ServiceControlPage::services() const {
+  if (!services_) throw Error(error_number::object_not_set, "no service manager");
+  return *services_;
+}
+
+}  // namespace zrl

@@ -1,0 +1,76 @@
+import { signal } from '@preact/signals'
+import { useState } from 'preact/hooks'
+import { changePassword } from '../api'
+import { session, toasts } from '../app-state'
+import { messages } from '../i18n'
+import { FailureNote, focusInvalid, Input, isWeak, Submit, useSending } from '../sign-in/fields'
+import { Modal } from './modal'
+
+const open = signal(false)
+
+export function openPasswordDialog(): void {
+  open.value = true
+}
+
+function Dialog({ onClose }: { onClose: () => void }) {
+  const m = messages.value
+  const [old, setOld] = useState('')
+  const [password, setPassword] = useState('')
+  const [again, setAgain] = useState('')
+  const [tried, setTried] = useState(false)
+  const changed = (): void => {
+    toasts.add(messages.value.passwordChanged)
+    onClose()
+  }
+  const { sending, failure, wait, send } = useSending(changed, failed =>
+    failed.error === 'wrong_password' ? messages.value.wrongOldPassword : undefined,
+  )
+  const missing = (value: string): string | undefined => (tried && value === '' ? m.required : undefined)
+  const weak = isWeak(password)
+  const submit = (event: Event): void => {
+    event.preventDefault()
+    setTried(true)
+    if (old === '' || weak || password !== again) return focusInvalid(event.currentTarget)
+    if (!sending) void send(() => changePassword(old, password))
+  }
+  return (
+    <Modal title={m.changePassword} onCancel={onClose} class="credentials">
+      <form class="modal-body" onSubmit={submit} noValidate>
+        {/* Lets the browser's own password store know whose password this is. */}
+        <input type="text" autocomplete="username" value={session.hello.value?.account ?? ''} readOnly hidden />
+        <Input label={m.oldPassword} value={old} onValue={setOld} error={missing(old)} autocomplete="current-password" secret />
+        <Input
+          label={m.newPassword}
+          value={password}
+          onValue={setPassword}
+          help={m.passwordHelp}
+          error={tried && weak ? m.failures.weak_password : undefined}
+          autocomplete="new-password"
+          secret
+        />
+        <Input
+          label={m.repeatPassword}
+          value={again}
+          onValue={setAgain}
+          error={(tried || again.length >= password.length) && again !== '' && again !== password ? m.passwordsDiffer : missing(again)}
+          autocomplete="new-password"
+          secret
+        />
+        <FailureNote failure={failure} wait={wait} />
+        <Submit text={m.changePassword} sending={sending} wait={wait} />
+      </form>
+    </Modal>
+  )
+}
+
+/** Lets the administrator choose another password. */
+export function PasswordDialog() {
+  if (!open.value) return null
+  return (
+    <Dialog
+      onClose={() => {
+        open.value = false
+      }}
+    />
+  )
+}
