@@ -8,5 +8,6 @@ int main(int argc, char** argv) {
   zrl::bench::Suite suite;
   zrl::bench::add_base64(suite);
   zrl::bench::add_regexps(suite);
+  zrl::bench::add_keywords(suite);
   return suite.run(9) ? 0 : 1;
 }

@@ -4,33 +4,40 @@
 
 namespace zrl {
 
-void ActivityRecord::succeeded(Kind kind, std::string_view text, std::int64_t time) {
-  keep({std::string(text), static_cast<std::uint32_t>(text.size()), kind, true, true, time});
+void ActivityRecord::succeeded(Kind kind, std::string_view text, std::int64_t time,
+                               std::string_view public_text) {
+  keep({.kind = kind, .ok = true, .write = true, .time = time, .text = text, .public_text = public_text});
 }
 
 void ActivityRecord::failed(Kind kind, std::string_view text, std::string_view error, std::int64_t time,
-                            bool write) {
-  std::string bytes;
-  bytes.reserve(text.size() + error.size());
-  bytes.append(text).append(error);
+                            bool write, std::string_view public_text) {
   ++failures_;
-  keep({std::move(bytes), static_cast<std::uint32_t>(text.size()), kind, false, write, time});
+  keep({.kind = kind,
+        .ok = false,
+        .write = write,
+        .time = time,
+        .text = text,
+        .error = error,
+        .public_text = public_text});
 }
 
 ActivityRecord::Entry ActivityRecord::operator[](std::uint64_t number) const {
   const Held& held = entries_[number - first_];
   const std::string_view bytes = held.bytes;
-  return {held.kind,
-          held.ok,
-          held.write,
-          held.time,
-          bytes.substr(0, held.text_length),
-          bytes.substr(held.text_length)};
+  const std::string_view text = bytes.substr(0, held.text_length);
+  const std::string_view error = bytes.substr(held.text_length, held.error_length);
+  const std::string_view public_text = bytes.substr(text.size() + error.size());
+  return {held.kind, held.ok, held.write, held.time, text, error, public_text.empty() ? text : public_text};
 }
 
-void ActivityRecord::keep(Held entry) {
-  held_bytes_ += entry.bytes.size() + sizeof(Held);
-  entries_.push_back(std::move(entry));
+void ActivityRecord::keep(const Entry& entry) {
+  std::string bytes;
+  bytes.reserve(entry.text.size() + entry.error.size() + entry.public_text.size());
+  bytes.append(entry.text).append(entry.error).append(entry.public_text);
+  held_bytes_ += bytes.size() + sizeof(Held);
+  entries_.push_back({std::move(bytes), static_cast<std::uint32_t>(entry.text.size()),
+                      static_cast<std::uint32_t>(entry.error.size()), entry.kind, entry.ok, entry.write,
+                      entry.time});
   while (held_bytes_ > limit_ && entries_.size() > 1) {
     held_bytes_ -= entries_.front().bytes.size() + sizeof(Held);
     entries_.pop_front();

@@ -19,14 +19,17 @@ class ActivityRecord {
     bool write;         // else a read that failed
     std::int64_t time;  // seconds since 1970, UTC
     std::string_view text;
-    std::string_view error;  // empty if ok
+    std::string_view error = {};        // empty if ok
+    std::string_view public_text = {};  // `text` with its secrets hidden: for files and screens
   };
 
   // Keeps at most `limit` bytes of text; the oldest entries make room.
   explicit ActivityRecord(std::size_t limit = default_limit) : limit_(limit) {}
 
-  void succeeded(Kind kind, std::string_view text, std::int64_t time);
-  void failed(Kind kind, std::string_view text, std::string_view error, std::int64_t time, bool write);
+  // `public_text` is given where the text holds a secret.
+  void succeeded(Kind kind, std::string_view text, std::int64_t time, std::string_view public_text = {});
+  void failed(Kind kind, std::string_view text, std::string_view error, std::int64_t time, bool write,
+              std::string_view public_text = {});
 
   // Entries are numbered from 0 since the record was made; numbers first() to total() - 1 are
   // still held.
@@ -41,15 +44,16 @@ class ActivityRecord {
 
  private:
   struct Held {
-    std::string bytes;  // text, then error
+    std::string bytes;  // text, then error, then the public text if it is another
     std::uint32_t text_length;
+    std::uint32_t error_length;
     Kind kind;
     bool ok;
     bool write;
     std::int64_t time;
   };
 
-  void keep(Held entry);
+  void keep(const Entry& entry);
 
   std::deque<Held> entries_;
   std::uint64_t first_ = 0;

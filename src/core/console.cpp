@@ -35,14 +35,14 @@ Console::Console(std::filesystem::path folder, Host& host, Clock clock)
       html_text_(*this) {}
 
 bool Console::attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
-                      const std::function<void()>& action) {
+                      const std::function<void()>& action, std::string_view public_text) {
   try {
     action();
   } catch (...) {
-    activity_.failed(kind, text, current_error(), seconds(), step == Step::write);
+    activity_.failed(kind, text, current_error(), seconds(), step == Step::write, public_text);
     return false;
   }
-  if (step == Step::write) activity_.succeeded(kind, text, seconds());
+  if (step == Step::write) activity_.succeeded(kind, text, seconds(), public_text);
   return true;
 }
 

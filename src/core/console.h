@@ -49,10 +49,11 @@ class Console {
   std::chrono::system_clock::time_point now() const { return clock_(); }
 
   // Runs one step. It never throws and tells whether the step worked. A step that failed is
-  // recorded with its error; one that worked is recorded if it is a `write`.
+  // recorded with its error; one that worked is recorded if it is a `write`. `public_text` is given
+  // where the text holds a secret.
   enum class Step { read, write };
   bool attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
-               const std::function<void()>& action);
+               const std::function<void()>& action, std::string_view public_text = {});
 
   // Records what escaped from a handler; called while the exception is being handled.
   void record_escaped(std::string_view where);

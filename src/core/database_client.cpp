@@ -49,10 +49,12 @@ void DatabaseClient::drop_database() {
 }
 
 bool DatabaseClient::execute(const Statement& statement) {
-  return attempt_write(Kind::sql, statement.text(), [&] {
+  const std::string public_text = statement.has_secrets() ? statement.public_text() : std::string();
+  const auto run = [&] {
     if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
     conn->execute(statement);
-  });
+  };
+  return attempt_write(Kind::sql, statement.text(), run, public_text);
 }
 
 std::optional<OptionValue> DatabaseClient::read_option(std::string_view key) {
@@ -192,9 +194,10 @@ bool DatabaseClient::attempt_read(Kind kind, std::string_view text, const std::f
   return console_.attempt(kind, text, Step::read, action);
 }
 
-bool DatabaseClient::attempt_write(Kind kind, std::string_view text, const std::function<void()>& action) {
+bool DatabaseClient::attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,
+                                   std::string_view public_text) {
   if (conn) console_.wrote_to(conn);
-  return console_.attempt(kind, text, Step::write, action);
+  return console_.attempt(kind, text, Step::write, action, public_text);
 }
 
 }  // namespace zrl

@@ -114,7 +114,8 @@ class DatabaseClient {
   Database& component_or_throw() const;
   bool answered_step(std::string_view text, const std::function<bool()>& call);
   bool attempt_read(ActivityRecord::Kind kind, std::string_view text, const std::function<void()>& action);
-  bool attempt_write(ActivityRecord::Kind kind, std::string_view text, const std::function<void()>& action);
+  bool attempt_write(ActivityRecord::Kind kind, std::string_view text, const std::function<void()>& action,
+                     std::string_view public_text = {});
 
   Console& console_;
 };

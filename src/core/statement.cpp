@@ -24,19 +24,22 @@ Statement& Statement::append(const Value& value) {
     if (inside_quotes_) fault_ = "a number stands inside quotes";
     if (!to_number(value.text)) fault_ = "syntax error: not a number";
   }
+  if (value.secret) secrets_ = static_cast<std::uint16_t>(secrets_ | 1u << value_count_);
   skeleton_ += static_cast<char>(value.kind);
   values_ += value.text;
   ends_[value_count_++] = static_cast<std::uint32_t>(values_.size());
   return *this;
 }
 
-std::string Statement::text() const {
+std::string Statement::written(Secrets secrets) const {
   std::string result;
   result.reserve(skeleton_.size() + values_.size());
   std::size_t next = 0;
   for (const char c : skeleton_) {
     if (c == static_cast<char>(Value::Kind::text) || c == static_cast<char>(Value::Kind::number)) {
-      result += value_at(next++);
+      const bool hide = secrets == Secrets::hidden && (secrets_ >> next & 1u) != 0;
+      result += hide ? "********" : value_at(next);
+      ++next;
     } else {
       result += c;
     }

@@ -29,11 +29,17 @@ class Value {
 
   Kind kind;
   std::string_view text;
+  bool secret = false;
 };
 
 // Data that stands between single quotes in the statement.
 inline Value value(std::string_view text) {
   return {Value::Kind::text, text};
+}
+
+// The same for a password: it reaches the database as it is, and public_text() hides it.
+inline Value secret(std::string_view text) {
+  return {Value::Kind::text, text, true};
 }
 
 // Data that stands without quotes. A text that is no whole number makes the statement malformed.
@@ -62,7 +68,10 @@ class Statement {
   Statement& append(const Value& value);
 
   // The statement as one text, values in their places.
-  std::string text() const;
+  std::string text() const { return written(Secrets::shown); }
+  // The same with asterisks for each secret, whatever its length: for files and screens.
+  std::string public_text() const { return written(Secrets::hidden); }
+  bool has_secrets() const { return secrets_ != 0; }
   bool empty() const { return skeleton_.empty(); }
 
   // Why the statement must not be executed; empty if it may.
@@ -75,9 +84,13 @@ class Statement {
   std::string_view value_at(std::size_t index) const;
 
  private:
+  enum class Secrets : bool { hidden, shown };
+  std::string written(Secrets secrets) const;
+
   std::string skeleton_;
   std::string values_;
   std::array<std::uint32_t, max_values> ends_{};
+  std::uint16_t secrets_ = 0;  // a bit a value
   std::uint8_t value_count_ = 0;
   bool inside_quotes_ = false;
   const char* fault_ = "";

@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 
 #include "components/block_lists/block_list_components.h"
+#include "components/checks/check_components.h"
 #include "components/directory/directory_components.h"
 #include "components/dns/cares_client.h"
 #include "components/downloader/downloader_components.h"
@@ -55,6 +56,14 @@ DirectorySettings directory_settings(Console& console) {
   settings.serve = [&console] { console.host().process_events(); };
   settings.report = [&console](const Progress& progress) { console.host().show_progress(progress); };
   return settings;
+}
+
+CheckSurroundings check_surroundings(Console& console) {
+  return {[&console] { return console.components().create<Database>(); },
+          [&console] { return data_provider(console); },
+          [&console](std::string_view entry, std::string_view text) {
+            return console.pattern_matcher().regex_match(entry, text);
+          }};
 }
 
 DownloaderSettings downloader_settings(Console& console) {
@@ -131,6 +140,9 @@ void register_components(Console& console) {
                               [&console] { return make_uri_check(block_list_settings(console)); });
 
   components.add<ServiceManager>([] { return make_service_manager({.run = program_output}); });
+  components.add<PluginHost>(make_plugin_transport_factory(components));
+  components.add<CheckPlugin>(checks::body_stream, make_body_check_factory(check_surroundings(console)));
+  components.add<CheckPlugin>(checks::subject, make_subject_check_factory(check_surroundings(console)));
 
   components.add<MailMessage>([&console] {
     return make_mail_message({

@@ -21,6 +21,10 @@
 #include "pages/logs/predatalog_page.h"
 #include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
+#include "pages/settings/pop_config_page.h"
+#include "pages/settings/strings_page.h"
+#include "pages/tools/keyword_tester_page.h"
+#include "pages/tools/regex_tester_page.h"
 #include "scripting/script_engine_page.h"
 #include "service/service_control_page.h"
 
@@ -29,6 +33,8 @@ namespace zrl {
 std::span<const PageEntry> page_catalogue() {
   static constexpr PageEntry entries[] = {
       {"general", "Settings", "General", make_page<GeneralPage>},
+      {"strings", "Settings", "Reply texts", make_page<StringsPage>},
+      {"pop_config", "Settings", "POP3 accounts", make_page<PopConfigPage>},
       {"domainbw", "Lists", "Domains", make_page<DomainPage>},
       {"ipbw", "Lists", "IP numbers", make_page<IpPage>},
       {"subnets", "Lists", "Subnets", make_page<SubnetPage>},
@@ -48,6 +54,8 @@ std::span<const PageEntry> page_catalogue() {
       {"monitor", "Logs", "Mail archive", make_page<MonitorPage>},
       {"stati", "Logs", "Statistics", make_page<StatiPage>},
       {"ScriptEngine", "Scripts", "Script engine", make_page<ScriptEnginePage>},
+      {"keywordtester", "Test tools", "Keyword tester", make_page<KeywordTesterPage>},
+      {"regEx", "Test tools", "Regular expression tester", make_page<RegexTesterPage>},
       {"ServiceControl", "Service", "Service control", make_page<ServiceControlPage>},
   };
   return entries;

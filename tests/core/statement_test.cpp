@@ -43,5 +43,14 @@ TEST(Statement, ValuesBelongInsideQuotesAndNumbersOutside) {
   EXPECT_EQ(("entry='*@" + value("x") + "'").fault(), "");
 }
 
+TEST(Statement, SecretsAreInItsTextAndNotInItsPublicText) {
+  const Statement update =
+      "UPDATE pop3 set [password]='" + secret("pa55") + "' where entry='" + value("me,host") + "'";
+  EXPECT_EQ(update.fault(), "");
+  EXPECT_EQ(update.text(), "UPDATE pop3 set [password]='pa55' where entry='me,host'");
+  EXPECT_EQ(update.public_text(), "UPDATE pop3 set [password]='********' where entry='me,host'");
+  EXPECT_NE(("='" + secret("O'Neil") + "'").fault(), "");
+}
+
 }  // namespace
 }  // namespace zrl

@@ -70,6 +70,12 @@ void print_items(std::ostream& out, const StringList& items, std::int64_t index)
   }
 }
 
+// A password that is there.
+bool hides(const Control& control) {
+  const auto& field = static_cast<const TextField&>(control);
+  return field.style().secret && !field.text().empty();
+}
+
 // What a control holds, in one line; lists follow it with their items.
 void print_control(std::ostream& out, const Control& control) {
   const auto text = [&](Property property) {
@@ -88,7 +94,7 @@ void print_control(std::ostream& out, const Control& control) {
       out << "<" << text(Property::caption) << ">";
       break;
     case ControlKind::text_field:
-      out << '"' << text(Property::text) << '"';
+      out << '"' << (hides(control) ? "********" : text(Property::text)) << '"';
       break;
     case ControlKind::timer:
       out << "every " << number(Property::interval) << " ms";
@@ -118,7 +124,7 @@ void print_activity(std::ostream& out, const ActivityRecord& activity) {
   for (std::uint64_t i = activity.first(); i < activity.total(); ++i) {
     const ActivityRecord::Entry entry = activity[i];
     out << (entry.ok ? "  done    " : "  failed  ") << std::left << std::setw(10) << name_of(entry.kind)
-        << short_text(entry.text);
+        << short_text(entry.public_text);
     if (!entry.ok) out << ": " << printable(entry.error);
     out << '\n';
   }

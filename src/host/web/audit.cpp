@@ -43,7 +43,7 @@ std::uint64_t AuditLog::append(const ActivityRecord& record, std::uint64_t from,
     if (!entry.write) continue;
     lines += begin_line(entry.time, page);
     lines.append(name_of(entry.kind)).append("\t").append(entry.ok ? "ok" : "failed").append("\t");
-    lines += field(entry.text);
+    lines += field(entry.public_text);
     if (!entry.ok) lines += "\t" + field(entry.error);
     lines += '\n';
     if (lines.size() > block) {

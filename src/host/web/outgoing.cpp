@@ -47,7 +47,7 @@ json::array entries_json(const ActivityRecord& record, std::uint64_t from, std::
     const ActivityRecord::Entry entry = record[from];
     entries.push_back(json::object{{"time", time_of_day(entry.time)},
                                    {"kind", name_of(entry.kind)},
-                                   {"text", valid_part(entry.text, longest_entry)},
+                                   {"text", valid_part(entry.public_text, longest_entry)},
                                    {"ok", entry.ok},
                                    {"error", valid_part(entry.error, longest_entry)}});
   }

@@ -143,5 +143,11 @@ TEST_F(CommandTest, PeopleGetNothingThatTheirTerminalObeys) {
   EXPECT_LT(out.size(), 10'000u);
 }
 
+TEST_F(CommandTest, PeopleDoNotSeePasswords) {
+  EXPECT_EQ(run({"do", "pop_config", "username=me", "server=pop.example", "password=pa55", "addmod"}), 0);
+  EXPECT_THAT(out, HasSubstr("set [password]='********' where"));
+  EXPECT_THAT(out, testing::Not(HasSubstr("pa55")));
+}
+
 }  // namespace
 }  // namespace zrl::command

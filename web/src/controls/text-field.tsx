@@ -17,6 +17,11 @@ export function putText(input: HTMLInputElement | HTMLTextAreaElement, text: str
   input.scrollTop = scrollTop
 }
 
+/** What stands in the input. A text area has its line ends as line feeds; the console's are CR LF, as in what it stores. */
+function textOf(input: HTMLInputElement | HTMLTextAreaElement): string {
+  return input instanceof HTMLTextAreaElement ? input.value.replace(/\n/g, '\r\n') : input.value
+}
+
 /** The element's types tell the two apart, though its attributes are the same for both. */
 export const fieldType = (hidden: boolean): 'text' => (hidden ? 'password' : 'text') as 'text'
 
@@ -38,7 +43,7 @@ export function TextField({ control }: { control: ControlModel }) {
     autocomplete: shown.secret ? 'new-password' : 'off',
     autocapitalize: 'off' as const,
     dir: 'auto' as const,
-    onInput: (event: Event) => control.type((event.currentTarget as HTMLInputElement).value),
+    onInput: (event: Event) => control.type(textOf(event.currentTarget as HTMLInputElement | HTMLTextAreaElement)),
     ...naming(control, shown),
   }
   const fixed = shown.fixedPitch ? ' fixed-pitch' : ''

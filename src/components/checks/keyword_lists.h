@@ -1,0 +1,28 @@
+#pragma once
+
+#include "components/checks/check_components.h"
+
+namespace zrl {
+
+// The lists and switches of the database, read over a connection of its own. All operations raise
+// zrl::Error if they can't be read.
+class KeywordLists {
+ public:
+  explicit KeywordLists(const CheckSurroundings& surroundings)
+      : database_(surroundings.database()), conn_(database_->open_database(surroundings.provider())) {}
+
+  StringList entries(Literal table) {
+    StringList result = database_->get_db_array(conn_, table, "entry", Statement("entry<>''"));
+    if (!result.empty()) result.pop_back();  // the element beyond the rows
+    return result;
+  }
+
+  // 0 if there is no such option.
+  int number(std::string_view option) { return database_->read_option(option, conn_).to_int16(); }
+
+ private:
+  std::shared_ptr<Database> database_;
+  ConnectionHandle conn_;
+};
+
+}  // namespace zrl

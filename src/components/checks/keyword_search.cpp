@@ -1,0 +1,64 @@
+#include "components/checks/keyword_search.h"
+
+#include "core/error.h"
+#include "core/list_entry.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t longest_text = std::size_t{16} << 20;
+constexpr std::size_t longest_answer = 200;
+
+void replace_all(std::string& text, std::string_view what, char by) {
+  for (std::size_t at = text.find(what); at != text.npos; at = text.find(what, at + 1)) {
+    text.replace(at, what.size(), 1, by);
+  }
+}
+
+// The words that an entry stands for, in small letters: lists hold quotation marks as escapes.
+std::string words_of(std::string_view entry) {
+  std::string words = lower(entry);
+  if (words.find("\\x2") == words.npos) return words;
+  replace_all(words, "\\x22", '"');
+  replace_all(words, "\\x27", '\'');
+  return words;
+}
+
+std::string shortened(std::string_view text) {
+  return valid_utf8(text.substr(0, longest_answer)) + (text.size() > longest_answer ? "..." : "");
+}
+
+}  // namespace
+
+KeywordSearch::KeywordSearch(std::string_view text, const Match& match, std::chrono::milliseconds longest)
+    : text_(text.substr(0, longest_text)), index_(lower(text_)), match_(match), longest_(longest) {}
+
+std::string KeywordSearch::find(const StringList& entries) const {
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const std::string_view entry = entries[i];
+    if (entry.empty() || is_regex_entry(entry)) continue;
+    if (index_.contains(words_of(entry))) return shortened(entry);
+  }
+  return find_regex(entries);
+}
+
+std::string KeywordSearch::find_regex(const StringList& entries) const {
+  const Clock::time_point deadline = Clock::now() + longest_;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const std::string_view entry = entries[i];
+    if (!is_regex_entry(entry)) continue;
+    if (Clock::now() > deadline) {
+      throw Error(error_number::invalid_call,
+                  "the regular expressions took too long from " + shortened(entry) + " on");
+    }
+    const std::string found = match_(entry, text_);
+    if (!found.empty()) return shortened(entry) + " (" + shortened(found) + ")";
+  }
+  return {};
+}
+
+}  // namespace zrl

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace zrl {
+
+// The body of the first Subject field of a header (RFC 5322), unfolded, without blanks at its ends and
+// as it stands otherwise; empty if there is none. The header ends at its first empty line.
+std::string subject_of(std::string_view header);
+
+// The most blanks (spaces and tabs) that stand in a row.
+std::size_t longest_run_of_blanks(std::string_view text);
+
+}  // namespace zrl

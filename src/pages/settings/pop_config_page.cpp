@@ -1,0 +1,165 @@
+#include "pages/settings/pop_config_page.h"
+
+#include "core/error.h"
+#include "core/mail_directories.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+constexpr std::string_view default_interval = "5";
+constexpr std::string_view spam_tag = "[SPAM]";
+// The mail server's instance whose folders take the place of missing ones.
+constexpr unsigned mail_server_instance = 1;
+
+// What the service can't use is stored as empty, which switches that way of delivery off.
+
+std::string_view accepted_pickup(std::string_view folder) {
+  return folder.find(':') == folder.npos ? std::string_view() : folder;
+}
+
+std::string_view accepted_address(std::string_view address) {
+  return address.find('@') == address.npos ? std::string_view() : address;
+}
+
+std::string_view accepted_badmail(std::string_view folder) {
+  const bool on_network = folder.starts_with("\\\\");
+  const bool on_drive = folder.size() >= 3 && folder.substr(1, 2) == ":\\";
+  return on_network || on_drive ? folder : std::string_view();
+}
+
+}  // namespace
+
+PopConfigPage::PopConfigPage(Console& console) : Page(console, "pop_config", "POP3 accounts") {
+  bind_switches({{enable_pop3, "enable_pop3"}});
+  setpoptime.on_click = [this] { store_interval(); };
+  userlist.on_click = [this] { show_account(); };
+  addmod.on_click = [this] { save_account(); };
+  deletea.on_click = [this] { delete_account(); };
+  clearnew.on_click = [this] { start_account(); };
+
+  set_layout(row({
+      grow(column({
+          frame(Frame1, column({enable_pop3, row({poptime, setpoptime})})),
+          grow(frame(Frame2, column({grow(userlist), row({clearnew, deletea})}))),
+      })),
+      grow(column({
+          frame(Frame3, column({grid({username, server, password, maxsize}), grid({leave, scan})})),
+          frame(Frame4, grid({subm, forward})),
+          frame(Frame5,
+                column({grid({tagging, subjectdelete, spamtobadmail}), grid({spamforward, badmail})})),
+          row({addmod}),
+      })),
+  }));
+}
+
+void PopConfigPage::load() {
+  load_switch(enable_pop3);
+  const auto interval = read_option("poptime");
+  poptime.set_text(interval && !interval->empty() ? std::string_view(interval->text) : default_interval);
+  fill_list();
+}
+
+void PopConfigPage::fill_list() {
+  fill(userlist, "pop3", "entry");
+}
+
+// As the table names the account of the form.
+std::string PopConfigPage::account() const {
+  return username.text() + "," + server.text();
+}
+
+// Emptied first, so that what cannot be read is never another account's.
+void PopConfigPage::show_account() {
+  const std::string entry(userlist.chosen());
+  empty_form();
+  // A server's name holds no comma, a user's name may.
+  const std::size_t comma = entry.rfind(',');
+  username.set_text(entry.substr(0, comma));
+  if (comma != entry.npos) server.set_text(entry.substr(comma + 1));
+
+  const auto row =
+      open("SELECT * FROM pop3 where entry='" + value(entry) + "'", Connection::Access::read_only);
+  if (!row || row->at_end()) return;
+  leave.set_checked(row->number("leave") != 0);
+  spamtobadmail.set_checked(row->number("spamtobadmail") != 0);
+  subjectdelete.set_checked(row->number("subjectdelete") != 0);
+  maxsize.set_text(row->is_null("maxsize") ? "0" : row->text("maxsize"));
+  scan.set_checked(row->number("scan") != 0);
+  subm.set_text(row->text("submit"));
+  forward.set_text(row->text("forward"));
+  spamforward.set_text(row->text("spamforward"));
+  badmail.set_text(row->text("badmail"));
+  password.set_text(row->text("password"));
+  tagging.set_checked(!row->text("tag").empty());
+}
+
+// The table refuses a second row of the same name, so for an account that is there the first
+// statement fails and the others do the work.
+void PopConfigPage::save_account() {
+  if (username.text().empty() || server.text().empty()) return;
+  const std::string entry = account();
+  const auto set_number = [&](Literal column, std::string_view text) {
+    execute("UPDATE pop3 set " + column + "=" + number(text) + " where entry='" + value(entry) + "'");
+  };
+  const auto set_switch = [&](Literal column, const CheckBox& box) {
+    set_number(column, box.checked() ? "1" : "0");
+  };
+  const auto set_text = [&](Literal column, const Value& text) {
+    execute("UPDATE pop3 set " + column + "='" + text + "' where entry='" + value(entry) + "'");
+  };
+
+  execute(insert_into("pop3", "entry", entry));
+  set_switch("leave", leave);
+  set_switch("spamtobadmail", spamtobadmail);
+  set_switch("subjectdelete", subjectdelete);
+  if (!maxsize.text().empty()) set_number("maxsize", maxsize.text());
+  set_switch("scan", scan);
+  set_text("submit", value(accepted_pickup(subm.text())));
+  set_text("forward", value(accepted_address(forward.text())));
+  set_text("spamforward", value(accepted_address(spamforward.text())));
+  set_text("badmail", value(accepted_badmail(badmail.text())));
+  set_text("[password]", secret(password.text()));
+  set_text("tag", value(tagging.checked() ? spam_tag : std::string_view()));
+  store_directories();
+  fill_list();
+}
+
+// Where an account names no folder, the service takes the common one: the mail server's own.
+void PopConfigPage::store_directories() {
+  const SmtpDirectories own = smtp_directories(console(), mail_server_instance);
+  if (badmail.text().empty() && !own.bad_mail.empty()) set_string("badmail", own.bad_mail);
+  if (subm.text().empty() && !own.pickup.empty()) set_string("pickup", own.pickup);
+}
+
+void PopConfigPage::delete_account() {
+  execute(delete_from("pop3", "entry", account()));
+  fill_list();
+}
+
+void PopConfigPage::start_account() {
+  userlist.set_index(-1);
+  empty_form();
+}
+
+void PopConfigPage::empty_form() {
+  for (TextField* field :
+       {&username, &server, &password, &maxsize, &subm, &forward, &spamforward, &badmail}) {
+    field->set_text("");
+  }
+  for (CheckBox* box : {&leave, &scan, &tagging, &subjectdelete, &spamtobadmail}) box->set_checked(false);
+}
+
+void PopConfigPage::store_interval() {
+  std::int16_t minutes = 0;
+  const bool is_number = console().attempt(ActivityRecord::Kind::option,
+                                           "set_option poptime=" + poptime.text(), Console::Step::read, [&] {
+                                             if (trim(poptime.text()).empty())
+                                               throw Error(error_number::type_mismatch, "no number");
+                                             minutes = OptionValue{poptime.text()}.to_int16();
+                                           });
+  if (is_number) set_option("poptime", minutes);
+}
+
+}  // namespace zrl

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "core/check_plugin.h"
+#include "core/page.h"
+
+namespace zrl {
+
+// Sends a sample text through the service's own checks and shows what they answer.
+class KeywordTesterPage : public Page {
+ public:
+  explicit KeywordTesterPage(Console& console);
+
+  TextField Text1{*this, "Text1", "The text to check, as a mail would hold it", {.multi_line = true}};
+  Label Label2{*this, "Label2", "Sample text", Text1};
+  Button Command1{
+      *this, "Command1", "Test as message body",
+      "Looks for the body keywords, and if there are none, for host names that are on a block list"};
+  Button Command2{*this, "Command2", "Test as subject",
+                  "Checks the text as a subject: the subject keywords, the subject white list if it is used, "
+                  "and the rules for conspicuous subjects that are switched on"};
+  Frame Frame1{*this, "Frame1", "Result"};
+  Label Label1{*this, "Label1", "", "What the checks found; empty if they found nothing"};
+
+ private:
+  void load() override;
+  void hide() override { plugins_.reset(); }
+
+  void test_body();
+  void test_subject();
+  std::string ask(std::string_view check, std::string_view position);
+
+  std::shared_ptr<PluginHost> plugins_;
+};
+
+}  // namespace zrl
