@@ -49,9 +49,8 @@ bool is_border(char c) {
 // The whole of `digits` as a number; none if it is not one or does not fit.
 std::optional<std::uint32_t> number_of(std::string_view digits, int base) {
   std::uint32_t number = 0;
-  const char* end = digits.data() + digits.size();
-  const auto [stop, fault] = std::from_chars(digits.data(), end, number, base);
-  if (digits.empty() || fault != std::errc() || stop != end) return std::nullopt;
+  const auto [stop, fault] = std::from_chars(digits.data(), digits.data() + digits.size(), number, base);
+  if (digits.empty() || fault != std::errc() || stop != digits.data() + digits.size()) return std::nullopt;
   return number;
 }
 

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <set>
 
 #include <ares.h>
@@ -108,24 +107,23 @@ Listings::Listings(const BlockListSettings& settings, const std::vector<std::str
     : zones_(zones.size()), listed_(names.size() * zones.size()) {
   if (listed_.empty()) return;
   DnsQueries queries(settings.dns);
-  std::vector<std::optional<std::size_t>> query_of(listed_.size());
+  std::vector<std::size_t> asked;  // for each query, its place in listed_
   std::vector<std::string> problems(zones.size());
-  std::size_t started = 0;
   for (std::size_t i = 0; i < listed_.size(); ++i) {
     const std::string name = names[i / zones_] + "." + zones[i % zones_];
     if (name.size() > longest_domain_name) {
       problems[i % zones_] = "too long for a query: " + name;
       continue;
     }
-    query_of[i] = queries.start(name, type_address);
-    if (++started % starts_between_pauses == 0) queries.pause();
+    queries.start(name, type_address);
+    asked.push_back(i);
+    if (asked.size() % starts_between_pauses == 0) queries.pause();
   }
   queries.finish();
-  for (std::size_t i = 0; i < listed_.size(); ++i) {
-    if (!query_of[i]) continue;
-    Verdict verdict = verdict_on(queries[*query_of[i]]);
-    listed_[i] = verdict.listed;
-    if (!verdict.problem.empty()) problems[i % zones_] = std::move(verdict.problem);
+  for (std::size_t query = 0; query < asked.size(); ++query) {
+    Verdict verdict = verdict_on(queries[query]);
+    listed_[asked[query]] = verdict.listed;
+    if (!verdict.problem.empty()) problems[asked[query] % zones_] = std::move(verdict.problem);
   }
   for (std::size_t zone = 0; zone < zones_; ++zone) {
     if (!problems[zone].empty()) settings.report(zones[zone], problems[zone]);
