@@ -1,5 +1,5 @@
 // Runs each program in the script engine and in Lua, in turn, and prints the best times as ratios with
-// their goals; then what a call and the loading of scripts cost.
+// their goals; then what a call, the loading of scripts, and a whole position cost.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -11,6 +11,7 @@
 #include <string>
 
 #include "components/pcre2/pcre2_regexp.h"
+#include "position.h"
 #include "scripting/vbscript/engine.h"
 
 namespace {
@@ -132,6 +133,7 @@ int main() {
     compare("expressions", 2);
     measure_call();
     measure_loading();
+    zrl::bench::measure_position();
   } catch (const zrl::vbs::ScriptError& error) {
     std::fprintf(stderr, "%s(%zu): %s\n", error.name.c_str(), error.line, error.description.c_str());
     return 1;

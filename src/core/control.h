@@ -46,8 +46,9 @@ enum class Property : std::uint8_t {
   max,
   enabled,
   visible,
+  marks,  // only counted in revisions; get() knows it not
 };
-inline constexpr std::size_t property_count = 11;
+inline constexpr std::size_t property_count = 12;
 
 // "caption", "toolTip", ... as hosts print it.
 std::string_view name_of(Property property);

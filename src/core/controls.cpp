@@ -34,6 +34,12 @@ void TextField::set_text(std::string_view text) {
   form().run(on_change);
 }
 
+void TextField::set_marks(std::vector<Mark> marks) {
+  if (marks_ == marks) return;
+  marks_ = std::move(marks);
+  changed(Property::marks);
+}
+
 void TextField::user_type(std::string_view text) {
   require_usable();
   set_text(text);

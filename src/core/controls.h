@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/control.h"
 #include "core/string_list.h"
@@ -59,6 +60,17 @@ class TextField : public Control {
     std::string_view placeholder = {};
   };
 
+  // Something that is wrong with a source text.
+  struct Mark {
+    std::string name;        // of the text that has it
+    std::size_t line = 0;    // from 1; 0 where there is no place
+    std::size_t column = 0;  // from 1, in 16-bit units
+    std::string text;
+    bool elsewhere = false;  // in another text than the field's
+
+    bool operator==(const Mark&) const = default;
+  };
+
   TextField(Form& form, std::string_view name, std::string_view tool_tip, const Style& style);
   TextField(Form& form, std::string_view name, std::string_view tool_tip)
       : TextField(form, name, tool_tip, Style{}) {}
@@ -69,6 +81,10 @@ class TextField : public Control {
   void set_text(std::string_view text);
   const Style& style() const { return style_; }
 
+  // Hosts show the marks of a field with the style `source` until others are set; typing keeps them.
+  const std::vector<Mark>& marks() const { return marks_; }
+  void set_marks(std::vector<Mark> marks);
+
   void user_type(std::string_view text) override;
 
  private:
@@ -76,6 +92,7 @@ class TextField : public Control {
 
   std::string text_;
   Style style_;
+  std::vector<Mark> marks_;
 };
 
 class CheckBox : public CaptionedControl {

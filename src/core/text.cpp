@@ -112,6 +112,12 @@ std::string valid_utf8(std::string_view text) {
   return result;
 }
 
+std::string beginning_of(std::string_view text, std::size_t limit) {
+  if (text.size() <= limit) return valid_utf8(text);
+  while (limit > 0 && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80U) --limit;
+  return valid_utf8(text.substr(0, limit));
+}
+
 namespace {
 
 // U+202A to U+202E and U+2066 to U+2069 change the direction of what follows them.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -27,6 +28,8 @@ std::optional<std::int64_t> to_number(std::string_view text);
 // `text` with every byte sequence that is not well-formed UTF-8 (RFC 3629) replaced by U+FFFD.
 std::string valid_utf8(std::string_view text);
 bool is_valid_utf8(std::string_view text);
+// The same of at most `limit` bytes of `text`; a character that is cut in two is dropped.
+std::string beginning_of(std::string_view text, std::size_t limit);
 
 // `text` for a terminal: control characters (C0, DEL, C1), those that turn the direction of
 // writing, and bytes that are not UTF-8 are written as \xNN, so that no text can move the cursor or

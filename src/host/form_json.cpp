@@ -1,7 +1,5 @@
 #include "host/form_json.h"
 
-#include <boost/json/array.hpp>
-
 #include "core/text.h"
 
 namespace zrl {
@@ -25,6 +23,18 @@ boost::json::value to_json(const PropertyValue& value) {
   return array;
 }
 
+boost::json::array marks_json(const TextField& field) {
+  boost::json::array marks;
+  for (const TextField::Mark& mark : field.marks()) {
+    marks.push_back({{"name", text_json(mark.name)},
+                     {"line", mark.line},
+                     {"column", mark.column},
+                     {"text", text_json(mark.text)},
+                     {"elsewhere", mark.elsewhere}});
+  }
+  return marks;
+}
+
 boost::json::object controls_json(const Form& form) {
   boost::json::object controls;
   for (const Control* control : form.controls()) {
@@ -32,6 +42,10 @@ boost::json::object controls_json(const Form& form) {
     properties["kind"] = name_of(control->kind());
     for (const Property property : properties_of(control->kind())) {
       properties[name_of(property)] = to_json(control->get(property));
+    }
+    if (control->kind() == ControlKind::text_field) {
+      const auto& field = static_cast<const TextField&>(*control);
+      if (!field.marks().empty()) properties["marks"] = marks_json(field);
     }
     controls[control->name()] = std::move(properties);
   }

@@ -25,6 +25,7 @@
 #include "pages/settings/strings_page.h"
 #include "pages/tools/keyword_tester_page.h"
 #include "pages/tools/regex_tester_page.h"
+#include "pages/settings/spf_page.h"
 #include "scripting/script_engine_page.h"
 #include "service/service_control_page.h"
 
@@ -34,6 +35,7 @@ std::span<const PageEntry> page_catalogue() {
   static constexpr PageEntry entries[] = {
       {"general", "Settings", "General", make_page<GeneralPage>},
       {"strings", "Settings", "Reply texts", make_page<StringsPage>},
+      {"spf", "Settings", "SPF and Caller-ID", make_page<SpfPage>},
       {"pop_config", "Settings", "POP3 accounts", make_page<PopConfigPage>},
       {"domainbw", "Lists", "Domains", make_page<DomainPage>},
       {"ipbw", "Lists", "IP numbers", make_page<IpPage>},

@@ -38,13 +38,6 @@ BoxStyle style_of(int buttons) {
   return icon == information_icon ? BoxStyle::information : BoxStyle::plain;
 }
 
-// As much as a box shows; a character that is cut in two is dropped.
-std::string for_box(std::string_view text, std::size_t limit) {
-  if (text.size() <= limit) return valid_utf8(text);
-  while (limit > 0 && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80U) --limit;
-  return valid_utf8(text.substr(0, limit));
-}
-
 constexpr std::size_t text_limit = 4096;
 constexpr std::size_t title_limit = 256;
 
@@ -79,7 +72,7 @@ bool ConsoleScriptHost::show_box(const std::string& text, int buttons, const std
                   "a script has shown " + std::to_string(box_limit) + " boxes; no more are shown");
     }
     reply = console_.host().message_box(
-        {for_box(title, title_limit), for_box(text, text_limit), style_of(buttons)});
+        {beginning_of(title, title_limit), beginning_of(text, text_limit), style_of(buttons)});
   });
   return reply == BoxReply::ok;
 }

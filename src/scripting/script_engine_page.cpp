@@ -88,7 +88,6 @@ void ScriptEnginePage::lay_out() {
                         inputbox,
                         row({executescript, outputlabel}),
                         row({Command1, Label4}),
-                        problems,
                     })),
       frame(Frame3, row({download, update})),
   }));
@@ -130,6 +129,7 @@ void ScriptEnginePage::ensure_script_table() {
 }
 
 void ScriptEnginePage::select() {
+  scriptsource.set_marks({});
   insertnew.set_enabled(false);
   deletefromdb.set_enabled(true);
   scriptsource.set_text("");
@@ -170,8 +170,19 @@ void ScriptEnginePage::save() {
   savechunk.set_enabled(false);
   store();
   if (runner_) runner_->loaddb();
-  write_text_file(console(), to_product_path(console().folder()) + "\\scripts", current_script_ + ".vbs",
-                  scriptsource.text());
+  mark_problems();
+  write_copy();
+}
+
+// What is in the editor belongs to no script as long as none is selected: there is no file to write.
+void ScriptEnginePage::write_copy() {
+  const std::string scripts = to_product_path(console().folder()) + "\\scripts";
+  if (current_script_.empty()) {
+    console().attempt(Kind::file, to_file_path(scripts).string(), Step::write,
+                      [] { throw Error(error_number::invalid_call, "no script is selected"); });
+    return;
+  }
+  write_text_file(console(), scripts, current_script_ + ".vbs", scriptsource.text());
 }
 
 void ScriptEnginePage::store() {
@@ -207,6 +218,7 @@ void ScriptEnginePage::remove() {
   execute(delete_from("scriptengine", "scriptname", current_script_));
   current_script_.clear();
   scriptsource.set_text("");
+  scriptsource.set_marks({});
   sposition.set_text("");
   fill_script_list();
 }
@@ -217,7 +229,7 @@ void ScriptEnginePage::run_script() {
   runner_->loaddb();
   const vbs::ScriptValue result = runner_->call_vbs(current_script_, test_input());
   outputlabel.set_caption(translate("The result of your script is: ") + result.text);
-  show_problems();
+  mark_problems();
 }
 
 void ScriptEnginePage::run_position() {
@@ -226,7 +238,7 @@ void ScriptEnginePage::run_position() {
   runner_->load_into_engine(conn, upper(sposition.text()));
   const std::int32_t sum = runner_->call_all(test_input(), sposition.text());
   Label4.set_caption(translate("The result of your scripts are: ") + std::to_string(sum));
-  show_problems();
+  mark_problems();
 }
 
 void ScriptEnginePage::update_database() {
@@ -245,13 +257,15 @@ std::string ScriptEnginePage::test_input() const {
   return result;
 }
 
-void ScriptEnginePage::show_problems() {
-  std::string lines;
-  for (const ScriptRunner::Problem& problem : runner_->problems()) {
-    if (!lines.empty()) lines += '\n';
-    lines += problem.description();
+void ScriptEnginePage::mark_problems() {
+  std::vector<TextField::Mark> marks;
+  if (runner_) {
+    for (const ScriptRunner::Problem& problem : runner_->problems()) {
+      marks.push_back(
+          {problem.script, problem.line, problem.column, problem.text, problem.script != current_script_});
+    }
   }
-  problems.set_caption(lines);
+  scriptsource.set_marks(std::move(marks));
 }
 
 bool ScriptEnginePage::read_step(std::string_view text, const std::function<void()>& action) {

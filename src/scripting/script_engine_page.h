@@ -55,8 +55,6 @@ class ScriptEnginePage : public Page {
       "Saves the script, runs all scripts of its position on the input, and adds their results up"};
   Label outputlabel{*this, "outputlabel", ""};
   Label Label4{*this, "Label4", ""};
-  // One problem a line: "name(line, column): text".
-  Label problems{*this, "problems", ""};
 
   Frame Frame3{*this, "Frame3", "Published scripts"};
   Button download{*this, "download", "Download from Server", "Fetches the files that the server publishes"};
@@ -78,6 +76,7 @@ class ScriptEnginePage : public Page {
   void create();
   void save();
   void store();
+  void write_copy();
   void remove();
   void run_script();
   void run_position();
@@ -85,7 +84,7 @@ class ScriptEnginePage : public Page {
 
   void changed() { savechunk.set_enabled(true); }
   std::string test_input() const;
-  void show_problems();
+  void mark_problems();
   bool read_step(std::string_view text, const std::function<void()>& action);
 
   std::unique_ptr<ScriptRunner> runner_;  // null while the page is not shown

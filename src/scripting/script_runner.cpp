@@ -18,6 +18,9 @@ using Step = Console::Step;
 
 constexpr std::string_view connection_box = "No Database Connection Possible (Script Engine COM Control)";
 
+// Of a problem; scripts choose the texts of their errors.
+constexpr std::size_t text_limit = 1024;
+
 // Scripts are counted in 16 bits.
 constexpr std::int64_t script_limit = std::numeric_limits<std::int16_t>::max();
 
@@ -102,7 +105,7 @@ std::int32_t ScriptRunner::call_all(std::string_view input, std::string_view pos
   std::int32_t sum = 0;
   std::int32_t value = 0;
   for (const Script& script : scripts_) {
-    if (lower(script.position) != lower(position)) continue;
+    if (!equals_ignoring_case(script.position, position)) continue;
     value = result_of(script.name, input).value_or(value);
     sum = sum_of(sum, value);
     log(script.name, value);
@@ -179,6 +182,7 @@ bool ScriptRunner::script_step(std::string_view what, std::string_view script,
 }
 
 void ScriptRunner::fail(Problem problem, int number) {
+  problem.text = beginning_of(problem.text, text_limit);
   const std::string description = problem.description();
   if (problems_.size() < problem_limit) problems_.push_back(std::move(problem));
   throw Error(number, description);

@@ -38,6 +38,14 @@ class ScriptEnginePageTest : public testing::Test,
     ASSERT_LT(index, page.scriptnamen.items().size()) << name;
     page.scriptnamen.user_choose(static_cast<std::int64_t>(index));
   }
+  static std::vector<std::string> marks(const ScriptEnginePage& page) {
+    std::vector<std::string> result;
+    for (const TextField::Mark& mark : page.scriptsource.marks()) {
+      result.push_back((mark.elsewhere ? "elsewhere: " : "") + mark.name + "(" + std::to_string(mark.line) +
+                       ", " + std::to_string(mark.column) + "): " + mark.text);
+    }
+    return result;
+  }
   std::string copy_of(std::string_view file) {
     const auto path = folder.path() / "scripts" / file;
     return std::filesystem::exists(path) ? read_file(path) : "none";
@@ -176,14 +184,45 @@ TEST_F(ScriptEnginePageTest, RunsOneScript) {
   page.inputbox.user_type("a\nb\r\nc");  // whose line ends are those of a mail then
   page.executescript.user_click();
   EXPECT_EQ(page.outputlabel.caption(), "The result of your script is: 7");
-  EXPECT_EQ(page.problems.caption(), "");
+  EXPECT_THAT(page.scriptsource.marks(), IsEmpty());
   EXPECT_THAT(stored("count"), HasSubstr("Len(input)"));  // saved first
   page.scriptsource.user_type("Function count(input)\n  count = 1 +\nEnd Function");
   page.executescript.user_click();
   EXPECT_EQ(page.outputlabel.caption(), "The result of your script is: ");
-  EXPECT_THAT(page.problems.caption(), StartsWith("count(2, "));
+  EXPECT_THAT(marks(page), ElementsAre(StartsWith("count(2, 14): "), StartsWith("count(0, 0): ")));
   EXPECT_THAT(activity(), Contains("failed: AddCode count"));
   EXPECT_TRUE(page.executescript.enabled());
+}
+
+// Saving compiles, and whatever is selected next has marks of its own.
+TEST_F(ScriptEnginePageTest, MarksWhatDoesNotCompile) {
+  create_table();
+  put("fine", "AV", 1, 1, returning("fine", "1"));
+  put("other", "AV", 1, 1, "Function other(");
+  ScriptEnginePage& page = shown();
+  choose(page, "fine");
+  page.scriptsource.user_type("Function fine(input)\r\n  If\r\nEnd Function");
+  EXPECT_THAT(marks(page), IsEmpty());
+  page.savechunk.user_click();
+  EXPECT_THAT(marks(page),
+              testing::UnorderedElementsAre(StartsWith("fine(2, "), StartsWith("elsewhere: other(1, ")));
+  choose(page, "other");
+  EXPECT_THAT(marks(page), IsEmpty());
+  page.scriptsource.user_type(returning("other", "2"));
+  page.savechunk.user_click();
+  EXPECT_THAT(marks(page), ElementsAre(StartsWith("elsewhere: fine(2, ")));
+  page.deletefromdb.user_click();
+  EXPECT_THAT(marks(page), IsEmpty());
+}
+
+TEST_F(ScriptEnginePageTest, WithNothingSelectedNothingIsSaved) {
+  ScriptEnginePage& page = shown();
+  page.scriptsource.user_type("' whose is this?");
+  forget_activity();
+  page.savechunk.user_click();
+  EXPECT_THAT(activity(), ElementsAre(StartsWith("failed: ")));  // and the user is told
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path() / "scripts"));
+  EXPECT_EQ(page.scriptsource.text(), "' whose is this?");
 }
 
 TEST_F(ScriptEnginePageTest, RunsAllScriptsOfThePosition) {
@@ -196,7 +235,7 @@ TEST_F(ScriptEnginePageTest, RunsAllScriptsOfThePosition) {
   page.Command1.user_click();
   EXPECT_EQ(page.Label4.caption(), "The result of your scripts are: 5");
   EXPECT_THAT(lines_of("Scripts.log"), SizeIs(3));
-  EXPECT_THAT(page.problems.caption(), StartsWith("bad(2, "));
+  EXPECT_THAT(marks(page), ElementsAre(StartsWith("elsewhere: bad(2, ")));
 }
 
 TEST_F(ScriptEnginePageTest, WithoutADatabaseNothingIsShownAndNothingBreaks) {

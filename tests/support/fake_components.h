@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/components.h"
+#include "core/dns_client.h"
 #include "core/error.h"
 #include "core/registry.h"
 #include "core/text.h"
@@ -88,6 +89,21 @@ class ShoutingTranslator : public Translator {
  private:
   Log& log_;
   std::string language_;
+};
+
+// Finds nothing.
+class FakeDnsClient : public DnsClient {
+ public:
+  std::string PTR_Query(std::string_view) override { throw Error(1, "no name"); }
+  std::string get_spf_records(std::string_view) override { return {}; }
+  std::string get_redirect(std::string_view) override { throw Error(1, "no record"); }
+  std::string get_cid_records(std::string_view) override { return {}; }
+  SenderCheck check_spf(std::string_view, std::string_view, std::string_view, std::string_view) override {
+    return {};
+  }
+  SenderCheck check_cid(std::string_view, std::string_view, std::string_view, std::string_view) override {
+    return {};
+  }
 };
 
 inline void add_registry(ComponentRegistry& components, MemoryRegistry::Store& store) {

@@ -5,6 +5,7 @@
 #include "core/dns_client.h"
 #include "core/error.h"
 #include "core/statement.h"
+#include "support/fake_components.h"
 
 namespace zrl::test {
 
@@ -20,7 +21,7 @@ inline Statement logged(Literal table, std::string_view address, std::string_vie
 }
 
 // Knows every address but 192.0.2.9.
-class FakeDns : public DnsClient {
+class FakeDns : public FakeDnsClient {
  public:
   std::string PTR_Query(std::string_view address) override {
     if (address == "192.0.2.9") throw Error(1, "no name");

@@ -154,7 +154,7 @@ export function makePages(german) {
       LM: label('Greeting'),
       multi: text('LM', { multiLine: true, text: 'Welcome.\nThis proxy refuses spam.' }),
       LF: label('Script'),
-      fixed: text('LF', { multiLine: true, fixedPitch: true, text: 'Function Check(mail)\n    If InStr(mail, "spam") Then\n        Check = True\n    End If\nEnd Function\n' }),
+      fixed: text('LF', { multiLine: true, fixedPitch: true, source: true, marks: [{ name: 'Check', line: 3, column: 9, text: 'Type mismatch', elsewhere: false }], text: 'Function Check(mail)\n    If InStr(mail, "spam") Then\n        Check = True\n    End If\nEnd Function\n' }),
       LD: label('Locked'),
       locked: text('LD', { text: 'cannot be changed', enabled: false }),
       LC: label('Editable choice'),

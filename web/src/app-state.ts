@@ -70,6 +70,8 @@ effect(() => {
   if (activity.open.value) untracked(() => toasts.clear())
 })
 
+// What was typed in the last moment before the tab is closed or loaded anew.
+addEventListener('pagehide', () => session.flush())
 addEventListener('online', () => connection.hurry())
 document.addEventListener('visibilitychange', () => {
   if (!document.hidden) connection.hurry()

@@ -51,6 +51,19 @@ export type Kind =
   | 'FolderList'
   | 'FileList'
 
+/** Something that is wrong with a source text. */
+export interface Mark {
+  /** Of the text that has it. */
+  name: string
+  /** From 1; 0 where there is no place. */
+  line: number
+  /** From 1, in 16-bit units. */
+  column: number
+  text: string
+  /** In another text than the control's. */
+  elsewhere: boolean
+}
+
 export interface Control {
   kind: Kind
   enabled: boolean
@@ -65,6 +78,7 @@ export interface Control {
   multiLine?: boolean
   counts?: boolean
   source?: boolean
+  marks?: Mark[]
   fixedPitch?: boolean
   secret?: boolean
   placeholder?: string

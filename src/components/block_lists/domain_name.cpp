@@ -1,12 +1,8 @@
 #include "components/block_lists/domain_name.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
-#include <span>
 
-#include <arpa/inet.h>
-
+#include "components/dns/ip_address.h"
 #include "core/text.h"
 
 namespace zrl {
@@ -32,23 +28,6 @@ bool has_labels(std::string_view name) {
   return is_label(name);
 }
 
-std::string reversed_bytes(std::span<const std::uint8_t> bytes) {
-  std::string name;
-  for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte) name += std::to_string(*byte) + ".";
-  name.pop_back();
-  return name;
-}
-
-std::string reversed_half_bytes(std::span<const std::uint8_t> bytes) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string name;
-  for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte) {
-    for (const unsigned half : {*byte % 16U, *byte / 16U}) name.append(1, digits[half]).append(1, '.');
-  }
-  name.pop_back();
-  return name;
-}
-
 }  // namespace
 
 std::string domain_name(std::string_view text) {
@@ -60,13 +39,10 @@ std::string domain_name(std::string_view text) {
 }
 
 std::string reversed_address(std::string_view text) {
-  const std::string address(trim(text));
-  std::array<std::uint8_t, 16> bytes{};
-  if (::inet_pton(AF_INET, address.c_str(), bytes.data()) == 1) {
-    return reversed_bytes(std::span(bytes).first(sizeof(in_addr)));
-  }
-  if (::inet_pton(AF_INET6, address.c_str(), bytes.data()) == 1) return reversed_half_bytes(bytes);
-  return {};
+  const auto address = IpAddress::parse(trim(text));
+  if (!address) return {};
+  const std::string name = address->reverse_name();
+  return name.substr(0, name.rfind(address->family() == IpAddress::Family::v4 ? ".in-addr" : ".ip6"));
 }
 
 }  // namespace zrl

@@ -15,7 +15,8 @@ inline constexpr std::size_t longest_domain_name = 253;
 std::string domain_name(std::string_view text);
 
 // An IPv4 address by its bytes, an IPv6 address by its half bytes, in reverse and with dots between
-// (RFC 5782, sections 2.1 and 2.4). Empty if the text is neither.
+// (RFC 5782, sections 2.1 and 2.4). An IPv4 address in the form of an IPv6 one counts as IPv4. Empty if
+// the text is neither.
 std::string reversed_address(std::string_view text);
 
 }  // namespace zrl

@@ -1,14 +1,12 @@
 #include "components/block_lists/zones.h"
 
-#include <array>
 #include <cstdint>
 #include <set>
 
 #include <ares.h>
-#include <arpa/inet.h>
 
 #include "components/block_lists/domain_name.h"
-#include "components/dns/dns_queries.h"
+#include "components/dns/dns_answers.h"
 #include "core/text.h"
 
 namespace zrl {
@@ -17,7 +15,6 @@ namespace {
 
 constexpr int type_address = 1;
 constexpr std::size_t starts_between_pauses = 64;
-constexpr int most_addresses = 32;  // of an answer; the others are not looked at
 constexpr std::size_t longest_quotation = 100;
 
 // What an answer says of the name.
@@ -26,38 +23,28 @@ struct Verdict {
   std::string problem = {};  // why the zone is not to be believed; empty if it is
 };
 
-std::string dotted(std::uint32_t address) {
-  const in_addr bytes{htonl(address)};
-  std::array<char, INET_ADDRSTRLEN> text{};
-  ::inet_ntop(AF_INET, &bytes, text.data(), text.size());
-  return text.data();
-}
-
 // A listing is an address in 127.0.0.0/8. Any other comes from a zone that is no list, or no longer
 // one: its domain was sold and answers every name with the address of a web server. In 127.255.255.0/24
 // are the codes by which public lists refuse, mostly those who ask through a public resolver.
-Verdict verdict_on(std::uint32_t address) {
-  constexpr std::uint32_t loopback = 127U << 24U;
-  constexpr std::uint32_t refusals = loopback | 0xFFFF00U;
-  if ((address & 0xFFFFFF00U) == refusals) return {false, "the zone refuses queries: " + dotted(address)};
-  if ((address & 0xFF000000U) != loopback) return {false, "the answer is no listing: " + dotted(address)};
+Verdict verdict_on(const IpAddress& address) {
+  constexpr std::uint8_t loopback = 127;
+  constexpr std::uint8_t refusal = 255;
+  const std::uint8_t* bytes = address.data();
+  if (bytes[0] != loopback) return {false, "the answer is no listing: " + address.text()};
+  if (bytes[1] == refusal && bytes[2] == refusal)
+    return {false, "the zone refuses queries: " + address.text()};
   return {true};
 }
 
 Verdict verdict_on(const DnsQueries::Reply& reply) {
-  if (reply.status == ARES_ENOTFOUND || reply.status == ARES_ENODATA) return {};
-  if (reply.status != ARES_SUCCESS) return {false, dns_status_text(reply.status)};
-  std::array<ares_addrttl, most_addresses> addresses{};
-  int count = most_addresses;
-  const int status = ares_parse_a_reply(reply.message.data(), static_cast<int>(reply.message.size()), nullptr,
-                                        addresses.data(), &count);
-  if (status == ARES_ENODATA) return {};
+  std::vector<IpAddress> addresses;
+  const int status = read_addresses(reply, IpAddress::Family::v4, addresses);
+  if (status == ARES_ENOTFOUND || status == ARES_ENODATA) return {};
   if (status != ARES_SUCCESS) return {false, dns_status_text(status)};
   Verdict verdict;
-  for (int i = 0; i < count; ++i) {
-    Verdict one = verdict_on(ntohl(addresses[static_cast<std::size_t>(i)].ipaddr.s_addr));
-    if (one.listed) return one;
-    verdict = std::move(one);
+  for (const IpAddress& address : addresses) {
+    verdict = verdict_on(address);
+    if (verdict.listed) break;
   }
   return verdict;
 }

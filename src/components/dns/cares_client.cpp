@@ -1,12 +1,12 @@
 #include "components/dns/cares_client.h"
 
-#include <array>
-
 #include <ares.h>
-#include <arpa/inet.h>
-#include <netdb.h>
 
-#include "components/dns/dns_queries.h"
+#include "components/dns/caller_id_check.h"
+#include "components/dns/cares_lookups.h"
+#include "components/dns/dns_answers.h"
+#include "components/dns/spf_check.h"
+#include "components/dns/spf_record.h"
 #include "core/error.h"
 #include "core/text.h"
 
@@ -14,31 +14,35 @@ namespace zrl {
 
 namespace {
 
+using std::chrono::milliseconds;
+
 constexpr int type_ptr = 12;
+// The least that a check should be given (RFC 7208, section 4.6.4).
+constexpr milliseconds time_of_check{20'000};
+constexpr std::size_t longest_reason = 1000;
 
-using AddressBytes = std::array<std::uint8_t, 4>;
-
-AddressBytes parse_address(std::string_view text) {
-  AddressBytes address{};
-  if (::inet_pton(AF_INET, std::string(text).c_str(), address.data()) != 1) {
-    throw Error(error_number::invalid_call, "not an IPv4 address: " + std::string(text));
-  }
-  return address;
+[[noreturn]] void refuse(const std::string& problem) {
+  throw Error(error_number::invalid_call, problem);
 }
 
-std::string reverse_name(const AddressBytes& address) {
-  std::string name;
-  for (auto byte = address.rbegin(); byte != address.rend(); ++byte) name += std::to_string(*byte) + ".";
-  return name + "in-addr.arpa";
+std::string domain_in(std::string_view text) {
+  text = trim(text);
+  if (text.ends_with('.')) text.remove_suffix(1);
+  if (!is_dns_name(text)) refuse("not a domain: " + std::string(text));
+  return std::string(text);
 }
 
-[[noreturn]] void fail(std::string_view address, int status) {
-  throw Error(status, "no host name for " + std::string(address) + ": " + dns_status_text(status));
+SenderQuestion question_of(std::string_view address, std::string_view domain, std::string_view record,
+                           std::string_view sender) {
+  const std::optional<IpAddress> client = IpAddress::parse(trim(address));
+  if (!client) refuse("not an IP address: " + std::string(address));
+  return {*client, domain_in(domain), std::string(trim(record)), std::string(trim(sender))};
 }
 
-// The aliases are the names in the order of the answer; the name itself is the last of them.
-const char* first_name(const hostent& host) {
-  return host.h_aliases != nullptr && *host.h_aliases != nullptr ? *host.h_aliases : host.h_name;
+// Reasons quote strangers.
+SenderCheck for_people(SenderCheck check) {
+  check.reason = valid_utf8(check.reason.substr(0, longest_reason));
+  return check;
 }
 
 class CaresClient : public DnsClient {
@@ -46,25 +50,83 @@ class CaresClient : public DnsClient {
   explicit CaresClient(DnsSurroundings surroundings) : surroundings_(std::move(surroundings)) {}
 
   std::string PTR_Query(std::string_view text) override {
-    const AddressBytes address = parse_address(trim(text));
+    const std::optional<IpAddress> address = IpAddress::parse(trim(text), IpAddress::Family::v4);
+    if (!address) refuse("not an IPv4 address: " + std::string(text));
     DnsQueries queries(surroundings_);
-    const DnsQueries::Reply& reply = queries[queries.start(reverse_name(address), type_ptr)];
+    const DnsQueries::Reply& reply = queries[queries.start(address->reverse_name(), type_ptr)];
     queries.finish();
-    if (reply.status != ARES_SUCCESS) fail(text, reply.status);
-    hostent* parsed = nullptr;
-    const int status =
-        ares_parse_ptr_reply(reply.message.data(), static_cast<int>(reply.message.size()), address.data(),
-                             static_cast<int>(address.size()), AF_INET, &parsed);
-    if (status != ARES_SUCCESS) fail(text, status);
-    const std::unique_ptr<hostent, decltype(&ares_free_hostent)> host(parsed, ares_free_hostent);
-    std::string name = valid_utf8(first_name(*host));
-    if (name.ends_with('.')) name.pop_back();
-    if (name.empty()) fail(text, ARES_ENODATA);
-    return name;
+    std::vector<std::string> names;
+    const int status = read_host_names(reply, *address, names);
+    if (status == ARES_SUCCESS) return valid_utf8(names.front());
+    throw Error(status, "no host name for " + std::string(text) + ": " + dns_status_text(status));
+  }
+
+  std::string get_spf_records(std::string_view domain) override {
+    fetched_ = {};
+    const std::string name = domain_in(domain);
+    CaresLookups lookups = start();
+    fetched_ = {name, name, valid_utf8(published_spf(name, lookups).value_or(""))};
+    return fetched_.record;
+  }
+
+  std::string get_redirect(std::string_view text) override {
+    const SpfRecord record = parse_spf_record(trim(text));
+    if (!record.redirect) refuse("the record has no redirect");
+    if (record.has_all()) refuse("the record's \"all\" leaves nothing to its redirect");
+    const Fetched from = trim(text) == trim(fetched_.record) ? fetched_ : Fetched();
+    const std::string target = target_of(*record.redirect, from);
+    CaresLookups lookups = start();
+    const std::optional<std::string> found = published_spf(target, lookups);
+    if (!found) refuse(target + " has no SPF record");
+    fetched_ = {from.domain, target, valid_utf8(*found)};
+    return fetched_.record;
+  }
+
+  std::string get_cid_records(std::string_view domain) override {
+    CaresLookups lookups = start();
+    return valid_utf8(published_caller_id(domain_in(domain), lookups).value_or(""));
+  }
+
+  SenderCheck check_spf(std::string_view address, std::string_view domain, std::string_view record,
+                        std::string_view sender) override {
+    SenderQuestion question = question_of(address, domain, record, sender);
+    const bool was_fetched = question.record == trim(fetched_.record);
+    if (was_fetched && equals_ignoring_case(question.domain, fetched_.domain))
+      question.domain = fetched_.place;
+    CaresLookups lookups = start();
+    return for_people(zrl::check_spf(question, lookups));
+  }
+
+  SenderCheck check_cid(std::string_view address, std::string_view domain, std::string_view record,
+                        std::string_view sender) override {
+    const SenderQuestion question = question_of(address, domain, record, sender);
+    CaresLookups lookups = start();
+    return for_people(check_caller_id(question, lookups));
   }
 
  private:
+  // The record that was fetched last.
+  struct Fetched {
+    std::string domain;  // it was fetched for this one
+    std::string place;   // and found at this one, to which redirects led
+    std::string record;
+  };
+
+  CaresLookups start() const { return {surroundings_, time_of_check}; }
+
+  // Of a redirect in a record that stands where `from` says, or that is not known to stand anywhere.
+  static std::string target_of(const MacroString& redirect, const Fetched& from) {
+    return redirect.expand_to_name([&](char letter) -> std::string {
+      if (letter == 'l') return "postmaster";
+      if (letter == 's' && !from.domain.empty()) return "postmaster@" + from.domain;
+      if ((letter == 'o' || letter == 'h') && !from.domain.empty()) return from.domain;
+      if (letter == 'd' && !from.place.empty()) return from.place;
+      refuse("where redirect=" + redirect.text() + " leads depends on the client");
+    });
+  }
+
   DnsSurroundings surroundings_;
+  Fetched fetched_;
 };
 
 }  // namespace

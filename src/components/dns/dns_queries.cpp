@@ -19,8 +19,9 @@ constexpr int class_internet = 1;
 constexpr int tries = 3;
 // c-ares doubles its time-out with each try: 1 + 2 + 4.
 constexpr int shares = 7;
-constexpr milliseconds shortest_slice{1};
-constexpr milliseconds longest_slice{10};
+// How long the sockets are watched before the event loop is served again.
+constexpr milliseconds watch{9};
+constexpr milliseconds serve{1};
 
 void check(int status) {
   if (status != ARES_SUCCESS) throw Error(status, "DNS look-up: " + dns_status_text(status));
@@ -77,23 +78,27 @@ std::size_t DnsQueries::start(const std::string& name, int type) {
 }
 
 void DnsQueries::pause() {
-  surroundings_.wait(shortest_slice);
-  process();
+  surroundings_.wait(serve);
+  process(milliseconds(0));
 }
 
+// Answers are awaited at the sockets, so that one counts as soon as it comes.
 void DnsQueries::finish() {
   const Clock::time_point end = Clock::now() + timeout_;
-  milliseconds slice = shortest_slice;
-  milliseconds waited{0};
-  process();
-  // What was waited counts beside the clock: a console that is ending returns from waiting at once.
-  while (unfinished_ > 0 && Clock::now() < end && waited < timeout_) {
-    surroundings_.wait(slice);
-    waited += slice;
-    slice = std::min(2 * slice, longest_slice);
-    process();
+  process(milliseconds(0));
+  bool ending = false;
+  while (unfinished_ > 0 && !ending && Clock::now() < end) {
+    process(watch);
+    if (unfinished_ > 0) ending = !serve_events();
   }
   ares_cancel(channel_);
+}
+
+// False if the console is ending, which then returns from waiting at once.
+bool DnsQueries::serve_events() {
+  const Clock::time_point begin = Clock::now();
+  surroundings_.wait(serve);
+  return 2 * (Clock::now() - begin) >= serve;
 }
 
 void DnsQueries::ended(void* pending, int status, int, unsigned char* message, int size) {
@@ -103,8 +108,8 @@ void DnsQueries::ended(void* pending, int status, int, unsigned char* message, i
   --ended.owner->unfinished_;
 }
 
-// Handles what has come without waiting for more, and what has taken too long.
-void DnsQueries::process() {
+// Handles what has come, waiting no longer than this for the first of it, and what has taken too long.
+void DnsQueries::process(milliseconds wait) {
   std::array<ares_socket_t, ARES_GETSOCK_MAXNUM> sockets{};
   std::array<pollfd, ARES_GETSOCK_MAXNUM> polled{};
   const auto wanted =
@@ -117,7 +122,7 @@ void DnsQueries::process() {
     const int events = (readable ? POLLIN : 0) | (writable ? POLLOUT : 0);
     polled[count++] = {sockets[i], static_cast<short>(events), 0};
   }
-  if (::poll(polled.data(), count, 0) > 0) {
+  if (::poll(polled.data(), count, static_cast<int>(wait.count())) > 0) {
     for (const pollfd& socket : polled) {
       if (socket.revents == 0) continue;
       const bool writable = (socket.revents & POLLOUT) != 0;

@@ -50,7 +50,8 @@ class DnsQueries {
   };
 
   static void ended(void* pending, int status, int timeouts, unsigned char* message, int size);
-  void process();
+  bool serve_events();
+  void process(std::chrono::milliseconds wait);
 
   const DnsSurroundings& surroundings_;
   std::chrono::milliseconds timeout_{};

@@ -76,6 +76,14 @@ bool hides(const Control& control) {
   return field.style().secret && !field.text().empty();
 }
 
+void print_marks(std::ostream& out, const TextField& field) {
+  for (const TextField::Mark& mark : field.marks()) {
+    out << "      ! " << short_text(mark.name);
+    if (mark.line > 0) out << '(' << mark.line << ", " << mark.column << ')';
+    out << ": " << short_text(mark.text) << '\n';
+  }
+}
+
 // What a control holds, in one line; lists follow it with their items.
 void print_control(std::ostream& out, const Control& control) {
   const auto text = [&](Property property) {
@@ -113,6 +121,7 @@ void print_control(std::ostream& out, const Control& control) {
   if (!control.visible()) out << "  (hidden)";
   if (!control.enabled()) out << "  (disabled)";
   out << '\n';
+  if (control.kind() == ControlKind::text_field) print_marks(out, static_cast<const TextField&>(control));
   if (control.has(Property::items)) {
     print_items(out, *std::get<const StringList*>(control.get(Property::items)), number(Property::index));
   }

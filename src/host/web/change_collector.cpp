@@ -43,7 +43,10 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
     object["fixedPitch"] = style.fixed_pitch;
     object["secret"] = style.secret;
     if (style.counts) object["counts"] = true;
-    if (style.source) object["source"] = true;
+    if (style.source) {
+      object["source"] = true;
+      object["marks"] = marks_json(static_cast<const TextField&>(control));
+    }
     add_placeholder(style.placeholder);
   } else if (control.kind() == ControlKind::combo_box) {
     const ComboBox::Style& style = static_cast<const ComboBox&>(control).style();
@@ -138,6 +141,9 @@ json::object ChangeCollector::changes_of(const Control& control) {
   json::object changed;
   for (const Property property : properties_of(control.kind())) {
     if (is_news(control, property)) changed[name_of(property)] = property_json(control, property);
+  }
+  if (control.revision(Property::marks) > told_) {
+    changed[name_of(Property::marks)] = marks_json(static_cast<const TextField&>(control));
   }
   return changed;
 }

@@ -16,15 +16,20 @@ std::string text_argument(Machine& machine, Arguments arguments, std::size_t i) 
 Value msg_box(Machine& machine, Arguments arguments) {
   const std::int64_t buttons = arguments.has(1) ? to_long(machine, arguments[1]) : 0;
   const std::string title = arguments.has(2) ? text_argument(machine, arguments, 2) : "VBScript";
-  const int button =
-      machine.host().msg_box(to_utf8(Text(machine, arguments[0])), static_cast<int>(buttons), title);
+  const std::string text = to_utf8(Text(machine, arguments[0]));
+  const Machine::Pause pause(machine);
+  const int button = machine.host().msg_box(text, static_cast<int>(buttons), title);
   return Value::integer(button);
 }
 
 Value input_box(Machine& machine, Arguments arguments) {
-  const auto answer =
-      machine.host().input_box(to_utf8(Text(machine, arguments[0])), text_argument(machine, arguments, 1),
-                               text_argument(machine, arguments, 2));
+  const std::string text = to_utf8(Text(machine, arguments[0]));
+  const std::string title = text_argument(machine, arguments, 1);
+  const std::string preset = text_argument(machine, arguments, 2);
+  const auto answer = [&] {
+    const Machine::Pause pause(machine);
+    return machine.host().input_box(text, title, preset);
+  }();
   return answer ? Value(machine.heap.string(to_utf16(*answer))) : Value();
 }
 

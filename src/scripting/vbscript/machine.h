@@ -73,6 +73,18 @@ class Machine final : public Context {
   // Starts the clock of a call from outside.
   void start_clock();
   void check_time() override;
+  // While one lives, the script waits for a person; that is no time of the call.
+  class Pause {
+   public:
+    explicit Pause(Machine& machine) : machine_(machine) {}
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+    ~Pause() { machine_.deadline_ += std::chrono::steady_clock::now() - begin_; }
+
+   private:
+    Machine& machine_;
+    std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
+  };
   Value default_value(const Value& object) override;
   [[nodiscard]] ScriptError report(const Failure& failure) const;
 

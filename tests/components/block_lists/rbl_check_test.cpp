@@ -37,7 +37,7 @@ TEST_F(RblCheckTest, AddressesAreReversedUnderEveryZone) {
   server.add(ipv6 + " A 127.0.0.10");
   EXPECT_EQ(of_address("192.0.2.1"), "2 bl.test");
   EXPECT_EQ(of_address(" 2001:db8::A "), "2 bl.test");
-  EXPECT_EQ(of_address("192.0.2.2"), "0");
+  EXPECT_EQ(of_address("::ffff:192.0.2.2"), "0");
   EXPECT_THAT(server.queries(), ElementsAre("A 1.2.0.192.bl.test", "A " + ipv6, "A 2.2.0.192.bl.test"));
   EXPECT_THAT(reports, IsEmpty());
 }

@@ -56,6 +56,23 @@ TEST_F(CommandTest, EveryKindTellsItsProperties) {
   EXPECT_EQ(controls.at("List1").at("index").as_int64(), -1);
 }
 
+TEST_F(CommandTest, AScriptIsWrittenRunAndDeleted) {
+  const std::string code = "scriptsource=Function twice(input)\n twice = 2 * input\nEnd Function";
+  json::object result =
+      run_do({"ScriptEngine", "scriptnamen=twice", "insertnew", "inputbox=21", code, "executescript"});
+  EXPECT_EQ(result.at("controls").at("outputlabel").at("caption"), "The result of your script is: 42");
+  EXPECT_FALSE(result.at("controls").at("scriptsource").as_object().contains("marks"));
+  result = run_do({"ScriptEngine", "allscripts=1", "scriptnamen#0", "inputbox=many", "executescript"});
+  const json::value& mark = result.at("controls").at("scriptsource").at("marks").at(0);
+  EXPECT_EQ(mark.at("name"), "twice");
+  EXPECT_EQ(mark.at("line"), 2);
+  EXPECT_THAT(std::string(mark.at("text").as_string()), HasSubstr("Type mismatch"));
+  EXPECT_THAT(texts_of(result, "activity", "error"), HasSubstr("twice(2, "));
+  result =
+      run_do({"ScriptEngine", "allscripts=1", "scriptnamen#0", "deletefromdb", "allscripts", "allscripts"});
+  EXPECT_TRUE(result.at("controls").at("scriptnamen").at("items").as_array().empty());
+}
+
 TEST_F(CommandTest, StepsActAsAUserWould) {
   const json::object controls =
       run_do({"allcontrols", "Text1=a=b", "Option2", "Combo1=BODY", "Combo2=typed", "List1=banana.example",

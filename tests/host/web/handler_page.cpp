@@ -49,6 +49,13 @@ HandlerPage::HandlerPage(Console& console) : Page(console, "handlers", "Handlers
     shouted.set_text(text);
   };
   reset.on_change = [this] { reset.set_text(""); };
+  code.on_change = [this] {
+    if (code.text().starts_with("wrong")) {
+      code.set_marks({{"code", 1, 2, "wr\xC3\xB6ng", false}});
+    } else {
+      code.set_marks({});
+    }
+  };
   count.on_click = [this] { clicks.set_caption(std::to_string(++click_count_)); };
   ask.on_click = [this, &host] {
     for (const char* question : {"First?", "Second?"}) {

@@ -20,6 +20,7 @@ class HandlerPage : public Page {
   Label ticks{*this, "ticks", "0"};
   TextField shouted{*this, "shouted", "Its text becomes upper case"};
   TextField reset{*this, "reset", "Nothing stays in it"};
+  TextField code{*this, "code", "Marked where it is wrong", {.multi_line = true, .source = true}};
   Button count{*this, "count", "Count"};
   Button ask{*this, "ask", "Ask twice"};
   Button block{*this, "block", "Block"};

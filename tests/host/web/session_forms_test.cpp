@@ -87,6 +87,21 @@ TEST(SessionForms, TextThatAHandlerChangesComesBack) {
   EXPECT_EQ(type("reset", "gone"), json::parse(R"({"reset": {"text": ""}})"));
 }
 
+TEST(SessionForms, MarksOfASourceTextAreToldWhenTheyChange) {
+  SessionDriver session(test_pages());
+  session.open("handlers");
+  const json::object code = session.receive("form").at("controls").at("code").as_object();
+  EXPECT_EQ(code.at("source"), true);
+  EXPECT_EQ(code.at("marks"), json::array());
+  const auto type = [&](std::string_view text) {
+    return changes_of(session, session.event("handlers", "code", "text", {{"text", text}}));
+  };
+  EXPECT_EQ(type("wrong"), json::parse(R"({"code": {"marks": [{"name": "code", "line": 1, "column": 2,
+                                          "text": "wröng", "elsewhere": false}]}})"));
+  EXPECT_EQ(type("wrong again"), json::object());
+  EXPECT_EQ(type("right"), json::parse(R"({"code": {"marks": []}})"));
+}
+
 TEST(SessionForms, WhatIsRefusedIsToldAgainAsItIs) {
   SessionDriver session(test_pages());
   session.show("allcontrols");

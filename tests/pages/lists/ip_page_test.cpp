@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "core/error.h"
+#include "support/fake_components.h"
 #include "support/shown_page.h"
 
 namespace zrl {
@@ -16,7 +17,7 @@ using testing::IsEmpty;
 
 constexpr std::string_view refused = "Not a valid IP. Please enter only IP Numbers";
 
-class FakeDns : public DnsClient {
+class FakeDns : public test::FakeDnsClient {
  public:
   using Lookup = std::function<std::string(std::string_view)>;
   explicit FakeDns(Lookup lookup) : lookup_(std::move(lookup)) {}

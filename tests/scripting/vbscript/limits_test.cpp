@@ -1,4 +1,5 @@
 #include <chrono>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,6 +36,27 @@ TEST(LimitsTest, EndlessScriptsAreStopped) {
     EXPECT_THAT(output_of(script, small()), ElementsAre(HasSubstr("was stopped"))) << script;
     EXPECT_LT(std::chrono::steady_clock::now() - start, 5s) << script;
   }
+}
+
+// Time that a person takes for an answer is not the script's.
+TEST(LimitsTest, WaitingForAPersonDoesNotCount) {
+  struct SlowPerson : ScriptHost {
+    int msg_box(const std::string& text, int buttons, const std::string& title) override {
+      std::this_thread::sleep_for(150ms);
+      return ScriptHost::msg_box(text, buttons, title);
+    }
+    std::optional<std::string> input_box(const std::string&, const std::string&,
+                                         const std::string&) override {
+      std::this_thread::sleep_for(150ms);
+      return "50000";
+    }
+  } host;
+  Engine engine(host, small());
+  engine.add_code("t",
+                  "Function f(x) : MsgBox x : For i = 1 To InputBox(x) : f = i : Next : End Function\n"
+                  "Sub endless(x) : MsgBox x : Do : Loop : End Sub");
+  EXPECT_EQ(engine.call("f", "").number, 50000);
+  EXPECT_THROW(engine.call("endless", ""), ScriptError);
 }
 
 TEST(LimitsTest, TheEngineGoesOnAfterALimit) {

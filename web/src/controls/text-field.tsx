@@ -3,6 +3,7 @@ import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import { CountsChart } from './counts-chart'
 import { Field, naming } from './field'
+import { SourceField } from './source-field'
 
 /** Sets the text of an input only when it differs, and leaves the caret where it stood. */
 export function putText(input: HTMLInputElement | HTMLTextAreaElement, text: string): void {
@@ -26,6 +27,10 @@ function textOf(input: HTMLInputElement | HTMLTextAreaElement): string {
 export const fieldType = (hidden: boolean): 'text' => (hidden ? 'password' : 'text') as 'text'
 
 export function TextField({ control }: { control: ControlModel }) {
+  return control.shown.value.source ? <SourceField control={control} plain={PlainField} /> : <PlainField control={control} />
+}
+
+function PlainField({ control }: { control: ControlModel }) {
   const shown = control.shown.value
   const text = control.text.value
   const area = useRef<HTMLTextAreaElement>(null)

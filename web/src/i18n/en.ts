@@ -215,6 +215,33 @@ export const en = {
   terminalInput: (title: string): string => `Terminal: ${title}`,
   terminalFailed: 'The terminal could not be loaded. Reload the page.',
 
+  sourceKeys: 'Tab indents; Esc, then Tab leaves the editor. Ctrl+F searches.',
+  marks: (count: number): string => plural(count, 'problem', 'problems'),
+  markPlace: (name: string, line: number, column: number): string =>
+    line > 0 ? `${name}, line ${number.format(line)}, column ${number.format(column)}` : name,
+  /** The editor library's texts, under its own names for them. */
+  sourcePhrases: {
+    Find: 'Find',
+    Replace: 'Replace with',
+    next: 'Next',
+    previous: 'Previous',
+    all: 'Select all',
+    'match case': 'Match case',
+    regexp: 'Regular expression',
+    'by word': 'Whole words',
+    replace: 'Replace',
+    'replace all': 'Replace all',
+    close: 'Close',
+    'current match': 'current match',
+    'on line': 'on line',
+    'replaced match on line $': 'replaced match on line $',
+    'replaced $ matches': 'replaced $ matches',
+    'Go to line': 'Go to line',
+    go: 'Go',
+    'Control character': 'Control character',
+    'Selection deleted': 'Selection deleted',
+  },
+
   upload: 'Upload…',
   uploadDrop: 'Drop the file here',
   uploading: (name: string): string => `Sending ${name}`,

@@ -27,7 +27,7 @@ export function Tooltip() {
     const show = (anchor: Element, delay: number): void => {
       clearTimeout(timer)
       const text = anchor.getAttribute('data-tip') ?? ''
-      if (text !== '') timer = setTimeout(() => setShown({ text, anchor }), delay)
+      timer = text === '' ? setTimeout(() => setShown(null), hideDelay) : setTimeout(() => setShown({ text, anchor }), delay)
     }
     const hide = (delay: number): void => {
       clearTimeout(timer)

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+
+#include "components/dns/dns_queries.h"
+#include "components/dns/dns_surroundings.h"
+#include "components/dns/sender_lookups.h"
+
+namespace zrl {
+
+// Look-ups by c-ares. When the time for all of them is up, those that follow fail at once. Each raises
+// zrl::Error if there is no server to ask, and what the waiting raises.
+class CaresLookups : public SenderLookups {
+ public:
+  // `surroundings` must outlive this.
+  CaresLookups(const DnsSurroundings& surroundings, std::chrono::milliseconds time);
+
+  Records<std::string> texts(const std::string& name) override;
+  std::vector<Records<IpAddress>> addresses(const std::vector<std::string>& names,
+                                            IpAddress::Family family) override;
+  Records<std::string> exchangers(const std::string& name) override;
+  Records<std::string> names_of(const IpAddress& address) override;
+
+ private:
+  // The replies for names that are none say that nothing is there.
+  std::vector<DnsQueries::Reply> ask(const std::vector<std::string>& names, int type) const;
+
+  const DnsSurroundings& surroundings_;
+  std::chrono::steady_clock::time_point end_;
+};
+
+}  // namespace zrl

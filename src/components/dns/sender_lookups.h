@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "components/dns/ip_address.h"
+
+namespace zrl {
+
+// Of a domain name in text form, without the dot at its end.
+inline constexpr std::size_t longest_name = 253;
+
+// Labels of 1 to 63 bytes, with dots between them, that are no longer than a name may be (RFC 1035,
+// section 2.3.4). A zero byte makes it no name.
+bool is_dns_name(std::string_view name);
+
+// What the DNS said. A name that is not there, and one without such records, find nothing.
+template <typename Record>
+struct Records {
+  std::vector<Record> found;
+  bool failed = false;  // there was no answer, or none that can be used
+};
+
+// What checks of a sender ask the DNS. Names have no dot at their end; asked for what is no name, it
+// finds nothing. No call raises an error because of what servers do.
+class SenderLookups {
+ public:
+  virtual ~SenderLookups() = default;
+
+  // The strings of each TXT record, joined.
+  virtual Records<std::string> texts(const std::string& name) = 0;
+  // Of each of the names, asked for side by side.
+  virtual std::vector<Records<IpAddress>> addresses(const std::vector<std::string>& names,
+                                                    IpAddress::Family family) = 0;
+  // The names of the mail exchangers.
+  virtual Records<std::string> exchangers(const std::string& name) = 0;
+  // The host names of an address, which are those that its owner claims.
+  virtual Records<std::string> names_of(const IpAddress& address) = 0;
+};
+
+}  // namespace zrl

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "components/dns/sender_check.h"
+#include "components/dns/sender_lookups.h"
+#include "core/dns_client.h"
+
+namespace zrl {
+
+// Evaluates the record (RFC 7208): at most ten terms may look names up, two of them in vain, and each
+// takes at most ten mail exchangers or host names. The reason begins with the result: "softfail: ~all
+// in the record of example.com". Whatever the records and the servers say, it raises no error.
+SenderCheck check_spf(const SenderQuestion& question, SenderLookups& lookups);
+
+// The SPF record that the domain publishes; nothing if there is none. Raises SenderFault if there are
+// several, or no answer.
+std::optional<std::string> published_spf(const std::string& domain, SenderLookups& lookups);
+
+}  // namespace zrl
