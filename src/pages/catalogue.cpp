@@ -22,10 +22,10 @@
 #include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
 #include "pages/settings/pop_config_page.h"
+#include "pages/settings/spf_page.h"
 #include "pages/settings/strings_page.h"
 #include "pages/tools/keyword_tester_page.h"
 #include "pages/tools/regex_tester_page.h"
-#include "pages/settings/spf_page.h"
 #include "scripting/script_engine_page.h"
 #include "service/service_control_page.h"
 
