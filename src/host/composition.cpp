@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 
+#include "components/block_lists/block_list_components.h"
 #include "components/checks/check_components.h"
 #include "components/directory/directory_components.h"
 #include "components/dns/cares_client.h"
@@ -32,6 +33,12 @@ std::vector<std::string> server_texts(Resolver& resolver) {
   std::vector<std::string> texts;
   for (const DnsServer& server : ready(resolver).dns_servers()) texts.push_back(server.text());
   return texts;
+}
+
+DnsSurroundings dns_surroundings(Console& console) {
+  return {[&resolver = console.resolver()] { return server_texts(resolver); },
+          [&resolver = console.resolver()] { return ready(resolver).dns_timeout(); },
+          [&host = console.host()](std::chrono::milliseconds time) { host.wait(time); }};
 }
 
 std::string data_provider(Console& console) {
@@ -73,6 +80,23 @@ DownloaderSettings downloader_settings(Console& console) {
   return settings;
 }
 
+BlockListSettings block_list_settings(Console& console) {
+  BlockListSettings settings;
+  settings.dns = dns_surroundings(console);
+  settings.entries = [&console](Literal table) {
+    const auto database = console.components().create<Database>();
+    ConnectionHandle connection = database->open_database(data_provider(console));
+    StringList entries = database->get_db_array(connection, table, "entry", {});
+    entries.pop_back();
+    return entries;
+  };
+  settings.report = [&console](std::string_view what, std::string_view problem) {
+    console.attempt(ActivityRecord::Kind::component, "block list " + std::string(what), Console::Step::read,
+                    [&] { throw Error(error_number::invalid_call, std::string(problem)); });
+  };
+  return settings;
+}
+
 // The system's look-up knows nothing of the servers that ZRL_RESOLV_CONF names; the console's does.
 std::vector<std::string> addresses_where_servers_are_named(Console& console, const std::string& host) {
   in6_addr bytes;
@@ -110,11 +134,10 @@ void register_components(Console& console) {
                                   directory_settings(console));
   });
 
-  components.add<DnsClient>([&resolver = console.resolver(), &host = console.host()] {
-    return make_dns_client({[&resolver] { return server_texts(resolver); },
-                            [&resolver] { return ready(resolver).dns_timeout(); },
-                            [&host](std::chrono::milliseconds time) { host.wait(time); }});
-  });
+  components.add<DnsClient>([&console] { return make_dns_client(dns_surroundings(console)); });
+  components.add<BlockLists>([&console] { return make_block_lists(block_list_settings(console)); });
+  components.add<CheckPlugin>(checks::surbl,
+                              [&console] { return make_uri_check(block_list_settings(console)); });
 
   components.add<ServiceManager>([] { return make_service_manager({.run = program_output}); });
   components.add<PluginHost>(make_plugin_transport_factory(components));

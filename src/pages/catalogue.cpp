@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "pages/lists/block_list_page.h"
 #include "pages/lists/domain_page.h"
 #include "pages/lists/exception_page.h"
 #include "pages/lists/file_page.h"
@@ -12,6 +13,7 @@
 #include "pages/lists/mail_page.h"
 #include "pages/lists/replacement_page.h"
 #include "pages/lists/subnet_page.h"
+#include "pages/lists/uri_list_page.h"
 #include "pages/logs/avlog_page.h"
 #include "pages/logs/iplog_page.h"
 #include "pages/logs/keywordlog_page.h"
@@ -20,10 +22,10 @@
 #include "pages/logs/stati_page.h"
 #include "pages/settings/general_page.h"
 #include "pages/settings/pop_config_page.h"
+#include "pages/settings/spf_page.h"
 #include "pages/settings/strings_page.h"
 #include "pages/tools/keyword_tester_page.h"
 #include "pages/tools/regex_tester_page.h"
-#include "pages/settings/spf_page.h"
 #include "scripting/script_engine_page.h"
 #include "service/service_control_page.h"
 
@@ -43,6 +45,8 @@ std::span<const PageEntry> page_catalogue() {
       {"wbuser", "Lists", "E-mail addresses", make_page<MailPage>},
       {"keywords", "Lists", "Keywords", make_page<KeywordPage>},
       {"exceptions", "Lists", "Exceptions", make_page<ExceptionPage>},
+      {"rblists", "Lists", "DNS block lists", make_page<BlockListPage>},
+      {"surbl", "Lists", "URI block lists", make_page<UriListPage>},
       {"wordreplace", "Lists", "Word replacement", make_page<ReplacementPage>},
       {"filescanner", "Lists", "Attachments", make_page<FilePage>},
       {"iplog", "Logs", "IP log", make_page<IplogPage>},

@@ -77,6 +77,11 @@ std::size_t DnsQueries::start(const std::string& name, int type) {
   return pending_.size() - 1;
 }
 
+void DnsQueries::pause() {
+  surroundings_.wait(serve);
+  process(milliseconds(0));
+}
+
 // Answers are awaited at the sockets, so that one counts as soon as it comes.
 void DnsQueries::finish() {
   const Clock::time_point end = Clock::now() + timeout_;

@@ -32,6 +32,10 @@ class DnsQueries {
   // without search domains.
   std::size_t start(const std::string& name, int type);
 
+  // Waits a moment and takes what has come meanwhile; between many starts, so that neither side's
+  // socket gets more at once than its buffer holds.
+  void pause();
+
   // Waits until all queries have ended. Those that have not when the time is up end with
   // ARES_ETIMEOUT.
   void finish();

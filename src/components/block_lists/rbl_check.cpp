@@ -1,0 +1,76 @@
+#include "components/block_lists/block_list_components.h"
+#include "components/block_lists/domain_name.h"
+#include "components/block_lists/zones.h"
+#include "core/error.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+// The domain in "mail from: <user@domain> SIZE=100", the angle brackets being optional; empty if there
+// is none.
+std::string sender_domain(std::string_view command) {
+  const std::size_t opening = command.find('<');
+  if (opening != command.npos) {
+    command.remove_prefix(opening + 1);
+    command = command.substr(0, command.rfind('>'));
+  }
+  const std::size_t at = command.rfind('@');
+  if (at == command.npos) return {};
+  const std::string_view rest = trim(command.substr(at + 1));
+  return domain_name(rest.substr(0, rest.find_first_of(" \t\r\n")));
+}
+
+class RblCheck : public BlockLists {
+ public:
+  explicit RblCheck(BlockListSettings settings) : settings_(std::move(settings)) {}
+
+  bool initmodule(const MessageContext& context) override {
+    address_ = reversed_address(context.client_address);
+    domain_ = sender_domain(context.sender_command);
+    zones_.clear();
+    white_ = 0;
+    if (address_.empty() && domain_.empty()) return false;
+    zones_ = read_zones(settings_, "wblserver");
+    white_ = zones_.size();
+    for (std::string& zone : read_zones(settings_, "rblserver", most_zones - white_)) {
+      zones_.push_back(std::move(zone));
+    }
+    return true;
+  }
+
+  void Value(std::string_view position, Listing& listing, std::string& zone) override {
+    listing = Listing::none;
+    zone.clear();
+    const Listings found(settings_, {name_at(position)}, zones_);
+    for (std::size_t i = 0; i < zones_.size(); ++i) {
+      if (!found.has(0, i)) continue;
+      listing = i < white_ ? Listing::white : Listing::black;
+      zone = zones_[i];
+      return;
+    }
+  }
+
+ private:
+  const std::string& name_at(std::string_view position) const {
+    if (position == connect && !address_.empty()) return address_;
+    if (position == envelope && !domain_.empty()) return domain_;
+    throw Error(error_number::invalid_call,
+                "nothing to look up is known at the position " + std::string(position));
+  }
+
+  BlockListSettings settings_;
+  std::string address_;  // reversed
+  std::string domain_;
+  std::vector<std::string> zones_;  // the white ones first
+  std::size_t white_ = 0;
+};
+
+}  // namespace
+
+std::shared_ptr<BlockLists> make_block_lists(BlockListSettings settings) {
+  return std::make_shared<RblCheck>(std::move(settings));
+}
+
+}  // namespace zrl

@@ -1,0 +1,120 @@
+#include "components/block_lists/zones.h"
+
+#include <cstdint>
+#include <set>
+
+#include <ares.h>
+
+#include "components/block_lists/domain_name.h"
+#include "components/dns/dns_answers.h"
+#include "core/text.h"
+
+namespace zrl {
+
+namespace {
+
+constexpr int type_address = 1;
+constexpr std::size_t starts_between_pauses = 64;
+constexpr std::size_t longest_quotation = 100;
+
+// What an answer says of the name.
+struct Verdict {
+  bool listed = false;
+  std::string problem = {};  // why the zone is not to be believed; empty if it is
+};
+
+// A listing is an address in 127.0.0.0/8. Any other comes from a zone that is no list, or no longer
+// one: its domain was sold and answers every name with the address of a web server. In 127.255.255.0/24
+// are the codes by which public lists refuse, mostly those who ask through a public resolver.
+Verdict verdict_on(const IpAddress& address) {
+  constexpr std::uint8_t loopback = 127;
+  constexpr std::uint8_t refusal = 255;
+  const std::uint8_t* bytes = address.data();
+  if (bytes[0] != loopback) return {false, "the answer is no listing: " + address.text()};
+  if (bytes[1] == refusal && bytes[2] == refusal)
+    return {false, "the zone refuses queries: " + address.text()};
+  return {true};
+}
+
+Verdict verdict_on(const DnsQueries::Reply& reply) {
+  std::vector<IpAddress> addresses;
+  const int status = read_addresses(reply, IpAddress::Family::v4, addresses);
+  if (status == ARES_ENOTFOUND || status == ARES_ENODATA) return {};
+  if (status != ARES_SUCCESS) return {false, dns_status_text(status)};
+  Verdict verdict;
+  for (const IpAddress& address : addresses) {
+    verdict = verdict_on(address);
+    if (verdict.listed) break;
+  }
+  return verdict;
+}
+
+// Operators' texts can be anything.
+std::string quoted(std::string_view entry) {
+  return "\"" + valid_utf8(entry.substr(0, longest_quotation)) + "\"";
+}
+
+void report_left_out(const BlockListSettings& settings, Literal table, std::size_t count,
+                     std::string_view first, std::string_view why) {
+  if (count == 0) return;
+  settings.report(table.text(), "left out: " + quoted(first) +
+                                    (count == 1 ? "" : " and " + std::to_string(count - 1) + " more") + ", " +
+                                    std::string(why));
+}
+
+}  // namespace
+
+std::vector<std::string> read_zones(const BlockListSettings& settings, Literal table, std::size_t most) {
+  const StringList entries = settings.entries(table);
+  std::vector<std::string> zones;
+  std::set<std::string> seen;
+  std::size_t wrong = 0;
+  std::size_t beyond = 0;
+  std::string_view first_wrong;
+  std::string_view first_beyond;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    std::string zone = domain_name(entries[i]);
+    if (zone.empty()) {
+      if (wrong++ == 0) first_wrong = entries[i];
+    } else if (seen.contains(zone)) {
+      continue;
+    } else if (zones.size() < most) {
+      zones.push_back(*seen.insert(std::move(zone)).first);
+    } else if (beyond++ == 0) {
+      first_beyond = entries[i];
+    }
+  }
+  report_left_out(settings, table, wrong, first_wrong, "no name of a zone");
+  report_left_out(settings, table, beyond, first_beyond, "too many zones");
+  return zones;
+}
+
+Listings::Listings(const BlockListSettings& settings, const std::vector<std::string>& names,
+                   const std::vector<std::string>& zones)
+    : zones_(zones.size()), listed_(names.size() * zones.size()) {
+  if (listed_.empty()) return;
+  DnsQueries queries(settings.dns);
+  std::vector<std::size_t> asked;  // for each query, its place in listed_
+  std::vector<std::string> problems(zones.size());
+  for (std::size_t i = 0; i < listed_.size(); ++i) {
+    const std::string name = names[i / zones_] + "." + zones[i % zones_];
+    if (name.size() > longest_domain_name) {
+      problems[i % zones_] = "too long for a query: " + name;
+      continue;
+    }
+    queries.start(name, type_address);
+    asked.push_back(i);
+    if (asked.size() % starts_between_pauses == 0) queries.pause();
+  }
+  queries.finish();
+  for (std::size_t query = 0; query < asked.size(); ++query) {
+    Verdict verdict = verdict_on(queries[query]);
+    listed_[asked[query]] = verdict.listed;
+    if (!verdict.problem.empty()) problems[asked[query] % zones_] = std::move(verdict.problem);
+  }
+  for (std::size_t zone = 0; zone < zones_; ++zone) {
+    if (!problems[zone].empty()) settings.report(zones[zone], problems[zone]);
+  }
+}
+
+}  // namespace zrl

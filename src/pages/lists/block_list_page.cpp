@@ -1,0 +1,107 @@
+#include "pages/lists/block_list_page.h"
+
+#include "core/error.h"
+#include "core/list_entry.h"
+#include "core/text.h"
+#include "pages/tools/composer_dialog.h"
+
+namespace zrl {
+
+namespace {
+
+// Where the operator of the default black list takes reports.
+constexpr std::string_view report_address = "relays@mirvan.example";
+
+}  // namespace
+
+BlockListPage::BlockListPage(Console& console) : ListPage(console, "rblists", "DNS block lists") {
+  bind_lists(Text1, Place::kept, {{List1, "wblserver", "entry"}, {List2, "rblserver", "entry"}});
+  bind_switches({{RBLcheck1, "RBLcheck"}});
+  bind_transfer(oben, "wblserver", "entry", "Remote Whitelist");
+  bind_transfer(unten, "rblserver", "entry", "Remote Blacklist");
+  wbladd.on_click = [this] { add("wblserver"); };
+  wblremove.on_click = [this] { remove("wblserver"); };
+  rbladd.on_click = [this] { add("rblserver"); };
+  rblremove.on_click = [this] { remove("rblserver"); };
+  Command1.on_click = [this] { busy(Command1, [this] { test(); }); };
+  Command2.on_click = [this] { busy(Command2, [this] { report_relays(); }); };
+
+  set_layout(column({
+      Text1,
+      grow(row({list_frame(Frame1, List1, {wbladd, wblremove, oben}),
+                list_frame(Frame2, List2, {rbladd, rblremove, unten})})),
+      frame(Frame3, grid({RBLcheck1})),
+      frame(Frame4, column({row({grow(Text2), Command1}), Label3})),
+      frame(Frame5, row({Command2})),
+  }));
+}
+
+void BlockListPage::load() {
+  fill_lists();
+  block_lists_ = component<BlockLists>();
+}
+
+void BlockListPage::fill_lists() {
+  fill_list_boxes();
+  load_switches({&RBLcheck1});
+}
+
+void BlockListPage::add(Literal table) {
+  Text1.set_text(trim(Text1.text()));
+  execute(delete_from(table, "entry", Text1.text()));
+  execute(insert_into(table, "entry", Text1.text()));
+  fill_lists();
+}
+
+void BlockListPage::remove(Literal table) {
+  Text1.set_text(trim(Text1.text()));
+  execute(delete_from(table, "entry", Text1.text()));
+  fill_lists();
+}
+
+// The field may be changed, and the page left, while the zones are asked.
+void BlockListPage::test() {
+  const std::string text = Text2.text();
+  const bool is_address = is_ip_address(text);
+  MessageContext context;
+  (is_address ? context.client_address : context.sender_command) =
+      is_address ? text : "mail from: adsf@" + text;
+  auto listing = BlockLists::Listing::none;
+  std::string zone;
+  console().attempt(ActivityRecord::Kind::component, "look up " + text, Console::Step::read,
+                    [&, block_lists = block_lists_] {
+                      if (!block_lists) throw Error(error_number::object_not_set, "no block-list component");
+                      if (!block_lists->initmodule(context)) {
+                        throw Error(error_number::invalid_call, "neither an IP number nor a domain");
+                      }
+                      block_lists->Value(is_address ? BlockLists::connect : BlockLists::envelope, listing,
+                                         zone);
+                    });
+  Label3.set_caption(text + verdict(listing, zone));
+}
+
+std::string BlockListPage::verdict(BlockLists::Listing listing, const std::string& zone) {
+  switch (listing) {
+    case BlockLists::Listing::white:
+      return translate(" is WHITELISTED in ") + zone;
+    case BlockLists::Listing::black:
+      return translate(" is BLACKLISTED in ") + zone;
+    case BlockLists::Listing::none:
+      break;
+  }
+  return translate(" is NOT listed in one of your configured RBL/RWL Server");
+}
+
+void BlockListPage::report_relays() {
+  const StringList relays = rows("iplog", "IPNumber", "status=2").value_or(StringList());
+  std::string report;
+  for (std::size_t i = 0; i < relays.size(); ++i) {
+    report.append(report.empty() ? "" : "\r\n").append("Relay: ").append(relays[i]);
+  }
+  const auto composer = std::make_shared<ComposerDialog>(console());
+  composer->fill_form({}, report_address, std::string(product_name) + " relay report", report, {});
+  composer->load_forward();
+  console().show(composer);
+}
+
+}  // namespace zrl
