@@ -211,7 +211,8 @@ bool Lexer::after_operand() const {
          (kind >= TokenKind::integer && kind <= TokenKind::string);
 }
 
-// &H1F, &O17, &17, each with or without a closing &. Without it, what fits 16 bits is an Integer.
+// &H1F, &O17, &17, each with or without a closing &. Without it, 16 bits are a signed number. It is an Integer
+// if its magnitude has 15 bits, so that &H8000 is a Long as 32768 is.
 bool Lexer::read_based_number() {
   const std::size_t start = position_;
   std::size_t digits = start + 1;
@@ -234,7 +235,7 @@ bool Lexer::read_based_number() {
   position_ = marked ? end + 1 : end;
   std::int64_t value = static_cast<std::int32_t>(static_cast<std::uint32_t>(number));
   if (!marked && number <= 0xffff) value = static_cast<std::int16_t>(static_cast<std::uint16_t>(number));
-  const bool small = value >= -32768 && value <= 32767;
+  const bool small = value > -32768 && value <= 32767;
   push_at(small ? TokenKind::integer : TokenKind::long_int, start).integer = value;
   return true;
 }
