@@ -126,6 +126,7 @@ void DirectoryConnection::search(const std::string& base, const char* filter,
 DirectoryConnection::Answer DirectoryConnection::ask(const Question& question, LDAPControl* page,
                                                      const Visit& visit) {
   std::vector<char*> attributes;
+  attributes.reserve(question.attributes.size() + 1);
   for (const char* name : question.attributes) attributes.push_back(const_cast<char*>(name));
   attributes.push_back(nullptr);
   LDAPControl* controls[] = {page, nullptr};

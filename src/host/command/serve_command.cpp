@@ -37,11 +37,11 @@ sigset_t block_stop_signals() {
 }
 
 void announce(web::WebHost& host) {
-  std::cout << "Open " << host.address() << std::endl;
+  std::cout << "Open " << host.address() << '\n' << std::flush;
   const std::string secret = host.make_setup_secret();
   if (!secret.empty()) {
-    std::cout << "First start: choose an account and a password there with this secret: " << secret
-              << std::endl;
+    std::cout << "First start: choose an account and a password there with this secret: " << secret << '\n'
+              << std::flush;
   }
 }
 

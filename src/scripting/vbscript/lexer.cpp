@@ -211,8 +211,8 @@ bool Lexer::after_operand() const {
          (kind >= TokenKind::integer && kind <= TokenKind::string);
 }
 
-// &H1F, &O17, &17, each with or without a closing &. Without it, 16 bits are a signed number. It is an Integer
-// if its magnitude has 15 bits, so that &H8000 is a Long as 32768 is.
+// &H1F, &O17, &17, each with or without a closing &. Without it, 16 bits are a signed number. It is an
+// Integer if its magnitude has 15 bits, so that &H8000 is a Long as 32768 is.
 bool Lexer::read_based_number() {
   const std::size_t start = position_;
   std::size_t digits = start + 1;
