@@ -44,7 +44,7 @@ constexpr Text texts[] = {
     {"bye", "221 2.0.0 thank you for not SPAMMING me"},
     {"queue", "250 2.6.0 You got rid of your HAM"},
     {"default_spf", "v=spf1 a/24 mx/24 ptr ~all"},
-    {"default_cid", "<ep xmlns='http://callerid.example/1'><out><m><mx/><a>192.0.2.0/24</a></m></out></ep>"},
+    {"default_cid", "<ep xmlns='http://ms.net/1'><out><m><mx/><r>192.0.2.0/24</r></m></out></ep>"},
     {"pickup", "C:\\Mirvan\\Pickup"},
     {"badmail", "C:\\Mirvan\\Badmail"},
     {"ldapserver", "directory.mirvan.example"},
