@@ -1,7 +1,7 @@
 # What every target of ours is compiled with.
 add_library(zrl_options INTERFACE)
 target_compile_options(zrl_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Optimising, it finds faults in the standard library's strings that are not there.
   target_compile_options(zrl_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>)
