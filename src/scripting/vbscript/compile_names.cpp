@@ -109,14 +109,15 @@ void ProcedureCompiler::scan(const Stmt& stmt) {
   }
   if (stmt.kind == StmtKind::redim) {
     for (const VariableDecl& variable : stmt.declarations) {
-      note_name(variable.symbol, NameUse::assigned);
+      note_name(variable.symbol, NameUse::dimensioned);
       for (const Expr* bound : variable.bounds) scan(bound, NameUse::read);
     }
   }
   scan(stmt.body);
 }
 
-// Names without a declaration become variables: of the text's top level, or of the procedure.
+// Names without a declaration become variables: of the text's top level, or of the procedure. Where all are
+// to be declared, only ReDim does that.
 void ProcedureCompiler::settle_names() {
   for (const Stmt* stmt : declaration_.body) scan(*stmt);
   for (const auto& [symbol, use] : names_) {
@@ -131,14 +132,14 @@ void ProcedureCompiler::settle_names() {
     }
     if (outer) {
       new_local(symbol, Meaning::Kind::variable, false);
-    } else if (shared_.ast.option_explicit) {
+    } else if (shared_.ast.option_explicit && use != NameUse::dimensioned) {
       continue;
     } else if (global_level_) {
       if (use < NameUse::passed) continue;
       const std::uint16_t slot = context_.globals.declare(symbol);
       if (use == NameUse::passed) add_local(symbol, {Meaning::Kind::unknown, slot, Builtins::Kind::none});
     } else {
-      new_local(symbol, use == NameUse::assigned ? Meaning::Kind::variable : Meaning::Kind::unknown, false);
+      new_local(symbol, use >= NameUse::assigned ? Meaning::Kind::variable : Meaning::Kind::unknown, false);
     }
   }
 }

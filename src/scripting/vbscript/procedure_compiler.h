@@ -69,7 +69,7 @@ class ProcedureCompiler {
   };
 
   // What a body does with a name; what comes later makes it more of a variable.
-  enum class NameUse { called, read, passed, assigned };
+  enum class NameUse { called, read, passed, assigned, dimensioned };
 
   // Names (compile_names.cpp).
   void declare_parameters();
