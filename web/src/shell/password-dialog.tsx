@@ -3,7 +3,7 @@ import { useState } from 'preact/hooks'
 import { changePassword } from '../api'
 import { session, toasts } from '../app-state'
 import { messages } from '../i18n'
-import { FailureNote, focusInvalid, Input, isWeak, Submit, useSending } from '../sign-in/fields'
+import { FailureNote, focusInvalid, Input, Submit, useNewPassword, useSending } from '../sign-in/fields'
 import { Modal } from './modal'
 
 const open = signal(false)
@@ -15,9 +15,8 @@ export function openPasswordDialog(): void {
 function Dialog({ onClose }: { onClose: () => void }) {
   const m = messages.value
   const [old, setOld] = useState('')
-  const [password, setPassword] = useState('')
-  const [again, setAgain] = useState('')
   const [tried, setTried] = useState(false)
+  const chosen = useNewPassword(tried)
   const changed = (): void => {
     toasts.add(messages.value.passwordChanged)
     onClose()
@@ -26,12 +25,11 @@ function Dialog({ onClose }: { onClose: () => void }) {
     failed.error === 'wrong_password' ? messages.value.wrongOldPassword : undefined,
   )
   const missing = (value: string): string | undefined => (tried && value === '' ? m.required : undefined)
-  const weak = isWeak(password)
   const submit = (event: Event): void => {
     event.preventDefault()
     setTried(true)
-    if (old === '' || weak || password !== again) return focusInvalid(event.currentTarget)
-    if (!sending) void send(() => changePassword(old, password))
+    if (old === '' || !chosen.acceptable) return focusInvalid(event.currentTarget)
+    if (!sending) void send(() => changePassword(old, chosen.password))
   }
   return (
     <Modal title={m.changePassword} onCancel={onClose} class="credentials">
@@ -39,23 +37,7 @@ function Dialog({ onClose }: { onClose: () => void }) {
         {/* Lets the browser's own password store know whose password this is. */}
         <input type="text" autocomplete="username" value={session.hello.value?.account ?? ''} readOnly hidden />
         <Input label={m.oldPassword} value={old} onValue={setOld} error={missing(old)} autocomplete="current-password" secret />
-        <Input
-          label={m.newPassword}
-          value={password}
-          onValue={setPassword}
-          help={m.passwordHelp}
-          error={tried && weak ? m.failures.weak_password : undefined}
-          autocomplete="new-password"
-          secret
-        />
-        <Input
-          label={m.repeatPassword}
-          value={again}
-          onValue={setAgain}
-          error={(tried || again.length >= password.length) && again !== '' && again !== password ? m.passwordsDiffer : missing(again)}
-          autocomplete="new-password"
-          secret
-        />
+        {chosen.inputs}
         <FailureNote failure={failure} wait={wait} />
         <Submit text={m.changePassword} sending={sending} wait={wait} />
       </form>

@@ -1,3 +1,4 @@
+import type { ComponentChildren } from 'preact'
 import { useEffect, useId, useRef, useState } from 'preact/hooks'
 import { RequestFailed } from '../api'
 import { fieldType } from '../controls/text-field'
@@ -6,8 +7,6 @@ import type { Failure } from '../protocol'
 import { Icon, Spinner } from '../shell/icon'
 
 const shortestPassword = 10
-
-export const isWeak = (password: string): boolean => [...password].length < shortestPassword
 
 interface InputProps {
   label: string
@@ -133,4 +132,35 @@ export function Submit({ text, sending, wait }: { text: string; sending: boolean
       {sending ? messages.value.working : text}
     </button>
   )
+}
+
+/** The fields for choosing a password, and what they hold. `tried`: what is wrong is told. */
+export function useNewPassword(tried: boolean): { password: string; acceptable: boolean; inputs: ComponentChildren } {
+  const m = messages.value
+  const [password, setPassword] = useState('')
+  const [again, setAgain] = useState('')
+  const weak = [...password].length < shortestPassword
+  const missing = tried && again === '' ? m.required : undefined
+  const inputs = (
+    <>
+      <Input
+        label={m.newPassword}
+        value={password}
+        onValue={setPassword}
+        help={m.passwordHelp}
+        error={tried && weak ? m.failures.weak_password : undefined}
+        autocomplete="new-password"
+        secret
+      />
+      <Input
+        label={m.repeatPassword}
+        value={again}
+        onValue={setAgain}
+        error={(tried || again.length >= password.length) && again !== '' && again !== password ? m.passwordsDiffer : missing}
+        autocomplete="new-password"
+        secret
+      />
+    </>
+  )
+  return { password, acceptable: !weak && password === again, inputs }
 }

@@ -5,7 +5,7 @@ import { begin, connection, enter, hostState, screen } from '../app-state'
 import { messages } from '../i18n'
 import { ThemeButton } from '../shell/header'
 import { Icon, Logo, type IconName } from '../shell/icon'
-import { FailureNote, focusInvalid, Input, isWeak, Submit, useSending } from './fields'
+import { FailureNote, focusInvalid, Input, Submit, useNewPassword, useSending } from './fields'
 
 function Card({ title, lead, children }: { title: string; lead: string; children: ComponentChildren }) {
   const product = hostState.value?.product ?? ''
@@ -67,19 +67,17 @@ function SetUp() {
   const m = messages.value
   const [secret, setSecret] = useState('')
   const [account, setAccount] = useState('admin')
-  const [password, setPassword] = useState('')
-  const [again, setAgain] = useState('')
   const [tried, setTried] = useState(false)
+  const chosen = useNewPassword(tried)
   const { sending, failure, wait, send } = useSending(enter, failed => {
     if (failed.error === 'already_set_up') void begin()
   })
   const missing = (value: string): string | undefined => (tried && value.trim() === '' ? m.required : undefined)
-  const weak = isWeak(password)
   const submit = (event: Event): void => {
     event.preventDefault()
     setTried(true)
-    if (secret.trim() === '' || account.trim() === '' || weak || password !== again) return focusInvalid(event.currentTarget)
-    if (!sending) void send(() => setUp(secret.trim(), account.trim(), password))
+    if (secret.trim() === '' || account.trim() === '' || !chosen.acceptable) return focusInvalid(event.currentTarget)
+    if (!sending) void send(() => setUp(secret.trim(), account.trim(), chosen.password))
   }
   return (
     <Card title={m.setUp} lead={m.setUpLead}>
@@ -101,23 +99,7 @@ function SetUp() {
           error={missing(account)}
           autocomplete="username"
         />
-        <Input
-          label={m.newPassword}
-          value={password}
-          onValue={setPassword}
-          help={m.passwordHelp}
-          error={tried && weak ? m.failures.weak_password : undefined}
-          autocomplete="new-password"
-          secret
-        />
-        <Input
-          label={m.repeatPassword}
-          value={again}
-          onValue={setAgain}
-          error={(tried || again.length >= password.length) && again !== '' && again !== password ? m.passwordsDiffer : missing(again)}
-          autocomplete="new-password"
-          secret
-        />
+        {chosen.inputs}
         <FailureNote failure={failure} wait={wait} />
         <Submit text={m.finishSetUp} sending={sending} wait={wait} />
       </form>
