@@ -77,7 +77,7 @@ void ScriptEnginePage::wire() {
 
 void ScriptEnginePage::lay_out() {
   set_layout(column({
-      scriptcheck,
+      grid({scriptcheck}),
       frame(Frame1, column({
                         row({grow(scriptnamen), allscripts, insertnew}),
                         row({grow(sposition), svisible}),

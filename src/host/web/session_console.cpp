@@ -200,7 +200,9 @@ void SessionConsole::report() {
     reported_failures_ = record.failures();
   }
   audit();
-  if (busy_ > 0 && --busy_ == 0) output_.action_ended();
+  const bool was_busy = busy_ > 0;
+  if (was_busy) --busy_;
+  if (was_busy && busy_ == 0) output_.action_ended();
   if (--depth_ == 0) closed_.clear();
 }
 

@@ -56,7 +56,7 @@ export function ToastsView() {
       onPointerLeave={() => toasts.hold(false)}
     >
       {shown.map(toast => (
-        <div key={toast.id} class={`toast${toast.failed ? ' failed' : ''}`}>
+        <div key={toast.id} class={`toast${toast.failed ? ' failed' : ''}${toast.file ? '' : ' passing'}`}>
           <Icon name={toast.failed ? 'warning' : toast.file ? 'page' : 'check'} />
           <div class="toast-text">
             <p dir="auto">
