@@ -56,6 +56,8 @@ Value l_bound(Machine& machine, Arguments arguments) {
 }
 
 Value join(Machine& machine, Arguments arguments) {
+  // Default members of the elements may replace the argument.
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
   const Value held = arguments[0];
   const Array& list = list_argument(held);
   const Value blank{machine.heap.unit_string(u' ')};
@@ -105,6 +107,8 @@ Value split(Machine& machine, Arguments arguments) {
 }
 
 Value filter(Machine& machine, Arguments arguments) {
+  // Default members of the elements may replace the argument.
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
   const Value held = arguments[0];
   const Array& list = list_argument(held);
   const Text sought(machine, arguments[1]);
