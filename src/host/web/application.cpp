@@ -249,13 +249,13 @@ void Application::change_password(Request& request, const Reply& reply) {
     reply(json_response(200, {{"account", account}}));
   };
   const auto verified = [this, request, reply, saved, account = session->account(),
-                         new_password = std::move(new_password)](bool right) {
+                         chosen = std::move(new_password)](bool right) {
     if (!right) {
       note(account, "change password", request, "wrong password");
       return reply(error_response(401, "wrong_password"));
     }
     throttle_.succeeded(request.remote_address);
-    if (!accounts_.change(account, new_password, saved)) reply(too_many_tries(std::chrono::seconds(1)));
+    if (!accounts_.change(account, chosen, saved)) reply(too_many_tries(std::chrono::seconds(1)));
   };
   if (!accounts_.verify(session->account(), std::move(password), verified)) {
     reply(too_many_tries(std::chrono::seconds(1)));
