@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/text.h"
+#include "core/text_lines.h"
 
 namespace zrl {
 
@@ -10,15 +11,6 @@ namespace {
 
 bool is_blank(char c) {
   return c == ' ' || c == '\t';
-}
-
-// Takes the first line off the text, without its line break.
-std::string_view take_line(std::string_view& text) {
-  const std::size_t end = text.find('\n');
-  std::string_view line = text.substr(0, end);
-  text.remove_prefix(end == text.npos ? text.size() : end + 1);
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "core/text.h"
+#include "core/text_lines.h"
 
 namespace zrl {
 
@@ -15,15 +16,6 @@ constexpr std::array<std::string_view, mime_field_count> field_names = {
 
 bool is_blank(char c) {
   return c == ' ' || c == '\t';
-}
-
-// Takes the first line off the text; without its end.
-std::string_view take_line(std::string_view& text) {
-  const std::size_t end = text.find('\n');
-  std::string_view line = text.substr(0, end);
-  text.remove_prefix(end == text.npos ? text.size() : end + 1);
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
 }
 
 // The name at the beginning of a line, if the line is a field (RFC 5322, sections 2.2 and 4.5).
