@@ -90,8 +90,8 @@ TEST_F(RblCheckTest, OnlyAddressesOfListsAreListings) {
       {"A 128.0.0.2", "0", "zone.test: the answer is no listing: 128.0.0.2"},
       {"A 127.255.255.254", "0", "zone.test: the zone refuses queries: 127.255.255.254"},
       {"ERROR 3", "0", ""},
-      {"ERROR 2", "0", "zone.test: "},
-      {"ERROR 5", "0", "zone.test: "},
+      {"ERROR 2", "0", "zone.test: (Could not contact DNS servers|DNS server returned general failure)"},
+      {"ERROR 5", "0", "zone.test: (Could not contact DNS servers|DNS server refused query)"},
   };
   for (std::size_t i = 0; i < std::size(cases); ++i) {
     const std::string address = "192.0.2." + std::to_string(i);
@@ -102,7 +102,7 @@ TEST_F(RblCheckTest, OnlyAddressesOfListsAreListings) {
     if (std::string(cases[i].report).empty()) {
       EXPECT_THAT(reports, IsEmpty()) << cases[i].records;
     } else {
-      EXPECT_THAT(reports, ElementsAre(::testing::StartsWith(cases[i].report)));
+      EXPECT_THAT(reports, ElementsAre(::testing::MatchesRegex(cases[i].report)));
     }
   }
   // A parked answer beside a listing: the listing counts.
