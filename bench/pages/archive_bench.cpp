@@ -1,7 +1,7 @@
 #include <malloc.h>
 
-#include "core/mail_message.h"
-#include "core/text.h"
+#include "core/contracts/mail_message.h"
+#include "core/text/text.h"
 #include "pages/installed.h"
 #include "pages/logs/monitor_page.h"
 

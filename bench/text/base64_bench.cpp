@@ -3,7 +3,7 @@
 #include <random>
 #include <string>
 
-#include "core/base64.h"
+#include "core/text/base64.h"
 #include "text/text_bench.h"
 
 namespace zrl::bench {

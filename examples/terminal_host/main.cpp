@@ -7,10 +7,10 @@
 #include <iostream>
 #include <thread>
 
-#include <core/text.h>
+#include <catalogue/catalogue.h>
+#include <core/text/text.h>
 #include <host/composition.h>
 #include <host/folder.h>
-#include <pages/catalogue.h>
 
 // What a console asks of its host.
 class TerminalHost : public zrl::Host {

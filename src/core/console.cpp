@@ -1,10 +1,12 @@
 #include "core/console.h"
 
 #include <algorithm>
+#include <ctime>
 #include <exception>
 
-#include "core/error.h"
+#include "core/contracts/name_lookup.h"
 #include "core/form.h"
+#include "core/text/error.h"
 
 namespace zrl {
 
@@ -29,10 +31,33 @@ Console::Console(std::filesystem::path folder, Host& host, Clock clock)
       clock_(std::move(clock)),
       settings_(*this),
       localisation_(*this),
-      resolver_({.timeout_setting = [this] { return settings_.regread(settings_.path_of("DNSTimeout")); },
-                 .wait = [this](std::chrono::milliseconds time) { host_.wait(time); }}),
       pattern_matcher_(*this),
       html_text_(*this) {}
+
+NameLookup& Console::names() {
+  if (!names_) names_ = components_.create<NameLookup>();
+  return *names_;
+}
+
+std::string Console::time_stamp() const {
+  const std::time_t now = std::chrono::system_clock::to_time_t(clock_());
+  std::tm local{};
+  if (!::localtime_r(&now, &local)) return {};
+  char digits[32];
+  return {digits, std::strftime(digits, sizeof digits, "%Y%m%d%H%M%S", &local)};
+}
+
+std::string Console::setting(std::string_view name) {
+  return settings_.regread(settings_.path_of(name));
+}
+
+std::string Console::regex_match(std::string_view entry, std::string_view text) {
+  return pattern_matcher_.regex_match(entry, text);
+}
+
+void Console::record_failure(std::string_view step, std::string_view problem) {
+  activity_.failed(ActivityRecord::Kind::component, step, problem, seconds(), false);
+}
 
 bool Console::attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
                       const std::function<void()>& action, std::string_view public_text) {

@@ -9,14 +9,13 @@
 #include <vector>
 
 #include "core/activity.h"
-#include "core/components.h"
-#include "core/database.h"
-#include "core/host.h"
+#include "core/contracts/console_services.h"
+#include "core/contracts/database.h"
+#include "core/contracts/name_lookup.h"
 #include "core/html_text.h"
 #include "core/localisation.h"
 #include "core/pattern_matcher.h"
 #include "core/settings.h"
-#include "net/resolver.h"
 
 namespace zrl {
 
@@ -27,7 +26,7 @@ inline constexpr std::string_view product_name = "Mirvan";
 
 // The process-wide state of one console: everything that pages share. One thread uses it. Tests
 // and hosts make as many consoles as they like; nothing is global.
-class Console {
+class Console final : public ConsoleServices {
  public:
   using Clock = std::function<std::chrono::system_clock::time_point()>;
 
@@ -36,17 +35,26 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  const std::filesystem::path& folder() const { return folder_; }
+  const std::filesystem::path& folder() const override { return folder_; }
   Host& host() { return host_; }
-  ComponentRegistry& components() { return components_; }
+  ComponentRegistry& components() override { return components_; }
   Settings& settings() { return settings_; }
   Localisation& localisation() { return localisation_; }
-  // Pages use its steps (Page), which record what fails.
-  Resolver& resolver() { return resolver_; }
-  PatternMatcher& pattern_matcher() { return pattern_matcher_; }
+  // Pages use the steps of Page, which record what fails.
+  NameLookup& names() override;
   HtmlText& html_text() { return html_text_; }
   ActivityRecord& activity() { return activity_; }
   std::chrono::system_clock::time_point now() const { return clock_(); }
+  // The clock in local time, as fourteen digits: "20051104173005" is 17:30:05 on 4 November 2005.
+  std::string time_stamp() const;
+
+  // The rest of what components may ask.
+  std::string setting(std::string_view name) override;
+  std::string regex_match(std::string_view entry, std::string_view text) override;
+  void wait(std::chrono::milliseconds time) override { host_.wait(time); }
+  void process_events() override { host_.process_events(); }
+  void show_progress(const Progress& progress) override { host_.show_progress(progress); }
+  void record_failure(std::string_view step, std::string_view problem) override;
 
   // Runs one step. It never throws and tells whether the step worked. A step that failed is
   // recorded with its error; one that worked is recorded if it is a `write`. `public_text` is given
@@ -79,7 +87,7 @@ class Console {
   ComponentRegistry components_;
   Settings settings_;
   Localisation localisation_;
-  Resolver resolver_;
+  std::shared_ptr<NameLookup> names_;
   PatternMatcher pattern_matcher_;
   HtmlText html_text_;
   std::vector<std::weak_ptr<Connection>> unsettled_;

@@ -1,8 +1,8 @@
 #include "core/control.h"
 
 #include "core/controls.h"
-#include "core/error.h"
 #include "core/form.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <variant>
 
-#include "core/string_list.h"
+#include "core/text/string_list.h"
 
 namespace zrl {
 

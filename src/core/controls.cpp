@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "core/error.h"
 #include "core/form.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

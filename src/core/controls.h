@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/control.h"
-#include "core/string_list.h"
+#include "core/text/string_list.h"
 
 // The kinds of controls. A page declares its controls as members, in the order of its collection:
 //

@@ -1,6 +1,6 @@
 #include "core/database_client.h"
 
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

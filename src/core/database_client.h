@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "core/console.h"
-#include "core/database.h"
+#include "core/contracts/database.h"
 
 namespace zrl {
 

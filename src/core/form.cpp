@@ -1,7 +1,7 @@
 #include "core/form.h"
 
 #include "core/console.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

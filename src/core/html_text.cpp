@@ -1,7 +1,7 @@
 #include "core/html_text.h"
 
 #include "core/console.h"
-#include "core/html_converter.h"
+#include "core/contracts/html_converter.h"
 
 namespace zrl {
 

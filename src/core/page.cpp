@@ -1,8 +1,7 @@
 #include "core/page.h"
 
-#include "core/error.h"
-#include "core/text.h"
-#include "net/machine_sockets.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 
@@ -62,35 +61,24 @@ bool Page::run_program(std::string_view program, std::vector<std::string> operan
   });
 }
 
-bool Page::look_up_mail_exchangers(std::string_view domain) {
+StringList Page::mail_exchangers(std::string_view domain) {
+  StringList found;
   const std::string text = "lookup_mx " + std::string(domain);
-  return console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, [&] {
-    Resolver& resolver = console().resolver();
-    if (resolver.lookup_mx(domain).empty()) throw Error(resolver.last_dns_error(), resolver.problem());
-  });
+  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read,
+                    [&] { found = console().names().mail_exchangers(domain); });
+  return found;
 }
 
 std::string Page::find_mail_exchanger(std::string_view domain) {
-  return look_up_mail_exchangers(domain) ? console().resolver().best_mx() : std::string();
-}
-
-StringList Page::mail_exchangers(std::string_view domain) {
-  StringList result;
-  if (!look_up_mail_exchangers(domain)) return result;
-  for (const MailExchanger& found : console().resolver().mx_list()) result.push_back(found.exchange);
-  return result;
+  const StringList exchangers = mail_exchangers(domain);
+  return exchangers.empty() ? std::string() : std::string(exchangers[0]);
 }
 
 std::string Page::address_of(std::string_view host) {
   std::string address;
   const std::string text = "host_address " + std::string(host);
-  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, [&] {
-    MachineSockets sockets(console().resolver());
-    std::string error_text;
-    address = host_address(sockets, host, error_text);
-    if (!address.empty()) return;
-    throw Error(sockets.last_error(), std::string(trim(error_text)) + " " + sockets.problem());
-  });
+  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read,
+                    [&] { address = console().names().host_address(host); });
   return address;
 }
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/contracts/dns_client.h"
 #include "core/database_client.h"
-#include "core/dns_client.h"
 #include "core/form.h"
 
 namespace zrl {
@@ -74,8 +74,6 @@ class Page : public DatabaseClient, public Form {
   Settings& settings() { return console().settings(); }
 
  private:
-  bool look_up_mail_exchangers(std::string_view domain);
-
   std::map<const CheckBox*, std::string_view> switch_keys_;
   std::shared_ptr<DnsClient> dns_;
 };

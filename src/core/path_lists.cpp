@@ -5,7 +5,7 @@
 
 #include "core/controls.h"
 #include "core/form.h"
-#include "core/paths.h"
+#include "core/text/paths.h"
 
 namespace zrl {
 

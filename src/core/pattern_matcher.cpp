@@ -1,9 +1,9 @@
 #include "core/pattern_matcher.h"
 
 #include "core/console.h"
-#include "core/error.h"
-#include "core/list_entry.h"
-#include "core/regexp.h"
+#include "core/contracts/regexp.h"
+#include "core/text/error.h"
+#include "core/text/list_entry.h"
 
 namespace zrl {
 

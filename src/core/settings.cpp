@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "core/console.h"
-#include "core/paths.h"
-#include "core/registry.h"
-#include "core/text.h"
+#include "core/contracts/registry.h"
+#include "core/text/paths.h"
+#include "core/text/text.h"
 
 namespace zrl {
 
@@ -47,11 +47,7 @@ const std::string& Settings::product_key() {
 }
 
 std::string Settings::path_of(std::string_view name) {
-  return join("HKLM\\" + branch(), "\\", name);
-}
-
-std::string Settings::branch() {
-  return join("SOFTWARE", "\\", product_key());
+  return join("HKLM\\SOFTWARE\\" + product_key(), "\\", name);
 }
 
 std::string Settings::regread(std::string_view path) {
@@ -72,14 +68,22 @@ bool Settings::regwrite_dword(std::string_view path, std::uint32_t number) {
                           [&] { console_.components().create<Registry>()->write_dword(path, number); });
 }
 
-bool Settings::delete_value(Hive, std::string_view branch, std::string_view name) {
-  const std::string path = join(join("HKLM", "\\", branch), "\\", name);
-  return console_.attempt(Kind::registry, "delete " + path, Step::write,
+bool Settings::delete_value(std::string_view path) {
+  return console_.attempt(Kind::registry, join("delete", " ", path), Step::write,
                           [&] { console_.components().create<Registry>()->delete_value(path); });
 }
 
 std::string Settings::product_version() {
   return std::string(trim(regread(product_version_path())));
+}
+
+SmtpDirectories Settings::smtp_directories(unsigned instance) {
+  const std::string branch = "SmtpSvc\\" + std::to_string(instance) + '\\';
+  const auto read = [&](std::string_view name) { return regread(path_of(branch + std::string(name))); };
+  return {.drop = read("DropDirectory"),
+          .bad_mail = read("BadMailDirectory"),
+          .pickup = read("PickupDirectory"),
+          .queue = read("QueueDirectory")};
 }
 
 }  // namespace zrl

@@ -8,13 +8,20 @@ namespace zrl {
 
 class Console;
 
+// The folders of an instance of the mail server, as paths of the product. One that is not set is
+// empty.
+struct SmtpDirectories {
+  std::string drop;
+  std::string bad_mail;
+  std::string pickup;
+  std::string queue;
+};
+
 // The settings outside the database: the product key from "proxy.ini" and the values in the
 // registry store. No operation throws: a read that fails is empty, a write or deletion that fails
 // changes nothing; both are recorded as failed steps.
 class Settings {
  public:
-  enum class Hive { local_machine };
-
   explicit Settings(Console& console) : console_(console) {}
 
   // The text behind the last "=" in "proxy.ini", blanks and line breaks taken out; "Mirvan" if
@@ -25,19 +32,19 @@ class Settings {
   std::string path_of(std::string_view name);
   std::string product_version_path() { return path_of("ProductVersion"); }
   std::string data_provider_path() { return path_of("dataprovider"); }
-  std::string prepdb_path() { return path_of("prepdb"); }
   std::string debug_path() { return path_of("debug"); }
   std::string language_path() { return path_of("language"); }
-  // The branch without the hive: "SOFTWARE\" + product key.
-  std::string branch();
 
   std::string regread(std::string_view path);
   bool regwrite_string(std::string_view path, std::string_view text);
   bool regwrite_dword(std::string_view path, std::uint32_t number);
-  bool delete_value(Hive hive, std::string_view branch, std::string_view name);
+  bool delete_value(std::string_view path);
 
   // The trimmed value of `ProductVersion`.
   std::string product_version();
+  // The values "SmtpSvc\N\DropDirectory", "BadMailDirectory", "PickupDirectory" and "QueueDirectory"
+  // under the product key, `instance` being N.
+  SmtpDirectories smtp_directories(unsigned instance);
 
  private:
   Console& console_;

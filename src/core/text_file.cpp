@@ -3,9 +3,9 @@
 #include <filesystem>
 
 #include "core/console.h"
-#include "core/error.h"
-#include "core/paths.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -14,31 +14,18 @@
 #include "components/pcre2/pcre2_regexp.h"
 #include "components/service/service_components.h"
 #include "components/sqlite/sqlite_components.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "host/program_output.h"
-#include "net/machine_sockets.h"
+#include "net/name_lookup.h"
 #include "pages/lists/remote_update.h"
 
 namespace zrl {
 
 namespace {
 
-// The resolver, which looks for its servers and time-out again as long as it knows no server.
-Resolver& ready(Resolver& resolver) {
-  if (resolver.dns_servers().empty()) resolver.discover_dns_servers();
-  return resolver;
-}
-
-std::vector<std::string> server_texts(Resolver& resolver) {
-  std::vector<std::string> texts;
-  for (const DnsServer& server : ready(resolver).dns_servers()) texts.push_back(server.text());
-  return texts;
-}
-
 DnsSurroundings dns_surroundings(Console& console) {
-  return {[&resolver = console.resolver()] { return server_texts(resolver); },
-          [&resolver = console.resolver()] { return ready(resolver).dns_timeout(); },
-          [&host = console.host()](std::chrono::milliseconds time) { host.wait(time); }};
+  return {[&console] { return console.names().servers(); }, [&console] { return console.names().time_out(); },
+          [&console](std::chrono::milliseconds time) { console.wait(time); }};
 }
 
 std::string data_provider(Console& console) {
@@ -59,11 +46,10 @@ DirectorySettings directory_settings(Console& console) {
 }
 
 CheckSurroundings check_surroundings(Console& console) {
-  return {[&console] { return console.components().create<Database>(); },
-          [&console] { return data_provider(console); },
-          [&console](std::string_view entry, std::string_view text) {
-            return console.pattern_matcher().regex_match(entry, text);
-          }};
+  return {
+      [&console] { return console.components().create<Database>(); },
+      [&console] { return data_provider(console); },
+      [&console](std::string_view entry, std::string_view text) { return console.regex_match(entry, text); }};
 }
 
 DownloaderSettings downloader_settings(Console& console) {
@@ -102,12 +88,8 @@ std::vector<std::string> addresses_where_servers_are_named(Console& console, con
   in6_addr bytes;
   const bool is_address = host.starts_with('[') || ::inet_pton(AF_INET, host.c_str(), &bytes) == 1 ||
                           ::inet_pton(AF_INET6, host.c_str(), &bytes) == 1;
-  if (is_address || !hosts_file_path().empty()) return {};
-  MachineSockets sockets(console.resolver());
-  std::string problem;
-  const std::string address = host_address(sockets, host, problem);
-  if (address.empty()) throw Error(sockets.last_error(), "no address was found for " + host);
-  return {address};
+  if (is_address || !console.names().asks_only_servers()) return {};
+  return {console.names().host_address(host)};
 }
 
 }  // namespace
@@ -134,6 +116,7 @@ void register_components(Console& console) {
                                   directory_settings(console));
   });
 
+  components.add<NameLookup>([&console] { return make_name_lookup(console); });
   components.add<DnsClient>([&console] { return make_dns_client(dns_surroundings(console)); });
   components.add<BlockLists>([&console] { return make_block_lists(block_list_settings(console)); });
   components.add<CheckPlugin>(checks::surbl,

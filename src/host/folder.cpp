@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 
-#include "core/database.h"
-#include "core/error.h"
-#include "core/paths.h"
+#include "core/contracts/database.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
 #include "host/version.h"
 
 namespace zrl {

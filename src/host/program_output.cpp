@@ -10,7 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "core/error.h"
+#include "core/text/error.h"
 #include "host/program_starter.h"
 
 namespace zrl {

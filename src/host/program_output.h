@@ -3,7 +3,7 @@
 #include <chrono>
 
 #include "components/service/service_components.h"
-#include "core/host.h"
+#include "core/contracts/host.h"
 
 namespace zrl {
 

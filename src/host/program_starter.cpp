@@ -9,9 +9,9 @@
 #include <spawn.h>
 #include <unistd.h>
 
-#include "core/error.h"
-#include "core/paths.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -7,7 +7,7 @@
 #include <spawn.h>
 #include <sys/types.h>
 
-#include "core/host.h"
+#include "core/contracts/host.h"
 
 namespace zrl {
 

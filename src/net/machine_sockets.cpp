@@ -12,7 +12,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

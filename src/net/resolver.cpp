@@ -7,7 +7,7 @@
 #include <limits>
 #include <optional>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "net/udp_socket.h"
 
 namespace zrl {

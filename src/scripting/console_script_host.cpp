@@ -3,8 +3,8 @@
 #include <string_view>
 
 #include "core/console.h"
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -1,9 +1,9 @@
 #include "scripting/script_engine_page.h"
 
-#include "core/error.h"
-#include "core/paths.h"
-#include "core/script_content.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
+#include "core/text/script_content.h"
+#include "core/text/text.h"
 #include "core/text_file.h"
 #include "pages/lists/remote_update.h"
 

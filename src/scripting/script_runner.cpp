@@ -4,10 +4,9 @@
 #include <limits>
 #include <utility>
 
-#include "core/error.h"
-#include "core/script_content.h"
-#include "core/text.h"
-#include "core/time_stamp.h"
+#include "core/text/error.h"
+#include "core/text/script_content.h"
+#include "core/text/text.h"
 
 namespace zrl {
 
@@ -156,7 +155,7 @@ std::optional<std::int32_t> ScriptRunner::result_of(std::string_view name, std::
 }
 
 void ScriptRunner::log(std::string_view name, std::int32_t value) {
-  std::string line = time_stamp(console_) + ": ";
+  std::string line = console_.time_stamp() + ": ";
   line.append(name).append(".").append(current_position_).append(" = ").append(std::to_string(value));
   last_log_result_ = component_step("proto " + line, [&] {
     if (!logger_) throw Error(error_number::object_not_set, "no logging component");

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/contracts/logger.h"
 #include "core/database_client.h"
-#include "core/logger.h"
 #include "scripting/console_script_host.h"
 #include "scripting/vbscript/engine.h"
 

@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 
@@ -87,7 +87,7 @@ void ServiceControlPage::save() {
     execute(delete_from("myips", "IPNumber", Text1.text()));
     execute(insert_into("myips", "IPNumber", Text1.text()));
   }
-  if (!console().pattern_matcher().regex_match(holds_ip_number, listenip.text()).empty()) {
+  if (!console().regex_match(holds_ip_number, listenip.text()).empty()) {
     set_string("listenip", listenip.text());
   }
   execute("DELETE FROM konf where ID='listenport'");

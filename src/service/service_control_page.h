@@ -5,8 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "core/contracts/service_manager.h"
 #include "core/page.h"
-#include "core/service_manager.h"
 
 namespace zrl {
 

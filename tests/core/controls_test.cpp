@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "core/console.h"
-#include "core/error.h"
 #include "core/form.h"
-#include "core/paths.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
 

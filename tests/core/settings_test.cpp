@@ -46,7 +46,6 @@ TEST(ProductKey, IsWhatStandsBehindTheLastEqualsSign) {
 TEST_F(SettingsTest, PathsLieUnderTheProductKeyOfTheIniFile) {
   write_ini("name = Acme Mail");
   EXPECT_EQ(settings.data_provider_path(), "HKLM\\SOFTWARE\\AcmeMail\\dataprovider");
-  EXPECT_EQ(settings.branch(), "SOFTWARE\\AcmeMail");
   write_ini("other");  // the key is read once
   EXPECT_EQ(settings.product_key(), "AcmeMail");
 }
@@ -68,7 +67,7 @@ TEST_F(SettingsTest, WritesAreRecordedAndKeepTheirKind) {
   EXPECT_EQ(store.writes, (std::vector<std::string>{"REG_DWORD HKLM\\SOFTWARE\\Mirvan\\reloadblack=1",
                                                     "REG_SZ HKLM\\SOFTWARE\\Mirvan\\language=german"}));
   EXPECT_EQ(settings.regread("hklm\\software\\MIRVAN\\Language"), "german");
-  settings.delete_value(Settings::Hive::local_machine, settings.branch(), "language");
+  settings.delete_value(settings.language_path());
   EXPECT_EQ(settings.regread(settings.language_path()), "");
   ASSERT_EQ(console.activity().total(), 3u);
   EXPECT_EQ(console.activity()[0].text, "HKLM\\SOFTWARE\\Mirvan\\reloadblack=1");
@@ -80,7 +79,7 @@ TEST_F(SettingsTest, FailuresAreSwallowedAndRecorded) {
   EXPECT_EQ(settings.regread(settings.debug_path()), "");
   EXPECT_FALSE(settings.regwrite_dword(settings.debug_path(), 1));
   console.components().remove(Registry::program_id);
-  EXPECT_FALSE(settings.delete_value(Settings::Hive::local_machine, settings.branch(), "debug"));
+  EXPECT_FALSE(settings.delete_value(settings.debug_path()));
   EXPECT_EQ(console.activity().failures(), 3u);
   EXPECT_EQ(console.activity()[0].error, "Permission denied");
 }

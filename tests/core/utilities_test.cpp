@@ -8,15 +8,13 @@
 #include <gtest/gtest.h>
 
 #include "core/console.h"
-#include "core/error.h"
-#include "core/html_converter.h"
+#include "core/contracts/html_converter.h"
+#include "core/contracts/regexp.h"
 #include "core/html_text.h"
-#include "core/mail_directories.h"
-#include "core/paths.h"
 #include "core/pattern_matcher.h"
-#include "core/regexp.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
 #include "core/text_file.h"
-#include "core/time_stamp.h"
 #include "support/fake_components.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
@@ -78,18 +76,17 @@ class UtilitiesTest : public testing::Test {
 
 TEST_F(UtilitiesTest, MatchingKeepsOneComponent) {
   console.components().add<RegExp>([this] { return std::make_shared<PlainRegExp>(made); });
-  PatternMatcher& matcher = console.pattern_matcher();
-  EXPECT_EQ(matcher.regex_match("REGEX[b]", "abc"), "b");
-  EXPECT_EQ(matcher.regex_match("regex[x]", "abc"), "");
-  EXPECT_EQ(matcher.regex_match("b", "abc"), "");  // no regular expression
+  EXPECT_EQ(console.regex_match("REGEX[b]", "abc"), "b");
+  EXPECT_EQ(console.regex_match("regex[x]", "abc"), "");
+  EXPECT_EQ(console.regex_match("b", "abc"), "");  // no regular expression
   EXPECT_EQ(made, 1);
   EXPECT_EQ(console.activity().total(), 0u);
 
-  EXPECT_EQ(matcher.regex_match("REGEX[(]", "abc"), "");
+  EXPECT_EQ(console.regex_match("REGEX[(]", "abc"), "");
   EXPECT_THAT(last_failure(), testing::HasSubstr("Expected ')'"));
-  EXPECT_EQ(matcher.regex_match("REGEX[!]", "abc"), "");
+  EXPECT_EQ(console.regex_match("REGEX[!]", "abc"), "");
   EXPECT_THAT(last_failure(), testing::HasSubstr("given up"));
-  EXPECT_EQ(matcher.regex_match("REGEX[c]", "abc"), "c");
+  EXPECT_EQ(console.regex_match("REGEX[c]", "abc"), "c");
 }
 
 TEST_F(UtilitiesTest, HtmlIsConvertedByOneComponent) {
@@ -103,14 +100,14 @@ TEST_F(UtilitiesTest, HtmlIsConvertedByOneComponent) {
 }
 
 TEST_F(UtilitiesTest, AMissingMatcherIsAFailedStep) {
-  EXPECT_EQ(console.pattern_matcher().regex_match("REGEX[b]", "abc"), "");
+  EXPECT_EQ(console.regex_match("REGEX[b]", "abc"), "");
   EXPECT_NE(last_failure(), "");
 }
 
 TEST_F(UtilitiesTest, TimeStampsAreLocal) {
   ::setenv("TZ", "CET-1CEST", 1);
   ::tzset();
-  EXPECT_EQ(time_stamp(console), "20051104173005");
+  EXPECT_EQ(console.time_stamp(), "20051104173005");
   ::unsetenv("TZ");
   ::tzset();
 }
@@ -120,12 +117,12 @@ TEST_F(UtilitiesTest, MailDirectoriesBelongToAnInstance) {
   store.values["hklm\\software\\mirvan\\smtpsvc\\2\\queuedirectory"] = "D:\\queue";
   store.values["hklm\\software\\mirvan\\smtpsvc\\1\\pickupdirectory"] = "C:\\pickup";
   store.values["hklm\\software\\mirvan\\smtpsvc\\2\\badmaildirectory"] = "D:\\bad";
-  const SmtpDirectories second = smtp_directories(console, 2);
+  const SmtpDirectories second = console.settings().smtp_directories(2);
   EXPECT_EQ(second.drop, "D:\\drop");
   EXPECT_EQ(second.bad_mail, "D:\\bad");
   EXPECT_EQ(second.pickup, "");
   EXPECT_EQ(second.queue, "D:\\queue");
-  EXPECT_EQ(smtp_directories(console, 1).pickup, "C:\\pickup");
+  EXPECT_EQ(console.settings().smtp_directories(1).pickup, "C:\\pickup");
 }
 
 TEST_F(UtilitiesTest, TextFilesAreWrittenInAscii) {

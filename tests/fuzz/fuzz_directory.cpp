@@ -5,8 +5,8 @@
 
 #include "components/directory/domain_name.h"
 #include "components/directory/mail_address.h"
-#include "core/statement.h"
-#include "core/text.h"
+#include "core/contracts/statement.h"
+#include "core/text/text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string value(reinterpret_cast<const char*>(data), size);

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "core/encoded_words.h"
-#include "core/text.h"
+#include "core/text/encoded_words.h"
+#include "core/text/text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view header(reinterpret_cast<const char*>(data), size);

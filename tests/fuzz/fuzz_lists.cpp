@@ -9,8 +9,8 @@
 #include <unistd.h>
 
 #include "components/sqlite/list_reader.h"
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace {
 

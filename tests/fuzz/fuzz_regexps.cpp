@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "components/pcre2/pcre2_regexp.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace {
 

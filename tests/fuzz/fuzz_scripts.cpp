@@ -5,10 +5,10 @@
 #include <set>
 
 #include "components/downloader/published_scripts.h"
-#include "core/error.h"
-#include "core/script_content.h"
-#include "core/statement.h"
-#include "core/text.h"
+#include "core/contracts/statement.h"
+#include "core/text/error.h"
+#include "core/text/script_content.h"
+#include "core/text/text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {

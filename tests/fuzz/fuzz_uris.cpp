@@ -8,7 +8,7 @@
 #include "components/block_lists/domain_name.h"
 #include "components/block_lists/registrable_domain.h"
 #include "components/block_lists/uri_finder.h"
-#include "core/list_entry.h"
+#include "core/text/list_entry.h"
 
 namespace {
 

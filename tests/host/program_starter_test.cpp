@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "core/error.h"
-#include "core/paths.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
 #include "support/temporary_folder.h"
 
 namespace zrl {

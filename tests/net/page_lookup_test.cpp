@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "core/page.h"
+#include "net/name_lookup.h"
 #include "support/dns_environment.h"
 #include "support/fake_components.h"
 #include "support/recording_host.h"
@@ -22,7 +23,10 @@ class LookupPage : public Page {
 
 class PageLookupTest : public testing::Test {
  protected:
-  PageLookupTest() { test::add_registry(console.components(), store); }
+  PageLookupTest() {
+    test::add_registry(console.components(), store);
+    console.components().add<NameLookup>([this] { return make_name_lookup(console); });
+  }
 
   std::string last_failure() {
     const ActivityRecord& record = console.activity();
@@ -68,7 +72,7 @@ TEST_F(PageLookupTest, TheTimeOutIsTheSettings) {
   store.values["hklm\\software\\mirvan\\dnstimeout"] = "120";
   dns.server.set_manner({.silent = true});
   EXPECT_EQ(page.find_mail_exchanger("example.com"), "");
-  EXPECT_EQ(console.resolver().dns_timeout().count(), 120);
+  EXPECT_EQ(console.names().time_out().count(), 120);
   EXPECT_THAT(last_failure(), testing::EndsWith("gave no answer within 120 ms"));
 }
 

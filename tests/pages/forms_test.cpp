@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include "catalogue/catalogue.h"
 #include "components/locale/catalogue.h"
 #include "components/locale/catalogue_translator.h"
-#include "pages/catalogue.h"
 #include "pages/lists/transfer_dialog.h"
 #include "pages/tools/composer_dialog.h"
 #include "support/recording_host.h"

@@ -1,4 +1,4 @@
-#include "core/script_content.h"
+#include "core/text/script_content.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/time_stamp.h"
 #include "host/sample/scripts.h"
 #include "scripting/script_table.h"
 #include "support/installed_console.h"
@@ -53,7 +52,7 @@ TEST_F(ScriptRunnerTest, AddsUpThePositionsScriptsByPriorityAndLogsThem) {
   put("seen", "NEVER", 30, 0, returning("seen", "0"));
   EXPECT_EQ(run(runner, "connect", "x"), 3);
   EXPECT_THAT(log(), ElementsAre("first.CONNECT = 1", "second.CONNECT = 2"));
-  EXPECT_EQ(lines_of("Scripts.log").front().substr(0, 8), time_stamp(console).substr(0, 8));
+  EXPECT_EQ(lines_of("Scripts.log").front().substr(0, 8), console.time_stamp().substr(0, 8));
   EXPECT_TRUE(runner.last_log_result());
   EXPECT_THAT(problems(runner), IsEmpty());
 }

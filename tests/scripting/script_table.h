@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/script_content.h"
+#include "core/text/script_content.h"
 
 namespace zrl::test {
 

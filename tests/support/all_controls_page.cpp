@@ -4,7 +4,7 @@
 #include <fstream>
 #include <memory>
 
-#include "core/paths.h"
+#include "core/text/paths.h"
 
 namespace zrl::test {
 

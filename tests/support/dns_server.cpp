@@ -13,7 +13,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl::test {
 

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "core/components.h"
-#include "core/dns_client.h"
-#include "core/error.h"
-#include "core/registry.h"
-#include "core/text.h"
-#include "core/translator.h"
+#include "core/contracts/components.h"
+#include "core/contracts/dns_client.h"
+#include "core/contracts/registry.h"
+#include "core/contracts/translator.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl::test {
 

@@ -11,7 +11,7 @@
 #include <limits>
 #include <string>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "support/dns_server.h"
 
 namespace {

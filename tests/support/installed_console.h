@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/console.h"
-#include "core/database.h"
+#include "core/contracts/database.h"
 #include "host/composition.h"
 #include "host/folder.h"
 #include "support/recording_host.h"

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "core/dns_client.h"
-#include "core/error.h"
-#include "core/statement.h"
+#include "core/contracts/dns_client.h"
+#include "core/contracts/statement.h"
+#include "core/text/error.h"
 #include "support/fake_components.h"
 
 namespace zrl::test {

@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
+#include "core/contracts/host.h"
 #include "core/form.h"
-#include "core/host.h"
 
 namespace zrl::test {
 

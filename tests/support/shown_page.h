@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/registry.h"
+#include "core/contracts/registry.h"
 #include "support/installed_console.h"
 
 namespace zrl::test {

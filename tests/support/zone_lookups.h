@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "components/dns/sender_lookups.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl::test {
 

@@ -6,10 +6,10 @@
 #include <string_view>
 
 #include "components/dns/dns_surroundings.h"
-#include "core/block_lists.h"
-#include "core/check_plugin.h"
-#include "core/statement.h"
-#include "core/string_list.h"
+#include "core/contracts/block_lists.h"
+#include "core/contracts/check_plugin.h"
+#include "core/contracts/statement.h"
+#include "core/text/string_list.h"
 
 // The checks that ask DNS-based lists (RFC 5782).
 namespace zrl {

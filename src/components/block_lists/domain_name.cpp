@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "components/dns/ip_address.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

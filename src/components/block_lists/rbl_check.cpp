@@ -1,8 +1,8 @@
 #include "components/block_lists/block_list_components.h"
 #include "components/block_lists/domain_name.h"
 #include "components/block_lists/zones.h"
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

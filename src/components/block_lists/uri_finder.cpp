@@ -9,8 +9,8 @@
 
 #include "components/block_lists/domain_name.h"
 #include "components/block_lists/registrable_domain.h"
-#include "core/list_entry.h"
-#include "core/text.h"
+#include "core/text/list_entry.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -7,7 +7,7 @@
 
 #include "components/block_lists/domain_name.h"
 #include "components/dns/dns_answers.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -1,7 +1,7 @@
 #include "components/checks/check_components.h"
 #include "components/checks/keyword_lists.h"
 #include "components/checks/keyword_search.h"
-#include "core/reply_texts.h"
+#include "core/text/reply_texts.h"
 
 namespace zrl {
 

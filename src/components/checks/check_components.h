@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/check_plugin.h"
-#include "core/components.h"
-#include "core/database.h"
+#include "core/contracts/check_plugin.h"
+#include "core/contracts/components.h"
+#include "core/contracts/database.h"
 
 namespace zrl {
 

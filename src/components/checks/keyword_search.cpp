@@ -1,8 +1,8 @@
 #include "components/checks/keyword_search.h"
 
-#include "core/error.h"
-#include "core/list_entry.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/list_entry.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

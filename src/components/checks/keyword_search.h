@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "components/checks/text_index.h"
-#include "core/string_list.h"
+#include "core/text/string_list.h"
 
 namespace zrl {
 

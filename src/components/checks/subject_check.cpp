@@ -4,8 +4,8 @@
 #include "components/checks/keyword_lists.h"
 #include "components/checks/keyword_search.h"
 #include "components/checks/subject_field.h"
-#include "core/encoded_words.h"
-#include "core/reply_texts.h"
+#include "core/text/encoded_words.h"
+#include "core/text/reply_texts.h"
 
 namespace zrl {
 

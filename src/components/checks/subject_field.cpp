@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "core/text.h"
-#include "core/text_lines.h"
+#include "core/text/text.h"
+#include "core/text/text_lines.h"
 
 namespace zrl {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/directory.h"
-#include "core/host.h"
-#include "core/string_list.h"
+#include "core/contracts/directory.h"
+#include "core/contracts/host.h"
+#include "core/text/string_list.h"
 
 // What directory servers (LDAP, RFC 4511) know about domains and users. Nobody signs in: servers
 // are asked for what they tell everybody.

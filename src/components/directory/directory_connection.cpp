@@ -5,8 +5,8 @@
 
 #include <sys/time.h>
 
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

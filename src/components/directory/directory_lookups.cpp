@@ -5,7 +5,7 @@
 #include "components/directory/directory_components.h"
 #include "components/directory/directory_connection.h"
 #include "components/directory/domain_name.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

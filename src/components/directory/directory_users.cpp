@@ -3,8 +3,8 @@
 #include "components/directory/directory_components.h"
 #include "components/directory/directory_connection.h"
 #include "components/directory/mail_address.h"
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

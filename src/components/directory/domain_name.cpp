@@ -6,7 +6,7 @@
 
 #include <ldap.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

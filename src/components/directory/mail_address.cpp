@@ -1,6 +1,6 @@
 #include "components/directory/mail_address.h"
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

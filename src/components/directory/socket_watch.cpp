@@ -5,7 +5,7 @@
 
 #include <poll.h>
 
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

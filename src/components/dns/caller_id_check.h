@@ -5,7 +5,7 @@
 
 #include "components/dns/sender_check.h"
 #include "components/dns/sender_lookups.h"
-#include "core/dns_client.h"
+#include "core/contracts/dns_client.h"
 
 namespace zrl {
 

@@ -6,8 +6,8 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

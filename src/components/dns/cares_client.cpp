@@ -7,8 +7,8 @@
 #include "components/dns/dns_answers.h"
 #include "components/dns/spf_check.h"
 #include "components/dns/spf_record.h"
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "components/dns/dns_surroundings.h"
-#include "core/dns_client.h"
+#include "core/contracts/dns_client.h"
 
 namespace zrl {
 

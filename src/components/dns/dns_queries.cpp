@@ -6,7 +6,7 @@
 #include <ares.h>
 #include <poll.h>
 
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

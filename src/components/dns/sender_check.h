@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "components/dns/ip_address.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

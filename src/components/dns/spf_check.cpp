@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "components/dns/spf_record.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

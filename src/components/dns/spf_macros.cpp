@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "components/dns/sender_lookups.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -11,7 +11,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

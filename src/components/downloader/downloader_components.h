@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "core/database.h"
-#include "core/downloader.h"
-#include "core/host.h"
+#include "core/contracts/database.h"
+#include "core/contracts/downloader.h"
+#include "core/contracts/host.h"
 
 // Lists and scripts from an update server, over HTTP and HTTPS.
 namespace zrl {

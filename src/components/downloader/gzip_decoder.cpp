@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <new>
 
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "components/downloader/downloaded_file.h"
-#include "core/error.h"
-#include "core/paths.h"
-#include "core/script_content.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
+#include "core/text/script_content.h"
 
 namespace zrl {
 

@@ -12,8 +12,8 @@
 #include <curl/curl.h>
 
 #include "components/downloader/gzip_decoder.h"
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

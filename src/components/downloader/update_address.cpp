@@ -4,8 +4,8 @@
 
 #include <curl/curl.h>
 
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -8,7 +8,7 @@
 #include <libxml/HTMLparser.h>
 #include <libxml/parserInternals.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

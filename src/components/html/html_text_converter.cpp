@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "components/html/html_reader.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

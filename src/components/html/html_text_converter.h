@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include "core/html_converter.h"
+#include "core/contracts/html_converter.h"
 
 namespace zrl {
 

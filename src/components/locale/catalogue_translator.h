@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "core/translator.h"
+#include "core/contracts/translator.h"
 
 namespace zrl {
 

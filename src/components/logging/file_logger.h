@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include "core/logger.h"
+#include "core/contracts/logger.h"
 
 namespace zrl {
 

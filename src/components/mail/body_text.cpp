@@ -9,7 +9,7 @@
 #include <iconv.h>
 
 #include "components/mail/mime_library.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -7,9 +7,9 @@
 #include "components/mail/mail_reader.h"
 #include "components/mail/mail_writer.h"
 #include "components/mail/smtp_delivery.h"
-#include "core/error.h"
-#include "core/mail_address.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/mail_address.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

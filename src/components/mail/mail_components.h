@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/mail_message.h"
+#include "core/contracts/mail_message.h"
 
 // Mail messages: read with GMime, sent with libcurl.
 namespace zrl {

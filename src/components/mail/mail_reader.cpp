@@ -7,9 +7,9 @@
 #include "components/mail/body_text.h"
 #include "components/mail/mime_library.h"
 #include "components/mail/mime_structure.h"
-#include "core/encoded_words.h"
-#include "core/mail_address.h"
-#include "core/text.h"
+#include "core/text/encoded_words.h"
+#include "core/text/mail_address.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "core/mail_message.h"
+#include "core/contracts/mail_message.h"
 
 namespace zrl {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "components/mail/mime_library.h"
-#include "core/base64.h"
-#include "core/text.h"
+#include "core/text/base64.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

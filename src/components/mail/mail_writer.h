@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "core/mail_address.h"
-#include "core/mail_message.h"
+#include "core/contracts/mail_message.h"
+#include "core/text/mail_address.h"
 
 namespace zrl {
 

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <optional>
 
-#include "core/text.h"
-#include "core/text_lines.h"
+#include "core/text/text.h"
+#include "core/text/text_lines.h"
 
 namespace zrl {
 

@@ -11,8 +11,8 @@
 #include <pthread.h>
 #include <signal.h>
 
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -3,8 +3,8 @@
 #include <limits>
 #include <new>
 
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

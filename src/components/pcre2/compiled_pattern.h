@@ -7,7 +7,7 @@
 
 #include "components/pcre2/dialect.h"
 #include "components/pcre2/pcre2_api.h"
-#include "core/regexp.h"
+#include "core/contracts/regexp.h"
 
 namespace zrl {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

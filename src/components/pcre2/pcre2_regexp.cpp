@@ -7,8 +7,8 @@
 #include <variant>
 
 #include "components/pcre2/searcher.h"
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "core/regexp.h"
+#include "core/contracts/regexp.h"
 
 namespace zrl {
 

@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
-#include "core/host.h"
-#include "core/service_manager.h"
+#include "core/contracts/host.h"
+#include "core/contracts/service_manager.h"
 
 namespace zrl {
 

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "components/service/unit.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

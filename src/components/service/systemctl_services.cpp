@@ -1,6 +1,6 @@
 #include "components/service/systemctl_services.h"
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

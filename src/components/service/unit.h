@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/error.h"
-#include "core/service_manager.h"
+#include "core/contracts/service_manager.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

@@ -9,8 +9,8 @@
 #include <unistd.h>
 
 #include "components/sqlite/list_transfer.h"
-#include "core/error.h"
-#include "core/paths.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
 
 namespace zrl {
 

@@ -8,7 +8,7 @@
 
 #include "components/sqlite/entry_set.h"
 #include "components/sqlite/list_reader.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

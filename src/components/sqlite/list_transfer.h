@@ -5,9 +5,9 @@
 #include <functional>
 
 #include "components/sqlite/sqlite_connection.h"
-#include "core/host.h"
-#include "core/statement.h"
-#include "core/string_list.h"
+#include "core/contracts/host.h"
+#include "core/contracts/statement.h"
+#include "core/text/string_list.h"
 
 // Whole lists to and from files. Each of these is one transaction, all or nothing.
 namespace zrl {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/database.h"
-#include "core/host.h"
-#include "core/registry.h"
+#include "core/contracts/database.h"
+#include "core/contracts/host.h"
+#include "core/contracts/registry.h"
 
 // The database access component and the registry, on SQLite files in the console's folder.
 namespace zrl {

@@ -6,7 +6,7 @@
 #include "components/sqlite/sqlite_components.h"
 #include "components/sqlite/sqlite_engine.h"
 #include "components/sqlite/statement_cache.h"
-#include "core/database.h"
+#include "core/contracts/database.h"
 
 namespace zrl {
 

@@ -8,7 +8,7 @@
 
 #include "components/sqlite/list_transfer.h"
 #include "components/sqlite/sqlite_connection.h"
-#include "core/database.h"
+#include "core/contracts/database.h"
 
 namespace zrl {
 

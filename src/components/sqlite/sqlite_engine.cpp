@@ -3,7 +3,7 @@
 #include <thread>
 #include <utility>
 
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

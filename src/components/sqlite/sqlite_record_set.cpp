@@ -5,8 +5,8 @@
 #include <functional>
 #include <utility>
 
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -2,7 +2,7 @@
 
 #include "components/sqlite/sqlite_components.h"
 #include "components/sqlite/sqlite_engine.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 

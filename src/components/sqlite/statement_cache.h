@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "components/sqlite/sqlite_engine.h"
-#include "core/statement.h"
+#include "core/contracts/statement.h"
 
 namespace zrl {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "pages/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace zrl::command {
 

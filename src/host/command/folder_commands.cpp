@@ -4,8 +4,8 @@
 #include <ostream>
 
 #include "core/console.h"
-#include "core/registry.h"
-#include "core/text.h"
+#include "core/contracts/registry.h"
+#include "core/text/text.h"
 #include "host/command/commands.h"
 #include "host/command/step_runner.h"
 #include "host/composition.h"

@@ -5,7 +5,7 @@
 #include <ostream>
 
 #include "core/controls.h"
-#include "core/text.h"
+#include "core/text/text.h"
 #include "host/form_json.h"
 
 namespace zrl::command {

@@ -1,6 +1,6 @@
 #include "host/command/step.h"
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl::command {
 

@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "core/controls.h"
-#include "core/text.h"
+#include "core/text/text.h"
 #include "host/program_starter.h"
 
 namespace zrl::command {

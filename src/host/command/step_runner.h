@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "core/console.h"
+#include "core/contracts/host.h"
 #include "core/form.h"
-#include "core/host.h"
 #include "host/command/step.h"
 
 namespace zrl::command {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "core/statement.h"
+#include "core/contracts/statement.h"
 #include "host/sample/generator.h"
 
 namespace zrl::sample {

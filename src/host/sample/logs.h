@@ -4,7 +4,7 @@
 #include <functional>
 #include <string_view>
 
-#include "core/database.h"
+#include "core/contracts/database.h"
 #include "host/sample/lists.h"
 
 namespace zrl::sample {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/error.h"
+#include "core/text/error.h"
 #include "host/sample/lists.h"
 
 namespace zrl::sample {

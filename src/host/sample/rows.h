@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <string_view>
 
-#include "core/database.h"
+#include "core/contracts/database.h"
 
 namespace zrl::sample {
 

@@ -8,8 +8,8 @@
 
 #include <sodium.h>
 
-#include "core/paths.h"
-#include "core/text.h"
+#include "core/text/paths.h"
+#include "core/text/text.h"
 
 namespace zrl::web {
 

@@ -8,7 +8,7 @@
 #include <sodium.h>
 
 #include "core/console.h"
-#include "core/text.h"
+#include "core/text/text.h"
 #include "host/web/audit.h"
 #include "host/web/responses.h"
 #include "host/web/uploads.h"

@@ -7,7 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl::web {
 

@@ -4,7 +4,7 @@
 #include <boost/json/array.hpp>
 #include <boost/json/value.hpp>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "host/form_json.h"
 
 namespace zrl::web {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/controls.h"
-#include "core/string_list.h"
+#include "core/text/string_list.h"
 
 namespace zrl::web {
 

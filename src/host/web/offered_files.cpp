@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "host/web/random_token.h"
 #include "host/web/responses.h"
 #include "host/web/terminal.h"

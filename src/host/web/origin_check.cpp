@@ -5,7 +5,7 @@
 #include <arpa/inet.h>
 #include <unistd.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl::web {
 

@@ -7,7 +7,7 @@
 
 #include <sodium.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl::web {
 

@@ -6,15 +6,15 @@
 #include <string_view>
 #include <vector>
 
+#include "catalogue/catalogue.h"
 #include "core/activity.h"
 #include "core/console.h"
+#include "core/contracts/host.h"
 #include "core/controls.h"
-#include "core/host.h"
 #include "host/web/list_filter.h"
 #include "host/web/offered_files.h"
 #include "host/web/shown_form.h"
 #include "host/web/terminal.h"
-#include "pages/catalogue.h"
 
 // The messages to the browser, as their texts.
 namespace zrl::web {

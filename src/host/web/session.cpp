@@ -1,6 +1,6 @@
 #include "host/web/session.h"
 
-#include "core/error.h"
+#include "core/text/error.h"
 #include "host/web/outgoing.h"
 #include "host/web/responses.h"
 #include "host/web/uploads.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/error.h"
-#include "core/registry.h"
-#include "core/text.h"
+#include "core/contracts/registry.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl::web {
 

@@ -12,8 +12,9 @@
 #include <string_view>
 #include <vector>
 
+#include "catalogue/catalogue.h"
 #include "core/console.h"
-#include "core/host.h"
+#include "core/contracts/host.h"
 #include "core/page.h"
 #include "host/web/audit.h"
 #include "host/web/inbox.h"
@@ -22,7 +23,6 @@
 #include "host/web/outgoing.h"
 #include "host/web/shown_form.h"
 #include "host/web/terminals.h"
-#include "pages/catalogue.h"
 
 namespace zrl::web {
 

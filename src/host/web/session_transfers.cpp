@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "core/error.h"
-#include "core/paths.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
 #include "host/web/session_console.h"
 #include "host/web/uploads.h"
 

@@ -15,8 +15,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "core/error.h"
-#include "core/paths.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
 #include "host/program_starter.h"
 
 namespace zrl::web {

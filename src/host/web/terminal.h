@@ -8,7 +8,7 @@
 
 #include <sys/types.h>
 
-#include "core/host.h"
+#include "core/contracts/host.h"
 
 namespace zrl::web {
 

@@ -7,7 +7,7 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include "core/error.h"
+#include "core/text/error.h"
 #include "host/web/outgoing.h"
 
 namespace zrl::web {

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/catalogue.h"
 #include "core/console.h"
 #include "host/web/application.h"
 #include "host/web/http_server.h"
-#include "pages/catalogue.h"
 
 namespace zrl::web {
 

@@ -1,8 +1,8 @@
 #include "pages/lists/block_list_page.h"
 
-#include "core/error.h"
-#include "core/list_entry.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/list_entry.h"
+#include "core/text/text.h"
 #include "pages/tools/composer_dialog.h"
 
 namespace zrl {

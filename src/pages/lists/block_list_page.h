@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "core/block_lists.h"
+#include "core/contracts/block_lists.h"
 #include "pages/lists/list_page.h"
 
 namespace zrl {

@@ -3,7 +3,7 @@
 #include <limits>
 #include <memory>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "pages/lists/transfer_dialog.h"
 
 namespace zrl {

@@ -1,7 +1,7 @@
 #include "pages/lists/local_user_page.h"
 
-#include "core/directory.h"
-#include "core/text.h"
+#include "core/contracts/directory.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

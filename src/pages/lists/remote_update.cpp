@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "core/error.h"
-#include "core/paths.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
 
 namespace zrl {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "core/contracts/downloader.h"
 #include "core/database_client.h"
-#include "core/downloader.h"
 
 namespace zrl {
 

@@ -1,7 +1,7 @@
 #include "pages/lists/subnet_page.h"
 
-#include "core/list_entry.h"
-#include "core/text.h"
+#include "core/text/list_entry.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -1,7 +1,7 @@
 #include "pages/lists/transfer_dialog.h"
 
-#include "core/paths.h"
-#include "core/text.h"
+#include "core/text/paths.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -1,7 +1,7 @@
 #include "pages/lists/uri_list_page.h"
 
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "core/check_plugin.h"
+#include "core/contracts/check_plugin.h"
 #include "pages/lists/list_page.h"
 
 namespace zrl {

@@ -1,6 +1,6 @@
 #include "pages/logs/avlog_page.h"
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

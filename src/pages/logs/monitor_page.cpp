@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <random>
 
-#include "core/encoded_words.h"
-#include "core/error.h"
 #include "core/html_text.h"
-#include "core/paths.h"
-#include "core/text.h"
+#include "core/text/encoded_words.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
+#include "core/text/text.h"
 #include "core/text_file.h"
-#include "core/time_stamp.h"
 #include "pages/tools/composer_dialog.h"
 
 namespace zrl {
@@ -262,7 +261,7 @@ void MonitorPage::export_mail(RecordSet& record) {
     constexpr unsigned least = 100'000;
     const std::string number = std::to_string(least + std::random_device{}() % least);
     const std::string folder = to_product_path(console().folder()) + "\\archive\\";
-    const std::string name = number + "." + time_stamp(console()) + ".eml";
+    const std::string name = number + "." + console().time_stamp() + ".eml";
     if (!write_text_file(console(), folder, name, record.bytes("email"))) return;
     record.set_text("mpath", folder + name);
     record.update();

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/mail_message.h"
+#include "core/contracts/mail_message.h"
 #include "core/page.h"
 
 namespace zrl {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "core/list_entry.h"
+#include "core/text/list_entry.h"
 
 namespace zrl {
 

@@ -1,6 +1,6 @@
 #include "pages/settings/general_page.h"
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "pages/lists/remote_update.h"
 
 namespace zrl {
@@ -104,7 +104,7 @@ void GeneralPage::choose_language() {
   if (language == "german") {
     settings().regwrite_string(settings().language_path(), language);
   } else {
-    settings().delete_value(Settings::Hive::local_machine, settings().branch(), "language");
+    settings().delete_value(settings().language_path());
   }
 }
 

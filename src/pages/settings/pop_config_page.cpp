@@ -1,8 +1,7 @@
 #include "pages/settings/pop_config_page.h"
 
-#include "core/error.h"
-#include "core/mail_directories.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 
@@ -128,7 +127,7 @@ void PopConfigPage::save_account() {
 
 // Where an account names no folder, the service takes the common one: the mail server's own.
 void PopConfigPage::store_directories() {
-  const SmtpDirectories own = smtp_directories(console(), mail_server_instance);
+  const SmtpDirectories own = settings().smtp_directories(mail_server_instance);
   if (badmail.text().empty() && !own.bad_mail.empty()) set_string("badmail", own.bad_mail);
   if (subm.text().empty() && !own.pickup.empty()) set_string("pickup", own.pickup);
 }

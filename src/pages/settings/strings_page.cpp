@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -2,9 +2,9 @@
 
 #include <limits>
 
-#include "core/error.h"
-#include "core/mail_address.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/mail_address.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "core/contracts/mail_message.h"
 #include "core/database_client.h"
 #include "core/form.h"
-#include "core/mail_message.h"
 
 namespace zrl {
 

@@ -1,7 +1,7 @@
 #include "pages/tools/keyword_tester_page.h"
 
-#include "core/error.h"
-#include "core/text.h"
+#include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/check_plugin.h"
+#include "core/contracts/check_plugin.h"
 #include "core/page.h"
 
 namespace zrl {

@@ -1,6 +1,6 @@
 #include "pages/tools/regex_tester_page.h"
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 
@@ -13,7 +13,7 @@ RegexTesterPage::RegexTesterPage(Console& console) : Page(console, "regEx", "Reg
 void RegexTesterPage::test_expression() {
   if (!lower(reguex.text().substr(0, 6)).starts_with("regex["))
     reguex.set_text("REGEX[" + reguex.text() + "]");
-  const std::string found = console().pattern_matcher().regex_match(reguex.text(), searchtext.text());
+  const std::string found = console().regex_match(reguex.text(), searchtext.text());
   if (found.empty()) {
     rresult.set_caption(translate("Nothing found"));
   } else {

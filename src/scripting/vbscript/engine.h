@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/regexp.h"
+#include "core/contracts/regexp.h"
 #include "scripting/vbscript/limits.h"
 
 // The script engine: an embedded interpreter of the language "vbscript". All texts here are UTF-8.

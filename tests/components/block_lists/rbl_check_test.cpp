@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "components/block_lists/zone_tables.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 namespace {

@@ -2,10 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/base64.h"
-#include "core/check_plugin.h"
-#include "core/error.h"
-#include "core/reply_texts.h"
+#include "core/contracts/check_plugin.h"
+#include "core/text/base64.h"
+#include "core/text/error.h"
+#include "core/text/reply_texts.h"
 #include "support/installed_console.h"
 
 namespace zrl {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "components/checks/subject_field.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 namespace {

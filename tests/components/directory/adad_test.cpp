@@ -3,7 +3,7 @@
 
 #include "components/directory/directory_components.h"
 #include "components/sqlite/sqlite_components.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "slapd.h"
 
 namespace zrl {

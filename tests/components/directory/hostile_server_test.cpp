@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "components/directory/directory_components.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/loopback_server.h"
 
 // Servers that speak the protocol badly, or without end.

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "components/directory/directory_components.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "slapd.h"
 
 namespace zrl {

@@ -3,7 +3,7 @@
 #include "components/directory/domain_name.h"
 #include "components/directory/mail_address.h"
 #include "components/directory/server_address.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 namespace {

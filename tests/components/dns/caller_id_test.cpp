@@ -5,7 +5,7 @@
 
 #include "components/dns/caller_id_check.h"
 #include "components/dns/caller_id_record.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/zone_lookups.h"
 
 namespace zrl {

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "components/dns/dns_queries.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/dns_environment.h"
 #include "support/installed_console.h"
 
@@ -144,7 +144,7 @@ TEST(ComposedDnsClientTest, UsesTheConsolesServersTimeOutAndWait) {
   dns.server.set_manner({.delay = milliseconds(20)});
   const auto client = console.components().create<DnsClient>();
   EXPECT_EQ(client->PTR_Query("192.0.2.1"), "mail.example.com");
-  EXPECT_EQ(console.resolver().dns_timeout(), milliseconds(3000));
+  EXPECT_EQ(console.names().time_out(), milliseconds(3000));
   EXPECT_GE(installed.host.waits, 1);
 }
 

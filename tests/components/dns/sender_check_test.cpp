@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "components/dns/cares_client.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/dns_server.h"
 
 namespace zrl {

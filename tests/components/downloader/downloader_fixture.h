@@ -12,7 +12,7 @@
 #include <stdlib.h>
 
 #include "components/downloader/downloader_components.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/fake_update_server.h"
 #include "support/temporary_folder.h"
 

@@ -1,5 +1,5 @@
 #include "components/sqlite/sqlite_components.h"
-#include "core/script_content.h"
+#include "core/text/script_content.h"
 #include "downloader_fixture.h"
 
 namespace zrl {

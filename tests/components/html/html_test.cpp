@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "components/html/html_text_converter.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 namespace {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "components/mail/mail_components.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl {
 namespace {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "components/mail/mail_components.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/smtp_sink.h"
 
 namespace zrl {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "components/pcre2/pcre2_regexp.h"
-#include "core/error.h"
+#include "core/text/error.h"
 
 namespace zrl {
 namespace {

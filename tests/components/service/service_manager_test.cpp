@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include "components/service/service_components.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/fake_service_manager.h"
 #include "support/service_environment.h"
 

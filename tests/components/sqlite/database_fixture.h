@@ -14,7 +14,7 @@
 #include <unistd.h>
 
 #include "components/sqlite/sqlite_components.h"
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/temporary_folder.h"
 
 namespace zrl::test {

@@ -1,4 +1,4 @@
-#include "core/registry.h"
+#include "core/contracts/registry.h"
 
 #include "components/sqlite/database_fixture.h"
 

@@ -3,8 +3,8 @@
 #include <sys/stat.h>
 
 #include "components/sqlite/database_fixture.h"
-#include "core/paths.h"
-#include "core/text.h"
+#include "core/text/paths.h"
+#include "core/text/text.h"
 
 namespace zrl::test {
 namespace {

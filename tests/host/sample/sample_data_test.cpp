@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "host/command/command_line.h"
 #include "host/sample/encoding.h"
 #include "host/sample/lists.h"

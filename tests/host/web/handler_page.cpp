@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "support/all_controls_page.h"
 
 namespace zrl::test {

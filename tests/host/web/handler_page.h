@@ -3,8 +3,8 @@
 #include <span>
 #include <string>
 
+#include "catalogue/catalogue.h"
 #include "core/page.h"
-#include "pages/catalogue.h"
 
 namespace zrl::test {
 

@@ -10,8 +10,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/error.h"
-#include "core/paths.h"
+#include "core/text/error.h"
+#include "core/text/paths.h"
 #include "host/web/handler_page.h"
 #include "host/web/session_driver.h"
 #include "support/temporary_folder.h"

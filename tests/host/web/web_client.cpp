@@ -10,7 +10,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace zrl::test {
 

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <sodium.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "host/web/accounts.h"
 #include "host/web/list_filter.h"
 #include "host/web/login_throttle.h"

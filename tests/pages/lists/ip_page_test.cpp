@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/fake_components.h"
 #include "support/shown_page.h"
 

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/directory.h"
-#include "core/error.h"
+#include "core/contracts/directory.h"
+#include "core/text/error.h"
 #include "support/shown_page.h"
 
 namespace zrl {

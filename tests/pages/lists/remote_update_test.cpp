@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/downloader.h"
+#include "core/contracts/downloader.h"
 #include "pages/settings/general_page.h"
 #include "support/fake_update_server.h"
 #include "support/installed_console.h"

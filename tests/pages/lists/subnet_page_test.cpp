@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "support/shown_page.h"
 
 namespace zrl {

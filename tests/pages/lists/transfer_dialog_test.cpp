@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/paths.h"
+#include "core/text/paths.h"
 #include "support/installed_console.h"
 
 namespace zrl {

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/downloader.h"
-#include "core/registry.h"
+#include "core/contracts/downloader.h"
+#include "core/contracts/registry.h"
 #include "support/installed_console.h"
 
 namespace zrl {

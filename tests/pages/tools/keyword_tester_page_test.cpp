@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "core/error.h"
+#include "core/text/error.h"
 #include "support/shown_page.h"
 
 namespace zrl {

@@ -1,6 +1,6 @@
 #include "scripting/vbscript/objects/regexp_object.h"
 
-#include "core/error.h"
+#include "core/text/error.h"
 #include "scripting/vbscript/arrays.h"
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/machine.h"

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "core/regexp.h"
+#include "core/contracts/regexp.h"
 #include "scripting/vbscript/objects/native.h"
 
 namespace zrl::vbs {

@@ -1,0 +1,231 @@
+#include "core/text/encoded_words.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <iconv.h>
+
+#include "core/text/base64.h"
+#include "core/text/text.h"
+
+namespace zrl {
+
+namespace {
+
+constexpr std::string_view blanks = " \t\r\n";
+constexpr std::size_t longest_charset = 40;
+// Looking for a character set may read files; no honest header names more.
+constexpr std::size_t most_charsets = 8;
+
+struct EncodedWord {
+  std::string charset;  // lower-case
+  std::string bytes;
+  std::size_t length;  // in the header
+};
+
+bool is_charset_character(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-' || c == '_' ||
+         c == '.' || c == ':' || c == '+' || c == '(' || c == ')';
+}
+
+int hex_value(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+std::string decode_q(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const int high = text[i] == '=' && i + 2 < text.size() ? hex_value(text[i + 1]) : -1;
+    const int low = high >= 0 ? hex_value(text[i + 2]) : -1;
+    if (low >= 0) {
+      result += static_cast<char>(high * 16 + low);
+      i += 2;
+    } else {
+      result += text[i] == '_' ? ' ' : text[i];
+    }
+  }
+  return result;
+}
+
+// Where the "?=" of a word lies. A question mark inside is tolerated, the start of another word is not.
+std::optional<std::size_t> end_of_word(std::string_view text, std::size_t begin) {
+  for (std::size_t at = text.find('?', begin); at != text.npos; at = text.find('?', at + 1)) {
+    if (at + 1 < text.size() && text[at + 1] == '=') return at;
+    if (at > begin && text[at - 1] == '=') return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+// The word at the start of `text`, if one is there.
+std::optional<EncodedWord> parse_word(std::string_view text) {
+  if (!text.starts_with("=?")) return std::nullopt;
+  std::size_t at = 2;
+  while (at < text.size() && at - 2 <= longest_charset && is_charset_character(text[at])) ++at;
+  const std::string_view charset = text.substr(2, at - 2);
+  if (charset.empty() || charset.size() > longest_charset) return std::nullopt;
+  if (at < text.size() && text[at] == '*') {  // a language follows (RFC 2231)
+    const std::size_t longest = at + longest_charset;
+    while (at < text.size() && at < longest && text[at] != '?') ++at;
+  }
+  if (at + 3 > text.size() || text[at] != '?' || text[at + 2] != '?') return std::nullopt;
+  const char encoding = text[at + 1];
+  const bool is_b = encoding == 'b' || encoding == 'B';
+  if (!is_b && encoding != 'q' && encoding != 'Q') return std::nullopt;
+  const std::size_t begin = at + 3;
+  const std::optional<std::size_t> end = end_of_word(text, begin);
+  if (!end) return std::nullopt;
+  const std::string_view encoded = text.substr(begin, *end - begin);
+  return EncodedWord{lower(charset), is_b ? base64_decode(encoded) : decode_q(encoded), *end + 2};
+}
+
+// A conversion to UTF-8 of the C library.
+class Converter {
+ public:
+  explicit Converter(const std::string& charset) : handle_(::iconv_open("UTF-8", charset.c_str())) {}
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+  ~Converter() {
+    if (usable()) ::iconv_close(handle_);
+  }
+
+  std::optional<std::string> operator()(std::string_view bytes) {
+    if (!usable()) return std::nullopt;
+    ::iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+    std::string result;
+    char* in = const_cast<char*>(bytes.data());  // it is only read
+    std::size_t left = bytes.size();
+    // The last round lets the conversion give what it has held back.
+    for (bool last = false;;) {
+      char block[4096];
+      char* out = block;
+      std::size_t room = sizeof block;
+      const std::size_t done = ::iconv(handle_, last ? nullptr : &in, last ? nullptr : &left, &out, &room);
+      const bool full = done == static_cast<std::size_t>(-1) && errno == E2BIG;
+      const bool failed = done == static_cast<std::size_t>(-1) && !full;
+      if (failed || (full && room == sizeof block)) return std::nullopt;
+      result.append(block, sizeof block - room);
+      if (full) continue;
+      if (last) break;
+      last = true;
+    }
+    if (!is_valid_utf8(result)) return std::nullopt;
+    return result;
+  }
+
+ private:
+  bool usable() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
+
+  iconv_t handle_;
+};
+
+class Decoder {
+ public:
+  explicit Decoder(std::string_view header) : rest_(header) {}
+
+  std::string run() {
+    while (!rest_.empty()) {
+      const std::size_t start = std::min(rest_.find("=?"), rest_.size());
+      keep(rest_.substr(0, start));
+      if (!take_words()) keep(rest_.substr(0, 2));
+    }
+    return std::move(out_);
+  }
+
+ private:
+  struct Held {
+    std::string_view gap;   // blanks in front
+    std::string_view text;  // the word as it stands in the header
+    std::size_t end;        // of its bytes among those of the group
+  };
+
+  void keep(std::string_view text) {
+    out_ += text;
+    rest_.remove_prefix(text.size());
+    if (!text.empty()) behind_decoded_ = false;
+  }
+
+  // Words that follow each other with nothing but blanks between them.
+  bool take_words() {
+    bool found = false;
+    while (true) {
+      const std::size_t gap = found ? std::min(rest_.find_first_not_of(blanks), rest_.size()) : 0;
+      std::optional<EncodedWord> word = parse_word(rest_.substr(gap));
+      if (!word) break;
+      if (word->charset != charset_) end_group();
+      charset_ = std::move(word->charset);
+      bytes_ += word->bytes;
+      words_.push_back({rest_.substr(0, gap), rest_.substr(gap, word->length), bytes_.size()});
+      rest_.remove_prefix(gap + word->length);
+      found = true;
+    }
+    end_group();
+    return found;
+  }
+
+  // Neighbours of one character set are converted together, for they may share a character. If that
+  // fails, each stands for itself.
+  void end_group() {
+    if (words_.empty()) return;
+    if (const std::optional<std::string> text = convert(bytes_)) {
+      append_decoded(words_.front().gap, *text);
+    } else {
+      std::size_t begin = 0;
+      for (const Held& word : words_) {
+        const auto single = convert(std::string_view(bytes_).substr(begin, word.end - begin));
+        begin = word.end;
+        if (single) {
+          append_decoded(word.gap, *single);
+        } else {
+          out_.append(word.gap).append(word.text);
+          behind_decoded_ = false;
+        }
+      }
+    }
+    words_.clear();
+    bytes_.clear();
+  }
+
+  void append_decoded(std::string_view gap, std::string_view text) {
+    if (!behind_decoded_) out_ += gap;
+    out_ += text;
+    behind_decoded_ = true;
+  }
+
+  std::optional<std::string> convert(std::string_view bytes) {
+    if (charset_ == "utf-8" || charset_ == "utf8") {
+      if (!is_valid_utf8(bytes)) return std::nullopt;
+      return std::string(bytes);
+    }
+    auto found = converters_.find(charset_);
+    if (found == converters_.end()) {
+      if (converters_.size() == most_charsets) return std::nullopt;
+      found = converters_.try_emplace(charset_, charset_).first;
+    }
+    return found->second(bytes);
+  }
+
+  std::string_view rest_;
+  std::string out_;
+  std::string charset_;
+  std::string bytes_;
+  std::vector<Held> words_;
+  std::map<std::string, Converter> converters_;
+  bool behind_decoded_ = false;
+};
+
+}  // namespace
+
+std::string decode_encoded_words(std::string_view header) {
+  return Decoder(header).run();
+}
+
+}  // namespace zrl

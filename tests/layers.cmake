@@ -1,0 +1,104 @@
+# Holds the includes of src/ to the floors, from below: core/text, core/contracts, core, net, the pages with
+# scripting and service, catalogue, host. Components see the two lowest floors alone.
+#
+# A line says which folders (ending in "/") and which single headers the files of a folder may include. Every
+# file may include its own header; a folder that may include itself says so. Pages may not: what pages share
+# is named, so that no page comes to lean on another. Components whose headers others use are named, too.
+set(rules
+  "core/text/       : core/text/"
+  "core/contracts/  : core/contracts/ core/text/"
+  "core/            : core/ core/contracts/ core/text/"
+  "net/             : net/ core/contracts/ core/text/"
+  "pages/settings/  : core/ core/contracts/ core/text/
+                      pages/lists/remote_update.h"
+  "pages/lists/     : core/ core/contracts/ core/text/
+                      pages/lists/list_page.h pages/lists/remote_update.h pages/lists/transfer_dialog.h
+                      pages/tools/composer_dialog.h"
+  "pages/logs/      : core/ core/contracts/ core/text/
+                      pages/logs/log_page.h
+                      pages/tools/composer_dialog.h"
+  "pages/tools/     : core/ core/contracts/ core/text/"
+  "scripting/vbscript/ : scripting/vbscript/ core/contracts/ core/text/"
+  "scripting/       : scripting/ core/ core/contracts/ core/text/
+                      scripting/vbscript/engine.h
+                      pages/lists/remote_update.h"
+  "service/         : core/ core/contracts/ core/text/"
+  "catalogue/       : core/ pages/settings/ pages/lists/ pages/logs/ pages/tools/ scripting/ service/"
+  "components/block_lists/ : components/block_lists/ core/contracts/ core/text/
+                      components/dns/dns_answers.h components/dns/dns_surroundings.h components/dns/ip_address.h"
+  "components/      : components/"
+  "components/*/    : components/*/ core/contracts/ core/text/"
+  "host/sample/     : host/sample/ core/ core/contracts/ core/text/"
+  "host/web/        : host/web/ host/ core/ core/contracts/ core/text/ catalogue/"
+  "host/command/    : host/command/ host/ host/sample/ core/ core/contracts/ core/text/ catalogue/
+                      host/web/web_host.h scripting/vbscript/engine.h components/pcre2/pcre2_regexp.h"
+  "host/            : host/ core/ core/contracts/ core/text/ net/ components/*/
+                      pages/lists/remote_update.h scripting/vbscript/engine.h"
+)
+
+# The folder of a file, as the rules write it; each folder below vbscript counts as vbscript.
+function(room_of file result)
+  get_filename_component(folder ${file} DIRECTORY)
+  string(REGEX REPLACE "^scripting/vbscript/.*" "scripting/vbscript" folder "${folder}")
+  set(${result} "${folder}/" PARENT_SCOPE)
+endfunction()
+
+function(allowed_for room result)
+  foreach(rule IN LISTS rules)
+    string(REGEX MATCH "^([^ ]+) *:(.*)$" matched "${rule}")
+    set(pattern "${CMAKE_MATCH_1}")
+    string(REGEX MATCHALL "[^ \n]+" allowed "${CMAKE_MATCH_2}")
+    if(pattern STREQUAL room)
+      set(${result} "${allowed}" PARENT_SCOPE)
+      return()
+    endif()
+    string(REPLACE "*" "[a-z0-9_]+" pattern "${pattern}")
+    if(room MATCHES "^${pattern}$")
+      string(REPLACE "components/*/" "${room}" allowed "${allowed}")
+      set(${result} "${allowed}" PARENT_SCOPE)
+      return()
+    endif()
+  endforeach()
+  set(${result} "NO_RULE" PARENT_SCOPE)
+endfunction()
+
+function(is_allowed included allowed result)
+  room_of(${included} room)
+  foreach(entry IN LISTS allowed)
+    string(REPLACE "*" "[a-z0-9_]+" pattern "${entry}")
+    if(included STREQUAL entry OR room MATCHES "^${pattern}$")
+      set(${result} TRUE PARENT_SCOPE)
+      return()
+    endif()
+  endforeach()
+  set(${result} FALSE PARENT_SCOPE)
+endfunction()
+
+file(GLOB_RECURSE files RELATIVE ${SOURCES} ${SOURCES}/*.h ${SOURCES}/*.cpp)
+set(faults "")
+foreach(file IN LISTS files)
+  room_of(${file} room)
+  allowed_for(${room} allowed)
+  if(allowed STREQUAL "NO_RULE")
+    string(APPEND faults "${file}: its folder has no line in tests/layers.cmake\n")
+    continue()
+  endif()
+  string(REGEX REPLACE "\\.(h|cpp)$" "" stem ${file})
+  file(STRINGS ${SOURCES}/${file} lines REGEX "^#include \"")
+  foreach(line IN LISTS lines)
+    string(REGEX REPLACE "^#include \"([^\"]*)\".*" "\\1" included "${line}")
+    if(included STREQUAL "${stem}.h" OR NOT EXISTS ${SOURCES}/${included})
+      continue()  # its own header, or one that the build makes
+    endif()
+    is_allowed(${included} "${allowed}" fine)
+    if(NOT fine)
+      string(APPEND faults "${file} must not include ${included}\n")
+    endif()
+  endforeach()
+endforeach()
+
+if(faults)
+  message(FATAL_ERROR "${faults}The floors stand in src/README.md, the rules in tests/layers.cmake.")
+endif()
+list(LENGTH files count)
+message(STATUS "${count} files keep to their floors.")
