@@ -15,7 +15,7 @@ set(rules
                       pages/lists/list_page.h pages/lists/remote_update.h pages/lists/transfer_dialog.h
                       pages/tools/composer_dialog.h"
   "pages/logs/      : core/ core/contracts/ core/text/
-                      pages/logs/log_page.h
+                      pages/logs/log_page.h pages/logs/archive_lists.h
                       pages/tools/composer_dialog.h"
   "pages/tools/     : core/ core/contracts/ core/text/"
   "scripting/vbscript/ : scripting/vbscript/ core/contracts/ core/text/"

@@ -12,14 +12,16 @@ namespace zrl {
 
 namespace {
 
-// The text of the exception that is being handled.
-std::string current_error() {
+// The exception that is being handled.
+Outcome current_error() {
   try {
     throw;
+  } catch (const Error& error) {
+    return {false, error.number(), error.what()};
   } catch (const std::exception& error) {
-    return error.what();
+    return {false, 0, error.what()};
   } catch (...) {
-    return "unknown error";
+    return {false, 0, "unknown error"};
   }
 }
 
@@ -59,20 +61,21 @@ void Console::record_failure(std::string_view step, std::string_view problem) {
   activity_.failed(ActivityRecord::Kind::component, step, problem, seconds(), false);
 }
 
-bool Console::attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
-                      const std::function<void()>& action, std::string_view public_text) {
+Outcome Console::attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
+                         const std::function<void()>& action, std::string_view public_text) {
   try {
     action();
   } catch (...) {
-    activity_.failed(kind, text, current_error(), seconds(), step == Step::write, public_text);
-    return false;
+    const Outcome failure = current_error();
+    activity_.failed(kind, text, failure.problem, seconds(), step == Step::write, public_text);
+    return failure;
   }
   if (step == Step::write) activity_.succeeded(kind, text, seconds(), public_text);
-  return true;
+  return {};
 }
 
 void Console::record_escaped(std::string_view where) {
-  activity_.failed(ActivityRecord::Kind::component, where, current_error(), seconds(), false);
+  activity_.failed(ActivityRecord::Kind::component, where, current_error().problem, seconds(), false);
 }
 
 void Console::end_action() {

@@ -24,6 +24,15 @@ class Form;
 // The name that texts give the product, whatever the product key.
 inline constexpr std::string_view product_name = "Mirvan";
 
+// What came of a step.
+struct Outcome {
+  bool worked = true;
+  int number = 0;       // of the error; 0 if it has none
+  std::string problem;  // why it did not work: UTF-8, for people
+
+  operator bool() const { return worked; }  // NOLINT(google-explicit-constructor)
+};
+
 // The process-wide state of one console: everything that pages share. One thread uses it. Tests
 // and hosts make as many consoles as they like; nothing is global.
 class Console final : public ConsoleServices {
@@ -60,8 +69,8 @@ class Console final : public ConsoleServices {
   // recorded with its error; one that worked is recorded if it is a `write`. `public_text` is given
   // where the text holds a secret.
   enum class Step { read, write };
-  bool attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
-               const std::function<void()>& action, std::string_view public_text = {});
+  Outcome attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
+                  const std::function<void()>& action, std::string_view public_text = {});
 
   // Records what escaped from a handler; called while the exception is being handled.
   void record_escaped(std::string_view where);

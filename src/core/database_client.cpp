@@ -1,13 +1,11 @@
 #include "core/database_client.h"
 
 #include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl {
 
 namespace {
-
-using Kind = ActivityRecord::Kind;
-using Step = Console::Step;
 
 std::string words(std::initializer_list<std::string_view> parts) {
   std::string result;
@@ -27,17 +25,12 @@ std::string assignment(std::string_view operation, std::string_view key, std::st
 
 bool DatabaseClient::connect_database(std::string_view box_title) {
   const std::string provider = console_.settings().regread(console_.settings().data_provider_path());
-  std::string problem;
-  const bool opened = attempt_read(Kind::component, words({"open_database", provider}), [&] {
-    try {
-      database = console_.components().create<Database>();
-      conn = database->open_database(provider);
-    } catch (const Error& error) {
-      problem = std::to_string(error.number()) + ": " + error.what();
-      throw;
-    }
+  const Outcome opened = attempt_read(Kind::component, words({"open_database", provider}), [&] {
+    database = console_.components().create<Database>();
+    conn = database->open_database(provider);
   });
   if (!opened) {
+    const std::string problem = std::to_string(opened.number) + ": " + opened.problem;
     show_error("Connection to database could not be etablished: \r\n" + problem, box_title);
   }
   return opened;
@@ -50,11 +43,31 @@ void DatabaseClient::drop_database() {
 
 bool DatabaseClient::execute(const Statement& statement) {
   const std::string public_text = statement.has_secrets() ? statement.public_text() : std::string();
-  const auto run = [&] {
-    if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
-    conn->execute(statement);
-  };
-  return attempt_write(Kind::sql, statement.text(), run, public_text);
+  return attempt_write(
+      Kind::sql, statement.text(), [&] { connection_or_throw().execute(statement); }, public_text);
+}
+
+bool DatabaseClient::read_rows(std::string_view text, const std::function<void()>& action) {
+  return attempt_read(Kind::sql, text, action);
+}
+
+Outcome DatabaseClient::delete_row(std::string_view text, const Statement& select) {
+  return attempt_write(Kind::sql, text, [&] {
+    connection_or_throw().open(select, Connection::Access::updatable)->delete_current();
+  });
+}
+
+bool DatabaseClient::begin_transaction() {
+  return read_rows("begin transaction", [this] { connection_or_throw().begin_transaction(); });
+}
+
+bool DatabaseClient::commit(std::string_view text, Step step) {
+  const auto action = [this] { connection_or_throw().commit(); };
+  return step == Step::write ? attempt_write(Kind::sql, text, action) : attempt_read(Kind::sql, text, action);
+}
+
+bool DatabaseClient::roll_back() {
+  return read_rows("roll back", [this] { connection_or_throw().roll_back(); });
 }
 
 std::optional<OptionValue> DatabaseClient::read_option(std::string_view key) {
@@ -90,6 +103,15 @@ bool DatabaseClient::set_option(std::string_view key, std::int32_t value) {
                        [&] { component_or_throw().set_option(key, value, conn); });
 }
 
+bool DatabaseClient::store_number(std::string_view key, std::string_view text, const NumberType& type) {
+  const std::optional<std::int64_t> number = to_number(text);
+  if (number && *number >= type.min && *number <= type.max) {
+    return set_option(key, static_cast<std::int32_t>(*number));
+  }
+  return failed(Kind::option, assignment("set_option", key, text),
+                "Type mismatch: not a " + std::to_string(type.bits) + "-bit integer", Step::write);
+}
+
 bool DatabaseClient::set_string(std::string_view key, std::string_view text) {
   return attempt_write(Kind::option, assignment("set_string", key, text),
                        [&] { component_or_throw().set_string(key, text, conn); });
@@ -122,10 +144,7 @@ std::optional<std::int64_t> DatabaseClient::count_value(const Statement& select)
 
 std::unique_ptr<RecordSet> DatabaseClient::open(const Statement& select, Connection::Access access) {
   std::unique_ptr<RecordSet> result;
-  attempt_read(Kind::sql, select.text(), [&] {
-    if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
-    result = conn->open(select, access);
-  });
+  attempt_read(Kind::sql, select.text(), [&] { result = connection_or_throw().open(select, access); });
   return result;
 }
 
@@ -133,28 +152,29 @@ bool DatabaseClient::list_operation(std::string_view name, ListOperation operati
   return component_step(words({name, entry}), [&] { (component_or_throw().*operation)(entry, conn); });
 }
 
-bool DatabaseClient::import_file(Literal column, Literal table, std::string_view path) {
-  return answered_step(words({"import", column.text(), table.text(), path}),
-                       [&] { return component_or_throw().import_(column, table, path, true); });
+bool DatabaseClient::import_file(const ListTable& list, std::string_view path) {
+  return answered_step(words({"import", list.column.text(), list.table.text(), path}),
+                       [&] { return component_or_throw().import_(list.column, list.table, path, true); });
 }
 
-bool DatabaseClient::delete_file(Literal column, Literal table, std::string_view path) {
-  return answered_step(words({"delete", column.text(), table.text(), path}),
-                       [&] { return component_or_throw().delete_(column, table, path, true); });
+bool DatabaseClient::delete_file(const ListTable& list, std::string_view path) {
+  return answered_step(words({"delete", list.column.text(), list.table.text(), path}),
+                       [&] { return component_or_throw().delete_(list.column, list.table, path, true); });
 }
 
-bool DatabaseClient::export_file(Literal column, Literal table, std::string_view path, bool overwrite) {
-  return answered_step(words({"export", column.text(), table.text(), path}),
-                       [&] { return component_or_throw().export_(column, table, {}, path, overwrite); });
+bool DatabaseClient::export_file(const ListTable& list, std::string_view path, bool overwrite) {
+  return answered_step(words({"export", list.column.text(), list.table.text(), path}), [&] {
+    return component_or_throw().export_(list.column, list.table, {}, path, overwrite);
+  });
 }
 
 bool DatabaseClient::adad() {
   return component_step("adad", [&] { component_or_throw().adad(); });
 }
 
-bool DatabaseClient::lcase_table(Literal table, Literal column) {
-  return component_step(words({"lcase_table", table.text(), column.text()}),
-                        [&] { component_or_throw().lcase_table(table, column); });
+bool DatabaseClient::lcase_table(const ListTable& list) {
+  return component_step(words({"lcase_table", list.table.text(), list.column.text()}),
+                        [&] { component_or_throw().lcase_table(list.table, list.column); });
 }
 
 bool DatabaseClient::prep_mdb() {
@@ -166,7 +186,7 @@ bool DatabaseClient::create_table(Literal table, Literal columns) {
                         [&] { component_or_throw().CreateTable(conn, table, columns); });
 }
 
-bool DatabaseClient::component_step(std::string_view text, const std::function<void()>& call) {
+Outcome DatabaseClient::component_step(std::string_view text, const std::function<void()>& call) {
   return attempt_write(Kind::component, text, call);
 }
 
@@ -177,25 +197,22 @@ bool DatabaseClient::answered_step(std::string_view text, const std::function<bo
   });
 }
 
-bool DatabaseClient::raise_flag(std::string_view flag) {
-  return console_.settings().regwrite_dword(console_.settings().path_of(flag), 1);
-}
-
-void DatabaseClient::show_error(std::string_view text, std::string_view title) {
-  console_.host().message_box({std::string(title), std::string(text), BoxStyle::critical});
-}
-
 Database& DatabaseClient::component_or_throw() const {
   if (!database) throw Error(error_number::object_not_set, "no database component");
   return *database;
 }
 
-bool DatabaseClient::attempt_read(Kind kind, std::string_view text, const std::function<void()>& action) {
+Connection& DatabaseClient::connection_or_throw() const {
+  if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
+  return *conn;
+}
+
+Outcome DatabaseClient::attempt_read(Kind kind, std::string_view text, const std::function<void()>& action) {
   return console_.attempt(kind, text, Step::read, action);
 }
 
-bool DatabaseClient::attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,
-                                   std::string_view public_text) {
+Outcome DatabaseClient::attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,
+                                      std::string_view public_text) {
   if (conn) console_.wrote_to(conn);
   return console_.attempt(kind, text, Step::write, action, public_text);
 }

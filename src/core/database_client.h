@@ -2,28 +2,27 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "core/console.h"
 #include "core/contracts/database.h"
+#include "core/contracts/list_tables.h"
+#include "core/steps.h"
 
 namespace zrl {
 
 // Whoever works on the database: it holds the component and the connection, and offers every
-// operation as a step. Steps never throw and tell by their result whether they worked; each write
-// and each failure is recorded.
-class DatabaseClient {
+// operation as a step (see Steps). What writes to the connection makes the action's end settle it.
+class DatabaseClient : public Steps {
  public:
   // Empty until connect_database() and after drop_database(). Hosts may read them.
   std::shared_ptr<Database> database;
   ConnectionHandle conn;
 
-  explicit DatabaseClient(Console& console) : console_(console) {}
-  DatabaseClient(const DatabaseClient&) = delete;
-  DatabaseClient& operator=(const DatabaseClient&) = delete;
+  using Steps::Steps;
 
   // Creates the component and opens the connection; on failure shows the message box with this
   // title, and the caller goes on.
@@ -31,9 +30,18 @@ class DatabaseClient {
   // Empties both handles, in the order of their declaration.
   void drop_database();
 
-  // Statements.
+  // Statements. A set that is open reads on in read_rows(): `action` may raise what the set raises.
   bool execute(const Statement& statement);
   bool execute(Literal statement) { return execute(Statement(statement)); }
+
+  bool read_rows(std::string_view text, const std::function<void()>& action);
+  // Deletes the row that the SELECT finds first; the step fails if there is none. `text` is for the record.
+  Outcome delete_row(std::string_view text, const Statement& select);
+
+  // Transactions, for the few acts that need one of their own. The text is what the record shows.
+  bool begin_transaction();
+  bool commit(std::string_view text, Step step);
+  bool roll_back();
 
   // Options. A missing option reads as empty; nothing is returned if the read failed.
   std::optional<OptionValue> read_option(std::string_view key);
@@ -43,9 +51,19 @@ class DatabaseClient {
   std::optional<std::string> read_string(std::string_view key);
   bool set_option(std::string_view key, std::int32_t value);
   bool set_string(std::string_view key, std::string_view text);
+  // Stores the whole number that a person typed. A text that is none, or that does not fit the type, makes
+  // the step fail.
+  template <typename Integer>
+  bool store_number(std::string_view key, std::string_view text) {
+    using Limits = std::numeric_limits<Integer>;
+    return store_number(key, text, {Limits::min(), Limits::max(), Limits::digits + 1});
+  }
 
   // Lists. The last element, which the component's arrays carry beyond the rows, is already gone.
   std::optional<StringList> rows(Literal table, Literal column, const Statement& condition = {});
+  std::optional<StringList> rows(const ListTable& list, const Statement& condition = {}) {
+    return rows(list.table, list.column, condition);
+  }
   std::optional<StringList> ordered_rows(Literal table, Literal column, const Statement& condition,
                                          Literal order);
   std::optional<std::int64_t> count_value(const Statement& select);
@@ -86,46 +104,34 @@ class DatabaseClient {
   }
 
   // Whole lists and files. True if the component worked and answered true.
-  bool import_file(Literal column, Literal table, std::string_view path);
-  bool delete_file(Literal column, Literal table, std::string_view path);
-  bool export_file(Literal column, Literal table, std::string_view path, bool overwrite);
+  bool import_file(const ListTable& list, std::string_view path);
+  bool delete_file(const ListTable& list, std::string_view path);
+  bool export_file(const ListTable& list, std::string_view path, bool overwrite);
 
   bool adad();
-  bool lcase_table(Literal table, Literal column);
+  bool lcase_table(const ListTable& list);
   bool prep_mdb();
   bool create_table(Literal table, Literal columns);
 
   // A call on another component, recorded as a write under this text.
-  bool component_step(std::string_view text, const std::function<void()>& call);
-  // A new component, or null.
-  template <typename Interface>
-  std::shared_ptr<Interface> component(std::string_view program_id = Interface::program_id);
-
-  // Sets "HKLM\SOFTWARE\<product key>\<flag>" to 1, which tells the proxy to read its lists again.
-  bool raise_flag(std::string_view flag);
-
-  // The message box with the critical icon.
-  void show_error(std::string_view text, std::string_view title);
+  Outcome component_step(std::string_view text, const std::function<void()>& call);
 
  protected:
   ~DatabaseClient() = default;
 
  private:
+  struct NumberType {
+    std::int32_t min;
+    std::int32_t max;
+    int bits;
+  };
+  bool store_number(std::string_view key, std::string_view text, const NumberType& type);
   Database& component_or_throw() const;
+  Connection& connection_or_throw() const;
   bool answered_step(std::string_view text, const std::function<bool()>& call);
-  bool attempt_read(ActivityRecord::Kind kind, std::string_view text, const std::function<void()>& action);
-  bool attempt_write(ActivityRecord::Kind kind, std::string_view text, const std::function<void()>& action,
-                     std::string_view public_text = {});
-
-  Console& console_;
+  Outcome attempt_read(Kind kind, std::string_view text, const std::function<void()>& action);
+  Outcome attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,
+                        std::string_view public_text = {});
 };
-
-template <typename Interface>
-std::shared_ptr<Interface> DatabaseClient::component(std::string_view program_id) {
-  std::shared_ptr<Interface> made;
-  attempt_read(ActivityRecord::Kind::component, "create " + std::string(program_id),
-               [&] { made = console_.components().create<Interface>(program_id); });
-  return made;
-}
 
 }  // namespace zrl

@@ -1,5 +1,7 @@
 #include "core/page.h"
 
+#include <algorithm>
+
 #include "core/text/error.h"
 #include "core/text/text.h"
 
@@ -12,7 +14,7 @@ void Page::initialise() {
 void Page::terminate() {
   run([this] { hide(); });
   drop_database();
-  dns_.reset();
+  for (HeldComponent* held : held_) held->drop();
 }
 
 void Page::show() {
@@ -23,35 +25,46 @@ void Page::show() {
 
 void Page::bind_switches(std::initializer_list<Switch> switches) {
   for (const Switch& bound : switches) {
-    switch_keys_.emplace(&bound.box, bound.key);
+    switches_.push_back(bound);
     bound.box.on_click = [this, &box = bound.box, key = bound.key] { set_option(key, box.value()); };
   }
 }
 
-void Page::load_switch(CheckBox& box) {
-  const std::string_view key = switch_keys_.at(&box);
-  const std::optional<std::int16_t> value = read_number(key);
-  if (!value) return;
-  console().attempt(ActivityRecord::Kind::option, key, Console::Step::read, [&] { box.set_value(*value); });
+void Page::load_switches() {
+  for (const Switch& bound : switches_) load_switch(bound.box);
 }
 
 void Page::load_switches(std::initializer_list<CheckBox*> boxes) {
   for (CheckBox* box : boxes) load_switch(*box);
 }
 
-void Page::publish_version() {
-  set_string("version", settings().product_version());
+void Page::load_switch(CheckBox& box) {
+  const auto bound = std::ranges::find(switches_, &box, [](const Switch& one) { return &one.box; });
+  const std::optional<std::int16_t> value = read_number(bound->key);
+  if (value) show_switch(box, Kind::option, bound->key, {std::to_string(*value)});
 }
 
-void Page::fill(ListBox& box, Literal table, Literal column, const Statement& condition) {
-  box.set_items(rows(table, column, condition).value_or(StringList()));
+void Page::load_registry_switch(CheckBox& box, std::string_view path) {
+  show_switch(box, Kind::registry, path, {settings().regread(path)});
+}
+
+void Page::show_switch(CheckBox& box, Kind kind, std::string_view step, const OptionValue& value) {
+  console().attempt(kind, step, Step::read, [&] { box.set_value(value.to_int16()); });
+}
+
+void Page::set_interval(Timer& timer, std::string_view key, std::int64_t interval_ms) {
+  console().attempt(Kind::option, key, Step::read, [&] { timer.set_interval(interval_ms); });
+}
+
+void Page::publish_version() {
+  set_string("version", settings().product_version());
 }
 
 bool Page::run_program(std::string_view program, std::vector<std::string> operands, std::string_view folder) {
   ProgramStart start{std::string(program), std::move(operands), std::string(folder)};
   const std::string name = lower(program);
   if (!name.ends_with(".exe")) start.program += ".exe";
-  return console().attempt(ActivityRecord::Kind::program, start.command_line(), Console::Step::write, [&] {
+  return console().attempt(Kind::program, start.command_line(), Step::write, [&] {
     for (const std::string& operand : start.operands) {
       if (operand.empty() || operand.front() == '-' || operand.find('\0') != std::string::npos) {
         throw Error(error_number::invalid_call, "this text cannot be passed to a program");
@@ -64,7 +77,7 @@ bool Page::run_program(std::string_view program, std::vector<std::string> operan
 StringList Page::mail_exchangers(std::string_view domain) {
   StringList found;
   const std::string text = "lookup_mx " + std::string(domain);
-  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read,
+  console().attempt(Kind::component, text, Step::read,
                     [&] { found = console().names().mail_exchangers(domain); });
   return found;
 }
@@ -77,21 +90,15 @@ std::string Page::find_mail_exchanger(std::string_view domain) {
 std::string Page::address_of(std::string_view host) {
   std::string address;
   const std::string text = "host_address " + std::string(host);
-  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read,
+  console().attempt(Kind::component, text, Step::read,
                     [&] { address = console().names().host_address(host); });
   return address;
 }
 
-// The page may be left, and the control that holds the address changed, while the event loop is
-// served; the look-up holds its own.
-std::optional<std::string> Page::host_name_of(std::string_view address) {
+std::optional<std::string> Page::host_name_of(const Held<DnsClient>& dns, std::string_view address) {
   std::optional<std::string> name;
-  const std::string text = "PTR_Query " + std::string(address);
-  console().attempt(ActivityRecord::Kind::component, text, Console::Step::read,
-                    [&, dns = dns_, held = std::string(address)] {
-                      if (!dns) throw Error(error_number::object_not_set, "no DNS component");
-                      name = dns->PTR_Query(held);
-                    });
+  ask(dns, "PTR_Query " + std::string(address),
+      [&, held = std::string(address)](DnsClient& client) { name = client.PTR_Query(held); });
   return name;
 }
 
@@ -103,6 +110,10 @@ void Page::busy(Button& button, const std::function<void()>& action) {
     console().record_escaped(button.name());
   }
   button.set_enabled(true);
+}
+
+void Page::bind_busy(Button& button, std::function<void()> action) {
+  button.on_click = [this, &button, action = std::move(action)] { busy(button, action); };
 }
 
 void Page::process_events() {

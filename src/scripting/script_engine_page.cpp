@@ -11,9 +11,6 @@ namespace zrl {
 
 namespace {
 
-using Kind = ActivityRecord::Kind;
-using Step = Console::Step;
-
 constexpr std::string_view positions[] = {"Never",     "CONNECT",    "ENVELOPE", "HEADER",
                                           "HEADERENV", "BODYSTREAM", "BODY",     "AV"};
 
@@ -64,15 +61,13 @@ void ScriptEnginePage::wire() {
   insertnew.on_click = [this] { create(); };
   savechunk.on_click = [this] { save(); };
   deletefromdb.on_click = [this] { remove(); };
-  executescript.on_click = [this] { busy(executescript, [this] { run_script(); }); };
-  Command1.on_click = [this] { busy(Command1, [this] { run_position(); }); };
-  download.on_click = [this] {
-    busy(download, [this] {
-      std::string status;
-      fetch_lists(*this, component<Downloader>(), status);
-    });
-  };
-  update.on_click = [this] { busy(update, [this] { update_database(); }); };
+  bind_busy(executescript, &ScriptEnginePage::run_script);
+  bind_busy(Command1, &ScriptEnginePage::run_position);
+  bind_busy(download, [this] {
+    std::string status;
+    fetch_lists(*this, component<Downloader>(), status);
+  });
+  bind_busy(update, &ScriptEnginePage::update_database);
 }
 
 void ScriptEnginePage::lay_out() {
@@ -142,12 +137,12 @@ void ScriptEnginePage::select() {
 void ScriptEnginePage::read_script() {
   const auto record = open(script_row(current_script_), Connection::Access::read_only);
   if (!record || record->at_end()) return;
-  read_step("scriptcontent",
+  read_rows("scriptcontent",
             [&] { scriptsource.set_text(from_script_content(record->bytes("scriptcontent"))); });
-  read_step("sposition", [&] {
+  read_rows("sposition", [&] {
     if (!record->is_null("sposition")) sposition.set_text(record->text("sposition"));
   });
-  read_step("svisible", [&] {
+  read_rows("svisible", [&] {
     const std::int64_t visible = record->number("svisible");
     if (visible != 0 && visible != 1) throw Error(error_number::invalid_property_value, "neither 0 nor 1");
     svisible.set_value(static_cast<std::int16_t>(visible));
@@ -181,15 +176,12 @@ void ScriptEnginePage::write_copy() {
 }
 
 void ScriptEnginePage::store() {
-  const bool begun = read_step("begin transaction", [this] {
-    if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
-    conn->begin_transaction();
-  });
+  const bool begun = begin_transaction();
   const Statement select_row = script_row(current_script_);
   auto record = open(select_row, Connection::Access::updatable);
   const bool found = record && !record->at_end();
   const auto write = [&](std::string_view column, const auto& set) {
-    read_step(column, [&] {
+    read_rows(column, [&] {
       set();
       record->update();
     });
@@ -201,10 +193,7 @@ void ScriptEnginePage::store() {
     write("svisible", [&] { record->set_number("svisible", svisible.value()); });
   }
   if (!begun) return;
-  if (found) console().wrote_to(conn);
-  const bool committed = console().attempt(Kind::sql, select_row.text(), found ? Step::write : Step::read,
-                                           [this] { conn->commit(); });
-  if (!committed) read_step("roll back", [this] { conn->roll_back(); });
+  if (!commit(select_row.text(), found ? Step::write : Step::read)) roll_back();
 }
 
 void ScriptEnginePage::remove() {
@@ -261,10 +250,6 @@ void ScriptEnginePage::mark_problems() {
     }
   }
   scriptsource.set_marks(std::move(marks));
-}
-
-bool ScriptEnginePage::read_step(std::string_view text, const std::function<void()>& action) {
-  return console().attempt(Kind::sql, text, Step::read, action);
 }
 
 }  // namespace zrl

@@ -85,7 +85,6 @@ class ScriptEnginePage : public Page {
   void changed() { savechunk.set_enabled(true); }
   std::string test_input() const;
   void mark_problems();
-  bool read_step(std::string_view text, const std::function<void()>& action);
 
   std::unique_ptr<ScriptRunner> runner_;  // null while the page is not shown
   std::string current_script_;            // empty if none is selected

@@ -12,9 +12,6 @@ namespace zrl {
 
 namespace {
 
-using Kind = ActivityRecord::Kind;
-using Step = Console::Step;
-
 constexpr std::string_view connection_box = "No Database Connection Possible (Script Engine COM Control)";
 
 // Of a problem; scripts choose the texts of their errors.
@@ -38,8 +35,7 @@ class ScriptRunner::Turn {
     if (mine_) {
       runner_.host_.allow_boxes();
     } else {
-      runner_.read_step(operation,
-                        [] { throw Error(error_number::invalid_call, "a script is still running"); });
+      runner_.failed(Kind::sql, operation, "a script is still running");
     }
   }
   Turn(const Turn&) = delete;
@@ -62,7 +58,7 @@ std::string ScriptRunner::Problem::description() const {
 }
 
 ScriptRunner::ScriptRunner(Console& console, const vbs::Limits& limits)
-    : DatabaseClient(console), console_(console), host_(console), script_host_(host_, limits) {
+    : DatabaseClient(console), host_(console), script_host_(host_, limits) {
   logger_ = component<Logger>();
 }
 
@@ -71,10 +67,7 @@ void ScriptRunner::loaddb() {
   if (!turn) return;
   connect_database(connection_box);
   clear();
-  read_step("begin transaction", [this] {
-    if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
-    conn->begin_transaction();
-  });
+  begin_transaction();
   load_rows(open("SELECT * FROM scriptengine", Connection::Access::read_only).get());
   drop_database();  // which ends the transaction; it only read
 }
@@ -122,8 +115,8 @@ void ScriptRunner::load_rows(RecordSet* rows) {
   if (rows == nullptr) return;
   const std::int64_t count = std::min(rows->count(), script_limit);
   for (std::int64_t i = 0; i < count; ++i) {
-    read_step("scriptengine", [&] { load_row(*rows); });
-    read_step("scriptengine", [&] { rows->move_next(); });
+    read_rows("scriptengine", [&] { load_row(*rows); });
+    read_rows("scriptengine", [&] { rows->move_next(); });
   }
   if (count > 0) loaded_ = true;
 }
@@ -185,10 +178,6 @@ void ScriptRunner::fail(Problem problem, int number) {
   const std::string description = problem.description();
   if (problems_.size() < problem_limit) problems_.push_back(std::move(problem));
   throw Error(number, description);
-}
-
-void ScriptRunner::read_step(std::string_view text, const std::function<void()>& action) {
-  console_.attempt(Kind::sql, text, Step::read, action);
 }
 
 }  // namespace zrl

@@ -70,9 +70,7 @@ class ScriptRunner : private DatabaseClient {
   void log(std::string_view name, std::int32_t value);
   bool script_step(std::string_view what, std::string_view script, const std::function<void()>& action);
   [[noreturn]] void fail(Problem problem, int number);
-  void read_step(std::string_view text, const std::function<void()>& action);
 
-  Console& console_;
   ConsoleScriptHost host_;
   vbs::Engine script_host_;
   std::shared_ptr<Logger> logger_;

@@ -1,7 +1,5 @@
 #include "service/service_control_page.h"
 
-#include <limits>
-
 #include "core/text/error.h"
 #include "core/text/text.h"
 
@@ -49,7 +47,7 @@ ServiceControlPage::ServiceControlPage(Console& console)
 void ServiceControlPage::load() {
   load_fields();
   load_start_switch();
-  services_ = component<ServiceManager>();
+  services_.make();
   refresh_status();
 }
 
@@ -65,7 +63,7 @@ void ServiceControlPage::load_listen() {
   if (!is_missing(Text2)) return;
   execute("DELETE FROM konf where ID='listenport'");
   Text2.set_text("25");
-  store_number("listenport", Text2);
+  store_number<std::int32_t>("listenport", Text2.text());
 }
 
 void ServiceControlPage::load_forward() {
@@ -73,7 +71,7 @@ void ServiceControlPage::load_forward() {
   if (!is_missing(Text3)) return;
   execute("DELETE FROM konf where ID='forwardport'");
   Text3.set_text(listenip.text() == Text1.text() ? "26" : "25");
-  store_number("forwardport", Text3);
+  store_number<std::int32_t>("forwardport", Text3.text());
 }
 
 void ServiceControlPage::load_start_switch() {
@@ -92,8 +90,8 @@ void ServiceControlPage::save() {
   }
   execute("DELETE FROM konf where ID='listenport'");
   execute("DELETE FROM konf where ID='forwardport'");
-  if (!Text2.text().empty()) store_number("listenport", Text2);
-  if (!Text3.text().empty()) store_number("forwardport", Text3);
+  if (!Text2.text().empty()) store_number<std::int32_t>("listenport", Text2.text());
+  if (!Text3.text().empty()) store_number<std::int32_t>("forwardport", Text3.text());
   load_fields();
 }
 
@@ -102,37 +100,26 @@ void ServiceControlPage::store_start_switch() {
   set_option("dontstartproxy", dontstartproxy.checked() ? 0 : 1);
 }
 
-void ServiceControlPage::store_number(std::string_view key, const TextField& field) {
-  using Limits = std::numeric_limits<std::int32_t>;
-  const auto number = to_number(field.text());
-  if (number && *number >= Limits::min() && *number <= Limits::max()) {
-    set_option(key, static_cast<std::int32_t>(*number));
-    return;
-  }
-  const std::string step = "set_option " + std::string(key) + "=" + field.text();
-  console().attempt(ActivityRecord::Kind::option, step, Console::Step::write,
-                    [] { throw Error(error_number::type_mismatch, "Type mismatch: not a 32-bit integer"); });
-}
-
 void ServiceControlPage::begin(Pending pending, std::string_view name, ServiceCall call) {
   pending_ = pending;
   unanswered_ = 0;
-  order(name, call);
+  give_order(name, call);
   refresh_status();
   Timer1.set_enabled(true);
 }
 
-void ServiceControlPage::order(std::string_view name, ServiceCall call) {
+void ServiceControlPage::give_order(std::string_view name, ServiceCall call) {
   const std::string service = settings().product_key();
-  component_step(std::string(name) + " " + service, [&] { (services().*call)(service); });
+  order(services_, std::string(name) + " " + service,
+        [&](ServiceManager& manager) { (manager.*call)(service); });
 }
 
 // Nothing if the service manager did not answer.
 std::optional<ServiceState> ServiceControlPage::refresh_status() {
   const std::string service = settings().product_key();
   std::optional<ServiceState> answer;
-  console().attempt(ActivityRecord::Kind::component, "service_state " + service, Console::Step::read, [&] {
-    answer = services().inspect(service);
+  ask(services_, "service_state " + service, [&](ServiceManager& manager) {
+    answer = manager.inspect(service);
     if (answer->status.empty()) throw Error(ServiceManager::no_such_service, "no such service: " + service);
   });
   const ServiceState shown = answer.value_or(ServiceState());
@@ -148,13 +135,8 @@ void ServiceControlPage::follow_service() {
   if (answer ? answer->checkpoint != 0 : unanswered_ < most_unanswered) return;
   Timer1.set_enabled(false);
   if (pending_ != Pending::restart) return;
-  order("StartService", &ServiceManager::start);
+  give_order("StartService", &ServiceManager::start);
   refresh_status();
-}
-
-ServiceManager& ServiceControlPage::services() const {
-  if (!services_) throw Error(error_number::object_not_set, "no service manager");
-  return *services_;
 }
 
 }  // namespace zrl

@@ -56,7 +56,6 @@ class ServiceControlPage : public Page {
   using ServiceCall = void (ServiceManager::*)(std::string_view);
 
   void load() override;
-  void hide() override { services_.reset(); }
 
   void load_fields();
   void load_listen();
@@ -64,15 +63,13 @@ class ServiceControlPage : public Page {
   void load_start_switch();
   void save();
   void store_start_switch();
-  void store_number(std::string_view key, const TextField& field);
 
   void begin(Pending pending, std::string_view name, ServiceCall call);
-  void order(std::string_view name, ServiceCall call);
+  void give_order(std::string_view name, ServiceCall call);
   std::optional<ServiceState> refresh_status();
   void follow_service();
-  ServiceManager& services() const;
 
-  std::shared_ptr<ServiceManager> services_;
+  Held<ServiceManager> services_{*this, "service manager"};
   Pending pending_ = Pending::none;
   int unanswered_ = 0;
 };

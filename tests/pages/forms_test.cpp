@@ -21,8 +21,7 @@ class FormsTest : public testing::Test {
  protected:
   FormsTest() {
     for (const PageEntry& entry : page_catalogue()) forms.push_back(entry.make(console_));
-    forms.push_back(std::make_unique<TransferDialog>(console_, Literal("blacklist"), Literal("entry"),
-                                                     "Domain Blacklist"));
+    forms.push_back(std::make_unique<TransferDialog>(console_, list::black_domains, "Domain Blacklist"));
     forms.push_back(std::make_unique<ComposerDialog>(console_));
   }
 

@@ -15,16 +15,16 @@ constexpr std::string_view report_address = "relays@mirvan.example";
 }  // namespace
 
 BlockListPage::BlockListPage(Console& console) : ListPage(console, "rblists", "DNS block lists") {
-  bind_lists(Text1, Place::kept, {{List1, "wblserver", "entry"}, {List2, "rblserver", "entry"}});
+  bind_lists(Text1, Place::kept, {white_, black_});
   bind_switches({{RBLcheck1, "RBLcheck"}});
-  bind_transfer(oben, "wblserver", "entry", "Remote Whitelist");
-  bind_transfer(unten, "rblserver", "entry", "Remote Blacklist");
-  wbladd.on_click = [this] { add("wblserver"); };
-  wblremove.on_click = [this] { remove("wblserver"); };
-  rbladd.on_click = [this] { add("rblserver"); };
-  rblremove.on_click = [this] { remove("rblserver"); };
-  Command1.on_click = [this] { busy(Command1, [this] { test(); }); };
-  Command2.on_click = [this] { busy(Command2, [this] { report_relays(); }); };
+  bind_transfer(oben, white_);
+  bind_transfer(unten, black_);
+  wbladd.on_click = [this] { add(list::white_zones); };
+  wblremove.on_click = [this] { remove(list::white_zones); };
+  rbladd.on_click = [this] { add(list::black_zones); };
+  rblremove.on_click = [this] { remove(list::black_zones); };
+  bind_busy(Command1, &BlockListPage::test);
+  bind_busy(Command2, &BlockListPage::report_relays);
 
   set_layout(column({
       Text1,
@@ -38,24 +38,24 @@ BlockListPage::BlockListPage(Console& console) : ListPage(console, "rblists", "D
 
 void BlockListPage::load() {
   fill_lists();
-  block_lists_ = component<BlockLists>();
+  block_lists_.make();
 }
 
 void BlockListPage::fill_lists() {
   fill_list_boxes();
-  load_switches({&RBLcheck1});
+  load_switches();
 }
 
-void BlockListPage::add(Literal table) {
+void BlockListPage::add(const ListTable& list) {
   Text1.set_text(trim(Text1.text()));
-  execute(delete_from(table, "entry", Text1.text()));
-  execute(insert_into(table, "entry", Text1.text()));
+  execute(delete_from(list, Text1.text()));
+  execute(insert_into(list, Text1.text()));
   fill_lists();
 }
 
-void BlockListPage::remove(Literal table) {
+void BlockListPage::remove(const ListTable& list) {
   Text1.set_text(trim(Text1.text()));
-  execute(delete_from(table, "entry", Text1.text()));
+  execute(delete_from(list, Text1.text()));
   fill_lists();
 }
 
@@ -68,15 +68,12 @@ void BlockListPage::test() {
       is_address ? text : "mail from: adsf@" + text;
   auto listing = BlockLists::Listing::none;
   std::string zone;
-  console().attempt(ActivityRecord::Kind::component, "look up " + text, Console::Step::read,
-                    [&, block_lists = block_lists_] {
-                      if (!block_lists) throw Error(error_number::object_not_set, "no block-list component");
-                      if (!block_lists->initmodule(context)) {
-                        throw Error(error_number::invalid_call, "neither an IP number nor a domain");
-                      }
-                      block_lists->Value(is_address ? BlockLists::connect : BlockLists::envelope, listing,
-                                         zone);
-                    });
+  ask(block_lists_, "look up " + text, [&](BlockLists& block_lists) {
+    if (!block_lists.initmodule(context)) {
+      throw Error(error_number::invalid_call, "neither an IP number nor a domain");
+    }
+    block_lists.Value(is_address ? BlockLists::connect : BlockLists::envelope, listing, zone);
+  });
   Label3.set_caption(text + verdict(listing, zone));
 }
 
@@ -98,10 +95,7 @@ void BlockListPage::report_relays() {
   for (std::size_t i = 0; i < relays.size(); ++i) {
     report.append(report.empty() ? "" : "\r\n").append("Relay: ").append(relays[i]);
   }
-  const auto composer = std::make_shared<ComposerDialog>(console());
-  composer->fill_form({}, report_address, std::string(product_name) + " relay report", report, {});
-  composer->load_forward();
-  console().show(composer);
+  open_composer(console(), {}, report_address, std::string(product_name) + " relay report", report);
 }
 
 }  // namespace zrl

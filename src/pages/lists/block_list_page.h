@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "core/contracts/block_lists.h"
 #include "pages/lists/list_page.h"
 
@@ -59,17 +57,18 @@ class BlockListPage : public ListPage {
 
  private:
   void load() override;
-  void hide() override { block_lists_.reset(); }
   void fill_lists() override;
 
-  void add(Literal table);
-  void remove(Literal table);
+  void add(const ListTable& list);
+  void remove(const ListTable& list);
   void test();
   // What the result says of the text that stands before it.
   std::string verdict(BlockLists::Listing listing, const std::string& zone);
   void report_relays();
 
-  std::shared_ptr<BlockLists> block_lists_;
+  const List white_{List1, list::white_zones, "Remote Whitelist"};
+  const List black_{List2, list::black_zones, "Remote Blacklist"};
+  Held<BlockLists> block_lists_{*this, "block-list component"};
 };
 
 }  // namespace zrl

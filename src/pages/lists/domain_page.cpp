@@ -18,9 +18,7 @@ std::string_view last_two_labels(std::string_view name) {
 }  // namespace
 
 DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domains") {
-  bind_lists(Text1, Place::kept,
-             {{List1, "whitelist", "entry", Entries::without_at},
-              {List2, "blacklist", "entry", Entries::without_at}});
+  bind_lists(Text1, Place::kept, {white_, black_});
   bind_switches({
       {RetunPath, "ReturnPath"},
       {dcheck, "checkbodydom"},
@@ -28,8 +26,8 @@ DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domain
       {checkbw, "checkbw"},
       {checkblhelo, "checkblhelo"},
   });
-  bind_transfer(imexwhite, "whitelist", "entry", "Domain Whitelist", {"reloadwhite"});
-  bind_transfer(imexblack, "blacklist", "entry", "Domain Blacklist", {"reloadblack"});
+  bind_transfer(imexwhite, white_);
+  bind_transfer(imexblack, black_);
   bind_update(remote, domain_list_files(), {"reloadblack", "reloadwhite"});
   refrall.on_click = [this] { fill_lists(); };
 
@@ -38,7 +36,7 @@ DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domain
   Command3.on_click = [this] { add(black_, white_); };
   Command4.on_click = [this] { remove(black_); };
 
-  findmx.on_click = [this] { busy(findmx, [this] { find_exchanger_address(); }); };
+  bind_busy(findmx, &DomainPage::find_exchanger_address);
   Command6.on_click = [this] { find_exchanger_name(); };
   blip.on_click = [this] { list_address(true); };
   wlip.on_click = [this] { list_address(false); };
@@ -61,27 +59,27 @@ DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domain
 
 void DomainPage::fill_lists() {
   fill_list_boxes();
-  load_switches({&RetunPath, &dcheck, &hcheck, &checkbw, &checkblhelo});
+  load_switches();
   publish_version();
 }
 
 // Reading the field again at each step costs nothing, and the entry is stored as the field shows it.
-void DomainPage::add(const Side& own, const Side& other) {
+void DomainPage::add(const List& own, const List& other) {
   Text1.set_text(trim(Text1.text()));
   Text1.set_text(escape_quotes(Text1.text()));
-  raise_flag(own.flag);
-  execute(delete_from(own.table, "entry", Text1.text()));
-  execute(delete_from(other.table, "entry", Text1.text()));
-  execute(insert_into(own.table, "entry", Text1.text()));
+  raise_flags(own);
+  execute(delete_from(own.table, Text1.text()));
+  execute(delete_from(other.table, Text1.text()));
+  execute(insert_into(own.table, Text1.text()));
   own.box.add_item(Text1.text());
   remove(other);
 }
 
-void DomainPage::remove(const Side& side) {
+void DomainPage::remove(const List& list) {
   Text1.set_text(trim(Text1.text()));
-  raise_flag(side.flag);
-  execute(delete_from(side.table, "entry", Text1.text()));
-  execute(delete_from(side.table, "entry", "@*" + Text1.text()));
+  raise_flags(list);
+  execute(delete_from(list.table, Text1.text()));
+  execute(delete_from(list.table, "@*" + Text1.text()));
   fill_lists();
 }
 

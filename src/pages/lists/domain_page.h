@@ -58,19 +58,13 @@ class DomainPage : public ListPage {
                        "Checks the client's greeting against the black list"};
 
  private:
-  // One of the two lists.
-  struct Side {
-    ListBox& box;
-    Literal table;
-    std::string_view flag;
-  };
-  Side white_{List1, "whitelist", "reloadwhite"};
-  Side black_{List2, "blacklist", "reloadblack"};
+  const List white_{List1, list::white_domains, "Domain Whitelist", {"reloadwhite"}, Entries::without_at};
+  const List black_{List2, list::black_domains, "Domain Blacklist", {"reloadblack"}, Entries::without_at};
 
   void fill_lists() override;
 
-  void add(const Side& own, const Side& other);
-  void remove(const Side& side);
+  void add(const List& own, const List& other);
+  void remove(const List& list);
 
   void find_exchanger_address();
   void find_exchanger_name();

@@ -7,18 +7,17 @@ namespace zrl {
 namespace {
 
 // The list that an entry belongs to.
-Literal table_of(std::string_view entry) {
-  return entry.find('@') != entry.npos ? Literal("exceptmail") : Literal("exceptdomain");
+const ListTable& list_of(std::string_view entry) {
+  return entry.find('@') != entry.npos ? list::exempt_mails : list::exempt_domains;
 }
 
 }  // namespace
 
 ExceptionPage::ExceptionPage(Console& console) : ListPage(console, "exceptions", "Exceptions") {
-  bind_lists(Text1, Place::forgotten,
-             {{exceptdomains, "exceptdomain", "entry"}, {exceptmails, "exceptmail", "entry"}});
+  bind_lists(Text1, Place::forgotten, {domains_, mails_});
   bind_switches({{exceptdomain, "exceptdomain"}, {exceptmail, "exceptmail"}});
-  bind_transfer(imleft, "exceptdomain", "entry", "Domain Exception List");
-  bind_transfer(imright, "exceptmail", "entry", "eMail Exception List");
+  bind_transfer(imleft, domains_);
+  bind_transfer(imright, mails_);
   Command1.on_click = [this] { fill_lists(); };
   addex.on_click = [this] { add(); };
   removeex.on_click = [this] { remove(); };
@@ -34,20 +33,20 @@ ExceptionPage::ExceptionPage(Console& console) : ListPage(console, "exceptions",
 
 void ExceptionPage::fill_lists() {
   fill_list_boxes();
-  load_switches({&exceptdomain, &exceptmail});
+  load_switches();
 }
 
 // Without a deletion first: an entry that is added twice is stored twice.
 void ExceptionPage::add() {
   const std::string_view entry = trim(Text1.text());
-  if (!entry.empty()) execute(insert_into(table_of(entry), "entry", entry));
+  if (!entry.empty()) execute(insert_into(list_of(entry), entry));
   fill_lists();
 }
 
 // Blanks take empty entries, which imports may have brought, off the list of domains.
 void ExceptionPage::remove() {
   const std::string_view entry = trim(Text1.text());
-  if (!Text1.text().empty()) execute(delete_from(table_of(entry), "entry", entry));
+  if (!Text1.text().empty()) execute(delete_from(list_of(entry), entry));
   fill_lists();
 }
 

@@ -43,6 +43,9 @@ class ExceptionPage : public ListPage {
                       "Exempts the listed addresses from filtering"};
 
  private:
+  const List domains_{exceptdomains, list::exempt_domains, "Domain Exception List"};
+  const List mails_{exceptmails, list::exempt_mails, "eMail Exception List"};
+
   void fill_lists() override;
 
   void add();

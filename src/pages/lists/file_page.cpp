@@ -5,19 +5,19 @@
 namespace zrl {
 
 FilePage::FilePage(Console& console) : ListPage(console, "filescanner", "Attachments") {
-  bind_lists(Text1, Place::forgotten, {{files, "files", "files"}, {extension, "extension", "extension"}});
+  bind_lists(Text1, Place::forgotten, {files_, extensions_});
   bind_switches({
       {checkfiles, "checkfiles"},
       {checkfilesstream, "checkfilesstream"},
       {checkextension, "checkextension"},
   });
-  bind_transfer(leftim, "files", "files", "File List");
-  bind_transfer(rightim, "extension", "extension", "Extension List");
+  bind_transfer(leftim, files_);
+  bind_transfer(rightim, extensions_);
   bind_update(remoteupdate, attachment_list_files());
   freshit.on_click = [this] { fill_lists(); };
 
-  addfiles.on_click = [this] { busy(addfiles, [this] { add_file(); }); };
-  addextension.on_click = [this] { busy(addextension, [this] { add_extension(); }); };
+  bind_busy(addfiles, &FilePage::add_file);
+  bind_busy(addextension, &FilePage::add_extension);
   deleteit.on_click = [this] { remove_text(); };
 
   set_layout(column({
@@ -30,15 +30,15 @@ FilePage::FilePage(Console& console) : ListPage(console, "filescanner", "Attachm
 }
 
 void FilePage::fill_lists() {
-  load_switches({&checkfiles, &checkfilesstream, &checkextension});
+  load_switches();
   fill_list_boxes();
 }
 
 void FilePage::add_file() {
   Text1.set_text(lower(trim(Text1.text())));
   if (!Text1.text().empty()) {
-    execute(delete_from("files", "files", Text1.text()));
-    execute(insert_into("files", "files", Text1.text()));
+    execute(delete_from(list::file_names, Text1.text()));
+    execute(insert_into(list::file_names, Text1.text()));
   }
   fill_lists();
 }
@@ -48,8 +48,8 @@ void FilePage::add_extension() {
   Text1.set_text(lower(trim(Text1.text())));
   const std::string& text = Text1.text();
   if (!text.empty()) {
-    execute(delete_from("extension", "extension", text));
-    if (text.find('.') == text.npos) execute(insert_into("extension", "extension", text));
+    execute(delete_from(list::extensions, text));
+    if (text.find('.') == text.npos) execute(insert_into(list::extensions, text));
   }
   fill_lists();
 }
@@ -57,8 +57,8 @@ void FilePage::add_extension() {
 // The text is not trimmed: what stands in the field is what is removed.
 void FilePage::remove_text() {
   Text1.set_text(lower(Text1.text()));
-  execute(delete_from("files", "files", Text1.text()));
-  execute(delete_from("extension", "extension", Text1.text()));
+  execute(delete_from(list::file_names, Text1.text()));
+  execute(delete_from(list::extensions, Text1.text()));
   fill_lists();
 }
 

@@ -46,6 +46,9 @@ class FilePage : public ListPage {
                           "Checks the names of attachments against the extensions"};
 
  private:
+  const List files_{files, list::file_names, "File List"};
+  const List extensions_{extension, list::extensions, "Extension List"};
+
   void fill_lists() override;
 
   void add_file();

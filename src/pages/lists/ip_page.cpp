@@ -6,7 +6,7 @@
 namespace zrl {
 
 IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
-  bind_lists(ip, Place::kept, {{blackl, "Blackhost", "IPNumber"}, {whitel, "Whitehost", "IPNumber"}});
+  bind_lists(ip, Place::kept, {black_, white_});
   bind_switches({
       {Check1, "ip_checking"},
       {bcheck, "checkbodyip"},
@@ -18,8 +18,8 @@ IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
       {wlr, "checkreversewhitelist"},
   });
   autobl.on_click = [this] { click_autobl(); };
-  bind_transfer(imleft, "Whitehost", "IPNumber", "IP Whitelist");
-  bind_transfer(imright, "Blackhost", "IPNumber", "IP Blacklist");
+  bind_transfer(imleft, white_);
+  bind_transfer(imright, black_);
   bind_update(remote, address_list_files());
   refrall.on_click = [this] { fill_lists(); };
 
@@ -27,9 +27,9 @@ IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
   Command3.on_click = [this] { change(&IpPage::add_to_blackhost); };
   Command2.on_click = [this] { change(&IpPage::remove_from_iplist); };
 
-  rlookup.on_click = [this] { busy(rlookup, [this] { find_host_name(); }); };
-  adbl.on_click = [this] { list_domain("blacklist", "whitelist"); };
-  adwl.on_click = [this] { list_domain("whitelist", "blacklist"); };
+  bind_busy(rlookup, &IpPage::find_host_name);
+  adbl.on_click = [this] { list_domain(list::black_domains, list::white_domains); };
+  adwl.on_click = [this] { list_domain(list::white_domains, list::black_domains); };
 
   set_layout(column({
       ip,
@@ -43,12 +43,12 @@ IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
 }
 
 void IpPage::load() {
-  create_dns_client();
+  dns_.make();
   fill_lists();
 }
 
 void IpPage::fill_lists() {
-  load_switches({&Check1, &bcheck, &hcheck, &autobl, &acreject, &checkempty, &blr, &wlr});
+  load_switches();
   fill_list_boxes();
 }
 
@@ -70,18 +70,18 @@ void IpPage::click_autobl() {
 
 void IpPage::find_host_name() {
   if (!is_ip_address(ip.text())) return;
-  if (const auto name = host_name_of(ip.text())) domain.set_text(*name);
+  if (const auto name = host_name_of(dns_, ip.text())) domain.set_text(*name);
 }
 
 // The text is not escaped and no flag is raised here, unlike on the page of the domain lists.
-void IpPage::list_domain(Literal own, Literal other) {
+void IpPage::list_domain(const ListTable& own, const ListTable& other) {
   if (domain.text().find('.') == std::string::npos) return;
   const std::string entry(trim(domain.text()));
-  for (const Literal table : {own, other}) {
-    execute(delete_from(table, "entry", entry));
-    execute(delete_from(table, "entry", "@*" + entry));
+  for (const ListTable& list : {own, other}) {
+    execute(delete_from(list, entry));
+    execute(delete_from(list, "@*" + entry));
   }
-  execute(insert_into(own, "entry", entry));
+  execute(insert_into(own, entry));
   domain.set_text("");
 }
 

@@ -73,7 +73,11 @@ class IpPage : public ListPage {
   void change(bool (DatabaseClient::*operation)(std::string_view));
   void click_autobl();
   void find_host_name();
-  void list_domain(Literal own, Literal other);
+  void list_domain(const ListTable& own, const ListTable& other);
+
+  const List black_{blackl, list::black_addresses, "IP Blacklist"};
+  const List white_{whitel, list::white_addresses, "IP Whitelist"};
+  Held<DnsClient> dns_{*this, "DNS component"};
 };
 
 }  // namespace zrl

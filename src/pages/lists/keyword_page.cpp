@@ -15,10 +15,7 @@ constexpr std::int16_t least_blanks = 3;
 }  // namespace
 
 KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keywords") {
-  bind_lists(Text1, Place::kept,
-             {{List1, "swords", "entry", Entries::all, "entry<>''"},
-              {List2, "words", "entry", Entries::all, "entry<>''"},
-              {List3, "subjectwhite", "entry", Entries::all, "entry<>''"}});
+  bind_lists(Text1, Place::kept, {subjects_, bodies_, white_});
   bind_switches({
       {Check1, "checksubject"},
       {Check2, "checkbody"},
@@ -31,17 +28,17 @@ KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keyw
   checkheader.on_click = [this] {
     settings().regwrite_string(header_check_path(), checkheader.checked() ? "1" : "0");
   };
-  bind_transfer(Command5, "swords", "entry", "Subject Keywords");
-  bind_transfer(Command6, "words", "entry", "Body Keywords");
-  bind_transfer(Command9, "subjectwhite", "entry", "Subject Whitelist");
+  bind_transfer(Command5, subjects_);
+  bind_transfer(Command6, bodies_);
+  bind_transfer(Command9, white_);
   bind_update(remote, keyword_list_files());
 
   Command1.on_click = [this] { add_subject_keyword(); };
   Command2.on_click = [this] { add_body_keyword(); };
   Command7.on_click = [this] { add_subject_white_word(); };
-  Command3.on_click = [this] { remove("swords"); };
-  Command4.on_click = [this] { remove("words"); };
-  Command8.on_click = [this] { remove("subjectwhite"); };
+  Command3.on_click = [this] { remove(subjects_); };
+  Command4.on_click = [this] { remove(bodies_); };
+  Command8.on_click = [this] { remove(white_); };
 
   set_layout(column({
       Text1,
@@ -55,7 +52,7 @@ KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keyw
 }
 
 void KeywordPage::load() {
-  load_header_check();
+  load_registry_switch(checkheader, header_check_path());
   fill_lists();
 }
 
@@ -71,12 +68,6 @@ void KeywordPage::fill_lists() {
 // The header word check is a module of the proxy, which reads its switch from the registry.
 std::string KeywordPage::header_check_path() {
   return settings().path_of("modules\\HeaderWordCheck\\enabled");
-}
-
-void KeywordPage::load_header_check() {
-  const std::string path = header_check_path();
-  console().attempt(ActivityRecord::Kind::registry, path, Console::Step::read,
-                    [&] { checkheader.set_value(OptionValue{settings().regread(path)}.to_int16()); });
 }
 
 void KeywordPage::load_subjectspace() {
@@ -108,8 +99,8 @@ void KeywordPage::add_subject_keyword() {
   if (!escape_entry()) return;
   const std::string_view word = trim(Text1.text());
   add_to_swords(word);
-  execute(delete_from("subjectwhite", "entry", word));
-  purge("subjectwhite");
+  execute(delete_from(list::white_subjects, word));
+  purge(white_);
   fill_lists();
 }
 
@@ -122,24 +113,24 @@ void KeywordPage::add_body_keyword() {
 void KeywordPage::add_subject_white_word() {
   if (!escape_entry()) return;
   const std::string_view word = trim(Text1.text());
-  execute(delete_from("subjectwhite", "entry", word));
-  execute(insert_into("subjectwhite", "entry", word));
-  execute(delete_from("swords", "entry", word));
-  purge("swords");
+  execute(delete_from(list::white_subjects, word));
+  execute(insert_into(list::white_subjects, word));
+  execute(delete_from(list::subject_keywords, word));
+  purge(subjects_);
   fill_lists();
 }
 
-void KeywordPage::remove(Literal table) {
-  execute(delete_from(table, "entry", trim(Text1.text())));
-  purge(table);
+void KeywordPage::remove(const List& list) {
+  execute(delete_from(list.table, trim(Text1.text())));
+  purge(list);
   fill_lists();
 }
 
 // The second statement selects no row, whatever the table holds; it belongs to the sequence all the
 // same.
-void KeywordPage::purge(Literal table) {
-  execute(delete_from(table, "entry", ""));
-  execute("DELETE FROM " + table + " where entry=NULL");
+void KeywordPage::purge(const List& list) {
+  execute(delete_from(list.table, ""));
+  execute("DELETE FROM " + list.table.table + " where entry=NULL");
 }
 
 }  // namespace zrl

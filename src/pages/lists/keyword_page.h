@@ -68,7 +68,6 @@ class KeywordPage : public ListPage {
  private:
   void load() override;
   void fill_lists() override;
-  void load_header_check();
   void load_subjectspace();
 
   void click_subject_check();
@@ -79,8 +78,12 @@ class KeywordPage : public ListPage {
   void add_subject_keyword();
   void add_body_keyword();
   void add_subject_white_word();
-  void remove(Literal table);
-  void purge(Literal table);
+  void remove(const List& list);
+  void purge(const List& list);
+
+  const List subjects_{List1, list::subject_keywords, "Subject Keywords", {}, Entries::all, "entry<>''"};
+  const List bodies_{List2, list::body_keywords, "Body Keywords", {}, Entries::all, "entry<>''"};
+  const List white_{List3, list::white_subjects, "Subject Whitelist", {}, Entries::all, "entry<>''"};
 };
 
 }  // namespace zrl

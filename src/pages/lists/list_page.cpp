@@ -8,7 +8,8 @@
 
 namespace zrl {
 
-void ListPage::bind_lists(TextField& entry, Place place, std::initializer_list<List> lists) {
+void ListPage::bind_lists(TextField& entry, Place place,
+                          std::initializer_list<std::reference_wrapper<const List>> lists) {
   place_ = place;
   for (const List& list : lists) {
     const std::size_t number = lists_.size();
@@ -17,24 +18,25 @@ void ListPage::bind_lists(TextField& entry, Place place, std::initializer_list<L
   }
 }
 
-void ListPage::bind_transfer(Button& button, Literal table, Literal column, std::string_view title,
-                             std::initializer_list<std::string_view> flags) {
-  button.on_click = [this, table, column, title, raised = std::vector(flags)] {
-    open_transfer(table, column, title);
-    for (const std::string_view flag : raised) raise_flag(flag);
+void ListPage::bind_transfer(Button& button, const List& list) {
+  button.on_click = [this, &list] {
+    open_transfer(list);
+    raise_flags(list);
     fill_lists();
   };
 }
 
-void ListPage::bind_update(Button& button, std::span<const ListFile> files,
+void ListPage::bind_update(Button& button, const std::vector<ListFile>& files,
                            std::initializer_list<std::string_view> flags) {
-  button.on_click = [this, &button, files, raised = std::vector(flags)] {
-    busy(button, [&] {
-      update_lists(files);
-      fill_lists();
-      for (const std::string_view flag : raised) raise_flag(flag);
-    });
-  };
+  bind_busy(button, [this, files, raised = std::vector(flags)] {
+    update_lists(files);
+    fill_lists();
+    for (const std::string_view flag : raised) raise_flag(flag);
+  });
+}
+
+void ListPage::raise_flags(const List& list) {
+  for (const std::string_view flag : list.flags) raise_flag(flag);
 }
 
 void ListPage::fill_list_boxes() {
@@ -47,8 +49,8 @@ void ListPage::fill_list_boxes() {
 }
 
 // The dialog keeps the page waiting where it is modal.
-void ListPage::open_transfer(Literal table, Literal column, std::string_view title) {
-  console().show(std::make_shared<TransferDialog>(console(), table, column, title));
+void ListPage::open_transfer(const List& list) {
+  console().show(std::make_shared<TransferDialog>(console(), list.table, list.title));
 }
 
 void ListPage::click_item(TextField& entry, std::size_t list) {
@@ -60,7 +62,7 @@ void ListPage::click_item(TextField& entry, std::size_t list) {
 }
 
 void ListPage::fill_list(const List& list) {
-  StringList entries = rows(list.table, list.column, list.condition).value_or(StringList());
+  StringList entries = rows(list.table, list.condition).value_or(StringList());
   if (list.entries != Entries::all) {
     const bool wanted = list.entries == Entries::with_at;
     entries.retain([wanted](std::string_view entry) { return (entry.find('@') != entry.npos) == wanted; });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <span>
 #include <string>
@@ -26,10 +27,12 @@ class ListPage : public Page {
   // Which entries of its table a list box shows.
   enum class Entries : std::uint8_t { all, without_at, with_at };
 
+  // A list of the page: what its box shows, and what belongs to it.
   struct List {
     ListBox& box;
-    Literal table;
-    Literal column;
+    ListTable table;
+    std::string_view title = {};               // of its transfer dialog, English
+    std::vector<std::string_view> flags = {};  // that tell the proxy of a change, in the order of raising
     Entries entries = Entries::all;
     Literal condition = "";
   };
@@ -37,34 +40,37 @@ class ListPage : public Page {
   // Whether a refill chooses the item again that was clicked last, by its index.
   enum class Place : std::uint8_t { forgotten, kept };
 
-  // The page's lists, in the order of their filling. Clicking an item copies its text into `entry`.
-  void bind_lists(TextField& entry, Place place, std::initializer_list<List> lists);
+  // The page's lists, in the order of their filling; they must live as long as the page. Clicking an item
+  // copies its text into `entry`.
+  void bind_lists(TextField& entry, Place place,
+                  std::initializer_list<std::reference_wrapper<const List>> lists);
 
-  // The button opens the transfer dialog; when it returns, the flags are raised in their order and
-  // the lists filled again.
-  void bind_transfer(Button& button, Literal table, Literal column, std::string_view title,
-                     std::initializer_list<std::string_view> flags = {});
+  // The button opens the transfer dialog of the list; when it returns, the list's flags are raised and the
+  // lists filled again.
+  void bind_transfer(Button& button, const List& list);
 
   // The button fetches the published lists and merges the page's share; then the lists are filled
   // again and the flags raised.
-  void bind_update(Button& button, std::span<const ListFile> files,
+  void bind_update(Button& button, const std::vector<ListFile>& files,
                    std::initializer_list<std::string_view> flags = {});
+
+  void raise_flags(const List& list);
 
   // Refills the list boxes, and whatever else the page reads along with them.
   virtual void fill_lists() = 0;
   void load() override { fill_lists(); }
 
   void fill_list_boxes();
-  void open_transfer(Literal table, Literal column, std::string_view title);
 
  private:
   struct BoundList {
-    List list;
+    const List& list;
     std::int16_t last_index = -1;  // the item that was clicked last
   };
 
   void click_item(TextField& entry, std::size_t list);
   void fill_list(const List& list);
+  void open_transfer(const List& list);
   void update_lists(std::span<const ListFile> files);
 
   std::vector<BoundList> lists_;

@@ -6,12 +6,12 @@
 namespace zrl {
 
 LocalPage::LocalPage(Console& console) : ListPage(console, "localstuff", "Local domains and IP numbers") {
-  bind_lists(Text1, Place::forgotten, {{List1, "mydomain", "entry"}, {List2, "myips", "IPNumber"}});
+  bind_lists(Text1, Place::forgotten, {domains_, addresses_});
   bind_switches({{acheck, "norelay"}, {checklocalhelo, "checklocalhelo"}, {nofakedom, "nofakedom"}});
-  bind_transfer(imleft, "mydomain", "entry", "Local Domain list");
-  bind_transfer(imright, "myips", "IPNumber", "Local IP list");
+  bind_transfer(imleft, domains_);
+  bind_transfer(imright, addresses_);
 
-  Command1.on_click = [this] { busy(Command1, [this] { add(); }); };
+  bind_busy(Command1, &LocalPage::add);
   Command2.on_click = [this] { remove(); };
   Command3.on_click = [this] { fill_lists(); };
 
@@ -26,17 +26,17 @@ LocalPage::LocalPage(Console& console) : ListPage(console, "localstuff", "Local 
 void LocalPage::fill_lists() {
   Text1.set_text("");
   fill_list_boxes();
-  load_switches({&acheck, &checklocalhelo, &nofakedom});
+  load_switches();
 }
 
 void LocalPage::add() {
   const std::string entry(trim(Text1.text()));
   if (is_ip_address(entry)) {
-    execute(delete_from("myips", "IPNumber", entry));
-    execute(insert_into("myips", "IPNumber", entry));
+    execute(delete_from(list::local_addresses, entry));
+    execute(insert_into(list::local_addresses, entry));
   } else if (!entry.empty()) {
-    execute(delete_from("mydomain", "entry", entry));
-    execute(insert_into("mydomain", "entry", entry));
+    execute(delete_from(list::local_domains, entry));
+    execute(insert_into(list::local_domains, entry));
   }
   fill_lists();
 }
@@ -44,8 +44,8 @@ void LocalPage::add() {
 void LocalPage::remove() {
   const std::string entry(trim(Text1.text()));
   if (entry.empty()) return;
-  execute(delete_from("myips", "IPNumber", entry));
-  execute(delete_from("mydomain", "entry", entry));
+  execute(delete_from(list::local_addresses, entry));
+  execute(delete_from(list::local_domains, entry));
   fill_lists();
 }
 

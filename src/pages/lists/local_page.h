@@ -43,6 +43,9 @@ class LocalPage : public ListPage {
                      "Refuses senders from outside who claim a local domain"};
 
  private:
+  const List domains_{List1, list::local_domains, "Local Domain list"};
+  const List addresses_{List2, list::local_addresses, "Local IP list"};
+
   void fill_lists() override;
 
   void add();

@@ -6,16 +6,16 @@
 namespace zrl {
 
 LocalUserPage::LocalUserPage(Console& console) : ListPage(console, "localuser", "Local users") {
-  bind_lists(uemail, Place::forgotten, {{List1, "localmail", "entry", Entries::with_at}});
+  bind_lists(uemail, Place::forgotten, {users_});
   bind_switches(
       {{usercheck, "localmail"}, {fakeprotectuser, "nofakemail"}, {check_real_ad, "check_real_ad"}});
   check_real_ad.on_click = [this] { click_check_real_ad(); };
-  bind_transfer(imexfile, "localmail", "entry", "Local User");
+  bind_transfer(imexfile, users_);
 
-  adduser.on_click = [this] { busy(adduser, [this] { add_user(); }); };
+  bind_busy(adduser, &LocalUserPage::add_user);
   removeuser.on_click = [this] { remove_user(); };
-  Command1.on_click = [this] { busy(Command1, [this] { import_from_server(); }); };
-  importat.on_click = [this] { busy(importat, [this] { import_users(); }); };
+  bind_busy(Command1, &LocalUserPage::import_from_server);
+  bind_busy(importat, &LocalUserPage::import_users);
 
   set_layout(column({
       uemail,
@@ -32,7 +32,7 @@ void LocalUserPage::load() {
 
 void LocalUserPage::fill_lists() {
   fill_list_boxes();
-  load_switches({&usercheck, &fakeprotectuser, &check_real_ad});
+  load_switches();
 }
 
 // A user who is added twice stands there twice; the domain stands there once.
@@ -41,10 +41,10 @@ void LocalUserPage::add_user() {
   if (uemail.text().find('@') == std::string::npos) return;
   const std::string address(trim(uemail.text()));
   raise_flag("reloadblack");  // also makes the proxy read the local users again
-  execute(insert_into("localmail", "entry", address));
+  execute(insert_into(list::local_users, address));
   if (const std::string domain = domain_of_address(address); !domain.empty()) {
-    execute(delete_from("mydomain", "entry", domain));
-    execute(insert_into("mydomain", "entry", domain));
+    execute(delete_from(list::local_domains, domain));
+    execute(insert_into(list::local_domains, domain));
   }
   fill_lists();
 }
@@ -53,7 +53,7 @@ void LocalUserPage::add_user() {
 void LocalUserPage::remove_user() {
   if (uemail.text().find('@') == std::string::npos) return;
   raise_flag("reloadblack");
-  execute(delete_from("localmail", "entry", trim(uemail.text())));
+  execute(delete_from(list::local_users, trim(uemail.text())));
   fill_lists();
 }
 
@@ -76,14 +76,13 @@ void LocalUserPage::click_check_real_ad() {
   if (check_real_ad.checked()) root_domain = directory_root();
   check_real_ad.set_checked(!root_domain.empty());
   set_option("check_real_ad", check_real_ad.value());
-  if (!root_domain.empty()) execute(insert_into("mydomain", "entry", root_domain));
+  if (!root_domain.empty()) execute(insert_into(list::local_domains, root_domain));
 }
 
 std::string LocalUserPage::directory_root() {
   std::string domain;
   if (const auto directory = component<DirectoryLookups>()) {
-    console().attempt(ActivityRecord::Kind::component, "RootDomain", Console::Step::read,
-                      [&] { domain = directory->RootDomain(); });
+    ask(directory, "RootDomain", [&](DirectoryLookups& server) { domain = server.RootDomain(); });
   }
   return domain;
 }

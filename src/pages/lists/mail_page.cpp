@@ -13,16 +13,14 @@ bool has_at(std::string_view text) {
 }  // namespace
 
 MailPage::MailPage(Console& console) : ListPage(console, "wbuser", "E-mail addresses") {
-  bind_lists(
-      mail, Place::kept,
-      {{whitel, "whitemail", "entry", Entries::with_at}, {blackl, "blackmail", "entry", Entries::with_at}});
+  bind_lists(mail, Place::kept, {white_, black_});
   bind_switches({{checkmail, "checkmail"}});
-  bind_transfer(imleft, "blackmail", "entry", "eMail Blacklist", {"reloadblack", "reloadauto"});
-  bind_transfer(imright, "whitemail", "entry", "eMail Whitelist", {"reloadwhite", "reloadauto"});
+  bind_transfer(imleft, black_);
+  bind_transfer(imright, white_);
   bind_update(remotelist, mail_list_files());
 
-  addwhite.on_click = [this] { busy(addwhite, [this] { add(white); }); };
-  addblack.on_click = [this] { busy(addblack, [this] { add(black); }); };
+  bind_busy(addwhite, [this] { add(white_, black_, list::black_domains); });
+  bind_busy(addblack, [this] { add(black_, white_, list::white_domains); });
   remove.on_click = [this] { remove_address(); };
 
   set_layout(column({
@@ -45,25 +43,24 @@ void MailPage::fill_lists() {
 
 // Without a deletion first: an address that is added twice is stored twice. The flags are raised
 // even if nothing was stored.
-void MailPage::add(const Side& side) {
+void MailPage::add(const List& own, const List& other, const ListTable& other_domains) {
   mail.set_text(lower(mail.text()));
   const std::string_view address = trim(mail.text());
   if (has_at(address)) {
-    execute(insert_into(side.table, "entry", address));
-    execute(delete_from(side.other_table, "entry", address));
+    execute(insert_into(own.table, address));
+    execute(delete_from(other.table, address));
     const std::string domain = domain_of_address(address);
-    if (!domain.empty()) execute(delete_from(side.other_domains, "entry", domain));
+    if (!domain.empty()) execute(delete_from(other_domains, domain));
     fill_lists();
   }
-  raise_flag(side.flag);
-  raise_flag("reloadauto");
+  raise_flags(own);
 }
 
 void MailPage::remove_address() {
   mail.set_text(lower(mail.text()));
   const std::string_view address = trim(mail.text());
-  execute(delete_from("blackmail", "entry", address));
-  execute(delete_from("whitemail", "entry", address));
+  execute(delete_from(list::black_mails, address));
+  execute(delete_from(list::white_mails, address));
   for (const std::string_view flag : {"reloadwhite", "reloadblack", "reloadauto"}) raise_flag(flag);
   fill_lists();
 }
@@ -71,7 +68,7 @@ void MailPage::remove_address() {
 void MailPage::remove_local_user() {
   run([this] {
     if (!has_at(mail.text())) return;
-    execute(delete_from("localmail", "entry", trim(mail.text())));
+    execute(delete_from(list::local_users, trim(mail.text())));
     fill_lists();
   });
 }

@@ -47,20 +47,16 @@ class MailPage : public ListPage {
   void remove_local_user();
 
  private:
-  // What adding to one of the two lists touches.
-  struct Side {
-    Literal table;
-    Literal other_table;
-    Literal other_domains;
-    std::string_view flag;
-  };
-  static constexpr Side white{"whitemail", "blackmail", "blacklist", "reloadwhite"};
-  static constexpr Side black{"blackmail", "whitemail", "whitelist", "reloadblack"};
+  const List white_{
+      whitel, list::white_mails, "eMail Whitelist", {"reloadwhite", "reloadauto"}, Entries::with_at};
+  const List black_{
+      blackl, list::black_mails, "eMail Blacklist", {"reloadblack", "reloadauto"}, Entries::with_at};
 
   void load() override;
   void fill_lists() override;
 
-  void add(const Side& side);
+  // The address leaves the other list, and its domain the domain list that would contradict it.
+  void add(const List& own, const List& other, const ListTable& other_domains);
   void remove_address();
 };
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "core/text/error.h"
 #include "core/text/paths.h"
 
 namespace zrl {
@@ -12,74 +11,84 @@ namespace {
 constexpr auto take = ListFile::Operation::import_entries;
 constexpr auto drop = ListFile::Operation::delete_entries;
 
-// Deleting comes before adding, but for the address black list, where it is the other way round.
-// A word published for one subject list leaves the other one: the add file of each is also a
-// delete file of its opposite. The add file of the extensions has no ending.
-constexpr ListFile files_of_update[] = {
-    {drop, "files", "files", "\\download\\delfiles.txt"},
-    {drop, "extension", "extension", "\\download\\delextension.txt"},
-    {take, "files", "files", "\\download\\addfiles.txt"},
-    {take, "extension", "extension", "\\download\\addextension"},
-    {drop, "entry", "blacklist", "\\download\\delblack.txt"},
-    {drop, "entry", "whitelist", "\\download\\delwhite.txt"},
-    {take, "entry", "blacklist", "\\download\\addblack.txt"},
-    {take, "entry", "whitelist", "\\download\\addwhite.txt"},
-    {drop, "IPNumber", "Blackhost", "\\download\\delblackip.txt"},
-    {drop, "IPNumber", "Whitehost", "\\download\\delwhiteip.txt"},
-    {take, "IPNumber", "Blackhost", "\\download\\addblackip.txt"},
-    {take, "IPNumber", "Whitehost", "\\download\\addwhiteip.txt"},
-    {drop, "entry", "swords", "\\download\\delsubject.txt"},
-    {drop, "entry", "words", "\\download\\delbody.txt"},
-    {take, "entry", "swords", "\\download\\addsubject.txt"},
-    {take, "entry", "words", "\\download\\addbody.txt"},
-    {take, "entry", "subjectwhite", "\\download\\addsubjectwhite.txt"},
-    {drop, "entry", "subjectwhite", "\\download\\addsubject.txt"},
-    {drop, "entry", "subjectwhite", "\\download\\delsubjectwhite.txt"},
-    {drop, "entry", "swords", "\\download\\addsubjectwhite.txt"},
-    {take, "entry", "blackmail", "\\download\\adduserblack.txt"},
-    {drop, "entry", "blackmail", "\\download\\deluserblack.txt"},
-};
-
-constexpr std::span<const ListFile> share(std::size_t first_step, std::size_t last_step) {
-  return std::span(files_of_update).subspan(first_step - 1, last_step - first_step + 1);
+std::vector<ListFile> joined(std::initializer_list<std::vector<ListFile>> parts) {
+  std::vector<ListFile> all;
+  for (const std::vector<ListFile>& part : parts) all.insert(all.end(), part.begin(), part.end());
+  return all;
 }
 
-// As in the update of all lists, but for the last two, which change places.
-constexpr ListFile keyword_files[] = {
-    files_of_update[12], files_of_update[13], files_of_update[14], files_of_update[15],
-    files_of_update[16], files_of_update[17], files_of_update[19], files_of_update[18],
-};
+// A word published for one subject list leaves the other one: the add file of each is also a delete file
+// of its opposite.
+std::vector<ListFile> first_keyword_files() {
+  return {
+      {drop, list::subject_keywords, "\\download\\delsubject.txt"},
+      {drop, list::body_keywords, "\\download\\delbody.txt"},
+      {take, list::subject_keywords, "\\download\\addsubject.txt"},
+      {take, list::body_keywords, "\\download\\addbody.txt"},
+      {take, list::white_subjects, "\\download\\addsubjectwhite.txt"},
+      {drop, list::white_subjects, "\\download\\addsubject.txt"},
+  };
+}
+
+constexpr ListFile withdrawn_white_subjects{drop, list::white_subjects, "\\download\\delsubjectwhite.txt"};
+constexpr ListFile whitened_keywords{drop, list::subject_keywords, "\\download\\addsubjectwhite.txt"};
 
 }  // namespace
 
-std::span<const ListFile> all_list_files() {
-  return files_of_update;
+std::vector<ListFile> all_list_files() {
+  return joined({attachment_list_files(),
+                 domain_list_files(),
+                 address_list_files(),
+                 first_keyword_files(),
+                 {withdrawn_white_subjects, whitened_keywords},
+                 mail_list_files()});
 }
 
-std::span<const ListFile> attachment_list_files() {
-  return share(1, 4);
+// The add file of the extensions has no ending.
+std::vector<ListFile> attachment_list_files() {
+  return {
+      {drop, list::file_names, "\\download\\delfiles.txt"},
+      {drop, list::extensions, "\\download\\delextension.txt"},
+      {take, list::file_names, "\\download\\addfiles.txt"},
+      {take, list::extensions, "\\download\\addextension"},
+  };
 }
 
-std::span<const ListFile> domain_list_files() {
-  return share(5, 8);
+std::vector<ListFile> domain_list_files() {
+  return {
+      {drop, list::black_domains, "\\download\\delblack.txt"},
+      {drop, list::white_domains, "\\download\\delwhite.txt"},
+      {take, list::black_domains, "\\download\\addblack.txt"},
+      {take, list::white_domains, "\\download\\addwhite.txt"},
+  };
 }
 
-std::span<const ListFile> address_list_files() {
-  return share(9, 12);
+std::vector<ListFile> address_list_files() {
+  return {
+      {drop, list::black_addresses, "\\download\\delblackip.txt"},
+      {drop, list::white_addresses, "\\download\\delwhiteip.txt"},
+      {take, list::black_addresses, "\\download\\addblackip.txt"},
+      {take, list::white_addresses, "\\download\\addwhiteip.txt"},
+  };
 }
 
-std::span<const ListFile> keyword_list_files() {
-  return keyword_files;
+// As in the update of all lists, but for the last two, which change places.
+std::vector<ListFile> keyword_list_files() {
+  return joined({first_keyword_files(), {whitened_keywords, withdrawn_white_subjects}});
 }
 
-std::span<const ListFile> mail_list_files() {
-  return share(21, 22);
+// Adding comes before deleting here, and nowhere else.
+std::vector<ListFile> mail_list_files() {
+  return {
+      {take, list::black_mails, "\\download\\adduserblack.txt"},
+      {drop, list::black_mails, "\\download\\deluserblack.txt"},
+  };
 }
 
 std::vector<std::string> published_list_files() {
   std::vector<std::string> names;
-  for (const ListFile& file : files_of_update) {
-    std::string name = to_file_path(file.file.text()).filename().string();
+  for (const ListFile& file : all_list_files()) {
+    std::string name = to_file_path(file.file).filename().string();
     if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
   }
   return names;
@@ -90,8 +99,8 @@ bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& down
   const bool fetched = client.component_step("updateall", [&] { status = downloader->updateall(); });
   if (!fetched) return false;
   for (const Downloader::Failure& failure : downloader->failures()) {
-    client.component_step("updateall " + failure.file,
-                          [&] { throw Error(error_number::invalid_call, failure.reason); });
+    client.failed(ActivityRecord::Kind::component, "updateall " + failure.file, failure.reason,
+                  Console::Step::write);
   }
   return true;
 }
@@ -99,12 +108,12 @@ bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& down
 void merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files) {
   std::uint64_t done = 0;
   for (const ListFile& file : files) {
-    console.host().show_progress({file.table.text(), done++, files.size()});
-    const std::string path = (console.folder() / to_file_path(file.file.text().substr(1))).string();
+    console.host().show_progress({file.list.table.text(), done++, files.size()});
+    const std::string path = (console.folder() / to_file_path(file.file.substr(1))).string();
     if (file.operation == ListFile::Operation::import_entries) {
-      client.import_file(file.column, file.table, path);
+      client.import_file(file.list, path);
     } else {
-      client.delete_file(file.column, file.table, path);
+      client.delete_file(file.list, path);
     }
   }
 }

@@ -18,19 +18,18 @@ struct ListFile {
   enum class Operation { import_entries, delete_entries };
 
   Operation operation;
-  Literal column;
-  Literal table;
-  Literal file;
+  ListTable list;
+  std::string_view file;
 };
 
 // All files, in the order in which the update of all lists applies them.
-std::span<const ListFile> all_list_files();
+std::vector<ListFile> all_list_files();
 // The shares of single pages.
-std::span<const ListFile> attachment_list_files();
-std::span<const ListFile> domain_list_files();
-std::span<const ListFile> address_list_files();
-std::span<const ListFile> keyword_list_files();
-std::span<const ListFile> mail_list_files();
+std::vector<ListFile> attachment_list_files();
+std::vector<ListFile> domain_list_files();
+std::vector<ListFile> address_list_files();
+std::vector<ListFile> keyword_list_files();
+std::vector<ListFile> mail_list_files();
 
 // The names under which a server publishes them, each once.
 std::vector<std::string> published_list_files();

@@ -23,10 +23,10 @@ bool check_subnet(TextField& field) {
 }  // namespace
 
 SubnetPage::SubnetPage(Console& console) : ListPage(console, "subnets", "Subnets") {
-  bind_lists(subin, Place::kept, {{blacksub, "blacksub", "subnet"}, {whitesub, "whitesub", "subnet"}});
+  bind_lists(subin, Place::kept, {black_, white_});
   bind_switches({{subnetcheck, "subnetcheck"}});
-  bind_transfer(imleft, "whitesub", "subnet", "Subnet Whitelist");
-  bind_transfer(imright, "blacksub", "subnet", "Subnet Blacklist");
+  bind_transfer(imleft, white_);
+  bind_transfer(imright, black_);
 
   addwhite.on_click = [this] { add(white_, black_); };
   addblack.on_click = [this] { add(black_, white_); };
@@ -42,25 +42,25 @@ SubnetPage::SubnetPage(Console& console) : ListPage(console, "subnets", "Subnets
 }
 
 void SubnetPage::fill_lists() {
-  load_switches({&subnetcheck});
+  load_switches();
   fill_list_boxes();
 }
 
 // Nothing is deleted from the own list before: a network that is added twice stands there twice.
-void SubnetPage::add(const Side& own, const Side& other) {
+void SubnetPage::add(const List& own, const List& other) {
   if (!check_subnet(subin)) {
     show_error("Please refer to your manual", "Incorrect Syntax");
     return;
   }
-  execute(insert_into(own.table, "subnet", subin.text()));
+  execute(insert_into(own.table, subin.text()));
   own.box.add_item(subin.text());
-  execute(delete_from(other.table, "subnet", subin.text()));
+  execute(delete_from(other.table, subin.text()));
   fill_lists();
 }
 
 void SubnetPage::remove() {
-  execute(delete_from("blacksub", "subnet", subin.text()));
-  execute(delete_from("whitesub", "subnet", subin.text()));
+  execute(delete_from(list::black_subnets, subin.text()));
+  execute(delete_from(list::white_subnets, subin.text()));
   fill_lists();
 }
 

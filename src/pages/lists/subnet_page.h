@@ -39,17 +39,12 @@ class SubnetPage : public ListPage {
                        "Checks the networks of connecting IP numbers against both lists"};
 
  private:
-  // One of the two lists.
-  struct Side {
-    ListBox& box;
-    Literal table;
-  };
-  Side white_{whitesub, "whitesub"};
-  Side black_{blacksub, "blacksub"};
+  const List white_{whitesub, list::white_subnets, "Subnet Whitelist"};
+  const List black_{blacksub, list::black_subnets, "Subnet Blacklist"};
 
   void fill_lists() override;
 
-  void add(const Side& own, const Side& other);
+  void add(const List& own, const List& other);
   void remove();
 };
 

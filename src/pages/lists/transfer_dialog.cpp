@@ -15,9 +15,8 @@ bool names_a_file(std::string_view path) {
 
 }  // namespace
 
-TransferDialog::TransferDialog(Console& console, Literal list_table, Literal list_column,
-                               std::string_view title)
-    : Form(console, "transfer", title), DatabaseClient(console), table_(list_table), column_(list_column) {
+TransferDialog::TransferDialog(Console& console, const ListTable& list, std::string_view title)
+    : Form(console, "transfer", title), DatabaseClient(console), list_(list) {
   for (OptionButton* option : {&export_, &import_, &delete_}) {
     option->on_click = [this, option] { choose(*option); };
   }
@@ -41,7 +40,7 @@ void TransferDialog::load() {
   enter(to_product_path(console().folder()));
   export_.choose();
   choose(export_);
-  source.set_text(File1.path() + "\\" + std::string(table_.text()) + ".txt");
+  source.set_text(File1.path() + "\\" + std::string(list_.table.text()) + ".txt");
   database = component<Database>();
 }
 
@@ -65,15 +64,15 @@ void TransferDialog::run_action() {
   if (names_a_file(source.text())) {
     const std::string path = (console().folder() / to_file_path(source.text())).string();
     if (export_.chosen()) export_list(path);
-    if (import_.chosen()) import_file(column_, table_, path);
-    if (delete_.chosen()) delete_file(column_, table_, path);
+    if (import_.chosen()) import_file(list_, path);
+    if (delete_.chosen()) delete_file(list_, path);
   }
   File1.refresh();
   action.set_enabled(true);
 }
 
 void TransferDialog::export_list(const std::string& path) {
-  if (export_file(column_, table_, path, overwrite.checked())) console().host().offer_file(path);
+  if (export_file(list_, path, overwrite.checked())) console().host().offer_file(path);
 }
 
 }  // namespace zrl

@@ -11,8 +11,8 @@ namespace zrl {
 // Moves a whole list between its table and a text file: one entry a line.
 class TransferDialog : public Form, public DatabaseClient {
  public:
-  // The dialog of the list in that column; `title` is English and becomes the caption.
-  TransferDialog(Console& console, Literal list_table, Literal list_column, std::string_view title);
+  // `title` is English and becomes the caption.
+  TransferDialog(Console& console, const ListTable& list, std::string_view title);
 
   Frame Frame1{*this, "Frame1", "Action"};
   OptionButton export_{*this, "export", "Export", "Writes the list to the file"};
@@ -41,8 +41,7 @@ class TransferDialog : public Form, public DatabaseClient {
   void run_action();
   void export_list(const std::string& path);
 
-  Literal table_;
-  Literal column_;
+  ListTable list_;
 };
 
 }  // namespace zrl

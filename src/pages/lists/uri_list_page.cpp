@@ -1,17 +1,16 @@
 #include "pages/lists/uri_list_page.h"
 
-#include "core/text/error.h"
 #include "core/text/text.h"
 
 namespace zrl {
 
 UriListPage::UriListPage(Console& console) : ListPage(console, "surbl", "URI block lists") {
-  bind_lists(Text1, Place::kept, {{List1, "surblserver", "entry"}});
+  bind_lists(Text1, Place::kept, {zones_});
   bind_switches({{enablesurbl, "enablesurbl"}});
-  bind_transfer(Command3, "surblserver", "entry", "URI Realtime Blocklists ");
+  bind_transfer(Command3, zones_);
   adduri.on_click = [this] { add(); };
   removeuri.on_click = [this] { remove(); };
-  testit.on_click = [this] { busy(testit, [this] { test(); }); };
+  bind_busy(testit, &UriListPage::test);
 
   set_layout(column({
       Text1,
@@ -23,24 +22,24 @@ UriListPage::UriListPage(Console& console) : ListPage(console, "surbl", "URI blo
 
 void UriListPage::load() {
   fill_lists();
-  check_ = component<CheckPlugin>(checks::surbl);
+  check_.make();
 }
 
 void UriListPage::fill_lists() {
   fill_list_boxes();
-  load_switches({&enablesurbl});
+  load_switches();
 }
 
 void UriListPage::add() {
   Text1.set_text(trim(Text1.text()));
-  execute(delete_from("surblserver", "entry", Text1.text()));
-  execute(insert_into("surblserver", "entry", Text1.text()));
+  execute(delete_from(list::uri_zones, Text1.text()));
+  execute(insert_into(list::uri_zones, Text1.text()));
   fill_lists();
 }
 
 void UriListPage::remove() {
   Text1.set_text(trim(Text1.text()));
-  execute(delete_from("surblserver", "entry", Text1.text()));
+  execute(delete_from(list::uri_zones, Text1.text()));
   fill_lists();
 }
 
@@ -48,13 +47,11 @@ void UriListPage::remove() {
 // so that it does not pass for this one.
 void UriListPage::test() {
   uriresult.set_caption("");
-  console().attempt(ActivityRecord::Kind::component, "send to " + std::string(checks::surbl),
-                    Console::Step::read, [this, check = check_, text = Text2.text()] {
-                      if (!check) throw Error(error_number::object_not_set, "no URI check");
-                      if (check->info() > 0) check->initmodule({});
-                      check->send("BODY", "SEND", text);
-                      uriresult.set_caption(check->send());
-                    });
+  ask(check_, "send to " + std::string(checks::surbl), [this, text = Text2.text()](CheckPlugin& check) {
+    if (check.info() > 0) check.initmodule({});
+    check.send("BODY", "SEND", text);
+    uriresult.set_caption(check.send());
+  });
 }
 
 }  // namespace zrl

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "core/contracts/check_plugin.h"
 #include "pages/lists/list_page.h"
 
@@ -45,14 +43,14 @@ class UriListPage : public ListPage {
 
  private:
   void load() override;
-  void hide() override { check_.reset(); }
   void fill_lists() override;
 
   void add();
   void remove();
   void test();
 
-  std::shared_ptr<CheckPlugin> check_;
+  const List zones_{List1, list::uri_zones, "URI Realtime Blocklists "};
+  Held<CheckPlugin> check_{*this, "URI check", checks::surbl};
 };
 
 }  // namespace zrl

@@ -9,37 +9,34 @@ AvlogPage::AvlogPage(Console& console) : LogPage(console, "avlog", "Attachment l
   from.on_click = [this] { click_sender(); };
   ip.on_click = [this] { Text2.set_text(ip.chosen()); };
 
-  const auto bind = [this](Button& button, const std::function<void()>& action) {
-    button.on_click = [this, &button, action] { busy(button, action); };
-  };
   const auto bind_all = [&](Button& button, const std::function<void(std::string_view)>& action) {
-    bind(button, [this, action] {
+    bind_busy(button, [this, action] {
       lowercase_mail_lists();
       for_each_sender(action);
     });
   };
   const auto bind_one = [&](Button& button, const std::function<void(std::string_view)>& action) {
-    bind(button, [this, action] {
+    bind_busy(button, [this, action] {
       lowercase_mail_lists();
       if (!Text1.text().empty()) action(Text1.text());
     });
   };
-  bind_all(Command1, [this](std::string_view v) { list_sender(v, "blackmail", "whitemail"); });
-  bind_all(Command2, [this](std::string_view v) { list_sender(v, "whitemail", "blackmail"); });
-  bind_all(Command5, [this](std::string_view v) { unlist_sender(v, "blackmail", "whitemail"); });
-  bind_one(Command7, [this](std::string_view v) { list_sender(v, "blackmail", "whitemail"); });
-  bind_one(Command8, [this](std::string_view v) { list_sender(v, "whitemail", "blackmail"); });
-  bind_one(Command9, [this](std::string_view v) { unlist_sender(v, "whitemail", "blackmail"); });
+  bind_all(Command1, [this](std::string_view v) { list_sender(v, list::black_mails, list::white_mails); });
+  bind_all(Command2, [this](std::string_view v) { list_sender(v, list::white_mails, list::black_mails); });
+  bind_all(Command5, [this](std::string_view v) { unlist_sender(v, list::black_mails, list::white_mails); });
+  bind_one(Command7, [this](std::string_view v) { list_sender(v, list::black_mails, list::white_mails); });
+  bind_one(Command8, [this](std::string_view v) { list_sender(v, list::white_mails, list::black_mails); });
+  bind_one(Command9, [this](std::string_view v) { unlist_sender(v, list::white_mails, list::black_mails); });
 
-  bind(Command3, [this] { list_all_addresses(IpStatus::black); });
-  bind(Command4, [this] { list_all_addresses(IpStatus::white); });
-  bind(Command6, [this] { list_all_addresses(IpStatus::neutral); });
-  bind(Command10, [this] { list_one_address(IpStatus::black); });
-  bind(Command11, [this] { list_one_address(IpStatus::white); });
-  bind(Command12, [this] { list_one_address(IpStatus::neutral); });
+  bind_busy(Command3, [this] { list_all_addresses(IpStatus::black); });
+  bind_busy(Command4, [this] { list_all_addresses(IpStatus::white); });
+  bind_busy(Command6, [this] { list_all_addresses(IpStatus::neutral); });
+  bind_busy(Command10, [this] { list_one_address(IpStatus::black); });
+  bind_busy(Command11, [this] { list_one_address(IpStatus::white); });
+  bind_busy(Command12, [this] { list_one_address(IpStatus::neutral); });
 
-  bind(Command13, [this] { clear_sender(); });
-  bind(Command14, [this] { clear_address(); });
+  bind_busy(Command13, &AvlogPage::clear_sender);
+  bind_busy(Command14, &AvlogPage::clear_address);
   Command15.on_click = [this] { refresh_log(); };
 
   set_layout(column({
@@ -91,14 +88,14 @@ void AvlogPage::click_sender() {
   Text2.set_text("");
 }
 
-void AvlogPage::list_sender(std::string_view sender, Literal table, Literal opposite) {
+void AvlogPage::list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite) {
   const std::string entry = lower(trim(sender));
-  execute(insert_into(table, "entry", entry));
-  execute(delete_from(opposite, "entry", entry));
+  execute(insert_into(own, entry));
+  execute(delete_from(opposite, entry));
 }
 
-void AvlogPage::unlist_sender(std::string_view sender, Literal first, Literal second) {
-  delete_rows({first, second}, "entry", lower(trim(sender)));
+void AvlogPage::unlist_sender(std::string_view sender, const ListTable& first, const ListTable& second) {
+  for (const ListTable& list : {first, second}) execute(delete_from(list, lower(trim(sender))));
 }
 
 // All addresses and a single one differ in their orders.
@@ -136,8 +133,8 @@ void AvlogPage::clear_address() {
 void AvlogPage::lowercase_mail_lists() {
   if (mail_lists_lower_cased_) return;
   mail_lists_lower_cased_ = true;
-  lcase_table("blackmail", "entry");
-  lcase_table("whitemail", "entry");
+  lcase_table(list::black_mails);
+  lcase_table(list::white_mails);
 }
 
 void AvlogPage::for_each_sender(const std::function<void(std::string_view)>& action) {

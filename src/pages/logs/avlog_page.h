@@ -52,8 +52,8 @@ class AvlogPage : public LogPage {
   void click_row();
   void click_sender();
 
-  void list_sender(std::string_view sender, Literal table, Literal opposite);
-  void unlist_sender(std::string_view sender, Literal first, Literal second);
+  void list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite);
+  void unlist_sender(std::string_view sender, const ListTable& first, const ListTable& second);
   void list_all_addresses(IpStatus status);
   void list_one_address(IpStatus status);
   void clear_sender();

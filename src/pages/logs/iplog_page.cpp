@@ -11,15 +11,15 @@ IplogPage::IplogPage(Console& console) : LogPage(console, "iplog", "IP log") {
   ipblack.on_click = [this] { choose_view("status=2"); };
   ipwhite.on_click = [this] { choose_view("status=1"); };
   iplist.on_click = [this] { click_address(); };
-  Command9.on_click = [this] { busy(Command9, [this] { clear_list(); }); };
+  bind_busy(Command9, &IplogPage::clear_list);
 
   Command1.on_click = [this] { change_status(IpStatus::neutral); };
   Command2.on_click = [this] { change_status(IpStatus::black); };
   Command3.on_click = [this] { change_status(IpStatus::white); };
   Command7.on_click = [this] { connect_by_telnet(IPNumber.text()); };
-  delefrom.on_click = [this] { busy(delefrom, [this] { delete_from_logs(); }); };
+  bind_busy(delefrom, &IplogPage::delete_from_logs);
 
-  reverse.on_click = [this] { busy(reverse, [this] { look_up_host_name(); }); };
+  bind_busy(reverse, &IplogPage::look_up_host_name);
   Command4.on_click = [this] { unlist_domain(domain.text()); };
   Command5.on_click = [this] { blacklist_domain(domain.text()); };
   Command6.on_click = [this] { whitelist_domain(domain.text()); };
@@ -42,7 +42,7 @@ void IplogPage::show() {
   connect_database();
   load();
   select_last(iplist);
-  create_dns_client();
+  dns_.make();
 }
 
 void IplogPage::load() {
@@ -84,7 +84,7 @@ void IplogPage::change_status(IpStatus status) {
 }
 
 void IplogPage::look_up_host_name() {
-  if (const auto name = host_name_of(iplist.chosen())) domain.set_text(*name);
+  if (const auto name = host_name_of(dns_, iplist.chosen())) domain.set_text(*name);
 }
 
 void IplogPage::delete_from_logs() {

@@ -72,6 +72,7 @@ class IplogPage : public LogPage {
 
   Literal status_filter_ = "";  // the condition of the view; empty for all rows
   std::int64_t selected_index_ = -1;
+  Held<DnsClient> dns_{*this, "DNS component"};
 };
 
 }  // namespace zrl

@@ -18,13 +18,13 @@ KeywordlogPage::KeywordlogPage(Console& console) : LogPage(console, "keywordlog"
     };
   };
   bind(Command1, keyw, [this] { remove_keyword(); });
-  bind(Command2, mfrom, [this] { list_sender("blackmail", "whitemail"); });
-  bind(Command3, mfrom, [this] { list_sender("whitemail", "blackmail"); });
-  bind(Command4, dfrom, [this] { list_domain(dfrom.text(), "blacklist", "whitelist"); });
-  bind(Command5, dfrom, [this] { list_domain(dfrom.text(), "whitelist", "blacklist"); });
+  bind(Command2, mfrom, [this] { list_sender(list::black_mails, list::white_mails); });
+  bind(Command3, mfrom, [this] { list_sender(list::white_mails, list::black_mails); });
+  bind(Command4, dfrom, [this] { list_domain(dfrom.text(), list::black_domains, list::white_domains); });
+  bind(Command5, dfrom, [this] { list_domain(dfrom.text(), list::white_domains, list::black_domains); });
   bind(Command6, ip, [this] { list_client(IpStatus::black); });
   bind(Command7, ip, [this] { list_client(IpStatus::white); });
-  bind(Command9, shost, [this] { list_domain(shost.text(), "blacklist", "whitelist"); });
+  bind(Command9, shost, [this] { list_domain(shost.text(), list::black_domains, list::white_domains); });
   Command10.on_click = [this] { whitelist_host(); };
   Command8.on_click = [this] { look_up_host(); };
   subject.choose();
@@ -44,7 +44,7 @@ KeywordlogPage::KeywordlogPage(Console& console) : LogPage(console, "keywordlog"
 void KeywordlogPage::show() {
   lower_cased_.clear();
   LogPage::show();
-  create_dns_client();
+  dns_.make();
 }
 
 void KeywordlogPage::refresh_log() {
@@ -68,30 +68,30 @@ void KeywordlogPage::click_row() {
 
 void KeywordlogPage::remove_keyword() {
   const std::string keyword = lower(keyw.text());
-  const Literal list = body.chosen() ? Literal("words") : Literal("swords");
+  const ListTable& keywords = body.chosen() ? list::body_keywords : list::subject_keywords;
   const Literal log = body.chosen() ? Literal("bodylog") : Literal("subjectlog");
-  lower_case_once(list);
+  lower_case_once(keywords);
   execute(delete_from(log, "keyword", keyword));
-  execute(delete_from(list, "entry", keyword));
+  execute(delete_from(keywords, keyword));
   refresh_log();
 }
 
-void KeywordlogPage::list_sender(Literal table, Literal opposite) {
+void KeywordlogPage::list_sender(const ListTable& own, const ListTable& opposite) {
   mfrom.set_text(lower(trim(mfrom.text())));
-  lower_case_once(table);
+  lower_case_once(own);
   lower_case_once(opposite);
-  execute(insert_into(table, "entry", mfrom.text()));
-  execute(delete_from(opposite, "entry", mfrom.text()));
+  execute(insert_into(own, mfrom.text()));
+  execute(delete_from(opposite, mfrom.text()));
   forget_sender();
 }
 
-void KeywordlogPage::list_domain(std::string_view domain, Literal table, Literal opposite) {
+void KeywordlogPage::list_domain(std::string_view domain, const ListTable& own, const ListTable& opposite) {
   const std::string entry(trim(domain));
-  lower_case_once("blacklist");
-  lower_case_once("whitelist");
-  execute(delete_from(table, "entry", entry));
-  execute(delete_from(opposite, "entry", entry));
-  execute(insert_into(table, "entry", entry));
+  lower_case_once(list::black_domains);
+  lower_case_once(list::white_domains);
+  execute(delete_from(own, entry));
+  execute(delete_from(opposite, entry));
+  execute(insert_into(own, entry));
   forget_sender();
 }
 
@@ -111,14 +111,14 @@ void KeywordlogPage::forget_sender() {
 void KeywordlogPage::whitelist_host() {
   if (shost.text().empty()) return;
   Command10.set_enabled(false);
-  list_domain(shost.text(), "whitelist", "blacklist");
+  list_domain(shost.text(), list::white_domains, list::black_domains);
   Command9.set_enabled(true);
 }
 
 void KeywordlogPage::look_up_host() {
   if (!ip.text().empty()) {
     busy(Command8, [this] {
-      if (const auto name = host_name_of(ip.text())) shost.set_text(*name);
+      if (const auto name = host_name_of(dns_, ip.text())) shost.set_text(*name);
     });
   }
   Command10.set_enabled(true);
@@ -134,8 +134,8 @@ void KeywordlogPage::telnet() {
   if (!target.empty()) connect_by_telnet(target);
 }
 
-void KeywordlogPage::lower_case_once(Literal table) {
-  if (lower_cased_.insert(table.text()).second) lcase_table(table, "entry");
+void KeywordlogPage::lower_case_once(const ListTable& list) {
+  if (lower_cased_.insert(list.name).second) lcase_table(list);
 }
 
 }  // namespace zrl

@@ -71,8 +71,8 @@ class KeywordlogPage : public LogPage {
   void click_row();
 
   void remove_keyword();
-  void list_sender(Literal table, Literal opposite);
-  void list_domain(std::string_view domain, Literal table, Literal opposite);
+  void list_sender(const ListTable& own, const ListTable& opposite);
+  void list_domain(std::string_view domain, const ListTable& own, const ListTable& opposite);
   void list_client(IpStatus status);
   void forget_sender();
   void whitelist_host();
@@ -80,11 +80,12 @@ class KeywordlogPage : public LogPage {
   void clear_log();
   void telnet();
 
-  // Lower-cases the table's entries, once while the page is shown.
-  void lower_case_once(Literal table);
+  // Lower-cases the list's entries, once while the page is shown.
+  void lower_case_once(const ListTable& list);
 
   LogRows rows_;
   std::set<std::string_view> lower_cased_;
+  Held<DnsClient> dns_{*this, "DNS component"};
 };
 
 }  // namespace zrl

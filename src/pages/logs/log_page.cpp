@@ -32,22 +32,22 @@ void LogPage::delete_rows(std::initializer_list<Literal> tables, Literal column,
 void LogPage::blacklist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
   if (entry.empty()) return;
-  execute(delete_from("whitelist", "entry", entry));
-  execute(insert_into("blacklist", "entry", entry));
+  execute(delete_from(list::white_domains, entry));
+  execute(insert_into(list::black_domains, entry));
 }
 
 void LogPage::whitelist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
   if (entry.empty()) return;
-  execute(delete_from("blacklist", "entry", entry));
-  execute(insert_into("whitelist", "entry", entry));
+  execute(delete_from(list::black_domains, entry));
+  execute(insert_into(list::white_domains, entry));
 }
 
 void LogPage::unlist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
   if (entry.empty()) return;
-  execute(delete_from("whitelist", "entry", entry));
-  execute(delete_from("blacklist", "entry", entry));
+  execute(delete_from(list::white_domains, entry));
+  execute(delete_from(list::black_domains, entry));
 }
 
 void LogPage::connect_by_telnet(const std::string& target) {
@@ -76,7 +76,7 @@ LogPage::LogRows LogPage::read_log(Literal select, Literal what, Texts texts) {
   };
   const std::unique_ptr<RecordSet> set = open(select, Connection::Access::read_only);
   if (!set) return rows;
-  const bool read = console().attempt(ActivityRecord::Kind::sql, select.text(), Console::Step::read, [&] {
+  const bool read = read_rows(select.text(), [&] {
     for (; !set->at_end(); set->move_next()) {
       take(rows.what, set->text(what.text()));
       take(rows.addresses, set->text("IPNumber"));

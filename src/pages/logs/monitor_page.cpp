@@ -5,7 +5,6 @@
 
 #include "core/html_text.h"
 #include "core/text/encoded_words.h"
-#include "core/text/error.h"
 #include "core/text/paths.h"
 #include "core/text/text.h"
 #include "core/text_file.h"
@@ -14,8 +13,6 @@
 namespace zrl {
 
 namespace {
-
-constexpr std::string_view any_mailbox = "*@";
 
 // Every line of the text with the mark of a quotation.
 std::string quotation_of(std::string_view text) {
@@ -34,14 +31,6 @@ std::string reply_subject(std::string_view subject) {
 
 }  // namespace
 
-const MonitorPage::TouchedList MonitorPage::subject_list{"swords", "entry"};
-const MonitorPage::TouchedList MonitorPage::blackdomain_list{"blacklist", "entry", true};
-const MonitorPage::TouchedList MonitorPage::ip_list{"Blackhost", "IPNumber"};
-const MonitorPage::TouchedList MonitorPage::ipwhite_list{"Whitehost", "IPNumber"};
-const MonitorPage::TouchedList MonitorPage::whitedom_list{"whitelist", "entry", true};
-const MonitorPage::TouchedList MonitorPage::whitemail_list{"whitemail", "entry", false, false};
-const MonitorPage::TouchedList MonitorPage::blackmail_list{"blackmail", "entry", false, false};
-
 MonitorPage::MonitorPage(Console& console) : Page(console, "monitor", "Mail archive") {
   HScroll1.on_change = [this] { show_position(); };
   Command1.on_click = [this] { refresh(); };
@@ -49,19 +38,22 @@ MonitorPage::MonitorPage(Console& console) : Page(console, "monitor", "Mail arch
     refresh();
     read_counters();
   };
-  bind_action(Command2, subject_list, [this] { add_to_swords(msubject.text()); });
-  bind_action(Command3, ip_list, [this] { add_to_blackhost(sip.text()); });
-  bind_action(Command8, ipwhite_list, [this] { add_to_whitehost(sip.text()); });
-  bind_action(Command4, blackdomain_list, [this] { add_to_blackdomain(sdom.text()); });
-  bind_action(Command9, blackdomain_list, [this] { add_to_blackdomain(returnaddr.text()); });
-  bind_action(Command7, whitedom_list, [this] { add_to_whitedomain(sdom.text()); });
-  bind_action(blacklistsender, blackmail_list, [this] { list_sender("blackmail", "whitemail"); });
-  bind_action(Command10, whitemail_list, [this] { list_sender("whitemail", "blackmail"); });
-  List1.on_click = [this] { wert.set_text(List1.chosen()); };
-  Command6.on_click = [this] { delete_entry(); };
+  bind_action(Command2, subjects, [this] { add_to_swords(msubject.text()); });
+  bind_action(Command3, black_addresses, [this] { add_to_blackhost(sip.text()); });
+  bind_action(Command8, white_addresses, [this] { add_to_whitehost(sip.text()); });
+  bind_action(Command4, black_domains, [this] { add_to_blackdomain(sdom.text()); });
+  bind_action(Command9, black_domains, [this] { add_to_blackdomain(returnaddr.text()); });
+  bind_action(Command7, white_domains, [this] { add_to_whitedomain(sdom.text()); });
+  bind_action(blacklistsender, black_mails,
+              [this] { lists_.list_sender(sender.text(), list::black_mails, list::white_mails); });
+  bind_action(Command10, white_mails,
+              [this] { lists_.list_sender(sender.text(), list::white_mails, list::black_mails); });
+  Command6.on_click = [this] {
+    if (lists_.remove_entry()) refresh();
+  };
   Command5.on_click = [this] { delete_mail(); };
   savemail.on_click = [this] { save_mail(); };
-  Command11.on_click = [this] { busy(Command11, [this] { reply(); }); };
+  bind_busy(Command11, &MonitorPage::reply);
 
   set_layout(column({
       grow(HScroll1),
@@ -83,8 +75,7 @@ MonitorPage::MonitorPage(Console& console) : Page(console, "monitor", "Mail arch
 void MonitorPage::load() {
   prepare_database();
   if (const auto interval = read_number("consolerefresh")) {
-    console().attempt(ActivityRecord::Kind::option, "consolerefresh", Console::Step::read,
-                      [&] { Timer1.set_interval(*interval); });
+    set_interval(Timer1, "consolerefresh", *interval);
   }
   if (read_number("checkmail").value_or(0) <= 0) {
     blacklistsender.set_enabled(false);
@@ -110,24 +101,13 @@ void MonitorPage::prepare_database() {
 void MonitorPage::refresh() {
   open_archive();
   if (Check1.checked()) show_position();
-  fill_list();
+  lists_.fill();
 }
 
 void MonitorPage::open_archive() {
   archive_ =
       open("SELECT * FROM marchive order by servertime desc,tstamp desc", Connection::Access::read_only);
   if (archive_ && archive_->count() > 0) HScroll1.set_range(0, archive_->count() - 1);
-}
-
-void MonitorPage::fill_list() {
-  if (list_mode_ == nullptr) return;
-  const StringList entries = rows(list_mode_->table, list_mode_->column).value_or(StringList());
-  StringList shown;
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    const bool hides = list_mode_->domains && entries[i].starts_with(any_mailbox);
-    if (!entries[i].empty()) shown.push_back(entries[i].substr(hides ? any_mailbox.size() : 0));
-  }
-  List1.set_items(std::move(shown));
 }
 
 void MonitorPage::read_counters() {
@@ -140,8 +120,7 @@ void MonitorPage::read_counters() {
 }
 
 void MonitorPage::show_position() {
-  console().attempt(ActivityRecord::Kind::sql, "marchive", Console::Step::read,
-                    [this] { show_mail(HScroll1.value()); });
+  read_rows("marchive", [this] { show_mail(HScroll1.value()); });
 }
 
 // Raises what the record set raises.
@@ -198,52 +177,22 @@ void MonitorPage::show_body(std::string_view source) {
   }
 }
 
-void MonitorPage::bind_action(Button& button, const TouchedList& list,
+void MonitorPage::bind_action(Button& button, const ArchiveLists::Touched& touched,
                               const std::function<void()>& operation) {
-  button.on_click = [this, &button, &list, operation] {
-    busy(button, [&] {
-      operation();
-      list_mode_ = &list;
-      refresh();
-    });
-  };
-}
-
-void MonitorPage::list_sender(Literal table, Literal opposite) {
-  const std::string address(trim(sender.text()));
-  execute(delete_from(opposite, "entry", address));
-  execute(insert_into(table, "entry", address));
-}
-
-// The second statement is sent for the address lists too, where it can match nothing.
-void MonitorPage::delete_entry() {
-  if (wert.text().empty() || list_mode_ == nullptr) return;
-  execute(delete_from(list_mode_->table, list_mode_->column, wert.text()));
-  if (list_mode_->second_removal) {
-    execute(delete_from(list_mode_->table, list_mode_->column, std::string(any_mailbox) + wert.text()));
-  }
-  refresh();
+  bind_busy(button, [this, &touched, operation] {
+    operation();
+    lists_.touch(touched);
+    refresh();
+  });
 }
 
 void MonitorPage::delete_mail() {
   if (!shown_) return;
   const std::string key = std::to_string(shown_key_);
   empty_fields();
-  std::string problem;
-  console().attempt(ActivityRecord::Kind::sql, "delete from marchive ID " + key, Console::Step::write, [&] {
-    try {
-      if (!conn) throw Error(error_number::object_not_set, "no connection to the database");
-      const auto record =
-          conn->open("SELECT * FROM marchive where ID=" + number(key), Connection::Access::updatable);
-      record->delete_current();
-    } catch (const Error& error) {
-      problem = error.what();
-      throw;
-    }
-  });
-  if (!problem.empty()) {
-    console().host().message_box({"Database Problem", problem, BoxStyle::plain});
-  }
+  const Outcome deleted =
+      delete_row("delete from marchive ID " + key, "SELECT * FROM marchive where ID=" + number(key));
+  if (!deleted) console().host().message_box({"Database Problem", deleted.problem, BoxStyle::plain});
   refresh();
 }
 
@@ -256,7 +205,7 @@ void MonitorPage::save_mail() {
 
 // A mail that was exported once is not exported again.
 void MonitorPage::export_mail(RecordSet& record) {
-  console().attempt(ActivityRecord::Kind::file, "export of a mail", Console::Step::read, [&] {
+  read_rows("export of a mail", [&] {
     if (record.at_end() || !record.text("mpath").empty() || record.bytes("email").empty()) return;
     constexpr unsigned least = 100'000;
     const std::string number = std::to_string(least + std::random_device{}() % least);
@@ -278,7 +227,7 @@ Mail MonitorPage::read_shown_mail() {
   if (!message || !shown_) return parsed;
   const std::string key = std::to_string(shown_key_);
   const auto record = open("SELECT * FROM marchive where ID=" + number(key), Connection::Access::read_only);
-  console().attempt(ActivityRecord::Kind::sql, "marchive", Console::Step::read, [&] {
+  read_rows("marchive", [&] {
     if (record && !record->at_end()) parsed = message->parse(record->bytes("email"));
   });
   return parsed;
@@ -293,10 +242,8 @@ void MonitorPage::reply() {
     parsed.subject = msubject.text();
     text = mailheader.text();
   }
-  const auto composer = std::make_shared<ComposerDialog>(console());
-  composer->fill_form(parsed.recipient, parsed.sender, reply_subject(parsed.subject), quotation_of(text), {});
-  composer->load_forward();
-  console().show(composer);
+  open_composer(console(), parsed.recipient, parsed.sender, reply_subject(parsed.subject),
+                quotation_of(text));
 }
 
 }  // namespace zrl

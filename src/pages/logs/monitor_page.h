@@ -8,6 +8,7 @@
 
 #include "core/contracts/mail_message.h"
 #include "core/page.h"
+#include "pages/logs/archive_lists.h"
 
 namespace zrl {
 
@@ -83,15 +84,14 @@ class MonitorPage : public Page {
   Label Label14{*this, "Label14", ""};
 
  private:
-  // A list that an action touched: what List1 then shows, and how an entry is removed again.
-  struct TouchedList {
-    Literal table;
-    Literal column;
-    bool domains = false;        // entries may begin with "*@", which is not shown
-    bool second_removal = true;  // the removal is repeated with "*@" in front
-  };
-  static const TouchedList subject_list, blackdomain_list, ip_list, ipwhite_list, whitedom_list,
-      whitemail_list, blackmail_list;
+  // What the actions touch.
+  static constexpr ArchiveLists::Touched subjects{list::subject_keywords};
+  static constexpr ArchiveLists::Touched black_domains{list::black_domains, true};
+  static constexpr ArchiveLists::Touched white_domains{list::white_domains, true};
+  static constexpr ArchiveLists::Touched black_addresses{list::black_addresses};
+  static constexpr ArchiveLists::Touched white_addresses{list::white_addresses};
+  static constexpr ArchiveLists::Touched black_mails{list::black_mails, false, false};
+  static constexpr ArchiveLists::Touched white_mails{list::white_mails, false, false};
 
   void load() override;
   void hide() override;
@@ -99,7 +99,6 @@ class MonitorPage : public Page {
   void prepare_database();
   void refresh();
   void open_archive();
-  void fill_list();
   void read_counters();
 
   void show_position();
@@ -108,9 +107,8 @@ class MonitorPage : public Page {
   void fill_fields();
   void show_body(std::string_view source);
 
-  void bind_action(Button& button, const TouchedList& list, const std::function<void()>& operation);
-  void list_sender(Literal table, Literal opposite);
-  void delete_entry();
+  void bind_action(Button& button, const ArchiveLists::Touched& touched,
+                   const std::function<void()>& operation);
   void delete_mail();
   void save_mail();
   void export_mail(RecordSet& record);
@@ -118,9 +116,9 @@ class MonitorPage : public Page {
   void reply();
 
   std::unique_ptr<RecordSet> archive_;
-  const TouchedList* list_mode_ = nullptr;  // null until an action touched a list
-  std::optional<std::string> shown_;        // the identifier of the mail in view
-  std::int64_t shown_key_ = 0;              // and its row key
+  ArchiveLists lists_{*this, List1, wert};
+  std::optional<std::string> shown_;  // the identifier of the mail in view
+  std::int64_t shown_key_ = 0;        // and its row key
 };
 
 }  // namespace zrl

@@ -20,10 +20,10 @@ PredatalogPage::PredatalogPage(Console& console) : LogPage(console, "predatalog"
     ipaction.set_caption(translate(view().change_one));
     ipaction.set_enabled(!IPNumber.text().empty());
   };
-  cchange.on_click = [this] { busy(cchange, [this] { change_all(); }); };
+  bind_busy(cchange, &PredatalogPage::change_all);
   ipaction.on_click = [this] { change_address(); };
   Command1.on_click = [this] { delete_view(); };
-  Command2.on_click = [this] { busy(Command2, [this] { delete_listed(); }); };
+  bind_busy(Command2, &PredatalogPage::delete_listed);
   delip.on_click = [this] { delete_address(); };
   Command3.on_click = [this] { look_up_host_name(); };
   Command4.on_click = [this] { blacklist_domain(reversedom.text()); };
@@ -64,7 +64,7 @@ void PredatalogPage::show() {
   cchange.set_caption(translate(view().change_all));
   connect_database();
   load();
-  create_dns_client();
+  dns_.make();
   select_last(reason);
 }
 
@@ -178,7 +178,7 @@ void PredatalogPage::look_up_host_name() {
   reversedom.set_text("");
   if (is_ip_address(IPNumber.text())) {
     busy(Command3, [this] {
-      if (const auto name = host_name_of(IPNumber.text())) reversedom.set_text(*name);
+      if (const auto name = host_name_of(dns_, IPNumber.text())) reversedom.set_text(*name);
     });
   } else {
     IPNumber.set_text("");

@@ -100,6 +100,7 @@ class PredatalogPage : public LogPage {
   std::int64_t selected_reason_index_ = -1;
   std::int64_t selected_ip_index_ = -1;
   std::uint64_t address_builds_ = 0;
+  Held<DnsClient> dns_{*this, "DNS component"};
 };
 
 }  // namespace zrl

@@ -9,8 +9,8 @@
 namespace zrl {
 
 StatiPage::StatiPage(Console& console) : Page(console, "stati", "Statistics") {
-  Command1.on_click = [this] { busy(Command1, [this] { calculate(); }); };
-  Command2.on_click = [this] { busy(Command2, [this] { mail_report(); }); };
+  bind_busy(Command1, &StatiPage::calculate);
+  bind_busy(Command2, &StatiPage::mail_report);
 
   set_layout(column({grow(frame(Frame1, column({grow(Text1)}))), row({Command1, Command2})}));
 }
@@ -71,10 +71,7 @@ std::string StatiPage::report() {
 }
 
 void StatiPage::mail_report() {
-  const auto composer = std::make_shared<ComposerDialog>(console());
-  composer->fill_form({}, {}, std::string(product_name) + " Statistics", Text1.text(), {});
-  composer->load_forward();
-  console().show(composer);
+  open_composer(console(), {}, {}, std::string(product_name) + " Statistics", Text1.text());
 }
 
 }  // namespace zrl

@@ -1,6 +1,5 @@
 #include "pages/settings/pop_config_page.h"
 
-#include "core/text/error.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -61,7 +60,7 @@ void PopConfigPage::load() {
 }
 
 void PopConfigPage::fill_list() {
-  fill(userlist, "pop3", "entry");
+  userlist.set_items(rows("pop3", "entry").value_or(StringList()));
 }
 
 // As the table names the account of the form.
@@ -151,14 +150,7 @@ void PopConfigPage::empty_form() {
 }
 
 void PopConfigPage::store_interval() {
-  std::int16_t minutes = 0;
-  const bool is_number = console().attempt(ActivityRecord::Kind::option,
-                                           "set_option poptime=" + poptime.text(), Console::Step::read, [&] {
-                                             if (trim(poptime.text()).empty())
-                                               throw Error(error_number::type_mismatch, "no number");
-                                             minutes = OptionValue{poptime.text()}.to_int16();
-                                           });
-  if (is_number) set_option("poptime", minutes);
+  store_number<std::int16_t>("poptime", poptime.text());
 }
 
 }  // namespace zrl

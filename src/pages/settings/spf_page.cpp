@@ -1,6 +1,5 @@
 #include "pages/settings/spf_page.h"
 
-#include "core/text/error.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -11,11 +10,6 @@ constexpr int most_redirects = 3;
 
 bool is_redirect(std::string_view record) {
   return lower(record).find("redirect=") != std::string::npos;
-}
-
-DnsClient& present(const std::shared_ptr<DnsClient>& dns) {
-  if (!dns) throw Error(error_number::object_not_set, "no DNS component");
-  return *dns;
 }
 
 }  // namespace
@@ -30,10 +24,10 @@ SpfPage::SpfPage(Console& console) : Page(console, "spf", "SPF and Caller-ID") {
   });
   updatespf.on_click = [this] { set_string("default_spf", default_spf.text()); };
   updatecid.on_click = [this] { set_string("default_cid", default_cid.text()); };
-  getspf.on_click = [this] { busy(getspf, [this] { get_spf(); }); };
-  getcid.on_click = [this] { busy(getcid, [this] { get_cid(); }); };
-  checkspf.on_click = [this] { busy(checkspf, [this] { test(spf_, "check_spf", &DnsClient::check_spf); }); };
-  checkcid.on_click = [this] { busy(checkcid, [this] { test(cid_, "check_cid", &DnsClient::check_cid); }); };
+  bind_busy(getspf, &SpfPage::get_spf);
+  bind_busy(getcid, &SpfPage::get_cid);
+  bind_busy(checkspf, [this] { test(spf_, "check_spf", &DnsClient::check_spf); });
+  bind_busy(checkcid, [this] { test(cid_, "check_cid", &DnsClient::check_cid); });
 
   set_layout(column({
       frame(Frame4,
@@ -46,8 +40,8 @@ SpfPage::SpfPage(Console& console) : Page(console, "spf", "SPF and Caller-ID") {
 }
 
 void SpfPage::load() {
-  dns_ = component<DnsClient>();
-  load_switches({&check_spf, &use_default_spf, &whitel_spf, &check_cid, &use_default_cid});
+  dns_.make();
+  load_switches();
   if (const auto text = read_string("default_cid")) default_cid.set_text(*text);
   if (const auto text = read_string("default_spf")) default_spf.set_text(*text);
 }
@@ -77,15 +71,11 @@ void SpfPage::test(const Panel& panel, std::string_view operation, Check check) 
   if (panel.other_address.text().empty()) panel.other_address.set_text(panel.address.text());
 }
 
-// The page may be left, and its fields changed, while the event loop is served; the calls hold their
-// component and their arguments.
 bool SpfPage::fetch(TextField& record, std::string_view operation, Fetch look_up,
                     const std::string& argument) {
   std::string found;
-  const std::string text = std::string(operation) + " " + argument;
-  const bool worked =
-      console().attempt(ActivityRecord::Kind::component, text, Console::Step::read,
-                        [&, dns = dns_, held = argument] { found = (present(dns).*look_up)(held); });
+  const auto call = [&, held = argument](DnsClient& dns) { found = (dns.*look_up)(held); };
+  const bool worked = ask(dns_, std::string(operation) + " " + argument, call);
   if (worked) record.set_text(found);
   return worked;
 }
@@ -100,10 +90,10 @@ bool SpfPage::is_authorised(const Panel& panel, std::string_view operation, Chec
   text.append(" ").append(sender);
 
   SenderCheck found;
-  const auto call = [&, dns = dns_] { found = (present(dns).*check)(address, domain, record, sender); };
-  if (!console().attempt(ActivityRecord::Kind::component, text, Console::Step::read, call)) return false;
-  // What decided is worth a line, though nothing was written.
-  return component_step(text + ": " + found.reason, [] {}) && found.authorised;
+  const auto call = [&](DnsClient& dns) { found = (dns.*check)(address, domain, record, sender); };
+  if (!ask(dns_, text, call)) return false;
+  noted(text + ": " + found.reason);
+  return found.authorised;
 }
 
 }  // namespace zrl

@@ -99,7 +99,6 @@ class SpfPage : public Page {
                                            std::string_view);
 
   void load() override;
-  void hide() override { dns_.reset(); }
 
   void get_spf();
   void get_cid();
@@ -107,7 +106,7 @@ class SpfPage : public Page {
   bool fetch(TextField& record, std::string_view operation, Fetch look_up, const std::string& argument);
   bool is_authorised(const Panel& panel, std::string_view operation, Check check);
 
-  std::shared_ptr<DnsClient> dns_;
+  Held<DnsClient> dns_{*this, "DNS component"};
 };
 
 }  // namespace zrl

@@ -2,7 +2,6 @@
 
 #include <limits>
 
-#include "core/text/error.h"
 #include "core/text/mail_address.h"
 #include "core/text/text.h"
 
@@ -92,22 +91,24 @@ std::string ComposerDialog::first_problem() const {
 void ComposerDialog::deliver() {
   const Mail mail{sender.text(), recipient.text(), subject.text(), textbody.text(), htmlbody.text()};
   const MailServer to{server.text(), port_number(port.text())};
-  std::string problem;
   const std::string step = "send " + mail.recipient + " via " + to.host + ":" + std::to_string(to.port);
-  const bool sent = component_step(step, [&] {
-    try {
-      sending_ = console().components().create<MailMessage>();
-      sending_->send(mail, to);
-    } catch (const Error& error) {
-      problem = error.what();
-      throw;
-    }
+  const Outcome sent = component_step(step, [&] {
+    sending_ = console().components().create<MailMessage>();
+    sending_->send(mail, to);
   });
-  show_status(sent ? "The server has taken the mail over" : "The mail was not sent: " + problem);
+  show_status(sent ? "The server has taken the mail over" : "The mail was not sent: " + sent.problem);
 }
 
 void ComposerDialog::show_status(std::string_view text) {
   status.set_caption(translate(text));
+}
+
+void open_composer(Console& console, std::string_view from, std::string_view to, std::string_view about,
+                   std::string_view text) {
+  const auto composer = std::make_shared<ComposerDialog>(console);
+  composer->fill_form(from, to, about, text, {});
+  composer->load_forward();
+  console.show(composer);
 }
 
 }  // namespace zrl

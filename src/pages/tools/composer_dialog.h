@@ -11,11 +11,6 @@
 namespace zrl {
 
 // Writes a mail and sends it through a mail server.
-//
-//   const auto composer = std::make_shared<ComposerDialog>(console());
-//   composer->fill_form({}, recipient, subject, text, {});
-//   composer->load_forward();
-//   console().show(composer);
 class ComposerDialog : public Form, public DatabaseClient {
  public:
   explicit ComposerDialog(Console& console);
@@ -66,5 +61,10 @@ class ComposerDialog : public Form, public DatabaseClient {
 
   std::shared_ptr<MailMessage> sending_;
 };
+
+// Opens the dialog on a mail of plain text that goes through the forward server. `from` and `to` as
+// parse_mailboxes() reads them, all texts UTF-8.
+void open_composer(Console& console, std::string_view from, std::string_view to, std::string_view about,
+                   std::string_view text);
 
 }  // namespace zrl

@@ -23,13 +23,12 @@ class KeywordTesterPage : public Page {
 
  private:
   void load() override;
-  void hide() override { plugins_.reset(); }
 
   void test_body();
   void test_subject();
-  std::string ask(std::string_view check, std::string_view position);
+  std::string answer_of(std::string_view check, std::string_view position);
 
-  std::shared_ptr<PluginHost> plugins_;
+  Held<PluginHost> plugins_{*this, "plug-in host"};
 };
 
 }  // namespace zrl

@@ -19,7 +19,7 @@ class TransferDialogTest : public testing::Test, public test::InstalledConsole {
  protected:
   TransferDialogTest() { execute(insert_into("Blackhost", "IPNumber", "192.0.2.1")); }
 
-  TransferDialog dialog{console, "Blackhost", "IPNumber", "IP Blacklist"};
+  TransferDialog dialog{console, list::black_addresses, "IP Blacklist"};
 
   std::string file(std::string_view name) { return (folder.path() / name).string(); }
 };

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/contracts/statement.h"
+
+namespace zrl {
+
+// A list of the proxy: a table of one text column, one entry a row. The tables and what stands in them
+// are described in docs/operating.md.
+struct ListTable {
+  std::string_view name;  // what people and the command line call it
+  Literal table;
+  Literal column;
+};
+
+namespace list {
+
+inline constexpr ListTable black_domains{"domains.black", "blacklist", "entry"};
+inline constexpr ListTable white_domains{"domains.white", "whitelist", "entry"};
+inline constexpr ListTable local_domains{"domains.local", "mydomain", "entry"};
+inline constexpr ListTable exempt_domains{"domains.except", "exceptdomain", "entry"};
+inline constexpr ListTable black_addresses{"ips.black", "Blackhost", "IPNumber"};
+inline constexpr ListTable white_addresses{"ips.white", "Whitehost", "IPNumber"};
+inline constexpr ListTable local_addresses{"ips.local", "myips", "IPNumber"};
+inline constexpr ListTable black_subnets{"subnets.black", "blacksub", "subnet"};
+inline constexpr ListTable white_subnets{"subnets.white", "whitesub", "subnet"};
+inline constexpr ListTable black_mails{"mails.black", "blackmail", "entry"};
+inline constexpr ListTable white_mails{"mails.white", "whitemail", "entry"};
+inline constexpr ListTable exempt_mails{"mails.except", "exceptmail", "entry"};
+inline constexpr ListTable local_users{"users.local", "localmail", "entry"};
+inline constexpr ListTable subject_keywords{"keywords.subject", "swords", "entry"};
+inline constexpr ListTable body_keywords{"keywords.body", "words", "entry"};
+inline constexpr ListTable white_subjects{"keywords.subject-white", "subjectwhite", "entry"};
+inline constexpr ListTable black_zones{"zones.black", "rblserver", "entry"};
+inline constexpr ListTable white_zones{"zones.white", "wblserver", "entry"};
+inline constexpr ListTable uri_zones{"zones.uri", "surblserver", "entry"};
+inline constexpr ListTable file_names{"files", "files", "files"};
+inline constexpr ListTable extensions{"extensions", "extension", "extension"};
+
+}  // namespace list
+
+// "DELETE FROM table where column='text'"
+inline Statement delete_from(const ListTable& list, std::string_view text) {
+  return delete_from(list.table, list.column, text);
+}
+
+// "INSERT INTO table (column) VALUES ('text')"
+inline Statement insert_into(const ListTable& list, std::string_view text) {
+  return insert_into(list.table, list.column, text);
+}
+
+}  // namespace zrl

@@ -1,0 +1,31 @@
+#include "core/steps.h"
+
+#include "core/text/error.h"
+
+namespace zrl {
+
+bool Steps::failed(Kind kind, std::string_view text, const std::string& why, Step step) const {
+  return console_.attempt(kind, text, step, [&] { throw Error(error_number::invalid_call, why); });
+}
+
+void Steps::noted(std::string_view text) const {
+  console_.attempt(Kind::component, text, Step::write, [] {});
+}
+
+bool Steps::raise_flag(std::string_view flag) const {
+  return console_.settings().regwrite_dword(console_.settings().path_of(flag), 1);
+}
+
+void Steps::show_error(std::string_view text, std::string_view title) const {
+  console_.host().message_box({std::string(title), std::string(text), BoxStyle::critical});
+}
+
+Outcome Steps::on_component(Step step, std::string_view text, bool present, std::string_view what,
+                            const std::function<void()>& action) const {
+  return console_.attempt(Kind::component, text, step, [&] {
+    if (!present) throw Error(error_number::object_not_set, "no " + std::string(what));
+    action();
+  });
+}
+
+}  // namespace zrl

@@ -1,0 +1,45 @@
+#include "pages/logs/archive_lists.h"
+
+#include "core/text/text.h"
+
+namespace zrl {
+
+namespace {
+
+constexpr std::string_view any_mailbox = "*@";
+
+}  // namespace
+
+ArchiveLists::ArchiveLists(DatabaseClient& steps, ListBox& box, TextField& entry)
+    : steps_(steps), box_(box), entry_(entry) {
+  box_.on_click = [this] { entry_.set_text(box_.chosen()); };
+}
+
+void ArchiveLists::fill() {
+  if (touched_ == nullptr) return;
+  const StringList entries = steps_.rows(touched_->list).value_or(StringList());
+  StringList shown;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const bool hides = touched_->domains && entries[i].starts_with(any_mailbox);
+    if (!entries[i].empty()) shown.push_back(entries[i].substr(hides ? any_mailbox.size() : 0));
+  }
+  box_.set_items(std::move(shown));
+}
+
+// The second statement is sent for the address lists too, where it can match nothing.
+bool ArchiveLists::remove_entry() {
+  if (entry_.text().empty() || touched_ == nullptr) return false;
+  steps_.execute(delete_from(touched_->list, entry_.text()));
+  if (touched_->second_removal) {
+    steps_.execute(delete_from(touched_->list, std::string(any_mailbox) + entry_.text()));
+  }
+  return true;
+}
+
+void ArchiveLists::list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite) {
+  const std::string address(trim(sender));
+  steps_.execute(delete_from(opposite, address));
+  steps_.execute(insert_into(own, address));
+}
+
+}  // namespace zrl
