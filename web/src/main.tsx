@@ -1,12 +1,16 @@
+import { useSignalEffect } from '@preact/signals'
 import { render } from 'preact'
-import { App } from './app'
-import { begin } from './app-state'
 import { catchStrayFiles } from './controls/file-list'
+import { messages } from './i18n'
 import { followPointer, followTheme } from './model/preferences'
+import { listenForEscape } from './parts/popups'
+import { Tooltip } from './parts/tooltip'
 import { listenForPaletteKey } from './shell/palette'
-import { listenForEscape } from './shell/popups'
 import { startRouter } from './shell/router'
-import { followUse } from './shell/toasts-view'
+import { Shell } from './shell/shell'
+import { followUse, ToastsView } from './shell/toasts-view'
+import { Door } from './sign-in/sign-in'
+import { begin, screen } from './state/app-state'
 import './styles/base.css'
 import './styles/controls.css'
 import './styles/lists.css'
@@ -18,6 +22,19 @@ import './styles/overlays.css'
 import './styles/door.css'
 import './styles/terminal.css'
 import './styles/transfers.css'
+
+function App() {
+  useSignalEffect(() => {
+    document.documentElement.lang = messages.value.code
+  })
+  return (
+    <>
+      {screen.value === 'console' ? <Shell /> : <Door />}
+      <ToastsView />
+      <Tooltip />
+    </>
+  )
+}
 
 followTheme()
 followPointer()

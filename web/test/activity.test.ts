@@ -1,7 +1,7 @@
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest'
 import { ActivityModel } from '../src/model/activity'
 import { Toasts } from '../src/model/toasts'
-import type { ActivityEntry } from '../src/protocol'
+import type { ActivityEntry } from '../src/wire/protocol'
 
 const entryAt = (position: number): ActivityEntry => ({
   time: '10:00:00',

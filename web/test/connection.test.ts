@@ -1,6 +1,6 @@
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest'
-import { Connection } from '../src/connection'
-import type { HostState } from '../src/protocol'
+import { Connection } from '../src/wire/connection'
+import type { HostState } from '../src/wire/protocol'
 
 class FakeSocket {
   static readonly OPEN = 1

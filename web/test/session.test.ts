@@ -1,8 +1,8 @@
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest'
-import type { Connection } from '../src/connection'
 import { ActivityModel } from '../src/model/activity'
 import { Session } from '../src/model/session'
-import type { Control, FormMessage, Hello, SequencedMessage } from '../src/protocol'
+import type { Connection } from '../src/wire/connection'
+import type { Control, FormMessage, Hello, SequencedMessage } from '../src/wire/protocol'
 
 const usable = { enabled: true, visible: true }
 

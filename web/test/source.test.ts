@@ -2,10 +2,10 @@ import { insertNewlineAndIndent } from '@codemirror/commands'
 import { indentUnit } from '@codemirror/language'
 import { EditorState, type Transaction } from '@codemirror/state'
 import { describe, expect, it } from 'vitest'
-import type { Mark } from '../src/protocol'
 import { marking, markPlace, setMarks } from '../src/source/marks'
 import { followPlace, lineBreakOf } from '../src/source/texts'
 import { vbscript } from '../src/source/vbscript'
+import type { Mark } from '../src/wire/protocol'
 
 describe('a text that is replaced', () => {
   it('keeps its line ends', () => {

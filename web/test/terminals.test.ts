@@ -1,6 +1,6 @@
 import { describe, expect, it } from 'vitest'
 import { Terminals } from '../src/model/terminals'
-import type { TerminalAct } from '../src/protocol'
+import type { TerminalAct } from '../src/wire/protocol'
 
 const encoded = (text: string): string => btoa(text)
 

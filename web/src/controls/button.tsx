@@ -1,6 +1,6 @@
-import { session } from '../app-state'
 import type { ControlModel } from '../model/form'
-import { Spinner } from '../shell/icon'
+import { Spinner } from '../parts/icon'
+import { session } from '../state/app-state'
 import { nameOf, Tip, tipId } from './field'
 
 export function Button({ control }: { control: ControlModel }) {

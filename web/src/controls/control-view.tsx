@@ -1,16 +1,24 @@
 import type { ComponentType } from 'preact'
 import type { ControlModel } from '../model/form'
-import type { Kind } from '../protocol'
+import type { Kind } from '../wire/protocol'
 import { Button } from './button'
 import { CheckBox, OptionButton } from './choices'
 import { ComboBox } from './combo-box'
 import { FileList } from './file-list'
-import { Label } from './label'
 import { ListBox } from './list-box'
 import { ScrollBar } from './scroll-bar'
 import { TextField } from './text-field'
 
 type View = ComponentType<{ control: ControlModel }>
+
+function Label({ control }: { control: ControlModel }) {
+  const shown = control.shown.value
+  return (
+    <p class="text-label" id={control.id} data-control={control.id} data-tip={shown.toolTip} dir="auto">
+      {shown.caption ?? shown.text ?? ''}
+    </p>
+  )
+}
 
 /** Frames are drawn by the layout, timers tick on the server. */
 const views: Partial<Record<Kind, View>> = {

@@ -1,11 +1,11 @@
 import type { ComponentChildren } from 'preact'
 import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
-import type { Control } from '../protocol'
-import { Icon } from '../shell/icon'
+import { Icon } from '../parts/icon'
+import type { Control } from '../wire/protocol'
 
 export const tipId = (control: ControlModel): string => `${control.id}-tip`
-export const labelId = (control: ControlModel): string => `${control.id}-label`
+const labelId = (control: ControlModel): string => `${control.id}-label`
 
 /** What a control is called when nothing on the form names it. */
 export function nameOf(control: ControlModel, shown: Control): string {

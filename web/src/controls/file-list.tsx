@@ -1,10 +1,10 @@
 import { useEffect, useRef, useState } from 'preact/hooks'
-import { toasts } from '../app-state'
 import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import { Upload, browserRequest, type Sending } from '../model/uploads'
 import { visibleText } from '../model/visible-text'
-import { Icon } from '../shell/icon'
+import { Icon } from '../parts/icon'
+import { toasts } from '../state/app-state'
 import { ListBox } from './list-box'
 
 const longestName = 100

@@ -1,7 +1,7 @@
 import { messages } from '../i18n'
 import type { FormModel } from '../model/form'
 import { fills, grows, isLine, isNarrow, isRadioGroup, present, type LayoutFacts } from '../model/layout'
-import type { LayoutNode } from '../protocol'
+import type { LayoutNode } from '../wire/protocol'
 import { ControlView } from './control-view'
 import { Tip } from './field'
 

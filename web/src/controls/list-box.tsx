@@ -5,8 +5,8 @@ import type { ControlModel } from '../model/form'
 import type { ListModel } from '../model/list'
 import { coarse } from '../model/preferences'
 import { visibleText } from '../model/visible-text'
-import { Icon } from '../shell/icon'
-import { viewText } from '../shell/text-viewer'
+import { Icon } from '../parts/icon'
+import { viewText } from '../parts/text-viewer'
 import { Field, nameOf, naming } from './field'
 import { VirtualList, type VirtualListHandle } from './virtual-list'
 
@@ -53,7 +53,7 @@ export function Row({ id, position, count, text, selected, active, onChoose }: R
   )
 }
 
-export function FilterField({ list, name, control }: { list: ListModel; name: string; control: ControlModel }) {
+function FilterField({ list, name, control }: { list: ListModel; name: string; control: ControlModel }) {
   const [text, setText] = useState('')
   const timer = useRef<ReturnType<typeof setTimeout> | undefined>(undefined)
   useEffect(() => () => clearTimeout(timer.current), [])

@@ -3,9 +3,9 @@ import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import { visibleText } from '../model/visible-text'
-import type { Mark } from '../protocol'
-import { Icon, Spinner } from '../shell/icon'
+import { Icon, Spinner } from '../parts/icon'
 import type { SourceEditor } from '../source/editor'
+import type { Mark } from '../wire/protocol'
 import { Field, nameOf } from './field'
 
 const none: readonly Mark[] = []

@@ -1,7 +1,7 @@
 import { useLayoutEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
+import { countsOf } from '../model/counts'
 import type { ControlModel } from '../model/form'
-import { CountsChart } from './counts-chart'
 import { Field, naming } from './field'
 import { SourceField } from './source-field'
 
@@ -25,6 +25,25 @@ function textOf(input: HTMLInputElement | HTMLTextAreaElement): string {
 
 /** The element's types tell the two apart, though its attributes are the same for both. */
 export const fieldType = (hidden: boolean): 'text' => (hidden ? 'password' : 'text') as 'text'
+
+/** The counts of a report as bars. One colour and a number at each bar: nothing is told by colour alone. */
+function CountsChart({ report, name }: { report: string; name: string }) {
+  const counts = countsOf(report)
+  if (counts.length === 0) return null
+  return (
+    <ul class="counts-chart" aria-label={name}>
+      {counts.map(({ label, shown, share, begins }) => (
+        <li key={label} data-begins={begins ? '' : undefined}>
+          <span class="count-label">{label}</span>
+          <span class="count-bar">
+            <span style={{ width: `${share * 100}%` }} />
+          </span>
+          <span class="count-number">{shown}</span>
+        </li>
+      ))}
+    </ul>
+  )
+}
 
 export function TextField({ control }: { control: ControlModel }) {
   return control.shown.value.source ? <SourceField control={control} plain={PlainField} /> : <PlainField control={control} />

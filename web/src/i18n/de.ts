@@ -1,5 +1,5 @@
 import type { Step } from '../model/toast-text'
-import type { UploadFailureCode } from '../protocol'
+import type { UploadFailureCode } from '../wire/protocol'
 import type { Messages } from './en'
 import { sizeText } from './size'
 

@@ -1,7 +1,7 @@
 import type { Refusal } from '../model/session'
 import type { Step, Summary } from '../model/toast-text'
 import type { UploadProblem } from '../model/uploads'
-import type { FailureCode, UploadFailureCode } from '../protocol'
+import type { FailureCode, UploadFailureCode } from '../wire/protocol'
 import { sizeText } from './size'
 
 const number = new Intl.NumberFormat('en')

@@ -1,5 +1,5 @@
 import { computed, signal } from '@preact/signals'
-import type { Language } from '../protocol'
+import type { Language } from '../wire/protocol'
 import { de } from './de'
 import { en, type Messages } from './en'
 

@@ -1,11 +1,11 @@
 import { signal } from '@preact/signals'
-import type { ActivityEntry, ActivityMessage, PlainMessage, RecordMessage } from '../protocol'
+import type { ActivityEntry, ActivityMessage, PlainMessage, RecordMessage } from '../wire/protocol'
 
 const blockSize = 200
 const scanSize = 500
 const keptBlocks = 40
 
-export interface PlacedEntry extends ActivityEntry {
+interface PlacedEntry extends ActivityEntry {
   position: number
 }
 

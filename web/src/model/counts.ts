@@ -1,5 +1,5 @@
 /** A line of a report that tells how many there were of something. */
-export interface Count {
+interface Count {
   readonly label: string
   /** As the line has it: "1200", or "35%". */
   readonly shown: string

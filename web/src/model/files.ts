@@ -1,7 +1,7 @@
 import { signal } from '@preact/signals'
-import type { OfferedFile } from '../protocol'
+import type { OfferedFile } from '../wire/protocol'
 
-export interface ListedFile extends OfferedFile {
+interface ListedFile extends OfferedFile {
   fetched: boolean
 }
 

@@ -1,5 +1,5 @@
 import { batch, computed, signal, type ReadonlySignal } from '@preact/signals'
-import type { ChangeMessage, Control, FormMessage, Kind, LayoutNode, PlainMessage, UserEvent } from '../protocol'
+import type { ChangeMessage, Control, FormMessage, Kind, LayoutNode, PlainMessage, UserEvent } from '../wire/protocol'
 import { framesAround } from './layout'
 import { ListModel } from './list'
 import { PendingText } from './pending-text'

@@ -1,4 +1,4 @@
-import type { Kind, LayoutNode } from '../protocol'
+import type { Kind, LayoutNode } from '../wire/protocol'
 
 /** What the layout asks of the forms' controls. */
 export interface LayoutFacts {

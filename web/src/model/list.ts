@@ -1,5 +1,5 @@
 import { signal } from '@preact/signals'
-import type { Items, PlainMessage, RowsMessage } from '../protocol'
+import type { Items, PlainMessage, RowsMessage } from '../wire/protocol'
 import { RowCache } from './row-cache'
 
 const mostOutstanding = 4

@@ -1,4 +1,4 @@
-import type { RowsMessage } from '../protocol'
+import type { RowsMessage } from '../wire/protocol'
 
 export const blockSize = 200
 

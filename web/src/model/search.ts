@@ -1,4 +1,4 @@
-import type { PageEntry } from '../protocol'
+import type { PageEntry } from '../wire/protocol'
 
 export interface Hit {
   page: string

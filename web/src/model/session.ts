@@ -1,5 +1,5 @@
 import { batch, computed, signal } from '@preact/signals'
-import type { Connection } from '../connection'
+import type { Connection } from '../wire/connection'
 import type {
   BoxMessage,
   BusyMessage,
@@ -12,7 +12,7 @@ import type {
   Reply,
   ServerMessage,
   UserEvent,
-} from '../protocol'
+} from '../wire/protocol'
 import type { ActivityModel } from './activity'
 import { Files } from './files'
 import { FormModel, type ControlModel, type Link } from './form'

@@ -1,5 +1,5 @@
 import { signal } from '@preact/signals'
-import type { EndedMessage, OutputMessage, TerminalAct, TerminalMessage } from '../protocol'
+import type { EndedMessage, OutputMessage, TerminalAct, TerminalMessage } from '../wire/protocol'
 
 /** The host waits when this many times as much has not been drawn. */
 const tellAfter = 32 * 1024

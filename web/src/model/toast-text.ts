@@ -1,4 +1,4 @@
-import type { ActivityEntry } from '../protocol'
+import type { ActivityEntry } from '../wire/protocol'
 
 /** A step of an action, as far as people want to hear about it. */
 export type Step =
@@ -19,7 +19,7 @@ export interface Summary {
 
 const lastName = (path: string): string => path.slice(path.lastIndexOf('\\') + 1)
 
-export function readStep(entry: ActivityEntry): Step {
+function readStep(entry: ActivityEntry): Step {
   if (entry.kind === 'option') {
     const match = /^set_(?:option|string) ([^=]*)=(.*)$/s.exec(entry.text)
     if (match) return { kind: 'set', what: 'option', name: match[1] ?? '', value: match[2] ?? '' }

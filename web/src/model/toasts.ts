@@ -1,7 +1,7 @@
 import { signal } from '@preact/signals'
-import type { OfferedFile } from '../protocol'
+import type { OfferedFile } from '../wire/protocol'
 
-export interface Toast {
+interface Toast {
   id: number
   /** What it is about: a later toast about the same thing takes its place, and one that says the same is counted. */
   topic: string

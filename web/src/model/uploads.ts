@@ -1,5 +1,5 @@
 import { signal } from '@preact/signals'
-import type { UploadFailureCode, FailureCode } from '../protocol'
+import type { UploadFailureCode, FailureCode } from '../wire/protocol'
 
 export const longestUpload = 64 * 1024 * 1024
 

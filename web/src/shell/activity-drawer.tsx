@@ -1,14 +1,14 @@
 import { useEffect, useRef, useState } from 'preact/hooks'
-import { activity } from '../app-state'
-import { VirtualList, type VirtualListHandle } from '../controls/virtual-list'
 import { keyTarget } from '../controls/list-box'
+import { VirtualList, type VirtualListHandle } from '../controls/virtual-list'
 import { messages } from '../i18n'
 import { coarse } from '../model/preferences'
 import { visibleText } from '../model/visible-text'
-import type { ActivityEntry } from '../protocol'
-import { Icon } from './icon'
+import { Icon } from '../parts/icon'
+import { CopyButton } from '../parts/text-viewer'
+import { activity } from '../state/app-state'
+import type { ActivityEntry } from '../wire/protocol'
 import { OfferedFiles } from './offered-files'
-import { CopyButton } from './text-viewer'
 
 const entryHeight = (): number => (coarse.value ? 72 : 60)
 

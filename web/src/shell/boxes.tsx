@@ -1,9 +1,9 @@
 import { useId } from 'preact/hooks'
-import { session } from '../app-state'
 import { messages } from '../i18n'
-import type { BoxMessage } from '../protocol'
-import { Icon, type IconName } from './icon'
-import { Modal } from './modal'
+import { Icon, type IconName } from '../parts/icon'
+import { Modal } from '../parts/modal'
+import { session } from '../state/app-state'
+import type { BoxMessage } from '../wire/protocol'
 
 const icons: Record<number, IconName> = { 16: 'critical', 32: 'question', 48: 'warning', 64: 'info' }
 

@@ -1,5 +1,5 @@
-import { session } from '../app-state'
 import { messages } from '../i18n'
+import { session } from '../state/app-state'
 
 /** A thin bar that never moves what is below it. */
 export function BusyBar() {

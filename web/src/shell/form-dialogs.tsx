@@ -1,11 +1,11 @@
 import { useLayoutEffect, useRef } from 'preact/hooks'
-import { session } from '../app-state'
 import { FormView } from '../controls/form-view'
 import { messages } from '../i18n'
 import type { FormModel } from '../model/form'
+import { Icon } from '../parts/icon'
+import { Modal } from '../parts/modal'
+import { session } from '../state/app-state'
 import { BusyBar } from './busy-bar'
-import { Icon } from './icon'
-import { Modal } from './modal'
 
 function ModalForm({ form }: { form: FormModel }) {
   return (

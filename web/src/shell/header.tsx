@@ -1,28 +1,8 @@
-import { activity, leave, session } from '../app-state'
 import { messages } from '../i18n'
-import { theme, type Theme } from '../model/preferences'
-import { Icon } from './icon'
+import { Icon } from '../parts/icon'
+import { ThemeButton } from '../parts/theme-button'
+import { activity, leave, session } from '../state/app-state'
 import { openPalette } from './palette'
-
-const nextTheme: Record<Theme, Theme> = { auto: 'light', light: 'dark', dark: 'auto' }
-
-export function ThemeButton() {
-  const m = messages.value
-  const name = `${m.theme}: ${m.themes[theme.value]}`
-  return (
-    <button
-      type="button"
-      class="icon-button"
-      aria-label={name}
-      data-tip={name}
-      onClick={() => {
-        theme.value = nextTheme[theme.value]
-      }}
-    >
-      <Icon name={theme.value} />
-    </button>
-  )
-}
 
 export function Header({ onMenu, menuOpen }: { onMenu: () => void; menuOpen: boolean }) {
   const m = messages.value

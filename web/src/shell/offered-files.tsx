@@ -1,9 +1,9 @@
-import { session, toasts } from '../app-state'
 import { messages } from '../i18n'
 import { addressOf } from '../model/files'
 import { visibleText } from '../model/visible-text'
-import type { OfferedFile } from '../protocol'
-import { Icon } from './icon'
+import { Icon } from '../parts/icon'
+import { session, toasts } from '../state/app-state'
+import type { OfferedFile } from '../wire/protocol'
 
 const longestName = 100
 

@@ -1,11 +1,11 @@
 import { signal } from '@preact/signals'
 import { useEffect, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks'
-import { session } from '../app-state'
 import { keyTarget } from '../controls/list-box'
 import { messages } from '../i18n'
 import { search, type Hit } from '../model/search'
 import { visibleText } from '../model/visible-text'
-import { Icon } from './icon'
+import { Icon } from '../parts/icon'
+import { session } from '../state/app-state'
 import { goTo } from './router'
 
 const open = signal(false)

@@ -1,10 +1,10 @@
 import { signal } from '@preact/signals'
 import { useState } from 'preact/hooks'
-import { changePassword } from '../api'
-import { session, toasts } from '../app-state'
 import { messages } from '../i18n'
+import { Modal } from '../parts/modal'
 import { FailureNote, focusInvalid, Input, Submit, useNewPassword, useSending } from '../sign-in/fields'
-import { Modal } from './modal'
+import { session, toasts } from '../state/app-state'
+import { changePassword } from '../wire/api'
 
 const open = signal(false)
 

@@ -1,5 +1,5 @@
 import { effect, untracked } from '@preact/signals'
-import { connection, session } from '../app-state'
+import { connection, session } from '../state/app-state'
 
 const named = (): string => decodeURIComponent(location.hash.replace(/^#\/?/, ''))
 

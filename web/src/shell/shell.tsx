@@ -1,19 +1,38 @@
 import { useEffect, useRef, useState } from 'preact/hooks'
-import { connection, session } from '../app-state'
 import { FormView } from '../controls/form-view'
 import { messages } from '../i18n'
+import type { FormModel } from '../model/form'
+import { Icon } from '../parts/icon'
+import { TextViewer } from '../parts/text-viewer'
+import { connection, session } from '../state/app-state'
 import { ActivityDrawer } from './activity-drawer'
 import { Boxes } from './boxes'
 import { BusyBar } from './busy-bar'
-import { focusWanted } from './focus-wanted'
 import { FormDialogs } from './form-dialogs'
 import { Header } from './header'
-import { Icon } from './icon'
 import { Palette } from './palette'
 import { PasswordDialog } from './password-dialog'
 import { Sidebar } from './sidebar'
 import { TerminalPanel } from './terminal-panel'
-import { TextViewer } from './text-viewer'
+
+const flashTime = 1800
+
+/** Brings a control into view, gives it the focus and makes it stand out for a moment. A label leads to the control that it names. */
+function focusWanted(page: FormModel, name: string): void {
+  const named = [...page.controls.values()].find(control => control.shown.peek().label === name)
+  const target = named ?? page.controls.get(name)
+  if (!target) return
+  // The page has just been drawn; its lists still find their height.
+  requestAnimationFrame(() => {
+    const element = document.querySelector<HTMLElement>(`[data-control="${CSS.escape(target.id)}"]`)
+    if (!element) return
+    const still = matchMedia('(prefers-reduced-motion: reduce)').matches
+    element.scrollIntoView({ block: 'center', behavior: still ? 'auto' : 'smooth' })
+    document.getElementById(target.id)?.focus({ preventScroll: true })
+    element.classList.add('found')
+    setTimeout(() => element.classList.remove('found'), flashTime)
+  })
+}
 
 function Banner() {
   const m = messages.value

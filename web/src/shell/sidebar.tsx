@@ -1,12 +1,12 @@
 import { useEffect, useRef } from 'preact/hooks'
-import { session } from '../app-state'
 import { messages } from '../i18n'
-import type { PageEntry } from '../protocol'
-import { Icon, Logo } from './icon'
+import { Icon, Logo } from '../parts/icon'
+import { session } from '../state/app-state'
+import type { PageEntry } from '../wire/protocol'
 import { openPasswordDialog } from './password-dialog'
 import { addressOf, goTo } from './router'
 
-export function grouped(pages: readonly PageEntry[]): { group: string; pages: PageEntry[] }[] {
+function grouped(pages: readonly PageEntry[]): { group: string; pages: PageEntry[] }[] {
   const groups: { group: string; pages: PageEntry[] }[] = []
   for (const page of pages) {
     const group = groups.find(known => known.group === page.group)

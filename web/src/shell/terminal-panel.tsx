@@ -1,13 +1,13 @@
 import { useSignalEffect } from '@preact/signals'
 import { useEffect, useRef, useState } from 'preact/hooks'
-import { session } from '../app-state'
 import { messages } from '../i18n'
 import { theme } from '../model/preferences'
 import type { TerminalModel } from '../model/terminals'
 import { visibleText } from '../model/visible-text'
+import { Icon, Spinner } from '../parts/icon'
+import { copyText } from '../parts/text-viewer'
+import { session } from '../state/app-state'
 import type { TerminalScreen } from '../terminal/screen'
-import { Icon, Spinner } from './icon'
-import { copyText } from './text-viewer'
 
 const lowest = 140
 const longestTitle = 200

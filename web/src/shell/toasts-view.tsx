@@ -1,7 +1,7 @@
 import { useLayoutEffect, useRef, useState } from 'preact/hooks'
-import { activity, session, toasts } from '../app-state'
 import { messages } from '../i18n'
-import { Icon } from './icon'
+import { Icon } from '../parts/icon'
+import { activity, session, toasts } from '../state/app-state'
 import { DownloadLink } from './offered-files'
 
 const lastUsed: { element: Element | null } = { element: null }

@@ -1,10 +1,10 @@
 import type { ComponentChildren } from 'preact'
 import { useEffect, useId, useRef, useState } from 'preact/hooks'
-import { RequestFailed } from '../api'
 import { fieldType } from '../controls/text-field'
 import { messages } from '../i18n'
-import type { Failure } from '../protocol'
-import { Icon, Spinner } from '../shell/icon'
+import { Icon, Spinner } from '../parts/icon'
+import { RequestFailed } from '../wire/api'
+import type { Failure } from '../wire/protocol'
 
 const shortestPassword = 10
 

@@ -1,10 +1,10 @@
 import type { ComponentChildren } from 'preact'
 import { useEffect, useRef, useState } from 'preact/hooks'
-import { logIn, setUp } from '../api'
-import { begin, connection, enter, hostState, screen } from '../app-state'
 import { messages } from '../i18n'
-import { ThemeButton } from '../shell/header'
-import { Icon, Logo, type IconName } from '../shell/icon'
+import { Icon, Logo, type IconName } from '../parts/icon'
+import { ThemeButton } from '../parts/theme-button'
+import { begin, connection, enter, hostState, screen } from '../state/app-state'
+import { logIn, setUp } from '../wire/api'
 import { FailureNote, focusInvalid, Input, Submit, useNewPassword, useSending } from './fields'
 
 function Card({ title, lead, children }: { title: string; lead: string; children: ComponentChildren }) {

@@ -10,13 +10,13 @@ import {
   keymap,
   lineNumbers,
 } from '@codemirror/view'
-import type { Mark } from '../protocol'
+import type { Mark } from '../wire/protocol'
 import { marking, markPlace, setMarks } from './marks'
 import { followPlace, lineBreakOf } from './texts'
 import { theme } from './theme'
 import { vbscript } from './vbscript'
 
-export interface Wording {
+interface Wording {
   name: string
   /** Read aloud with the editor: what it is for, and how to leave it. */
   description: string

@@ -1,6 +1,6 @@
 import { RangeSet, StateEffect, StateField, type EditorState, type Extension, type Text } from '@codemirror/state'
 import { Decoration, EditorView, gutterLineClass, GutterMarker, type DecorationSet } from '@codemirror/view'
-import type { Mark } from '../protocol'
+import type { Mark } from '../wire/protocol'
 
 interface Marked {
   marks: readonly Mark[]

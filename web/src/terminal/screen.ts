@@ -1,9 +1,9 @@
 import { FitAddon } from '@xterm/addon-fit'
 import { Terminal } from '@xterm/xterm'
-import '@xterm/xterm/css/xterm.css'
 import type { Screen } from '../model/terminals'
 import { dark, light } from './colours'
 import { makeSpansSafe, withSafeStyles } from './safe-styles'
+import '@xterm/xterm/css/xterm.css'
 
 makeSpansSafe()
 

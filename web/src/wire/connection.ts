@@ -3,7 +3,7 @@ import { closeCodes, type HostState, type PlainMessage, type SequencedMessage, t
 
 export type Status = 'idle' | 'connecting' | 'open' | 'lost' | 'ended' | 'replaced'
 
-export interface ConnectionPorts {
+interface ConnectionPorts {
   openSocket(): WebSocket
   /** Whether the cookie still belongs to a session; rejects when the host can't be reached. */
   askState(): Promise<HostState>
