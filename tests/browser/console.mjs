@@ -5,13 +5,14 @@ import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from 'node:fs'
 import { createRequire } from 'node:module'
 import { tmpdir } from 'node:os'
 import { join } from 'node:path'
+import { after, afterEach, before } from 'node:test'
 import { fileURLToPath } from 'node:url'
 
 const top = fileURLToPath(new URL('../../', import.meta.url))
 const { chromium } = createRequire(join(top, 'web/package.json'))('playwright-core')
-const program = join(top, 'build/release/tests/zrlconsole_with_test_page')
-/** A program of the build's tests. */
-export const built = name => join(top, 'build/release/tests', name)
+/** A program of the build's tests. The variable names another build folder, such as one with sanitizers. */
+export const built = name => join(top, process.env.ZRL_BUILD ?? 'build/release', 'tests', name)
+const program = built('zrlconsole_with_test_page')
 const pictures = join(top, 'build/screenshots')
 
 export const account = 'admin'
@@ -144,10 +145,39 @@ export class Browser {
     return page
   }
 
+  /** Fails if something unexpected has been logged since it was asked last. */
+  check() {
+    assert.deepEqual(this.problems.splice(0), [])
+  }
+
   async end() {
     await this.chromium.close()
-    assert.deepEqual(this.problems, [])
+    this.check()
   }
+}
+
+/**
+ * Gives the tests of a file a console and a page of a browser on it, signed in unless told otherwise: `given` gets them before the
+ * first test. A test in which the browser logs something unexpected fails. After the last test both are ended, whatever came of the
+ * tests: a program that still runs would keep the file from ending.
+ */
+export function withConsole({ sample, programs, expected = [], signedIn = true, context = {} }, given) {
+  let console
+  let browser
+  before(async () => {
+    console = await Console.start({ sample, programs })
+    browser = await Browser.start()
+    browser.expected = [...expected]
+    const page = await browser.open(console, context)
+    if (signedIn) await setUp(page, console)
+    given({ console, browser, page })
+  })
+  afterEach(() => browser?.check())
+  after(async () => {
+    const ends = await Promise.allSettled([browser?.end(), console?.end()])
+    const reasons = ends.filter(end => end.status === 'rejected').map(end => end.reason)
+    if (reasons.length > 0) throw reasons.length === 1 ? reasons[0] : new AggregateError(reasons, reasons.join('\n'))
+  })
 }
 
 export async function setUp(page, console) {

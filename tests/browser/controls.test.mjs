@@ -1,25 +1,18 @@
 // Every kind of control in the browser, with texts that strangers wrote and lists of a million rows.
 import assert from 'node:assert/strict'
-import { after, before, test } from 'node:test'
-import { Browser, Console, openPage, picture, setUp } from './console.mjs'
+import { before, test } from 'node:test'
+import { openPage, picture, withConsole } from './console.mjs'
 
 let console
 let browser
 let page
 const control = name => page.locator(`[data-control$="${name}"]`).first()
 
+withConsole({}, started => ({ console, browser, page } = started))
+
 before(async () => {
-  console = await Console.start()
-  browser = await Browser.start()
-  page = await browser.open(console)
-  await setUp(page, console)
   await openPage(page, 'All controls', 'allcontrols')
   await page.getByText('Every kind of control').waitFor()
-})
-
-after(async () => {
-  await browser?.end()
-  await console?.end()
 })
 
 test('the form looks right in every shape', async () => {

@@ -1,23 +1,12 @@
 // The way of an administrator from the first start to a setting that is stored.
 import assert from 'node:assert/strict'
-import { after, before, test } from 'node:test'
-import { Browser, Console, openPage, password, picture, setUp, signIn } from './console.mjs'
+import { test } from 'node:test'
+import { openPage, password, picture, setUp, signIn, withConsole } from './console.mjs'
 
 let console
-let browser
 let page
 
-before(async () => {
-  console = await Console.start({ sample: true })
-  browser = await Browser.start()
-  browser.expected = ['status of 401', 'status of 400']
-  page = await browser.open(console)
-})
-
-after(async () => {
-  await browser?.end()
-  await console?.end()
-})
+withConsole({ sample: true, expected: ['status of 401', 'status of 400'], signedIn: false }, started => ({ console, page } = started))
 
 test('the first start asks for the secret and a good password', async () => {
   await page.getByLabel('Set-up secret').fill('wrong')

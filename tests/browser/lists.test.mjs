@@ -2,24 +2,13 @@
 import assert from 'node:assert/strict'
 import { existsSync, readFileSync, writeFileSync } from 'node:fs'
 import { join } from 'node:path'
-import { after, before, test } from 'node:test'
-import { Browser, Console, openPage, picture, setUp } from './console.mjs'
+import { test } from 'node:test'
+import { openPage, picture, withConsole } from './console.mjs'
 
 let console
-let browser
 let page
 
-before(async () => {
-  console = await Console.start({ sample: true })
-  browser = await Browser.start()
-  page = await browser.open(console)
-  await setUp(page, console)
-})
-
-after(async () => {
-  await browser?.end()
-  await console?.end()
-})
+withConsole({ sample: true }, started => ({ console, page } = started))
 
 test('a domain is black-listed, seen, and taken off again', async () => {
   console.sql("INSERT INTO whitelist (entry) VALUES ('moved.example')")

@@ -4,24 +4,13 @@ import { spawn } from 'node:child_process'
 import { existsSync, mkdtempSync, readFileSync } from 'node:fs'
 import { tmpdir } from 'node:os'
 import { join } from 'node:path'
-import { after, before, test } from 'node:test'
-import { Browser, Console, built, openPage, picture, setUp } from './console.mjs'
+import { test } from 'node:test'
+import { built, openPage, picture, withConsole } from './console.mjs'
 
 let console
-let browser
 let page
 
-before(async () => {
-  console = await Console.start({ sample: true })
-  browser = await Browser.start()
-  page = await browser.open(console)
-  await setUp(page, console)
-})
-
-after(async () => {
-  await browser?.end()
-  await console?.end()
-})
+withConsole({ sample: true }, started => ({ console, page } = started))
 
 test('an address is picked from the log and black-listed', async () => {
   await openPage(page, 'IP log', 'iplog')

@@ -1,23 +1,15 @@
 // Every page of the product opens on the sample data, in every look, in English and in German.
-import { after, before, test } from 'node:test'
-import { Browser, Console, openPage, picture, setUp } from './console.mjs'
+import { before, test } from 'node:test'
+import { openPage, picture, withConsole } from './console.mjs'
 
 let console
-let browser
 let page
 let pages
 
-before(async () => {
-  console = await Console.start({ sample: true })
-  browser = await Browser.start()
-  page = await browser.open(console)
-  await setUp(page, console)
-  pages = JSON.parse(console.run('pages', '--json')).filter(entry => entry.name !== 'allcontrols')
-})
+withConsole({ sample: true }, started => ({ console, page } = started))
 
-after(async () => {
-  await browser?.end()
-  await console?.end()
+before(() => {
+  pages = JSON.parse(console.run('pages', '--json')).filter(entry => entry.name !== 'allcontrols')
 })
 
 test('every page opens, and nothing in it is cut off', async () => {

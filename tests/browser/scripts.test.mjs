@@ -2,11 +2,10 @@
 import assert from 'node:assert/strict'
 import { readFileSync } from 'node:fs'
 import { join } from 'node:path'
-import { after, before, test } from 'node:test'
-import { Browser, Console, openPage, picture, setUp } from './console.mjs'
+import { test } from 'node:test'
+import { openPage, picture, withConsole } from './console.mjs'
 
 let console
-let browser
 let page
 
 const button = name => page.getByRole('button', { name, exact: true })
@@ -43,20 +42,7 @@ async function write(name, text, position) {
   await page.getByRole('option', { name: position, exact: true }).click()
 }
 
-before(async () => {
-  console = await Console.start()
-  browser = await Browser.start()
-  page = await browser.open(console)
-  await setUp(page, console)
-})
-
-after(async () => {
-  try {
-    await browser?.end()
-  } finally {
-    await console?.end()
-  }
-})
+withConsole({}, started => ({ console, page } = started))
 
 test('the editor is loaded where there is source text, and starts from the template', async () => {
   assert.equal(await loaded('editor'), false)

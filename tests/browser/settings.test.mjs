@@ -2,24 +2,13 @@
 import assert from 'node:assert/strict'
 import { readFileSync } from 'node:fs'
 import { join } from 'node:path'
-import { after, before, test } from 'node:test'
-import { Browser, Console, openPage, setUp } from './console.mjs'
+import { test } from 'node:test'
+import { openPage, withConsole } from './console.mjs'
 
 let console
-let browser
 let page
 
-before(async () => {
-  console = await Console.start()
-  browser = await Browser.start()
-  page = await browser.open(console)
-  await setUp(page, console)
-})
-
-after(async () => {
-  await browser?.end()
-  await console?.end()
-})
+withConsole({}, started => ({ console, page } = started))
 
 test('the lines of a typed banner are stored with the line ends of SMTP', async () => {
   await openPage(page, 'Reply texts', 'strings')

@@ -2,8 +2,8 @@
 import assert from 'node:assert/strict'
 import { existsSync, readFileSync } from 'node:fs'
 import { join } from 'node:path'
-import { after, before, test } from 'node:test'
-import { Browser, Console, openPage, picture, setUp } from './console.mjs'
+import { before, test } from 'node:test'
+import { openPage, picture, withConsole } from './console.mjs'
 
 // Greets, echoes, obeys a few words; and tries what a terminal must not do for a stranger.
 const telnet = `
@@ -21,7 +21,6 @@ while read -r line; do
 done`
 
 let console
-let browser
 let page
 const rows = () => page.locator('.xterm-rows:visible')
 const until = async condition => {
@@ -43,18 +42,11 @@ const startProgram = async () => {
   await rows().getByText('Connected on 25').waitFor()
 }
 
-before(async () => {
-  console = await Console.start({ programs: { telnet: telnet.replace('$HOME', '$(dirname "$0")') } })
-  browser = await Browser.start()
-  page = await browser.open(console, { permissions: ['clipboard-read', 'clipboard-write'] })
-  await setUp(page, console)
-  await openPage(page, 'All controls', 'allcontrols')
-})
+const programs = { telnet: telnet.replace('$HOME', '$(dirname "$0")') }
+const context = { permissions: ['clipboard-read', 'clipboard-write'] }
+withConsole({ programs, context }, started => ({ console, page } = started))
 
-after(async () => {
-  await browser?.end()
-  await console?.end()
-})
+before(() => openPage(page, 'All controls', 'allcontrols'))
 
 test('a program opens a terminal in which one types, and tells its end', async () => {
   assert.equal(await page.evaluate(() => performance.getEntriesByType('resource').some(entry => entry.name.includes('/screen-'))), false)
