@@ -5,60 +5,61 @@
 
 #include "core/contracts/registry.h"
 #include "core/text/error.h"
+#include "core/text/paths.h"
 #include "core/text/text.h"
+#include "host/web/uploads.h"
 
 namespace zrl::web {
 
 namespace {
 
 using std::chrono::milliseconds;
+using Type = BrowserMessage::Type;
+using Act = BrowserMessage::Act;
 
-// Handlers within handlers; beyond that, events wait for one of them to end.
-constexpr int max_depth = 16;
 constexpr int max_modal_depth = 8;
-constexpr milliseconds flush_interval{50};
-constexpr milliseconds progress_interval{100};
-constexpr std::uint64_t unaudited_entries = 1000;
-constexpr auto at_once = std::chrono::steady_clock::time_point::min();
-constexpr auto never = std::chrono::steady_clock::time_point::max();
+
+std::string language_setting(Console& console) {
+  if (!console.components().has(Registry::program_id)) return {};
+  return lower(trim(console.settings().regread(console.settings().language_path())));
+}
+
+void act_on(ShownForm& shown, Control& control, const BrowserMessage& message) {
+  switch (message.act) {
+    case Act::click:
+      control.user_click();
+      break;
+    case Act::type:
+      shown.changes.typed(control, message.text);
+      control.user_type(message.text);
+      break;
+    case Act::choose:
+      control.user_choose(message.number);
+      break;
+    case Act::scroll:
+      control.user_scroll(message.number);
+      break;
+  }
+}
 
 }  // namespace
-
-// While it lives, the thread waits for the browser and is not busy.
-class SessionConsole::BusyPause {
- public:
-  explicit BusyPause(SessionConsole& session) : session_(session), busy_(std::exchange(session.busy_, 0)) {
-    if (busy_ > 0) session_.output_.action_ended();
-  }
-  BusyPause(const BusyPause&) = delete;
-  BusyPause& operator=(const BusyPause&) = delete;
-  ~BusyPause() {
-    session_.busy_ = busy_;
-    if (busy_ > 0) session_.output_.action_began();
-  }
-
- private:
-  SessionConsole& session_;
-  int busy_;
-};
 
 SessionConsole::SessionConsole(const ConsoleSettings& settings, std::string account, Inbox& inbox,
                                OfferedFiles& offered, SessionOutput& output)
     : settings_(settings),
       account_(std::move(account)),
-      inbox_(inbox),
       offered_(offered),
       output_(output),
-      audit_log_(settings.folder / "audit.log", account_),
-      terminals_(settings.folder, [&output](std::uint64_t connection, std::string message) {
-        output.send(connection, std::move(message));
-      }) {}
-
-SessionConsole::~SessionConsole() = default;
+      terminals_(settings.folder,
+                 [&output](std::uint64_t connection, std::string message) {
+                   output.send(connection, std::move(message));
+                 }),
+      reporter_(output, forms_, settings.folder / "audit.log", account_),
+      turns_(inbox, forms_, output, *this) {}
 
 void SessionConsole::run() {
   start_console();
-  while (!ending_) step(Level::top, never);
+  turns_.run();
   leave_page();
   console_.reset();
 }
@@ -66,68 +67,23 @@ void SessionConsole::run() {
 void SessionConsole::start_console() {
   console_ = std::make_unique<Console>(settings_.folder, *this);
   if (settings_.register_components) settings_.register_components(*console_);
-  language_at_start_ = language_setting();
-  reported_ = reported_failures_ = audited_ = 0;
+  language_at_start_ = language_setting(*console_);
+  reporter_.watch(*console_);
   captions_.clear();
   const std::string language = console_->localisation().current_language();
   output_.language_is(language.empty() ? "english" : language);
 }
 
-bool SessionConsole::step(Level level, Clock::time_point deadline) {
-  if (handle_waiting(level)) {
-    ticked_last_ = false;
-    return true;
-  }
-  if (level != Level::box) {
-    // Ticks and messages take turns, so that neither keeps the other from being handled.
-    if (!ticked_last_ && tick()) return ticked_last_ = true;
-    if (deadline != at_once) deadline = std::min(deadline, next_tick());
-  }
-  std::optional<Incoming> item = inbox_.pop(ticked_last_ ? std::min(deadline, Clock::now()) : deadline);
-  ticked_last_ = false;
-  if (!item) return false;
-  accept(*item);
-  return true;
-}
-
-void SessionConsole::step_until(Level level, Clock::time_point deadline) {
-  while (!ending_ && Clock::now() < deadline) step(level, deadline);
-}
-
-SessionConsole::Level SessionConsole::nested_level() const {
-  return depth_ < max_depth ? Level::nested : Level::box;
-}
-
-bool SessionConsole::tick() {
-  const Clock::time_point now = Clock::now();
-  for (const std::shared_ptr<ShownForm>& form : shown_) {
-    const std::shared_ptr<ShownForm> shown = form;  // the list may change
-    Timer* timer = shown->timers.take_due(now);
-    if (timer == nullptr) continue;
-    run_action([timer] { timer->user_tick(); });
-    shown->timers.ticked(*timer);
-    return true;
-  }
-  return false;
-}
-
-SessionConsole::Clock::time_point SessionConsole::next_tick() {
-  const Clock::time_point now = Clock::now();
-  Clock::time_point next = never;
-  for (const std::shared_ptr<ShownForm>& shown : shown_) next = std::min(next, shown->timers.next(now));
-  return next;
-}
-
 BoxReply SessionConsole::message_box(const MessageBox& box) {
   const BoxReply unanswered = box.asks() ? BoxReply::cancel : BoxReply::ok;
-  if (ending_) return unanswered;
-  flush();
-  const BusyPause pause(*this);
+  if (turns_.ending()) return unanswered;
+  reporter_.forms();
+  const Turns::Pause pause(turns_);
   box_ = OpenBox{++last_box_, &box, {}};
-  send(box_message(box_->id, box));
-  while (!box_->reply && !ending_) step(Level::box, never);
+  reporter_.send(box_message(box_->id, box));
+  turns_.serve_until_answered(box_->reply);
   const OpenBox answered = *std::exchange(box_, std::nullopt);
-  send(unbox_message(answered.id));
+  reporter_.send(unbox_message(answered.id));
   return answered.reply.value_or(unanswered);
 }
 
@@ -136,121 +92,309 @@ void SessionConsole::show(Form& dialog) {
   const auto found = std::find_if(dialogs.begin(), dialogs.end(),
                                   [&](const std::shared_ptr<Form>& open) { return open.get() == &dialog; });
   if (found == dialogs.end()) throw Error(error_number::object_not_set, "the dialog is not open");
-  if (ending_ || modal_depth_ == max_modal_depth) {
+  if (turns_.ending() || modal_depth_ == max_modal_depth) {
     dialog.close();
-    if (ending_) return;
+    if (turns_.ending()) return;
     throw Error(error_number::cannot_create_object, "too many dialogs are open");
   }
-  std::string id = dialog.name();
-  for (int i = 2; find_form(id); ++i) id = dialog.name() + "#" + std::to_string(i);
-  shown_.push_back(std::make_shared<ShownForm>(id, *found, true, !settings_.modeless_dialogs));
-  flush();
+  forms_.show_dialog(*found, !settings_.modeless_dialogs);
+  reporter_.forms();
   if (settings_.modeless_dialogs) return;
-  const BusyPause pause(*this);
+  const Turns::Pause pause(turns_);
   ++modal_depth_;
-  while (dialog.is_open() && !ending_) step(Level::nested, never);
+  turns_.serve_until_closed(dialog);
   --modal_depth_;
   if (dialog.is_open()) dialog.run([&] { dialog.close(); });
-  drop_closed_forms();
+  reporter_.closed_forms();
 }
 
 void SessionConsole::process_events() {
-  for (std::size_t i = 0; i < Inbox::max_messages && step(nested_level(), at_once); ++i) {
-    if (stopping_) break;
-  }
-  if (stopping_) throw Error(error_number::object_not_set, "the console is being stopped");
-  if (Clock::now() - flushed_ >= flush_interval) flush();
-  if (console_->activity().total() - audited_ > unaudited_entries) audit();
+  turns_.serve_pending();
+  reporter_.meanwhile();
 }
 
 void SessionConsole::wait(milliseconds time) {
-  const Clock::time_point end = Clock::now() + time;
-  flush();
-  step_until(nested_level(), end);
-  if (stopping_) throw Error(error_number::object_not_set, "the console is being stopped");
+  const auto end = Turns::Clock::now() + time;
+  reporter_.forms();
+  turns_.serve_until(end);
+}
+
+void SessionConsole::start_program(const ProgramStart& program) {
+  terminals_.start(program);
+}
+
+void SessionConsole::offer_file(const std::filesystem::path& path) {
+  // What is no file cannot be fetched; that is no reason for the page's action to fail.
+  if (const std::optional<Offer> offer = offered_.add(path)) reporter_.send(file_message(*offer));
 }
 
 void SessionConsole::show_progress(const Progress& progress) {
-  const Clock::time_point now = Clock::now();
-  if (progress.done != progress.total && now - progressed_ < progress_interval) return;
-  progressed_ = now;
-  output_.progress(std::string(progress.text), progress.done, progress.total);
+  reporter_.progress(progress);
 }
 
 void SessionConsole::run_action(const std::function<void()>& action) {
-  ++depth_;
-  if (busy_++ == 0) output_.action_began();
+  const Turns::Action running(turns_);
   try {
     action();
   } catch (const Refused&) {
-    report();
+    reporter_.action();
     throw;
   } catch (...) {
-    console_->record_escaped(page_name());
+    console_->record_escaped(forms_.page_name());
   }
-  report();
+  reporter_.action();
 }
 
-void SessionConsole::report() {
-  flush();
-  const ActivityRecord& record = console_->activity();
-  if (record.total() > reported_) {
-    send(activity_message(record, reported_, record.failures() - reported_failures_, page_name(), showing_));
-    reported_ = record.total();
-    reported_failures_ = record.failures();
+void SessionConsole::tick(Timer& timer) {
+  run_action([&timer] { timer.user_tick(); });
+}
+
+void SessionConsole::arrived(const Incoming& item) {
+  switch (item.kind) {
+    case Incoming::Kind::connected:
+      greet(item.connection);
+      return;
+    case Incoming::Kind::ended:
+    case Incoming::Kind::stopping:
+      turns_.end(item.kind == Incoming::Kind::stopping);
+      return;
+    case Incoming::Kind::upload: {
+      BrowserMessage message;
+      message.type = Type::upload;
+      message.form = item.upload->target.form;
+      message.upload = item.upload;
+      turns_.wait(std::move(message));  // answered when it is dropped
+      return;
+    }
+    case Incoming::Kind::message:
+      break;
   }
-  audit();
-  const bool was_busy = busy_ > 0;
-  if (was_busy) --busy_;
-  if (was_busy && busy_ == 0) output_.action_ended();
-  if (--depth_ == 0) closed_.clear();
+  if (item.connection != reporter_.connection()) return;
+  auto parsed = parse_message(item.text);
+  if (const auto* problem = std::get_if<Malformed>(&parsed)) {
+    reporter_.malformed(*problem);
+  } else {
+    accept(std::move(std::get<BrowserMessage>(parsed)));
+  }
 }
 
-void SessionConsole::audit() {
-  audited_ = audit_log_.append(console_->activity(), audited_, page_name());
+// What the browser is owed on the connection before is forgotten.
+void SessionConsole::greet(std::uint64_t connection) {
+  reporter_.connected(connection);
+  last_seq_ = 0;
+  turns_.forget_waiting();
+  reporter_.send(hello_message(*console_, account_, settings_.pages, forms_.page_name()));
+  reporter_.forms();
+  if (box_) reporter_.send(box_message(box_->id, *box_->box));
+  reporter_.send(files_message(offered_.unfetched()));
+  terminals_.connected(connection);
 }
 
-void SessionConsole::flush() {
-  flushed_ = Clock::now();
-  drop_closed_forms();
-  for (const std::shared_ptr<ShownForm>& shown : shown_) {
-    if (!shown->announced) {
-      send(form_message(*shown, caption_of(*shown)));
-    } else if (auto message = change_message(*shown, newest_handled_, caption_of(*shown))) {
-      send(std::move(*message));
+void SessionConsole::accept(BrowserMessage message) {
+  if (message.has_seq()) {
+    if (message.seq <= last_seq_) {
+      reporter_.malformed({"seq must count up", message.seq});
+      return;
+    }
+    last_seq_ = message.seq;
+  }
+  switch (message.type) {
+    case Type::answer:
+      // Another tab may have answered.
+      if (box_ && box_->id == message.id) box_->reply = message.ok ? BoxReply::ok : BoxReply::cancel;
+      return;
+    case Type::rows:
+      reporter_.rows(message);
+      return;
+    case Type::record:
+      reporter_.record(message);
+      return;
+    case Type::input:
+    case Type::resize:
+    case Type::taken:
+    case Type::end:
+      use_terminal(message);
+      return;
+    default: {
+      const MessageNumber number{.seq = message.seq};
+      const bool has_seq = message.has_seq();
+      if (!turns_.wait(std::move(message)) && has_seq) {
+        reporter_.refuse(number, "busy", "too much is waiting");
+      }
     }
   }
 }
 
-void SessionConsole::drop_closed_forms() {
-  for (std::size_t i = 0; i < shown_.size();) {
-    const std::shared_ptr<ShownForm> shown = shown_[i];
-    if (!shown->dialog || shown->form->is_open()) {
-      ++i;
-      continue;
-    }
-    shown_.erase(shown_.begin() + static_cast<std::ptrdiff_t>(i));
-    closed_.push_back(shown);
-    if (shown->announced) send(closed_message(shown->id));
+void SessionConsole::use_terminal(const BrowserMessage& message) {
+  switch (message.type) {
+    case Type::input:
+      if (!terminals_.type(message.id, message.text)) {
+        reporter_.refuse({}, "busy", "the program does not read");
+      }
+      break;
+    case Type::resize:
+      terminals_.resize(message.id, message.columns, message.lines);
+      break;
+    case Type::taken:
+      terminals_.taken(message.id, message.position);
+      break;
+    default:
+      terminals_.close(message.id);
+      break;
   }
-  (void)console_->dialogs();  // drops its own hold on them
 }
 
-std::string SessionConsole::language_setting() {
-  if (!console_->components().has(Registry::program_id)) return {};
-  return lower(trim(console_->settings().regread(console_->settings().language_path())));
-}
-
-const std::string& SessionConsole::caption_of(ShownForm& shown) {
-  if (shown.own_caption != shown.form->caption()) {
-    shown.own_caption = shown.form->caption();
-    shown.caption = console_->localisation().translate(shown.own_caption);
+void SessionConsole::handle(const BrowserMessage& message) {
+  switch (message.type) {
+    case Type::event:
+      handle_event(message);
+      break;
+    case Type::close:
+      close_dialog(message);
+      break;
+    case Type::open:
+      open_page(message);
+      break;
+    case Type::captions:
+      if (captions_.empty()) captions_ = captions_message(*console_, settings_.pages);
+      reporter_.send(captions_);
+      break;
+    case Type::upload:
+      handle_upload(*message.upload);
+      break;
+    default:
+      break;
   }
-  return shown.caption;
 }
 
-std::string_view SessionConsole::page_name() const {
-  return page_ ? std::string_view(page_->name()) : std::string_view();
+void SessionConsole::handle_event(const BrowserMessage& message) {
+  const MessageNumber number{.seq = message.seq};
+  reporter_.event_began(message.seq);
+  const std::shared_ptr<ShownForm> shown = forms_.find(message.form);
+  if (!shown) {
+    reporter_.refuse(number, "no_form", message.form);
+    return;
+  }
+  Control* control = shown->form->find(message.control);
+  if (control == nullptr) {
+    reporter_.refuse(number, "refused", "there is no " + message.control);
+    return;
+  }
+  const auto refuse = [&](std::string_view code, std::string_view why) {
+    shown->changes.tell_again(*control);
+    reporter_.forms();
+    reporter_.refuse(number, code, why);
+  };
+  if (forms_.is_covered(*shown)) {
+    refuse("busy", "a dialog has to be answered before");
+    return;
+  }
+  const std::uint64_t connection = reporter_.connection();
+  try {
+    run_action([&] { act_on(*shown, *control, message); });
+  } catch (const Refused& refused) {
+    refuse("refused", refused.what());
+    return;
+  }
+  output_.send(connection, done_message(message.seq));
+}
+
+void SessionConsole::close_dialog(const BrowserMessage& message) {
+  const MessageNumber number{.seq = message.seq};
+  reporter_.event_began(message.seq);
+  const std::shared_ptr<ShownForm> shown = forms_.find(message.form);
+  if (!shown) {
+    reporter_.refuse(number, "no_form", message.form);
+  } else if (!shown->dialog) {
+    reporter_.refuse(number, "refused", "a page is not closed");
+  } else if (forms_.is_covered(*shown)) {
+    reporter_.refuse(number, "busy", "a dialog has to be answered before");
+  } else {
+    const std::uint64_t connection = reporter_.connection();
+    run_action([&] { shown->form->run([&] { shown->form->close(); }); });
+    output_.send(connection, done_message(message.seq));
+  }
+}
+
+void SessionConsole::open_page(const BrowserMessage& message) {
+  const MessageNumber number{.seq = message.seq};
+  reporter_.event_began(message.seq);
+  const PageEntry* entry = find_page(settings_.pages, message.page);
+  if (entry == nullptr) {
+    reporter_.refuse(number, "unknown_page", message.page);
+    return;
+  }
+  const std::uint64_t connection = reporter_.connection();
+  leave_page();
+  if (language_setting(*console_) != language_at_start_) {
+    console_.reset();
+    start_console();
+    reporter_.send(hello_message(*console_, account_, settings_.pages, entry->name));
+  }
+  show_page(*entry);
+  output_.send(connection, forms_.page() != nullptr
+                               ? done_message(message.seq)
+                               : error_message(number, "refused", "the page cannot be made"));
+}
+
+void SessionConsole::leave_page() {
+  if (forms_.page() == nullptr) return;
+  run_action([this] {
+    forms_.close_dialogs();
+    forms_.page()->terminate();
+  });
+  reporter_.all_gone();
+}
+
+void SessionConsole::show_page(const PageEntry& entry) {
+  reporter_.set_showing(true);
+  run_action([&] {
+    forms_.show_page(entry.make(*console_));
+    forms_.page()->initialise();
+  });
+  reporter_.set_showing(false);
+}
+
+void SessionConsole::handle_upload(PendingUpload& upload) {
+  const std::shared_ptr<ShownForm> shown = forms_.find(upload.target.form);
+  Control* control = shown ? shown->form->find(upload.target.control) : nullptr;
+  if (!shown || upload.deadline < Turns::Clock::now()) {
+    upload.refuse(409, "no_form");
+  } else if (control == nullptr || control->kind() != ControlKind::file_list || !control->usable()) {
+    upload.refuse(409, "refused");
+  } else if (forms_.is_covered(*shown)) {
+    upload.refuse(409, "busy");
+  } else {
+    take_upload(upload, static_cast<FileList&>(*control));
+  }
+}
+
+// As if the user had found the file in the upload folder, and clicked it.
+void SessionConsole::take_upload(PendingUpload& upload, FileList& list) {
+  std::string name;
+  try {
+    name = upload.file->keep(upload.target.name);
+  } catch (const Error& failure) {
+    reporter_.note("upload", upload_name(upload.target.name), failure.what());
+    upload.refuse(500, "not_saved");
+    return;
+  }
+  reporter_.note("upload", name + " (" + std::to_string(upload.file->size()) + " bytes)");
+  upload.accept(name);
+  try {
+    run_action([&] {
+      list.set_path(to_product_path(UploadFolder(settings_.folder).path()));
+      const StringList& items = list.items();
+      for (std::size_t i = 0; i < items.size(); ++i) {
+        if (items[i] != name) continue;
+        list.user_choose(static_cast<std::int64_t>(i));
+        break;
+      }
+    });
+  } catch (const Refused&) {
+    // Nothing but the folder being removed meanwhile leads here; the list shows what is there.
+    reporter_.forms();
+  }
 }
 
 }  // namespace zrl::web

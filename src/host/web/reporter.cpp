@@ -1,0 +1,129 @@
+#include "host/web/reporter.h"
+
+#include <algorithm>
+
+namespace zrl::web {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr int forgiven_violations = 20;
+constexpr milliseconds forms_interval{50};
+constexpr milliseconds progress_interval{100};
+constexpr std::uint64_t unaudited_entries = 1000;
+
+}  // namespace
+
+Reporter::Reporter(SessionOutput& output, FormStack& forms, const std::filesystem::path& audit_file,
+                   const std::string& account)
+    : output_(output), forms_(forms), audit_log_(audit_file, account) {}
+
+void Reporter::watch(Console& console) {
+  console_ = &console;
+  reported_ = reported_failures_ = audited_ = 0;
+}
+
+void Reporter::connected(std::uint64_t connection) {
+  connection_ = connection;
+  newest_event_ = 0;
+  malformed_ = 0;
+  for (const std::shared_ptr<ShownForm>& shown : forms_.forms()) shown->announced = false;
+}
+
+void Reporter::event_began(std::uint64_t seq) {
+  newest_event_ = std::max(newest_event_, seq);
+}
+
+void Reporter::refuse(const MessageNumber& number, std::string_view code, std::string_view text) {
+  send(error_message(number, code, text));
+}
+
+void Reporter::malformed(const Malformed& problem) {
+  refuse({.seq = problem.seq}, "malformed", problem.why);
+  if (++malformed_ == forgiven_violations) output_.violated(connection_);
+}
+
+void Reporter::forms() {
+  forms_sent_ = Clock::now();
+  closed_forms();
+  for (const std::shared_ptr<ShownForm>& shown : forms_.forms()) {
+    if (!shown->announced) {
+      send(form_message(*shown, caption_of(*shown)));
+    } else if (auto message = change_message(*shown, newest_event_, caption_of(*shown))) {
+      send(std::move(*message));
+    }
+  }
+}
+
+void Reporter::closed_forms() {
+  for (const std::string& id : forms_.drop_closed()) send(closed_message(id));
+  (void)console_->dialogs();  // drops its own hold on them
+}
+
+void Reporter::all_gone() {
+  for (const std::shared_ptr<ShownForm>& shown : forms_.forms()) send(closed_message(shown->id));
+  forms_.clear();
+}
+
+void Reporter::rows(const BrowserMessage& asked) {
+  const MessageNumber number{.request = asked.request};
+  const std::shared_ptr<ShownForm> shown = forms_.find(asked.form);
+  if (!shown) {
+    refuse(number, "no_form", asked.form);
+    return;
+  }
+  const Control* control = shown->form->find(asked.control);
+  if (control == nullptr || !control->has(Property::items)) {
+    refuse(number, "refused", "no such list: " + asked.control);
+    return;
+  }
+  send(rows_message(*shown, static_cast<const ItemsControl&>(*control), asked.request,
+                    {asked.start, asked.count}, asked.text));
+}
+
+void Reporter::record(const BrowserMessage& asked) {
+  send(record_message(console_->activity(), asked.request, {asked.start, asked.count}));
+}
+
+void Reporter::action() {
+  forms();
+  const ActivityRecord& record = console_->activity();
+  if (record.total() > reported_) {
+    send(activity_message(record, reported_, record.failures() - reported_failures_, forms_.page_name(),
+                          showing_));
+    reported_ = record.total();
+    reported_failures_ = record.failures();
+  }
+  audit();
+}
+
+void Reporter::meanwhile() {
+  if (Clock::now() - forms_sent_ >= forms_interval) forms();
+  if (console_->activity().total() - audited_ > unaudited_entries) audit();
+}
+
+void Reporter::progress(const Progress& progress) {
+  const Clock::time_point now = Clock::now();
+  if (progress.done != progress.total && now - progressed_ < progress_interval) return;
+  progressed_ = now;
+  output_.progress(std::string(progress.text), progress.done, progress.total);
+}
+
+void Reporter::note(std::string_view kind, std::string_view text, std::string_view error) {
+  audit_log_.note(forms_.page_name(), kind, text, error);
+}
+
+void Reporter::audit() {
+  audited_ = audit_log_.append(console_->activity(), audited_, forms_.page_name());
+}
+
+const std::string& Reporter::caption_of(ShownForm& shown) {
+  if (shown.own_caption != shown.form->caption()) {
+    shown.own_caption = shown.form->caption();
+    shown.caption = console_->localisation().translate(shown.own_caption);
+  }
+  return shown.caption;
+}
+
+}  // namespace zrl::web
