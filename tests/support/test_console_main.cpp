@@ -4,9 +4,6 @@
 #include <vector>
 
 #include "host/command/command_line.h"
-#ifdef ZRL_WITH_WEB_HOST
-#include "host/command/serve_command.h"
-#endif
 #include "support/all_controls_page.h"
 
 int main(int argc, char** argv) {

@@ -6,7 +6,6 @@
 #include <ostream>
 
 #include "host/command/commands.h"
-#include "host/command/script_command.h"
 #include "host/folder.h"
 #include "host/version.h"
 

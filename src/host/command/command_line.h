@@ -37,4 +37,8 @@ inline constexpr int usage_error = 2;
 int run_command_line(const std::vector<std::string>& arguments, const Program& program, std::istream& in,
                      std::ostream& out, std::ostream& err);
 
+// In builds with the web host. Runs it until SIGINT or SIGTERM comes; prints the address to open and, while
+// there is no account, the secret that chooses the first one. Raises std::exception if it cannot start.
+int serve(const ServeOptions& options, std::span<const PageEntry> pages);
+
 }  // namespace zrl::command

@@ -7,9 +7,15 @@
 #include <vector>
 
 #include "host/command/command_line.h"
-#include "host/command/script_command.h"
 
 namespace zrl::command {
+
+// What `script` was told on the command line.
+struct ScriptOptions {
+  bool check = false;             // compile only
+  std::vector<std::string> call;  // empty, or a procedure's name and its input
+  std::vector<std::string> files;
+};
 
 // What the parser found; a command reads what it knows.
 struct Arguments {
@@ -40,5 +46,10 @@ int run_do(const Arguments& arguments, const Program& program, std::istream& in,
 int run_registry_get(const Arguments& arguments, std::ostream& out);
 int run_registry_set(const Arguments& arguments);
 int run_registry_delete(const Arguments& arguments);
+
+// Runs script files in one global module. WScript.Echo, MsgBox and the result of the call go to `out`,
+// errors to `err` as FILE(LINE, COLUMN) and their text. Returns the exit status: 1 after an error,
+// else what the script gave WScript.Quit.
+int run_script(const ScriptOptions& options, std::istream& in, std::ostream& out, std::ostream& err);
 
 }  // namespace zrl::command

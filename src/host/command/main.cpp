@@ -1,9 +1,6 @@
 #include <iostream>
 
 #include "host/command/command_line.h"
-#ifdef ZRL_WITH_WEB_HOST
-#include "host/command/serve_command.h"
-#endif
 
 int main(int argc, char** argv) {
   zrl::command::Program program;

@@ -1,5 +1,3 @@
-#include "host/command/script_command.h"
-
 #include <fstream>
 #include <istream>
 #include <iterator>
@@ -7,6 +5,7 @@
 #include <stdexcept>
 
 #include "components/pcre2/pcre2_regexp.h"
+#include "host/command/commands.h"
 #include "scripting/vbscript/engine.h"
 
 namespace zrl::command {

@@ -1,11 +1,10 @@
-#include "host/command/serve_command.h"
-
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <thread>
 
+#include "host/command/command_line.h"
 #include "host/command/step_runner.h"
 #include "host/composition.h"
 #include "host/folder.h"
