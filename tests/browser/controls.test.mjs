@@ -6,7 +6,6 @@ import { openPage, picture, withConsole } from './console.mjs'
 let console
 let browser
 let page
-const control = name => page.locator(`[data-control$="${name}"]`).first()
 
 withConsole({}, started => ({ console, browser, page } = started))
 

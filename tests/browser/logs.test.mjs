@@ -57,7 +57,6 @@ test('a mail is read, exported, and answered to a mail server', async () => {
   console.sql("insert or replace into konf (ID,value) values ('forwardaddress','127.0.0.1')")
   console.sql(`insert or replace into konf (ID,value) values ('forwardport','${port}')`)
   await openPage(page, 'Mail archive', 'monitor')
-  const subject = page.getByLabel('Subject', { exact: true })
   await page.waitForFunction(() => document.querySelector('[data-control$="-msubject"] input').value === 'Grüße')
   const body = page.getByRole('textbox', { name: 'HTMLbody' })
   assert.match(await body.inputValue(), /^Buy now\s*$/)

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/redirect_error.hpp>
-#include <boost/asio/ssl/context.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/write.hpp>
@@ -92,10 +91,9 @@ struct PendingReply {
   std::optional<Response> response;
 };
 
-template <typename Stream>
 class Connection {
  public:
-  Connection(Stream stream, std::string remote_address, const ConnectionContext& context)
+  Connection(BrowserStream stream, std::string remote_address, const ConnectionContext& context)
       : stream_(std::move(stream)), remote_address_(std::move(remote_address)), context_(context) {}
 
   awaitable<void> serve() {
@@ -107,7 +105,7 @@ class Connection {
       error_code failure;
       co_await http::async_read_header(stream_, buffer_, head, asio::redirect_error(use_awaitable, failure));
       if (failure) co_return co_await refuse(failure);
-      Request request = to_request(head, remote_address_, std::is_same_v<Stream, TlsStream>);
+      Request request = to_request(head, remote_address_, stream_.over_tls());
       if (websocket::is_upgrade(head.get())) {
         co_await upgrade(head, request);
         co_return;
@@ -119,7 +117,7 @@ class Connection {
 
  private:
   const ServerLimits& limits() const { return context_.limits; }
-  void expire_after(milliseconds time) { beast::get_lowest_layer(stream_).expires_after(time); }
+  void expire_after(milliseconds time) { stream_.expires_after(time); }
 
   awaitable<void> upgrade(const RequestHead& head, const Request& request) {
     auto answer = context_.handler->upgrade(request);
@@ -127,7 +125,7 @@ class Connection {
       co_await write(*refusal, head.get().version(), false);
       co_return;
     }
-    beast::get_lowest_layer(stream_).expires_never();
+    stream_.expires_never();
     co_await serve_web_socket(std::move(stream_), head.get(),
                               std::get<std::shared_ptr<ChannelListener>>(std::move(answer)), limits());
   }
@@ -244,7 +242,7 @@ class Connection {
     }
   }
 
-  Stream stream_;
+  BrowserStream stream_;
   beast::flat_buffer buffer_;
   std::string remote_address_;
   const ConnectionContext& context_;
@@ -254,16 +252,11 @@ class Connection {
 
 awaitable<void> serve_connection(asio::ip::tcp::socket socket, asio::ssl::context* tls,
                                  std::string remote_address, const ConnectionContext& context) {
-  if (tls == nullptr) {
-    Connection connection(PlainStream(std::move(socket)), std::move(remote_address), context);
-    co_await connection.serve();
-  } else {
-    TlsStream stream(std::move(socket), *tls);
-    beast::get_lowest_layer(stream).expires_after(context.limits.handshake);
-    co_await stream.async_handshake(asio::ssl::stream_base::server, use_awaitable);
-    Connection connection(std::move(stream), std::move(remote_address), context);
-    co_await connection.serve();
-  }
+  BrowserStream stream(std::move(socket), tls);
+  stream.expires_after(context.limits.handshake);
+  co_await stream.handshake();
+  Connection connection(std::move(stream), std::move(remote_address), context);
+  co_await connection.serve();
 }
 
 }  // namespace zrl::web

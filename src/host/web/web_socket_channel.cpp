@@ -7,7 +7,6 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/websocket/ssl.hpp>
 #include <boost/beast/websocket/stream.hpp>
 #include <deque>
 
@@ -25,10 +24,9 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds close_grace{5000};
 
-template <typename Stream>
-class WebSocketChannel : public Channel, public std::enable_shared_from_this<WebSocketChannel<Stream>> {
+class WebSocketChannel : public Channel, public std::enable_shared_from_this<WebSocketChannel> {
  public:
-  WebSocketChannel(Stream&& stream, const ServerLimits& limits)
+  WebSocketChannel(BrowserStream&& stream, const ServerLimits& limits)
       : socket_(std::move(stream)),
         limits_(limits),
         stalled_(socket_.get_executor()),
@@ -71,7 +69,7 @@ class WebSocketChannel : public Channel, public std::enable_shared_from_this<Web
     try {
       co_await socket_.async_accept(request, use_awaitable);
       opened = true;
-      listener->on_open(this->shared_from_this());
+      listener->on_open(shared_from_this());
       co_await read_all(*listener);
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the connection is over
     }
@@ -102,7 +100,7 @@ class WebSocketChannel : public Channel, public std::enable_shared_from_this<Web
   void start_writing() {
     if (writing_ || dead_) return;
     writing_ = true;
-    asio::co_spawn(socket_.get_executor(), write_all(this->shared_from_this()), asio::detached);
+    asio::co_spawn(socket_.get_executor(), write_all(shared_from_this()), asio::detached);
   }
 
   awaitable<void> write_all([[maybe_unused]] std::shared_ptr<WebSocketChannel> self) {
@@ -126,7 +124,7 @@ class WebSocketChannel : public Channel, public std::enable_shared_from_this<Web
 
   void cut_after(asio::steady_timer& timer, milliseconds time) {
     timer.expires_after(time);
-    timer.async_wait([weak = this->weak_from_this()](error_code cancelled) {
+    timer.async_wait([weak = weak_from_this()](error_code cancelled) {
       const auto self = weak.lock();
       if (self && !cancelled) self->cut();
     });
@@ -135,14 +133,13 @@ class WebSocketChannel : public Channel, public std::enable_shared_from_this<Web
   void cut() {
     if (dead_) return;
     dead_ = true;
-    error_code ignored;
-    beast::get_lowest_layer(socket_).socket().close(ignored);
+    socket_.next_layer().close();
     stalled_.cancel();
     closing_time_.cancel();
     resume();
   }
 
-  websocket::stream<Stream, false> socket_;
+  websocket::stream<BrowserStream, false> socket_;
   const ServerLimits& limits_;
   asio::steady_timer stalled_;
   asio::steady_timer closing_time_;
@@ -155,23 +152,12 @@ class WebSocketChannel : public Channel, public std::enable_shared_from_this<Web
   bool dead_ = false;
 };
 
-template <typename Stream>
-awaitable<void> serve(Stream stream, const RequestHead::value_type& request,
-                      std::shared_ptr<ChannelListener> listener, const ServerLimits& limits) {
-  auto channel = std::make_shared<WebSocketChannel<Stream>>(std::move(stream), limits);
-  co_await channel->serve(request, std::move(listener));
-}
-
 }  // namespace
 
-awaitable<void> serve_web_socket(PlainStream stream, const RequestHead::value_type& request,
+awaitable<void> serve_web_socket(BrowserStream stream, const RequestHead::value_type& request,
                                  std::shared_ptr<ChannelListener> listener, const ServerLimits& limits) {
-  return serve(std::move(stream), request, std::move(listener), limits);
-}
-
-awaitable<void> serve_web_socket(TlsStream stream, const RequestHead::value_type& request,
-                                 std::shared_ptr<ChannelListener> listener, const ServerLimits& limits) {
-  return serve(std::move(stream), request, std::move(listener), limits);
+  auto channel = std::make_shared<WebSocketChannel>(std::move(stream), limits);
+  co_await channel->serve(request, std::move(listener));
 }
 
 }  // namespace zrl::web
