@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/json.hpp>
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -11,6 +12,13 @@
 namespace zrl::test {
 
 namespace json = boost::json;
+
+// How long the other end may be silent before a test gives up. A sanitizer makes everything slower.
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+inline constexpr std::chrono::seconds patience{60};
+#else
+inline constexpr std::chrono::seconds patience{10};
+#endif
 
 // What a browser does on its end of the protocol, whatever carries the messages.
 class BrowserEnd {
@@ -25,7 +33,7 @@ class BrowserEnd {
   void send(const json::value& message) { transmit(json::serialize(message)); }
   void send_text(const std::string& text) { transmit(text); }
 
-  // The next message, or nothing if the end was closed. Raises if none comes for ten seconds.
+  // The next message, or nothing if the end was closed. Raises if none comes while `patience` lasts.
   std::optional<json::object> receive();
   // The next message of this type; those before it are passed over. Raises if the end is closed.
   json::object receive(std::string_view type);

@@ -110,8 +110,7 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
   }
   std::optional<std::string> next_text() override {
     std::unique_lock lock(mutex_);
-    const bool came =
-        arrived_.wait_for(lock, std::chrono::seconds(10), [this] { return !messages_.empty(); });
+    const bool came = arrived_.wait_for(lock, patience, [this] { return !messages_.empty(); });
     if (!came) throw std::runtime_error("the session is silent");
     std::string text = std::move(messages_.front());
     messages_.pop_front();

@@ -16,8 +16,6 @@ namespace zrl::test {
 
 namespace {
 
-constexpr timeval patience{10, 0};
-
 HttpAnswer parse_head(std::string_view head) {
   HttpAnswer answer;
   if (head.size() < 12) return answer;
@@ -62,8 +60,9 @@ TcpConnection::TcpConnection(std::uint16_t port) : socket_(::socket(AF_INET, SOC
   address.sin_family = AF_INET;
   address.sin_port = htons(port);
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-  ::setsockopt(socket_, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+  const timeval limit{patience.count(), 0};
+  ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+  ::setsockopt(socket_, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
   if (::connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
     throw std::runtime_error("cannot connect");
   }

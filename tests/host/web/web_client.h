@@ -19,7 +19,7 @@ struct HttpAnswer {
   json::object object() const { return json::parse(body).as_object(); }
 };
 
-// A TCP connection to a server on this machine. Reading gives up after ten seconds.
+// A TCP connection to a server on this machine. Reading gives up when `patience` is over.
 class TcpConnection {
  public:
   explicit TcpConnection(std::uint16_t port);
