@@ -38,11 +38,18 @@ std::string decoded(std::string_view content, GMimeContentEncoding kind, std::si
   g_mime_encoding_init_decode(&state, kind);
   std::string result;
   std::vector<char> out(g_mime_encoding_outlen(&state, chunk_size));
-  while (!content.empty() && result.size() < limit) {
-    const std::string_view chunk = content.substr(0, chunk_size);
-    content.remove_prefix(chunk.size());
+  const auto decode = [&](std::string_view chunk) {
     result.append(out.data(), g_mime_encoding_step(&state, chunk.data(), chunk.size(), out.data()));
+  };
+  // Padding ends base64. Of what follows it, and of too little of it, releases of the library make different
+  // things.
+  const std::size_t padding = kind == GMIME_CONTENT_ENCODING_BASE64 ? content.find('=') : content.npos;
+  content = content.substr(0, padding);
+  while (!content.empty() && result.size() < limit) {
+    decode(content.substr(0, chunk_size));
+    content.remove_prefix(std::min(content.size(), chunk_size));
   }
+  if (padding != content.npos) decode("==");
   return result;
 }
 

@@ -139,6 +139,8 @@ TEST(MailBodies, AreDecoded) {
       {"utf-8", "quoted-printable", "Gr=C3=BC=\r\n=C3=9Fe=20", "Grüße "},
       {"utf-8", "BASE64", "R3LDvMOfZQ0KZW5k", "Grüße\nend"},
       {"utf-8", "base64", "R3LD\r\nvMOf!!!\r\nZQ==trailing", "Grüße"},
+      {"utf-8", "base64", "R3LDvMOfZQ=", "Grüße"},
+      {"utf-8", "base64", "R3LDvMOf=R3LD", "Grüß"},
       {"iso-8859-1", "8bit",
        "Gr\xFC\xDF"
        "e \x80",
