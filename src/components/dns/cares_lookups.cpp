@@ -32,16 +32,6 @@ Records<Record> read_with(const Read& read) {
   return records;
 }
 
-// c-ares takes a backslash for the beginning of an escape.
-std::string escaped(const std::string& name) {
-  std::string result;
-  for (const char c : name) {
-    if (c == '\\') result += c;
-    result += c;
-  }
-  return result;
-}
-
 }  // namespace
 
 CaresLookups::CaresLookups(const DnsSurroundings& surroundings, milliseconds time)
@@ -83,7 +73,7 @@ std::vector<Reply> CaresLookups::ask(const std::vector<std::string>& names, int 
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (is_dns_name(names[i])) {
       asked.push_back(i);
-      queries.start(escaped(names[i]), type);
+      queries.start(names[i], type);
     } else {
       replies[i].status = ARES_ENOTFOUND;
     }

@@ -6,6 +6,7 @@
 #include <ares.h>
 #include <poll.h>
 
+#include "components/dns/dns_sockets.h"
 #include "core/text/error.h"
 
 namespace zrl {
@@ -44,7 +45,8 @@ std::string joined(const std::vector<std::string>& servers) {
 
 }  // namespace
 
-DnsQueries::DnsQueries(const DnsSurroundings& surroundings) : surroundings_(surroundings) {
+DnsQueries::DnsQueries(const DnsSurroundings& surroundings)
+    : surroundings_(surroundings), sockets_(std::make_unique<DnsSockets>()) {
   initialise_library();
   const std::string servers = joined(surroundings_.servers());
   if (servers.empty()) throw Error(ARES_ESERVFAIL, "no DNS server is known");
@@ -61,6 +63,7 @@ DnsQueries::DnsQueries(const DnsSurroundings& surroundings) : surroundings_(surr
   check(ares_init_options(
       &channel_, &options,
       ARES_OPT_FLAGS | ARES_OPT_TIMEOUTMS | ARES_OPT_TRIES | ARES_OPT_RESOLVCONF | ARES_OPT_LOOKUPS));
+  sockets_->attach(channel_);
   const int status = ares_set_servers_ports_csv(channel_, servers.c_str());
   if (status != ARES_SUCCESS) ares_destroy(channel_);
   check(status);
@@ -71,9 +74,9 @@ DnsQueries::~DnsQueries() {
 }
 
 std::size_t DnsQueries::start(const std::string& name, int type) {
-  Pending& pending = pending_.emplace_back(Pending{{}, this});
+  Pending& pending = pending_.emplace_back(Pending{{}, this, sockets_->asked_name(name), type});
   ++unfinished_;
-  ares_query(channel_, name.c_str(), class_internet, type, ended, &pending);
+  ares_query(channel_, pending.asked.c_str(), class_internet, type, ended, &pending);
   return pending_.size() - 1;
 }
 
@@ -103,7 +106,10 @@ bool DnsQueries::serve_events() {
 
 void DnsQueries::ended(void* pending, int status, int, unsigned char* message, int size) {
   Pending& ended = *static_cast<Pending*>(pending);
-  ended.reply.status = status == ARES_ECANCELLED ? ARES_ETIMEOUT : status;
+  if (status == ARES_ECANCELLED) status = ARES_ETIMEOUT;
+  const bool answered = status == ARES_SUCCESS || status == ARES_ENODATA;
+  if (answered && ended.owner->sockets_->was_malformed(ended.asked, ended.type)) status = ARES_EBADRESP;
+  ended.reply.status = status;
   if (status == ARES_SUCCESS && size > 0) ended.reply.message.assign(message, message + size);
   --ended.owner->unfinished_;
 }

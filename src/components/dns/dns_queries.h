@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,8 @@
 struct ares_channeldata;
 
 namespace zrl {
+
+class DnsSockets;
 
 // Queries that are under way at the same time, on a channel of their own. Queries are numbered from 0
 // in the order of their start.
@@ -28,8 +31,8 @@ class DnsQueries {
   DnsQueries& operator=(const DnsQueries&) = delete;
   ~DnsQueries();
 
-  // `type` is that of the records wanted (RFC 1035, section 3.2.2). Names are asked for as they are,
-  // without search domains.
+  // `type` is that of the records wanted (RFC 1035, section 3.2.2). Names are asked for as they are, without
+  // search domains, whatever characters are in them.
   std::size_t start(const std::string& name, int type);
 
   // Waits a moment and takes what has come meanwhile; between many starts, so that neither side's
@@ -47,6 +50,8 @@ class DnsQueries {
   struct Pending {
     Reply reply;
     DnsQueries* owner;
+    std::string asked;
+    int type;
   };
 
   static void ended(void* pending, int status, int timeouts, unsigned char* message, int size);
@@ -57,6 +62,7 @@ class DnsQueries {
   std::chrono::milliseconds timeout_{};
   std::deque<Pending> pending_;  // the channel keeps their addresses
   std::size_t unfinished_ = 0;
+  std::unique_ptr<DnsSockets> sockets_;
   ares_channeldata* channel_ = nullptr;
 };
 

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "components/dns/dns_answers.h"
 #include "components/dns/dns_queries.h"
 #include "core/text/error.h"
 #include "support/dns_environment.h"
@@ -133,6 +134,43 @@ TEST_F(DnsClientTest, QueriesOfOneCallAreUnderWayTogether) {
   EXPECT_EQ(queries[address].message.size(), 40U);
   EXPECT_EQ(queries[missing].status, ARES_ENOTFOUND);
   EXPECT_THAT(server.queries(), UnorderedElementsAre("TXT a.test", "A b.test", "A c.test"));
+}
+
+// Sending policies lead to names that are no host names.
+TEST_F(DnsClientTest, AsksForNamesWithAnyCharacters) {
+  timeout = milliseconds(1000);
+  const char* const names[] = {"a+b.test", "a'b.test", "a\\b.test", "\xC3\xBC._x.test", "plain.test"};
+  const DnsSurroundings told = surroundings();
+  for (const char* name : names) server.add(std::string(name) + " TXT " + name);
+  for (const char* name : names) {
+    DnsQueries queries(told);
+    const std::size_t query = queries.start(name, 16);
+    const std::size_t alike = queries.start("a=b.test", 16);
+    queries.finish();
+    std::vector<std::string> texts;
+    EXPECT_EQ(read_texts(queries[query], texts), ARES_SUCCESS) << name;
+    EXPECT_THAT(texts, ElementsAre(name));
+    EXPECT_EQ(queries[alike].status, ARES_ENOTFOUND) << name;
+  }
+}
+
+TEST_F(DnsClientTest, AMalformedAnswerEndsItsOwnQueryAlone) {
+  timeout = milliseconds(1000);
+  server.add("bad.test TXT something");
+  server.add("good.test TXT something");
+  server.set_manner({.delay = milliseconds(20), .rewrite = [](test::DnsMessage message) {
+                       if (message[13] == 'b') message.resize(message.size() - 4);
+                       return message;
+                     }});
+  const DnsSurroundings told = surroundings();
+  DnsQueries queries(told);
+  const std::size_t bad = queries.start("bad.test", 16);
+  const std::size_t good = queries.start("good.test", 16);
+  queries.finish();
+  std::vector<std::string> texts;
+  EXPECT_EQ(read_texts(queries[bad], texts), ARES_EBADRESP);
+  EXPECT_EQ(read_texts(queries[good], texts), ARES_SUCCESS);
+  EXPECT_THAT(server.queries(), UnorderedElementsAre("TXT bad.test", "TXT good.test"));
 }
 
 TEST(ComposedDnsClientTest, UsesTheConsolesServersTimeOutAndWait) {
