@@ -1,4 +1,5 @@
 import { describe, expect, it } from 'vitest'
+import printable from '../../src/core/text/printable.cpp?raw'
 import { de } from '../src/i18n/de'
 import { en } from '../src/i18n/en'
 import { search } from '../src/model/search'
@@ -58,6 +59,29 @@ describe('foreign text', () => {
     expect(visibleText('a\nb\r\tc\0\u001b\u007f')).toBe('a␊b␍␉c␀␛␡')
     expect(visibleText('x\u202egnp.exe\u2066\u0085\u2028')).toBe('x\ufffdgnp.exe\ufffd␤␤')
     expect(visibleText('<b>مرحبا</b> שלום 😀')).toBe('<b>مرحبا</b> שלום 😀')
+    expect(visibleText('pay\u200bpal\u00ad.ex\u200cample\u{e0041}')).toBe('pay\ufffdpal\ufffd.ex\ufffdample\ufffd')
+    expect(visibleText('a\ufe0f\u3164\ud800z\uffff')).toBe('a\ufffd\ufffd\ufffdz\ufffd')
+  })
+
+  it('keeps joiners and selectors where they have their place', () => {
+    for (const text of ['❤️', '👨‍👩‍👧', '🏳️‍🌈', 'می‌خواهم', 'क्‍ष']) expect(visibleText(text)).toBe(text)
+    expect(visibleText('می\u200c')).toBe('می\ufffd')
+    expect(visibleText('😀\u200dx')).toBe('😀\ufffdx')
+  })
+
+  it('takes the same characters for unseen as the command line does', () => {
+    const ranges = [...printable.matchAll(/\{0x([0-9A-F]+), 0x([0-9A-F]+)\}/g)]
+    const inTable = new Set<number>()
+    for (const [, first, last] of ranges) {
+      for (let code = parseInt(first!, 16); code <= parseInt(last!, 16); ++code) inTable.add(code)
+    }
+    const wrong: string[] = []
+    for (let code = 0; code <= 0x10ffff; ++code) {
+      const character = String.fromCodePoint(code)
+      if (inTable.has(code) !== (visibleText(character) !== character)) wrong.push(code.toString(16))
+    }
+    expect(ranges.length).toBeGreaterThan(40)
+    expect(wrong).toEqual([])
   })
 
   it('is cut without splitting a character', () => {

@@ -1,6 +1,19 @@
 const longestShown = 2000
 
-const invisible = /[\u0000-\u001f\u007f-\u009f\u061c\u200b\u200e\u200f\u2028\u2029\u202a-\u202e\u2066-\u2069\ufeff]/g
+// What shows nothing of its own: by the properties of Unicode, the same characters as in the table of
+// src/core/text/printable.cpp, which guards terminals and logs. A test compares the two.
+const unseen = String.raw`[\p{Cc}\p{Cf}\p{Cs}\p{Zl}\p{Zp}\p{Default_Ignorable_Code_Point}\p{Noncharacter_Code_Point}]`
+
+// Joiners and selectors have their place in emoji and in scripts whose letters join. They stay there, and only there.
+const joining =
+  '[' +
+  'Arab Beng Deva Gujr Guru Khmr Knda Mlym Mong Mymr Nkoo Orya Sinh Syrc Taml Telu Tibt'
+    .split(' ')
+    .map(script => `\\p{sc=${script}}`)
+    .join('') +
+  ']'
+const inEmoji = String.raw`(?<=[\p{Emoji}\ufe0f])(?:\ufe0f|\u200d(?=\p{Extended_Pictographic}))`
+const invisible = new RegExp(`(${inEmoji}|(?<=${joining})[\\u200c\\u200d](?=${joining}))|${unseen}`, 'gu')
 
 const named: Record<string, string> = {
   '\u2028': '\u2424',
@@ -9,11 +22,12 @@ const named: Record<string, string> = {
   '\u007f': '\u2421',
 }
 
-/** Makes control characters and characters that turn the direction of text visible: rows show foreign text, which
- *  must neither break the layout nor pretend to be something else. */
+/** Makes controls and characters that are not seen, or turn the direction of text, visible: rows show foreign text,
+ *  which must neither break the layout nor pretend to be something else. */
 export function visibleText(text: string, limit = longestShown): string {
   const shown = text.length > limit ? cut(text, limit) + '…' : text
-  return shown.replace(invisible, character => {
+  return shown.replace(invisible, (character, inPlace?: string) => {
+    if (inPlace) return inPlace
     const name = named[character]
     if (name) return name
     const code = character.charCodeAt(0)
