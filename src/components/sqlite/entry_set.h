@@ -9,12 +9,12 @@
 
 namespace zrl {
 
-// Hashes entries under a key that is drawn anew for each hasher, so that nobody can prepare
-// entries whose hashes meet.
+// Hashes entries (SipHash-2-4, 128 bits) under a key that is drawn anew for each hasher, so that nobody can
+// prepare entries whose hashes meet.
 class EntryHasher {
  public:
   struct Hash {
-    std::uint64_t high;
+    std::uint64_t high;  // never 0
     std::uint64_t low;
   };
 
@@ -23,7 +23,7 @@ class EntryHasher {
   Hash operator()(std::string_view entry) const;
 
  private:
-  std::array<std::uint64_t, 2> key_;
+  std::array<unsigned char, 16> key_;
 };
 
 // A set of entries, each with a number, that costs 16 bytes a slot whatever their length: it keeps
