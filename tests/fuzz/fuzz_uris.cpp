@@ -6,7 +6,6 @@
 #include <set>
 
 #include "components/block_lists/domain_name.h"
-#include "components/block_lists/registrable_domain.h"
 #include "components/block_lists/uri_finder.h"
 #include "core/text/list_entry.h"
 

@@ -1,31 +1,34 @@
 #include "components/block_lists/domain_name.h"
 
 #include <algorithm>
+#include <cstddef>
+
+#include <libpsl.h>
 
 #include "components/dns/ip_address.h"
+#include "core/text/domain_names.h"
 #include "core/text/text.h"
 
 namespace zrl {
 
 namespace {
 
-constexpr std::size_t longest_label = 63;
+// No registry has as many.
+constexpr int most_labels = 8;
 
-bool is_label_character(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
-}
+// Registries that the list counts as private, has not, or divides further. Sorted.
+constexpr std::string_view more_registries[] = {"ac.bw",  "ac.ru",  "com.ru", "edu.ru", "gov.bw",
+                                                "gov.mt", "int.ru", "msk.ru", "net.bw", "net.ru",
+                                                "org.ru", "pp.ru",  "sch.uk", "spb.ru"};
 
-bool is_label(std::string_view label) {
-  return !label.empty() && label.size() <= longest_label && std::ranges::all_of(label, is_label_character);
-}
-
-bool has_labels(std::string_view name) {
-  std::size_t dot = 0;
-  while ((dot = name.find('.')) != name.npos) {
-    if (!is_label(name.substr(0, dot))) return false;
-    name.remove_prefix(dot + 1);
+// Where the last `count` labels of a name begin; 0 if it has no more.
+std::size_t begin_of_labels(std::string_view name, int count) {
+  std::size_t end = name.size();
+  for (; count > 0; --count) {
+    end = name.substr(0, end).rfind('.');
+    if (end == name.npos) return 0;
   }
-  return is_label(name);
+  return end + 1;
 }
 
 }  // namespace
@@ -33,9 +36,24 @@ bool has_labels(std::string_view name) {
 std::string domain_name(std::string_view text) {
   std::string_view name = trim(text);
   if (name.ends_with('.')) name.remove_suffix(1);
-  if (name.size() > longest_domain_name) return {};
-  std::string small = lower(name);
-  return has_labels(small) ? small : std::string();
+  return is_domain_name(name) ? lower(name) : std::string();
+}
+
+std::string_view registrable_domain(std::string_view host) {
+  if (std::ranges::binary_search(more_registries, host.substr(begin_of_labels(host, 2)))) {
+    const std::size_t begin = begin_of_labels(host, 3);
+    return begin == begin_of_labels(host, 2) ? std::string_view() : host.substr(begin);
+  }
+  const std::string name(host);
+  std::size_t before = begin_of_labels(host, most_labels);
+  for (std::size_t begin = before;; ++begin) {
+    if (psl_is_public_suffix2(psl_builtin(), name.c_str() + begin, PSL_TYPE_ICANN) != 0) {
+      return begin == 0 ? std::string_view() : host.substr(before);
+    }
+    before = begin;
+    begin = name.find('.', begin);
+    if (begin == name.npos) return {};
+  }
 }
 
 std::string reversed_address(std::string_view text) {

@@ -8,7 +8,7 @@
 #include <unordered_set>
 
 #include "components/block_lists/domain_name.h"
-#include "components/block_lists/registrable_domain.h"
+#include "core/text/ascii.h"
 #include "core/text/list_entry.h"
 #include "core/text/text.h"
 
@@ -20,20 +20,12 @@ constexpr int hexadecimal = 16;
 constexpr int decimal = 10;
 constexpr int octal = 8;
 
-bool is_letter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 bool is_ascii(char c) {
   return static_cast<unsigned char>(c) < 0x80;
 }
 
-bool is_name_begin(char c) {
-  return is_letter(c) || (c >= '0' && c <= '9');
-}
-
 bool is_host_character(char c) {
-  return is_name_begin(c) || c == '-' || c == '_' || c == '.';
+  return is_letter_or_digit(c) || c == '-' || c == '_' || c == '.';
 }
 
 bool is_slash(char c) {
@@ -131,8 +123,7 @@ std::string address_of(std::string_view host) {
 // Whether the last label can be that of a top-level domain.
 bool has_top_level(std::string_view name) {
   const std::string_view last = name.substr(name.rfind('.') + 1);
-  return last.starts_with("xn--") ||
-         (last.size() >= 2 && std::ranges::all_of(last, [](char c) { return is_letter(c); }));
+  return last.starts_with("xn--") || (last.size() >= 2 && std::ranges::all_of(last, is_letter));
 }
 
 // Files are named in texts as often as hosts are.
@@ -244,7 +235,7 @@ class Scanner {
   static void add_domain(std::string_view name, Names& names) {
     if (!has_top_level(name)) return;
     const std::string_view domain = registrable_domain(name);
-    if (!domain.empty() && is_name_begin(domain.front())) names.add(std::string(domain));
+    if (!domain.empty() && is_letter_or_digit(domain.front())) names.add(std::string(domain));
   }
 
   // A word may hold several names, with an ellipsis between them; hyphens begin items of lists.

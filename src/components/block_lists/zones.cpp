@@ -7,7 +7,8 @@
 
 #include "components/block_lists/domain_name.h"
 #include "components/dns/dns_answers.h"
-#include "core/text/text.h"
+#include "core/text/domain_names.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -51,7 +52,7 @@ Verdict verdict_on(const DnsQueries::Reply& reply) {
 
 // Operators' texts can be anything.
 std::string quoted(std::string_view entry) {
-  return "\"" + valid_utf8(entry.substr(0, longest_quotation)) + "\"";
+  return "\"" + beginning_of(entry, longest_quotation) + "\"";
 }
 
 void report_left_out(const BlockListSettings& settings, Literal table, std::size_t count,

@@ -98,6 +98,11 @@ TEST(UriFinderTest, ReducesToTheRegisteredDomain) {
       {"http://www.shop.uk http://a.co.com http://b.co.de", "shop.uk co.com co.de"},
       {"http://co.uk/ http://.co.uk/", ""},
       {"http://shop.com.aa/ http://shop.com.zz http://x.shop.co.zw", "com.aa com.zz shop.co.zw"},
+      {"http://x.shop.msk.ru http://msk.ru http://x.shop.ac.bw http://x.shop.sch.uk",
+       "shop.msk.ru shop.ac.bw shop.sch.uk"},
+      {"http://x.a.gov.zw http://x.city.kawasaki.jp http://y.x.b.kawasaki.jp",
+       "a.gov.zw city.kawasaki.jp x.b.kawasaki.jp"},
+      {"http://a.b.blogspot.com http://1.2.3.4.5.6.7.8.9.shop.net.ua", "blogspot.com shop.net.ua"},
   });
 }
 
