@@ -1,7 +1,7 @@
 #include <malloc.h>
 
 #include "core/contracts/mail_message.h"
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 #include "pages/installed.h"
 #include "pages/logs/monitor_page.h"
 

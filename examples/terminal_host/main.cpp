@@ -8,7 +8,7 @@
 #include <thread>
 
 #include <catalogue/catalogue.h>
-#include <core/text/text.h>
+#include <core/text/printable.h>
 #include <host/composition.h>
 #include <host/folder.h>
 

@@ -4,7 +4,7 @@
 
 #include "core/console.h"
 #include "core/contracts/registry.h"
-#include "core/text/paths.h"
+#include "core/text/files.h"
 #include "core/text/text.h"
 
 namespace zrl {

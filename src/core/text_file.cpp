@@ -4,8 +4,9 @@
 
 #include "core/console.h"
 #include "core/text/error.h"
+#include "core/text/files.h"
 #include "core/text/paths.h"
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -33,21 +34,6 @@ bool write_text_file(Console& console, std::string_view folder, std::string_view
     std::filesystem::create_directories(target.parent_path());
     replace_file(target, to_us_ascii(text));
   });
-}
-
-std::string to_us_ascii(std::string_view text) {
-  const std::string valid = valid_utf8(text);
-  std::string result;
-  result.reserve(valid.size());
-  for (const char c : valid) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      result += c;
-    } else if (byte >= 0xC0) {
-      result += '?';
-    }
-  }
-  return result;
 }
 
 }  // namespace zrl

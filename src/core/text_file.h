@@ -14,8 +14,4 @@ class Console;
 bool write_text_file(Console& console, std::string_view folder, std::string_view file_name,
                      std::string_view text);
 
-// `text`, which is UTF-8, with "?" for each character beyond US-ASCII and for each byte that belongs to
-// none.
-std::string to_us_ascii(std::string_view text);
-
 }  // namespace zrl

@@ -4,7 +4,7 @@
 
 #include "core/contracts/database.h"
 #include "core/text/error.h"
-#include "core/text/paths.h"
+#include "core/text/files.h"
 #include "host/version.h"
 
 namespace zrl {

@@ -1,6 +1,6 @@
 #include "host/form_json.h"
 
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 

@@ -2,14 +2,15 @@
 
 #include <algorithm>
 
+#include "core/text/domain_names.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
 namespace {
 
 constexpr std::size_t header_size = 12;
-constexpr std::size_t longest_label = 63;
 constexpr std::size_t longest_name = 255;
 constexpr std::uint8_t pointer_mark = 192;
 constexpr std::uint16_t class_internet = 1;
@@ -21,24 +22,17 @@ void append16(std::vector<std::uint8_t>& out, unsigned value) {
   out.push_back(static_cast<std::uint8_t>(value & 0xFF));
 }
 
-bool append_label(std::vector<std::uint8_t>& out, std::string_view label) {
-  if (label.empty() || label.size() > longest_label) return false;
-  out.push_back(static_cast<std::uint8_t>(label.size()));
-  out.insert(out.end(), label.begin(), label.end());
-  return true;
-}
-
 bool append_name(std::vector<std::uint8_t>& out, std::string_view name) {
-  const std::size_t begin = out.size();
   if (name.ends_with('.')) name.remove_suffix(1);
-  std::size_t dot = 0;
-  do {
-    dot = name.find('.');
-    if (!append_label(out, name.substr(0, dot))) return false;
-    name.remove_prefix(dot == name.npos ? name.size() : dot + 1);
-  } while (dot != name.npos);
+  if (!has_dns_lengths(name)) return false;
+  for (std::size_t begin = 0; begin <= name.size();) {
+    const std::string_view label = name.substr(begin, name.find('.', begin) - begin);
+    out.push_back(static_cast<std::uint8_t>(label.size()));
+    out.insert(out.end(), label.begin(), label.end());
+    begin += label.size() + 1;
+  }
   out.push_back(0);
-  return out.size() - begin <= longest_name;
+  return true;
 }
 
 // Fixed fields read one behind the other; reading beyond the end yields zeros and fails for good.

@@ -4,7 +4,7 @@
 
 #include "core/console.h"
 #include "core/text/error.h"
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 

@@ -2,8 +2,8 @@
 
 #include "core/text/error.h"
 #include "core/text/paths.h"
-#include "core/text/script_content.h"
 #include "core/text/text.h"
+#include "core/text/utf16.h"
 #include "core/text_file.h"
 #include "pages/lists/remote_update.h"
 
@@ -138,7 +138,7 @@ void ScriptEnginePage::read_script() {
   const auto record = open(script_row(current_script_), Connection::Access::read_only);
   if (!record || record->at_end()) return;
   read_rows("scriptcontent",
-            [&] { scriptsource.set_text(from_script_content(record->bytes("scriptcontent"))); });
+            [&] { scriptsource.set_text(from_utf16_bytes(record->bytes("scriptcontent"))); });
   read_rows("sposition", [&] {
     if (!record->is_null("sposition")) sposition.set_text(record->text("sposition"));
   });
@@ -187,8 +187,7 @@ void ScriptEnginePage::store() {
     });
   };
   if (found) {
-    write("scriptcontent",
-          [&] { record->set_bytes("scriptcontent", to_script_content(scriptsource.text())); });
+    write("scriptcontent", [&] { record->set_bytes("scriptcontent", to_utf16_bytes(scriptsource.text())); });
     write("sposition", [&] { record->set_text("sposition", upper(sposition.text())); });
     write("svisible", [&] { record->set_number("svisible", svisible.value()); });
   }

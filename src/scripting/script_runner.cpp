@@ -5,8 +5,9 @@
 #include <utility>
 
 #include "core/text/error.h"
-#include "core/text/script_content.h"
 #include "core/text/text.h"
+#include "core/text/utf16.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -122,7 +123,7 @@ void ScriptRunner::load_rows(RecordSet* rows) {
 }
 
 void ScriptRunner::load_row(RecordSet& row) {
-  const std::string content = from_script_content(row.bytes("scriptcontent"));
+  const std::string content = from_utf16_bytes(row.bytes("scriptcontent"));
   const Script& script =
       scripts_.emplace_back(Script{std::string(row.text("scriptname")), std::string(row.text("sposition"))});
   script_step("AddCode", script.name, [&] { script_host_.add_code(script.name, content); });

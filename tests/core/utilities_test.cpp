@@ -13,6 +13,7 @@
 #include "core/html_text.h"
 #include "core/pattern_matcher.h"
 #include "core/text/error.h"
+#include "core/text/files.h"
 #include "core/text/paths.h"
 #include "core/text_file.h"
 #include "support/fake_components.h"

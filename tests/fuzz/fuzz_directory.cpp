@@ -7,6 +7,7 @@
 #include "components/directory/mail_address.h"
 #include "core/contracts/statement.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string value(reinterpret_cast<const char*>(data), size);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 #include "net/dns_message.h"
 #include "net/ip_utilities.h"
 

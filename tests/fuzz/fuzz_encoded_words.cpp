@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "core/text/encoded_words.h"
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view header(reinterpret_cast<const char*>(data), size);

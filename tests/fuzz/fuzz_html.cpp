@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "components/html/html_text_converter.h"
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const auto converter = zrl::make_html_converter_factory()();

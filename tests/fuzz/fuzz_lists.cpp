@@ -11,6 +11,7 @@
 #include "components/sqlite/list_reader.h"
 #include "core/text/error.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace {
 

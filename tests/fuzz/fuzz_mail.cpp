@@ -8,7 +8,7 @@
 
 #include "components/mail/mail_reader.h"
 #include "components/mail/mail_writer.h"
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include "components/downloader/published_scripts.h"
 #include "core/contracts/statement.h"
 #include "core/text/error.h"
-#include "core/text/script_content.h"
-#include "core/text/text.h"
+#include "core/text/utf16.h"
+#include "core/text/utf8.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       const bool sound = !script.name.empty() && names.insert(script.name).second &&
                          zrl::insert_into("scriptengine", "scriptname", script.name).fault().empty() &&
                          zrl::is_valid_utf8(script.content) && zrl::is_valid_utf8(script.position) &&
-                         zrl::to_script_content(script.content).size() % 2 == 0;
+                         zrl::to_utf16_bytes(script.content).size() % 2 == 0;
       if (!sound) std::abort();
     }
   } catch (const zrl::Error&) {  // refused

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 #include "host/web/offered_files.h"
 #include "host/web/uploads.h"
 

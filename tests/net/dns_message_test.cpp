@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 #include "support/dns_server.h"
 
 namespace zrl {

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/text/paths.h"
+#include "core/text/files.h"
 #include "scripting/script_table.h"
 #include "support/fake_update_server.h"
 #include "support/shown_page.h"

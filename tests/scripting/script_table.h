@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/text/script_content.h"
+#include "core/text/utf16.h"
 
 namespace zrl::test {
 
@@ -32,7 +32,7 @@ class ScriptTable : public Installed {
            std::string_view source) {
     conn->execute(insert_into("scriptengine", "scriptname", name));
     const auto row = row_of(name);
-    row->set_bytes("scriptcontent", to_script_content(source));
+    row->set_bytes("scriptcontent", to_utf16_bytes(source));
     row->set_text("sposition", position);
     row->set_number("prio", priority);
     row->set_number("svisible", visible);
@@ -50,7 +50,7 @@ class ScriptTable : public Installed {
     if (row->at_end()) return "none";
     std::string result(row->text("sposition"));
     return result + " " + std::to_string(row->number("svisible")) + ": " +
-           from_script_content(row->bytes("scriptcontent"));
+           from_utf16_bytes(row->bytes("scriptcontent"));
   }
 
   std::vector<std::string> lines_of(const std::filesystem::path& file) const {

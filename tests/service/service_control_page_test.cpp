@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "core/text/paths.h"
+#include "core/text/files.h"
 #include "support/fake_service_manager.h"
 #include "support/service_environment.h"
 #include "support/shown_page.h"

@@ -3,6 +3,7 @@
 #include "core/text/error.h"
 #include "core/text/list_entry.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "components/checks/check_components.h"
 #include "components/checks/keyword_lists.h"
 #include "components/checks/keyword_search.h"
@@ -11,14 +9,9 @@ namespace zrl {
 
 namespace {
 
-constexpr std::ptrdiff_t longest_subject = 110;  // characters
+constexpr std::size_t longest_subject = 110;  // characters
 // A smaller number in the option "subjectspace" switches its rule off.
 constexpr int least_blanks = 3;
-
-// Of a text in UTF-8: the bytes that don't continue a character.
-std::ptrdiff_t characters(std::string_view text) {
-  return std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; });
-}
 
 class SubjectCheck : public CheckPlugin {
  public:
@@ -62,7 +55,7 @@ class SubjectCheck : public CheckPlugin {
   }
 
   std::string_view broken_rule(std::string_view subject) const {
-    if (refuses_long_ && characters(subject) > longest_subject) return replies::subject_too_long;
+    if (refuses_long_ && character_count(subject) > longest_subject) return replies::subject_too_long;
     if (refuses_empty_ && subject.empty()) return replies::subject_empty;
     const bool counts_blanks = blanks_ >= least_blanks;
     if (counts_blanks && longest_run_of_blanks(subject) >= static_cast<std::size_t>(blanks_)) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "core/text/text.h"
-#include "core/text/text_lines.h"
 
 namespace zrl {
 

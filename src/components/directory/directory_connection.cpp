@@ -6,7 +6,9 @@
 #include <sys/time.h>
 
 #include "core/text/error.h"
+#include "core/text/printable.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -210,7 +212,7 @@ void DirectoryConnection::fail(int code, const std::string& text) const {
   watch_.rethrow();
   if (watch_.is_late()) code = LDAP_TIMEOUT;
   std::string message = "the directory server " + url_ + ": " + ldap_err2string(code);
-  if (!text.empty()) message += ": " + printable(std::string_view(text).substr(0, longest_text));
+  if (!text.empty()) message += ": " + printable(cut_between_characters(text, longest_text));
   throw Error(code, message);
 }
 

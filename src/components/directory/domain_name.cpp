@@ -1,29 +1,19 @@
 #include "components/directory/domain_name.h"
 
-#include <algorithm>
 #include <memory>
 #include <string_view>
 
 #include <ldap.h>
 
+#include "core/text/domain_names.h"
 #include "core/text/text.h"
 
 namespace zrl {
 
 namespace {
 
-constexpr std::size_t longest_label = 63;
-constexpr std::size_t longest_name = 253;
-
 std::string_view view(const berval& value) {
   return {value.bv_val == nullptr ? "" : value.bv_val, value.bv_len};
-}
-
-bool is_label(std::string_view text) {
-  const auto fits = [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
-  };
-  return !text.empty() && text.size() <= longest_label && std::all_of(text.begin(), text.end(), fits);
 }
 
 // The label of one part of a name; empty if it is no domain component.
@@ -48,7 +38,7 @@ std::string domain_of(const std::string& distinguished_name) {
     if (!result.empty()) result += '.';
     result += label;
   }
-  return result.size() <= longest_name ? lower(result) : std::string();
+  return result.size() <= longest_domain_name ? lower(result) : std::string();
 }
 
 }  // namespace zrl

@@ -1,6 +1,8 @@
 #include "components/directory/mail_address.h"
 
+#include "core/text/ascii.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -9,13 +11,6 @@ namespace {
 // What SMTP allows (RFC 5321): 64 for the name, 255 for the domain.
 constexpr std::size_t longest_address = 320;
 constexpr std::string_view prefix = "smtp:";
-
-bool has_controls(std::string_view text) {
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) return true;
-  }
-  return false;
-}
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "components/dns/caller_id_record.h"
+#include "core/text/domain_names.h"
 #include "core/text/text.h"
 
 namespace zrl {

@@ -7,8 +7,10 @@
 #include "components/dns/dns_answers.h"
 #include "components/dns/spf_check.h"
 #include "components/dns/spf_record.h"
+#include "core/text/domain_names.h"
 #include "core/text/error.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 

@@ -9,13 +9,6 @@
 
 namespace zrl {
 
-// Of a domain name in text form, without the dot at its end.
-inline constexpr std::size_t longest_name = 253;
-
-// Labels of 1 to 63 bytes, with dots between them, that are no longer than a name may be (RFC 1035,
-// section 2.3.4). A zero byte makes it no name.
-bool is_dns_name(std::string_view name);
-
 // What the DNS said. A name that is not there, and one without such records, find nothing.
 template <typename Record>
 struct Records {

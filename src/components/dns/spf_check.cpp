@@ -4,7 +4,9 @@
 #include <chrono>
 
 #include "components/dns/spf_record.h"
+#include "core/text/domain_names.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 

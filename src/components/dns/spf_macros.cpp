@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "components/dns/sender_lookups.h"
+#include "core/text/ascii.h"
+#include "core/text/domain_names.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -15,20 +16,10 @@ constexpr std::string_view delimiters = ".-+,/_=";
 // No name has more labels.
 constexpr std::size_t most_labels = 128;
 
-bool is_digit(char c) {
-  return c >= '0' && c <= '9';
-}
-bool is_letter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool is_alphanumeric(char c) {
-  return is_digit(c) || is_letter(c);
-}
-
 // toplabel = ( *alphanum ALPHA *alphanum ) / ( 1*alphanum "-" *( alphanum / "-" ) alphanum )
 bool is_top_label(std::string_view label) {
-  const auto fits = [](char c) { return is_alphanumeric(c) || c == '-'; };
-  return !label.empty() && is_alphanumeric(label.front()) && is_alphanumeric(label.back()) &&
+  const auto fits = [](char c) { return is_letter_or_digit(c) || c == '-'; };
+  return !label.empty() && is_letter_or_digit(label.front()) && is_letter_or_digit(label.back()) &&
          std::ranges::all_of(label, fits) && !std::ranges::all_of(label, is_digit);
 }
 
@@ -44,7 +35,7 @@ std::string url_escaped(std::string_view text) {
   constexpr std::string_view digits = "0123456789ABCDEF";
   std::string result;
   for (const char c : text) {
-    if (is_alphanumeric(c) || std::string_view("-._~").find(c) != std::string_view::npos) {
+    if (is_letter_or_digit(c) || std::string_view("-._~").find(c) != std::string_view::npos) {
       result += c;
     } else {
       const auto byte = static_cast<unsigned char>(c);
@@ -163,8 +154,8 @@ std::string MacroString::expand(const Values& value) const {
 std::string MacroString::expand_to_name(const Values& value) const {
   std::string name = expand(value);
   if (name.ends_with('.')) name.pop_back();
-  if (name.size() <= longest_name) return name;
-  const std::size_t dot = name.find('.', name.size() - longest_name - 1);
+  if (name.size() <= longest_domain_name) return name;
+  const std::size_t dot = name.find('.', name.size() - longest_domain_name - 1);
   return dot == name.npos ? std::string() : name.substr(dot + 1);
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 

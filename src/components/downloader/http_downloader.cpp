@@ -5,8 +5,8 @@
 
 #include "components/downloader/downloaded_file.h"
 #include "core/text/error.h"
-#include "core/text/paths.h"
-#include "core/text/script_content.h"
+#include "core/text/files.h"
+#include "core/text/utf16.h"
 
 namespace zrl {
 
@@ -77,7 +77,7 @@ void replace(Connection& connection, const PublishedScript& script) {
     connection.execute(insert_into("scriptengine", "scriptname", script.name));
     row = row_of(connection, script);
   }
-  row->set_bytes("scriptcontent", to_script_content(script.content));
+  row->set_bytes("scriptcontent", to_utf16_bytes(script.content));
   row->set_text("sposition", script.position);
   row->set_number("prio", script.priority);
   row->set_number("svisible", script.visible);
@@ -97,7 +97,7 @@ std::string HttpDownloader::updateall() {
   std::error_code failure;
   fs::create_directories(folder, failure);
   if (failure) throw Error(failure.value(), folder.string() + ": " + failure.message());
-  DownloadedFile::remove_leftovers(folder);
+  NewFile::remove_leftovers(folder);
 
   std::vector<std::unique_ptr<DownloadedFile>> files;
   std::vector<FetchJob> jobs;

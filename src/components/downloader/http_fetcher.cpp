@@ -13,7 +13,9 @@
 
 #include "components/downloader/gzip_decoder.h"
 #include "core/text/error.h"
+#include "core/text/printable.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -126,7 +128,7 @@ class Transfer {
 
   void fail(std::string_view reason) {
     job_.outcome = FetchJob::Outcome::failed;
-    job_.reason = printable(reason.substr(0, longest_reason));
+    job_.reason = printable(cut_between_characters(reason, longest_reason));
   }
 
  private:

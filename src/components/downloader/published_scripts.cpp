@@ -5,8 +5,11 @@
 #include <limits>
 #include <set>
 
+#include "core/text/ascii.h"
 #include "core/text/error.h"
+#include "core/text/printable.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -16,8 +19,6 @@ namespace json = boost::json;
 
 constexpr std::size_t longest_name = 255;
 constexpr std::size_t deepest_nesting = 8;
-constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-
 [[noreturn]] void refuse(const std::string& why) {
   throw Error(EINVAL, "the file of scripts is not valid: " + why);
 }
@@ -44,9 +45,7 @@ class Reader {
     script.visible = number("svisible");
     if (script.content.find('\0') != script.content.npos) fail("scriptcontent holds a zero byte");
     if (script.position.size() > longest_name || !is_plain(script.position)) fail("sposition is not valid");
-    for (char& c : script.position) {
-      if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    }
+    script.position = upper(script.position);
     return script;
   }
 
@@ -56,12 +55,7 @@ class Reader {
   }
 
   // Nothing that would end a text inside a statement, and nothing that nobody can type.
-  static bool is_plain(std::string_view text) {
-    for (const char c : text) {
-      if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F || c == '\'') return false;
-    }
-    return true;
-  }
+  static bool is_plain(std::string_view text) { return !has_controls(text) && text.find('\'') == text.npos; }
 
   std::string name() const {
     std::string result = text("scriptname", nullptr);

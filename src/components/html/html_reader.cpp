@@ -8,7 +8,10 @@
 #include <libxml/HTMLparser.h>
 #include <libxml/parserInternals.h>
 
+#include "core/text/ascii.h"
+#include "core/text/character_sets.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -47,33 +50,20 @@ bool is_one_of(const std::array<std::string_view, size>& sorted, std::string_vie
   return std::binary_search(sorted.begin(), sorted.end(), name);
 }
 
-bool is_letter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool is_digit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 constexpr std::string_view name_ends = " \t\r\n\f/>";
 // Of those that mean something.
 constexpr std::size_t longest_name = 16;
 constexpr std::size_t longest_entity = 8;
 
-// Numbers of the control characters that authors take from Windows-1252.
-constexpr std::array<char16_t, 32> windows_1252 = {
-    0x20AC, 0x81,   0x201A, 0x192,  0x201E, 0x2026, 0x2020, 0x2021, 0x2C6,  0x2030, 0x160,
-    0x2039, 0x152,  0x8D,   0x17D,  0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x2DC,  0x2122, 0x161,  0x203A, 0x153,  0x9D,   0x17E,  0x178};
-
 constexpr std::uint32_t no_break_space = 0xA0;
 constexpr std::uint32_t beyond_unicode = 0x110000;
 
+// Numbers of control characters are those that authors take from Windows-1252.
 std::string utf8_of(std::uint32_t c) {
-  if (c >= 0x80 && c < 0xA0) c = windows_1252[c - 0x80];
-  if (c == 0 || (c >= 0xD800 && c < 0xE000) || c >= beyond_unicode) c = 0xFFFD;
-  std::array<char, 5> bytes{};
-  const int length = xmlCopyChar(0, reinterpret_cast<xmlChar*>(bytes.data()), static_cast<int>(c));
-  return {bytes.data(), static_cast<std::size_t>(length)};
+  if (c <= 0xFF) c = windows_1252_character(static_cast<unsigned char>(c));
+  std::string result;
+  append_character(result, c == 0 ? U'\xFFFD' : static_cast<char32_t>(c));
+  return result;
 }
 
 }  // namespace
@@ -112,14 +102,12 @@ void HtmlReader::entity(std::string_view& part) {
     end = std::min(part.find_first_not_of(digits, begin), part.size());
     if (end == begin) end = 1;
     for (std::size_t i = begin; i < end && character < beyond_unicode; ++i) {
-      const auto digit =
-          static_cast<std::uint32_t>(is_digit(part[i]) ? part[i] - '0' : (part[i] | 0x20) - 'a' + 10);
+      const auto digit = static_cast<std::uint32_t>(hex_value(part[i]));
       character = character * (is_hex ? 16 : 10) + digit;
     }
   } else {
     std::size_t name_end = 1;
-    while (name_end < part.size() && name_end <= longest_entity &&
-           (is_letter(part[name_end]) || is_digit(part[name_end]))) {
+    while (name_end < part.size() && name_end <= longest_entity && is_letter_or_digit(part[name_end])) {
       ++name_end;
     }
     const std::string name(part.substr(1, name_end - 1));

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "components/html/html_reader.h"
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 

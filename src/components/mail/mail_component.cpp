@@ -9,7 +9,7 @@
 #include "components/mail/smtp_delivery.h"
 #include "core/text/error.h"
 #include "core/text/mail_address.h"
-#include "core/text/text.h"
+#include "core/text/printable.h"
 
 namespace zrl {
 

@@ -7,9 +7,11 @@
 #include "components/mail/body_text.h"
 #include "components/mail/mime_library.h"
 #include "components/mail/mime_structure.h"
+#include "core/text/ascii.h"
 #include "core/text/encoded_words.h"
 #include "core/text/mail_address.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -18,20 +20,11 @@ namespace {
 constexpr int deepest_nesting = 20;
 constexpr int most_parts = 10'000;
 
-bool is_control(char c) {
-  return (c >= '\0' && c < ' ') || c == '\x7F';
-}
-
 // One line of valid UTF-8, cut between characters.
 std::string one_line(std::string_view text, std::size_t limit) {
   std::string result = valid_utf8(text);
   std::ranges::replace_if(result, is_control, ' ');
-  if (result.size() > limit) {
-    std::size_t end = limit;
-    while (end > 0 && (static_cast<unsigned char>(result[end]) & 0xC0) == 0x80) --end;
-    result.resize(end);
-  }
-  return std::string(trim(result));
+  return std::string(trim(cut_between_characters(result, limit)));
 }
 
 // What the library takes for the end of a text is none in a mail.

@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "components/mail/mime_library.h"
+#include "core/text/ascii.h"
 #include "core/text/base64.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -77,7 +79,7 @@ MimeRef<GMimeObject> body_part(const Mail& mail) {
 
 std::string one_line(std::string_view subject) {
   std::string result = valid_utf8(subject);
-  std::ranges::replace_if(result, [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; }, ' ');
+  std::ranges::replace_if(result, is_control, ' ');
   return std::string(trim(result));
 }
 
@@ -92,11 +94,10 @@ bool is_plain(std::string_view text) {
 std::string encoded_words(std::string_view text) {
   std::string result;
   while (!text.empty()) {
-    std::size_t size = std::min(text.size(), bytes_in_word);
-    while (size < text.size() && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) --size;
+    const std::string_view piece = cut_between_characters(text, bytes_in_word);
     if (!result.empty()) result += "\n ";
-    result.append("=?utf-8?B?").append(base64_encode(text.substr(0, size))).append("?=");
-    text.remove_prefix(size);
+    result.append("=?utf-8?B?").append(base64_encode(piece)).append("?=");
+    text.remove_prefix(piece.size());
   }
   return result;
 }

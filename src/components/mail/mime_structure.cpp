@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "core/text/text.h"
-#include "core/text/text_lines.h"
 
 namespace zrl {
 

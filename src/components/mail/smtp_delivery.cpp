@@ -12,6 +12,7 @@
 #include <signal.h>
 
 #include "core/text/error.h"
+#include "core/text/printable.h"
 #include "core/text/text.h"
 
 namespace zrl {

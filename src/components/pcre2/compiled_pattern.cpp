@@ -4,7 +4,7 @@
 #include <new>
 
 #include "core/text/error.h"
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -19,16 +19,7 @@ constexpr std::size_t longest_pattern = 65536;  // characters
 std::u32string characters_of(std::string_view pattern) {
   if (pattern.size() > 4 * longest_pattern) fail();
   std::u32string result;
-  for (const char c : valid_utf8(pattern)) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      result += static_cast<char32_t>(byte);
-    } else if (byte < 0xC0) {
-      result.back() = (result.back() << 6) | (byte & 0x3Fu);
-    } else {
-      result += static_cast<char32_t>(byte & (byte < 0xE0 ? 0x1Fu : byte < 0xF0 ? 0x0Fu : 0x07u));
-    }
-  }
+  while (!pattern.empty()) result += take_character(pattern);
   return result;
 }
 

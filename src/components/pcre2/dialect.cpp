@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/text/error.h"
+#include "core/text/utf16.h"
 
 namespace zrl {
 
@@ -51,14 +52,8 @@ bool is_octal(char32_t c) {
 bool is_letter(char32_t c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
-bool is_high_surrogate(char32_t c) {
-  return c >= 0xD800 && c <= 0xDBFF;
-}
-bool is_low_surrogate(char32_t c) {
-  return c >= 0xDC00 && c <= 0xDFFF;
-}
 bool is_surrogate(char32_t c) {
-  return c >= 0xD800 && c <= 0xDFFF;
+  return is_high_surrogate(c) || is_low_surrogate(c);
 }
 
 std::optional<char32_t> hex_value(char32_t c) {
@@ -425,7 +420,7 @@ char32_t Translator::unicode_escape() {
   const std::u32string_view before = rest_;
   if (take('\\') && take('u')) {
     const std::optional<char32_t> second = hex(4);
-    if (second && is_low_surrogate(*second)) return 0x10000 + ((*first - 0xD800) << 10) + (*second - 0xDC00);
+    if (second && is_low_surrogate(*second)) return character_of_pair(*first, *second);
   }
   rest_ = before;
   return *first;

@@ -8,68 +8,11 @@
 
 #include "components/pcre2/searcher.h"
 #include "core/text/error.h"
-#include "core/text/text.h"
+#include "core/text/utf16.h"
 
 namespace zrl {
 
 namespace {
-
-std::u16string to_units(std::string_view utf8) {
-  std::u16string result;
-  char32_t character = 0;
-  int more = 0;
-  for (const char c : valid_utf8(utf8)) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      character = byte;
-    } else if (byte < 0xC0) {
-      character = (character << 6) | (byte & 0x3Fu);
-      --more;
-    } else {
-      more = byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
-      character = byte & (0x3Fu >> more);
-    }
-    if (more > 0) continue;
-    if (character >= 0x10000) {
-      result += static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
-      character = 0xDC00 + (character & 0x3FF);
-    }
-    result += static_cast<char16_t>(character);
-  }
-  return result;
-}
-
-void append_utf8(std::string& result, char32_t c) {
-  const auto put = [&](char32_t byte) { result += static_cast<char>(byte); };
-  if (c < 0x80) return put(c);
-  if (c < 0x800) {
-    put(0xC0 | (c >> 6));
-  } else {
-    if (c < 0x10000) {
-      put(0xE0 | (c >> 12));
-    } else {
-      put(0xF0 | (c >> 18));
-      put(0x80 | ((c >> 12) & 0x3F));
-    }
-    put(0x80 | ((c >> 6) & 0x3F));
-  }
-  put(0x80 | (c & 0x3F));
-}
-
-// Half a pair becomes U+FFFD, as it does in any text.
-std::string to_utf8(std::u16string_view units) {
-  std::string result;
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    char32_t c = units[i];
-    if (c >= 0xD800 && c <= 0xDFFF) {
-      const bool pair =
-          c < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF;
-      c = pair ? 0x10000 + ((c - 0xD800) << 10) + (units[++i] - 0xDC00u) : 0xFFFD;
-    }
-    append_utf8(result, c);
-  }
-  return result;
-}
 
 // The compiled patterns of one width that were used last.
 template <typename Unit>
@@ -157,7 +100,7 @@ class Pcre2RegExp : public RegExp {
 
   bool find(std::u16string_view text, std::size_t from, RegExpMatch& match) override {
     if (!units16_ && utf8_) {
-      pattern16_ = to_units(pattern8_);
+      pattern16_ = to_utf16(pattern8_);
       units16_ = engines_->units16.patterns.get(pattern16_, options_);
     }
     return search(engines_->units16.searcher, units16_.get(), text, from, match);

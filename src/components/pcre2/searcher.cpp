@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+#include "core/text/utf8.h"
+
 namespace zrl {
 
 namespace {
@@ -54,17 +56,12 @@ int watch_clock(Block*, void* data) {
   return std::chrono::steady_clock::now() < guard.deadline ? 0 : PCRE2_ERROR_CALLOUT;
 }
 
-bool is_continuation(char unit) {
-  return (static_cast<unsigned char>(unit) & 0xC0) == 0x80;
-}
-bool is_continuation(char16_t) {
-  return false;
-}
-
 // Searches start between characters.
 template <typename Unit>
 std::size_t next_boundary(std::basic_string_view<Unit> text, std::size_t from) {
-  for (int i = 0; i < 3 && from < text.size() && is_continuation(text[from]); ++i) ++from;
+  if constexpr (sizeof(Unit) == 1) {
+    for (int i = 0; i < 3 && from < text.size() && is_continuation(text[from]); ++i) ++from;
+  }
   return from;
 }
 

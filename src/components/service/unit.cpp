@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include "core/text/ascii.h"
+#include "core/text/printable.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -12,13 +15,8 @@ constexpr std::string_view ending = ".service";
 constexpr std::size_t longest_name = 200;
 constexpr std::size_t longest_excerpt = 300;
 
-bool is_letter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 bool can_stand_in_name(char c) {
-  return is_letter(c) || (c >= '0' && c <= '9') ||
-         std::string_view(":-_.@").find(c) != std::string_view::npos;
+  return is_letter_or_digit(c) || std::string_view(":-_.@").find(c) != std::string_view::npos;
 }
 
 }  // namespace
@@ -54,7 +52,7 @@ Error unknown_service(std::string_view service) {
 
 std::string excerpt(std::string_view text) {
   const std::string_view said = trim(text);
-  return printable(trim(said.substr(0, std::min(said.find('\n'), longest_excerpt))));
+  return printable(trim(cut_between_characters(said.substr(0, said.find('\n')), longest_excerpt)));
 }
 
 }  // namespace zrl

@@ -8,30 +8,20 @@
 #include <unistd.h>
 
 #include "core/text/error.h"
+#include "core/text/files.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
 namespace {
 
 constexpr std::size_t buffer_size = 4 * ListReader::longest_line;
-constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-
-[[noreturn]] void fail(const std::filesystem::path& path, int code) {
-  throw Error(code, path.string() + ": " + std::strerror(code));
-}
-
-bool is_ascii(std::string_view text) {
-  unsigned char all = 0;
-  for (const char c : text) all = static_cast<unsigned char>(all | static_cast<unsigned char>(c));
-  return all < 0x80;
-}
-
 }  // namespace
 
 ListReader::ListReader(const std::filesystem::path& path)
     : path_(path), fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), buffer_(buffer_size) {
-  if (fd_ < 0) fail(path_, errno);
+  if (fd_ < 0) raise_file_error(path_, errno);
   struct stat status = {};
   if (::fstat(fd_, &status) == 0 && S_ISREG(status.st_mode)) {
     fingerprint_ = fingerprint();
@@ -51,14 +41,14 @@ bool ListReader::next(std::string_view& entry) {
     entry = trim(line);
     if (entry.empty()) continue;
     if (std::memchr(entry.data(), '\0', entry.size()) != nullptr) refuse("holds a zero byte");
-    if (!is_ascii(entry) && !is_valid_utf8(entry)) entry = repaired_ = valid_utf8(entry);
+    if (!is_valid_utf8(entry)) entry = repaired_ = valid_utf8(entry);
     return true;
   }
   return false;
 }
 
 void ListReader::rewind() {
-  if (::lseek(fd_, 0, SEEK_SET) < 0) fail(path_, errno);
+  if (::lseek(fd_, 0, SEEK_SET) < 0) raise_file_error(path_, errno);
   if (fingerprint() != fingerprint_) throw Error(EAGAIN, path_.string() + ": the file is being written");
   begin_ = end_ = 0;
   line_ = 0;
@@ -94,7 +84,7 @@ bool ListReader::fill() {
   do {
     got = ::read(fd_, buffer_.data() + end_, buffer_.size() - end_);
   } while (got < 0 && errno == EINTR);
-  if (got < 0) fail(path_, errno);
+  if (got < 0) raise_file_error(path_, errno);
   end_ += static_cast<std::size_t>(got);
   return got > 0;
 }
@@ -105,7 +95,7 @@ void ListReader::refuse(const char* why) const {
 
 std::string ListReader::fingerprint() const {
   struct stat status = {};
-  if (::fstat(fd_, &status) != 0) fail(path_, errno);
+  if (::fstat(fd_, &status) != 0) raise_file_error(path_, errno);
   return std::to_string(status.st_size) + "/" + std::to_string(status.st_mtim.tv_sec) + "/" +
          std::to_string(status.st_mtim.tv_nsec);
 }

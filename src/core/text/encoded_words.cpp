@@ -1,16 +1,13 @@
 #include "core/text/encoded_words.h"
 
-#include <cerrno>
 #include <cstddef>
-#include <cstdint>
 #include <map>
-#include <memory>
 #include <optional>
 #include <vector>
 
-#include <iconv.h>
-
+#include "core/text/ascii.h"
 #include "core/text/base64.h"
+#include "core/text/character_sets.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -18,27 +15,15 @@ namespace zrl {
 namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
-constexpr std::size_t longest_charset = 40;
+constexpr std::size_t longest_charset = CharacterSet::longest_name;
 // Looking for a character set may read files; no honest header names more.
-constexpr std::size_t most_charsets = 8;
+constexpr int most_charsets = 8;
 
 struct EncodedWord {
   std::string charset;  // lower-case
   std::string bytes;
   std::size_t length;  // in the header
 };
-
-bool is_charset_character(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-' || c == '_' ||
-         c == '.' || c == ':' || c == '+' || c == '(' || c == ')';
-}
-
-int hex_value(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
 
 std::string decode_q(std::string_view text) {
   std::string result;
@@ -69,7 +54,7 @@ std::optional<std::size_t> end_of_word(std::string_view text, std::size_t begin)
 std::optional<EncodedWord> parse_word(std::string_view text) {
   if (!text.starts_with("=?")) return std::nullopt;
   std::size_t at = 2;
-  while (at < text.size() && at - 2 <= longest_charset && is_charset_character(text[at])) ++at;
+  while (at < text.size() && at - 2 <= longest_charset && CharacterSet::is_name_character(text[at])) ++at;
   const std::string_view charset = text.substr(2, at - 2);
   if (charset.empty() || charset.size() > longest_charset) return std::nullopt;
   if (at < text.size() && text[at] == '*') {  // a language follows (RFC 2231)
@@ -86,46 +71,6 @@ std::optional<EncodedWord> parse_word(std::string_view text) {
   const std::string_view encoded = text.substr(begin, *end - begin);
   return EncodedWord{lower(charset), is_b ? base64_decode(encoded) : decode_q(encoded), *end + 2};
 }
-
-// A conversion to UTF-8 of the C library.
-class Converter {
- public:
-  explicit Converter(const std::string& charset) : handle_(::iconv_open("UTF-8", charset.c_str())) {}
-  Converter(const Converter&) = delete;
-  Converter& operator=(const Converter&) = delete;
-  ~Converter() {
-    if (usable()) ::iconv_close(handle_);
-  }
-
-  std::optional<std::string> operator()(std::string_view bytes) {
-    if (!usable()) return std::nullopt;
-    ::iconv(handle_, nullptr, nullptr, nullptr, nullptr);
-    std::string result;
-    char* in = const_cast<char*>(bytes.data());  // it is only read
-    std::size_t left = bytes.size();
-    // The last round lets the conversion give what it has held back.
-    for (bool last = false;;) {
-      char block[4096];
-      char* out = block;
-      std::size_t room = sizeof block;
-      const std::size_t done = ::iconv(handle_, last ? nullptr : &in, last ? nullptr : &left, &out, &room);
-      const bool full = done == static_cast<std::size_t>(-1) && errno == E2BIG;
-      const bool failed = done == static_cast<std::size_t>(-1) && !full;
-      if (failed || (full && room == sizeof block)) return std::nullopt;
-      result.append(block, sizeof block - room);
-      if (full) continue;
-      if (last) break;
-      last = true;
-    }
-    if (!is_valid_utf8(result)) return std::nullopt;
-    return result;
-  }
-
- private:
-  bool usable() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
-
-  iconv_t handle_;
-};
 
 class Decoder {
  public:
@@ -201,16 +146,12 @@ class Decoder {
   }
 
   std::optional<std::string> convert(std::string_view bytes) {
-    if (charset_ == "utf-8" || charset_ == "utf8") {
-      if (!is_valid_utf8(bytes)) return std::nullopt;
-      return std::string(bytes);
+    auto found = charsets_.find(charset_);
+    if (found == charsets_.end()) {
+      if (!CharacterSet::is_built_in(charset_) && ++looked_up_ > most_charsets) return std::nullopt;
+      found = charsets_.try_emplace(charset_, charset_).first;
     }
-    auto found = converters_.find(charset_);
-    if (found == converters_.end()) {
-      if (converters_.size() == most_charsets) return std::nullopt;
-      found = converters_.try_emplace(charset_, charset_).first;
-    }
-    return found->second(bytes);
+    return found->second.exact(bytes);
   }
 
   std::string_view rest_;
@@ -218,7 +159,8 @@ class Decoder {
   std::string charset_;
   std::string bytes_;
   std::vector<Held> words_;
-  std::map<std::string, Converter> converters_;
+  std::map<std::string, CharacterSet> charsets_;
+  int looked_up_ = 0;
   bool behind_decoded_ = false;
 };
 

@@ -4,7 +4,10 @@
 
 #include <arpa/inet.h>
 
+#include "core/text/ascii.h"
+#include "core/text/domain_names.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -12,12 +15,6 @@ namespace {
 
 constexpr std::size_t longest_address = 254;
 constexpr std::size_t longest_local_part = 64;
-constexpr std::size_t longest_domain = 253;
-constexpr std::size_t longest_label = 63;
-
-bool is_letter_or_digit(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
 
 bool is_atom_character(char c) {
   return is_letter_or_digit(c) ||
@@ -41,16 +38,6 @@ bool is_local_part(std::string_view text) {
          });
 }
 
-// An underscore is not for host names, but some have one.
-bool is_label(std::string_view text) {
-  return !text.empty() && text.size() <= longest_label && text.front() != '-' && text.back() != '-' &&
-         std::ranges::all_of(text, [](char c) { return is_letter_or_digit(c) || c == '-' || c == '_'; });
-}
-
-bool is_domain(std::string_view text) {
-  return text.size() <= longest_domain && all_pieces(text, is_label);
-}
-
 bool is_ip(int family, std::string_view text) {
   unsigned char bytes[sizeof(in6_addr)];
   const std::string terminated(text);
@@ -66,10 +53,6 @@ bool is_address_literal(std::string_view text) {
   constexpr std::string_view version_6 = "ipv6:";
   if (!lower(text.substr(0, version_6.size())).starts_with(version_6)) return is_ip(AF_INET, text);
   return is_ip(AF_INET6, text.substr(version_6.size()));
-}
-
-bool has_controls(std::string_view text) {
-  return std::ranges::any_of(text, [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; });
 }
 
 // Where the entry at the beginning of the text ends.
@@ -165,14 +148,14 @@ bool is_mail_address(std::string_view text) {
   if (at == text.npos || text.size() > longest_address || !is_local_part(text.substr(0, at))) return false;
   const std::string_view domain = text.substr(at + 1);
   if (const auto literal = inside_brackets(domain)) return is_address_literal(*literal);
-  return is_domain(domain);
+  return is_host_name(domain);
 }
 
 bool is_mail_host(std::string_view text) {
   if (const auto literal = inside_brackets(text)) return is_ip(AF_INET6, *literal);
   if (is_ip(AF_INET6, text)) return true;
   if (text.ends_with('.')) text.remove_suffix(1);
-  return is_domain(text);
+  return is_host_name(text);
 }
 
 }  // namespace zrl

@@ -3,7 +3,7 @@
 #include <limits>
 #include <ostream>
 
-#include "core/text/text.h"
+#include "core/text/printable.h"
 #include "host/command/commands.h"
 #include "host/command/report.h"
 #include "host/command/step_runner.h"

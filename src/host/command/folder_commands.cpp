@@ -5,6 +5,7 @@
 
 #include "core/console.h"
 #include "core/contracts/registry.h"
+#include "core/text/printable.h"
 #include "core/text/text.h"
 #include "host/command/commands.h"
 #include "host/command/step_runner.h"

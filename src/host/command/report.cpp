@@ -5,7 +5,8 @@
 #include <ostream>
 
 #include "core/controls.h"
-#include "core/text/text.h"
+#include "core/text/printable.h"
+#include "core/text/utf8.h"
 #include "host/form_json.h"
 
 namespace zrl::command {
@@ -21,7 +22,7 @@ constexpr std::size_t width_for_people = 200;
 
 std::string short_text(std::string_view text) {
   if (text.size() <= width_for_people) return printable(text);
-  return printable(text.substr(0, width_for_people)) + "...";
+  return printable(cut_between_characters(text, width_for_people)) + "...";
 }
 
 std::string_view reply_name(BoxReply reply) {

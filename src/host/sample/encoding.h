@@ -6,13 +6,10 @@
 // What mails and scripts are written with. Texts given are valid UTF-8 below U+10000.
 namespace zrl::sample {
 
-// 16-bit units, low byte first.
-std::string utf16(std::string_view text);
-
 // In one of the sets ISO-8859-1, ISO-8859-15 and windows-1251; what it lacks becomes "?".
 std::string single_byte(std::string_view text, std::string_view charset);
 
-// `width` characters a line, lines ended by CR LF; no line breaks with width 0.
+// `width` characters a line, lines ended by CR LF.
 std::string base64(std::string_view bytes, std::size_t width = 76);
 
 // For text bodies: lines end with CR LF and stay below 76 characters through soft breaks.

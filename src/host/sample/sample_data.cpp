@@ -1,6 +1,6 @@
 #include "host/sample/sample_data.h"
 
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 #include "host/sample/lists.h"
 #include "host/sample/logs.h"
 #include "host/sample/mails.h"

@@ -1,6 +1,6 @@
 #include "host/sample/scripts.h"
 
-#include "host/sample/encoding.h"
+#include "core/text/utf16.h"
 
 namespace zrl::sample {
 
@@ -132,7 +132,7 @@ std::string Script::stored() const {
     if (c == '\n') lines += '\r';
     lines += c;
   }
-  return utf16(lines);
+  return to_utf16_bytes(lines);
 }
 
 std::span<const Script> scripts() {

@@ -2,14 +2,14 @@
 
 #include <array>
 #include <boost/json.hpp>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include <sodium.h>
 
-#include "core/text/paths.h"
+#include "core/text/files.h"
+#include "core/text/printable.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl::web {
 
@@ -22,6 +22,7 @@ constexpr std::size_t hashing_threads = 2;
 constexpr std::size_t shortest_password = 10;  // characters
 constexpr std::size_t longest_password = 1024;
 constexpr std::size_t longest_name = 64;
+constexpr std::size_t longest_file = 16 << 20;
 constexpr std::size_t secret_letters = 20;
 
 std::string hash_of(std::string_view password, const PasswordCost& cost) {
@@ -97,12 +98,9 @@ Accounts::Accounts(fs::path file, IoLoop& loop, PasswordCost cost)
 }
 
 void Accounts::load() {
-  std::ifstream stream(file_, std::ios::binary);
-  std::ostringstream text;
-  text << stream.rdbuf();
+  const std::string text = read_file(file_, longest_file);
   try {
-    if (!stream) throw std::runtime_error("not readable");
-    const json::value held = json::parse(text.str());
+    const json::value held = json::parse(text);
     for (const json::value& entry : held.at("accounts").as_array()) {
       hashes_.emplace(entry.at("name").as_string(), entry.at("password").as_string());
     }
@@ -117,9 +115,7 @@ bool Accounts::is_acceptable_name(std::string_view account) {
 }
 
 bool Accounts::is_acceptable_password(std::string_view password) {
-  std::size_t characters = 0;
-  for (const char c : password) characters += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
-  return characters >= shortest_password && password.size() <= longest_password;
+  return character_count(password) >= shortest_password && password.size() <= longest_password;
 }
 
 bool Accounts::verify(const std::string& account, std::string password, std::function<void(bool)> done) {

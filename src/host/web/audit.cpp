@@ -1,13 +1,14 @@
 #include "host/web/audit.h"
 
 #include <array>
-#include <cerrno>
 #include <ctime>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "core/text/text.h"
+#include "core/text/files.h"
+#include "core/text/printable.h"
+#include "core/text/utf8.h"
 
 namespace zrl::web {
 
@@ -26,7 +27,7 @@ std::string time_text(std::int64_t seconds) {
 
 std::string field(std::string_view text) {
   const bool cut = text.size() > longest_text;
-  return printable(valid_utf8(text.substr(0, longest_text))) + (cut ? " [cut]" : "");
+  return printable(beginning_of(text, longest_text)) + (cut ? " [cut]" : "");
 }
 
 }  // namespace
@@ -73,13 +74,7 @@ void AuditLog::write(std::string_view lines) {
   if (file < 0) return;
   std::string rest(line_is_torn_ ? "\n" : "");
   rest += lines;
-  std::size_t done = 0;
-  while (done < rest.size()) {
-    const ssize_t written = ::write(file, rest.data() + done, rest.size() - done);
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) break;
-    done += static_cast<std::size_t>(written);
-  }
+  const std::size_t done = write_all(file, rest);
   if (done > 0) line_is_torn_ = rest[done - 1] != '\n';
   ::close(file);
 }

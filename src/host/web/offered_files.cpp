@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 #include "host/web/random_token.h"
 #include "host/web/responses.h"
 #include "host/web/terminal.h"
@@ -104,7 +104,7 @@ std::string attachment_header(std::string_view name) {
       continue;
     }
     // One underscore for a character, whatever its length in bytes.
-    if ((byte & 0xC0) != 0x80) simple += byte == ' ' ? ' ' : '_';
+    if (!is_continuation(character)) simple += byte == ' ' ? ' ' : '_';
     encoded.append("%").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
   }
   return "attachment; filename=\"" + simple + "\"; filename*=UTF-8''" + encoded;

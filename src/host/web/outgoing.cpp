@@ -7,7 +7,7 @@
 
 #include <sodium.h>
 
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl::web {
 
@@ -27,8 +27,7 @@ json::string valid(std::string_view text) {
 // At most `limit` bytes of it, not ending within a character.
 json::string valid_part(std::string_view text, std::size_t limit) {
   if (text.size() <= limit) return valid(text);
-  while (limit > 0 && (static_cast<unsigned char>(text[limit]) & 0xC0) == 0x80) --limit;
-  json::string part = valid(text.substr(0, limit));
+  json::string part = valid(cut_between_characters(text, limit));
   part += "\u2026";
   return part;
 }

@@ -12,7 +12,9 @@
 #include <unistd.h>
 
 #include "core/text/error.h"
-#include "core/text/text.h"
+#include "core/text/files.h"
+#include "core/text/printable.h"
+#include "core/text/utf8.h"
 #include "host/web/responses.h"
 
 namespace zrl::web {
@@ -28,13 +30,6 @@ constexpr int most_of_a_name = 1000;
 constexpr std::chrono::seconds patience{45};
 constexpr std::chrono::hours arrives_within{24};
 
-int digit_of(char character) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  const std::size_t found = digits.find(static_cast<char>(character | 0x20));
-  if (character >= '0' && character <= '9') return character - '0';
-  return found == digits.npos || found < 10 ? -1 : static_cast<int>(found);
-}
-
 std::optional<std::string> decoded(std::string_view text) {
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -42,37 +37,13 @@ std::optional<std::string> decoded(std::string_view text) {
       result += text[i];
       continue;
     }
-    const int high = i + 2 < text.size() ? digit_of(text[i + 1]) : -1;
-    const int low = i + 2 < text.size() ? digit_of(text[i + 2]) : -1;
+    const int high = i + 2 < text.size() ? hex_value(text[i + 1]) : -1;
+    const int low = i + 2 < text.size() ? hex_value(text[i + 2]) : -1;
     if (high < 0 || low < 0) return {};
     result += static_cast<char>(high * 16 + low);
     i += 2;
   }
   return result;
-}
-
-// The well-formed character at `at`, in bytes.
-std::size_t length_at(std::string_view text, std::size_t at) {
-  std::size_t end = at + 1;
-  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) ++end;
-  return end - at;
-}
-
-// Control characters, and those that are not seen but change what is: as people would not find
-// them in a name, none may stand in one.
-bool is_unseen(std::string_view character) {
-  if (character.size() == 1) return static_cast<unsigned char>(character[0]) < 0x20 || character[0] == 0x7f;
-  if (character.size() == 2) return character[0] == '\xc2' && static_cast<unsigned char>(character[1]) < 0xa0;
-  constexpr std::array<std::string_view, 14> turning = {"\u200b", "\u200e", "\u200f", "\u2028", "\u2029",
-                                                        "\u202a", "\u202b", "\u202c", "\u202d", "\u202e",
-                                                        "\u2066", "\u2067", "\u2068", "\u2069"};
-  return std::find(turning.begin(), turning.end(), character) != turning.end() || character == "\ufeff";
-}
-
-std::string part_of(std::string_view text, std::size_t limit) {
-  std::size_t end = 0;
-  while (end < text.size() && end + length_at(text, end) <= limit) end += length_at(text, end);
-  return std::string(text.substr(0, end));
 }
 
 // Where the ending begins: ".txt".
@@ -120,17 +91,17 @@ std::optional<UploadTarget> parse_upload_target(std::string_view header) {
 std::string upload_name(std::string_view wanted) {
   const std::string text = valid_utf8(wanted);
   const std::size_t folder = text.find_last_of("/\\");
-  const std::string_view last = std::string_view(text).substr(folder == text.npos ? 0 : folder + 1);
+  std::string_view last = std::string_view(text).substr(folder == text.npos ? 0 : folder + 1);
   std::string seen;
-  for (std::size_t i = 0; i < last.size(); i += length_at(last, i)) {
-    const std::string_view character = last.substr(i, length_at(last, i));
-    if (!is_unseen(character)) seen += character;
+  while (!last.empty()) {
+    const char32_t character = take_character(last);
+    if (!is_unseen(character)) append_character(seen, character);
   }
   seen = strip(seen);
   const std::size_t ending = ending_of(seen);
   const std::string kept_ending = seen.substr(ending);
-  const std::string name =
-      strip(part_of(std::string_view(seen).substr(0, ending), longest_name - kept_ending.size()));
+  const std::string name = strip(
+      cut_between_characters(std::string_view(seen).substr(0, ending), longest_name - kept_ending.size()));
   return name.empty() ? "upload" + kept_ending : name + kept_ending;
 }
 
@@ -143,14 +114,7 @@ UploadedFile::~UploadedFile() {
 
 void UploadedFile::write(std::string_view piece) {
   size_ += piece.size();
-  while (!piece.empty() && failure_ == 0) {
-    const ssize_t written = ::write(file_.get(), piece.data(), piece.size());
-    if (written >= 0) {
-      piece.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno != EINTR) {
-      failure_ = errno;
-    }
-  }
+  if (failure_ == 0 && write_all(file_.get(), piece) < piece.size()) failure_ = errno;
 }
 
 // A second name, and the first one removed with this object: unlike a renaming this never replaces

@@ -7,6 +7,7 @@
 #include "core/text/encoded_words.h"
 #include "core/text/paths.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 #include "core/text_file.h"
 #include "pages/tools/composer_dialog.h"
 

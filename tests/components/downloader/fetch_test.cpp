@@ -223,12 +223,12 @@ TEST_F(FetchTest, AFileThatCannotBeWrittenIsOneFailureAmongOthers) {
 }
 
 TEST_F(FetchTest, WhatADeadProcessLeftBehindIsRemoved) {
-  write("addblack.txt.fetching-1", "half");
-  write("delblack.txt.fetching-2", "of another console");
-  std::filesystem::last_write_time(folder.path() / "download" / "addblack.txt.fetching-1",
+  write(".new-1", "half");
+  write(".new-2", "of another console");
+  std::filesystem::last_write_time(folder.path() / "download" / ".new-1",
                                    std::filesystem::file_time_type::clock::now() - std::chrono::hours(48));
   update();
-  EXPECT_THAT(names(), ElementsAre("delblack.txt.fetching-2"));
+  EXPECT_THAT(names(), ElementsAre(".new-2"));
 }
 
 }  // namespace

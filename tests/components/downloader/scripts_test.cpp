@@ -1,5 +1,5 @@
 #include "components/sqlite/sqlite_components.h"
-#include "core/text/script_content.h"
+#include "core/text/utf16.h"
 #include "downloader_fixture.h"
 
 namespace zrl {
@@ -51,10 +51,10 @@ class ScriptsTest : public test::DownloaderTest {
 };
 
 TEST(ScriptContentTest, IsKeptInSixteenBitUnits) {
-  EXPECT_EQ(to_script_content(""), "");
-  EXPECT_EQ(to_script_content("a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"),
+  EXPECT_EQ(to_utf16_bytes(""), "");
+  EXPECT_EQ(to_utf16_bytes("a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"),
             std::string("a\0\xE4\0\xAC\x20\x3D\xD8\x00\xDE", 10));
-  EXPECT_EQ(to_script_content("\xFFz"), std::string("\xFD\xFFz\0", 4));
+  EXPECT_EQ(to_utf16_bytes("\xFFz"), std::string("\xFD\xFFz\0", 4));
 }
 
 TEST_F(ScriptsTest, ScriptsOfTheSameNameAreReplacedAndOthersStay) {
@@ -69,8 +69,8 @@ TEST_F(ScriptsTest, ScriptsOfTheSameNameAreReplacedAndOthersStay) {
       {"scriptname": "\"x\" --", "scriptcontent": ""}])");
   EXPECT_EQ(update_scripts(), "done");
   EXPECT_EQ(table(), "\"x\" -- NEVER 0 0\nmine BODY 0 1\nold HEADER -7 99\n");
-  EXPECT_EQ(content("old"), to_script_content("x = \"it's\" ' \xC3\xA4 \xF0\x9F\x98\x80\r\n"));
-  EXPECT_EQ(content("mine"), to_script_content("2"));
+  EXPECT_EQ(content("old"), to_utf16_bytes("x = \"it's\" ' \xC3\xA4 \xF0\x9F\x98\x80\r\n"));
+  EXPECT_EQ(content("mine"), to_utf16_bytes("2"));
 }
 
 TEST_F(ScriptsTest, AFileThatIsNotValidChangesNothing) {
@@ -106,7 +106,7 @@ TEST_F(ScriptsTest, AFileThatIsNotValidChangesNothing) {
     server.publish("/lists/scripts.json", text);
     EXPECT_THAT(update_scripts(), AllOf(HasSubstr("the file of scripts is not valid"), HasSubstr(reason)))
         << text.substr(0, 200);
-    EXPECT_EQ(content("a"), to_script_content("1"));
+    EXPECT_EQ(content("a"), to_utf16_bytes("1"));
     EXPECT_EQ(table(), "a NEVER 0 0\n");
   }
 }

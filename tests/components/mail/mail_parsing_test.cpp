@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "components/mail/mail_components.h"
-#include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 namespace {

@@ -3,7 +3,7 @@
 #include <sys/stat.h>
 
 #include "components/sqlite/database_fixture.h"
-#include "core/text/paths.h"
+#include "core/text/files.h"
 #include "core/text/text.h"
 
 namespace zrl::test {

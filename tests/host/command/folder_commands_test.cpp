@@ -1,7 +1,7 @@
 #include <fstream>
 
 #include "command_fixture.h"
-#include "core/text/paths.h"
+#include "core/text/files.h"
 
 namespace zrl::command {
 namespace {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 #include "host/command/command_line.h"
 #include "host/sample/encoding.h"
 #include "host/sample/lists.h"

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "core/text/error.h"
+#include "core/text/files.h"
 #include "core/text/paths.h"
 #include "host/web/handler_page.h"
 #include "host/web/offered_files.h"

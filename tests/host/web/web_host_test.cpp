@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/text/paths.h"
+#include "core/text/files.h"
 #include "host/web/handler_page.h"
 #include "host/web/running_host.h"
 

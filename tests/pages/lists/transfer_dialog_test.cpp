@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/text/files.h"
 #include "core/text/paths.h"
 #include "support/installed_console.h"
 

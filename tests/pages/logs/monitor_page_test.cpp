@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/text/files.h"
 #include "core/text/paths.h"
 #include "pages/tools/composer_dialog.h"
 #include "support/shown_page.h"
