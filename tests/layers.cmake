@@ -3,7 +3,9 @@
 #
 # A line says which folders (ending in "/") and which single headers the files of a folder may include. Every
 # file may include its own header; a folder that may include itself says so. Pages may not: what pages share
-# is named, so that no page comes to lean on another. Components whose headers others use are named, too.
+# is named, so that no page comes to lean on another. Components whose headers others use are named, too;
+# "components/*/*.h" are the public headers, each of the name of its folder. A component without one is a fault,
+# and so is a file of it outside the namespace of its name.
 set(rules
   "core/text/       : core/text/"
   "core/contracts/  : core/contracts/ core/text/"
@@ -25,14 +27,14 @@ set(rules
   "service/         : core/ core/contracts/ core/text/"
   "catalogue/       : core/ pages/settings/ pages/lists/ pages/logs/ pages/tools/ scripting/ service/"
   "components/block_lists/ : components/block_lists/ core/contracts/ core/text/
-                      components/dns/dns_answers.h components/dns/dns_surroundings.h components/dns/ip_address.h"
+                      components/dns/dns_answers.h components/dns/ip_address.h"
   "components/      : components/"
   "components/*/    : components/*/ core/contracts/ core/text/"
   "host/sample/     : host/sample/ core/ core/contracts/ core/text/"
   "host/web/        : host/web/ host/ core/ core/contracts/ core/text/ catalogue/"
   "host/command/    : host/command/ host/ host/sample/ core/ core/contracts/ core/text/ catalogue/
-                      host/web/web_host.h scripting/vbscript/engine.h components/pcre2/pcre2_regexp.h"
-  "host/            : host/ core/ core/contracts/ core/text/ net/ components/*/
+                      host/web/web_host.h scripting/vbscript/engine.h components/pcre2/pcre2.h"
+  "host/            : host/ core/ core/contracts/ core/text/ net/ components/*/*.h
                       pages/lists/remote_update.h scripting/vbscript/engine.h"
 )
 
@@ -65,6 +67,13 @@ endfunction()
 function(is_allowed included allowed result)
   room_of(${included} room)
   foreach(entry IN LISTS allowed)
+    if(entry STREQUAL "components/*/*.h")
+      if(included MATCHES "^components/([a-z0-9_]+)/([a-z0-9_]+)\\.h$" AND CMAKE_MATCH_1 STREQUAL CMAKE_MATCH_2)
+        set(${result} TRUE PARENT_SCOPE)
+        return()
+      endif()
+      continue()
+    endif()
     string(REPLACE "*" "[a-z0-9_]+" pattern "${entry}")
     if(included STREQUAL entry OR room MATCHES "^${pattern}$")
       set(${result} TRUE PARENT_SCOPE)
@@ -82,6 +91,17 @@ foreach(file IN LISTS files)
   if(allowed STREQUAL "NO_RULE")
     string(APPEND faults "${file}: its folder has no line in tests/layers.cmake\n")
     continue()
+  endif()
+  if(room MATCHES "^components/([a-z0-9_]+)/$")
+    set(component ${CMAKE_MATCH_1})
+    if(NOT EXISTS ${SOURCES}/${room}${component}.h)
+      string(APPEND faults "${room} has no public header ${component}.h\n")
+    endif()
+    file(STRINGS ${SOURCES}/${file} spaces REGEX "^namespace zrl")
+    list(REMOVE_ITEM spaces "namespace zrl::${component} {")
+    if(spaces)
+      string(APPEND faults "${file} is not all in namespace zrl::${component}: ${spaces}\n")
+    endif()
   endif()
   string(REGEX REPLACE "\\.(h|cpp)$" "" stem ${file})
   file(STRINGS ${SOURCES}/${file} lines REGEX "^#include \"")

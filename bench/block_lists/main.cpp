@@ -1,12 +1,16 @@
 #include <cstdio>
 #include <cstdlib>
-#include <thread>
+#include <string>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 
-#include "components/block_lists/block_list_components.h"
+#include "components/block_lists/block_lists.h"
+#include "components/sqlite/sqlite.h"
 #include "suite.h"
 #include "support/dns_server.h"
+#include "support/fake_services.h"
+#include "support/temporary_folder.h"
 
 // Ten zones, five white and five black, beside one, when every answer takes 50 ms; and a text with 200
 // links in three zones beside one link in one. The list that matches is the last one.
@@ -21,19 +25,29 @@ std::string zone(int number) {
   return "zone" + std::to_string(number) + ".test";
 }
 
+std::vector<std::string> zones(int first, int count) {
+  std::vector<std::string> result;
+  for (int i = 0; i < count; ++i) result.push_back(zone(first + i));
+  return result;
+}
+
 class Lists {
  public:
   Lists(int white, int black, int uri) {
-    for (int i = 0; i < white; ++i) white_.push_back(zone(i));
-    for (int i = 0; i < black; ++i) black_.push_back(zone(white + i));
-    for (int i = 0; i < uri; ++i) uri_.push_back(zone(i));
+    console_.lookup.told_servers = {"127.0.0.1:" + std::to_string(server_.port())};
+    console_.lookup.told_time_out = std::chrono::seconds(10);
+    console_.components().add<Database>([this] { return sqlite::make(console_); });
+    write("wblserver", zones(0, white));
+    write("rblserver", zones(white, black));
+    uri_ = zones(0, uri);
+    write("surblserver", uri_);
     server_.add("1.2.0.192." + zone(white + black - 1) + " A 127.0.0.2");
     server_.add("link0.test." + zone(uri - 1) + " A 127.0.0.2");
     server_.set_manner({.delay = delay});
   }
 
   double look_up() {
-    const auto lists = make_block_lists(settings());
+    const auto lists = block_lists::make(console_);
     auto listing = BlockLists::Listing::none;
     std::string found;
     const double seconds = seconds_of([&] {
@@ -47,12 +61,12 @@ class Lists {
   double check(int number_of_links) {
     std::string text;
     for (int i = 0; i < number_of_links; ++i) text += "http://www.link" + std::to_string(i) + ".test/ ";
-    const auto check = make_uri_check(settings());
+    const auto check = block_lists::make_uri_check(console_);
     const double seconds = seconds_of([&] {
       check->initmodule({});
       check->send("BODY", "SEND", text);
     });
-    require(check->send() == "link0.test is listed in " + std::string(uri_[uri_.size() - 1]));
+    require(check->send() == "link0.test is listed in " + uri_.back());
     return seconds;
   }
 
@@ -63,24 +77,16 @@ class Lists {
     std::exit(1);
   }
 
-  BlockListSettings settings() {
-    BlockListSettings result;
-    result.dns.servers = [this] {
-      return std::vector<std::string>{"127.0.0.1:" + std::to_string(server_.port())};
-    };
-    result.dns.timeout = [] { return std::chrono::seconds(10); };
-    result.dns.wait = [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); };
-    result.entries = [this](Literal table) {
-      return table.text() == "wblserver" ? white_ : table.text() == "rblserver" ? black_ : uri_;
-    };
-    result.report = [](std::string_view, std::string_view) {};
-    return result;
+  void write(Literal table, const std::vector<std::string>& zones) {
+    const ConnectionHandle connection =
+        console_.components().create<Database>()->open_database("sqlite:zrl.db");
+    for (const std::string& zone : zones) connection->execute(insert_into(table, "entry", zone));
   }
 
   test::FakeDnsServer server_;
-  StringList white_;
-  StringList black_;
-  StringList uri_;
+  test::TemporaryFolder folder_;
+  test::FakeServices console_{folder_.path()};
+  std::vector<std::string> uri_;
 };
 
 }  // namespace

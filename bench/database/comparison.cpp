@@ -5,6 +5,8 @@
 #include <fstream>
 #include <random>
 
+#include "components/sqlite/sqlite.h"
+#include "support/fake_services.h"
 #include "support/temporary_folder.h"
 
 namespace zrl::bench {
@@ -46,6 +48,16 @@ sqlite3_stmt* Bare::prepare(const std::string& sql) {
 const std::filesystem::path& folder() {
   static const test::TemporaryFolder made;
   return made.path();
+}
+
+std::shared_ptr<Database> access_to(const std::string& provider) {
+  struct Access {
+    test::FakeServices console{folder()};
+    std::shared_ptr<Database> database = sqlite::make(console);
+  };
+  const auto access = std::make_shared<Access>();
+  access->console.settings["dataprovider"] = provider;
+  return {access, access->database.get()};
 }
 
 std::vector<std::string> host_names(int count, unsigned seed) {

@@ -3,12 +3,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <sqlite3.h>
 
+#include "core/contracts/database.h"
 #include "suite.h"
 
 // The database component beside the bare engine.
@@ -55,6 +57,9 @@ struct Arena {
 
 // Where the databases and list files of the benchmarks lie; removed when the program ends.
 const std::filesystem::path& folder();
+
+// The component, on that folder, with this connection string.
+std::shared_ptr<Database> access_to(const std::string& provider);
 
 // Host names in no order, none twice; another seed gives other ones.
 std::vector<std::string> host_names(int count, unsigned seed);

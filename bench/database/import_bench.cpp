@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "components/sqlite/sqlite_components.h"
 #include "database/comparison.h"
 
 // A list file of a million lines into a table with its index. The other side is the engine's own
@@ -41,7 +40,7 @@ bool run_shell(const std::filesystem::path& database, const std::filesystem::pat
 std::filesystem::path original(bool full) {
   const std::string name = full ? "full.db" : "empty.db";
   if (!std::filesystem::exists(folder() / name)) {
-    const auto access = make_sqlite_database(folder(), [&] { return "sqlite:" + name; });
+    const auto access = access_to("sqlite:" + name);
     access->open_database("sqlite:" + name);
     if (full) access->import_("entry", "blacklist", file_of(3).string(), true);
     Bare(folder() / name, Bare::Settings::of_the_engine).run("PRAGMA wal_checkpoint(TRUNCATE)");
@@ -78,7 +77,7 @@ double ours(bool full, unsigned seed, long wanted) {
   const std::filesystem::path path = copy(full, Journal::write_ahead);
   const std::string file = file_of(seed).string();
   const double seconds = seconds_of([&] {
-    const auto access = make_sqlite_database(folder(), [] { return "sqlite:import.db"; });
+    const auto access = access_to("sqlite:import.db");
     access->import_("entry", "blacklist", file, true);
   });
   expect_rows(path, wanted);

@@ -1,6 +1,5 @@
 #include <benchmark/benchmark.h>
 
-#include "components/sqlite/sqlite_components.h"
 #include "database/comparison.h"
 
 // Reading: lists of a million rows, and a log row by row.
@@ -12,7 +11,7 @@ constexpr int list_rows = 1000000;
 constexpr int log_rows = 200000;
 
 std::shared_ptr<Database> component() {
-  return make_sqlite_database(folder(), [] { return "sqlite:rows.db"; });
+  return access_to("sqlite:rows.db");
 }
 
 // Made once, when the first benchmark needs it.

@@ -1,4 +1,3 @@
-#include "components/sqlite/sqlite_components.h"
 #include "core/database_client.h"
 #include "database/comparison.h"
 #include "support/recording_host.h"
@@ -19,7 +18,7 @@ class Client : public DatabaseClient {
 
 void make_empty(const std::string& name) {
   for (const char* ending : {"", "-wal", "-shm"}) std::filesystem::remove(folder() / (name + ending));
-  make_sqlite_database(folder(), [] { return ""; })->open_database("sqlite:" + name);
+  access_to("")->open_database("sqlite:" + name);
 }
 
 const std::vector<std::string>& senders() {
@@ -32,7 +31,7 @@ double ours() {
   test::RecordingHost host;
   Console console(folder(), host);
   Client client(console);
-  client.database = make_sqlite_database(folder(), [] { return ""; });
+  client.database = access_to("");
   client.conn = client.database->open_database("sqlite:ours.db");
   senders();
   const double seconds = seconds_of([&] {

@@ -10,9 +10,10 @@
 #include <benchmark/benchmark.h>
 #include <poll.h>
 
-#include "components/dns/cares_client.h"
+#include "components/dns/dns.h"
 #include "suite.h"
 #include "support/dns_server.h"
+#include "support/fake_services.h"
 
 namespace zrl::bench {
 
@@ -72,9 +73,9 @@ class Server {
 };
 
 double check(const Server& server) {
-  const auto client = make_dns_client({[&] { return std::vector<std::string>{server.address()}; },
-                                       [] { return milliseconds(5000); },
-                                       [](milliseconds time) { std::this_thread::sleep_for(time); }});
+  test::FakeServices console;
+  console.lookup.told_servers = {server.address()};
+  const auto client = dns::make(console);
   SenderCheck found;
   const std::size_t before = server.queries().size();
   const double seconds = seconds_of(

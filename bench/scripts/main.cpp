@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "components/pcre2/pcre2_regexp.h"
+#include "components/pcre2/pcre2.h"
 #include "position.h"
 #include "scripting/vbscript/engine.h"
 
@@ -25,10 +25,7 @@ class BenchHost : public zrl::vbs::EngineHost {
     return std::nullopt;
   }
   void echo(const std::string&) override {}
-  std::shared_ptr<zrl::RegExp> make_regexp() override { return make_(); }
-
- private:
-  std::function<std::shared_ptr<zrl::RegExp>()> make_ = zrl::make_regexp_factory();
+  std::shared_ptr<zrl::RegExp> make_regexp() override { return zrl::pcre2::make_regexp(); }
 };
 
 double seconds(const std::function<void()>& action) {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "components/checks/keyword_search.h"
+#include "support/fake_services.h"
 #include "text/text_bench.h"
 
 namespace zrl::bench {
@@ -46,8 +47,8 @@ volatile std::size_t kept;
 Run search(std::shared_ptr<const Sample> sample) {
   return [=] {
     return seconds_of([&] {
-      const KeywordSearch::Match none = [](std::string_view, std::string_view) { return std::string(); };
-      kept = KeywordSearch(sample->text, none).find(sample->keywords).size();
+      test::FakeServices console;
+      kept = checks::KeywordSearch(sample->text, console).find(sample->keywords).size();
     });
   };
 }

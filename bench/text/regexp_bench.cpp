@@ -6,7 +6,7 @@
 #define PCRE2_CODE_UNIT_WIDTH 0
 #include <pcre2.h>
 
-#include "components/pcre2/pcre2_regexp.h"
+#include "components/pcre2/pcre2.h"
 #include "text/text_bench.h"
 
 namespace zrl::bench {
@@ -39,7 +39,7 @@ std::shared_ptr<const std::basic_string<Unit>> mail() {
 
 template <typename Unit>
 Run ours(std::string_view pattern, bool expected) {
-  const auto regexp = make_regexp_factory()();
+  const auto regexp = pcre2::make_regexp();
   const std::basic_string<Unit> units(pattern.begin(), pattern.end());
   regexp->set_pattern(std::basic_string_view<Unit>(units), {.ignore_case = true});
   return [=, text = mail<Unit>()] {

@@ -3,7 +3,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include "components/sqlite/sqlite_components.h"
 #include "database/comparison.h"
 #include "host/composition.h"
 #include "host/folder.h"
@@ -64,7 +63,7 @@ double imports() {
   const std::string provider = "sqlite:imports.db";
   for (const char* ending : {"", "-wal", "-shm"})
     std::filesystem::remove(folder() / ("imports.db" + std::string(ending)));
-  const auto database = make_sqlite_database(folder(), [&] { return provider; });
+  const auto database = access_to(provider);
   database->open_database(provider);
   for (const Lines& lines : all_lines) published(lines);
   ::sync();

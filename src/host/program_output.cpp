@@ -99,7 +99,7 @@ bool read_all(int file, Clock::time_point end, std::string& text) {
 
 }  // namespace
 
-ProgramResult program_output(const ProgramStart& program, milliseconds time_limit) {
+service::ProgramResult program_output(const ProgramStart& program, milliseconds time_limit) {
   const Clock::time_point end = Clock::now() + time_limit;
   Pipe pipe;
   const auto open_files = [&pipe](posix_spawn_file_actions_t& actions) {
@@ -109,7 +109,7 @@ ProgramResult program_output(const ProgramStart& program, milliseconds time_limi
   };
   Child child(spawn(program, {.open_files = open_files, .environment = environ}));
   pipe.close_writing();
-  ProgramResult result;
+  service::ProgramResult result;
   if (!read_all(pipe.reading(), end, result.text)) fail_late(program);
   while (!child.has_ended()) {
     if (Clock::now() >= end) fail_late(program);

@@ -23,11 +23,11 @@ void require(bool holds) {
 
 void read(std::string_view text) {
   try {
-    const zrl::CallerIdRecord record = zrl::parse_caller_id_record(text);
-    require(zrl::trim(text).size() <= zrl::CallerIdRecord::longest);
+    const zrl::dns::CallerIdRecord record = zrl::dns::parse_caller_id_record(text);
+    require(zrl::trim(text).size() <= zrl::dns::CallerIdRecord::longest);
     require((record.networks.size() + record.indirect.size()) * 4 <= text.size());
     for (const auto& [address, prefix] : record.networks) {
-      require(prefix <= zrl::IpAddress::bits(address.family()));
+      require(prefix <= zrl::dns::IpAddress::bits(address.family()));
     }
   } catch (const zrl::Error&) {
   }
@@ -41,9 +41,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::size_t end = std::min(input.find('\n'), input.size());
   zrl::test::ZoneLookups lookups(input.substr(end));
   const zrl::SenderCheck found =
-      zrl::check_caller_id({*zrl::IpAddress::parse("192.0.2.1"), "example.com",
-                            std::string(input.substr(0, end)), "postmaster@example.com"},
-                           lookups);
+      zrl::dns::check_caller_id({*zrl::dns::IpAddress::parse("192.0.2.1"), "example.com",
+                                 std::string(input.substr(0, end)), "postmaster@example.com"},
+                                lookups);
   require(found.authorised == found.reason.starts_with("pass: "));
   require(lookups.queries.size() <= most_queries);
   return 0;

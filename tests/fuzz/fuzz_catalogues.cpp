@@ -8,7 +8,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   try {
-    (void)zrl::Catalogue::parse(text).translate(text.substr(0, 20));
+    (void)zrl::locale::Catalogue::parse(text).translate(text.substr(0, 20));
   } catch (const zrl::Error&) {  // refused
   }
   return 0;

@@ -12,8 +12,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view input(reinterpret_cast<const char*>(data), size);
   const std::string_view keyword = input.substr(0, input.find('\n'));
   const std::string_view text = input.substr(keyword.size());
-  if (zrl::TextIndex(std::string(text)).contains(keyword) != (text.find(keyword) != text.npos)) std::abort();
-  const std::string subject = zrl::subject_of(text);
-  if (subject.size() > text.size() || zrl::longest_run_of_blanks(subject) > subject.size()) std::abort();
+  if (zrl::checks::TextIndex(std::string(text)).contains(keyword) != (text.find(keyword) != text.npos))
+    std::abort();
+  const std::string subject = zrl::checks::subject_of(text);
+  if (subject.size() > text.size() || zrl::checks::longest_run_of_blanks(subject) > subject.size())
+    std::abort();
   return 0;
 }

@@ -11,12 +11,12 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string value(reinterpret_cast<const char*>(data), size);
-  const std::string address = zrl::address_in(value);
+  const std::string address = zrl::directory::address_in(value);
   const bool is_address = address.find('@') != address.npos && address == zrl::lower(zrl::trim(address)) &&
                           address.find_first_of(std::string_view("\n\0", 2)) == address.npos &&
                           zrl::is_valid_utf8(address);
   if (!address.empty() && !is_address) std::abort();
-  const std::string domain = zrl::domain_of(value);
+  const std::string domain = zrl::directory::domain_of(value);
   if (domain.size() > 253 || !zrl::insert_into("mydomain", "entry", domain).fault().empty()) std::abort();
   return 0;
 }

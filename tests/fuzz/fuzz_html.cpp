@@ -3,11 +3,13 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "components/html/html_text_converter.h"
+#include "components/html/html.h"
 #include "core/text/utf8.h"
+#include "support/fake_services.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const auto converter = zrl::make_html_converter_factory()();
+  static zrl::test::FakeServices console;
+  static const auto converter = zrl::html::make(console);
   const std::string text = converter->html2txt({reinterpret_cast<const char*>(data), size});
   if (!zrl::is_valid_utf8(text) || text.size() > 3 * size) std::abort();
   return 0;

@@ -15,13 +15,13 @@
 
 namespace {
 
-std::vector<std::string> entries_of(zrl::ListReader& reader) {
+std::vector<std::string> entries_of(zrl::sqlite::ListReader& reader) {
   std::vector<std::string> entries;
   std::string_view entry;
   while (reader.next(entry)) {
     const bool sound = !entry.empty() && zrl::trim(entry) == entry && zrl::is_valid_utf8(entry) &&
                        entry.find_first_of(std::string_view("\n\0", 2)) == entry.npos &&
-                       entry.size() <= 3 * zrl::ListReader::longest_line;
+                       entry.size() <= 3 * zrl::sqlite::ListReader::longest_line;
     if (!sound) std::abort();
     entries.emplace_back(entry);
   }
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const int file = ::memfd_create("list", 0);
   if (file < 0 || ::write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
   try {
-    zrl::ListReader reader("/proc/self/fd/" + std::to_string(file));
+    zrl::sqlite::ListReader reader("/proc/self/fd/" + std::to_string(file));
     const std::vector<std::string> first = entries_of(reader);
     reader.rewind();
     if (entries_of(reader) != first) std::abort();

@@ -23,7 +23,7 @@ bool is_one_line(std::string_view text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const zrl::Mail mail = zrl::read_mail({reinterpret_cast<const char*>(data), size});
+  const zrl::Mail mail = zrl::mail::read_mail({reinterpret_cast<const char*>(data), size});
   for (const std::string* field : {&mail.sender, &mail.recipient, &mail.subject}) {
     require(is_one_line(*field) && zrl::is_valid_utf8(*field));
   }
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const zrl::MailboxList senders = zrl::parse_mailboxes(mail.sender);
   const zrl::Mailbox self{"", "postmaster@example.com"};
-  const std::string answer = zrl::write_mail(mail, self, senders.mailboxes);
+  const std::string answer = zrl::mail::write_mail(mail, self, senders.mailboxes);
   const std::string header = answer.substr(0, answer.find("\r\n\r\n"));
   for (std::size_t at = header.find("\r\n"); at != header.npos; at = header.find("\r\n", at + 2)) {
     const std::string_view line = std::string_view(header).substr(at + 2);
@@ -44,6 +44,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                           line.starts_with("MIME-Version: ") || line.starts_with("Content-");
     require(expected);
   }
-  require(zrl::read_mail(answer).subject == mail.subject);
+  require(zrl::mail::read_mail(answer).subject == mail.subject);
   return 0;
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "components/pcre2/pcre2_regexp.h"
+#include "components/pcre2/pcre2.h"
 #include "core/text/error.h"
 
 namespace {
@@ -21,8 +21,7 @@ struct Result {
 template <typename Unit>
 Result search(std::basic_string_view<Unit> pattern, std::basic_string_view<Unit> text,
               zrl::RegExp::Options options) {
-  static const auto make = zrl::make_regexp_factory({std::chrono::milliseconds(5)});
-  const auto regexp = make();
+  const auto regexp = zrl::pcre2::make_regexp({std::chrono::milliseconds(5)});
   Result result;
   try {
     regexp->set_pattern(pattern, options);

@@ -13,8 +13,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     std::set<std::string> names;
-    for (const zrl::PublishedScript& script :
-         zrl::read_published_scripts({reinterpret_cast<const char*>(data), size})) {
+    for (const zrl::downloader::PublishedScript& script :
+         zrl::downloader::read_published_scripts({reinterpret_cast<const char*>(data), size})) {
       const bool sound = !script.name.empty() && names.insert(script.name).second &&
                          zrl::insert_into("scriptengine", "scriptname", script.name).fault().empty() &&
                          zrl::is_valid_utf8(script.content) && zrl::is_valid_utf8(script.position) &&

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "components/dns/spf_check.h"
+#include "core/text/domain_names.h"
 #include "support/zone_lookups.h"
 
 namespace {
@@ -26,15 +27,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const char* client : {"192.0.2.1", "2001:db8::1"}) {
     zrl::test::ZoneLookups lookups(input.substr(end));
     const zrl::SenderCheck found =
-        zrl::check_spf({*zrl::IpAddress::parse(client), "example.com", std::string(input.substr(0, end)),
-                        "postmaster@example.com"},
-                       lookups);
+        zrl::dns::check_spf({*zrl::dns::IpAddress::parse(client), "example.com",
+                             std::string(input.substr(0, end)), "postmaster@example.com"},
+                            lookups);
     require(found.authorised == found.reason.starts_with("pass: "));
     require(found.reason.find(": ") != std::string::npos);
     require(lookups.queries.size() <= most_queries);
     for (const std::string& query : lookups.queries) {
       const std::size_t name = query.size() - query.find(' ') - 1;
-      if (query.starts_with("TXT ") || query.starts_with("MX ")) require(name <= zrl::longest_name);
+      if (query.starts_with("TXT ") || query.starts_with("MX ")) require(name <= zrl::longest_domain_name);
     }
   }
   return 0;

@@ -11,6 +11,12 @@
 
 namespace {
 
+using zrl::block_lists::domain_name;
+using zrl::block_lists::find_names;
+using zrl::block_lists::FoundNames;
+using zrl::block_lists::registrable_domain;
+using zrl::block_lists::reversed_address;
+
 constexpr std::size_t most = 20;
 
 void require(bool sound) {
@@ -18,11 +24,11 @@ void require(bool sound) {
 }
 
 void check_name(const std::string& name) {
-  require(zrl::domain_name(name) == name);
-  require(zrl::is_ip_address(name) != zrl::reversed_address(name).empty());
-  require(zrl::is_ip_address(name) || zrl::registrable_domain(name) == name);
-  const zrl::FoundNames again = zrl::find_names("x http://u@www." + name + ":80/", most);
-  const zrl::FoundNames address = zrl::find_names("http:\\\\" + name, most);
+  require(domain_name(name) == name);
+  require(zrl::is_ip_address(name) != reversed_address(name).empty());
+  require(zrl::is_ip_address(name) || registrable_domain(name) == name);
+  const FoundNames again = find_names("x http://u@www." + name + ":80/", most);
+  const FoundNames address = find_names("http:\\\\" + name, most);
   require(zrl::is_ip_address(name) || again.names == std::vector<std::string>{name});
   require(address.names == std::vector<std::string>{name});
 }
@@ -31,7 +37,7 @@ void check_name(const std::string& name) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
-  const zrl::FoundNames found = zrl::find_names(text, most);
+  const FoundNames found = find_names(text, most);
   require(found.names.size() <= most);
   require(found.complete || found.names.size() == most);
   require(std::set<std::string>(found.names.begin(), found.names.end()).size() == found.names.size());

@@ -10,7 +10,7 @@ namespace {
 using std::chrono::seconds;
 
 TEST(ProgramOutput, IsWhatTheProgramWroteOnBothFiles) {
-  const ProgramResult result =
+  const auto result =
       program_output({"sh.exe", {"-c", "echo out; cat; echo err >&2; exit 3"}, ""}, seconds(30));
   EXPECT_EQ(result.text, "out\nerr\n");
   EXPECT_EQ(result.exit_status, 3);

@@ -7,7 +7,7 @@
 
 #include "catalogue/catalogue.h"
 #include "components/locale/catalogue.h"
-#include "components/locale/catalogue_translator.h"
+#include "components/locale/locale.h"
 #include "pages/lists/transfer_dialog.h"
 #include "pages/tools/composer_dialog.h"
 #include "support/recording_host.h"
@@ -35,7 +35,7 @@ class FormsTest : public testing::Test {
 };
 
 TEST_F(FormsTest, EveryTextIsInGerman) {
-  const Catalogue german = Catalogue::parse(built_in_catalogue("german"));
+  const auto german = locale::Catalogue::parse(locale::built_in_catalogue("german"));
   const auto expect_translation = [&](std::string_view where, std::string_view text) {
     EXPECT_TRUE(text.empty() || german.has(text)) << where << ": " << text;
   };

@@ -13,7 +13,7 @@ namespace zrl::test {
 
 // The DNS as a list of records, one a line: "example.com MX mail.example.com", "192.0.2.1 PTR NAME". A
 // name with the record "ERROR" gets no answer. Lines that are no records do nothing.
-class ZoneLookups : public SenderLookups {
+class ZoneLookups : public dns::SenderLookups {
  public:
   explicit ZoneLookups(std::string_view records) {
     std::istringstream lines{std::string(records)};
@@ -33,25 +33,27 @@ class ZoneLookups : public SenderLookups {
   // "MX example.com", in their order.
   std::vector<std::string> queries;
 
-  Records<std::string> texts(const std::string& name) override { return ask(name, "TXT"); }
-  Records<std::string> exchangers(const std::string& name) override { return ask(name, "MX"); }
-  Records<std::string> names_of(const IpAddress& address) override { return ask(address.text(), "PTR"); }
-  std::vector<Records<IpAddress>> addresses(const std::vector<std::string>& names,
-                                            IpAddress::Family family) override {
-    std::vector<Records<IpAddress>> result;
+  dns::Records<std::string> texts(const std::string& name) override { return ask(name, "TXT"); }
+  dns::Records<std::string> exchangers(const std::string& name) override { return ask(name, "MX"); }
+  dns::Records<std::string> names_of(const dns::IpAddress& address) override {
+    return ask(address.text(), "PTR");
+  }
+  std::vector<dns::Records<dns::IpAddress>> addresses(const std::vector<std::string>& names,
+                                                      dns::IpAddress::Family family) override {
+    std::vector<dns::Records<dns::IpAddress>> result;
     for (const std::string& name : names) {
-      const Records<std::string> texts = ask(name, family == IpAddress::Family::v4 ? "A" : "AAAA");
-      Records<IpAddress>& records = result.emplace_back();
+      const dns::Records<std::string> texts = ask(name, family == dns::IpAddress::Family::v4 ? "A" : "AAAA");
+      dns::Records<dns::IpAddress>& records = result.emplace_back();
       records.failed = texts.failed;
       for (const std::string& text : texts.found) {
-        if (const auto address = IpAddress::parse(text, family)) records.found.push_back(*address);
+        if (const auto address = dns::IpAddress::parse(text, family)) records.found.push_back(*address);
       }
     }
     return result;
   }
 
  private:
-  Records<std::string> ask(const std::string& name, const std::string& type) {
+  dns::Records<std::string> ask(const std::string& name, const std::string& type) {
     queries.push_back(type + " " + name);
     if (records_.contains(lower(name) + " ERROR")) return {{}, true};
     const auto found = records_.find(lower(name) + " " + type);

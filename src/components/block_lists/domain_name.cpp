@@ -9,7 +9,7 @@
 #include "core/text/domain_names.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::block_lists {
 
 namespace {
 
@@ -57,10 +57,10 @@ std::string_view registrable_domain(std::string_view host) {
 }
 
 std::string reversed_address(std::string_view text) {
-  const auto address = IpAddress::parse(trim(text));
+  const auto address = dns::IpAddress::parse(trim(text));
   if (!address) return {};
   const std::string name = address->reverse_name();
-  return name.substr(0, name.rfind(address->family() == IpAddress::Family::v4 ? ".in-addr" : ".ip6"));
+  return name.substr(0, name.rfind(address->family() == dns::IpAddress::Family::v4 ? ".in-addr" : ".ip6"));
 }
 
-}  // namespace zrl
+}  // namespace zrl::block_lists

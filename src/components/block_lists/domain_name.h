@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace zrl {
+namespace zrl::block_lists {
 
 // The text as the name of a domain: trimmed, in small letters, without a dot at its end. Empty if it is
 // none (is_domain_name() of domain_names.h).
@@ -21,4 +21,4 @@ std::string_view registrable_domain(std::string_view host);
 // the text is neither.
 std::string reversed_address(std::string_view text);
 
-}  // namespace zrl
+}  // namespace zrl::block_lists

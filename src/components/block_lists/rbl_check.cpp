@@ -1,10 +1,10 @@
-#include "components/block_lists/block_list_components.h"
+#include "components/block_lists/block_lists.h"
 #include "components/block_lists/domain_name.h"
 #include "components/block_lists/zones.h"
 #include "core/text/error.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::block_lists {
 
 namespace {
 
@@ -24,7 +24,7 @@ std::string sender_domain(std::string_view command) {
 
 class RblCheck : public BlockLists {
  public:
-  explicit RblCheck(BlockListSettings settings) : settings_(std::move(settings)) {}
+  explicit RblCheck(ConsoleServices& console) : console_(console) {}
 
   bool initmodule(const MessageContext& context) override {
     address_ = reversed_address(context.client_address);
@@ -32,9 +32,9 @@ class RblCheck : public BlockLists {
     zones_.clear();
     white_ = 0;
     if (address_.empty() && domain_.empty()) return false;
-    zones_ = read_zones(settings_, "wblserver");
+    zones_ = read_zones(console_, "wblserver");
     white_ = zones_.size();
-    for (std::string& zone : read_zones(settings_, "rblserver", most_zones - white_)) {
+    for (std::string& zone : read_zones(console_, "rblserver", most_zones - white_)) {
       zones_.push_back(std::move(zone));
     }
     return true;
@@ -43,7 +43,7 @@ class RblCheck : public BlockLists {
   void Value(std::string_view position, Listing& listing, std::string& zone) override {
     listing = Listing::none;
     zone.clear();
-    const Listings found(settings_, {name_at(position)}, zones_);
+    const Listings found(console_, {name_at(position)}, zones_);
     for (std::size_t i = 0; i < zones_.size(); ++i) {
       if (!found.has(0, i)) continue;
       listing = i < white_ ? Listing::white : Listing::black;
@@ -60,7 +60,7 @@ class RblCheck : public BlockLists {
                 "nothing to look up is known at the position " + std::string(position));
   }
 
-  BlockListSettings settings_;
+  ConsoleServices& console_;
   std::string address_;  // reversed
   std::string domain_;
   std::vector<std::string> zones_;  // the white ones first
@@ -69,8 +69,8 @@ class RblCheck : public BlockLists {
 
 }  // namespace
 
-std::shared_ptr<BlockLists> make_block_lists(BlockListSettings settings) {
-  return std::make_shared<RblCheck>(std::move(settings));
+std::shared_ptr<BlockLists> make(ConsoleServices& console) {
+  return std::make_shared<RblCheck>(console);
 }
 
-}  // namespace zrl
+}  // namespace zrl::block_lists

@@ -1,11 +1,12 @@
 #include <algorithm>
 
-#include "components/block_lists/block_list_components.h"
+#include "components/block_lists/block_lists.h"
 #include "components/block_lists/domain_name.h"
 #include "components/block_lists/uri_finder.h"
 #include "components/block_lists/zones.h"
+#include "core/contracts/name_lookup.h"
 
-namespace zrl {
+namespace zrl::block_lists {
 
 namespace {
 
@@ -13,14 +14,14 @@ constexpr std::size_t longest_answer = 4000;  // what is named after that is cou
 
 class UriCheck : public CheckPlugin {
  public:
-  explicit UriCheck(BlockListSettings settings) : settings_(std::move(settings)) {}
+  explicit UriCheck(ConsoleServices& console) : console_(console) {}
 
-  int info() override { return settings_.dns.servers().empty() ? 0 : 1; }
+  int info() override { return console_.names().servers().empty() ? 0 : 1; }
 
   bool initmodule(const MessageContext&) override {
     answer_.clear();
     zones_.clear();
-    zones_ = read_zones(settings_, "surblserver");
+    zones_ = read_zones(console_, "surblserver");
     return !zones_.empty();
   }
 
@@ -29,15 +30,15 @@ class UriCheck : public CheckPlugin {
     if (zones_.empty()) return;
     const FoundNames found = find_names(text, std::min(most_names, most_lookups / zones_.size()));
     if (!found.complete) {
-      settings_.report("names in the text", "only " + std::to_string(found.names.size()) +
-                                                " are looked up, the others are left out");
+      report(console_, "names in the text",
+             "only " + std::to_string(found.names.size()) + " are looked up, the others are left out");
     }
     std::vector<std::string> asked;
     for (const std::string& name : found.names) {
       const std::string reversed = reversed_address(name);
       asked.push_back(reversed.empty() ? name : reversed);
     }
-    answer_ = in_words(found.names, Listings(settings_, asked, zones_));
+    answer_ = in_words(found.names, Listings(console_, asked, zones_));
   }
 
   std::string send() const override { return answer_; }
@@ -68,15 +69,15 @@ class UriCheck : public CheckPlugin {
     return zones;
   }
 
-  BlockListSettings settings_;
+  ConsoleServices& console_;
   std::vector<std::string> zones_;
   std::string answer_;
 };
 
 }  // namespace
 
-std::shared_ptr<CheckPlugin> make_uri_check(BlockListSettings settings) {
-  return std::make_shared<UriCheck>(std::move(settings));
+std::shared_ptr<CheckPlugin> make_uri_check(ConsoleServices& console) {
+  return std::make_shared<UriCheck>(console);
 }
 
-}  // namespace zrl
+}  // namespace zrl::block_lists

@@ -12,7 +12,7 @@
 #include "core/text/list_entry.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::block_lists {
 
 namespace {
 
@@ -283,4 +283,4 @@ FoundNames find_names(std::string_view text, std::size_t most) {
   return Scanner(plain, most).run();
 }
 
-}  // namespace zrl
+}  // namespace zrl::block_lists

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zrl {
+namespace zrl::block_lists {
 
 struct FoundNames {
   // Registrable domains in small letters, and IPv4 addresses in dotted form; each once. Those of URIs
@@ -24,4 +24,4 @@ struct FoundNames {
 // Takes any bytes, in a time that grows with their number, and the memory of one copy.
 FoundNames find_names(std::string_view text, std::size_t most);
 
-}  // namespace zrl
+}  // namespace zrl::block_lists

@@ -7,12 +7,16 @@
 
 #include "components/block_lists/domain_name.h"
 #include "components/dns/dns_answers.h"
+#include "core/contracts/database.h"
 #include "core/text/domain_names.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::block_lists {
 
 namespace {
+
+using dns::DnsQueries;
+using dns::IpAddress;
 
 constexpr int type_address = 1;
 constexpr std::size_t starts_between_pauses = 64;
@@ -39,9 +43,9 @@ Verdict verdict_on(const IpAddress& address) {
 
 Verdict verdict_on(const DnsQueries::Reply& reply) {
   std::vector<IpAddress> addresses;
-  const int status = read_addresses(reply, IpAddress::Family::v4, addresses);
+  const int status = dns::read_addresses(reply, IpAddress::Family::v4, addresses);
   if (status == ARES_ENOTFOUND || status == ARES_ENODATA) return {};
-  if (status != ARES_SUCCESS) return {false, dns_status_text(status)};
+  if (status != ARES_SUCCESS) return {false, dns::dns_status_text(status)};
   Verdict verdict;
   for (const IpAddress& address : addresses) {
     verdict = verdict_on(address);
@@ -55,18 +59,30 @@ std::string quoted(std::string_view entry) {
   return "\"" + beginning_of(entry, longest_quotation) + "\"";
 }
 
-void report_left_out(const BlockListSettings& settings, Literal table, std::size_t count,
-                     std::string_view first, std::string_view why) {
+StringList entries_of(ConsoleServices& console, Literal table) {
+  const auto database = console.components().create<Database>();
+  ConnectionHandle connection = database->open_database(console.data_provider());
+  StringList entries = database->get_db_array(connection, table, "entry", {});
+  entries.pop_back();  // the element beyond the rows
+  return entries;
+}
+
+void report_left_out(ConsoleServices& console, Literal table, std::size_t count, std::string_view first,
+                     std::string_view why) {
   if (count == 0) return;
-  settings.report(table.text(), "left out: " + quoted(first) +
-                                    (count == 1 ? "" : " and " + std::to_string(count - 1) + " more") + ", " +
-                                    std::string(why));
+  report(console, table.text(),
+         "left out: " + quoted(first) + (count == 1 ? "" : " and " + std::to_string(count - 1) + " more") +
+             ", " + std::string(why));
 }
 
 }  // namespace
 
-std::vector<std::string> read_zones(const BlockListSettings& settings, Literal table, std::size_t most) {
-  const StringList entries = settings.entries(table);
+void report(ConsoleServices& console, std::string_view what, std::string_view problem) {
+  console.record_failure("block list " + std::string(what), problem);
+}
+
+std::vector<std::string> read_zones(ConsoleServices& console, Literal table, std::size_t most) {
+  const StringList entries = entries_of(console, table);
   std::vector<std::string> zones;
   std::set<std::string> seen;
   std::size_t wrong = 0;
@@ -85,16 +101,16 @@ std::vector<std::string> read_zones(const BlockListSettings& settings, Literal t
       first_beyond = entries[i];
     }
   }
-  report_left_out(settings, table, wrong, first_wrong, "no name of a zone");
-  report_left_out(settings, table, beyond, first_beyond, "too many zones");
+  report_left_out(console, table, wrong, first_wrong, "no name of a zone");
+  report_left_out(console, table, beyond, first_beyond, "too many zones");
   return zones;
 }
 
-Listings::Listings(const BlockListSettings& settings, const std::vector<std::string>& names,
+Listings::Listings(ConsoleServices& console, const std::vector<std::string>& names,
                    const std::vector<std::string>& zones)
     : zones_(zones.size()), listed_(names.size() * zones.size()) {
   if (listed_.empty()) return;
-  DnsQueries queries(settings.dns);
+  DnsQueries queries(console);
   std::vector<std::size_t> asked;  // for each query, its place in listed_
   std::vector<std::string> problems(zones.size());
   for (std::size_t i = 0; i < listed_.size(); ++i) {
@@ -114,8 +130,8 @@ Listings::Listings(const BlockListSettings& settings, const std::vector<std::str
     if (!verdict.problem.empty()) problems[asked[query] % zones_] = std::move(verdict.problem);
   }
   for (std::size_t zone = 0; zone < zones_; ++zone) {
-    if (!problems[zone].empty()) settings.report(zones[zone], problems[zone]);
+    if (!problems[zone].empty()) report(console, zones[zone], problems[zone]);
   }
 }
 
-}  // namespace zrl
+}  // namespace zrl::block_lists

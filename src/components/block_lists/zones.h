@@ -2,16 +2,21 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "components/block_lists/block_list_components.h"
+#include "components/block_lists/block_lists.h"
+#include "core/contracts/statement.h"
 
-namespace zrl {
+namespace zrl::block_lists {
+
+// Records what a check left out, or what did not answer, and why: UTF-8 of a bounded length.
+void report(ConsoleServices& console, std::string_view what, std::string_view problem);
 
 // The zones of a table, in the order of its rows, each once and at most `most` of them. Entries that
-// are no names of domains are left out; so are those beyond `most`; both are reported.
-std::vector<std::string> read_zones(const BlockListSettings& settings, Literal table,
-                                    std::size_t most = most_zones);
+// are no names of domains are left out; so are those beyond `most`; both are reported. Raises zrl::Error if
+// the table cannot be read.
+std::vector<std::string> read_zones(ConsoleServices& console, Literal table, std::size_t most = most_zones);
 
 // Which names are listed in which zones.
 class Listings {
@@ -19,7 +24,7 @@ class Listings {
   // Asks for every name under every zone, all at the same time, and returns when the last answer has
   // come or the time is up. A zone that does not answer, or gives an answer that is no listing, lists
   // nothing and is reported once. Raises zrl::Error if there is no server to ask.
-  Listings(const BlockListSettings& settings, const std::vector<std::string>& names,
+  Listings(ConsoleServices& console, const std::vector<std::string>& names,
            const std::vector<std::string>& zones);
 
   bool has(std::size_t name, std::size_t zone) const { return listed_[name * zones_ + zone]; }
@@ -29,4 +34,4 @@ class Listings {
   std::vector<bool> listed_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::block_lists

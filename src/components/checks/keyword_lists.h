@@ -1,15 +1,17 @@
 #pragma once
 
-#include "components/checks/check_components.h"
+#include "core/contracts/console_services.h"
+#include "core/contracts/database.h"
 
-namespace zrl {
+namespace zrl::checks {
 
 // The lists and switches of the database, read over a connection of its own. All operations raise
 // zrl::Error if they can't be read.
 class KeywordLists {
  public:
-  explicit KeywordLists(const CheckSurroundings& surroundings)
-      : database_(surroundings.database()), conn_(database_->open_database(surroundings.provider())) {}
+  explicit KeywordLists(ConsoleServices& console)
+      : database_(console.components().create<Database>()),
+        conn_(database_->open_database(console.data_provider())) {}
 
   StringList entries(Literal table) {
     StringList result = database_->get_db_array(conn_, table, "entry", Statement("entry<>''"));
@@ -25,4 +27,4 @@ class KeywordLists {
   ConnectionHandle conn_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::checks

@@ -5,7 +5,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::checks {
 
 namespace {
 
@@ -35,8 +35,9 @@ std::string shortened(std::string_view text) {
 
 }  // namespace
 
-KeywordSearch::KeywordSearch(std::string_view text, const Match& match, std::chrono::milliseconds longest)
-    : text_(text.substr(0, longest_text)), index_(lower(text_)), match_(match), longest_(longest) {}
+KeywordSearch::KeywordSearch(std::string_view text, ConsoleServices& console,
+                             std::chrono::milliseconds longest)
+    : text_(text.substr(0, longest_text)), index_(lower(text_)), console_(console), longest_(longest) {}
 
 std::string KeywordSearch::find(const StringList& entries) const {
   for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -56,10 +57,10 @@ std::string KeywordSearch::find_regex(const StringList& entries) const {
       throw Error(error_number::invalid_call,
                   "the regular expressions took too long from " + shortened(entry) + " on");
     }
-    const std::string found = match_(entry, text_);
+    const std::string found = console_.regex_match(entry, text_);
     if (!found.empty()) return shortened(entry) + " (" + shortened(found) + ")";
   }
   return {};
 }
 
-}  // namespace zrl
+}  // namespace zrl::checks

@@ -1,14 +1,14 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include "components/checks/text_index.h"
+#include "core/contracts/console_services.h"
 #include "core/text/string_list.h"
 
-namespace zrl {
+namespace zrl::checks {
 
 // Looks for the entries of keyword lists in one text. An entry is found wherever it stands, within
 // words too, A to Z and a to z being the same; one that is a regular expression is searched for.
@@ -17,10 +17,8 @@ namespace zrl {
 // there are; the regular expressions of a list may take `longest` together.
 class KeywordSearch {
  public:
-  using Match = std::function<std::string(std::string_view entry, std::string_view text)>;
-
-  // `text` must outlive the search.
-  KeywordSearch(std::string_view text, const Match& match,
+  // `text` and the console, which matches the expressions, must outlive the search.
+  KeywordSearch(std::string_view text, ConsoleServices& console,
                 std::chrono::milliseconds longest = std::chrono::seconds(5));
 
   // The entry that was found, a regular expression together with what it matched: valid UTF-8, long
@@ -33,8 +31,8 @@ class KeywordSearch {
 
   std::string_view text_;
   TextIndex index_;  // of the text in small letters
-  const Match& match_;
+  ConsoleServices& console_;
   std::chrono::milliseconds longest_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::checks

@@ -1,6 +1,6 @@
-#include "components/checks/check_components.h"
+#include "components/checks/checks.h"
 
-namespace zrl {
+namespace zrl::checks {
 
 namespace {
 
@@ -22,9 +22,8 @@ class PluginTransport : public PluginHost {
 
 }  // namespace
 
-std::function<std::shared_ptr<PluginHost>()> make_plugin_transport_factory(
-    const ComponentRegistry& components) {
-  return [&components] { return std::make_shared<PluginTransport>(components); };
+std::shared_ptr<PluginHost> make_plugin_host(ConsoleServices& console) {
+  return std::make_shared<PluginTransport>(console.components());
 }
 
-}  // namespace zrl
+}  // namespace zrl::checks

@@ -1,11 +1,12 @@
-#include "components/checks/check_components.h"
+#include "components/checks/checks.h"
 #include "components/checks/keyword_lists.h"
 #include "components/checks/keyword_search.h"
 #include "components/checks/subject_field.h"
 #include "core/text/encoded_words.h"
 #include "core/text/reply_texts.h"
+#include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::checks {
 
 namespace {
 
@@ -15,13 +16,13 @@ constexpr int least_blanks = 3;
 
 class SubjectCheck : public CheckPlugin {
  public:
-  explicit SubjectCheck(CheckSurroundings surroundings) : surroundings_(std::move(surroundings)) {}
+  explicit SubjectCheck(ConsoleServices& console) : console_(console) {}
 
   int info() override { return 1; }
 
   bool initmodule(const MessageContext&) override {
     answer_.clear();
-    KeywordLists lists(surroundings_);
+    KeywordLists lists(console_);
     keywords_ = lists.entries("swords");
     white_words_ = lists.number("enablesubjectwhite") != 0 ? lists.entries("subjectwhite") : StringList();
     refuses_long_ = lists.number("checklongsubject") != 0;
@@ -49,8 +50,8 @@ class SubjectCheck : public CheckPlugin {
  private:
   std::string find(const StringList& entries, const std::string& subject, const std::string& raw) const {
     if (entries.empty()) return {};
-    std::string found = KeywordSearch(subject, surroundings_.match).find(entries);
-    if (found.empty() && raw != subject) found = KeywordSearch(raw, surroundings_.match).find(entries);
+    std::string found = KeywordSearch(subject, console_).find(entries);
+    if (found.empty() && raw != subject) found = KeywordSearch(raw, console_).find(entries);
     return found;
   }
 
@@ -64,7 +65,7 @@ class SubjectCheck : public CheckPlugin {
     return {};
   }
 
-  CheckSurroundings surroundings_;
+  ConsoleServices& console_;
   StringList keywords_;
   StringList white_words_;
   bool refuses_long_ = false;
@@ -75,8 +76,8 @@ class SubjectCheck : public CheckPlugin {
 
 }  // namespace
 
-CheckFactory make_subject_check_factory(CheckSurroundings surroundings) {
-  return [surroundings = std::move(surroundings)] { return std::make_shared<SubjectCheck>(surroundings); };
+std::shared_ptr<CheckPlugin> make_subject_check(ConsoleServices& console) {
+  return std::make_shared<SubjectCheck>(console);
 }
 
-}  // namespace zrl
+}  // namespace zrl::checks

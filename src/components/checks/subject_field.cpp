@@ -4,7 +4,7 @@
 
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::checks {
 
 namespace {
 
@@ -38,4 +38,4 @@ std::size_t longest_run_of_blanks(std::string_view text) {
   return longest;
 }
 
-}  // namespace zrl
+}  // namespace zrl::checks

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace zrl {
+namespace zrl::checks {
 
 // The body of the first Subject field of a header (RFC 5322), unfolded, without blanks at its ends and
 // as it stands otherwise; empty if there is none. The header ends at its first empty line.
@@ -13,4 +13,4 @@ std::string subject_of(std::string_view header);
 // The most blanks (spaces and tabs) that stand in a row.
 std::size_t longest_run_of_blanks(std::string_view text);
 
-}  // namespace zrl
+}  // namespace zrl::checks

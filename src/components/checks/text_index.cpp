@@ -5,7 +5,7 @@
 #include <cstring>
 #include <stdexcept>
 
-namespace zrl {
+namespace zrl::checks {
 
 namespace {
 
@@ -59,4 +59,4 @@ std::size_t TextIndex::bucket_of(const char* sequence) const {
   return (bytes * 2654435761u) >> shift_;
 }
 
-}  // namespace zrl
+}  // namespace zrl::checks

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zrl {
+namespace zrl::checks {
 
 // A text of at most 4 GiB in which many words are looked for. It knows where each sequence of four
 // bytes stands, so that a word is compared only where its rarest sequence is, and mostly nowhere.
@@ -27,4 +27,4 @@ class TextIndex {
   std::vector<std::uint32_t> places_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::checks

@@ -10,7 +10,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::directory {
 
 namespace {
 
@@ -63,25 +63,26 @@ std::string DirectoryEntry::first_value(std::string_view attribute) const {
   return result;
 }
 
-DirectoryConnection::DirectoryConnection(const ServerAddress& server, const DirectorySettings& settings)
-    : settings_(settings),
+DirectoryConnection::DirectoryConnection(ConsoleServices& console, const ServerAddress& server,
+                                         const Options& options)
+    : options_(options),
       url_(server.url),
-      end_(Clock::now() + settings.limits.total),
-      watch_(settings.serve, settings.limits.message_bytes) {
+      end_(Clock::now() + options.limits.total),
+      watch_([&console] { console.process_events(); }, options.limits.message_bytes) {
   LDAP* ldap = nullptr;
   const int code = ldap_initialize(&ldap, server.url.c_str());
   ldap_.reset(ldap);
   if (code != LDAP_SUCCESS) fail(code);
 
   const int version = LDAP_VERSION3;
-  const timeval connect = to_timeval(settings.limits.connect);
+  const timeval connect = to_timeval(options.limits.connect);
   set(LDAP_OPT_PROTOCOL_VERSION, &version);
   set(LDAP_OPT_NETWORK_TIMEOUT, &connect);
   set(LDAP_OPT_REFERRALS, LDAP_OPT_OFF);
-  if (!settings.certificates.empty()) {
+  if (!options.certificates.empty()) {
     const int demand = LDAP_OPT_X_TLS_DEMAND;
     const int as_client = 0;
-    set(LDAP_OPT_X_TLS_CACERTFILE, settings.certificates.c_str());
+    set(LDAP_OPT_X_TLS_CACERTFILE, options.certificates.c_str());
     set(LDAP_OPT_X_TLS_REQUIRE_CERT, &demand);
     set(LDAP_OPT_X_TLS_NEWCTX, &as_client);
   }
@@ -132,7 +133,7 @@ DirectoryConnection::Answer DirectoryConnection::ask(const Question& question, L
   for (const char* name : question.attributes) attributes.push_back(const_cast<char*>(name));
   attributes.push_back(nullptr);
   LDAPControl* controls[] = {page, nullptr};
-  timeval limit = to_timeval(settings_.limits.total);
+  timeval limit = to_timeval(options_.limits.total);
   int id = 0;
   const int code = ldap_search_ext(ldap_.get(), question.base, question.scope, question.filter,
                                    attributes.data(), 0, controls, nullptr, &limit, LDAP_NO_LIMIT, &id);
@@ -149,7 +150,7 @@ DirectoryConnection::Answer DirectoryConnection::ask(const Question& question, L
 }
 
 void DirectoryConnection::begin_waiting() {
-  watch_.set_deadline(std::min(end_, Clock::now() + settings_.limits.answer));
+  watch_.set_deadline(std::min(end_, Clock::now() + options_.limits.answer));
 }
 
 // The next part of an answer.
@@ -185,7 +186,7 @@ DirectoryConnection::Answer DirectoryConnection::result_of(Message message) cons
 DirectoryConnection::Control DirectoryConnection::page_control(const std::string& cookie) const {
   berval value = {cookie.size(), const_cast<char*>(cookie.data())};
   LDAPControl* control = nullptr;
-  const int code = ldap_create_page_control(ldap_.get(), settings_.limits.page_size,
+  const int code = ldap_create_page_control(ldap_.get(), options_.limits.page_size,
                                             cookie.empty() ? nullptr : &value, 0, &control);
   if (code != LDAP_SUCCESS) fail(code);
   return Control(control);
@@ -216,4 +217,4 @@ void DirectoryConnection::fail(int code, const std::string& text) const {
   throw Error(code, message);
 }
 
-}  // namespace zrl
+}  // namespace zrl::directory

@@ -9,11 +9,11 @@
 
 #include <ldap.h>
 
-#include "components/directory/directory_components.h"
+#include "components/directory/directory.h"
 #include "components/directory/server_address.h"
 #include "components/directory/socket_watch.h"
 
-namespace zrl {
+namespace zrl::directory {
 
 // One entry of an answer. Views are valid as long as the entry is being visited.
 class DirectoryEntry {
@@ -34,7 +34,8 @@ class DirectoryEntry {
 // the library's result code and text.
 class DirectoryConnection {
  public:
-  DirectoryConnection(const ServerAddress& server, const DirectorySettings& settings);
+  // The console must outlive it.
+  DirectoryConnection(ConsoleServices& console, const ServerAddress& server, const Options& options);
   DirectoryConnection(const DirectoryConnection&) = delete;
   DirectoryConnection& operator=(const DirectoryConnection&) = delete;
   ~DirectoryConnection() { watch_.close(); }
@@ -81,11 +82,11 @@ class DirectoryConnection {
   void begin_waiting();
   [[noreturn]] void fail(int code, const std::string& text = {}) const;
 
-  DirectorySettings settings_;
+  Options options_;
   std::string url_;
   Clock::time_point end_;
   SocketWatch watch_;
   std::unique_ptr<LDAP, Release> ldap_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::directory

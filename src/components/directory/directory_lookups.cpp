@@ -1,36 +1,43 @@
 #include <array>
-#include <functional>
 #include <utility>
 
-#include "components/directory/directory_components.h"
+#include "components/directory/directory.h"
 #include "components/directory/directory_connection.h"
 #include "components/directory/domain_name.h"
+#include "core/contracts/database.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::directory {
 
 namespace {
 
 class LdapLookups : public DirectoryLookups {
  public:
-  LdapLookups(std::function<std::string()> server, DirectorySettings settings)
-      : server_(std::move(server)), settings_(std::move(settings)) {}
+  LdapLookups(ConsoleServices& console, const Options& options) : console_(console), options_(options) {}
 
   std::string RootDomain() override;
 
  private:
-  std::function<std::string()> server_;
-  DirectorySettings settings_;
+  std::string server() const;
+
+  ConsoleServices& console_;
+  Options options_;
 };
+
+std::string LdapLookups::server() const {
+  const auto database = console_.components().create<Database>();
+  ConnectionHandle connection = database->open_database(console_.data_provider());
+  return std::string(trim(database->read_string("ldapserver", connection)));
+}
 
 // A forest of domains names its root; other servers have the contexts that they keep.
 std::string LdapLookups::RootDomain() {
-  const std::string server(trim(server_()));
+  const std::string server = this->server();
   if (server.empty()) return {};
   const std::vector<const char*> attributes{"rootDomainNamingContext", "defaultNamingContext",
                                             "namingContexts"};
   std::string result;
-  DirectoryConnection connection(ServerAddress::parse(server), settings_);
+  DirectoryConnection connection(console_, ServerAddress::parse(server), options_);
   connection.read_root(attributes, [&](const DirectoryEntry& root) {
     for (const char* attribute : attributes) {
       result = domain_of(root.first_value(attribute));
@@ -42,9 +49,8 @@ std::string LdapLookups::RootDomain() {
 
 }  // namespace
 
-std::shared_ptr<DirectoryLookups> make_directory_lookups(std::function<std::string()> server,
-                                                         DirectorySettings settings) {
-  return std::make_shared<LdapLookups>(std::move(server), std::move(settings));
+std::shared_ptr<DirectoryLookups> make(ConsoleServices& console, const Options& options) {
+  return std::make_shared<LdapLookups>(console, options);
 }
 
-}  // namespace zrl
+}  // namespace zrl::directory

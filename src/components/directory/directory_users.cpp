@@ -1,12 +1,12 @@
 #include <cerrno>
 
-#include "components/directory/directory_components.h"
+#include "components/directory/directory.h"
 #include "components/directory/directory_connection.h"
 #include "components/directory/mail_address.h"
 #include "core/text/error.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::directory {
 
 namespace {
 
@@ -22,16 +22,17 @@ bool is_contact(const DirectoryEntry& entry) {
   return result;
 }
 
-class Users {
+// The addresses that have been read.
+class Addresses {
  public:
-  explicit Users(const DirectorySettings& settings) : settings_(settings) {}
+  Addresses(ConsoleServices& console, const Limits& limits) : console_(console), limits_(limits) {}
 
   void add(const DirectoryEntry& entry) {
     if (is_contact(entry)) return;
     for (const char* attribute : address_attributes) {
       entry.each_value(attribute, [&](std::string_view value) { add(address_in(value)); });
     }
-    if (settings_.report) settings_.report({"read users of the directory", ++entries_, 0});
+    console_.show_progress({"read users of the directory", ++entries_, 0});
   }
 
   StringList take() { return std::move(addresses_); }
@@ -40,13 +41,14 @@ class Users {
   void add(const std::string& address) {
     if (address.empty()) return;
     bytes_ += address.size();
-    if (addresses_.size() >= settings_.limits.addresses || bytes_ > settings_.limits.address_bytes) {
+    if (addresses_.size() >= limits_.addresses || bytes_ > limits_.address_bytes) {
       throw Error(EFBIG, "the directory has too many addresses");
     }
     addresses_.push_back(address);
   }
 
-  const DirectorySettings& settings_;
+  ConsoleServices& console_;
+  const Limits& limits_;
   StringList addresses_;
   std::size_t bytes_ = 0;
   std::uint64_t entries_ = 0;
@@ -63,17 +65,30 @@ std::vector<std::string> bases(DirectoryConnection& connection) {
   return contexts;
 }
 
+class LdapUsers : public DirectoryUsers {
+ public:
+  LdapUsers(ConsoleServices& console, const Options& options) : console_(console), options_(options) {}
+
+  StringList addresses(std::string_view server) override {
+    const ServerAddress address = ServerAddress::parse(server);
+    DirectoryConnection connection(console_, address, options_);
+    Addresses found(console_, options_.limits);
+    for (const std::string& base :
+         address.base.empty() ? bases(connection) : std::vector<std::string>{address.base}) {
+      connection.search(base, with_address, wanted, [&](const DirectoryEntry& entry) { found.add(entry); });
+    }
+    return found.take();
+  }
+
+ private:
+  ConsoleServices& console_;
+  Options options_;
+};
+
 }  // namespace
 
-StringList directory_users(std::string_view server, const DirectorySettings& settings) {
-  const ServerAddress address = ServerAddress::parse(server);
-  DirectoryConnection connection(address, settings);
-  Users users(settings);
-  for (const std::string& base :
-       address.base.empty() ? bases(connection) : std::vector<std::string>{address.base}) {
-    connection.search(base, with_address, wanted, [&](const DirectoryEntry& entry) { users.add(entry); });
-  }
-  return users.take();
+std::shared_ptr<DirectoryUsers> make_users(ConsoleServices& console, const Options& options) {
+  return std::make_shared<LdapUsers>(console, options);
 }
 
-}  // namespace zrl
+}  // namespace zrl::directory

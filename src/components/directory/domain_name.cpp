@@ -8,7 +8,7 @@
 #include "core/text/domain_names.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::directory {
 
 namespace {
 
@@ -41,4 +41,4 @@ std::string domain_of(const std::string& distinguished_name) {
   return result.size() <= longest_domain_name ? lower(result) : std::string();
 }
 
-}  // namespace zrl
+}  // namespace zrl::directory

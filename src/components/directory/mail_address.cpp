@@ -4,7 +4,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::directory {
 
 namespace {
 
@@ -27,4 +27,4 @@ std::string address_in(std::string_view value) {
   return lower(value);
 }
 
-}  // namespace zrl
+}  // namespace zrl::directory

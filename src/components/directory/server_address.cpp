@@ -8,7 +8,7 @@
 #include "core/text/error.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::directory {
 
 namespace {
 
@@ -50,4 +50,4 @@ ServerAddress ServerAddress::parse(std::string_view text) {
   return result;
 }
 
-}  // namespace zrl
+}  // namespace zrl::directory

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace zrl {
+namespace zrl::directory {
 
 struct ServerAddress {
   std::string url;   // "ldap://host:389"
@@ -13,4 +13,4 @@ struct ServerAddress {
   static ServerAddress parse(std::string_view text);
 };
 
-}  // namespace zrl
+}  // namespace zrl::directory

@@ -7,7 +7,7 @@
 
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::directory {
 
 namespace {
 
@@ -98,4 +98,4 @@ bool SocketWatch::wait(Sockbuf_IO_Desc* layer, short event) {
   return false;
 }
 
-}  // namespace zrl
+}  // namespace zrl::directory

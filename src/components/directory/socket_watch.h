@@ -8,7 +8,7 @@
 #include <lber.h>
 #include <ldap.h>
 
-namespace zrl {
+namespace zrl::directory {
 
 // Stands between the directory library and its socket. By itself the library waits without end for
 // the rest of a message or of a greeting of TLS; here it waits until the deadline, events are
@@ -56,4 +56,4 @@ class SocketWatch {
   Sockbuf_IO layer_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::directory

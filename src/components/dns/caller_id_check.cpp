@@ -7,7 +7,7 @@
 #include "core/text/domain_names.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -132,4 +132,4 @@ std::optional<std::string> published_caller_id(const std::string& domain, Sender
   return record_at(name, lookups);
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -7,7 +7,7 @@
 #include "components/dns/sender_lookups.h"
 #include "core/contracts/dns_client.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 // Whether the client is among the servers that the record names, or among those of the domains that it
 // leads to: at most ten, each once. The reason begins with the result, in the words of SPF. Whatever the
@@ -18,4 +18,4 @@ SenderCheck check_caller_id(const SenderQuestion& question, SenderLookups& looku
 // are several, or no answer.
 std::optional<std::string> published_caller_id(const std::string& domain, SenderLookups& lookups);
 
-}  // namespace zrl
+}  // namespace zrl::dns

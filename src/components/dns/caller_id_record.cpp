@@ -9,7 +9,7 @@
 #include "core/text/error.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -106,4 +106,4 @@ CallerIdRecord parse_caller_id_record(std::string_view text) {
   return record;
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -7,7 +7,7 @@
 
 #include "components/dns/ip_address.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 // Who sends mail for a domain, as its Caller-ID record tells: an XML document of the namespace
 // http://ms.net/1, in TXT records of the name _ep.DOMAIN.
@@ -40,4 +40,4 @@ bool is_caller_id_record(std::string_view text);
 // entities of its own), is too long, or holds an address that is none. Nothing outside the text is read.
 CallerIdRecord parse_caller_id_record(std::string_view text);
 
-}  // namespace zrl
+}  // namespace zrl::dns

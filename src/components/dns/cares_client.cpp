@@ -1,9 +1,8 @@
-#include "components/dns/cares_client.h"
-
 #include <ares.h>
 
 #include "components/dns/caller_id_check.h"
 #include "components/dns/cares_lookups.h"
+#include "components/dns/dns.h"
 #include "components/dns/dns_answers.h"
 #include "components/dns/spf_check.h"
 #include "components/dns/spf_record.h"
@@ -12,7 +11,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -49,12 +48,12 @@ SenderCheck for_people(SenderCheck check) {
 
 class CaresClient : public DnsClient {
  public:
-  explicit CaresClient(DnsSurroundings surroundings) : surroundings_(std::move(surroundings)) {}
+  explicit CaresClient(ConsoleServices& console) : console_(console) {}
 
   std::string PTR_Query(std::string_view text) override {
     const std::optional<IpAddress> address = IpAddress::parse(trim(text), IpAddress::Family::v4);
     if (!address) refuse("not an IPv4 address: " + std::string(text));
-    DnsQueries queries(surroundings_);
+    DnsQueries queries(console_);
     const DnsQueries::Reply& reply = queries[queries.start(address->reverse_name(), type_ptr)];
     queries.finish();
     std::vector<std::string> names;
@@ -96,7 +95,7 @@ class CaresClient : public DnsClient {
     if (was_fetched && equals_ignoring_case(question.domain, fetched_.domain))
       question.domain = fetched_.place;
     CaresLookups lookups = start();
-    return for_people(zrl::check_spf(question, lookups));
+    return for_people(dns::check_spf(question, lookups));
   }
 
   SenderCheck check_cid(std::string_view address, std::string_view domain, std::string_view record,
@@ -114,7 +113,7 @@ class CaresClient : public DnsClient {
     std::string record;
   };
 
-  CaresLookups start() const { return {surroundings_, time_of_check}; }
+  CaresLookups start() const { return {console_, time_of_check}; }
 
   // Of a redirect in a record that stands where `from` says, or that is not known to stand anywhere.
   static std::string target_of(const MacroString& redirect, const Fetched& from) {
@@ -127,14 +126,14 @@ class CaresClient : public DnsClient {
     });
   }
 
-  DnsSurroundings surroundings_;
+  ConsoleServices& console_;
   Fetched fetched_;
 };
 
 }  // namespace
 
-std::shared_ptr<DnsClient> make_dns_client(DnsSurroundings surroundings) {
-  return std::make_shared<CaresClient>(std::move(surroundings));
+std::shared_ptr<DnsClient> make(ConsoleServices& console) {
+  return std::make_shared<CaresClient>(console);
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -5,8 +5,9 @@
 #include <ares.h>
 
 #include "components/dns/dns_answers.h"
+#include "core/text/domain_names.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -34,8 +35,8 @@ Records<Record> read_with(const Read& read) {
 
 }  // namespace
 
-CaresLookups::CaresLookups(const DnsSurroundings& surroundings, milliseconds time)
-    : surroundings_(surroundings), end_(Clock::now() + time) {}
+CaresLookups::CaresLookups(ConsoleServices& console, milliseconds time)
+    : console_(console), end_(Clock::now() + time) {}
 
 Records<std::string> CaresLookups::texts(const std::string& name) {
   const Reply reply = ask({name}, type::txt).front();
@@ -65,10 +66,8 @@ std::vector<Reply> CaresLookups::ask(const std::vector<std::string>& names, int 
   std::vector<Reply> replies(names.size(), Reply{ARES_ETIMEOUT, {}});
   const auto left = std::chrono::duration_cast<milliseconds>(end_ - Clock::now());
   if (left <= milliseconds(0)) return replies;
-  DnsSurroundings limited = surroundings_;
-  limited.timeout = [this, left] { return std::min(left, surroundings_.timeout()); };
 
-  DnsQueries queries(limited);
+  DnsQueries queries(console_, left);
   std::vector<std::size_t> asked;
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (is_dns_name(names[i])) {
@@ -83,4 +82,4 @@ std::vector<Reply> CaresLookups::ask(const std::vector<std::string>& names, int 
   return replies;
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

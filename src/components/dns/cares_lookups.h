@@ -3,17 +3,16 @@
 #include <chrono>
 
 #include "components/dns/dns_queries.h"
-#include "components/dns/dns_surroundings.h"
 #include "components/dns/sender_lookups.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 // Look-ups by c-ares. When the time for all of them is up, those that follow fail at once. Each raises
 // zrl::Error if there is no server to ask, and what the waiting raises.
 class CaresLookups : public SenderLookups {
  public:
-  // `surroundings` must outlive this.
-  CaresLookups(const DnsSurroundings& surroundings, std::chrono::milliseconds time);
+  // `time` is for all look-ups together; each has the console's time-out, too. The console must outlive this.
+  CaresLookups(ConsoleServices& console, std::chrono::milliseconds time);
 
   Records<std::string> texts(const std::string& name) override;
   std::vector<Records<IpAddress>> addresses(const std::vector<std::string>& names,
@@ -25,8 +24,8 @@ class CaresLookups : public SenderLookups {
   // The replies for names that are none say that nothing is there.
   std::vector<DnsQueries::Reply> ask(const std::vector<std::string>& names, int type) const;
 
-  const DnsSurroundings& surroundings_;
+  ConsoleServices& console_;
   std::chrono::steady_clock::time_point end_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -6,7 +6,7 @@
 #include <ares.h>
 #include <netdb.h>
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -90,4 +90,4 @@ int read_texts(const Reply& reply, std::vector<std::string>& found) {
   return answered(status, !found.empty());
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -7,9 +7,10 @@
 #include <poll.h>
 
 #include "components/dns/dns_sockets.h"
+#include "core/contracts/name_lookup.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -45,12 +46,13 @@ std::string joined(const std::vector<std::string>& servers) {
 
 }  // namespace
 
-DnsQueries::DnsQueries(const DnsSurroundings& surroundings)
-    : surroundings_(surroundings), sockets_(std::make_unique<DnsSockets>()) {
+DnsQueries::DnsQueries(ConsoleServices& console, milliseconds limit)
+    : console_(console), sockets_(std::make_unique<DnsSockets>()) {
   initialise_library();
-  const std::string servers = joined(surroundings_.servers());
+  NameLookup& names = console_.names();
+  const std::string servers = joined(names.servers());
   if (servers.empty()) throw Error(ARES_ESERVFAIL, "no DNS server is known");
-  timeout_ = surroundings_.timeout();
+  timeout_ = std::min(limit, names.time_out());
   ares_options options{};
   options.flags = ARES_FLAG_NOSEARCH | ARES_FLAG_NOALIASES;
   options.timeout = std::max(1, static_cast<int>(timeout_.count() / shares));
@@ -81,7 +83,7 @@ std::size_t DnsQueries::start(const std::string& name, int type) {
 }
 
 void DnsQueries::pause() {
-  surroundings_.wait(serve);
+  console_.wait(serve);
   process(milliseconds(0));
 }
 
@@ -100,7 +102,7 @@ void DnsQueries::finish() {
 // False if the console is ending, which then returns from waiting at once.
 bool DnsQueries::serve_events() {
   const Clock::time_point begin = Clock::now();
-  surroundings_.wait(serve);
+  console_.wait(serve);
   return 2 * (Clock::now() - begin) >= serve;
 }
 
@@ -144,4 +146,4 @@ std::string dns_status_text(int status) {
   return ares_strerror(status);
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

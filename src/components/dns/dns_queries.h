@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "components/dns/dns_surroundings.h"
+#include "core/contracts/console_services.h"
 
 struct ares_channeldata;
 
-namespace zrl {
+namespace zrl::dns {
 
 class DnsSockets;
 
@@ -25,8 +25,10 @@ class DnsQueries {
     std::vector<std::uint8_t> message;  // the answer as it came; empty without success
   };
 
-  // Raises zrl::Error if there is no server to ask. `surroundings` must outlive this.
-  explicit DnsQueries(const DnsSurroundings& surroundings);
+  // Asks the servers of the console's own look-up of names, within its time-out and the limit. Raises
+  // zrl::Error if there is no server to ask. The console must outlive this.
+  explicit DnsQueries(ConsoleServices& console,
+                      std::chrono::milliseconds limit = std::chrono::milliseconds::max());
   DnsQueries(const DnsQueries&) = delete;
   DnsQueries& operator=(const DnsQueries&) = delete;
   ~DnsQueries();
@@ -58,7 +60,7 @@ class DnsQueries {
   bool serve_events();
   void process(std::chrono::milliseconds wait);
 
-  const DnsSurroundings& surroundings_;
+  ConsoleServices& console_;
   std::chrono::milliseconds timeout_{};
   std::deque<Pending> pending_;  // the channel keeps their addresses
   std::size_t unfinished_ = 0;
@@ -69,4 +71,4 @@ class DnsQueries {
 // What a status of c-ares means, in words.
 std::string dns_status_text(int status);
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -11,7 +11,7 @@
 
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -176,4 +176,4 @@ ares_ssize_t DnsSockets::send_message(ares_socket_t socket, std::string message)
   return ::send(socket, message.data(), message.size(), MSG_NOSIGNAL);
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -8,7 +8,7 @@
 
 #include <ares.h>
 
-namespace zrl {
+namespace zrl::dns {
 
 // The sockets of a channel, which hold two habits of later releases of c-ares (1.28 and up) off the queries.
 // Those releases ask for no name with other characters than those of host names, though policies name such
@@ -55,4 +55,4 @@ class DnsSockets {
   std::set<ares_socket_t> streams_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::dns

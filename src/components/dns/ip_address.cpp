@@ -4,7 +4,7 @@
 
 #include <arpa/inet.h>
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -77,4 +77,4 @@ std::string IpAddress::reverse_name() const {
   return name + "in-addr.arpa";
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace zrl {
+namespace zrl::dns {
 
 // An IPv4 or IPv6 address.
 class IpAddress {
@@ -46,4 +46,4 @@ class IpAddress {
   Bytes6 bytes_{};  // those of an IPv4 address first, the rest 0
 };
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace zrl {
+namespace zrl::dns {
 
 std::string_view name_of(SenderResult result) {
   constexpr std::array<std::string_view, 7> names = {"none",     "neutral",   "pass",     "fail",
@@ -10,4 +10,4 @@ std::string_view name_of(SenderResult result) {
   return names.at(static_cast<std::size_t>(result));
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -7,7 +7,7 @@
 #include "components/dns/ip_address.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 // May this client send mail in the name of this domain?
 struct SenderQuestion {
@@ -33,4 +33,4 @@ class SenderFault : public Error {
   SenderResult result_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -7,7 +7,7 @@
 
 #include "components/dns/ip_address.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 // What the DNS said. A name that is not there, and one without such records, find nothing.
 template <typename Record>
@@ -33,4 +33,4 @@ class SenderLookups {
   virtual Records<std::string> names_of(const IpAddress& address) = 0;
 };
 
-}  // namespace zrl
+}  // namespace zrl::dns

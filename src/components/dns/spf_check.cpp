@@ -8,7 +8,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -279,4 +279,4 @@ std::optional<std::string> published_spf(const std::string& domain, SenderLookup
   return texts.found.front();
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -7,7 +7,7 @@
 #include "components/dns/sender_lookups.h"
 #include "core/contracts/dns_client.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 // Evaluates the record (RFC 7208): at most ten terms may look names up, two of them in vain, and each
 // takes at most ten mail exchangers or host names. The reason begins with the result: "softfail: ~all
@@ -18,4 +18,4 @@ SenderCheck check_spf(const SenderQuestion& question, SenderLookups& lookups);
 // several, or no answer.
 std::optional<std::string> published_spf(const std::string& domain, SenderLookups& lookups);
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -6,7 +6,7 @@
 #include "core/text/domain_names.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -178,4 +178,4 @@ std::string MacroString::transformed(const std::string& value, const Part& part)
   return part.escapes ? url_escaped(joined) : joined;
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zrl {
+namespace zrl::dns {
 
 // Text with macros (RFC 7208, section 7): "%{ir}.%{v}._spf.%{d2}".
 class MacroString {
@@ -49,4 +49,4 @@ class MacroString {
   std::vector<Part> parts_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::dns

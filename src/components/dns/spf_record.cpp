@@ -6,7 +6,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 namespace {
 
@@ -203,4 +203,4 @@ SpfRecord parse_spf_record(std::string_view text) {
   return record;
 }
 
-}  // namespace zrl
+}  // namespace zrl::dns

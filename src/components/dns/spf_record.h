@@ -9,7 +9,7 @@
 #include "components/dns/sender_check.h"
 #include "components/dns/spf_macros.h"
 
-namespace zrl {
+namespace zrl::dns {
 
 struct SpfDirective {
   enum class Mechanism : std::uint8_t { all, include, a, mx, ptr, ip4, ip6, exists };
@@ -38,4 +38,4 @@ bool is_spf_record(std::string_view text);
 // Raises SenderFault with permerror if any term breaks the grammar.
 SpfRecord parse_spf_record(std::string_view text);
 
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -2,7 +2,7 @@
 
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::downloader {
 
 namespace {
 
@@ -31,4 +31,4 @@ void DownloadedFile::complete() {
   naming(path_, [&] { file().publish(); });
 }
 
-}  // namespace zrl
+}  // namespace zrl::downloader

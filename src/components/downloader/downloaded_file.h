@@ -7,7 +7,7 @@
 #include "components/downloader/http_fetcher.h"
 #include "core/text/files.h"
 
-namespace zrl {
+namespace zrl::downloader {
 
 // A file that takes its place when it is complete. Its temporary file appears with the first byte and goes
 // with this object. Errors name the file without its folder.
@@ -26,4 +26,4 @@ class DownloadedFile : public FetchTarget {
   std::optional<NewFile> file_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::downloader

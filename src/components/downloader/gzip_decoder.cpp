@@ -6,7 +6,7 @@
 
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::downloader {
 
 namespace {
 
@@ -44,4 +44,4 @@ void GzipDecoder::decode(std::string_view bytes, const std::function<void(std::s
   }
 }
 
-}  // namespace zrl
+}  // namespace zrl::downloader

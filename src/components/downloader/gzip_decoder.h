@@ -5,7 +5,7 @@
 
 #include <zlib.h>
 
-namespace zrl {
+namespace zrl::downloader {
 
 // Takes compressed bytes as they come (RFC 1952) and hands on what they stand for. Unlike the
 // transfer library, it knows whether the last of them has come.
@@ -25,4 +25,4 @@ class GzipDecoder {
   bool complete_ = false;
 };
 
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -4,11 +4,13 @@
 #include <memory>
 
 #include "components/downloader/downloaded_file.h"
+#include "core/contracts/database.h"
+#include "core/contracts/statement.h"
 #include "core/text/error.h"
 #include "core/text/files.h"
 #include "core/text/utf16.h"
 
-namespace zrl {
+namespace zrl::downloader {
 
 namespace {
 
@@ -86,14 +88,15 @@ void replace(Connection& connection, const PublishedScript& script) {
 
 }  // namespace
 
-std::shared_ptr<Downloader> make_downloader(DownloaderSettings settings) {
-  return std::make_shared<HttpDownloader>(std::move(settings));
+std::shared_ptr<Downloader> make(ConsoleServices& console, std::vector<std::string> files,
+                                 const Options& options) {
+  return std::make_shared<HttpDownloader>(console, std::move(files), options);
 }
 
 std::string HttpDownloader::updateall() {
   failures_.clear();
-  const UpdateAddress address(settings_.address());
-  const fs::path folder = settings_.folder / "download";
+  const UpdateAddress address(this->address());
+  const fs::path folder = console_.folder() / "download";
   std::error_code failure;
   fs::create_directories(folder, failure);
   if (failure) throw Error(failure.value(), folder.string() + ": " + failure.message());
@@ -101,12 +104,12 @@ std::string HttpDownloader::updateall() {
 
   std::vector<std::unique_ptr<DownloadedFile>> files;
   std::vector<FetchJob> jobs;
-  for (const std::string& name : settings_.files) {
+  for (const std::string& name : files_) {
     files.push_back(std::make_unique<DownloadedFile>(folder / name));
     FetchJob& job = jobs.emplace_back();
     job.url = address.of(name);
     job.target = files.back().get();
-    job.byte_limit = settings_.limits.file_bytes;
+    job.byte_limit = options_.limits.file_bytes;
   }
   run(address, jobs, "lists");
   flush_folder(folder);
@@ -116,15 +119,13 @@ std::string HttpDownloader::updateall() {
 void HttpDownloader::run(const UpdateAddress& address, std::span<FetchJob> jobs,
                          std::string_view what) const {
   FetchSettings settings;
-  settings.limits = settings_.limits;
-  settings.certificates = settings_.certificates;
+  settings.limits = options_.limits;
+  settings.certificates = options_.certificates;
   settings.encrypted_only = address.is_encrypted();
   settings.tick = [&](const FetchProgress& progress) {
-    if (settings_.report) {
-      const std::string text = "download " + std::string(what) + ", " + in_megabytes(progress.bytes);
-      settings_.report({text, progress.finished, progress.files});
-    }
-    if (settings_.serve) settings_.serve();
+    const std::string text = "download " + std::string(what) + ", " + in_megabytes(progress.bytes);
+    console_.show_progress({text, progress.finished, progress.files});
+    console_.process_events();
   };
   fetch(jobs, settings);
 }
@@ -134,7 +135,7 @@ std::string HttpDownloader::conclude(const UpdateAddress& address, const std::ve
   std::size_t fetched = 0;
   std::string lines;
   for (std::size_t i = 0; i < jobs.size(); ++i) {
-    const std::string& name = settings_.files[i];
+    const std::string& name = files_[i];
     lines += "\n" + name + ": " + describe(jobs[i]);
     if (jobs[i].outcome == Outcome::fetched) ++fetched;
     if (jobs[i].outcome == Outcome::failed) failures_.push_back({name, jobs[i].reason});
@@ -155,12 +156,12 @@ void HttpDownloader::update_db() {
 }
 
 std::vector<PublishedScript> HttpDownloader::fetch_scripts() const {
-  const UpdateAddress address(settings_.address());
+  const UpdateAddress address(this->address());
   TextTarget target;
   FetchJob job;
   job.url = address.of(script_file);
   job.target = &target;
-  job.byte_limit = settings_.limits.script_bytes;
+  job.byte_limit = options_.limits.script_bytes;
   run(address, {&job, 1}, "scripts");
   if (job.outcome != Outcome::fetched) {
     throw Error(EIO, "no scripts could be fetched from " + address.shown() + ": " + describe(job));
@@ -169,8 +170,8 @@ std::vector<PublishedScript> HttpDownloader::fetch_scripts() const {
 }
 
 void HttpDownloader::merge(const std::vector<PublishedScript>& scripts) const {
-  const std::shared_ptr<Database> database = settings_.database();
-  ConnectionHandle connection = database->open_database(settings_.provider());
+  const std::shared_ptr<Database> database = console_.components().create<Database>();
+  ConnectionHandle connection = database->open_database(console_.data_provider());
   database->CreateTable(connection, "scriptengine",
                         "scriptname nvarchar (255) NOT NULL Primary Key, scriptcontent image NULL, "
                         "sposition nvarchar(255) null, prio int default 0, svisible int default 0");
@@ -180,4 +181,4 @@ void HttpDownloader::merge(const std::vector<PublishedScript>& scripts) const {
   connection->settle();
 }
 
-}  // namespace zrl
+}  // namespace zrl::downloader

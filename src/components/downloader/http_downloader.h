@@ -5,16 +5,17 @@
 #include <string_view>
 #include <vector>
 
-#include "components/downloader/downloader_components.h"
+#include "components/downloader/downloader.h"
 #include "components/downloader/http_fetcher.h"
 #include "components/downloader/published_scripts.h"
 #include "components/downloader/update_address.h"
 
-namespace zrl {
+namespace zrl::downloader {
 
 class HttpDownloader : public Downloader {
  public:
-  explicit HttpDownloader(DownloaderSettings settings) : settings_(std::move(settings)) {}
+  HttpDownloader(ConsoleServices& console, std::vector<std::string> files, const Options& options)
+      : console_(console), files_(std::move(files)), options_(options) {}
 
   std::string updateall() override;
   std::vector<Failure> failures() const override { return failures_; }
@@ -25,9 +26,12 @@ class HttpDownloader : public Downloader {
   std::string conclude(const UpdateAddress& address, const std::vector<FetchJob>& jobs);
   std::vector<PublishedScript> fetch_scripts() const;
   void merge(const std::vector<PublishedScript>& scripts) const;
+  std::string address() const { return console_.setting("updateurl"); }
 
-  DownloaderSettings settings_;
+  ConsoleServices& console_;
+  std::vector<std::string> files_;
+  Options options_;
   std::vector<Failure> failures_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::downloader

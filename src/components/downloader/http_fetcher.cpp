@@ -17,7 +17,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::downloader {
 
 namespace {
 
@@ -134,7 +134,7 @@ class Transfer {
  private:
   void set_limits(milliseconds time) const {
     CURL* easy = handle();
-    const DownloadLimits& limits = settings_.limits;
+    const Limits& limits = settings_.limits;
     set(easy, CURLOPT_NOSIGNAL, 1L);
     set(easy, CURLOPT_QUICK_EXIT, 1L);  // a look-up that hangs must not hold us
     set(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count()));
@@ -335,4 +335,4 @@ void fetch(std::span<FetchJob> jobs, const FetchSettings& settings) {
   Run(jobs, settings).run();
 }
 
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
-#include "components/downloader/downloader_components.h"
+#include "components/downloader/downloader.h"
 
-namespace zrl {
+namespace zrl::downloader {
 
 // Where the bytes of a file go. Either operation may raise zrl::Error, which fails the file.
 class FetchTarget {
@@ -42,7 +42,7 @@ struct FetchProgress {
 };
 
 struct FetchSettings {
-  DownloadLimits limits;
+  Limits limits;
   std::filesystem::path certificates;
   bool encrypted_only = false;
   // Called now and then; what it raises ends the run.
@@ -53,4 +53,4 @@ struct FetchSettings {
 // that does not answer at all is tried no longer than it takes to find that out once.
 void fetch(std::span<FetchJob> jobs, const FetchSettings& settings);
 
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -11,7 +11,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::downloader {
 
 namespace {
 
@@ -103,4 +103,4 @@ std::vector<PublishedScript> read_published_scripts(std::string_view text) {
   return result;
 }
 
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zrl {
+namespace zrl::downloader {
 
 struct PublishedScript {
   std::string name;     // 1 to 255 bytes, fit for a statement
@@ -25,4 +25,4 @@ struct PublishedScript {
 // wrong, if anything else is met or a name stands there twice.
 std::vector<PublishedScript> read_published_scripts(std::string_view json);
 
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -7,7 +7,7 @@
 #include "core/text/error.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::downloader {
 
 namespace {
 
@@ -74,4 +74,4 @@ std::string UpdateAddress::of(std::string_view file) const {
   return url.get(CURLUPART_URL);
 }
 
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace zrl {
+namespace zrl::downloader {
 
 // The address of an update server.
 class UpdateAddress {
@@ -26,4 +26,4 @@ class UpdateAddress {
   bool encrypted_ = false;
 };
 
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -13,7 +13,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::html {
 
 namespace {
 
@@ -222,4 +222,4 @@ void HtmlReader::end_tag(std::string_view name) {
   if (is_one_of(preformatted, name)) layout_.leave_preformatted();
 }
 
-}  // namespace zrl
+}  // namespace zrl::html

@@ -4,7 +4,7 @@
 
 #include "components/html/text_layout.h"
 
-namespace zrl {
+namespace zrl::html {
 
 // Reads HTML from front to back, as browsers cut it into tags and text, and writes what a reader sees
 // into a layout. No tree is built, so that nesting costs nothing.
@@ -30,4 +30,4 @@ class HtmlReader {
   TextLayout& layout_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::html

@@ -1,12 +1,11 @@
-#include "components/html/html_text_converter.h"
-
 #include <string>
 #include <string_view>
 
+#include "components/html/html.h"
 #include "components/html/html_reader.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::html {
 
 namespace {
 
@@ -22,8 +21,8 @@ class HtmlTextConverter : public HtmlConverter {
 
 }  // namespace
 
-std::function<std::shared_ptr<HtmlConverter>()> make_html_converter_factory() {
-  return [] { return std::make_shared<HtmlTextConverter>(); };
+std::shared_ptr<HtmlConverter> make(ConsoleServices&) {
+  return std::make_shared<HtmlTextConverter>();
 }
 
-}  // namespace zrl
+}  // namespace zrl::html

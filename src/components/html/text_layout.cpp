@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace zrl {
+namespace zrl::html {
 
 namespace {
 
@@ -82,4 +82,4 @@ std::string TextLayout::take() {
   return std::move(out_);
 }
 
-}  // namespace zrl
+}  // namespace zrl::html

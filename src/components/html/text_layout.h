@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace zrl {
+namespace zrl::html {
 
 // Text as a reader sees it: runs of blanks are one blank, line breaks stand where blocks meet. What
 // separates two texts is written only when the second one comes.
@@ -39,4 +39,4 @@ class TextLayout {
   std::size_t preformatted_ = 0;
 };
 
-}  // namespace zrl
+}  // namespace zrl::html

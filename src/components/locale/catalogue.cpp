@@ -3,7 +3,7 @@
 #include "core/text/error.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::locale {
 
 namespace {
 
@@ -100,4 +100,4 @@ void Catalogue::add(std::string id, std::string text) {
   }
 }
 
-}  // namespace zrl
+}  // namespace zrl::locale

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zrl {
+namespace zrl::locale {
 
 // The texts of one language, read from a message catalogue in the PO format of GNU gettext: the
 // entries msgid and msgstr, continued strings, the escapes \n \r \t \" \\, comments. Entries with
@@ -38,4 +38,4 @@ class Catalogue {
   std::vector<Prefix> prefixes_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::locale

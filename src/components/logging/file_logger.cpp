@@ -1,5 +1,3 @@
-#include "components/logging/file_logger.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -8,7 +6,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace zrl {
+#include "components/logging/logging.h"
+
+namespace zrl::logging {
 
 namespace {
 
@@ -44,8 +44,8 @@ class FileLogger : public Logger {
 
 }  // namespace
 
-std::function<std::shared_ptr<Logger>()> make_logger_factory() {
-  return [] { return std::make_shared<FileLogger>(); };
+std::shared_ptr<Logger> make(ConsoleServices&) {
+  return std::make_shared<FileLogger>();
 }
 
-}  // namespace zrl
+}  // namespace zrl::logging

@@ -7,7 +7,7 @@
 #include "core/text/character_sets.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::mail {
 
 namespace {
 
@@ -67,4 +67,4 @@ std::string body_text(std::string_view content, const BodyEncoding& encoding, st
   return tidied(CharacterSet(encoding.charset).repaired(bytes, limit), limit);
 }
 
-}  // namespace zrl
+}  // namespace zrl::mail

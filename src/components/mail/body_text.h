@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace zrl {
+namespace zrl::mail {
 
 // How the bytes of a body are written.
 struct BodyEncoding {
@@ -15,4 +15,4 @@ struct BodyEncoding {
 // The text of a body as UTF-8 without zero bytes, lines ended by line feeds, at most `limit` bytes.
 std::string body_text(std::string_view content, const BodyEncoding& encoding, std::size_t limit);
 
-}  // namespace zrl
+}  // namespace zrl::mail

@@ -3,15 +3,16 @@
 
 #include <arpa/inet.h>
 
-#include "components/mail/mail_components.h"
+#include "components/mail/mail.h"
 #include "components/mail/mail_reader.h"
 #include "components/mail/mail_writer.h"
 #include "components/mail/smtp_delivery.h"
+#include "core/contracts/name_lookup.h"
 #include "core/text/error.h"
 #include "core/text/mail_address.h"
 #include "core/text/printable.h"
 
-namespace zrl {
+namespace zrl::mail {
 
 namespace {
 
@@ -28,9 +29,19 @@ std::vector<Mailbox> mailboxes(const std::string& text, const std::string& what)
   return std::move(list.mailboxes);
 }
 
+// The system's look-up knows nothing of the servers that the console was told to ask alone.
+std::vector<std::string> addresses_where_servers_are_named(ConsoleServices& console,
+                                                           const std::string& host) {
+  in6_addr bytes;
+  const bool is_address = host.starts_with('[') || ::inet_pton(AF_INET, host.c_str(), &bytes) == 1 ||
+                          ::inet_pton(AF_INET6, host.c_str(), &bytes) == 1;
+  if (is_address || !console.names().asks_only_servers()) return {};
+  return {console.names().host_address(host)};
+}
+
 class MailComponent : public MailMessage {
  public:
-  explicit MailComponent(MailSettings settings) : settings_(std::move(settings)) {}
+  MailComponent(ConsoleServices& console, Limits limits) : console_(console), limits_(limits) {}
 
   Mail parse(std::string_view source) override { return read_mail(source); }
 
@@ -40,9 +51,8 @@ class MailComponent : public MailMessage {
     // The library blocks while it waits for some of the replies, so it has a thread of its own.
     std::future<void> delivered = std::async(std::launch::async, [&] { deliver(delivery, cancelled_); });
     try {
-      while (settings_.wait &&
-             delivered.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
-        settings_.wait(poll_interval);
+      while (delivered.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
+        console_.wait(poll_interval);
       }
     } catch (...) {
       cancelled_ = true;
@@ -67,22 +77,23 @@ class MailComponent : public MailMessage {
     }
     SmtpDelivery delivery;
     delivery.server = server;
-    if (settings_.find_addresses) delivery.addresses = settings_.find_addresses(server.host);
+    delivery.addresses = addresses_where_servers_are_named(console_, server.host);
     delivery.sender = senders.front().address;
     for (const Mailbox& recipient : recipients) delivery.recipients.push_back(recipient.address);
     delivery.source = write_mail(mail, senders.front(), recipients);
-    delivery.limits = settings_.limits;
+    delivery.limits = limits_;
     return delivery;
   }
 
-  MailSettings settings_;
+  ConsoleServices& console_;
+  Limits limits_;
   std::atomic<bool> cancelled_ = false;
 };
 
 }  // namespace
 
-std::shared_ptr<MailMessage> make_mail_message(MailSettings settings) {
-  return std::make_shared<MailComponent>(std::move(settings));
+std::shared_ptr<MailMessage> make(ConsoleServices& console, Limits limits) {
+  return std::make_shared<MailComponent>(console, limits);
 }
 
-}  // namespace zrl
+}  // namespace zrl::mail

@@ -13,7 +13,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::mail {
 
 namespace {
 
@@ -156,4 +156,4 @@ Mail read_mail(std::string_view source) {
   return mail;
 }
 
-}  // namespace zrl
+}  // namespace zrl::mail

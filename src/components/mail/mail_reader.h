@@ -4,9 +4,9 @@
 
 #include "core/contracts/mail_message.h"
 
-namespace zrl {
+namespace zrl::mail {
 
 // As MailMessage::parse() promises.
 Mail read_mail(std::string_view source);
 
-}  // namespace zrl
+}  // namespace zrl::mail

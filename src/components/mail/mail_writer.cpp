@@ -8,7 +8,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::mail {
 
 namespace {
 
@@ -149,4 +149,4 @@ std::string write_mail(const Mail& mail, const Mailbox& sender, const std::vecto
   return source_of(message.get());
 }
 
-}  // namespace zrl
+}  // namespace zrl::mail

@@ -1,6 +1,6 @@
 #include "components/mail/mime_library.h"
 
-namespace zrl {
+namespace zrl::mail {
 
 void initialise_mime_library() {
   static const bool ready = [] {
@@ -10,4 +10,4 @@ void initialise_mime_library() {
   static_cast<void>(ready);
 }
 
-}  // namespace zrl
+}  // namespace zrl::mail

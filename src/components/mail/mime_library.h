@@ -4,7 +4,7 @@
 
 #include <gmime/gmime.h>
 
-namespace zrl {
+namespace zrl::mail {
 
 // The library, ready for use. Cheap after the first call; from any thread.
 void initialise_mime_library();
@@ -21,4 +21,4 @@ struct FreeText {
 };
 using MimeText = std::unique_ptr<char, FreeText>;
 
-}  // namespace zrl
+}  // namespace zrl::mail

@@ -6,7 +6,7 @@
 
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::mail {
 
 namespace {
 
@@ -110,4 +110,4 @@ void for_each_part(std::string_view body, const std::string& boundary,
   }
 }
 
-}  // namespace zrl
+}  // namespace zrl::mail

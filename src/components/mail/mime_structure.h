@@ -11,7 +11,7 @@
 // stack of boundaries for every line, reads addresses recursively, and loses what follows an encoded
 // word with padding: a mail of a few megabytes can take gigabytes or half a minute, or overflow the
 // stack. Here a mail is only looked at, and the library reads types and bodies of bounded size.
-namespace zrl {
+namespace zrl::mail {
 
 enum class MimeField { from, to, subject, content_type, content_disposition, content_transfer_encoding };
 inline constexpr std::size_t mime_field_count = 6;
@@ -37,4 +37,4 @@ MimeEntity read_entity(std::string_view source);
 void for_each_part(std::string_view body, const std::string& boundary,
                    const std::function<bool(std::string_view part)>& visit);
 
-}  // namespace zrl
+}  // namespace zrl::mail

@@ -15,7 +15,7 @@
 #include "core/text/printable.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::mail {
 
 namespace {
 
@@ -222,4 +222,4 @@ void deliver(const SmtpDelivery& delivery, const std::atomic<bool>& cancelled) {
   Conversation(delivery, cancelled).run();
 }
 
-}  // namespace zrl
+}  // namespace zrl::mail

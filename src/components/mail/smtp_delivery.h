@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "components/mail/mail_components.h"
+#include "components/mail/mail.h"
 
-namespace zrl {
+namespace zrl::mail {
 
 // One mail on its way to a server.
 struct SmtpDelivery {
@@ -15,11 +15,11 @@ struct SmtpDelivery {
   std::string sender;                  // addresses that have been checked
   std::vector<std::string> recipients;
   std::string source;  // lines ended by CR LF
-  MailLimits limits;
+  Limits limits;
 };
 
 // As MailMessage::send() promises, in a thread of its own if need be. Gives up within a second after
 // `cancelled` became true.
 void deliver(const SmtpDelivery& delivery, const std::atomic<bool>& cancelled);
 
-}  // namespace zrl
+}  // namespace zrl::mail

@@ -6,7 +6,7 @@
 #include "core/text/error.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::pcre2 {
 
 namespace {
 
@@ -85,4 +85,4 @@ typename CompiledPattern<Unit>::Code CompiledPattern<Unit>::compile(std::uint32_
 template class CompiledPattern<char>;
 template class CompiledPattern<char16_t>;
 
-}  // namespace zrl
+}  // namespace zrl::pcre2

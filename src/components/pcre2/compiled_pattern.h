@@ -9,7 +9,7 @@
 #include "components/pcre2/pcre2_api.h"
 #include "core/contracts/regexp.h"
 
-namespace zrl {
+namespace zrl::pcre2 {
 
 // Frees what a library of PCRE2 made.
 template <auto free>
@@ -60,4 +60,4 @@ class CompiledPattern {
 extern template class CompiledPattern<char>;
 extern template class CompiledPattern<char16_t>;
 
-}  // namespace zrl
+}  // namespace zrl::pcre2

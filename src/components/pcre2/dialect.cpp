@@ -9,7 +9,7 @@
 #include "core/text/error.h"
 #include "core/text/utf16.h"
 
-namespace zrl {
+namespace zrl::pcre2 {
 
 namespace {
 
@@ -529,4 +529,4 @@ bool needs_folding(std::u32string_view pattern) {
   return false;
 }
 
-}  // namespace zrl
+}  // namespace zrl::pcre2

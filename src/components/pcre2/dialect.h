@@ -5,7 +5,7 @@
 #include <string_view>
 
 // From the dialect of script writers to the syntax of PCRE2.
-namespace zrl {
+namespace zrl::pcre2 {
 
 // What the translated pattern is compiled for.
 struct DialectTarget {
@@ -36,4 +36,4 @@ DialectPattern translate_pattern(std::u32string_view pattern, DialectTarget targ
 // ASCII, or refers back to text that may hold them.
 bool needs_folding(std::u32string_view pattern);
 
-}  // namespace zrl
+}  // namespace zrl::pcre2

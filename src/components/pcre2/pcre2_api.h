@@ -4,7 +4,7 @@
 #include <pcre2.h>
 
 // PCRE2 has one library a width, with the same functions under other names.
-namespace zrl {
+namespace zrl::pcre2 {
 
 template <typename Unit>
 struct Pcre2;
@@ -73,4 +73,4 @@ struct Pcre2<char16_t> {
   static constexpr auto jit_stack_assign = pcre2_jit_stack_assign_16;
 };
 
-}  // namespace zrl
+}  // namespace zrl::pcre2

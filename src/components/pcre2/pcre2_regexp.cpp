@@ -1,16 +1,15 @@
-#include "components/pcre2/pcre2_regexp.h"
-
 #include <list>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <variant>
 
+#include "components/pcre2/pcre2.h"
 #include "components/pcre2/searcher.h"
 #include "core/text/error.h"
 #include "core/text/utf16.h"
 
-namespace zrl {
+namespace zrl::pcre2 {
 
 namespace {
 
@@ -64,7 +63,9 @@ struct Engine {
 };
 
 struct Engines {
-  explicit Engines(RegExpLimits limits) : utf8(limits.search), units16(limits.search) {}
+  explicit Engines(Limits the_limits) : limits(the_limits), utf8(limits.search), units16(limits.search) {}
+
+  Limits limits;
 
   Engine<char> utf8;
   Engine<char16_t> units16;
@@ -146,8 +147,14 @@ class Pcre2RegExp : public RegExp {
 
 }  // namespace
 
-std::function<std::shared_ptr<RegExp>()> make_regexp_factory(RegExpLimits limits) {
-  return [engines = std::make_shared<Engines>(limits)] { return std::make_shared<Pcre2RegExp>(engines); };
+std::shared_ptr<RegExp> make(ConsoleServices&, Limits limits) {
+  return make_regexp(limits);
 }
 
-}  // namespace zrl
+std::shared_ptr<RegExp> make_regexp(Limits limits) {
+  thread_local std::shared_ptr<Engines> engines;
+  if (!engines || engines->limits.search != limits.search) engines = std::make_shared<Engines>(limits);
+  return std::make_shared<Pcre2RegExp>(engines);
+}
+
+}  // namespace zrl::pcre2

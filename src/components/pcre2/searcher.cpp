@@ -5,7 +5,7 @@
 
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::pcre2 {
 
 namespace {
 
@@ -146,4 +146,4 @@ int Searcher<Unit>::match(const typename Api::Code* code, typename Api::MatchDat
 template class Searcher<char>;
 template class Searcher<char16_t>;
 
-}  // namespace zrl
+}  // namespace zrl::pcre2

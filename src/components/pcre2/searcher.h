@@ -7,7 +7,7 @@
 
 #include "components/pcre2/compiled_pattern.h"
 
-namespace zrl {
+namespace zrl::pcre2 {
 
 // Searches texts of one width, within bounds of time and memory. Serves one thread.
 //
@@ -45,4 +45,4 @@ class Searcher {
 extern template class Searcher<char>;
 extern template class Searcher<char16_t>;
 
-}  // namespace zrl
+}  // namespace zrl::pcre2

@@ -4,7 +4,7 @@
 
 #include "components/service/system_bus.h"
 
-namespace zrl {
+namespace zrl::service {
 
 namespace {
 
@@ -109,4 +109,4 @@ void BusServices::order(const char* method, std::string_view service) const {
   bus.call(call);
 }
 
-}  // namespace zrl
+}  // namespace zrl::service

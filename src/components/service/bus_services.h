@@ -5,7 +5,7 @@
 
 #include "components/service/unit.h"
 
-namespace zrl {
+namespace zrl::service {
 
 class SystemBus;
 
@@ -25,4 +25,4 @@ class BusServices : public ServiceManager {
   std::chrono::milliseconds time_limit_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::service

@@ -1,15 +1,16 @@
 #include "components/service/bus_services.h"
-#include "components/service/service_components.h"
+#include "components/service/service.h"
 #include "components/service/systemctl_services.h"
 
-namespace zrl {
+namespace zrl::service {
 
 namespace {
 
 // The bus, and the program where that fails for any other reason than that there is no such service.
 class Services : public ServiceManager {
  public:
-  explicit Services(ServiceSettings settings) : bus_(settings.time_limit), systemctl_(std::move(settings)) {}
+  Services(RunProgram run, std::chrono::milliseconds time_limit)
+      : bus_(time_limit), systemctl_(std::move(run), time_limit) {}
 
   ServiceState inspect(std::string_view service) override {
     ServiceState state;
@@ -43,8 +44,8 @@ class Services : public ServiceManager {
 
 }  // namespace
 
-std::shared_ptr<ServiceManager> make_service_manager(ServiceSettings settings) {
-  return std::make_shared<Services>(std::move(settings));
+std::shared_ptr<ServiceManager> make(ConsoleServices&, RunProgram run, std::chrono::milliseconds time_limit) {
+  return std::make_shared<Services>(std::move(run), time_limit);
 }
 
-}  // namespace zrl
+}  // namespace zrl::service

@@ -7,7 +7,7 @@
 #include "components/service/unit.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::service {
 
 namespace {
 
@@ -99,4 +99,4 @@ std::string read_text(const BusMessage& message, char type) {
   return text;
 }
 
-}  // namespace zrl
+}  // namespace zrl::service

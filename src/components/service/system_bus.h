@@ -8,7 +8,7 @@
 
 #include <systemd/sd-bus.h>
 
-namespace zrl {
+namespace zrl::service {
 
 struct BusMessageUnref {
   void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
@@ -42,4 +42,4 @@ void check_bus(int result, const char* what);
 void append_texts(const BusMessage& message, const std::vector<std::string>& texts);
 std::string read_text(const BusMessage& message, char type = SD_BUS_TYPE_STRING);
 
-}  // namespace zrl
+}  // namespace zrl::service

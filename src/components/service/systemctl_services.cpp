@@ -2,7 +2,7 @@
 
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::service {
 
 namespace {
 
@@ -54,9 +54,9 @@ void SystemctlServices::order(const char* verb, std::string_view service) const 
 
 std::string SystemctlServices::run(std::vector<std::string> words) const {
   words.insert(words.begin(), "--no-pager");
-  ProgramResult result = settings_.run({"systemctl", std::move(words), {}}, settings_.time_limit);
+  ProgramResult result = run_({"systemctl", std::move(words), {}}, time_limit_);
   if (result.exit_status != 0) throw Error(result.exit_status, excerpt(result.text));
   return std::move(result.text);
 }
 
-}  // namespace zrl
+}  // namespace zrl::service

@@ -1,15 +1,16 @@
 #pragma once
 
-#include "components/service/service_components.h"
+#include "components/service/service.h"
 #include "components/service/unit.h"
 
-namespace zrl {
+namespace zrl::service {
 
 // systemd's services by its program, which reaches the manager by ways of its own: as root without
 // a bus.
 class SystemctlServices : public ServiceManager {
  public:
-  explicit SystemctlServices(ServiceSettings settings) : settings_(std::move(settings)) {}
+  SystemctlServices(RunProgram run, std::chrono::milliseconds time_limit)
+      : run_(std::move(run)), time_limit_(time_limit) {}
 
   ServiceState inspect(std::string_view service) override { return state_of(unit_of(service)); }
   void start(std::string_view service) override { order("start", service); }
@@ -20,7 +21,8 @@ class SystemctlServices : public ServiceManager {
   void order(const char* verb, std::string_view service) const;
   std::string run(std::vector<std::string> words) const;
 
-  ServiceSettings settings_;
+  RunProgram run_;
+  std::chrono::milliseconds time_limit_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::service

@@ -7,7 +7,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::service {
 
 namespace {
 
@@ -55,4 +55,4 @@ std::string excerpt(std::string_view text) {
   return printable(trim(cut_between_characters(said.substr(0, said.find('\n')), longest_excerpt)));
 }
 
-}  // namespace zrl
+}  // namespace zrl::service

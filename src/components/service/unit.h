@@ -6,7 +6,7 @@
 #include "core/contracts/service_manager.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::service {
 
 // A unit as systemd describes it.
 struct Unit {
@@ -33,4 +33,4 @@ Error unknown_service(std::string_view service);
 // The first line of what the manager said, as an error tells it.
 std::string excerpt(std::string_view text);
 
-}  // namespace zrl
+}  // namespace zrl::service

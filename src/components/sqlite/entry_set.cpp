@@ -6,7 +6,7 @@
 
 #include <sodium.h>
 
-namespace zrl {
+namespace zrl::sqlite {
 
 EntryHasher::EntryHasher() {
   std::random_device source;
@@ -57,4 +57,4 @@ std::size_t EntrySet::slot_of(const EntryHasher::Hash& hash) const {
   return index;
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zrl {
+namespace zrl::sqlite {
 
 // Hashes entries (SipHash-2-4, 128 bits) under a key that is drawn anew for each hasher, so that nobody can
 // prepare entries whose hashes meet.
@@ -52,4 +52,4 @@ class EntrySet {
   std::size_t mask_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -6,7 +6,7 @@
 #include "core/text/error.h"
 #include "core/text/files.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
@@ -79,9 +79,9 @@ bool export_list(const ListTransfer& transfer, const Statement& condition, const
   for (std::uint64_t done = 0; rows->step(); ++done) {
     const std::string_view entry = rows->text(0);
     if (!entry.empty()) file.add_line(entry);
-    if (transfer.report && done % report_interval == 0) transfer.report({text, done, 0});
+    if (done % report_interval == 0) transfer.console.show_progress({text, done, 0});
   }
   return file.publish(overwrite);
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

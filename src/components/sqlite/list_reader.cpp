@@ -12,7 +12,7 @@
 #include "core/text/text.h"
 #include "core/text/utf8.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
@@ -100,4 +100,4 @@ std::string ListReader::fingerprint() const {
          std::to_string(status.st_mtim.tv_nsec);
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

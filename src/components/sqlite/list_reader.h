@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zrl {
+namespace zrl::sqlite {
 
 // Reads a list file entry by entry, in a fixed amount of memory. Lines end with LF or CRLF; a byte-
 // order mark, blank lines and blanks around entries are dropped; bytes that are no UTF-8 become
@@ -43,4 +43,4 @@ class ListReader {
   std::string repaired_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -10,7 +10,7 @@
 #include "components/sqlite/list_reader.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
@@ -41,7 +41,7 @@ class Work {
  public:
   explicit Work(const ListTransfer& transfer)
       : engine_(transfer.session.engine),
-        report_(transfer.report),
+        console_(transfer.console),
         entries_a_pass_(transfer.entries_a_pass),
         name_(transfer.table.text()),
         table_(quoted_name(transfer.table.text())),
@@ -71,7 +71,7 @@ class Work {
   std::uint64_t passes() const { return static_cast<std::uint64_t>(entries_) / entries_a_pass_ + 1; }
 
   Engine& engine_;
-  const std::function<void(const Progress&)>& report_;
+  ConsoleServices& console_;
   std::uint64_t entries_a_pass_;
   std::string name_;
   std::string table_;
@@ -254,7 +254,7 @@ void Work::create_indexes(const std::vector<std::string>& statements) {
 }
 
 void Work::tick(const char* what, std::uint64_t done, std::uint64_t total) {
-  if (report_ && done % report_interval == 0) report_({what + name_, done, total});
+  if (done % report_interval == 0) console_.show_progress({what + name_, done, total});
 }
 
 }  // namespace
@@ -273,4 +273,4 @@ void delete_list(const ListTransfer& transfer, const std::filesystem::path& path
   Work(transfer).remove(reader);
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -2,22 +2,21 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 
 #include "components/sqlite/sqlite_connection.h"
-#include "core/contracts/host.h"
+#include "core/contracts/console_services.h"
 #include "core/contracts/statement.h"
 #include "core/text/string_list.h"
 
 // Whole lists to and from files. Each of these is one transaction, all or nothing.
-namespace zrl {
+namespace zrl::sqlite {
 
 // A column of a table, and whom to tell about the progress.
 struct ListTransfer {
   Session& session;
   Literal column;
   Literal table;
-  const std::function<void(const Progress&)>& report;
+  ConsoleServices& console;
   // Of a file with more entries, so many are kept in memory at a time: 16 to 32 bytes each.
   std::uint64_t entries_a_pass = std::uint64_t{2} << 20;
 };
@@ -37,4 +36,4 @@ void delete_list(const ListTransfer& transfer, const std::filesystem::path& path
 bool export_list(const ListTransfer& transfer, const Statement& condition, const std::filesystem::path& path,
                  bool overwrite);
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -6,7 +6,7 @@
 
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
@@ -257,4 +257,4 @@ void ensure_schema(Engine& engine, SchemaCheck check) {
   atomic.commit();
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -4,7 +4,7 @@
 
 #include "components/sqlite/sqlite_engine.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 // The tables and indexes of the database as one text of statements. The table of the scripts is
 // not among them; its page creates it.
@@ -16,4 +16,4 @@ enum class SchemaCheck { quick, thorough };
 // quick check looks at the database's version number only and returns at once if it is up to date.
 void ensure_schema(Engine& engine, SchemaCheck check);
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

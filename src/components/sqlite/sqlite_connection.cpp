@@ -5,11 +5,11 @@
 #include "components/sqlite/schema.h"
 #include "components/sqlite/sqlite_record_set.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
-std::shared_ptr<Session> open_session(const std::filesystem::path& path, const SqliteOptions& options,
+std::shared_ptr<Session> open_session(const std::filesystem::path& path, const Options& options,
                                       bool create) {
   Engine::Options engine_options;
   engine_options.busy_timeout = options.busy_timeout;
@@ -21,7 +21,7 @@ std::shared_ptr<Session> open_session(const std::filesystem::path& path, const S
 
 }  // namespace
 
-SqliteConnection::SqliteConnection(std::filesystem::path path, const SqliteOptions& options)
+SqliteConnection::SqliteConnection(std::filesystem::path path, const Options& options)
     : path_(std::move(path)), options_(options), session_(open_session(path_, options_, true)) {}
 
 void SqliteConnection::execute(const Statement& statement) {
@@ -61,4 +61,4 @@ void SqliteConnection::follow_the_file() {
   session_ = open_session(path_, options_, false);
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

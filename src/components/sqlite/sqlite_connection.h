@@ -3,12 +3,12 @@
 #include <filesystem>
 #include <memory>
 
-#include "components/sqlite/sqlite_components.h"
+#include "components/sqlite/sqlite.h"
 #include "components/sqlite/sqlite_engine.h"
 #include "components/sqlite/statement_cache.h"
 #include "core/contracts/database.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 // An open file with its compiled statements. Record sets share it with their connection.
 struct Session {
@@ -24,7 +24,7 @@ struct Session {
 class SqliteConnection : public Connection {
  public:
   // Opens the file and creates what is missing of the schema.
-  SqliteConnection(std::filesystem::path path, const SqliteOptions& options);
+  SqliteConnection(std::filesystem::path path, const Options& options);
 
   void execute(const Statement& statement) override;
   std::unique_ptr<RecordSet> open(const Statement& select, Access access) override;
@@ -41,8 +41,8 @@ class SqliteConnection : public Connection {
   void follow_the_file();
 
   std::filesystem::path path_;
-  SqliteOptions options_;
+  Options options_;
   std::shared_ptr<Session> session_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

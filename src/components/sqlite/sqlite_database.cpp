@@ -3,11 +3,12 @@
 #include <utility>
 
 #include "components/sqlite/schema.h"
+#include "core/contracts/directory.h"
 #include "core/text/error.h"
 #include "core/text/paths.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
@@ -104,21 +105,11 @@ void add_word(Literal table, std::string_view word, const ConnectionHandle& conn
 
 }  // namespace
 
-SqliteDatabase::SqliteDatabase(const std::filesystem::path& folder, std::function<std::string()> provider,
-                               std::function<void(const Progress&)> report, SqliteOptions options,
-                               DirectoryReader directory)
-    : folder_(std::filesystem::absolute(folder)),
-      provider_(std::move(provider)),
-      report_(std::move(report)),
-      options_(options),
-      directory_(std::move(directory)) {}
+SqliteDatabase::SqliteDatabase(ConsoleServices& console, Options options)
+    : console_(console), folder_(std::filesystem::absolute(console.folder())), options_(options) {}
 
-std::shared_ptr<Database> make_sqlite_database(const std::filesystem::path& folder,
-                                               std::function<std::string()> provider,
-                                               std::function<void(const Progress&)> report,
-                                               SqliteOptions options, DirectoryReader directory) {
-  return std::make_shared<SqliteDatabase>(folder, std::move(provider), std::move(report), options,
-                                          std::move(directory));
+std::shared_ptr<Database> make(ConsoleServices& console, Options options) {
+  return std::make_shared<SqliteDatabase>(console, options);
 }
 
 ConnectionHandle SqliteDatabase::open_database(std::string_view provider) {
@@ -231,14 +222,16 @@ void SqliteDatabase::adddropps(std::int64_t number, ConnectionHandle& conn) {
 }
 
 bool SqliteDatabase::import_(Literal column, Literal table, std::string_view path, bool /*flag*/) {
-  with_own(
-      [&](Session& session) { import_list({session, column, table, report_}, std::filesystem::path(path)); });
+  with_own([&](Session& session) {
+    import_list({session, column, table, console_}, std::filesystem::path(path));
+  });
   return true;
 }
 
 bool SqliteDatabase::delete_(Literal column, Literal table, std::string_view path, bool /*flag*/) {
-  with_own(
-      [&](Session& session) { delete_list({session, column, table, report_}, std::filesystem::path(path)); });
+  with_own([&](Session& session) {
+    delete_list({session, column, table, console_}, std::filesystem::path(path));
+  });
   return true;
 }
 
@@ -247,7 +240,7 @@ bool SqliteDatabase::export_(Literal column, Literal table, const Statement& con
   bool written = false;
   with_own([&](Session& session) {
     written =
-        export_list({session, column, table, report_}, condition, std::filesystem::path(path), overwrite);
+        export_list({session, column, table, console_}, condition, std::filesystem::path(path), overwrite);
   });
   return written;
 }
@@ -274,7 +267,7 @@ StringList SqliteDatabase::read_disclaimer(std::string_view rule) {
 }
 
 void SqliteDatabase::adad() {
-  if (!directory_) throw Error(error_number::cannot_create_object, "directory access is not available");
+  const auto directory = console_.components().create<DirectoryUsers>();
   std::string server;
   with_own([&](Session& session) {
     const Loan query = session.statements.prepare("SELECT value FROM konf WHERE ID='ldapserver'");
@@ -284,8 +277,8 @@ void SqliteDatabase::adad() {
     throw Error(error_number::invalid_property_value, "no directory server is named (the option ldapserver)");
   }
   // Nothing is locked while the server is asked.
-  const StringList users = directory_(server);
-  with_own([&](Session& session) { add_entries({session, "entry", "localmail", report_}, users); });
+  const StringList users = directory->addresses(server);
+  with_own([&](Session& session) { add_entries({session, "entry", "localmail", console_}, users); });
 }
 
 std::filesystem::path SqliteDatabase::path_of(std::string_view provider) const {
@@ -305,7 +298,7 @@ std::filesystem::path SqliteDatabase::path_of(std::string_view provider) const {
 void SqliteDatabase::with_own(const std::function<void(Session&)>& action) {
   // The report of the progress may let events run that come back here.
   if (own_is_busy_) throw Error(SQLITE_BUSY, "another list is being transferred");
-  std::string provider = provider_();
+  std::string provider = console_.data_provider();
   if (!own_ || provider != own_provider_) {
     own_ = std::make_unique<SqliteConnection>(path_of(provider), options_);
     own_provider_ = std::move(provider);
@@ -319,4 +312,4 @@ void SqliteDatabase::with_own(const std::function<void(Session&)>& action) {
   own_->settle();
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -10,13 +10,11 @@
 #include "components/sqlite/sqlite_connection.h"
 #include "core/contracts/database.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 class SqliteDatabase : public Database {
  public:
-  SqliteDatabase(const std::filesystem::path& folder, std::function<std::string()> provider,
-                 std::function<void(const Progress&)> report, SqliteOptions options,
-                 DirectoryReader directory);
+  SqliteDatabase(ConsoleServices& console, Options options);
 
   ConnectionHandle open_database(std::string_view provider) override;
 
@@ -59,14 +57,12 @@ class SqliteDatabase : public Database {
   // Runs the action on the component's own connection, and makes what it wrote durable.
   void with_own(const std::function<void(Session&)>& action);
 
+  ConsoleServices& console_;
   std::filesystem::path folder_;
-  std::function<std::string()> provider_;
-  std::function<void(const Progress&)> report_;
-  SqliteOptions options_;
-  DirectoryReader directory_;
+  Options options_;
   std::unique_ptr<SqliteConnection> own_;
   std::string own_provider_;
   bool own_is_busy_ = false;
 };
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -5,7 +5,7 @@
 
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
@@ -308,4 +308,4 @@ std::string quoted_name(std::string_view name) {
   return result += '"';
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -11,7 +11,7 @@
 
 // The database engine, as thin as it can be: one open file, and prepared statements on it. Every
 // failure is a zrl::Error with the engine's result code and message.
-namespace zrl {
+namespace zrl::sqlite {
 
 class Query;
 
@@ -150,4 +150,4 @@ class Snapshot {
 // A table or column name as statement text: quoted, unless it is written in brackets already.
 std::string quoted_name(std::string_view name);
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -8,7 +8,7 @@
 #include "core/text/error.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
@@ -365,4 +365,4 @@ void SqliteRecordSet::require_row() const {
   if (at_end()) throw Error(error_number::subscript_out_of_range, "no current row");
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -11,7 +11,7 @@
 
 #include "components/sqlite/sqlite_connection.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 // The values of some rows, one behind the other.
 class RowBlock {
@@ -121,4 +121,4 @@ class SqliteRecordSet : public RecordSet {
   bool wants_changed_ = true;
 };
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -1,10 +1,10 @@
 #include <utility>
 
-#include "components/sqlite/sqlite_components.h"
+#include "components/sqlite/sqlite.h"
 #include "components/sqlite/sqlite_engine.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
@@ -15,50 +15,36 @@ constexpr std::string_view dword_kind = "REG_DWORD";
 constexpr const char* registry_table =
     "CREATE TABLE IF NOT EXISTS registry (path TEXT PRIMARY KEY COLLATE NOCASE, kind TEXT, value)";
 
-class SqliteRegistryStore : public RegistryStore, public std::enable_shared_from_this<SqliteRegistryStore> {
+class SqliteRegistry : public Registry {
  public:
-  SqliteRegistryStore(const std::filesystem::path& folder, SqliteOptions options)
+  SqliteRegistry(const std::filesystem::path& folder, Options options)
       : path_(std::filesystem::absolute(folder) / "registry.db"), options_(options) {}
 
-  std::shared_ptr<Registry> registry() override;
-
-  std::optional<Value> find(std::string_view path) override {
+  std::optional<std::string> regread(std::string_view path) override {
     if (!open_for_reading()) return std::nullopt;
-    Query query(*engine_, "SELECT path, kind, value FROM registry WHERE path=?1");
+    Query query(*engine_, "SELECT value FROM registry WHERE path=?1");
     query.bind(1, path);
     if (!query.step()) return std::nullopt;
-    return value_of(query);
+    return std::string(query.text(0));
   }
 
-  std::vector<Value> list() override {
-    std::vector<Value> result;
-    if (!open_for_reading()) return result;
-    Query query(*engine_, "SELECT path, kind, value FROM registry ORDER BY path");
-    while (query.step()) result.push_back(value_of(query));
-    return result;
-  }
-
-  void write(std::string_view path, std::string_view text) {
+  void write_string(std::string_view path, std::string_view text) override {
     Query query = upsert();
     query.bind(1, path).bind(2, string_kind).bind(3, text).run();
   }
 
-  void write(std::string_view path, std::uint32_t number) {
+  void write_dword(std::string_view path, std::uint32_t number) override {
     Query query = upsert();
     query.bind(1, path).bind(2, dword_kind).bind(3, std::int64_t{number}).run();
   }
 
-  void remove(std::string_view path) {
+  void delete_value(std::string_view path) override {
     if (!open_for_reading()) return;
     Query query(*engine_, "DELETE FROM registry WHERE path=?1");
     query.bind(1, path).run();
   }
 
  private:
-  static Value value_of(const Query& query) {
-    return {std::string(query.text(0)), std::string(query.text(1)), std::string(query.text(2))};
-  }
-
   // Other processes may have deleted the file, or put another one in its place.
   void forget_moved_file() {
     if (engine_ && engine_->moved()) engine_.reset();
@@ -93,37 +79,15 @@ class SqliteRegistryStore : public RegistryStore, public std::enable_shared_from
   }
 
   std::filesystem::path path_;
-  SqliteOptions options_;
+  Options options_;
   std::optional<Engine> engine_;
   bool has_table_ = false;
 };
 
-class SqliteRegistry : public Registry {
- public:
-  explicit SqliteRegistry(std::shared_ptr<SqliteRegistryStore> store) : store_(std::move(store)) {}
-
-  std::optional<std::string> regread(std::string_view path) override {
-    std::optional<RegistryStore::Value> value = store_->find(path);
-    if (!value) return std::nullopt;
-    return std::move(value->text);
-  }
-  void write_string(std::string_view path, std::string_view text) override { store_->write(path, text); }
-  void write_dword(std::string_view path, std::uint32_t number) override { store_->write(path, number); }
-  void delete_value(std::string_view path) override { store_->remove(path); }
-
- private:
-  std::shared_ptr<SqliteRegistryStore> store_;
-};
-
-std::shared_ptr<Registry> SqliteRegistryStore::registry() {
-  return std::make_shared<SqliteRegistry>(shared_from_this());
-}
-
 }  // namespace
 
-std::shared_ptr<RegistryStore> make_registry_store(const std::filesystem::path& folder,
-                                                   SqliteOptions options) {
-  return std::make_shared<SqliteRegistryStore>(folder, options);
+std::shared_ptr<Registry> make_registry(ConsoleServices& console, Options options) {
+  return std::make_shared<SqliteRegistry>(console.folder(), options);
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

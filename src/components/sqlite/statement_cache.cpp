@@ -3,7 +3,7 @@
 #include "core/text/error.h"
 #include "core/text/text.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 namespace {
 
@@ -114,4 +114,4 @@ StatementCache::Entry StatementCache::compile(std::string_view skeleton) {
   return entry;
 }
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -10,7 +10,7 @@
 #include "components/sqlite/sqlite_engine.h"
 #include "core/contracts/statement.h"
 
-namespace zrl {
+namespace zrl::sqlite {
 
 // A compiled statement on loan from the cache; it is reset when the loan ends.
 class Loan {
@@ -68,4 +68,4 @@ class StatementCache {
   std::unordered_map<std::string_view, std::list<Entry>::iterator> by_skeleton_;
 };
 
-}  // namespace zrl
+}  // namespace zrl::sqlite

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "components/pcre2/pcre2_regexp.h"
+#include "components/pcre2/pcre2.h"
 #include "host/command/commands.h"
 #include "scripting/vbscript/engine.h"
 
@@ -15,7 +15,7 @@ namespace {
 // Scripts on a terminal: texts are printed, boxes are answered OK.
 class TerminalHost : public vbs::EngineHost {
  public:
-  TerminalHost(std::istream& in, std::ostream& out) : in_(in), out_(out), make_(make_regexp_factory()) {}
+  TerminalHost(std::istream& in, std::ostream& out) : in_(in), out_(out) {}
 
   int msg_box(const std::string& text, int, const std::string&) override {
     out_ << text << '\n';
@@ -28,12 +28,11 @@ class TerminalHost : public vbs::EngineHost {
     return std::getline(in_, line) ? line : preset;
   }
   void echo(const std::string& text) override { out_ << text << '\n'; }
-  std::shared_ptr<RegExp> make_regexp() override { return make_(); }
+  std::shared_ptr<RegExp> make_regexp() override { return pcre2::make_regexp(); }
 
  private:
   std::istream& in_;
   std::ostream& out_;
-  std::function<std::shared_ptr<RegExp>()> make_;
 };
 
 std::string contents_of(const std::string& path) {

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "core/text/ascii.h"
 #include "core/text/error.h"
 #include "core/text/files.h"
 #include "core/text/printable.h"

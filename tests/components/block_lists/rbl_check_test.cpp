@@ -6,7 +6,7 @@
 #include "components/block_lists/zone_tables.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::block_lists {
 namespace {
 
 using std::chrono::milliseconds;
@@ -19,7 +19,7 @@ class RblCheckTest : public testing::Test, public test::ZoneTables {
  protected:
   // "2 bl.test": what a test answers.
   std::string value(const MessageContext& context, std::string_view position) {
-    const auto lists = make_block_lists(settings());
+    const auto lists = make(console);
     if (!lists->initmodule(context)) return "nothing to test";
     auto listing = BlockLists::Listing::black;
     std::string zone = "of the last test";
@@ -102,7 +102,8 @@ TEST_F(RblCheckTest, OnlyAddressesOfListsAreListings) {
     if (std::string(cases[i].report).empty()) {
       EXPECT_THAT(reports, IsEmpty()) << cases[i].records;
     } else {
-      EXPECT_THAT(reports, ElementsAre(::testing::MatchesRegex(cases[i].report)));
+      EXPECT_THAT(reports,
+                  ElementsAre(::testing::MatchesRegex("block list " + std::string(cases[i].report))));
     }
   }
   // A parked answer beside a listing: the listing counts.
@@ -121,9 +122,9 @@ TEST_F(RblCheckTest, AllZonesAreAskedBeforeTheFirstAnswers) {
   server.add("1.2.0.192.zone9.test A 127.0.0.2");
   server.set_manner({.delay = milliseconds(60'000)});
   timeout = milliseconds(60'000);
-  on_wait = [&] {
+  console.on_wait = [&] {
     if (server.queries().size() < expected.size()) return;
-    on_wait = {};
+    console.on_wait = {};
     server.set_manner({});
     throw Error(1, "all were asked");
   };
@@ -138,12 +139,10 @@ TEST_F(RblCheckTest, ZonesThatDoNotAnswerListNothingAndAreReported) {
   server.add("1.2.0.192.bl.test A 127.0.0.2");
   server.add("1.2.0.192.broken.test ERROR 2");
   timeout = milliseconds(300);
-  int waits = 0;
-  on_wait = [&] { ++waits; };
   EXPECT_EQ(of_address("192.0.2.1"), "2 bl.test");
-  EXPECT_GE(waits, 2);
-  EXPECT_THAT(reports,
-              ElementsAre("silent.test: Timeout while contacting DNS servers", StartsWith("broken.test: ")));
+  EXPECT_GE(console.waits, 2);
+  EXPECT_THAT(reports, ElementsAre("block list silent.test: Timeout while contacting DNS servers",
+                                   StartsWith("block list broken.test: ")));
   servers.clear();
   EXPECT_THROW(of_address("192.0.2.1"), Error);
 }
@@ -168,10 +167,11 @@ TEST_F(RblCheckTest, ZonesOfAnyTextAndNumberAreBounded) {
   EXPECT_EQ(of_address("192.0.2.1"), "2 zone253.test");
   EXPECT_EQ(of_address("2001:db8::a"), "0");
   EXPECT_THAT(reports,
-              testing::IsSupersetOf({"wblserver: left out: \"\" and 8 more, no name of a zone",
-                                     "rblserver: left out: \"zone254.test\" and 4745 more, too many zones"}));
+              testing::IsSupersetOf(
+                  {"block list wblserver: left out: \"\" and 8 more, no name of a zone",
+                   "block list rblserver: left out: \"zone254.test\" and 4745 more, too many zones"}));
   EXPECT_TRUE(std::ranges::any_of(reports, [&](const std::string& report) {
-    return report.starts_with(long_zone + ": too long for a query: ");
+    return report.starts_with("block list " + long_zone + ": too long for a query: ");
   }));
   const std::vector<std::string> queries = server.queries();
   EXPECT_EQ(std::ranges::count(queries, "A 1.2.0.192.wl.test"), 1);
@@ -179,4 +179,4 @@ TEST_F(RblCheckTest, ZonesOfAnyTextAndNumberAreBounded) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::block_lists

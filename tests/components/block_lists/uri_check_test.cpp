@@ -3,7 +3,7 @@
 
 #include "components/block_lists/zone_tables.h"
 
-namespace zrl {
+namespace zrl::block_lists {
 namespace {
 
 using testing::ElementsAre;
@@ -13,7 +13,7 @@ using testing::UnorderedElementsAre;
 class UriCheckTest : public testing::Test, public test::ZoneTables {
  protected:
   std::string answer(std::string_view text) {
-    const auto check = make_uri_check(settings());
+    const auto check = make_uri_check(console);
     EXPECT_EQ(check->info(), 1);
     check->initmodule({});
     check->send("BODY", "SEND", text);
@@ -32,14 +32,14 @@ TEST_F(UriCheckTest, TellsWhichDomainIsListedWhere) {
   EXPECT_THAT(server.queries(), UnorderedElementsAre("A spam.test.one.zone", "A spam.test.two.zone",
                                                      "A 1.2.0.192.one.zone", "A 1.2.0.192.two.zone",
                                                      "A parked.test.one.zone", "A parked.test.two.zone"));
-  EXPECT_THAT(reports, ElementsAre("two.zone: the answer is no listing: 192.0.2.80"));
+  EXPECT_THAT(reports, ElementsAre("block list two.zone: the answer is no listing: 192.0.2.80"));
   EXPECT_EQ(answer("nothing here, http://ham.test/"), "");
 }
 
 TEST_F(UriCheckTest, ForgetsTheLastMessageAndNeedsZonesAndServers) {
   tables["surblserver"] = {"one.zone"};
   server.add("spam.test.one.zone A 127.0.0.2");
-  const auto check = make_uri_check(settings());
+  const auto check = make_uri_check(console);
   EXPECT_TRUE(check->initmodule({}));
   check->send("BODY", "SEND", "spam.test");
   EXPECT_EQ(check->send(), "spam.test is listed in one.zone");
@@ -67,10 +67,11 @@ TEST_F(UriCheckTest, LookUpsAndTheAnswerAreBounded) {
   EXPECT_THAT(words, testing::StartsWith("spam0.test is listed in five.zone; spam1.test is"));
   EXPECT_THAT(words, testing::EndsWith(" more are listed"));
   EXPECT_LT(words.size(), 5000U);
-  EXPECT_THAT(reports, ElementsAre("names in the text: only 204 are looked up, the others are left out"));
+  EXPECT_THAT(reports,
+              ElementsAre("block list names in the text: only 204 are looked up, the others are left out"));
   EXPECT_GE(server.queries().size(), 5U * 204);
   EXPECT_LT(server.queries().size(), 2 * most_lookups);  // some may have been repeated
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::block_lists

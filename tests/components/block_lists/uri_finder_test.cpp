@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace zrl {
+namespace zrl::block_lists {
 namespace {
 
 using testing::ElementsAre;
@@ -129,4 +129,4 @@ TEST(UriFinderTest, TakesMegabytesOfAnything) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::block_lists

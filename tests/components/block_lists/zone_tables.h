@@ -2,40 +2,49 @@
 
 #include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "components/block_lists/block_list_components.h"
+#include "components/block_lists/block_lists.h"
+#include "components/sqlite/sqlite.h"
+#include "components/sqlite/sqlite_engine.h"
 #include "support/dns_server.h"
+#include "support/fake_services.h"
+#include "support/temporary_folder.h"
 
 namespace zrl::test {
 
-// Tables of zones, a DNS server that knows what they list, and what the components report.
+// A console with tables of zones, and a DNS server that knows what they list.
 struct ZoneTables {
-  BlockListSettings settings() {
-    BlockListSettings result;
-    result.dns = {[this] { return servers; }, [this] { return timeout; },
-                  [this](std::chrono::milliseconds time) {
-                    if (on_wait) on_wait();
-                    std::this_thread::sleep_for(time);
-                  }};
-    result.entries = [this](Literal table) {
-      StringList entries;
-      for (const std::string& zone : tables[std::string(table.text())]) entries.push_back(zone);
-      return entries;
-    };
-    result.report = [this](std::string_view what, std::string_view problem) {
-      reports.push_back(std::string(what) + ": " + std::string(problem));
-    };
-    return result;
+  ZoneTables() {
+    console.lookup.told_servers = {"127.0.0.1:" + std::to_string(server.port())};
+    console.components().add<Database>([this] {
+      auto database = sqlite::make(console);
+      database->open_database(console.data_provider());
+      write_tables();
+      return database;
+    });
   }
 
   FakeDnsServer server;
-  std::vector<std::string> servers{"127.0.0.1:" + std::to_string(server.port())};
-  std::chrono::milliseconds timeout{5000};
-  std::function<void()> on_wait;
-  std::map<std::string, std::vector<std::string>> tables;
-  std::vector<std::string> reports;
+  TemporaryFolder folder;
+  FakeServices console{folder.path()};
+  std::vector<std::string>& servers = console.lookup.told_servers;
+  std::chrono::milliseconds& timeout = console.lookup.told_time_out;
+  std::map<std::string, std::vector<std::string>> tables;  // as they are when a check begins
+  std::vector<std::string>& reports = console.failures;    // "block list ZONE: PROBLEM"
+
+ private:
+  // Texts of any bytes, which no statement takes.
+  void write_tables() {
+    sqlite::Engine file(folder.path() / "zrl.db", {});
+    sqlite::Atomic atomic(file);
+    for (const std::string table : {"wblserver", "rblserver", "surblserver"}) {
+      file.run(("DELETE FROM " + table).c_str());
+      sqlite::Query insert(file, "INSERT INTO " + table + " (entry) VALUES (?1)");
+      for (const std::string& zone : tables[table]) insert.bind(1, zone).run();
+    }
+    atomic.commit();
+  }
 };
 
 }  // namespace zrl::test

@@ -8,7 +8,7 @@
 #include "core/text/reply_texts.h"
 #include "support/installed_console.h"
 
-namespace zrl {
+namespace zrl::checks {
 namespace {
 
 using testing::Contains;
@@ -113,4 +113,4 @@ TEST_F(KeywordChecksTest, ACheckThatIsNotUsableAnswersNothing) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::checks

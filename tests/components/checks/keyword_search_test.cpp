@@ -6,8 +6,9 @@
 
 #include "components/checks/subject_field.h"
 #include "core/text/error.h"
+#include "support/fake_services.h"
 
-namespace zrl {
+namespace zrl::checks {
 namespace {
 
 // Small alphabets and lengths, so that words often stand in the text, at its ends too.
@@ -33,14 +34,18 @@ TEST(TextIndex, FindsTheWordsThatStandInTheText) {
 class KeywordSearchTest : public testing::Test {
  protected:
   std::string find(const StringList& entries, std::string_view text) {
-    return KeywordSearch(text, match_).find(entries);
+    return KeywordSearch(text, console_).find(entries);
   }
 
-  // A regular expression that is the word itself.
-  KeywordSearch::Match match_ = [](std::string_view entry, std::string_view text) {
-    const std::string word(entry.substr(6, entry.size() - 7));
-    return text.find(word) == text.npos ? std::string() : word;
-  };
+  KeywordSearchTest() {
+    // A regular expression that is the word itself.
+    console_.match = [](std::string_view entry, std::string_view text) {
+      const std::string word(entry.substr(6, entry.size() - 7));
+      return text.find(word) == text.npos ? std::string() : word;
+    };
+  }
+
+  test::FakeServices console_;
 };
 
 TEST_F(KeywordSearchTest, EntriesAreFoundWhateverTheirCase) {
@@ -75,7 +80,7 @@ TEST_F(KeywordSearchTest, AnswersAreBoundedAndValid) {
 }
 
 TEST_F(KeywordSearchTest, ExpressionsThatTakeTooLongAreGivenUp) {
-  const KeywordSearch search("spam", match_, std::chrono::milliseconds(-1));
+  const KeywordSearch search("spam", console_, std::chrono::milliseconds(-1));
   EXPECT_THROW(search.find({"REGEX[spam]"}), Error);
   EXPECT_EQ(search.find({"REGEX[spam]", "spam"}), "spam");
 }
@@ -99,4 +104,4 @@ TEST(SubjectField, IsTheFirstOneUnfoldedWithoutTheRestOfTheHeader) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::checks

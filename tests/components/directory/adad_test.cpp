@@ -1,12 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "components/directory/directory_components.h"
-#include "components/sqlite/sqlite_components.h"
+#include "components/directory/directory.h"
+#include "components/sqlite/sqlite.h"
 #include "core/text/error.h"
 #include "slapd.h"
+#include "support/fake_services.h"
 
-namespace zrl {
+namespace zrl::directory {
 namespace {
 
 using testing::ElementsAre;
@@ -15,7 +16,10 @@ using testing::HasSubstr;
 // The operation of the database component, with a real server behind it.
 class AdadTest : public testing::Test {
  protected:
-  AdadTest() { conn_ = database_->open_database("sqlite:zrl.db"); }
+  AdadTest() {
+    console_.components().add<DirectoryUsers>([this] { return make_users(console_); });
+    conn_ = database_->open_database("sqlite:zrl.db");
+  }
 
   std::string import_from(std::string_view server) {
     database_->set_string("ldapserver", server, conn_);
@@ -35,9 +39,8 @@ class AdadTest : public testing::Test {
   }
 
   test::TemporaryFolder folder_;
-  std::shared_ptr<Database> database_ = make_sqlite_database(
-      folder_.path(), [] { return "sqlite:zrl.db"; }, {}, {},
-      [](std::string_view server) { return directory_users(server); });
+  test::FakeServices console_{folder_.path()};
+  std::shared_ptr<Database> database_ = sqlite::make(console_);
   ConnectionHandle conn_;
 };
 
@@ -68,4 +71,4 @@ TEST_F(AdadTest, AServerThatFailsChangesNothing) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::directory

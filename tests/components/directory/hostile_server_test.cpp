@@ -3,12 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "components/directory/directory_components.h"
+#include "components/directory/directory.h"
 #include "core/text/error.h"
+#include "support/fake_services.h"
 #include "support/loopback_server.h"
 
 // Servers that speak the protocol badly, or without end.
-namespace zrl {
+namespace zrl::directory {
 namespace {
 
 using std::chrono::milliseconds;
@@ -46,10 +47,10 @@ void keep_silent(ServedConnection& connection) {
 class HostileServerTest : public testing::Test {
  protected:
   HostileServerTest() {
-    settings_.limits.connect = milliseconds(2000);
-    settings_.limits.answer = milliseconds(300);
-    settings_.limits.total = milliseconds(1500);
-    settings_.limits.message_bytes = 100'000;
+    options_.limits.connect = milliseconds(2000);
+    options_.limits.answer = milliseconds(300);
+    options_.limits.total = milliseconds(1500);
+    options_.limits.message_bytes = 100'000;
   }
 
   // What the import ends with; it must end soon.
@@ -57,7 +58,8 @@ class HostileServerTest : public testing::Test {
     const auto begin = Clock::now();
     std::string text = "none";
     try {
-      directory_users(scheme + "127.0.0.1:" + std::to_string(server.port()) + "/dc=x", settings_);
+      make_users(console_, options_)
+          ->addresses(scheme + "127.0.0.1:" + std::to_string(server.port()) + "/dc=x");
     } catch (const Error& error) {
       text = error.what();
     }
@@ -65,7 +67,8 @@ class HostileServerTest : public testing::Test {
     return text;
   }
 
-  DirectorySettings settings_;
+  test::FakeServices console_;
+  Options options_;
 };
 
 TEST_F(HostileServerTest, AnswersThatStopOrMakeNoSenseEndTheQuestion) {
@@ -113,7 +116,7 @@ TEST_F(HostileServerTest, AnAnswerWithoutEndIsEnded) {
     while (connection.send(block)) continue;
   });
   EXPECT_THAT(failure(server), HasSubstr("Timed out"));
-  settings_.limits.addresses = 1000;
+  options_.limits.addresses = 1000;
   EXPECT_THAT(failure(server), HasSubstr("too many addresses"));
 }
 
@@ -124,10 +127,10 @@ TEST_F(HostileServerTest, AnEncryptedConnectionThatIsNeverMadeIsGivenUp) {
 
 TEST_F(HostileServerTest, WhatServingRaisesEndsTheQuestion) {
   const test::LoopbackServer server(keep_silent);
-  settings_.limits.answer = settings_.limits.total = milliseconds(60'000);
-  settings_.serve = [] { throw Error(1, "the console is being stopped"); };
+  options_.limits.answer = options_.limits.total = milliseconds(60'000);
+  console_.on_process_events = [] { throw Error(1, "the console is being stopped"); };
   EXPECT_EQ(failure(server), "the console is being stopped");
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::directory

@@ -1,14 +1,22 @@
 #include <gtest/gtest.h>
 
-#include "components/directory/directory_components.h"
+#include "components/directory/directory.h"
+#include "components/sqlite/sqlite.h"
 #include "core/text/error.h"
 #include "slapd.h"
+#include "support/fake_services.h"
 
-namespace zrl {
+namespace zrl::directory {
 namespace {
 
 std::string root_domain(const std::string& server) {
-  return make_directory_lookups([&] { return server; })->RootDomain();
+  const test::TemporaryFolder folder;
+  test::FakeServices console(folder.path());
+  console.components().add<Database>([&] { return sqlite::make(console); });
+  const auto database = sqlite::make(console);
+  ConnectionHandle conn = database->open_database(console.data_provider());
+  database->set_string("ldapserver", server, conn);
+  return make(console)->RootDomain();
 }
 
 TEST(DirectoryLookupsTest, TheServerTellsTheRootDomain) {
@@ -37,4 +45,4 @@ TEST(DirectoryLookupsTest, AMachineWithoutADirectoryHasNoRootDomain) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::directory

@@ -3,11 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "components/directory/directory_components.h"
+#include "components/directory/directory.h"
 #include "core/text/error.h"
 #include "slapd.h"
+#include "support/fake_services.h"
 
-namespace zrl {
+namespace zrl::directory {
 namespace {
 
 using test::user;
@@ -21,9 +22,14 @@ std::vector<std::string> sorted(const StringList& list) {
   return result;
 }
 
-std::string failure(const std::string& server, const DirectorySettings& settings = {}) {
+StringList users_of(const std::string& server, const Options& options = {}) {
+  test::FakeServices console;
+  return make_users(console, options)->addresses(server);
+}
+
+std::string failure(const std::string& server, const Options& options = {}) {
   try {
-    directory_users(server, settings);
+    users_of(server, options);
   } catch (const Error& error) {
     return error.what();
   }
@@ -53,27 +59,26 @@ TEST(DirectoryUsersTest, AddressesOfEveryKindOfEntryAreRead) {
       "dn: ou=Sales,dc=corp,dc=example\nobjectClass: organizationalUnit\nobjectClass: extensibleObject\n"
       "ou: Sales\nmail: sales@corp.example\n\n");
   EXPECT_THAT(
-      sorted(directory_users(server.address())),
+      sorted(users_of(server.address())),
       ElementsAre("\"; drop table@corp.example", "a.nna@corp.example", "anna@corp.example",
                   "anna@corp.example", "d@corp.example", "o'brien@corp.example", "sales@corp.example"));
 }
 
 TEST(DirectoryUsersTest, LargeDirectoriesComeInPages) {
   const test::Slapd server(many_users(1000), {.limits = "size=50 size.prtotal=unlimited"});
-  DirectorySettings settings;
-  settings.limits.page_size = 30;
+  test::FakeServices console;
+  Options options;
+  options.limits.page_size = 30;
   std::uint64_t entries = 0;
-  int served = 0;
-  settings.report = [&](const Progress& progress) { entries = progress.done; };
-  settings.serve = [&] { ++served; };
-  EXPECT_EQ(directory_users(server.address(), settings).size(), 1000u);
+  console.on_progress = [&](const Progress& progress) { entries = progress.done; };
+  EXPECT_EQ(make_users(console, options)->addresses(server.address()).size(), 1000u);
   EXPECT_EQ(entries, 1000u);
-  EXPECT_GT(served, 0);
+  EXPECT_GT(console.yields, 0);
 }
 
 TEST(DirectoryUsersTest, AServerWithoutPagesSendsAllAtOnce) {
   const test::Slapd server(many_users(700), {.limits = "size=unlimited size.prtotal=disabled"});
-  EXPECT_EQ(directory_users(server.address()).size(), 700u);
+  EXPECT_EQ(users_of(server.address()).size(), 700u);
 }
 
 TEST(DirectoryUsersTest, AnAnswerThatIsNotCompleteIsAnError) {
@@ -83,12 +88,12 @@ TEST(DirectoryUsersTest, AnAnswerThatIsNotCompleteIsAnError) {
 
 TEST(DirectoryUsersTest, TooManyAddressesAreRefused) {
   const test::Slapd server(many_users(100));
-  DirectorySettings settings;
-  settings.limits.addresses = 99;
-  EXPECT_THAT(failure(server.address(), settings), HasSubstr("too many addresses"));
-  settings.limits.addresses = 100;
-  settings.limits.address_bytes = 1000;
-  EXPECT_THAT(failure(server.address(), settings), HasSubstr("too many addresses"));
+  Options options;
+  options.limits.addresses = 99;
+  EXPECT_THAT(failure(server.address(), options), HasSubstr("too many addresses"));
+  options.limits.addresses = 100;
+  options.limits.address_bytes = 1000;
+  EXPECT_THAT(failure(server.address(), options), HasSubstr("too many addresses"));
 }
 
 TEST(DirectoryUsersTest, TheBaseComesFromTheAddressOrTheServer) {
@@ -98,22 +103,21 @@ TEST(DirectoryUsersTest, TheBaseComesFromTheAddressOrTheServer) {
       user("y", "y@out.example");
   {
     const test::Slapd server(entries);
-    EXPECT_THAT(sorted(directory_users(server.address())), ElementsAre("x@in.example", "y@out.example"));
+    EXPECT_THAT(sorted(users_of(server.address())), ElementsAre("x@in.example", "y@out.example"));
     const std::string url = "ldap://" + server.address();
-    EXPECT_THAT(sorted(directory_users(url + "/ou=in,dc=corp,dc=example")), ElementsAre("x@in.example"));
+    EXPECT_THAT(sorted(users_of(url + "/ou=in,dc=corp,dc=example")), ElementsAre("x@in.example"));
     EXPECT_THAT(failure(url + "/ou=none,dc=corp,dc=example"), HasSubstr("No such object"));
   }
   const test::Slapd server(entries, {.root = "defaultNamingContext: ou=in,dc=corp,dc=example\n"});
-  EXPECT_THAT(sorted(directory_users(server.address())), ElementsAre("x@in.example"));
+  EXPECT_THAT(sorted(users_of(server.address())), ElementsAre("x@in.example"));
 }
 
 TEST(DirectoryUsersTest, EncryptedServersMustProveWhoTheyAre) {
   const test::Slapd server(user("a", "a@corp.example"), {.encrypted = true});
-  DirectorySettings settings;
-  EXPECT_THAT(failure("ldaps://" + server.address(), settings), HasSubstr("server ldaps://127.0.0.1"));
-  settings.certificates = server.tls().certificate;
-  EXPECT_THAT(sorted(directory_users("ldaps://" + server.address(), settings)),
-              ElementsAre("a@corp.example"));
+  Options options;
+  EXPECT_THAT(failure("ldaps://" + server.address(), options), HasSubstr("server ldaps://127.0.0.1"));
+  options.certificates = server.tls().certificate;
+  EXPECT_THAT(sorted(users_of("ldaps://" + server.address(), options)), ElementsAre("a@corp.example"));
 }
 
 TEST(DirectoryUsersTest, AServerThatIsNotThereIsAnError) {
@@ -123,4 +127,4 @@ TEST(DirectoryUsersTest, AServerThatIsNotThereIsAnError) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::directory

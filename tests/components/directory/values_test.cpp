@@ -5,7 +5,7 @@
 #include "components/directory/server_address.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::directory {
 namespace {
 
 TEST(MailAddressTest, OnlySmtpAddressesAreTaken) {
@@ -84,4 +84,4 @@ TEST(ServerAddressTest, PeopleWriteServersInSeveralForms) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::directory

@@ -8,7 +8,7 @@
 #include "core/text/error.h"
 #include "support/zone_lookups.h"
 
-namespace zrl {
+namespace zrl::dns {
 namespace {
 
 using test::ZoneLookups;
@@ -137,4 +137,4 @@ TEST(CallerIdCheck, FollowsNoLoopAndNoMoreThanTenDomains) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::dns

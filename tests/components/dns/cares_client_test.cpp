@@ -1,5 +1,3 @@
-#include "components/dns/cares_client.h"
-
 #include <stdexcept>
 #include <thread>
 
@@ -7,13 +5,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "components/dns/dns.h"
 #include "components/dns/dns_answers.h"
 #include "components/dns/dns_queries.h"
 #include "core/text/error.h"
 #include "support/dns_environment.h"
+#include "support/fake_services.h"
 #include "support/installed_console.h"
 
-namespace zrl {
+namespace zrl::dns {
 namespace {
 
 using std::chrono::milliseconds;
@@ -22,15 +22,7 @@ using testing::UnorderedElementsAre;
 
 class DnsClientTest : public testing::Test {
  protected:
-  DnsSurroundings surroundings() {
-    return {[this] { return servers; }, [this] { return timeout; },
-            [this](milliseconds time) {
-              ++waits;
-              if (on_wait) on_wait();
-              std::this_thread::sleep_for(time);
-            }};
-  }
-  std::string ptr(std::string_view address) { return make_dns_client(surroundings())->PTR_Query(address); }
+  std::string ptr(std::string_view address) { return make(console)->PTR_Query(address); }
   std::string failure_of_ptr(std::string_view address) {
     try {
       return "found " + ptr(address);
@@ -40,11 +32,12 @@ class DnsClientTest : public testing::Test {
   }
   static std::string at(const test::FakeDnsServer& one) { return "127.0.0.1:" + std::to_string(one.port()); }
 
+  DnsClientTest() { servers = {at(server)}; }
+
   test::FakeDnsServer server;
-  std::vector<std::string> servers{at(server)};
-  milliseconds timeout{5000};
-  std::function<void()> on_wait;
-  int waits = 0;
+  test::FakeServices console;
+  std::vector<std::string>& servers = console.lookup.told_servers;
+  milliseconds& timeout = console.lookup.told_time_out;
 };
 
 TEST_F(DnsClientTest, FindsTheNameOfAnAddress) {
@@ -56,7 +49,7 @@ TEST_F(DnsClientTest, FindsTheNameOfAnAddress) {
   EXPECT_EQ(ptr("192.0.2.1"), "mail.example.com");
   EXPECT_EQ(ptr(" 192.0.2.2 "), "host.example.net");
   EXPECT_THAT(server.queries(), ElementsAre("PTR 1.2.0.192.in-addr.arpa", "PTR 2.2.0.192.in-addr.arpa"));
-  EXPECT_GE(waits, 2);
+  EXPECT_GE(console.waits, 2);
 }
 
 TEST_F(DnsClientTest, RaisesWhatPreventsAnAnswer) {
@@ -92,11 +85,11 @@ TEST_F(DnsClientTest, EndsWithTheTimeOutOrWhatTheWaitingRaises) {
   timeout = milliseconds(150);
   server.set_manner({.silent = true});
   EXPECT_THAT(failure_of_ptr("192.0.2.1"), testing::StartsWith("no host name for 192.0.2.1: Timeout"));
-  DnsSurroundings ending = surroundings();
-  ending.timeout = [] { return milliseconds(60000); };
-  ending.wait = [](milliseconds) {};  // as a console does that is ending
-  EXPECT_THROW(make_dns_client(ending)->PTR_Query("192.0.2.1"), Error);
-  on_wait = [] { throw Error(91, "the console is being stopped"); };
+  timeout = milliseconds(60000);
+  console.sleeps = false;  // as a console does that is ending
+  EXPECT_THROW(ptr("192.0.2.1"), Error);
+  console.sleeps = true;
+  console.on_wait = [] { throw Error(91, "the console is being stopped"); };
   EXPECT_EQ(failure_of_ptr("192.0.2.1"), "the console is being stopped");
 }
 
@@ -119,13 +112,12 @@ TEST_F(DnsClientTest, QueriesOfOneCallAreUnderWayTogether) {
   server.add("a.test TXT v=spf1 -all");
   server.add("b.test A 192.0.2.1");
   server.set_manner({.delay = milliseconds(100)});
-  const DnsSurroundings told = surroundings();
-  DnsQueries queries(told);
+  DnsQueries queries(console);
   const std::size_t text = queries.start("a.test", 16);
   const std::size_t address = queries.start("b.test", 1);
   const std::size_t missing = queries.start("c.test", 1);
   std::size_t at_first_answer = 0;
-  on_wait = [&] {
+  console.on_wait = [&] {
     if (queries[text].message.empty()) at_first_answer = server.queries().size();
   };
   queries.finish();
@@ -140,10 +132,9 @@ TEST_F(DnsClientTest, QueriesOfOneCallAreUnderWayTogether) {
 TEST_F(DnsClientTest, AsksForNamesWithAnyCharacters) {
   timeout = milliseconds(1000);
   const char* const names[] = {"a+b.test", "a'b.test", "a\\b.test", "\xC3\xBC._x.test", "plain.test"};
-  const DnsSurroundings told = surroundings();
   for (const char* name : names) server.add(std::string(name) + " TXT " + name);
   for (const char* name : names) {
-    DnsQueries queries(told);
+    DnsQueries queries(console);
     const std::size_t query = queries.start(name, 16);
     const std::size_t alike = queries.start("a=b.test", 16);
     queries.finish();
@@ -162,8 +153,7 @@ TEST_F(DnsClientTest, AMalformedAnswerEndsItsOwnQueryAlone) {
                        if (message[13] == 'b') message.resize(message.size() - 4);
                        return message;
                      }});
-  const DnsSurroundings told = surroundings();
-  DnsQueries queries(told);
+  DnsQueries queries(console);
   const std::size_t bad = queries.start("bad.test", 16);
   const std::size_t good = queries.start("good.test", 16);
   queries.finish();
@@ -187,4 +177,4 @@ TEST(ComposedDnsClientTest, UsesTheConsolesServersTimeOutAndWait) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -4,11 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "components/dns/cares_client.h"
+#include "components/dns/dns.h"
 #include "core/text/error.h"
 #include "support/dns_server.h"
+#include "support/fake_services.h"
 
-namespace zrl {
+namespace zrl::dns {
 namespace {
 
 using std::chrono::milliseconds;
@@ -28,11 +29,15 @@ class SenderCheckTest : public testing::Test {
     }
   }
 
+  SenderCheckTest() {
+    console.lookup.told_servers = {"127.0.0.1:" + std::to_string(server.port())};
+    timeout = milliseconds(2000);
+  }
+
   test::FakeDnsServer server;
-  milliseconds timeout{2000};
-  std::shared_ptr<DnsClient> client = make_dns_client(
-      {[this] { return std::vector<std::string>{"127.0.0.1:" + std::to_string(server.port())}; },
-       [this] { return timeout; }, [](milliseconds time) { std::this_thread::sleep_for(time); }});
+  test::FakeServices console;
+  milliseconds& timeout = console.lookup.told_time_out;
+  std::shared_ptr<DnsClient> client = make(console);
 };
 
 TEST_F(SenderCheckTest, FindsThePublishedRecords) {
@@ -134,4 +139,4 @@ TEST_F(SenderCheckTest, SurvivesAServerThatIsSilentOrTalksNonsense) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::dns

@@ -6,7 +6,7 @@
 #include "components/dns/spf_record.h"
 #include "support/zone_lookups.h"
 
-namespace zrl {
+namespace zrl::dns {
 namespace {
 
 using test::ZoneLookups;
@@ -331,4 +331,4 @@ TEST(SpfCheck, LooksAtTenNamesOfATerm) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::dns

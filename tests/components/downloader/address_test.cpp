@@ -1,7 +1,7 @@
 #include "components/downloader/update_address.h"
 #include "downloader_fixture.h"
 
-namespace zrl {
+namespace zrl::downloader {
 namespace {
 
 using testing::Contains;
@@ -76,4 +76,4 @@ TEST_F(AddressTest, CredentialsGoToTheServerAndNowhereElse) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -11,8 +11,9 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include "components/downloader/downloader_components.h"
+#include "components/downloader/downloader.h"
 #include "core/text/error.h"
+#include "support/fake_services.h"
 #include "support/fake_update_server.h"
 #include "support/temporary_folder.h"
 
@@ -23,12 +24,9 @@ class DownloaderTest : public ::testing::Test {
   DownloaderTest() {
     for (const char* name : {"http_proxy", "https_proxy", "all_proxy", "HTTPS_PROXY", "ALL_PROXY"})
       ::unsetenv(name);
-    settings.folder = folder.path();
-    settings.files = {"addblack.txt", "delblack.txt", "addextension"};
-    settings.address = [this] { return address; };
-    settings.limits.connect = std::chrono::seconds(5);
-    settings.limits.stall = std::chrono::seconds(5);
-    settings.limits.file = settings.limits.total = std::chrono::seconds(20);
+    options.limits.connect = std::chrono::seconds(5);
+    options.limits.stall = std::chrono::seconds(5);
+    options.limits.file = options.limits.total = std::chrono::seconds(20);
     std::filesystem::create_directory(folder.path() / "download");
   }
 
@@ -54,7 +52,8 @@ class DownloaderTest : public ::testing::Test {
 
   // The status, or "error: " and the text of what was raised.
   std::string update() {
-    downloader = make_downloader(settings);
+    console.settings["updateurl"] = address;
+    downloader = downloader::make(console, published, options);
     try {
       return downloader->updateall();
     } catch (const Error& error) {
@@ -72,8 +71,10 @@ class DownloaderTest : public ::testing::Test {
 
   TemporaryFolder folder;
   FakeUpdateServer server;
+  FakeServices console{folder.path()};
   std::string address = server.address() + "/lists";
-  DownloaderSettings settings;
+  std::vector<std::string> published{"addblack.txt", "delblack.txt", "addextension"};
+  downloader::Options options;
   std::shared_ptr<Downloader> downloader;
 };
 

@@ -1,6 +1,6 @@
 #include "downloader_fixture.h"
 
-namespace zrl {
+namespace zrl::downloader {
 namespace {
 
 using std::chrono::milliseconds;
@@ -61,8 +61,8 @@ TEST_F(FetchTest, FilesArriveInAnyFormThatServersUse) {
 }
 
 TEST_F(FetchTest, AFileThatDoesNotArriveCompleteReplacesNothing) {
-  settings.limits.file_bytes = 100'000;
-  settings.limits.stall = std::chrono::seconds(1);
+  options.limits.file_bytes = 100'000;
+  options.limits.stall = std::chrono::seconds(1);
   const std::string head = "HTTP/1.1 200 OK\r\n";
   const std::string text = gzipped("seq 10000");
   const struct {
@@ -108,7 +108,7 @@ TEST_F(FetchTest, AFileThatDoesNotArriveCompleteReplacesNothing) {
 }
 
 TEST_F(FetchTest, AServerThatTakesItsTimeIsGivenUp) {
-  settings.limits.stall = std::chrono::seconds(1);
+  options.limits.stall = std::chrono::seconds(1);
   server.publish("/lists/delblack.txt", "b\n");
   server.answer("/lists/addblack.txt", [](const test::HttpRequest&, test::ServedConnection& connection) {
     connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n");
@@ -137,9 +137,9 @@ TEST_F(FetchTest, WithoutAServerTheUpdateFailsWithTheReasonAndOldFilesStay) {
 }
 
 TEST_F(FetchTest, AServerThatNeverAnswersIsNotTriedForEveryFile) {
-  settings.files.clear();
-  for (int i = 0; i < 30; ++i) settings.files.push_back("file" + std::to_string(i));
-  settings.limits.stall = std::chrono::seconds(1);
+  published.clear();
+  for (int i = 0; i < 30; ++i) published.push_back("file" + std::to_string(i));
+  options.limits.stall = std::chrono::seconds(1);
   const test::LoopbackServer silent([](test::ServedConnection& connection) {
     while (connection.pause(milliseconds(10'000))) continue;
   });
@@ -154,9 +154,9 @@ TEST_F(FetchTest, AServerThatPublishesNothingIsAFailure) {
 }
 
 TEST_F(FetchTest, ManyFilesShareFewConnections) {
-  settings.files.clear();
+  published.clear();
   for (int i = 0; i < 40; ++i) {
-    settings.files.push_back("file" + std::to_string(i));
+    published.push_back("file" + std::to_string(i));
     server.publish("/lists/file" + std::to_string(i), std::to_string(i));
   }
   EXPECT_THAT(update(), StartsWith("40 of 40"));
@@ -165,14 +165,14 @@ TEST_F(FetchTest, ManyFilesShareFewConnections) {
 }
 
 TEST_F(FetchTest, AllFilesTogetherHaveALimitOfBytesAndTime) {
-  settings.limits.total_bytes = 25;
+  options.limits.total_bytes = 25;
   for (const char* name : {"addblack.txt", "delblack.txt", "addextension"}) {
     server.publish(std::string("/lists/") + name, std::string(10, 'x'));
   }
   EXPECT_THAT(update(), StartsWith("2 of 3"));
   EXPECT_THAT(failures(), HasSubstr("all files together"));
 
-  settings.limits.total = milliseconds(0);
+  options.limits.total = milliseconds(0);
   EXPECT_THAT(update(), HasSubstr("the time for the update is over"));
 }
 
@@ -186,8 +186,8 @@ TEST_F(FetchTest, WaitingEventsAreServedAndTheProgressIsShown) {
   });
   std::vector<std::pair<std::uint64_t, std::uint64_t>> reports;
   std::string last;
-  settings.serve = [&] { ++served; };
-  settings.report = [&](const Progress& progress) {
+  console.on_process_events = [&] { ++served; };
+  console.on_progress = [&](const Progress& progress) {
     reports.emplace_back(progress.done, progress.total);
     last = progress.text;
   };
@@ -205,7 +205,7 @@ TEST_F(FetchTest, WhatServingRaisesEndsTheUpdateAndLeavesNothingBehind) {
     return false;
   });
   write("addblack.txt", "old\n");
-  settings.serve = [&] {
+  console.on_process_events = [&] {
     if (names().size() > 1) throw Error(1, "the console is being stopped");
   };
   EXPECT_EQ(update(), "error: the console is being stopped");
@@ -232,4 +232,4 @@ TEST_F(FetchTest, WhatADeadProcessLeftBehindIsRemoved) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -1,8 +1,8 @@
-#include "components/sqlite/sqlite_components.h"
+#include "components/sqlite/sqlite.h"
 #include "core/text/utf16.h"
 #include "downloader_fixture.h"
 
-namespace zrl {
+namespace zrl::downloader {
 namespace {
 
 using testing::AllOf;
@@ -12,13 +12,13 @@ using testing::HasSubstr;
 class ScriptsTest : public test::DownloaderTest {
  protected:
   ScriptsTest() {
-    settings.database = [this] { return database_; };
-    settings.provider = [] { return "sqlite:zrl.db"; };
+    console.components().add<Database>([this] { return database_; });
   }
 
   std::string update_scripts() {
     try {
-      make_downloader(settings)->update_db();
+      console.settings["updateurl"] = address;
+      make(console, published, options)->update_db();
     } catch (const Error& error) {
       return error.what();
     }
@@ -47,7 +47,7 @@ class ScriptsTest : public test::DownloaderTest {
   }
 
  private:
-  std::shared_ptr<Database> database_ = make_sqlite_database(folder.path(), [] { return "sqlite:zrl.db"; });
+  std::shared_ptr<Database> database_ = sqlite::make(console);
 };
 
 TEST(ScriptContentTest, IsKeptInSixteenBitUnits) {
@@ -113,7 +113,7 @@ TEST_F(ScriptsTest, AFileThatIsNotValidChangesNothing) {
 
 TEST_F(ScriptsTest, WhatDoesNotArriveIsAnError) {
   EXPECT_THAT(update_scripts(), HasSubstr("no scripts could be fetched from " + address + ": not published"));
-  settings.limits.script_bytes = 100;
+  options.limits.script_bytes = 100;
   server.publish("/lists/scripts.json", std::string(101, ' '));
   EXPECT_THAT(update_scripts(), HasSubstr("failed: "));
   server.publish("/lists/scripts.json", "[]");
@@ -122,4 +122,4 @@ TEST_F(ScriptsTest, WhatDoesNotArriveIsAnError) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::downloader

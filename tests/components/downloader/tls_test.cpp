@@ -1,6 +1,6 @@
 #include "downloader_fixture.h"
 
-namespace zrl {
+namespace zrl::downloader {
 namespace {
 
 using testing::HasSubstr;
@@ -32,7 +32,7 @@ TEST_F(TlsTest, OnlyServersWithATrustedCertificateForTheirNameAreBelieved) {
     test::FakeUpdateServer encrypted({}, of_server);
     encrypted.publish("/addblack.txt", "a.example\n");
     address = encrypted.address();
-    settings.certificates = trusted;
+    options.certificates = trusted;
     EXPECT_THAT(update(), StartsWith(result)) << of_server.certificate << trusted;
     // Who is not believed is not asked either.
     EXPECT_EQ(encrypted.requests().empty(), std::string_view(result) == "error: ");
@@ -46,11 +46,11 @@ TEST_F(TlsTest, AnEncryptedAddressIsNotLeftForAnOpenOne) {
   encrypted.redirect("/addblack.txt", server.address() + "/open");
   server.publish("/open", "evil.example\n");
   address = encrypted.address();
-  settings.certificates = files.certificate;
+  options.certificates = files.certificate;
   EXPECT_THAT(update(), StartsWith("1 of 3"));
   EXPECT_THAT(failures(), StartsWith("addblack.txt: "));
   EXPECT_TRUE(server.requests().empty());
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::downloader

@@ -1,16 +1,19 @@
+#include "components/html/html.h"
+
 #include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
 
-#include "components/html/html_text_converter.h"
 #include "core/text/text.h"
+#include "support/fake_services.h"
 
-namespace zrl {
+namespace zrl::html {
 namespace {
 
 std::string html2txt(std::string_view html) {
-  return make_html_converter_factory()()->html2txt(html);
+  test::FakeServices console;
+  return make(console)->html2txt(html);
 }
 
 struct Case {
@@ -102,4 +105,4 @@ TEST(Html, HostileTextsCostNoMoreThanTheirLength) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::html

@@ -4,7 +4,7 @@
 
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::locale {
 namespace {
 
 TEST(Catalogue, ReadsEntriesContinuationsEscapesAndComments) {
@@ -57,4 +57,4 @@ TEST(Catalogue, WhatIsNoCatalogueIsRefusedWithItsLine) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::locale

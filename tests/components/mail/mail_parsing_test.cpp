@@ -5,16 +5,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "components/mail/mail_components.h"
+#include "components/mail/mail.h"
 #include "core/text/utf8.h"
+#include "support/fake_services.h"
 
-namespace zrl {
+namespace zrl::mail {
 namespace {
 
 using namespace std::string_literals;
 
 Mail parse(std::string_view source) {
-  return make_mail_message({})->parse(source);
+  test::FakeServices console;
+  return make(console)->parse(source);
 }
 
 // A message with this field and no body.
@@ -233,4 +235,4 @@ TEST(MailBodies, AreCutBetweenCharactersWhereTheyAreTooLong) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::mail

@@ -4,11 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "components/mail/mail_components.h"
+#include "components/mail/mail.h"
 #include "core/text/error.h"
+#include "support/fake_services.h"
 #include "support/smtp_sink.h"
 
-namespace zrl {
+namespace zrl::mail {
 namespace {
 
 using namespace std::string_literals;
@@ -27,27 +28,39 @@ MailServer at(const SmtpSink& sink) {
 }
 
 // What keeps the mail from being sent; empty if nothing does.
-std::string problem_of_sending(const Mail& mail, const MailServer& server, MailSettings settings = {}) {
+std::string problem_of_sending(const Mail& mail, const MailServer& server, test::FakeServices& console,
+                               Limits limits = {}) {
   try {
-    make_mail_message(std::move(settings))->send(mail, server);
+    make(console, limits)->send(mail, server);
   } catch (const Error& error) {
     return std::to_string(error.number()) + " " + error.what();
   }
   return {};
 }
 
+std::string problem_of_sending(const Mail& mail, const MailServer& server) {
+  test::FakeServices console;
+  return problem_of_sending(mail, server, console);
+}
+
+void send(const Mail& mail, const MailServer& server) {
+  test::FakeServices console;
+  make(console)->send(mail, server);
+}
+
 // What the recipient sees.
 Mail sent_and_read(const Mail& mail) {
   const SmtpSink sink;
-  make_mail_message({})->send(mail, at(sink));
-  return make_mail_message({})->parse(sink.mails().at(0).data);
+  send(mail, at(sink));
+  test::FakeServices console;
+  return make(console)->parse(sink.mails().at(0).data);
 }
 
 TEST(Sending, HandsOverEnvelopeAndMessage) {
   const SmtpSink sink;
   Mail mail = plain_mail;
   mail.recipient = "Bob <bob@example.org>; carol@example.net, ";
-  make_mail_message({})->send(mail, at(sink));
+  send(mail, at(sink));
   ASSERT_EQ(sink.mails().size(), 1u);
   const SmtpSink::Mail taken = sink.mails()[0];
   EXPECT_EQ(taken.sender, "ann@example.com");
@@ -98,7 +111,7 @@ TEST(Sending, KeepsToTheLimitsOfMail) {
   mail.subject = "Grüße " + std::string(5000, 's');
   mail.text_body = std::string(100'000, 'x') + "\rä\0ö\xFF"s;
   mail.html_body = std::string(5000, '<');
-  make_mail_message({})->send(mail, at(sink));
+  send(mail, at(sink));
   const std::string data = sink.mails().at(0).data;
   std::size_t begin = 0;
   for (std::size_t end = 0; (end = data.find("\r\n", begin)) != data.npos; begin = end + 2) {
@@ -113,7 +126,7 @@ TEST(Sending, LetsNoTextAddAFieldOrACommand) {
   Mail mail = plain_mail;
   mail.subject = injected + "\0\n\r"s;
   const SmtpSink sink;
-  make_mail_message({})->send(mail, at(sink));
+  send(mail, at(sink));
   EXPECT_THAT(sink.mails().at(0).data, Not(HasSubstr("\nBcc")));
   EXPECT_EQ(sink.mails().at(0).data.find("eve@example.net\r\n\r\n"), std::string::npos);
   EXPECT_THAT(sink.mails().at(0).recipients, ElementsAre("bob@example.org"));
@@ -187,21 +200,15 @@ TEST(Connections, ThatFailAreTold) {
   closed = SmtpSink().port();
   EXPECT_THAT(problem_of_sending(plain_mail, {"127.0.0.1", closed}), HasSubstr("connect"));
   EXPECT_THAT(problem_of_sending(plain_mail, {"127.0.0.1", 0}), HasSubstr("port"));
-  const MailSettings lost{
-      .wait = {},
-      .find_addresses = [](const std::string&) -> std::vector<std::string> { throw Error(7, "no address"); },
-      .limits = {}};
+  test::FakeServices lost;
+  lost.lookup.find_address = [](std::string_view) -> std::string { throw Error(7, "no address"); };
   EXPECT_EQ(problem_of_sending(plain_mail, {"mail.example", 25}, lost), "7 no address");
 }
 
 TEST(Connections, GoWhereTheNameIsFound) {
   const SmtpSink sink;
-  const MailSettings found{.wait = {},
-                           .find_addresses =
-                               [](const std::string& host) {
-                                 return std::vector<std::string>{host == "mail.example" ? "127.0.0.1" : ""};
-                               },
-                           .limits = {}};
+  test::FakeServices found;
+  found.lookup.find_address = [](std::string_view host) { return host == "mail.example" ? "127.0.0.1" : ""; };
   EXPECT_EQ(problem_of_sending(plain_mail, {"mail.example", sink.port()}, found), "");
   EXPECT_EQ(sink.mails().size(), 1u);
 }
@@ -226,20 +233,16 @@ TEST(Waiting, ServesTheEventLoopAndIsBounded) {
   SmtpSink::Behaviour behaviour;
   behaviour.delay = 20ms;
   const SmtpSink slow(behaviour);
-  int waits = 0;
-  const auto wait = [&](std::chrono::milliseconds) { ++waits; };
-  EXPECT_EQ(problem_of_sending(plain_mail, at(slow), {.wait = wait, .find_addresses = {}, .limits = {}}), "");
-  EXPECT_GT(waits, 3);
+  test::FakeServices console;
+  EXPECT_EQ(problem_of_sending(plain_mail, at(slow), console), "");
+  EXPECT_GT(console.waits, 3);
 
   for (const char* step : {"connect", "."}) {
     SmtpSink::Behaviour silent;
     silent.replies[step] = SmtpSink::silence;
     const SmtpSink sink(silent);
-    EXPECT_THAT(
-        problem_of_sending(
-            plain_mail, at(sink),
-            {.wait = wait, .find_addresses = {}, .limits = {.connect = 1s, .reply = 1s, .total = 1s}}),
-        HasSubstr("no mail could be sent"))
+    EXPECT_THAT(problem_of_sending(plain_mail, at(sink), console, {.connect = 1s, .reply = 1s, .total = 1s}),
+                HasSubstr("no mail could be sent"))
         << step;
   }
   // The mail is in good hands, whatever the server does about the farewell.
@@ -253,14 +256,13 @@ TEST(Waiting, EndsWhereItIsCancelledOrTheEventLoopEnds) {
   SmtpSink::Behaviour silent;
   silent.replies["DATA"] = SmtpSink::silence;
   const SmtpSink sink(silent);
-  std::shared_ptr<MailMessage> message;
-  message = make_mail_message(
-      {.wait = [&](std::chrono::milliseconds) { message->cancel(); }, .find_addresses = {}, .limits = {}});
+  test::FakeServices console;
+  const std::shared_ptr<MailMessage> message = make(console);
+  console.on_wait = [&] { message->cancel(); };
   EXPECT_THROW(message->send(plain_mail, at(sink)), Error);
-  const auto ending = [](std::chrono::milliseconds) { throw Error(91, "the console is being stopped"); };
-  EXPECT_EQ(problem_of_sending(plain_mail, at(sink), {.wait = ending, .find_addresses = {}, .limits = {}}),
-            "91 the console is being stopped");
+  console.on_wait = [] { throw Error(91, "the console is being stopped"); };
+  EXPECT_EQ(problem_of_sending(plain_mail, at(sink), console), "91 the console is being stopped");
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::mail

@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "components/pcre2/pcre2_regexp.h"
+#include "components/pcre2/pcre2.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::pcre2 {
 namespace {
 
 using namespace std::string_view_literals;
@@ -41,7 +41,7 @@ RegExp::Options options_of(std::string_view flags) {
 template <typename Unit>
 std::string first_match(std::basic_string_view<Unit> pattern, std::basic_string_view<Unit> text,
                         std::string_view flags = "", std::size_t from = 0) {
-  const auto regexp = make_regexp_factory()();
+  const auto regexp = make_regexp();
   RegExpMatch match;
   regexp->set_pattern(pattern, options_of(flags));
   const bool found = regexp->find(text, from, match);
@@ -151,7 +151,7 @@ TEST(Dialect, MalformedPatternsAreToldApart) {
       {"(?R)", 5017},      {"(?1)", 5017},    {"(?i)a", 5017},   {"(?#c)", 5017},   {"(?>a)", 5017},
       {"(?|a)", 5017},     {"(?C1)", 5017},   {"(?(1)a)", 5017}, {"(?'n'a)", 5017}, {"(?-i:a)", 5017},
   };
-  const auto regexp = make_regexp_factory()();
+  const auto regexp = make_regexp();
   const auto number_of = [](auto&& step) {
     try {
       step();
@@ -232,22 +232,21 @@ TEST(RegExpComponent, SearchesFromAnyPlace) {
   EXPECT_EQ(first_match<char>("\\ba", "aa a", "", 1), "3+1");
   EXPECT_EQ(first_match<char>("", "ab", "", 2), "2+0");
   EXPECT_EQ(first_match<char>("", "äb", "", 1), "2+0");  // not inside a character
-  const auto regexp = make_regexp_factory()();
+  const auto regexp = make_regexp();
   RegExpMatch match;
   regexp->set_pattern("a"sv, {});
   EXPECT_THROW(regexp->find("a"sv, 2, match), Error);
 }
 
 TEST(RegExpComponent, PatternsOfOneWidthSearchTextsOfTheOther) {
-  const auto make = make_regexp_factory();
   RegExpMatch match;
-  const auto wide = make();
+  const auto wide = make_regexp();
   wide->set_pattern(u"\U0001F600\u00e9x"sv, {.ignore_case = true});
   ASSERT_TRUE(wide->find("\U0001F600\u00c9X"sv, 0, match));
   EXPECT_EQ(match.whole.length, 7u);
   ASSERT_TRUE(wide->find(u"\U0001F600\u00c9X"sv, 0, match));
   EXPECT_EQ(match.whole.length, 4u);
-  const auto narrow = make();
+  const auto narrow = make_regexp();
   narrow->set_pattern("\U0001F600\u20ac\u00e9"sv, {.ignore_case = true});
   ASSERT_TRUE(narrow->find(u"a\U0001F600\u20ac\u00c9"sv, 0, match));
   EXPECT_EQ(match.whole.offset, 1u);
@@ -257,11 +256,10 @@ TEST(RegExpComponent, PatternsOfOneWidthSearchTextsOfTheOther) {
 // Objects share compiled patterns; options and widths must not meet in the cache, and patterns that
 // left it must still serve those that hold them.
 TEST(RegExpComponent, ObjectsThatShareTheCacheAreIndependent) {
-  const auto make = make_regexp_factory();
   RegExpMatch match;
-  const auto sharp = make();
-  const auto lenient = make();
-  const auto other = make();
+  const auto sharp = make_regexp();
+  const auto lenient = make_regexp();
+  const auto other = make_regexp();
   sharp->set_pattern("a(b)?"sv, {});
   lenient->set_pattern("a(b)?"sv, {.ignore_case = true});
   for (int i = 0; i < 1000; ++i) other->set_pattern("x{" + std::to_string(i) + "}y", {});
@@ -277,4 +275,4 @@ TEST(RegExpComponent, ObjectsThatShareTheCacheAreIndependent) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::pcre2

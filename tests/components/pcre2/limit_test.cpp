@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include "components/pcre2/pcre2_regexp.h"
+#include "components/pcre2/pcre2.h"
 #include "core/text/error.h"
 
-namespace zrl {
+namespace zrl::pcre2 {
 namespace {
 
 using namespace std::string_view_literals;
@@ -28,8 +28,8 @@ struct Search {
 };
 
 template <typename Unit>
-Ending search(const Search& s, RegExpLimits limits = {}) {
-  const auto regexp = make_regexp_factory(limits)();
+Ending search(const Search& s, pcre2::Limits limits = {}) {
+  const auto regexp = make_regexp(limits);
   const std::string text = repeat(s.text, s.times) + std::string(s.end);
   const std::basic_string<Unit> pattern(s.pattern.begin(), s.pattern.end());
   const std::basic_string<Unit> units(text.begin(), text.end());
@@ -52,7 +52,7 @@ TEST(Limits, HostileSearchesEnd) {
       {"(.*)\\1[bc]", "a", 1'000'000, "d"},
       {"(?:a?){30}a{30}[bc]", "a", 1'000'000, "d"},
   };
-  const RegExpLimits hasty{std::chrono::milliseconds(20)};
+  const pcre2::Limits hasty{std::chrono::milliseconds(20)};
   for (const Search& s : searches) {
     EXPECT_EQ(search<char>(s, hasty), Ending::limit) << s.pattern;
     EXPECT_EQ(search<char16_t>(s, hasty), Ending::limit) << s.pattern;
@@ -75,7 +75,7 @@ TEST(Limits, LongSearchesThatAreNotHostileSucceed) {
 }
 
 TEST(Limits, HostilePatternsAreRefusedOrWork) {
-  const auto regexp = make_regexp_factory()();
+  const auto regexp = make_regexp();
   RegExpMatch match;
   const auto refused = [&](const std::string& pattern) {
     try {
@@ -103,4 +103,4 @@ TEST(Limits, HostilePatternsAreRefusedOrWork) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::pcre2

@@ -7,12 +7,13 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "components/service/service_components.h"
+#include "components/service/service.h"
 #include "core/text/error.h"
 #include "support/fake_service_manager.h"
+#include "support/fake_services.h"
 #include "support/service_environment.h"
 
-namespace zrl {
+namespace zrl::service {
 namespace {
 
 using test::FakeServiceManager;
@@ -49,14 +50,14 @@ class ServiceManagerTest : public testing::Test {
   ProgramResult program{1, "systemctl is out of order\nand more"};
   std::vector<std::string> program_calls;
 
-  std::shared_ptr<ServiceManager> services = make_service_manager({
-      .run =
-          [this](const ProgramStart& start, std::chrono::milliseconds) {
-            program_calls.push_back(start.command_line());
-            return program;
-          },
-      .time_limit = std::chrono::milliseconds(300),
-  });
+  test::FakeServices console;
+  std::shared_ptr<ServiceManager> services = make(
+      console,
+      [this](const ProgramStart& start, std::chrono::milliseconds) {
+        program_calls.push_back(start.command_line());
+        return program;
+      },
+      std::chrono::milliseconds(300));
 
  private:
   test::ServiceEnvironment environment_;
@@ -164,4 +165,4 @@ TEST_F(ServiceManagerTest, WithoutABusTheProgramIsAsked) {
 }
 
 }  // namespace
-}  // namespace zrl
+}  // namespace zrl::service

@@ -13,8 +13,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "components/sqlite/sqlite_components.h"
+#include "components/sqlite/sqlite.h"
 #include "core/text/error.h"
+#include "support/fake_services.h"
 #include "support/temporary_folder.h"
 
 namespace zrl::test {
@@ -121,8 +122,8 @@ class DatabaseTest : public ::testing::Test {
   }
 
   TemporaryFolder folder;
-  std::shared_ptr<Database> database = make_sqlite_database(folder.path(), [] { return "sqlite:zrl.db"; }, {},
-                                                            {std::chrono::milliseconds(200)});
+  FakeServices console{folder.path()};
+  std::shared_ptr<Database> database = sqlite::make(console, {std::chrono::milliseconds(200)});
   ConnectionHandle conn = database->open_database("sqlite:zrl.db");
   OtherProgram other{folder.path() / "zrl.db"};
 };

@@ -90,7 +90,7 @@ TEST_F(FailureTest, FullDiskDuringAnImport) {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit{600000, 600000};
     ::setrlimit(RLIMIT_FSIZE, &limit);
-    const auto own = make_sqlite_database(folder.path(), [] { return "sqlite:zrl.db"; });
+    const auto own = sqlite::make(console);
     return failure_of([&] { own->import_("entry", "blacklist", file, true); }) != "none";
   }));
   EXPECT_THAT(list("blacklist"), ElementsAre("before"));
@@ -106,7 +106,7 @@ TEST_F(FailureTest, ReadOnlyFile) {
     ::chmod(folder.path().c_str(), 0777);
     for (const char* ending : {"", "-wal", "-shm"}) ::chmod((path("zrl.db").string() + ending).c_str(), 0444);
     if (::getuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) return false;
-    const auto own = make_sqlite_database(folder.path(), [] { return "sqlite:zrl.db"; });
+    const auto own = sqlite::make(console);
     ConnectionHandle reader = own->open_database("sqlite:zrl.db");
     return own->get_db_array(reader, "blacklist", "entry", {})[0] == "a" &&
            failure_of([&] { reader->execute(Statement("DELETE FROM blacklist")); }).starts_with("8: ");
@@ -134,7 +134,7 @@ TEST_F(FailureTest, CorruptFile) {
 
 // What is written must not vanish in a file that has no name any more.
 TEST_F(FailureTest, FileThatIsGoneOrReplaced) {
-  const auto backup = make_sqlite_database(folder.path(), [] { return ""; });
+  const auto backup = sqlite::make(console);
   {
     ConnectionHandle made = backup->open_database("sqlite:backup.db");
     made->execute(insert_into("blacklist", "entry", "restored"));

@@ -48,7 +48,7 @@ std::string joined(const std::vector<std::string>& entries) {
 }
 
 TEST_F(ListFileTest, WhatFilesMean) {
-  const std::string longest(ListReader::longest_line, 'x');
+  const std::string longest(sqlite::ListReader::longest_line, 'x');
   const struct {
     std::string content;
     std::vector<std::string> entries;
@@ -97,8 +97,8 @@ TEST_F(ListFileTest, RefusesWhatIsNoList) {
       write_file("utf16.txt", std::string("\xFF\xFE"
                                           "a\0\n\0",
                                           6)),
-      write_file("long.txt", good + std::string(ListReader::longest_line + 1, 'x') + "\n"),
-      write_file("endless.txt", good + std::string(20 * ListReader::longest_line, ' ')),
+      write_file("long.txt", good + std::string(sqlite::ListReader::longest_line + 1, 'x') + "\n"),
+      write_file("endless.txt", good + std::string(20 * sqlite::ListReader::longest_line, ' ')),
   };
   for (const std::string& file : refused) {
     EXPECT_THAT(failure_of([&] { import(file); }), HasSubstr(file));
@@ -139,22 +139,22 @@ TEST_F(ListFileTest, AllWaysLeadToTheSameRows) {
     conn->commit();
     const std::string indexes_before = indexes();
 
-    SqliteConnection own(path("zrl.db"), {});
-    const std::function<void(const Progress&)> report;
-    ListTransfer transfer{own.session(Engine::Use::read), "entry", "blacklist", report, entries_a_pass};
+    sqlite::SqliteConnection own(path("zrl.db"), {});
+    sqlite::ListTransfer transfer{own.session(sqlite::Engine::Use::read), "entry", "blacklist", console,
+                                  entries_a_pass};
 
     std::vector<std::string> expected = before;
     std::set<std::string> known(before.begin(), before.end());
     for (const std::string& entry : file) {
       if (known.insert(entry).second) expected.push_back(entry);
     }
-    import_list(transfer, name);
+    sqlite::import_list(transfer, name);
     ASSERT_EQ(list("blacklist"), expected);
 
     const std::set<std::string> gone(file.begin() + 1, file.end());
     write_file("in.txt", joined({file.begin() + 1, file.end()}));
     std::erase_if(expected, [&](const std::string& entry) { return gone.contains(entry); });
-    delete_list(transfer, name);
+    sqlite::delete_list(transfer, name);
     ASSERT_EQ(list("blacklist"), expected);
     EXPECT_EQ(indexes(), indexes_before);
     EXPECT_EQ(other.ask("PRAGMA integrity_check"), "ok");
@@ -221,7 +221,7 @@ TEST_F(ListFileTest, ExportToAFullDisk) {
     const rlimit limit{10000, 10000};
     ::setrlimit(RLIMIT_FSIZE, &limit);
     OtherProgram reader(path("zrl.db"));
-    const auto own = make_sqlite_database(folder.path(), [] { return "sqlite:zrl.db"; });
+    const auto own = sqlite::make(console);
     return failure_of([&] { own->export_("entry", "blacklist", {}, path("out.txt").string(), true); }) !=
                "none" &&
            failure_of([&] { own->export_("entry", "blacklist", {}, path("new.txt").string(), false); }) !=
@@ -237,14 +237,12 @@ TEST_F(ListFileTest, ReportsProgressAndRefusesToNest) {
   const std::string file = write_file("in.txt", content);
   int reports = 0;
   std::string nested;
-  std::shared_ptr<Database> busy;
-  const auto report = [&](const Progress& progress) {
+  console.on_progress = [&](const Progress& progress) {
     ++reports;
     EXPECT_LE(progress.done, progress.total);
-    nested = failure_of([&] { busy->import_("entry", "whitelist", file, true); });
+    nested = failure_of([&] { database->import_("entry", "whitelist", file, true); });
   };
-  busy = make_sqlite_database(folder.path(), [] { return "sqlite:zrl.db"; }, report);
-  EXPECT_TRUE(busy->import_("entry", "blacklist", file, true));
+  EXPECT_TRUE(database->import_("entry", "blacklist", file, true));
   EXPECT_GE(reports, 2);
   EXPECT_THAT(nested, HasSubstr("being transferred"));
   EXPECT_EQ(list("blacklist").size(), 70000U);
@@ -253,14 +251,14 @@ TEST_F(ListFileTest, ReportsProgressAndRefusesToNest) {
 
 // The component's own connection follows the connection string.
 TEST_F(ListFileTest, UsesTheDatabaseOfTheSettings) {
-  std::string provider = "sqlite:one.db";
-  const auto own = make_sqlite_database(folder.path(), [&] { return provider; });
+  std::string& provider = console.settings["dataprovider"];
+  provider = "sqlite:one.db";
   const std::string file = write_file("in.txt", "a\n");
-  own->import_("entry", "blacklist", file, true);
+  database->import_("entry", "blacklist", file, true);
   provider = "sqlite:two.db";
-  own->import_("entry", "blacklist", file, true);
+  database->import_("entry", "blacklist", file, true);
   provider = "";
-  EXPECT_THAT(failure_of([&] { own->import_("entry", "blacklist", file, true); }),
+  EXPECT_THAT(failure_of([&] { database->import_("entry", "blacklist", file, true); }),
               HasSubstr("no connection string"));
   EXPECT_EQ(OtherProgram(path("one.db")).ask("SELECT entry FROM blacklist"), "a");
   EXPECT_EQ(OtherProgram(path("two.db")).ask("SELECT entry FROM blacklist"), "a");

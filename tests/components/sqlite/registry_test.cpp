@@ -10,11 +10,11 @@ using ::testing::HasSubstr;
 class RegistryTest : public ::testing::Test {
  protected:
   std::filesystem::path file() const { return folder.path() / "registry.db"; }
-  std::string read(std::string_view path) { return store->registry()->regread(path).value_or("(none)"); }
+  std::string read(std::string_view path) { return registry->regread(path).value_or("(none)"); }
 
   TemporaryFolder folder;
-  std::shared_ptr<RegistryStore> store = make_registry_store(folder.path(), {std::chrono::milliseconds(200)});
-  std::shared_ptr<Registry> registry = store->registry();
+  FakeServices console{folder.path()};
+  std::shared_ptr<Registry> registry = sqlite::make_registry(console, {std::chrono::milliseconds(200)});
 };
 
 TEST_F(RegistryTest, KeepsValuesOfBothKinds) {
@@ -30,17 +30,15 @@ TEST_F(RegistryTest, KeepsValuesOfBothKinds) {
   EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\dataprovider"), "0");
   registry->write_string("HKLM\\SOFTWARE\\Mirvan\\dataprovider", "");
   EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\dataprovider"), "");
-  const std::vector<RegistryStore::Value> all = store->list();
-  ASSERT_EQ(all.size(), 3U);
-  EXPECT_EQ(all[0].path, "hklm\\software\\mirvan\\007");
-  EXPECT_EQ(all[1].kind, "REG_SZ");
-  EXPECT_EQ(all[2].kind, "REG_DWORD");
-  EXPECT_EQ(all[2].text, "4294967295");
+  OtherProgram proxy(file());
+  EXPECT_EQ(proxy.ask("SELECT path, kind, value FROM registry ORDER BY path"),
+            "hklm\\software\\mirvan\\007|REG_SZ|007|HKLM\\SOFTWARE\\Mirvan\\dataprovider|REG_SZ||"
+            "HKLM\\SOFTWARE\\Mirvan\\reloadblack|REG_DWORD|4294967295");
 
   registry->delete_value("HKLM\\software\\mirvan\\RELOADBLACK");
   registry->delete_value("HKLM\\software\\mirvan\\never");
   EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\reloadblack"), "(none)");
-  EXPECT_EQ(store->list().size(), 2U);
+  EXPECT_EQ(proxy.ask("SELECT count(*) FROM registry"), "2");
 }
 
 TEST_F(RegistryTest, LooksLikeOneTableToOthers) {
@@ -55,7 +53,6 @@ TEST_F(RegistryTest, LooksLikeOneTableToOthers) {
 TEST_F(RegistryTest, ReadingMakesNoFile) {
   EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\debug"), "(none)");
   registry->delete_value("HKLM\\SOFTWARE\\Mirvan\\debug");
-  EXPECT_TRUE(store->list().empty());
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
   std::ofstream{file()};  // an empty file, as a crash may leave it
   EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\debug"), "(none)");
@@ -65,7 +62,8 @@ TEST_F(RegistryTest, ReadingMakesNoFile) {
 
 TEST_F(RegistryTest, FollowsItsFile) {
   TemporaryFolder backup;
-  make_registry_store(backup.path())->registry()->write_string("a", "restored");
+  FakeServices elsewhere(backup.path());
+  sqlite::make_registry(elsewhere)->write_string("a", "restored");
   registry->write_string("a", "first");
   std::filesystem::rename(backup.path() / "registry.db", file());
   for (const char* ending : {"-wal", "-shm"}) std::filesystem::remove(file().string() + ending);
@@ -89,9 +87,10 @@ TEST_F(RegistryTest, Failures) {
   writer.run("ROLLBACK");
   registry->write_string("a", "c");
   EXPECT_EQ(read("a"), "c");
-  const auto nowhere = make_registry_store(folder.path() / "none");
-  EXPECT_FALSE(nowhere->find("a"));
-  EXPECT_NE(failure_of([&] { nowhere->registry()->write_string("a", "b"); }), "none");
+  FakeServices elsewhere(folder.path() / "none");
+  const auto nowhere = sqlite::make_registry(elsewhere);
+  EXPECT_FALSE(nowhere->regread("a"));
+  EXPECT_NE(failure_of([&] { nowhere->write_string("a", "b"); }), "none");
 }
 
 TEST_F(RegistryTest, ServesSeveralProcessesAtOnce) {
@@ -101,15 +100,15 @@ TEST_F(RegistryTest, ServesSeveralProcessesAtOnce) {
   for (int i = 0; i < processes; ++i) {
     const pid_t child = ::fork();
     if (child == 0) {
-      const auto own = make_registry_store(folder.path());
+      const auto own = sqlite::make_registry(console);
       const std::string mine = "HKLM\\own" + std::to_string(i);
       bool good = true;
       for (int n = 0; n < rounds; ++n) {
         good = good && failure_of([&] {
-                         own->registry()->write_dword(mine, static_cast<std::uint32_t>(n));
-                         own->registry()->write_string("HKLM\\common", std::to_string(i));
+                         own->write_dword(mine, static_cast<std::uint32_t>(n));
+                         own->write_string("HKLM\\common", std::to_string(i));
                        }) == "none";
-        good = good && own->registry()->regread(mine) == std::to_string(n);
+        good = good && own->regread(mine) == std::to_string(n);
       }
       ::_exit(good ? 0 : 1);
     }
@@ -120,7 +119,7 @@ TEST_F(RegistryTest, ServesSeveralProcessesAtOnce) {
     ::waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
   }
-  EXPECT_EQ(store->list().size(), processes + 1U);
+  EXPECT_EQ(OtherProgram(file()).ask("SELECT count(*) FROM registry"), std::to_string(processes + 1));
 }
 
 }  // namespace

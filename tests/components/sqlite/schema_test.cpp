@@ -18,7 +18,7 @@ using SchemaTest = DatabaseTest;
 // Whoever writes the proxy's side reads the schema there.
 TEST(Schema, IsWhatTheDocumentTells) {
   const std::string told = read_file(ZRL_DOCUMENTS "/operating.md");
-  const std::string text(trim(schema_text()));
+  const std::string text(trim(sqlite::schema_text()));
   EXPECT_THAT(told, HasSubstr(text));
 }
 
@@ -159,7 +159,7 @@ TEST_F(SchemaTest, SeveralProcessesMayMakeIt) {
     for (int i = 0; i < 6; ++i) {
       const pid_t child = ::fork();
       if (child == 0) {
-        const auto own = make_sqlite_database(folder.path(), [] { return ""; });
+        const auto own = sqlite::make(console);
         const std::string problem = failure_of([&] {
           ConnectionHandle made = own->open_database("sqlite:common.db");
           for (int n = 0; n < 20; ++n) own->addbytes(1, made);

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "components/sqlite/sqlite_components.h"
+#include "components/sqlite/sqlite_engine.h"
 #include "support/shown_page.h"
 
 namespace zrl {
@@ -151,10 +151,11 @@ TEST_F(KeywordPageTest, TheHeaderCheckIsARegistryStringAndFollowsTheBodyCheckWhe
   page->Text1.user_type("pills");
   page->Command2.user_click();
   page->checkheader.user_click();
-  const auto stored = make_registry_store(folder.path())->find(path);
-  ASSERT_TRUE(stored);
-  EXPECT_EQ(stored->kind, "REG_SZ");
-  EXPECT_EQ(stored->text, "1");
+  sqlite::Engine store(folder.path() / "registry.db", {});
+  sqlite::Query stored(store, "SELECT kind, value FROM registry WHERE path=?1");
+  ASSERT_TRUE(stored.bind(1, path).step());
+  EXPECT_EQ(stored.text(0), "REG_SZ");
+  EXPECT_EQ(stored.text(1), "1");
   EXPECT_TRUE(shown().checkheader.checked());
   for (const char* other : {"0", "", "yes", "70000"}) {
     console.settings().regwrite_string(path, other);

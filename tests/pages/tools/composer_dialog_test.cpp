@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "components/locale/catalogue.h"
-#include "components/locale/catalogue_translator.h"
+#include "components/locale/locale.h"
 #include "support/installed_console.h"
 #include "support/smtp_sink.h"
 
@@ -92,7 +92,7 @@ TEST_F(ComposerDialogTest, AsksForWhatIsMissingOrWrong) {
       {&ComposerDialog::port, "65536", "The port is no number from 1 to 65535"},
       {&ComposerDialog::port, "smtp", "The port is no number from 1 to 65535"},
   };
-  const Catalogue german = Catalogue::parse(built_in_catalogue("german"));
+  const auto german = locale::Catalogue::parse(locale::built_in_catalogue("german"));
   for (const auto& wrong : cases) {
     fill(sink);
     (composer.*wrong.field).user_type(wrong.text);

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "components/pcre2/pcre2_regexp.h"
+#include "components/pcre2/pcre2.h"
 #include "scripting/vbscript/engine.h"
 
 namespace zrl::vbs::test {
@@ -23,13 +23,10 @@ class ScriptHost : public EngineHost {
     return preset;
   }
   void echo(const std::string& text) override { lines.push_back(text); }
-  std::shared_ptr<RegExp> make_regexp() override { return with_regexps ? make_() : nullptr; }
+  std::shared_ptr<RegExp> make_regexp() override { return with_regexps ? pcre2::make_regexp() : nullptr; }
 
   std::vector<std::string> lines;
   bool with_regexps = true;
-
- private:
-  std::function<std::shared_ptr<RegExp>()> make_ = make_regexp_factory();
 };
 
 // "error 13 (2, 5): Type mismatch", or "compile error ...".
