@@ -1,177 +1,28 @@
 #include "components/sqlite/schema.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "core/text/error.h"
 
+// The file, put between these marks by the assembler, with a zero byte at its end.
+extern "C" {
+extern const char zrl_schema_begin[];
+extern const char zrl_schema_end[];
+}
+
 namespace zrl::sqlite {
 
 namespace {
 
-constexpr int schema_version = 1;
-
-// Entries of the list tables are not unique. Every column by which statements choose or order rows
-// has an index; where both happen together, the index serves both.
-constexpr const char* schema = R"(
-CREATE TABLE konf         (ID TEXT, value TEXT);                 -- the options
-CREATE UNIQUE INDEX konf_ID              ON konf (ID);
-
-CREATE TABLE blacklist    (entry TEXT);                          -- domains
-CREATE INDEX blacklist_entry             ON blacklist (entry);
-CREATE TABLE whitelist    (entry TEXT);
-CREATE INDEX whitelist_entry             ON whitelist (entry);
-CREATE TABLE mydomain     (entry TEXT);
-CREATE INDEX mydomain_entry              ON mydomain (entry);
-CREATE TABLE exceptdomain (entry TEXT);
-CREATE INDEX exceptdomain_entry          ON exceptdomain (entry);
-
-CREATE TABLE Blackhost    (IPNumber TEXT);                       -- addresses of hosts
-CREATE INDEX Blackhost_IPNumber          ON Blackhost (IPNumber);
-CREATE TABLE Whitehost    (IPNumber TEXT);
-CREATE INDEX Whitehost_IPNumber          ON Whitehost (IPNumber);
-CREATE TABLE myips        (IPNumber TEXT);
-CREATE INDEX myips_IPNumber              ON myips (IPNumber);
-CREATE TABLE blacksub     (subnet TEXT);
-CREATE INDEX blacksub_subnet             ON blacksub (subnet);
-CREATE TABLE whitesub     (subnet TEXT);
-CREATE INDEX whitesub_subnet             ON whitesub (subnet);
-
-CREATE TABLE blackmail    (entry TEXT);                          -- e-mail addresses
-CREATE INDEX blackmail_entry             ON blackmail (entry);
-CREATE TABLE whitemail    (entry TEXT);
-CREATE INDEX whitemail_entry             ON whitemail (entry);
-CREATE TABLE localmail    (entry TEXT);
-CREATE INDEX localmail_entry             ON localmail (entry);
-CREATE TABLE exceptmail   (entry TEXT);
-CREATE INDEX exceptmail_entry            ON exceptmail (entry);
-
-CREATE TABLE swords       (entry TEXT);                          -- keywords
-CREATE INDEX swords_entry                ON swords (entry);
-CREATE TABLE words        (entry TEXT);
-CREATE INDEX words_entry                 ON words (entry);
-CREATE TABLE subjectwhite (entry TEXT);
-CREATE INDEX subjectwhite_entry          ON subjectwhite (entry);
-
-CREATE TABLE rblserver    (entry TEXT);                          -- zones of block lists
-CREATE INDEX rblserver_entry             ON rblserver (entry);
-CREATE TABLE wblserver    (entry TEXT);
-CREATE INDEX wblserver_entry             ON wblserver (entry);
-CREATE TABLE surblserver  (entry TEXT);
-CREATE INDEX surblserver_entry           ON surblserver (entry);
-
-CREATE TABLE files        (files TEXT);                          -- attachments
-CREATE INDEX files_files                 ON files (files);
-CREATE TABLE extension    (extension TEXT);
-CREATE INDEX extension_extension         ON extension (extension);
-
-CREATE TABLE rwords       (orig TEXT, repl TEXT);                -- words and their replacements
-CREATE UNIQUE INDEX rwords_orig          ON rwords (orig);
-
-CREATE TABLE disclaimer   (rule TEXT, plain TEXT, html TEXT);
-CREATE INDEX disclaimer_rule             ON disclaimer (rule);
-
-CREATE TABLE pop3 (                                              -- mailboxes to collect from
-  entry         TEXT,                                            -- user name, comma, server
-  password      TEXT,
-  badmail       TEXT,
-  forward       TEXT,
-  leave         INTEGER,
-  maxsize       INTEGER,
-  scan          INTEGER,
-  spamforward   TEXT,
-  spamtobadmail INTEGER,
-  subjectdelete INTEGER,
-  submit        TEXT,
-  tag           TEXT
-);
-CREATE UNIQUE INDEX pop3_entry           ON pop3 (entry);
-
--- The logs. status: 0 neutral, 1 white, 2 black. Times sort as they stand.
-CREATE TABLE iplog (
-  ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
-  status        INTEGER DEFAULT 0,
-  servertime    TEXT
-);
-CREATE INDEX iplog_IPNumber              ON iplog (IPNumber);
-CREATE INDEX iplog_servertime            ON iplog (servertime);
-CREATE INDEX iplog_status_servertime     ON iplog (status, servertime);
-
-CREATE TABLE predatalog (
-  ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
-  mailfrom      TEXT,
-  reason        TEXT,
-  status        INTEGER DEFAULT 0,
-  servertime    TEXT
-);
-CREATE INDEX predatalog_IPNumber          ON predatalog (IPNumber);
-CREATE INDEX predatalog_mailfrom          ON predatalog (mailfrom);
-CREATE INDEX predatalog_servertime        ON predatalog (servertime);
-CREATE INDEX predatalog_reason_servertime ON predatalog (reason, servertime);
-CREATE INDEX predatalog_status_servertime ON predatalog (status, servertime);
-
-CREATE TABLE subjectlog (
-  ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
-  mailfrom      TEXT,
-  mailto        TEXT,
-  keyword       TEXT,
-  servertime    TEXT
-);
-CREATE INDEX subjectlog_IPNumber         ON subjectlog (IPNumber);
-CREATE INDEX subjectlog_mailfrom         ON subjectlog (mailfrom);
-CREATE INDEX subjectlog_keyword          ON subjectlog (keyword);
-CREATE INDEX subjectlog_servertime       ON subjectlog (servertime);
-
-CREATE TABLE bodylog (
-  ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
-  mailfrom      TEXT,
-  mailto        TEXT,
-  keyword       TEXT,
-  servertime    TEXT
-);
-CREATE INDEX bodylog_IPNumber            ON bodylog (IPNumber);
-CREATE INDEX bodylog_mailfrom            ON bodylog (mailfrom);
-CREATE INDEX bodylog_keyword             ON bodylog (keyword);
-CREATE INDEX bodylog_servertime          ON bodylog (servertime);
-
-CREATE TABLE avlog (
-  ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
-  mailfrom      TEXT,
-  mailto        TEXT,
-  reason        TEXT,
-  servertime    TEXT
-);
-CREATE INDEX avlog_IPNumber              ON avlog (IPNumber);
-CREATE INDEX avlog_mailfrom              ON avlog (mailfrom);
-CREATE INDEX avlog_servertime            ON avlog (servertime);
-
--- The archive. The source of the mail comes last: rows are read without it until it is shown. Keys
--- are never given twice, so that who deletes the mail on the screen can't hit one that came later.
-CREATE TABLE marchive (
-  ID            INTEGER PRIMARY KEY AUTOINCREMENT,
-  mid           TEXT,
-  subject       TEXT,
-  sender        TEXT,
-  sdom          TEXT,
-  sip           TEXT,
-  envelope      TEXT,
-  mailheader    TEXT,
-  returnaddr    TEXT,
-  servertime    TEXT,
-  tstamp        TEXT,
-  timestamp     TEXT,
-  mpath         TEXT,
-  email         BLOB
-);
-CREATE INDEX marchive_mid                ON marchive (mid);
-CREATE INDEX marchive_servertime         ON marchive (servertime, tstamp);
-)";
+// FNV-1a.
+constexpr std::uint32_t checksum(std::string_view text) {
+  std::uint32_t sum = 2166136261U;
+  for (const char c : text) sum = (sum ^ static_cast<unsigned char>(c)) * 16777619U;
+  return sum;
+}
 
 struct Object {
   std::string kind;  // "table" or "index"
@@ -229,17 +80,22 @@ void create_index(Engine& engine, std::string sql) {
 }  // namespace
 
 std::string_view schema_text() {
-  return schema;
+  return {zrl_schema_begin, static_cast<std::size_t>(zrl_schema_end - zrl_schema_begin) - 1};
+}
+
+std::int32_t schema_stamp() {
+  static const auto stamp = static_cast<std::int32_t>(checksum(schema_text()) >> 1);
+  return stamp;
 }
 
 void ensure_schema(Engine& engine, SchemaCheck check) {
   const auto up_to_date = [&] {
-    return check == SchemaCheck::quick && engine.number("PRAGMA user_version") >= schema_version;
+    return check == SchemaCheck::quick && engine.number("PRAGMA user_version") == schema_stamp();
   };
   if (engine.read_only() || up_to_date()) return;
 
   Engine model;
-  model.run(schema);
+  model.run(zrl_schema_begin);
   Atomic atomic(engine);
   if (up_to_date()) return;  // another process was faster
   for (const Object& wanted : objects_of(model)) {
@@ -251,8 +107,8 @@ void ensure_schema(Engine& engine, SchemaCheck check) {
       create_index(engine, wanted.sql);
     }
   }
-  if (engine.number("PRAGMA user_version") < schema_version) {
-    engine.run(("PRAGMA user_version=" + std::to_string(schema_version)).c_str());
+  if (engine.number("PRAGMA user_version") != schema_stamp()) {
+    engine.run(("PRAGMA user_version=" + std::to_string(schema_stamp())).c_str());
   }
   atomic.commit();
 }

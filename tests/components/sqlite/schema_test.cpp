@@ -4,7 +4,7 @@
 
 #include "components/sqlite/database_fixture.h"
 #include "core/text/files.h"
-#include "core/text/text.h"
+#include "core/text/paths.h"
 
 namespace zrl::test {
 namespace {
@@ -15,51 +15,50 @@ using ::testing::StartsWith;
 
 using SchemaTest = DatabaseTest;
 
-// Whoever writes the proxy's side reads the schema there.
-TEST(Schema, IsWhatTheDocumentTells) {
-  const std::string told = read_file(ZRL_DOCUMENTS "/operating.md");
-  const std::string text(trim(sqlite::schema_text()));
-  EXPECT_THAT(told, HasSubstr(text));
+// The tables and indexes of a file, and the columns of its tables: "table konf", "konf.ID TEXT".
+std::vector<std::string> contents(OtherProgram& program) {
+  std::istringstream lines(program.ask(
+      "SELECT group_concat(line, char(10)) FROM ("
+      "SELECT type||' '||name AS line FROM sqlite_schema WHERE name NOT LIKE 'sqlite%' UNION ALL "
+      "SELECT t.name||'.'||c.name||' '||c.type FROM sqlite_schema AS t, pragma_table_info(t.name) AS c "
+      "WHERE t.type='table' AND t.name NOT LIKE 'sqlite%')"));
+  std::vector<std::string> result;
+  for (std::string line; std::getline(lines, line);) result.push_back(line);
+  return result;
 }
 
-TEST_F(SchemaTest, HoldsEveryTableButTheScripts) {
-  const struct {
-    const char* tables;
-    const char* columns;
-  } cases[] = {
-      {"blacklist whitelist mydomain localmail blackmail whitemail swords words subjectwhite exceptmail "
-       "exceptdomain "
-       "rblserver wblserver surblserver",
-       "entry"},
-      {"Blackhost Whitehost myips", "IPNumber"},
-      {"blacksub whitesub", "subnet"},
-      {"files", "files"},
-      {"extension", "extension"},
-      {"konf", "ID, value"},
-      {"rwords", "orig, repl"},
-      {"disclaimer", "[rule], plain, html"},
-      {"pop3",
-       "entry, [password], badmail, forward, leave, maxsize, scan, spamforward, spamtobadmail, "
-       "subjectdelete, "
-       "submit, tag"},
-      {"iplog", "ID, IPNumber, status, servertime"},
-      {"predatalog", "ID, IPNumber, mailfrom, reason, status, servertime"},
-      {"subjectlog bodylog", "ID, IPNumber, mailfrom, mailto, keyword, servertime"},
-      {"avlog", "ID, IPNumber, mailfrom, mailto, reason, servertime"},
-      {"marchive",
-       "ID, mid, subject, sender, sdom, sip, envelope, mailheader, returnaddr, servertime, tstamp, "
-       "timestamp, mpath, email"},
-  };
-  int tables = 0;
-  for (const auto& [names, columns] : cases) {
-    std::istringstream words(names);
-    for (std::string name; words >> name; ++tables) {
-      EXPECT_EQ(other.ask(std::string("SELECT ") + columns + " FROM " + name), "");
-    }
-  }
-  EXPECT_EQ(other.ask("SELECT count(*) FROM sqlite_schema WHERE type='table' AND name NOT LIKE 'sqlite%'"),
-            std::to_string(tables));
+TEST_F(SchemaTest, AnEmptyFileGetsAllOfIt) {
+  OtherProgram model(path("model.db"));
+  model.run(std::string(sqlite::schema_text()));
+  EXPECT_THAT(contents(other), ::testing::UnorderedElementsAreArray(contents(model)));
+  EXPECT_EQ(other.ask("PRAGMA user_version"), std::to_string(sqlite::schema_stamp()));
   EXPECT_EQ(other.ask("PRAGMA journal_mode"), "wal");
+}
+
+// Whatever joins the schema later: it reaches the databases of the first installations, and nothing that they
+// have goes.
+TEST_F(SchemaTest, TheFirstDatabasesAreBroughtUpToDate) {
+  OtherProgram old(path("old.db"));
+  old.run(zrl::read_file(ZRL_TEST_FILES "/first_schema.sql") + "PRAGMA user_version=1;");
+  old.run("INSERT INTO konf VALUES ('checkmx', '1'); INSERT INTO blacklist VALUES ('spam.example')");
+  const std::vector<std::string> before = contents(old);
+  conn = database->open_database("sqlite:old.db");
+  EXPECT_THAT(contents(old), ::testing::UnorderedElementsAreArray(contents(other)));
+  EXPECT_THAT(contents(old), ::testing::IsSupersetOf(before));
+  EXPECT_EQ(database->read_option("checkmx", conn).text, "1");
+  EXPECT_THAT(list("blacklist"), ::testing::ElementsAre("spam.example"));
+  EXPECT_EQ(old.ask("PRAGMA user_version"), std::to_string(sqlite::schema_stamp()));
+}
+
+// As if the text had had no such table when the file was last opened.
+TEST_F(SchemaTest, WhatJoinedTheTextSinceReachesTheFile) {
+  other.run(
+      "DROP TABLE swords; DROP INDEX words_entry; ALTER TABLE avlog DROP COLUMN reason; "
+      "PRAGMA user_version=2000000000");
+  conn = database->open_database("sqlite:zrl.db");
+  OtherProgram model(path("model.db"));
+  model.run(std::string(sqlite::schema_text()));
+  EXPECT_THAT(contents(other), ::testing::UnorderedElementsAreArray(contents(model)));
 }
 
 // Choosing and ordering must not go through whole tables, nor sort them.
