@@ -32,5 +32,30 @@ TEST(ActivityRecord, OldEntriesMakeRoomAndKeepTheirNumbers) {
   EXPECT_EQ(record.first(), 1000u);
 }
 
+// All that an entry holds counts: its text, its error, and the text that is shown of a secret.
+TEST(ActivityRecord, HoldsNoMoreBytesThanItMayAndNotMuchLess) {
+  constexpr std::size_t limit = 100'000;
+  const std::string part(1000, 'x');
+  for (const bool fails : {false, true}) {
+    ActivityRecord record(limit);
+    for (int i = 0; i < 500; ++i) {
+      if (fails) {
+        record.failed(Kind::sql, part, part, i, true, part);
+      } else {
+        record.succeeded(Kind::sql, part, i, part);
+      }
+    }
+    std::size_t bytes = 0;
+    for (std::uint64_t i = record.first(); i < record.total(); ++i) {
+      bytes += record[i].text.size() + record[i].error.size() + record[i].public_text.size();
+    }
+    EXPECT_LE(bytes, limit) << fails;
+    EXPECT_GT(bytes, limit * 9 / 10) << fails;
+  }
+  ActivityRecord usual;
+  for (int i = 0; i < 80; ++i) usual.succeeded(Kind::sql, std::string(1 << 20, 'x'), i);
+  EXPECT_EQ(usual.total() - usual.first(), 63u);
+}
+
 }  // namespace
 }  // namespace zrl

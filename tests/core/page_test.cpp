@@ -1,5 +1,7 @@
 #include "core/page.h"
 
+#include <stdexcept>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,6 +17,12 @@ class SmallPage : public Page {
   explicit SmallPage(Console& console) : Page(console, "small", "Small") {
     bind_switches({{Check1, "check"}});
     Command1.on_click = [this] { execute("DELETE FROM words"); };
+    Command2.on_click = [this] {
+      busy(Command2, [this] {
+        EXPECT_FALSE(Command2.enabled());
+        throw std::runtime_error("raised on purpose");
+      });
+    };
   }
 
   Label Label1{*this, "Label1", "english"};
@@ -22,6 +30,7 @@ class SmallPage : public Page {
   ListBox List1{*this, "List1", "a tip"};
   CheckBox Check1{*this, "Check1", "Check", "another tip"};
   Button Command1{*this, "Command1", "Delete"};
+  Button Command2{*this, "Command2", ""};
   Timer Timer1{*this, "Timer1", 100, true};
   int loads = 0;
 
@@ -54,6 +63,16 @@ TEST_F(PageTest, TranslationDropsTheTranslatorAfterEveryControlAndGoesOnePastThe
   EXPECT_EQ(page.Check1.tool_tip(), "ANOTHER TIP");
   EXPECT_THAT(log.translated, testing::ElementsAre("english", "a tip", "Check", "another tip", "Delete"));
   EXPECT_EQ(log.created, 4);  // one for each control with something to translate
+}
+
+TEST_F(PageTest, AButtonIsUsableAgainWhateverItsActionRaises) {
+  SmallPage page(console);
+  page.initialise();
+  for (int i = 0; i < 2; ++i) page.Command2.user_click();
+  EXPECT_TRUE(page.Command2.enabled());
+  const ActivityRecord& record = console.activity();
+  EXPECT_EQ(record[record.total() - 1].text, "Command2");
+  EXPECT_EQ(record[record.total() - 1].error, "raised on purpose");
 }
 
 TEST_F(PageTest, AFailedConnectionIsToldOnceAndThePageGoesOn) {

@@ -132,6 +132,16 @@ TEST_F(FailureTest, CorruptFile) {
   }
 }
 
+// A file from anywhere may be made to cost as much as it can, and a statement may be mistyped.
+TEST_F(FailureTest, WhatAFileOrAStatementAsksForIsBounded) {
+  EXPECT_THAT(failure_of([&] { execute("DELETE FROM blacklist WHERE entry=\"typo\""); }),
+              HasSubstr("no such column"));
+  std::string view = "CREATE VIEW dear AS SELECT 'a' AS entry";
+  for (int i = 0; i < 60; ++i) view += " UNION ALL SELECT 'a'";
+  other.run(view);
+  EXPECT_THAT(failure_of([&] { list("dear"); }), HasSubstr("too many terms"));
+}
+
 // What is written must not vanish in a file that has no name any more.
 TEST_F(FailureTest, FileThatIsGoneOrReplaced) {
   const auto backup = sqlite::make(console);

@@ -16,6 +16,9 @@ TEST_F(CommandTest, InitLaysTheFolderOutAndChangesNothingThatIsThere) {
   for (const char* name : {"proxy.ini", "registry.db", "proxy.db", "download", "archive", "scripts"}) {
     EXPECT_TRUE(std::filesystem::exists(console / name)) << name;
   }
+  using std::filesystem::perms;
+  EXPECT_EQ(std::filesystem::status(console).permissions(),
+            perms::owner_all | perms::group_read | perms::group_exec);
   run({"registry", "set", "HKLM\\SOFTWARE\\Mirvan\\ProductVersion", "REG_SZ", "9.9"});
   std::ofstream(console / "proxy.ini") << "product = Mirvan \n";
   EXPECT_EQ(run({"init"}), 0);

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "core/text/text.h"
+#include "core/text/utf16.h"
 #include "core/text/utf8.h"
 #include "host/command/command_line.h"
 #include "host/sample/encoding.h"
@@ -288,7 +289,7 @@ TEST_F(SampleData, ScriptsAreStoredInUnitsOfTwoBytes) {
   const auto rows = conn->open(Statement("SELECT * FROM scriptengine"), Connection::Access::read_only);
   for (; !rows->at_end(); rows->move_next()) {
     const std::string start = "Function " + std::string(rows->text("scriptname")) + "(input)\r\n";
-    EXPECT_THAT(std::string(rows->bytes("scriptcontent")), StartsWith(utf16(start)));
+    EXPECT_THAT(std::string(rows->bytes("scriptcontent")), StartsWith(to_utf16_bytes(start)));
     EXPECT_EQ(rows->bytes("scriptcontent").size() % 2, 0U);
     positions.emplace(rows->text("sposition"));
   }

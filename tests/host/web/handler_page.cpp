@@ -114,7 +114,7 @@ void HandlerPage::load() {
 }
 
 void HandlerPage::hide() {
-  std::ofstream(console().folder() / "handlers-left") << "left";
+  std::ofstream(console().folder() / "handlers-left") << "left " << answers.caption();
 }
 
 bool HandlerPage::may_go() const {

@@ -1,9 +1,13 @@
 #include <chrono>
+#include <csignal>
 #include <fstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include "core/text/files.h"
+#include "host/web/audit.h"
 #include "host/web/handler_page.h"
 #include "host/web/session_driver.h"
 
@@ -226,6 +230,33 @@ TEST(SessionForms, AnAuditLogThatCannotBeWrittenStopsNothing) {
   record.succeeded(ActivityRecord::Kind::sql, "lost", 0);
   web::AuditLog full_disk("/dev/full", "admin");
   EXPECT_EQ(full_disk.append(record, 0, "handlers"), 1u);
+}
+
+TEST(AuditLog, HoldsNoSecretsAndGoesOnBehindATornLine) {
+  TemporaryFolder folder;
+  const auto file = folder.path() / "audit.log";
+  web::AuditLog log(file, "admin");
+  ActivityRecord record;
+  record.succeeded(ActivityRecord::Kind::sql, "password='secret'", 0, "password='***'");
+  record.failed(ActivityRecord::Kind::sql, "password='secret'", "locked", 0, true, "password='***'");
+  EXPECT_EQ(log.append(record, 0, "pop_config"), 2u);
+  const std::string lines = zrl::read_file(file);
+  EXPECT_THAT(lines, ::testing::HasSubstr("ok\tpassword='***'\n"));
+  EXPECT_THAT(lines, ::testing::Not(::testing::HasSubstr("secret")));
+
+  // The disk is full in the middle of a line, and then no longer.
+  rlimit limit{};
+  ::getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit short_limit{lines.size() + 10, limit.rlim_max};
+  const auto before = std::signal(SIGXFSZ, SIG_IGN);
+  ::setrlimit(RLIMIT_FSIZE, &short_limit);
+  log.note("pop_config", "file", "torn", "");
+  ::setrlimit(RLIMIT_FSIZE, &limit);
+  std::signal(SIGXFSZ, before);
+  log.note("pop_config", "file", "whole", "");
+  const std::string rest = zrl::read_file(file).substr(lines.size());
+  EXPECT_EQ(rest.find('\n'), 10u);
+  EXPECT_THAT(rest, ::testing::EndsWith("Z\tadmin\tpop_config\tfile\tok\twhole\n"));
 }
 
 TEST(SessionForms, MalformedMessagesChangeNothing) {

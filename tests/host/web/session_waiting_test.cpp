@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/text/files.h"
 #include "host/web/handler_page.h"
 #include "host/web/session_driver.h"
 
@@ -46,6 +47,47 @@ TEST(SessionWaiting, AMessageBoxHoldsEverythingElseBack) {
   session.until_done(session.click("handlers", "count"));
   EXPECT_EQ(caption(session, "handlers", "clicks"), "1");
   EXPECT_LT(asked, counted);
+}
+
+TEST(SessionWaiting, ABoxThatWasAnsweredDoesNotComeAgain) {
+  SessionDriver session(test_pages());
+  session.show("handlers");
+  const std::uint64_t asked = session.click("handlers", "ask");
+  session.answer(session.receive("box"), "ok");
+  session.answer(session.receive("box"), "ok");
+  session.until_done(asked);
+  session.connect();
+  while (const auto message = session.receive()) {
+    EXPECT_NE(message->at("type"), "box");
+    if (message->at("type") == "files") break;  // the last part of the greeting
+  }
+  // The next question starts without a reply.
+  session.click("handlers", "ask");
+  session.answer(session.receive("box"), "cancel");
+  session.answer(session.receive("box"), "cancel");
+  until_caption(session, "handlers", "answers", "yes yes no no ");
+}
+
+// A browser that comes anew owes nothing and is owed nothing: its numbers begin again, and what its last
+// connection had sent while a box was open is not run, nor does it take up room.
+TEST(SessionWaiting, WhatWaitedOnTheLastConnectionIsForgotten) {
+  SessionDriver session(test_pages());
+  session.show("handlers");
+  session.click("handlers", "ask");
+  session.receive("box");
+  for (int i = 0; i < 256; ++i) session.click("handlers", "count");
+  session.connect();
+  session.receive("box");
+  std::uint64_t last = 0;
+  for (int i = 0; i < 200; ++i) last = session.click("handlers", "count");
+  session.rows("handlers", "list", 0, 1);
+  EXPECT_THAT(session.errors, ::testing::IsEmpty());
+  session.connect();
+  session.answer(session.receive("box"), "ok");
+  session.answer(session.receive("box"), "ok");
+  until_caption(session, "handlers", "answers", "yes yes ");
+  EXPECT_EQ(caption(session, "handlers", "clicks"), "0");
+  EXPECT_GT(last, 0u);
 }
 
 TEST(SessionWaiting, TheAnswerGetsThroughHoweverMuchWaits) {
@@ -221,6 +263,15 @@ TEST(SessionWaiting, AnEndedSessionLeavesItsPageInOrder) {
     session.click("handlers", last_act);
     session.end(Kind::ended);
     EXPECT_TRUE(std::filesystem::exists(session.folder() / "handlers-left")) << last_act;
+  }
+  // A question that nobody answers is answered with no.
+  {
+    SessionDriver session(test_pages());
+    session.show("handlers");
+    session.click("handlers", "ask");
+    session.receive("box");
+    session.end(Kind::ended);
+    EXPECT_EQ(read_file(session.folder() / "handlers-left"), "left no no ");
   }
   // A running action is let run, unless the program is being stopped.
   SessionDriver session(test_pages());

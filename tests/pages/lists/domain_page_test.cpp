@@ -60,6 +60,31 @@ TEST_F(DomainPageTest, AddedTextIsEscapedAndShownSoRemovedTextIsNot) {
                           "failed: DELETE FROM blacklist where entry='@*O'Neil'", version()));
 }
 
+// The place is a 16-bit number. What is clicked beyond is taken, but the place stays.
+TEST_F(DomainPageTest, APlaceBeyond32767IsNotKept) {
+  put_download("many.txt", [] {
+    std::string lines;
+    for (int i = 0; i < 40'000; ++i) lines += "host" + std::to_string(i) + ".example\n";
+    return lines;
+  }());
+  console.components().create<Database>()->import_("entry", "blacklist",
+                                                   (folder.path() / "download" / "many.txt").string(), true);
+  DomainPage& page = shown();
+  const auto index_after_a_refill = [&] {
+    page.Text1.user_type("other.example");
+    page.Command1.user_click();
+    return page.List2.index();
+  };
+  page.List2.user_choose(32'767);
+  EXPECT_EQ(index_after_a_refill(), 32'767);
+  for (const std::int64_t beyond : {32'768, 39'999}) {
+    page.List2.user_choose(beyond);
+    EXPECT_EQ(page.Text1.text(), "host" + std::to_string(beyond) + ".example");
+    EXPECT_EQ(index_after_a_refill(), 32'767);
+  }
+  EXPECT_EQ(console.activity().failures(), 0u);
+}
+
 TEST_F(DomainPageTest, BlanksAreStoredAsAnEmptyEntry) {
   DomainPage& page = shown();
   page.Text1.user_type("   ");
