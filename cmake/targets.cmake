@@ -1,19 +1,19 @@
 # What every target of ours is compiled with.
 add_library(zrl_options INTERFACE)
 target_compile_options(zrl_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
-if(NOT ZRL_FUZZ)  # whose compiler has warnings of its own
+# Some libraries ask for it; a precompiled header serves only those who all have it.
+target_compile_options(zrl_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-pthread>)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # clang has warnings of its own, other ones with each release
   target_compile_options(zrl_options INTERFACE -Werror)
-endif()
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Optimising, it finds faults in the standard library's strings that are not there.
   target_compile_options(zrl_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>)
 endif()
 target_include_directories(zrl_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 if(ZRL_SANITIZE)
-  target_compile_options(zrl_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+  target_compile_options(zrl_options INTERFACE -fsanitize=${ZRL_SANITIZE} -fno-sanitize-recover=all
                                                -fno-omit-frame-pointer)
-  target_link_options(zrl_options INTERFACE -fsanitize=address,undefined)
+  target_link_options(zrl_options INTERFACE -fsanitize=${ZRL_SANITIZE})
 endif()
 
 if(ZRL_FUZZ)
@@ -28,6 +28,47 @@ function(zrl_precompile target)
   endif()
   target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
   target_precompile_headers(${target} PRIVATE ${ARGN})
+endfunction()
+
+# zrl_library_headers(NAME HEADER...) and zrl_program_headers(NAME HEADER...) precompile headers once for all
+# targets that zrl_reuse(TARGET NAME) names. What fits libraries does not fit programs: their code is addressed
+# differently.
+function(zrl_library_headers name)
+  file(CONFIGURE OUTPUT ${name}.cpp CONTENT "")
+  add_library(${name} OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+  target_link_libraries(${name} PRIVATE zrl_options)
+  zrl_precompile(${name} ${ARGN})
+endfunction()
+
+function(zrl_program_headers name)
+  file(CONFIGURE OUTPUT ${name}.cpp CONTENT "int main() {}\n")
+  add_executable(${name} ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+  target_link_libraries(${name} PRIVATE zrl_options)
+  zrl_precompile(${name} ${ARGN})
+endfunction()
+
+function(zrl_reuse target name)
+  if(NOT CMAKE_DISABLE_PRECOMPILE_HEADERS)
+    target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
+    target_precompile_headers(${target} REUSE_FROM ${name})
+  endif()
+endfunction()
+
+# zrl_reuse_below(FOLDER NAME) does so for all libraries of a folder and its subfolders that have no headers of
+# their own.
+function(zrl_reuse_below folder name)
+  get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
+  foreach(target IN LISTS targets)
+    get_target_property(type ${target} TYPE)
+    get_target_property(own ${target} PRECOMPILE_HEADERS)
+    if(type MATCHES "^(STATIC|SHARED|OBJECT)_LIBRARY$" AND NOT own AND NOT target STREQUAL name)
+      zrl_reuse(${target} ${name})
+    endif()
+  endforeach()
+  get_property(folders DIRECTORY ${folder} PROPERTY SUBDIRECTORIES)
+  foreach(subfolder IN LISTS folders)
+    zrl_reuse_below(${subfolder} ${name})
+  endforeach()
 endfunction()
 
 # zrl_versioned(TARGET) makes a library one that is installed. Until version 1 every minor version may change

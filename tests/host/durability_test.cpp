@@ -104,7 +104,7 @@ TEST_F(DurabilityTest, TheLogIsSyncedBeforeItIsMergedIntoTheDatabase) {
 TEST_F(DurabilityTest, AReplacedFileIsSyncedUnderItsTemporaryNameAndThenItsFolder) {
   take_syncs();
   replace_file(folder.path() / "a.txt", "text");
-  EXPECT_THAT(take_syncs(), ElementsAre(StartsWith("a.txt.new"), folder_name()));
+  EXPECT_THAT(take_syncs(), ElementsAre(StartsWith(".new-"), folder_name()));
 }
 
 TEST_F(DurabilityTest, AnExportedListIsSyncedBeforeItAppears) {
@@ -112,7 +112,7 @@ TEST_F(DurabilityTest, AnExportedListIsSyncedBeforeItAppears) {
   take_syncs();
   ASSERT_TRUE(console.components().create<Database>()->export_("entry", "blacklist", {},
                                                                (folder.path() / "out.txt").string(), true));
-  EXPECT_THAT(take_syncs(), ElementsAre(StartsWith("out.txt.new"), folder_name()));
+  EXPECT_THAT(take_syncs(), ElementsAre(StartsWith(".new-"), folder_name()));
 }
 
 TEST_F(DurabilityTest, AnImportedListIsSyncedWhenTheImportReturns) {

@@ -11,9 +11,7 @@ int main(int argc, char** argv) {
   std::vector<zrl::PageEntry> pages(product.begin(), product.end());
   pages.push_back({"allcontrols", "Test", "All controls", zrl::make_page<zrl::test::AllControlsPage>});
   zrl::command::Program program{pages, {}};
-#ifdef ZRL_WITH_WEB_HOST
   program.serve = zrl::command::serve;
-#endif
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   return zrl::command::run_command_line(arguments, program, std::cin, std::cout, std::cerr);
 }

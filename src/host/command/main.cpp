@@ -5,9 +5,7 @@
 int main(int argc, char** argv) {
   zrl::command::Program program;
   program.pages = zrl::page_catalogue();
-#ifdef ZRL_WITH_WEB_HOST
   program.serve = zrl::command::serve;
-#endif
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   return zrl::command::run_command_line(arguments, program, std::cin, std::cout, std::cerr);
 }
