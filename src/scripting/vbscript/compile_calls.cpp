@@ -36,13 +36,12 @@ std::size_t ProcedureCompiler::locks_of(std::span<Expr*> list) const {
   return count;
 }
 
-ProcedureCompiler::Register ProcedureCompiler::invoke(const Expr& callee, std::span<Expr*> list,
-                                                      std::size_t wanted) {
+Register ProcedureCompiler::invoke(const Expr& callee, std::span<Expr*> list, std::size_t wanted) {
   const std::size_t locks = locks_of(list);
   const std::size_t outer_locks = locks_.size();
-  for (std::size_t i = 0; i < locks; ++i) locks_.push_back(temp());
-  const bool in_place = locks == 0 && wanted != SIZE_MAX && wanted + 1 == top_;
-  const Register window = in_place ? static_cast<Register>(wanted) : temp();
+  for (std::size_t i = 0; i < locks; ++i) locks_.push_back(code_.temp());
+  const bool in_place = locks == 0 && wanted != SIZE_MAX && wanted + 1 == code_.top();
+  const Register window = in_place ? static_cast<Register>(wanted) : code_.temp();
   if (callee.kind == ExprKind::name) {
     invoke_name(callee, list, window);
   } else if (callee.kind == ExprKind::member) {
@@ -50,20 +49,20 @@ ProcedureCompiler::Register ProcedureCompiler::invoke(const Expr& callee, std::s
     if (callee.left) {
       into(*callee.left, window);
     } else {
-      emit(Op::copy, window, object_of(callee));
+      code_.emit(Op::copy, window, object_of(callee));
     }
-    release_to(window + std::size_t{1});
+    code_.release_to(window + std::size_t{1});
     arguments(list, true);
     subject_of_member(callee);
-    emit_extended(Op::call_member, window, static_cast<std::uint32_t>(list.size()), 0, callee.symbol);
+    code_.emit_extended(Op::call_member, window, static_cast<std::uint32_t>(list.size()), 0, callee.symbol);
   } else {
     if (!reference_into(callee, window)) into(callee, window);
-    release_to(window + std::size_t{1});
+    code_.release_to(window + std::size_t{1});
     arguments(list, true);
-    emit(Op::index_many, window, static_cast<std::uint32_t>(list.size()));
+    code_.emit(Op::index_many, window, static_cast<std::uint32_t>(list.size()));
   }
   locks_.resize(outer_locks);
-  holds(window);
+  code_.holds(window);
   return window;
 }
 
@@ -73,7 +72,7 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
   switch (known.kind) {
     case Meaning::Kind::procedure:
       arguments(list, true);
-      emit_extended(Op::call, window, count, 0, context_.symbols.canonical(callee.symbol));
+      code_.emit_extended(Op::call, window, count, 0, context_.symbols.canonical(callee.symbol));
       return;
     case Meaning::Kind::own_member:
       return invoke_own_name(callee, list, window);
@@ -83,21 +82,21 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
           list.size() >= builtin.least && (list.size() <= builtin.most || builtin.most == any_number);
       arguments(list, false);
       if (fits) {
-        emit_extended(Op::call_builtin, window, count, 0, known.index);
+        code_.emit_extended(Op::call_builtin, window, count, 0, known.index);
       } else {
-        emit_extended(Op::fail, error::argument_count, 0, 0, callee.symbol);
+        code_.emit_extended(Op::fail, error::argument_count, 0, 0, callee.symbol);
       }
       return;
     }
     case Meaning::Kind::special:
       if (list.size() != 1) {
-        emit_extended(Op::fail, error::argument_count, 0, 0, callee.symbol);
+        code_.emit_extended(Op::fail, error::argument_count, 0, 0, callee.symbol);
       } else if (known.builtin == Builtins::Kind::eval) {
         arguments(list, false);
-        emit(Op::evaluate, window, window + 1U);
+        code_.emit(Op::evaluate, window, window + 1U);
       } else {
         arguments(list, false);
-        emit(Op::execute, window + 1U, known.builtin == Builtins::Kind::execute_global ? 1 : 0);
+        code_.emit(Op::execute, window + 1U, known.builtin == Builtins::Kind::execute_global ? 1 : 0);
       }
       return;
     case Meaning::Kind::local:
@@ -109,19 +108,19 @@ void ProcedureCompiler::invoke_name(const Expr& callee, std::span<Expr*> list, R
       reference_into(callee, window);
       arguments(list, true);
       subject_of_index(callee, count == 1 ? list[0] : nullptr);
-      emit(Op::index_many, window, count);
+      code_.emit(Op::index_many, window, count);
       return;
     case Meaning::Kind::unknown:
     case Meaning::Kind::undeclared:
     case Meaning::Kind::class_type:
       arguments(list, true);
-      emit_extended(Op::call_name, window, count,
-                    known.kind == Meaning::Kind::unknown ? known.index : no_register, callee.symbol);
+      code_.emit_extended(Op::call_name, window, count,
+                          known.kind == Meaning::Kind::unknown ? known.index : no_register, callee.symbol);
       return;
     case Meaning::Kind::constant:
       load_constant(known.index, window);
       arguments(list, true);
-      emit(Op::index_many, window, count);
+      code_.emit(Op::index_many, window, count);
       return;
   }
 }
@@ -131,7 +130,7 @@ void ProcedureCompiler::invoke_own_name(const Expr& callee, std::span<Expr*> lis
   const auto count = static_cast<std::uint32_t>(list.size());
   arguments(list, true);
   const SymbolId symbol = own_class_ ? callee.symbol : context_.symbols.canonical(callee.symbol);
-  emit_extended(own_class_ ? Op::call_own : Op::call, window, count, 0, symbol);
+  code_.emit_extended(own_class_ ? Op::call_own : Op::call, window, count, 0, symbol);
 }
 
 // Arguments into the registers that follow.
@@ -140,7 +139,7 @@ void ProcedureCompiler::arguments(std::span<Expr*> list, bool by_reference) {
 }
 
 void ProcedureCompiler::argument(const Expr& expr, bool by_reference) {
-  const Register target = temp();
+  const Register target = code_.temp();
   bool done = false;
   if (expr.kind == ExprKind::name && (!by_reference || !expr.parenthesised)) {
     done = reference_into(expr, target);
@@ -149,7 +148,7 @@ void ProcedureCompiler::argument(const Expr& expr, bool by_reference) {
     done = true;
   }
   if (!done) into(expr, target);
-  release_to(target + std::size_t{1});
+  code_.release_to(target + std::size_t{1});
 }
 
 // A reference to a variable that has a name.
@@ -159,17 +158,17 @@ bool ProcedureCompiler::reference_into(const Expr& expr, Register target) {
   switch (known.kind) {
     case Meaning::Kind::local:
     case Meaning::Kind::variable:
-      emit(Op::refer, target, known.index);
+      code_.emit(Op::refer, target, known.index);
       return true;
     case Meaning::Kind::global:
-      emit(Op::refer_global, target, known.index);
+      code_.emit(Op::refer_global, target, known.index);
       return true;
     case Meaning::Kind::field:
-      emit(Op::refer_field, target, known.index);
+      code_.emit(Op::refer_field, target, known.index);
       return true;
     case Meaning::Kind::unknown:
-      emit_extended(Op::refer_name_or_get, target, known.index, 0, expr.symbol);
-      holds(target);
+      code_.emit_extended(Op::refer_name_or_get, target, known.index, 0, expr.symbol);
+      code_.holds(target);
       return true;
     default:
       return false;
@@ -180,38 +179,38 @@ bool ProcedureCompiler::reference_into(const Expr& expr, Register target) {
 void ProcedureCompiler::refer_index(const Expr& expr, Register target) {
   Register lock = 0;
   if (locks_.empty()) {
-    lock = temp();
+    lock = code_.temp();
   } else {
     lock = locks_.back();
     locks_.pop_back();
   }
   const std::size_t outer_locks = locks_.size();
   const std::size_t inner = locks_of(expr.arguments);
-  for (std::size_t i = 0; i < inner; ++i) locks_.push_back(temp());
-  const Register window = inner == 0 && target + std::size_t{1} == top_ ? target : temp();
+  for (std::size_t i = 0; i < inner; ++i) locks_.push_back(code_.temp());
+  const Register window = inner == 0 && target + std::size_t{1} == code_.top() ? target : code_.temp();
   reference_into(*expr.left, window);
   arguments(expr.arguments, true);
   subject_of_index(*expr.left, expr.arguments.size() == 1 ? expr.arguments[0] : nullptr);
-  emit(Op::refer_index, window, static_cast<std::uint32_t>(expr.arguments.size()), lock);
+  code_.emit(Op::refer_index, window, static_cast<std::uint32_t>(expr.arguments.size()), lock);
   locks_.resize(outer_locks);
-  holds(lock);
-  holds(window);
+  code_.holds(lock);
+  code_.holds(window);
   if (window != target) {
-    emit(Op::take, target, window);
-    holds(target);
+    code_.emit(Op::take, target, window);
+    code_.holds(target);
   }
 }
 
 // For what is only looked at, an array or an object: no copy where there is a variable.
-ProcedureCompiler::Register ProcedureCompiler::reference_or_value(const Expr& expr) {
+Register ProcedureCompiler::reference_or_value(const Expr& expr) {
   if (expr.kind != ExprKind::name) {
-    const Register target = temp();
+    const Register target = code_.temp();
     into(expr, target);
     return target;
   }
   const Meaning known = meaning(expr.symbol);
   if (has_register(known)) return static_cast<Register>(known.index);
-  const Register target = temp();
+  const Register target = code_.temp();
   if (!reference_into(expr, target)) into(expr, target);
   return target;
 }

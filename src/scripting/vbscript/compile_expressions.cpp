@@ -35,11 +35,11 @@ Op offset_op(Op first, Operator op) {
 }  // namespace
 
 void ProcedureCompiler::load(const Value& value, Register target) {
-  load_constant(shared_.constant(value), target);
+  load_constant(shared_.constants.number(value), target);
 }
 
 void ProcedureCompiler::load_constant(std::uint32_t index, Register target) {
-  emit_wide(Op::load, target, index);
+  code_.emit_wide(Op::load, target, index);
 }
 
 // Whether the expression is a literal or a named constant, and which constant it is.
@@ -50,22 +50,22 @@ bool ProcedureCompiler::literal(const Expr& expr, std::uint32_t& index) {
     case ExprKind::number:
     case ExprKind::date:
     case ExprKind::boolean:
-      index = shared_.constant(constant_value(expr, shared_.ast, context_.heap));
+      index = shared_.constants.number(constant_value(expr, shared_.ast, context_.heap));
       return true;
     case ExprKind::string:
-      index = shared_.string_constant(expr.string);
+      index = shared_.constants.literal(expr.string);
       return true;
     case ExprKind::negate:
       if (expr.left->kind != ExprKind::integer && expr.left->kind != ExprKind::long_int &&
           expr.left->kind != ExprKind::number) {
         return false;
       }
-      index = shared_.constant(constant_value(expr, shared_.ast, context_.heap));
+      index = shared_.constants.number(constant_value(expr, shared_.ast, context_.heap));
       return true;
     case ExprKind::name: {
       const Meaning known = meaning(expr.symbol);
       if (known.kind != Meaning::Kind::constant) return false;
-      const Type type = shared_.module.constants[known.index].type();
+      const Type type = shared_.constants[known.index].type();
       if (type == Type::null || type == Type::empty || type == Type::object) return false;
       index = known.index;
       return true;
@@ -97,21 +97,21 @@ bool ProcedureCompiler::scalar_result(const Expr& expr) const {
 }
 
 // A register to read the value from, at once: a variable's own, or a temporary, which may be a reference.
-ProcedureCompiler::Register ProcedureCompiler::operand(const Expr& expr) {
+Register ProcedureCompiler::operand(const Expr& expr) {
   if (expr.kind == ExprKind::name) {
     const Meaning known = meaning(expr.symbol);
     if (has_register(known)) return static_cast<Register>(known.index);
-    const Register target = temp();
+    const Register target = code_.temp();
     if (known.kind == Meaning::Kind::global) {
-      emit(Op::get_global, target, known.index);
+      code_.emit(Op::get_global, target, known.index);
     } else if (known.kind == Meaning::Kind::field) {
-      emit(Op::get_field, target, known.index);
+      code_.emit(Op::get_field, target, known.index);
     } else {
       name_into(expr, target);
     }
     return target;
   }
-  const Register target = temp();
+  const Register target = code_.temp();
   into(expr, target);
   return target;
 }
@@ -142,15 +142,15 @@ void ProcedureCompiler::into(const Expr& expr, Register target) {
       return unary_into(Op::logical_not, expr, target);
     case ExprKind::me:
       if (!own_class_) throw CompileFailure{error::invalid_me, expr.offset};
-      emit(Op::me, target);
-      return holds(target);
+      code_.emit(Op::me, target);
+      return code_.holds(target);
     case ExprKind::new_object:
-      emit_extended(Op::new_object, target, 0, 0, expr.symbol);
-      return holds(target);
+      code_.emit_extended(Op::new_object, target, 0, 0, expr.symbol);
+      return code_.holds(target);
     case ExprKind::missing:
       return load(Value::missing(), target);
     case ExprKind::string:
-      return load_constant(shared_.string_constant(expr.string), target);
+      return load_constant(shared_.constants.literal(expr.string), target);
     default:
       return load(constant_value(expr, shared_.ast, context_.heap), target);
   }
@@ -161,40 +161,40 @@ void ProcedureCompiler::name_into(const Expr& expr, Register target) {
   switch (known.kind) {
     case Meaning::Kind::local:
     case Meaning::Kind::variable:
-      emit(Op::copy, target, known.index);
-      return holds(target);
+      code_.emit(Op::copy, target, known.index);
+      return code_.holds(target);
     case Meaning::Kind::unknown:
-      emit_extended(Op::get_name, target, known.index, 0, expr.symbol);
-      return holds(target);
+      code_.emit_extended(Op::get_name, target, known.index, 0, expr.symbol);
+      return code_.holds(target);
     case Meaning::Kind::undeclared:
     case Meaning::Kind::class_type:
-      emit_extended(Op::get_name, target, no_register, 0, expr.symbol);
-      return holds(target);
+      code_.emit_extended(Op::get_name, target, no_register, 0, expr.symbol);
+      return code_.holds(target);
     case Meaning::Kind::constant:
       return load_constant(known.index, target);
     case Meaning::Kind::global:
-      emit(Op::get_global, target, known.index);
-      emit(Op::copy, target, target);
-      return holds(target);
+      code_.emit(Op::get_global, target, known.index);
+      code_.emit(Op::copy, target, target);
+      return code_.holds(target);
     case Meaning::Kind::field:
-      emit(Op::get_field, target, known.index);
-      emit(Op::copy, target, target);
-      return holds(target);
+      code_.emit(Op::get_field, target, known.index);
+      code_.emit(Op::copy, target, target);
+      return code_.holds(target);
     default: {
-      const std::size_t top = top_;
+      const std::size_t top = code_.top();
       const Register result = invoke(expr, {}, target);
-      if (result != target) emit(Op::take, target, result);
-      release_to(top);
-      return holds(target);
+      if (result != target) code_.emit(Op::take, target, result);
+      code_.release_to(top);
+      return code_.holds(target);
     }
   }
 }
 
 void ProcedureCompiler::unary_into(Op op, const Expr& expr, Register target) {
-  const std::size_t top = top_;
+  const std::size_t top = code_.top();
   const Register value = operand(*expr.left);
-  emit(op, target, value);
-  release_to(top);
+  code_.emit(op, target, value);
+  code_.release_to(top);
 }
 
 void ProcedureCompiler::binary_into(const Expr& expr, Register target) {
@@ -234,20 +234,20 @@ void ProcedureCompiler::binary_into(const Expr& expr, Register target) {
 
 // `with_constant` is for a literal number on the right; the same as `op` where there is no such opcode.
 void ProcedureCompiler::arithmetic_into(Op op, Op with_constant, const Expr& expr, Register target) {
-  const std::size_t top = top_;
+  const std::size_t top = code_.top();
   const Register left = operand(*expr.left);
   std::uint32_t index = 0;
   if (with_constant != op && literal(*expr.right, index) && index <= widest_operand) {
-    emit(with_constant, target, left, index);
+    code_.emit(with_constant, target, left, index);
   } else {
     const Register right = operand(*expr.right);
-    emit(op, target, left, right);
+    code_.emit(op, target, left, right);
   }
-  release_to(top);
+  code_.release_to(top);
 }
 
 void ProcedureCompiler::comparison_into(const Expr& expr, Register target) {
-  const std::size_t top = top_;
+  const std::size_t top = code_.top();
   std::uint32_t left_index = 0;
   std::uint32_t right_index = 0;
   const bool left_literal = literal(*expr.left, left_index);
@@ -255,22 +255,22 @@ void ProcedureCompiler::comparison_into(const Expr& expr, Register target) {
   if (left_literal && right_literal) {
     const Register left = operand(*expr.left);
     const Register right = operand(*expr.right);
-    emit_extended(Op::compare_literals, target, left, right, static_cast<std::int64_t>(expr.op));
+    code_.emit_extended(Op::compare_literals, target, left, right, static_cast<std::int64_t>(expr.op));
   } else if (right_literal && right_index <= widest_operand) {
-    emit(offset_op(Op::equal_k, expr.op), target, operand(*expr.left), right_index);
+    code_.emit(offset_op(Op::equal_k, expr.op), target, operand(*expr.left), right_index);
   } else if (left_literal && left_index <= widest_operand) {
-    emit(offset_op(Op::equal_k, mirrored(expr.op)), target, operand(*expr.right), left_index);
+    code_.emit(offset_op(Op::equal_k, mirrored(expr.op)), target, operand(*expr.right), left_index);
   } else {
     const Register left = operand(*expr.left);
     const Register right = operand(*expr.right);
-    emit(offset_op(Op::equal, expr.op), target, left, right);
+    code_.emit(offset_op(Op::equal, expr.op), target, left, right);
   }
-  release_to(top);
+  code_.release_to(top);
 }
 
 // A chain of & becomes one instruction over registers in a row.
 void ProcedureCompiler::concat_into(const Expr& expr, Register target) {
-  const std::size_t top = top_;
+  const std::size_t top = code_.top();
   std::vector<const Expr*> parts;
   const Expr* left = &expr;
   while (left->kind == ExprKind::binary && left->op == Operator::concat &&
@@ -279,43 +279,43 @@ void ProcedureCompiler::concat_into(const Expr& expr, Register target) {
     left = left->left;
   }
   parts.push_back(left);
-  const Register first = temp();
+  const Register first = code_.temp();
   for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
-    const Register reg = part == parts.rbegin() ? first : temp();
+    const Register reg = part == parts.rbegin() ? first : code_.temp();
     if (!reference_into(**part, reg)) into(**part, reg);
-    release_to(reg + std::size_t{1});
+    code_.release_to(reg + std::size_t{1});
   }
-  emit(Op::concat, target, first, static_cast<std::uint32_t>(parts.size()));
-  release_to(top);
+  code_.emit(Op::concat, target, first, static_cast<std::uint32_t>(parts.size()));
+  code_.release_to(top);
 }
 
 // A register with the object of `object.member`: of the innermost With where nothing stands there.
-ProcedureCompiler::Register ProcedureCompiler::object_of(const Expr& member) {
+Register ProcedureCompiler::object_of(const Expr& member) {
   if (member.left) return reference_or_value(*member.left);
   if (withs_.empty()) {
-    const Register none = temp();
-    emit_extended(Op::fail, error::unqualified_reference, 0, 0, 0);
+    const Register none = code_.temp();
+    code_.emit_extended(Op::fail, error::unqualified_reference, 0, 0, 0);
     return none;
   }
   return withs_.back();
 }
 
 void ProcedureCompiler::member_into(const Expr& expr, Register target) {
-  const std::size_t top = top_;
+  const std::size_t top = code_.top();
   const Register object = object_of(expr);
   subject_of_member(expr);
-  emit_extended(Op::get_member, target, object, 0, expr.symbol);
-  release_to(top);
-  holds(target);
+  code_.emit_extended(Op::get_member, target, object, 0, expr.symbol);
+  code_.release_to(top);
+  code_.holds(target);
 }
 
 void ProcedureCompiler::call_into(const Expr& expr, Register target) {
   if (index_into(expr, target)) return;
-  const std::size_t top = top_;
+  const std::size_t top = code_.top();
   const Register result = invoke(*expr.left, expr.arguments, target);
-  if (result != target) emit(Op::take, target, result);
-  release_to(top);
-  holds(target);
+  if (result != target) code_.emit(Op::take, target, result);
+  code_.release_to(top);
+  code_.holds(target);
 }
 
 // variable(index)
@@ -323,36 +323,36 @@ bool ProcedureCompiler::index_into(const Expr& expr, Register target) {
   if (expr.arguments.size() != 1 || !indexes_variable(expr) || expr.arguments[0]->kind == ExprKind::missing) {
     return false;
   }
-  const std::size_t top = top_;
+  const std::size_t top = code_.top();
   const Register array = reference_or_value(*expr.left);
   const Register index = operand(*expr.arguments[0]);
   subject_of_index(*expr.left, expr.arguments[0]);
-  emit(Op::index, target, array, index);
-  release_to(top);
-  holds(target);
+  code_.emit(Op::index, target, array, index);
+  code_.release_to(top);
+  code_.holds(target);
   return true;
 }
 
 // Jumps where the condition is not true.
 void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
-  const std::size_t top = top_;
+  const std::size_t top = code_.top();
   std::uint32_t index = 0;
   std::uint32_t other = 0;
   const bool comparison = is_comparison(expr) && !(literal(*expr.left, index) && literal(*expr.right, other));
   if (!comparison) {
     const Register value = operand(expr);
-    if (held_first_ == value && held_end_ == value + std::size_t{1}) {
-      take_back(value);
-      jump(Op::jump_false_taken, value, unless);
-    } else if (held_first_ < held_end_) {
-      const Register result = temp_behind_held();
-      emit(Op::test, result, value);
-      end_statement();
-      jump(Op::jump_false, result, unless);
+    if (code_.holds_only(value)) {
+      code_.take_back(value);
+      code_.jump(Op::jump_false_taken, value, unless);
+    } else if (code_.holds_any()) {
+      const Register result = code_.temp_behind_held();
+      code_.emit(Op::test, result, value);
+      code_.end_statement();
+      code_.jump(Op::jump_false, result, unless);
     } else {
-      jump(Op::jump_false, value, unless);
+      code_.jump(Op::jump_false, value, unless);
     }
-    return release_to(top);
+    return code_.release_to(top);
   }
   Operator op = expr.op;
   const Expr* left = expr.left;
@@ -366,24 +366,22 @@ void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
   const Register b = with_constant ? static_cast<Register>(index) : operand(*right);
   // Operands that may hold an object are cleared by the comparison itself, where nothing else is held.
   std::uint32_t clears = 0;
-  if (held_first_ < held_end_) {
-    if (a >= held_first_ && a < held_end_) clears |= 1;
-    if (!with_constant && b >= held_first_ && b < held_end_) clears |= 2;
+  if (code_.holds_any()) {
+    if (code_.is_held(a)) clears |= 1;
+    if (!with_constant && code_.is_held(b)) clears |= 2;
     const std::size_t cleared = clears == 3 ? 2 : clears == 0 ? 0 : 1;
-    if (cleared == held_end_ - held_first_) {
-      held_first_ = SIZE_MAX;
-      held_end_ = 0;
-    }
+    if (cleared == code_.held_count()) code_.forget_held();
   }
-  if (held_first_ < held_end_) {
-    const Register result = temp_behind_held();
-    emit(offset_op(with_constant ? Op::equal_k : Op::equal, op), result, a, b);
-    end_statement();
-    jump(Op::jump_false, result, unless);
+  if (code_.holds_any()) {
+    const Register result = code_.temp_behind_held();
+    code_.emit(offset_op(with_constant ? Op::equal_k : Op::equal, op), result, a, b);
+    code_.end_statement();
+    code_.jump(Op::jump_false, result, unless);
   } else {
-    jump_extended(offset_op(with_constant ? Op::unless_equal_k : Op::unless_equal, op), a, b, clears, unless);
+    code_.jump_extended(offset_op(with_constant ? Op::unless_equal_k : Op::unless_equal, op), a, b, clears,
+                        unless);
   }
-  release_to(top);
+  code_.release_to(top);
 }
 
 }  // namespace zrl::vbs

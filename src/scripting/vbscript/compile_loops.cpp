@@ -9,41 +9,41 @@ void ProcedureCompiler::do_loop(const Stmt& stmt) {
   Label exit;
   const bool is_do = true;
   loops_.push_back({!is_do, &exit});
-  bind(start);
+  code_.bind(start);
   const auto test = [&](Label& leave) {
     if (!stmt.flag) return condition(*stmt.value, leave);
     // Until: goes on where the condition is not true.
     Label stay;
     condition(*stmt.value, stay);
-    jump(Op::jump, 0, leave);
-    bind(stay);
+    code_.jump(Op::jump, 0, leave);
+    code_.bind(stay);
   };
   if (stmt.value && !stmt.at_end) test(exit);
   block(stmt.body);
-  place(stmt.end_offset);
+  code_.place(stmt.end_offset);
   if (stmt.value && stmt.at_end) test(exit);
-  jump(Op::loop, 0, start);
-  bind(exit);
+  code_.jump(Op::loop, 0, start);
+  code_.bind(exit);
   loops_.pop_back();
 }
 
-ProcedureCompiler::Register ProcedureCompiler::loop_variable(const Expr& target) {
+Register ProcedureCompiler::loop_variable(const Expr& target) {
   Register variable = 0;
   if (direct_register(target, variable)) return variable;
   const Meaning known = meaning(target.symbol);
   if (known.kind == Meaning::Kind::variable) return static_cast<Register>(known.index);
-  variable = temp();
+  variable = code_.temp();
   variable_reference(target, variable);
   return variable;
 }
 
 void ProcedureCompiler::for_loop(const Stmt& stmt) {
-  const std::size_t outer = persistent_;
-  const Register base = temp(2);
+  const std::size_t outer = code_.kept();
+  const Register base = code_.temp(2);
   const Register variable = loop_variable(*stmt.target);
-  persistent_ = top_;
-  emit(Op::clear, base, 2);
-  const Register from = temp();
+  code_.keep_below(code_.top());
+  code_.emit(Op::clear, base, 2);
+  const Register from = code_.temp();
   into(*stmt.value, from);
   into(*stmt.to, base);
   if (stmt.step) {
@@ -53,68 +53,68 @@ void ProcedureCompiler::for_loop(const Stmt& stmt) {
   }
   Label exit;
   Label body;
-  jump_extended(Op::for_prepare, variable, base, from, exit);
-  end_statement();
-  release_to(persistent_);
+  code_.jump_extended(Op::for_prepare, variable, base, from, exit);
+  code_.end_statement();
+  code_.release_to(code_.kept());
   loops_.push_back({true, &exit});
-  bind(body);
+  code_.bind(body);
   block(stmt.body);
-  place(stmt.end_offset);
-  jump_extended(Op::for_next, variable, base, 0, body);
-  bind(exit);
+  code_.place(stmt.end_offset);
+  code_.jump_extended(Op::for_next, variable, base, 0, body);
+  code_.bind(exit);
   loops_.pop_back();
-  persistent_ = outer;
+  code_.keep_below(outer);
 }
 
 void ProcedureCompiler::for_each(const Stmt& stmt) {
-  const std::size_t outer = persistent_;
-  const Register base = temp(2);
+  const std::size_t outer = code_.kept();
+  const Register base = code_.temp(2);
   const Register variable = loop_variable(*stmt.target);
-  persistent_ = top_;
-  emit(Op::clear, base, 2);
+  code_.keep_below(code_.top());
+  code_.emit(Op::clear, base, 2);
   const Register collection = reference_or_value(*stmt.value);
-  emit(Op::each_prepare, base, collection);
-  end_statement();
-  release_to(persistent_);
+  code_.emit(Op::each_prepare, base, collection);
+  code_.end_statement();
+  code_.release_to(code_.kept());
   Label exit;
   Label next;
   Label body;
   loops_.push_back({true, &exit});
-  jump(Op::jump, 0, next);
-  bind(body);
+  code_.jump(Op::jump, 0, next);
+  code_.bind(body);
   block(stmt.body);
-  place(stmt.end_offset);
-  bind(next);
-  jump_extended(Op::each_next, variable, base, 0, body);
-  bind(exit);
-  place(stmt.end_offset);
-  emit(Op::clear, base, 2);
+  code_.place(stmt.end_offset);
+  code_.bind(next);
+  code_.jump_extended(Op::each_next, variable, base, 0, body);
+  code_.bind(exit);
+  code_.place(stmt.end_offset);
+  code_.emit(Op::clear, base, 2);
   loops_.pop_back();
-  persistent_ = outer;
+  code_.keep_below(outer);
 }
 
 void ProcedureCompiler::with(const Stmt& stmt) {
-  const std::size_t outer = persistent_;
-  const Register object = temp();
-  persistent_ = top_;
-  emit(Op::clear, object, 1);
-  const std::size_t top = top_;
+  const std::size_t outer = code_.kept();
+  const Register object = code_.temp();
+  code_.keep_below(code_.top());
+  code_.emit(Op::clear, object, 1);
+  const std::size_t top = code_.top();
   const Register value = reference_or_value(*stmt.value);
-  emit(Op::set, object, value);
-  end_statement();
-  release_to(top);
+  code_.emit(Op::set, object, value);
+  code_.end_statement();
+  code_.release_to(top);
   withs_.push_back(object);
   block(stmt.body);
   withs_.pop_back();
-  place(stmt.end_offset);
-  emit(Op::clear, object, 1);
-  persistent_ = outer;
+  code_.place(stmt.end_offset);
+  code_.emit(Op::clear, object, 1);
+  code_.keep_below(outer);
 }
 
 void ProcedureCompiler::exit(const Stmt& stmt) {
   const bool is_for = stmt.kind == StmtKind::exit_for;
   for (auto loop = loops_.rbegin(); loop != loops_.rend(); ++loop) {
-    if (loop->is_for == is_for) return jump(Op::jump, 0, *loop->exit);
+    if (loop->is_for == is_for) return code_.jump(Op::jump, 0, *loop->exit);
   }
   throw CompileFailure{error::invalid_exit, stmt.offset};
 }

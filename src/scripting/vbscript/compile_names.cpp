@@ -11,8 +11,8 @@ void ProcedureCompiler::add_local(SymbolId symbol, Meaning meaning) {
   locals_[context_.symbols.canonical(symbol)] = meaning;
 }
 
-ProcedureCompiler::Register ProcedureCompiler::new_local(SymbolId symbol, Meaning::Kind kind, bool declared) {
-  const Register reg = temp();
+Register ProcedureCompiler::new_local(SymbolId symbol, Meaning::Kind kind, bool declared) {
+  const Register reg = code_.temp();
   add_local(symbol, {kind, reg, Builtins::Kind::none});
   const Binding binding{context_.symbols.canonical(symbol), reg, declared};
   proc_.locals.push_back(binding);
@@ -57,9 +57,7 @@ void ProcedureCompiler::declare_constants() {
       throw CompileFailure{error::name_redefined, constant.offset};
     }
     const Value value = constant_value(*constant.value, shared_.ast, context_.heap);
-    shared_.module.constants.push_back(value);
-    const auto index = static_cast<std::uint32_t>(shared_.module.constants.size() - 1);
-    add_local(constant.symbol, {Meaning::Kind::constant, index, Builtins::Kind::none});
+    add_local(constant.symbol, {Meaning::Kind::constant, shared_.constants.add(value), Builtins::Kind::none});
   }
 }
 
@@ -168,7 +166,7 @@ ProcedureCompiler::Meaning ProcedureCompiler::outside_meaning(SymbolId canonical
       case GlobalName::Kind::variable:
         return {Kind::global, name->slot, Builtins::Kind::none};
       case GlobalName::Kind::constant:
-        return {Kind::constant, shared_.named_constant(canonical, name->constant), Builtins::Kind::none};
+        return {Kind::constant, shared_.constants.named(canonical, name->constant), Builtins::Kind::none};
       case GlobalName::Kind::procedure:
         return {Kind::procedure, 0, Builtins::Kind::none};
       case GlobalName::Kind::class_type:
@@ -185,7 +183,7 @@ ProcedureCompiler::Meaning ProcedureCompiler::outside_meaning(SymbolId canonical
         constant.text
             ? Value(context_.heap.string({constant.text, static_cast<std::size_t>(constant.number)}))
             : Value::of(constant.type, constant.number);
-    return {Kind::constant, shared_.named_constant(canonical, value), Builtins::Kind::none};
+    return {Kind::constant, shared_.constants.named(canonical, value), Builtins::Kind::none};
   }
   const bool function = builtin.kind == Builtins::Kind::function;
   return {function ? Kind::builtin : Kind::special, builtin.index, builtin.kind};

@@ -12,7 +12,8 @@ ProcedureCompiler::ProcedureCompiler(ModuleCompiler& shared, const ProcDecl& dec
       declaration_(declaration),
       proc_(proc),
       own_class_(own_class),
-      global_level_(global_level) {}
+      global_level_(global_level),
+      code_(proc) {}
 
 void ProcedureCompiler::compile() {
   declare_parameters();
@@ -21,67 +22,25 @@ void ProcedureCompiler::compile() {
   settle_names();
   if (global_level_) {
     // Temporary values lie behind the global variables; others may be declared while the code runs.
-    top_ = most_ = context_.globals.used();
+    code_.start_temporaries_at(context_.globals.used());
   }
-  proc_.first_temp = static_cast<std::uint32_t>(top_);
-  persistent_ = top_;
-  place(declaration_.offset);
+  proc_.first_temp = static_cast<std::uint32_t>(code_.top());
+  code_.keep_below(code_.top());
+  code_.place(declaration_.offset);
   if (context_.evaluate) {
-    place(declaration_.body[0]->offset);
-    const Register result = temp();
+    code_.place(declaration_.body[0]->offset);
+    const Register result = code_.temp();
     into(*declaration_.body[0]->value, result);
-    emit(Op::take, global_level_ ? proc_.first_temp : 0, result);
+    code_.emit(Op::take, global_level_ ? proc_.first_temp : 0, result);
   } else {
     for (const Stmt* stmt : declaration_.body) statement(*stmt);
   }
-  place(declaration_.end_offset);
-  emit(Op::finish);
-  proc_.registers = static_cast<std::uint32_t>(most_ + 1);
+  code_.place(declaration_.end_offset);
+  code_.emit(Op::finish);
+  proc_.registers = static_cast<std::uint32_t>(code_.most() + 1);
   proc_.plain = !proc_.any_by_value && proc_.implicit.empty() && !proc_.global_frame && !proc_.executed;
-  if (global_level_ && most_ + 1 > Globals::most) throw CompileFailure{1001, 0};
-  if (most_ >= no_register) throw CompileFailure{1001, 0};
-}
-
-std::size_t ProcedureCompiler::emit(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c) {
-  if (a > 0xffff || b > 0xffff || c > 0xffff) throw CompileFailure{1001, 0};
-  proc_.code.push_back(
-      {op, static_cast<std::uint16_t>(a), static_cast<std::uint16_t>(b), static_cast<std::uint16_t>(c)});
-  return proc_.code.size() - 1;
-}
-
-std::size_t ProcedureCompiler::emit_wide(Op op, std::uint32_t a, std::int64_t wide) {
-  const std::size_t at = emit(op, a);
-  proc_.code[at].set_wide(static_cast<std::int32_t>(wide));
-  return at;
-}
-
-std::size_t ProcedureCompiler::emit_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c,
-                                             std::int64_t extra) {
-  const std::size_t at = emit(op, a, b, c);
-  emit_wide(op, 0, extra);
-  return at;
-}
-
-void ProcedureCompiler::jump(Op op, std::uint32_t a, Label& label) {
-  const std::size_t at = emit_wide(op, a, label.target);
-  if (label.target < 0) label.uses.push_back(at);
-}
-
-void ProcedureCompiler::jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c,
-                                      Label& label) {
-  const std::size_t at = emit_extended(op, a, b, c, label.target);
-  if (label.target < 0) label.uses.push_back(at + 1);
-}
-
-void ProcedureCompiler::bind(Label& label) {
-  label.target = static_cast<std::int64_t>(proc_.code.size());
-  for (const std::size_t use : label.uses) proc_.code[use].set_wide(static_cast<std::int32_t>(label.target));
-  label.uses.clear();
-}
-
-void ProcedureCompiler::place(std::uint32_t offset) {
-  proc_.places.push_back(
-      {static_cast<std::uint32_t>(proc_.code.size()), offset, 0, static_cast<std::uint32_t>(persistent_)});
+  if (global_level_ && code_.most() + 1 > Globals::most) throw CompileFailure{1001, 0};
+  if (code_.most() >= no_register) throw CompileFailure{1001, 0};
 }
 
 namespace {
@@ -98,8 +57,7 @@ std::uint32_t start_of(const Expr& expr) {
 void ProcedureCompiler::subject_of_member(const Expr& member) {
   if (!member.left) return;
   const std::uint32_t start = start_of(*member.left);
-  const auto pc = static_cast<std::uint32_t>(proc_.code.size());
-  proc_.subjects.push_back({pc, true, {start, member.offset - start}, {}});
+  code_.subject(true, {start, member.offset - start}, {});
 }
 
 void ProcedureCompiler::subject_of_index(const Expr& callee, const Expr* index) {
@@ -108,44 +66,7 @@ void ProcedureCompiler::subject_of_index(const Expr& callee, const Expr* index) 
     return {name.offset, static_cast<std::uint32_t>(context_.symbols.name(name.symbol).size())};
   };
   const bool named = index && index->kind == ExprKind::name;
-  const auto pc = static_cast<std::uint32_t>(proc_.code.size());
-  proc_.subjects.push_back({pc, false, extent(callee), named ? extent(*index) : Extent()});
-}
-
-ProcedureCompiler::Register ProcedureCompiler::temp(std::size_t count) {
-  const std::size_t first = top_;
-  top_ += count;
-  most_ = std::max(most_, top_);
-  if (top_ >= no_register) throw CompileFailure{1001, 0};
-  return static_cast<Register>(first);
-}
-
-// The register may hold an object, which must not outlive the statement.
-void ProcedureCompiler::holds(std::size_t reg) {
-  if (reg < persistent_) return;
-  held_first_ = std::min(held_first_, reg);
-  held_end_ = std::max(held_end_, reg + 1);
-}
-
-void ProcedureCompiler::take_back(std::size_t reg) {
-  if (held_first_ != reg) return;
-  held_first_ = reg + 1;
-  if (held_first_ == held_end_) held_first_ = SIZE_MAX, held_end_ = 0;
-}
-
-// A temporary that the clearing of held ones leaves alone.
-ProcedureCompiler::Register ProcedureCompiler::temp_behind_held() {
-  top_ = std::max(top_, held_end_);
-  return temp();
-}
-
-void ProcedureCompiler::end_statement() {
-  if (held_first_ < held_end_) {
-    emit(Op::clear, static_cast<std::uint32_t>(held_first_),
-         static_cast<std::uint32_t>(held_end_ - held_first_));
-  }
-  held_first_ = SIZE_MAX;
-  held_end_ = 0;
+  code_.subject(false, extent(callee), named ? extent(*index) : Extent());
 }
 
 void ProcedureCompiler::block(Block block) {
@@ -153,8 +74,8 @@ void ProcedureCompiler::block(Block block) {
 }
 
 void ProcedureCompiler::statement(const Stmt& stmt) {
-  const std::size_t top = top_;
-  place(stmt.offset);
+  const std::size_t top = code_.top();
+  code_.place(stmt.offset);
   switch (stmt.kind) {
     case StmtKind::expression_call:
       call(stmt);
@@ -195,19 +116,19 @@ void ProcedureCompiler::statement(const Stmt& stmt) {
       exit(stmt);
       break;
     case StmtKind::exit_procedure:
-      emit(Op::finish);
+      code_.emit(Op::finish);
       break;
     case StmtKind::on_error_resume:
-      emit(Op::on_error, 1);
+      code_.emit(Op::on_error, 1);
       break;
     case StmtKind::on_error_stop:
-      emit(Op::on_error, 0);
+      code_.emit(Op::on_error, 0);
       break;
     case StmtKind::nothing:
       break;
   }
-  end_statement();
-  release_to(top);
+  code_.end_statement();
+  code_.release_to(top);
 }
 
 void ProcedureCompiler::call(const Stmt& stmt) {
@@ -261,24 +182,24 @@ bool ProcedureCompiler::append_to(const Expr& target, const Expr& value) {
                         known.kind == Meaning::Kind::global || known.kind == Meaning::Kind::field;
   if (!variable) return false;
   // The rest first, in one piece; then it is appended in place.
-  const Register piece = temp();
+  const Register piece = code_.temp();
   if (rest.size() == 1) {
     if (!reference_into(*rest[0], piece)) into(*rest[0], piece);
   } else {
     for (auto part = rest.rbegin(); part != rest.rend(); ++part) {
-      const Register reg = part == rest.rbegin() ? piece : temp();
+      const Register reg = part == rest.rbegin() ? piece : code_.temp();
       if (!reference_into(**part, reg)) into(**part, reg);
-      release_to(reg + std::size_t{1});
+      code_.release_to(reg + std::size_t{1});
     }
-    emit(Op::concat, piece, piece, static_cast<std::uint32_t>(rest.size()));
+    code_.emit(Op::concat, piece, piece, static_cast<std::uint32_t>(rest.size()));
   }
-  release_to(piece + std::size_t{1});
+  code_.release_to(piece + std::size_t{1});
   Register reg = 0;
   if (!direct_register(target, reg)) {
-    reg = temp();
+    reg = code_.temp();
     reference_into(target, reg);
   }
-  emit(Op::append, reg, piece);
+  code_.emit(Op::append, reg, piece);
   return true;
 }
 
@@ -291,49 +212,49 @@ void ProcedureCompiler::assign_name(const Expr& target, const Expr& value, bool 
   if (direct && !set && scalar_result(value)) return into(value, reg);
   if (!set && value.kind == ExprKind::name && has_register(meaning(value.symbol)) &&
       (direct || known.kind == Kind::variable)) {
-    emit(Op::let, direct ? reg : known.index, meaning(value.symbol).index);
+    code_.emit(Op::let, direct ? reg : known.index, meaning(value.symbol).index);
     return;
   }
   if (known.kind == Kind::own_member) {
     // A property of the class itself.
-    const Register window = temp(2);
+    const Register window = code_.temp(2);
     into(value, static_cast<Register>(window + 1));
-    emit_extended(Op::put_own, window, 0, set ? 1 : 0, target.symbol);
-    return holds(window), holds(window + std::size_t{1});
+    code_.emit_extended(Op::put_own, window, 0, set ? 1 : 0, target.symbol);
+    return code_.holds(window), code_.holds(window + std::size_t{1});
   }
   const bool assignable = direct || known.kind == Kind::variable || known.kind == Kind::unknown ||
                           known.kind == Kind::global || known.kind == Kind::field;
-  const Register from = set || !assignable ? operand(value) : temp();
+  const Register from = set || !assignable ? operand(value) : code_.temp();
   if (!set && assignable) into(value, from);
   if (!assignable && known.kind != Kind::undeclared) {
-    emit_extended(Op::fail, error::illegal_assignment, 0, 0, target.symbol);
+    code_.emit_extended(Op::fail, error::illegal_assignment, 0, 0, target.symbol);
     return;
   }
   if (!set && assignable) {
     if (direct || known.kind == Kind::variable || known.kind == Kind::unknown) {
-      emit(Op::let_taken, direct ? reg : known.index, from);
+      code_.emit(Op::let_taken, direct ? reg : known.index, from);
     } else {
-      emit(known.kind == Kind::global ? Op::let_global : Op::let_field, known.index, from);
+      code_.emit(known.kind == Kind::global ? Op::let_global : Op::let_field, known.index, from);
     }
-    return take_back(from);
+    return code_.take_back(from);
   }
   if (!direct) {
-    reg = temp();
+    reg = code_.temp();
     variable_reference(target, reg);
   }
   if (set) subject_of_index(value, nullptr);
-  emit(set ? Op::set : Op::let, reg, from);
+  code_.emit(set ? Op::set : Op::let, reg, from);
 }
 
 // A reference to the variable that a name stands for, into a temporary.
 void ProcedureCompiler::variable_reference(const Expr& target, Register target_register) {
   const Meaning known = meaning(target.symbol);
   if (known.kind == Meaning::Kind::unknown) {
-    emit(Op::refer, target_register, known.index);
+    code_.emit(Op::refer, target_register, known.index);
   } else if (known.kind == Meaning::Kind::undeclared) {
-    emit_extended(Op::refer_name, target_register, 0, 0, target.symbol);
+    code_.emit_extended(Op::refer_name, target_register, 0, 0, target.symbol);
   } else if (!reference_into(target, target_register)) {
-    emit_extended(Op::fail, error::illegal_assignment, 0, 0, target.symbol);
+    code_.emit_extended(Op::fail, error::illegal_assignment, 0, 0, target.symbol);
   }
 }
 
@@ -350,33 +271,33 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
     if (literal(value, constant) && constant <= 0xffff) {
       const Register index = operand(*target.arguments[0]);
       subject_of_index(callee, target.arguments[0]);
-      emit(Op::let_index_k, array, index, constant);
+      code_.emit(Op::let_index_k, array, index, constant);
       return;
     }
     const Register from = operand(value);
     const Register index = operand(*target.arguments[0]);
     subject_of_index(callee, target.arguments[0]);
-    emit(Op::let_index, array, index, from);
+    code_.emit(Op::let_index, array, index, from);
     return;
   }
   const std::size_t count = target.arguments.size();
   if (callee.kind == ExprKind::name && !of_variable) {
     const Meaning known = meaning(callee.symbol);
     if (known.kind == Meaning::Kind::own_member || (known.kind == Meaning::Kind::local && own_class_)) {
-      const Register window = temp(count + 2);
+      const Register window = code_.temp(count + 2);
       into(value, static_cast<Register>(window + count + 1));
-      const std::size_t after = top_;
+      const std::size_t after = code_.top();
       for (std::size_t i = 0; i < count; ++i) {
         into(*target.arguments[i], static_cast<Register>(window + 1 + i));
-        release_to(after);
+        code_.release_to(after);
       }
-      emit_extended(Op::put_own, window, static_cast<std::uint32_t>(count), set ? 1 : 0, callee.symbol);
-      for (std::size_t i = 0; i < count + 2; ++i) holds(window + i);
+      code_.emit_extended(Op::put_own, window, static_cast<std::uint32_t>(count), set ? 1 : 0, callee.symbol);
+      for (std::size_t i = 0; i < count + 2; ++i) code_.holds(window + i);
       return;
     }
   }
-  const Register window = temp(count + 2);
-  const std::size_t after = top_;
+  const Register window = code_.temp(count + 2);
+  const std::size_t after = code_.top();
   if (of_variable || callee.kind != ExprKind::name) {
     if (callee.kind == ExprKind::call && indexes_variable(callee)) {
       // An array in an array is changed in place.
@@ -389,7 +310,7 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
     const bool called = known.kind == Meaning::Kind::procedure || known.kind == Meaning::Kind::builtin ||
                         known.kind == Meaning::Kind::special;
     if (called) {
-      emit_extended(Op::fail, error::illegal_assignment, 0, 0, callee.symbol);
+      code_.emit_extended(Op::fail, error::illegal_assignment, 0, 0, callee.symbol);
       return;
     }
     if (known.kind == Meaning::Kind::unknown || known.kind == Meaning::Kind::undeclared) {
@@ -398,64 +319,64 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
       into(callee, window);
     }
   }
-  holds(window);
+  code_.holds(window);
   into(value, static_cast<Register>(window + count + 1));
-  holds(window + count + 1);
+  code_.holds(window + count + 1);
   for (std::size_t i = 0; i < count; ++i) {
     into(*target.arguments[i], static_cast<Register>(window + 1 + i));
-    holds(window + 1 + i);
+    code_.holds(window + 1 + i);
   }
-  release_to(after);
+  code_.release_to(after);
   subject_of_index(callee, nullptr);
-  emit(Op::put_index, window, static_cast<std::uint32_t>(count), set ? 1 : 0);
+  code_.emit(Op::put_index, window, static_cast<std::uint32_t>(count), set ? 1 : 0);
 }
 
 // object.symbol(arguments) = value
 void ProcedureCompiler::assign_member(const Expr& member, SymbolId symbol, std::span<Expr*> arguments,
                                       const Expr& value, bool set) {
   const std::size_t count = arguments.size();
-  const Register window = temp(count + 2);
-  const std::size_t after = top_;
+  const Register window = code_.temp(count + 2);
+  const std::size_t after = code_.top();
   const Register object = object_of(member);
-  emit(Op::copy, window, object);
-  holds(window);
-  release_to(after);
+  code_.emit(Op::copy, window, object);
+  code_.holds(window);
+  code_.release_to(after);
   into(value, static_cast<Register>(window + count + 1));
-  holds(window + count + 1);
+  code_.holds(window + count + 1);
   for (std::size_t i = 0; i < count; ++i) {
     into(*arguments[i], static_cast<Register>(window + 1 + i));
-    holds(window + 1 + i);
+    code_.holds(window + 1 + i);
   }
-  release_to(after);
+  code_.release_to(after);
   subject_of_member(member);
-  emit_extended(Op::put_member, window, static_cast<std::uint32_t>(count), set ? 1 : 0, symbol);
+  code_.emit_extended(Op::put_member, window, static_cast<std::uint32_t>(count), set ? 1 : 0, symbol);
 }
 
 void ProcedureCompiler::if_statement(const Stmt& stmt) {
   Label end;
   for (std::size_t i = 0; i < stmt.branches.size(); ++i) {
     const Branch& branch = stmt.branches[i];
-    if (i > 0) place(branch.offset);
+    if (i > 0) code_.place(branch.offset);
     Label next;
     if (branch.condition) condition(*branch.condition, next);
     block(branch.body);
-    if (i + 1 < stmt.branches.size()) jump(Op::jump, 0, end);
-    bind(next);
+    if (i + 1 < stmt.branches.size()) code_.jump(Op::jump, 0, end);
+    code_.bind(next);
   }
-  bind(end);
+  code_.bind(end);
 }
 
 void ProcedureCompiler::select(const Stmt& stmt) {
-  const std::size_t at_value = proc_.places.size() - 1;
-  const std::size_t outer = persistent_;
-  const Register value = temp();
+  const std::size_t at_value = code_.last_place();
+  const std::size_t outer = code_.kept();
+  const Register value = code_.temp();
   std::uint32_t value_index = 0;
   const bool value_literal = literal(*stmt.value, value_index);
   into(*stmt.value, value);
-  emit(Op::let, value, value);
-  take_back(value);
-  persistent_ = top_;
-  end_statement();
+  code_.emit(Op::let, value, value);
+  code_.take_back(value);
+  code_.keep_below(code_.top());
+  code_.end_statement();
   Label end;
   std::vector<std::size_t> to_patch;
   for (const Branch& branch : stmt.branches) {
@@ -464,46 +385,45 @@ void ProcedureCompiler::select(const Stmt& stmt) {
     if (!branch.tests.empty()) {
       to_patch.clear();
       for (std::size_t i = 0; i < branch.tests.size(); ++i) {
-        to_patch.push_back(proc_.places.size());
-        place(branch.tests[i]->offset);
-        const std::size_t top = top_;
+        to_patch.push_back(code_.place(branch.tests[i]->offset));
+        const std::size_t top = code_.top();
         std::uint32_t index = 0;
         const bool test_literal = literal(*branch.tests[i], index);
         const Register test = test_literal && !value_literal && index <= 0xffff ? static_cast<Register>(0)
                                                                                 : operand(*branch.tests[i]);
-        const Register result = temp_behind_held();
+        const Register result = code_.temp_behind_held();
         if (test_literal && value_literal) {
-          emit_extended(Op::compare_literals, result, value, test,
-                        static_cast<std::int64_t>(Operator::equal));
+          code_.emit_extended(Op::compare_literals, result, value, test,
+                              static_cast<std::int64_t>(Operator::equal));
         } else if (test_literal && index <= 0xffff) {
-          emit(Op::equal_k, result, value, index);
+          code_.emit(Op::equal_k, result, value, index);
         } else if (value_literal && value_index <= 0xffff) {
-          emit(Op::equal_k, result, test, value_index);
+          code_.emit(Op::equal_k, result, test, value_index);
         } else {
-          emit(Op::equal, result, value, test);
+          code_.emit(Op::equal, result, value, test);
         }
-        end_statement();
+        code_.end_statement();
         if (i + 1 < branch.tests.size()) {
-          jump(Op::jump_true, result, body);
+          code_.jump(Op::jump_true, result, body);
         } else {
-          jump(Op::jump_false, result, next);
+          code_.jump(Op::jump_false, result, next);
         }
-        release_to(top);
+        code_.release_to(top);
       }
     }
-    bind(body);
-    for (const std::size_t at : to_patch) proc_.places[at].resume = static_cast<std::uint32_t>(body.target);
+    code_.bind(body);
+    for (const std::size_t at : to_patch) code_.resume_at(at, body);
     to_patch.clear();
-    place(branch.offset);
+    code_.place(branch.offset);
     block(branch.body);
-    jump(Op::jump, 0, end);
-    bind(next);
+    code_.jump(Op::jump, 0, end);
+    code_.bind(next);
   }
-  bind(end);
-  proc_.places[at_value].resume = static_cast<std::uint32_t>(end.target);
-  place(stmt.end_offset);
-  persistent_ = outer;
-  emit(Op::clear, value, 1);
+  code_.bind(end);
+  code_.resume_at(at_value, end);
+  code_.place(stmt.end_offset);
+  code_.keep_below(outer);
+  code_.emit(Op::clear, value, 1);
 }
 
 // Dim name(bounds), for each array
@@ -512,13 +432,13 @@ void ProcedureCompiler::dim(const Stmt& stmt) {
     Expr name;
     name.kind = ExprKind::name;
     name.symbol = variable.symbol;
-    const std::size_t top = top_;
-    const Register target = temp();
+    const std::size_t top = code_.top();
+    const Register target = code_.temp();
     variable_reference(name, target);
-    const Register first = top_ < no_register ? static_cast<Register>(top_) : Register{0};
-    for (const Expr* bound : variable.bounds) into(*bound, temp());
-    emit(Op::dim, target, first, static_cast<std::uint32_t>(variable.bounds.size()));
-    release_to(top);
+    const Register first = code_.top() < no_register ? static_cast<Register>(code_.top()) : Register{0};
+    for (const Expr* bound : variable.bounds) into(*bound, code_.temp());
+    code_.emit(Op::dim, target, first, static_cast<std::uint32_t>(variable.bounds.size()));
+    code_.release_to(top);
   }
 }
 
@@ -527,30 +447,30 @@ void ProcedureCompiler::redim(const Stmt& stmt) {
     Expr name;
     name.kind = ExprKind::name;
     name.symbol = variable.symbol;
-    const std::size_t top = top_;
-    const Register first = temp(variable.bounds.size());
+    const std::size_t top = code_.top();
+    const Register first = code_.temp(variable.bounds.size());
     for (std::size_t i = 0; i < variable.bounds.size(); ++i) {
       into(*variable.bounds[i], static_cast<Register>(first + i));
     }
-    const Register target = temp();
+    const Register target = code_.temp();
     variable_reference(name, target);
-    emit(stmt.flag ? Op::redim_preserve : Op::redim, target, first,
-         static_cast<std::uint32_t>(variable.bounds.size()));
-    release_to(top);
+    code_.emit(stmt.flag ? Op::redim_preserve : Op::redim, target, first,
+               static_cast<std::uint32_t>(variable.bounds.size()));
+    code_.release_to(top);
   }
 }
 
 void ProcedureCompiler::erase(const Stmt& stmt) {
   for (const Expr* array : stmt.arguments) {
-    const std::size_t top = top_;
-    const Register target = temp();
+    const std::size_t top = code_.top();
+    const Register target = code_.temp();
     if (indexes_variable(*array)) {
       refer_index(*array, target);
     } else if (!reference_into(*array, target)) {
       into(*array, target);
     }
-    emit(Op::erase, target);
-    release_to(top);
+    code_.emit(Op::erase, target);
+    code_.release_to(top);
   }
 }
 

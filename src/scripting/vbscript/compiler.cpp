@@ -9,38 +9,6 @@
 
 namespace zrl::vbs {
 
-std::uint32_t ModuleCompiler::constant(const Value& value) {
-  const std::uint64_t key =
-      static_cast<std::uint64_t>(value.i()) * 31 + static_cast<std::uint64_t>(value.type());
-  const auto found = numbers.find(key);
-  if (found != numbers.end()) {
-    const Value& known = module.constants[found->second];
-    if (known.type() == value.type() && known.i() == value.i()) return found->second;
-  }
-  module.constants.push_back(value);
-  const auto index = static_cast<std::uint32_t>(module.constants.size() - 1);
-  numbers[key] = index;
-  return index;
-}
-
-std::uint32_t ModuleCompiler::string_constant(std::uint32_t literal) {
-  if (strings.empty()) strings.resize(ast.strings.size());
-  if (strings[literal] == 0) strings[literal] = text_constant(ast.strings[literal]) + 1;
-  return strings[literal] - 1;
-}
-
-std::uint32_t ModuleCompiler::text_constant(std::u16string_view text) {
-  module.constants.emplace_back(context.heap.string(text));
-  return static_cast<std::uint32_t>(module.constants.size() - 1);
-}
-
-std::uint32_t ModuleCompiler::named_constant(SymbolId canonical, const Value& value) {
-  const auto [entry, inserted] =
-      named.try_emplace(canonical, static_cast<std::uint32_t>(module.constants.size()));
-  if (inserted) module.constants.push_back(value);
-  return entry->second;
-}
-
 Value constant_value(const Expr& expr, const Ast& ast, Heap& heap) {
   switch (expr.kind) {
     case ExprKind::integer:
@@ -79,7 +47,10 @@ namespace {
 class TextCompiler {
  public:
   TextCompiler(Ast& ast, Module& module, const CompileContext& context)
-      : ast_(ast), module_(module), context_(context), shared_{context, ast, module, {}, {}, {}} {}
+      : ast_(ast),
+        module_(module),
+        context_(context),
+        shared_{context, ast, module, ConstantPool(module, ast, context.heap)} {}
 
   void compile() {
     check_names();

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "scripting/vbscript/compiler.h"
+#include "scripting/vbscript/emitter.h"
 
 namespace zrl::vbs {
 
@@ -12,15 +13,7 @@ struct ModuleCompiler {
   const CompileContext& context;
   Ast& ast;
   Module& module;
-  // Constants that several procedures may use: by type and bits, and by string literal.
-  std::uint32_t constant(const Value& value);
-  std::uint32_t string_constant(std::uint32_t literal);
-  std::uint32_t text_constant(std::u16string_view text);
-  std::uint32_t named_constant(SymbolId canonical, const Value& value);
-
-  std::unordered_map<std::uint64_t, std::uint32_t> numbers;
-  std::vector<std::uint32_t> strings;                 // of literals; 0: not yet, else index + 1
-  std::unordered_map<SymbolId, std::uint32_t> named;  // global constants
+  ConstantPool constants;
 };
 
 // The value of a constant's declaration.
@@ -34,8 +27,6 @@ class ProcedureCompiler {
   void compile();
 
  private:
-  using Register = std::uint16_t;
-
   // What a name means here.
   struct Meaning {
     enum class Kind {
@@ -55,12 +46,6 @@ class ProcedureCompiler {
     Kind kind = Kind::undeclared;
     std::uint32_t index = 0;
     Builtins::Kind builtin = Builtins::Kind::none;
-  };
-
-  // Jumps forward wait here for their target.
-  struct Label {
-    std::vector<std::size_t> uses;
-    std::int64_t target = -1;
   };
 
   struct Loop {
@@ -86,23 +71,9 @@ class ProcedureCompiler {
   void add_local(SymbolId symbol, Meaning meaning);
   Register new_local(SymbolId symbol, Meaning::Kind kind, bool declared);
 
-  // Code.
-  std::size_t emit(Op op, std::uint32_t a = 0, std::uint32_t b = 0, std::uint32_t c = 0);
-  std::size_t emit_wide(Op op, std::uint32_t a, std::int64_t wide);
-  std::size_t emit_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c, std::int64_t extra);
-  void jump(Op op, std::uint32_t a, Label& label);
-  void jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c, Label& label);
-  void bind(Label& label);
-  void place(std::uint32_t offset);
-  // Of the instruction that comes next.
+  // What the instruction that comes next is about.
   void subject_of_member(const Expr& member);
   void subject_of_index(const Expr& callee, const Expr* index);
-  Register temp(std::size_t count = 1);
-  void release_to(std::size_t top) { top_ = top; }
-  void holds(std::size_t reg);
-  void take_back(std::size_t reg);
-  Register temp_behind_held();
-  void end_statement();
 
   // Expressions (compile_expressions.cpp).
   Register operand(const Expr& expr);
@@ -169,15 +140,11 @@ class ProcedureCompiler {
   Proc& proc_;
   const ClassInfo* own_class_;
   const bool global_level_;
+  Emitter code_;
 
   std::unordered_map<SymbolId, Meaning> locals_;     // by canonical symbol
   std::vector<std::pair<SymbolId, NameUse>> names_;  // that the body mentions
   std::unordered_map<SymbolId, std::size_t> name_index_;
-  std::size_t top_ = 1;  // first free register
-  std::size_t most_ = 1;
-  std::size_t persistent_ = 0;  // registers below outlive the statement
-  std::size_t held_first_ = SIZE_MAX;
-  std::size_t held_end_ = 0;
   std::vector<Loop> loops_;
   std::vector<Register> withs_;
   std::vector<Register> locks_;  // for the arguments that are being compiled
