@@ -352,6 +352,13 @@ void ProcedureCompiler::assign_member(const Expr& member, SymbolId symbol, std::
   code_.emit_extended(Op::put_member, window, static_cast<std::uint32_t>(count), set ? 1 : 0, symbol);
 }
 
+// The way past the other branches is a place of its own: after an error in a branch's last statement the
+// machine goes on there, not in the branch that follows.
+void ProcedureCompiler::leave_branch(std::uint32_t offset, Label& end) {
+  code_.place(offset);
+  code_.jump(Op::jump, 0, end);
+}
+
 void ProcedureCompiler::if_statement(const Stmt& stmt) {
   Label end;
   for (std::size_t i = 0; i < stmt.branches.size(); ++i) {
@@ -360,7 +367,7 @@ void ProcedureCompiler::if_statement(const Stmt& stmt) {
     Label next;
     if (branch.condition) condition(*branch.condition, next);
     block(branch.body);
-    if (i + 1 < stmt.branches.size()) code_.jump(Op::jump, 0, end);
+    if (i + 1 < stmt.branches.size()) leave_branch(branch.offset, end);
     code_.bind(next);
   }
   code_.bind(end);
@@ -416,7 +423,7 @@ void ProcedureCompiler::select(const Stmt& stmt) {
     to_patch.clear();
     code_.place(branch.offset);
     block(branch.body);
-    code_.jump(Op::jump, 0, end);
+    leave_branch(branch.offset, end);
     code_.bind(next);
   }
   code_.bind(end);

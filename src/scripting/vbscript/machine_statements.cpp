@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "scripting/vbscript/arrays.h"
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/machine.h"
@@ -51,13 +53,12 @@ void Machine::set(Value& variable, const Value& value) {
 
 // Whether the loop runs at all. bounds: limit, step.
 bool Machine::prepare_for(Value& variable, Value* bounds, const Value& from) {
+  // An Empty step tells the loop's end that it never began, should this fail.
+  const Value asked = std::exchange(bounds[1], Value());
   Value first = to_numeric(*this, from);
   Value limit = to_numeric(*this, bounds[0]);
-  Value step = to_numeric(*this, bounds[1]);
-  if (first.is(Type::null) || limit.is(Type::null) || step.is(Type::null)) {
-    bounds[1].clear();
-    raise(error::null_use);
-  }
+  Value step = to_numeric(*this, asked);
+  if (first.is(Type::null) || limit.is(Type::null) || step.is(Type::null)) raise(error::null_use);
   const bool up = to_number(*this, step) >= 0;
   const int order = compare(*this, first, limit, {});
   bounds[0] = std::move(limit);

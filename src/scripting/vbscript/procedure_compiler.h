@@ -121,6 +121,7 @@ class ProcedureCompiler {
                      bool set);
   bool direct_register(const Expr& target, Register& reg) const;
   void variable_reference(const Expr& target, Register target_register);
+  void leave_branch(std::uint32_t offset, Label& end);
   void if_statement(const Stmt& stmt);
   void select(const Stmt& stmt);
   void do_loop(const Stmt& stmt);
