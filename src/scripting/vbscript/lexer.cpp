@@ -22,8 +22,13 @@ bool is_blank(char16_t unit) {
   return unit == u' ' || unit == u'\t' || unit == u'\v' || unit == u'\f' || unit == 0xA0 || unit == 0xFEFF;
 }
 
+// Names are ASCII; in brackets anything may stand. Quotes and dashes of word processors are no letters.
+bool begins_name(char16_t unit) {
+  return unit < 0x80 && is_letter(unit);
+}
+
 bool continues_name(char16_t unit) {
-  return is_letter(unit) || is_digit(unit) || unit == u'_';
+  return begins_name(unit) || is_digit(unit) || unit == u'_';
 }
 
 int digit_value(char16_t unit) {
@@ -57,6 +62,7 @@ Token& Lexer::push_at(TokenKind kind, std::size_t offset) {
   token.kind = kind;
   token.offset = static_cast<std::uint32_t>(offset);
   token.blank_before = blank_;
+  token.continued_before = continued_;
   return token;
 }
 
@@ -82,7 +88,7 @@ std::vector<Token> Lexer::tokens() {
 }
 
 void Lexer::skip_blanks() {
-  blank_ = false;
+  blank_ = continued_ = false;
   while (position_ < text_.size()) {
     if (is_blank(text_[position_])) {
       ++position_;
@@ -101,6 +107,7 @@ bool Lexer::continues_line() {
   if (end < text_.size() && !is_line_end(text_[end])) return false;
   if (at(end) == u'\r' && at(end + 1) == u'\n') ++end;
   position_ = std::min(end + 1, text_.size());
+  continued_ = true;
   return true;
 }
 
@@ -120,7 +127,7 @@ void Lexer::end_line() {
 void Lexer::next() {
   const char16_t unit = text_[position_];
   if (is_line_end(unit)) return end_line();
-  if (is_letter(unit)) return read_word();
+  if (begins_name(unit)) return read_word();
   if (is_digit(unit) || (unit == u'.' && is_digit(at(position_ + 1)))) return read_number();
   switch (unit) {
     case u'"':
@@ -142,7 +149,7 @@ void Lexer::next() {
 void Lexer::read_word() {
   const std::size_t start = position_;
   while (continues_name(at(position_))) ++position_;
-  if (position_ - start > longest_name) fail(error::identifier_too_long, start);
+  if (position_ - start > longest_name) fail(error::identifier_too_long, position_);
   const SymbolId symbol = symbols_.intern(text_.substr(start, position_ - start));
   const SymbolId canonical = symbols_.canonical(symbol);
   const bool member = !tokens_.empty() && tokens_.back().kind == TokenKind::dot;
@@ -155,9 +162,9 @@ void Lexer::read_word() {
 
 void Lexer::read_bracketed() {
   const std::size_t start = position_;
-  const std::size_t end = text_.find_first_of(u"]\r\n", start);
-  if (end == text_.npos || text_[end] != u']') fail(error::expected_close_bracket, start);
-  if (end - start - 1 > longest_name) fail(error::identifier_too_long, start);
+  const std::size_t end = std::min(text_.find_first_of(u"]\r\n", start), text_.size());
+  if (at(end) != u']') fail(error::expected_close_bracket, end);
+  if (end - start - 1 > longest_name) fail(error::identifier_too_long, end);
   push_at(TokenKind::name, start).symbol = symbols_.intern(text_.substr(start + 1, end - start - 1));
   position_ = end + 1;
 }
@@ -178,7 +185,7 @@ void Lexer::read_number() {
       whole = false;
       position_ = exponent;
       while (is_digit(at(position_))) ++position_;
-    } else if (!is_letter(at(exponent))) {  // 1else is the number 1 and a word
+    } else if (!begins_name(at(exponent))) {  // 1else is the number 1 and a word
       fail(error::invalid_number, start);
     }
   }
@@ -187,10 +194,10 @@ void Lexer::read_number() {
   double number = 0;
   const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (result.ec == std::errc::result_out_of_range && number != 0 && !(std::fabs(number) < 1)) {
-    fail(error::overflow, start);
+    fail(error::invalid_number, start);
   }
   if (result.ec == std::errc::result_out_of_range) number = digits.find('-') == digits.npos ? HUGE_VAL : 0;
-  if (std::isinf(number)) fail(error::overflow, start);
+  if (std::isinf(number)) fail(error::invalid_number, start);
   if (whole && number <= 2147483647) {
     push_at(number <= 32767 ? TokenKind::integer : TokenKind::long_int, start).integer =
         static_cast<std::int64_t>(number);
@@ -244,8 +251,8 @@ void Lexer::read_string() {
   const std::size_t start = position_++;
   std::u16string contents;
   while (true) {
-    const std::size_t end = text_.find_first_of(u"\"\r\n", position_);
-    if (end == text_.npos || text_[end] != u'"') fail(error::unterminated_string, start);
+    const std::size_t end = std::min(text_.find_first_of(u"\"\r\n", position_), text_.size());
+    if (at(end) != u'"') fail(error::unterminated_string, end);
     contents += text_.substr(position_, end - position_);
     position_ = end + 1;
     if (at(position_) != u'"') break;

@@ -58,6 +58,7 @@ class Lexer {
   const KeywordTable& keywords_;
   std::size_t position_ = 0;
   bool blank_ = false;
+  bool continued_ = false;
   std::vector<Token> tokens_;
   std::vector<std::u16string> strings_;
 };

@@ -48,6 +48,7 @@ struct Token {
   TokenKind kind = TokenKind::end_of_text;
   Keyword keyword = Keyword::none;  // a name that is no reserved word has its keyword here too
   bool blank_before = false;
+  bool continued_before = false;  // on the line above, which an underscore continues
   std::uint32_t offset = 0;
   SymbolId symbol = Symbols::none;
   union {
