@@ -80,7 +80,8 @@ struct Expr {
   ExprKind kind = ExprKind::empty;
   Operator op = Operator::imp;
   bool parenthesised = false;
-  std::uint16_t depth = 1;  // of the tree below
+  std::uint16_t depth = 1;  // of the tree below; operators and members in a row count once
+  std::uint16_t chain = 0;  // how many of them there are
   std::uint32_t offset = 0;
   SymbolId symbol = Symbols::none;
   union {
@@ -166,6 +167,7 @@ struct ProcDecl {
   ProcKind kind = ProcKind::main;
   SymbolId symbol = Symbols::none;
   std::uint32_t offset = 0;
+  std::uint32_t name_offset = 0;
   std::uint32_t end_offset = 0;
   bool is_public = true;
   bool is_default = false;
@@ -177,7 +179,7 @@ struct ProcDecl {
 
 struct ClassDecl {
   SymbolId symbol = Symbols::none;
-  std::uint32_t offset = 0;
+  std::uint32_t name_offset = 0;
   std::vector<VariableDecl> fields;
   std::vector<std::unique_ptr<ProcDecl>> procedures;
 };

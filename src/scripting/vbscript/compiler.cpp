@@ -2,7 +2,7 @@
 
 #include <bit>
 #include <map>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "scripting/vbscript/errors.h"
 #include "scripting/vbscript/procedure_compiler.h"
@@ -78,20 +78,22 @@ class TextCompiler {
   }
 
   void check_names() {
-    // In the order of the text: the later one of two is the wrong one.
-    std::map<std::uint32_t, SymbolId> declared_names;
+    // In the order of the text: the later one of two is the wrong one. Procedures may replace each other.
+    struct Declared {
+      SymbolId symbol;
+      bool procedure;
+    };
+    std::map<std::uint32_t, Declared> names;
     for (const VariableDecl& variable : ast_.main.variables)
-      declared_names[variable.offset] = variable.symbol;
-    for (const ConstDecl& constant : ast_.main.constants) declared_names[constant.offset] = constant.symbol;
-    for (const auto& declared : ast_.classes) declared_names[declared->offset] = declared->symbol;
-    std::unordered_set<SymbolId> unique;
-    for (const auto& [offset, symbol] : declared_names) {
-      if (!unique.insert(canonical(symbol)).second) throw CompileFailure{error::name_redefined, offset};
-    }
-    for (const auto& declared : ast_.procedures) {
-      if (unique.count(canonical(declared->symbol)) != 0) {
-        throw CompileFailure{error::name_redefined, declared->offset};
-      }
+      names[variable.offset] = {variable.symbol, false};
+    for (const ConstDecl& constant : ast_.main.constants) names[constant.offset] = {constant.symbol, false};
+    for (const auto& declared : ast_.classes) names[declared->name_offset] = {declared->symbol, false};
+    for (const auto& declared : ast_.procedures) names[declared->name_offset] = {declared->symbol, true};
+    std::unordered_map<SymbolId, bool> known;
+    for (const auto& [offset, declared] : names) {
+      const auto [first, is_new] = known.try_emplace(canonical(declared.symbol), declared.procedure);
+      const bool replaces = declared.procedure && first->second;
+      if (!is_new && !replaces) throw CompileFailure{error::name_redefined, offset};
     }
   }
 

@@ -27,11 +27,10 @@ void* Arena::take(std::size_t bytes) {
   return block;
 }
 
-Parser::Nesting::Nesting(Parser& parser) : parser_(parser) {
-  if (++parser_.nesting_ > deepest_nesting) {
-    --parser_.nesting_;
-    parser_.fail(error::stack_space);
-  }
+Parser::Nesting::Nesting(const Parser& parser, int& count) : count_(count) {
+  if (++count_ <= deepest_nesting) return;
+  --count_;
+  parser.fail(error::stack_space);
 }
 
 Parser::Parser(std::u16string_view text, Symbols& symbols, const KeywordTable& keywords)

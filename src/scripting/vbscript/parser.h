@@ -54,8 +54,11 @@ class Parser {
   Expr* finish(Expr* expr);
 
   // Statements (parser_statements.cpp).
-  void block(std::vector<Stmt*>& statements);
-  Block block();
+  // Where a block's End If may follow a statement without a separator.
+  enum class Close { nowhere, anywhere, on_first_line };
+  void block(std::vector<Stmt*>& statements, Close close = Close::nowhere);
+  Block block(Close close = Close::nowhere);
+  bool closes_block(Close close, bool on_first_line) const;
   Stmt* statement();
   Stmt* keyword_statement();
   Stmt* call_or_assignment();
@@ -78,6 +81,8 @@ class Parser {
   Stmt* erase();
   Stmt* make(StmtKind kind);
   void expect_end(Keyword keyword, std::int32_t error);
+  bool at_end_of(Keyword keyword) const { return at(Keyword::end) && ahead().keyword == keyword; }
+  bool at_end_of_declaration() const;
 
   // Declarations (parser_declarations.cpp).
   Stmt* dim(bool is_public);
@@ -100,13 +105,13 @@ class Parser {
   // Counts how deeply constructs are nested in each other.
   class Nesting {
    public:
-    explicit Nesting(Parser& parser);
-    ~Nesting() { --parser_.nesting_; }
+    Nesting(const Parser& parser, int& count);
+    ~Nesting() { --count_; }
     Nesting(const Nesting&) = delete;
     Nesting& operator=(const Nesting&) = delete;
 
    private:
-    Parser& parser_;
+    int& count_;
   };
 
   Symbols& symbols_;
@@ -114,7 +119,8 @@ class Parser {
   std::size_t position_ = 0;
   std::unique_ptr<Ast> ast_;
   ProcDecl* procedure_ = nullptr;  // whose body is being read
-  int nesting_ = 0;
+  int nested_statements_ = 0;
+  int nested_expressions_ = -1;  // 0 in no parentheses
   int loops_do_ = 0;
   int loops_for_ = 0;
   int blocks_ = 0;  // open blocks of any kind

@@ -69,6 +69,9 @@ Stmt* Parser::constants() {
     declared.symbol = expect_name();
     expect(TokenKind::equal, error::expected_equals);
     declared.value = constant_value();
+    // What cannot be reckoned with is told before what must not be reckoned at all.
+    const bool reckons = at(TokenKind::plus) || at(TokenKind::minus);
+    if (reckons && ahead().kind == TokenKind::string) fail(error::expected_literal, ahead().offset);
     procedure_->constants.push_back(declared);
   } while (accept(TokenKind::comma));
   return stmt;
@@ -76,7 +79,7 @@ Stmt* Parser::constants() {
 
 // constant: [ + | - ] constant | ( constant ) | literal
 Expr* Parser::constant_value() {
-  const Nesting nesting(*this);
+  const Nesting nesting(*this, nested_statements_);
   if (at(TokenKind::minus) || at(TokenKind::plus)) {
     Expr* expr = node(at(TokenKind::minus) ? ExprKind::negate : ExprKind::plus);
     ++position_;
@@ -106,7 +109,9 @@ void Parser::visible_declaration(Stmt*& stmt) {
   const bool is_default = at_word(Keyword::default_) && ahead().kind == TokenKind::keyword;
   if (is_default) fail(error::only_in_class);
   if (at(Keyword::sub) || at(Keyword::function)) return procedure(is_public, false);
-  if (at_word(Keyword::property) && ahead().kind == TokenKind::keyword) fail(error::only_in_class);
+  if (at_word(Keyword::property) && ahead().kind == TokenKind::keyword) {
+    fail(error::only_in_class, ahead(2).offset);
+  }
   if (at(Keyword::class_)) {
     class_declaration();
     return;
@@ -143,7 +148,9 @@ std::unique_ptr<ProcDecl> Parser::procedure_declaration(bool is_public, bool is_
       fail(error::expected_accessor);
     }
   }
+  declared->name_offset = token().offset;
   declared->symbol = expect_name();
+  if (at(TokenKind::close)) fail(error::expected_open_parenthesis);
   parameters(*declared);
   procedure_body(*declared);
   return declared;
@@ -214,13 +221,13 @@ void Parser::procedure_body(ProcDecl& procedure) {
 void Parser::class_declaration() {
   if (procedure_ != &ast_->main || blocks_ > 0) fail(error::syntax);
   auto declared = std::make_unique<ClassDecl>();
-  declared->offset = token().offset;
   ++position_;
+  declared->name_offset = token().offset;
   declared->symbol = expect_name();
   expect_statement_end();
   while (!at(Keyword::end)) {
     class_member(*declared);
-    expect_statement_end();
+    if (!at_end_of(Keyword::class_)) expect_statement_end();
   }
   ++position_;
   expect(Keyword::class_, error::expected_class);
@@ -265,26 +272,26 @@ void Parser::check_class(const ClassDecl& declaration) const {
     const bool accessor = procedure.kind >= ProcKind::get;
     const bool writes = procedure.kind == ProcKind::let || procedure.kind == ProcKind::set;
     if (is_event(symbols_.name(name)) && !procedure.parameters.empty()) {
-      fail(error::class_event_arguments, procedure.offset);
+      fail(error::class_event_arguments, procedure.name_offset);
     }
     if (procedure.is_default) {
-      if (writes) fail(error::default_only_get, procedure.offset);
-      if (default_procedure) fail(error::several_defaults, procedure.offset);
+      if (writes) fail(error::default_only_get, procedure.name_offset);
+      if (default_procedure) fail(error::several_defaults, procedure.name_offset);
       default_procedure = &procedure;
     }
     for (const VariableDecl& field : declaration.fields) {
-      if (symbols_.canonical(field.symbol) == name) fail(error::name_redefined, procedure.offset);
+      if (symbols_.canonical(field.symbol) == name) fail(error::name_redefined, procedure.name_offset);
     }
     for (std::size_t j = 0; j < i; ++j) {
       const ProcDecl& other = *declaration.procedures[j];
       if (symbols_.canonical(other.symbol) != name) continue;
       if (!accessor || other.kind < ProcKind::get || other.kind == procedure.kind) {
-        fail(error::name_redefined, procedure.offset);
+        fail(error::name_redefined, procedure.name_offset);
       }
       const bool other_writes = other.kind == ProcKind::let || other.kind == ProcKind::set;
       if (procedure.parameters.size() - (writes ? 1 : 0) !=
           other.parameters.size() - (other_writes ? 1 : 0)) {
-        fail(error::inconsistent_arguments, procedure.offset);
+        fail(error::inconsistent_arguments, procedure.name_offset);
       }
     }
   }

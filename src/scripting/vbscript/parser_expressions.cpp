@@ -7,7 +7,9 @@ namespace zrl::vbs {
 
 namespace {
 
+// The compiler walks the tree recursively, but for operators and members in a row.
 constexpr int deepest_tree = 1500;
+constexpr int longest_chain = 10'000;
 
 // How tightly operators bind: 1 loosest. `Not` is 6 and binds looser than comparisons.
 constexpr int precedence_of_not = 6;
@@ -83,20 +85,32 @@ Expr* Parser::node(ExprKind kind) {
   return expr;
 }
 
-// Long chains make deep trees, which the compiler walks recursively.
+// Whether the compiler takes `expr` and its left part in one go.
+bool continues_chain(const Expr& expr) {
+  const Expr* left = expr.left;
+  if (!left || left->kind != expr.kind) return false;
+  if (expr.kind == ExprKind::member) return true;
+  const bool joined = expr.op == Operator::concat;
+  return expr.kind == ExprKind::binary && joined == (left->op == Operator::concat) &&
+         !(joined && left->parenthesised);
+}
+
 Expr* Parser::finish(Expr* expr) {
+  const bool chained = continues_chain(*expr);
   int depth = 0;
-  if (expr->left) depth = expr->left->depth;
+  if (expr->left) depth = expr->left->depth - (chained ? 1 : 0);
   if (expr->right) depth = std::max<int>(depth, expr->right->depth);
   for (const Expr* argument : expr->arguments) depth = std::max<int>(depth, argument->depth);
-  if (depth >= deepest_tree) fail(error::stack_space);
+  const int chain = chained ? expr->left->chain + 1 : 0;
+  if (depth >= deepest_tree || chain >= longest_chain) fail(error::stack_space);
   expr->depth = static_cast<std::uint16_t>(depth + 1);
+  expr->chain = static_cast<std::uint16_t>(chain);
   return expr;
 }
 
 // expression: operand { operator operand }, by precedence, all to the left
 Expr* Parser::expression() {
-  const Nesting nesting(*this);
+  const Nesting nesting(*this, nested_expressions_);
   return binary(operand(), 1);
 }
 
@@ -122,17 +136,17 @@ Expr* Parser::binary(Expr* left, int lowest) {
 // operand: Not operand-of-comparisons | unary
 Expr* Parser::operand() {
   if (!at(Keyword::not_)) return unary();
-  const Nesting nesting(*this);
+  const Nesting nesting(*this, nested_expressions_);
   Expr* expr = node(ExprKind::logical_not);
   ++position_;
   expr->left = binary(operand(), precedence_of_not + 1);
   return finish(expr);
 }
 
-// unary: ( + | - ) unary | New name | postfix. The sign binds tighter than ^.
+// unary: ( + | - ) unary | New name [ .name ... ] | postfix. The sign binds tighter than ^.
 Expr* Parser::unary() {
   if (at(TokenKind::minus) || at(TokenKind::plus)) {
-    const Nesting nesting(*this);
+    const Nesting nesting(*this, nested_expressions_);
     Expr* expr = node(at(TokenKind::minus) ? ExprKind::negate : ExprKind::plus);
     ++position_;
     expr->left = unary();
@@ -142,7 +156,7 @@ Expr* Parser::unary() {
     Expr* expr = node(ExprKind::new_object);
     ++position_;
     expr->symbol = expect_name();
-    return expr;
+    return at(TokenKind::dot) ? postfix(expr) : expr;
   }
   return postfix(primary());
 }
@@ -248,10 +262,10 @@ Expr* Parser::postfix(Expr* expr, bool statement) {
 }
 
 // In a call statement a blank may end the callee: before the dot of a With, and before an expression
-// in parentheses whose member is taken.
+// in parentheses whose member is taken. A dot that begins a continued line goes on with the chain above.
 bool Parser::argument_follows() const {
   if (!token().blank_before) return false;
-  if (at(TokenKind::dot)) return true;
+  if (at(TokenKind::dot)) return !token().continued_before;
   if (!at(TokenKind::open)) return false;
   std::size_t place = position_;
   int depth = 0;
@@ -265,7 +279,6 @@ bool Parser::argument_follows() const {
 
 // arguments: ( [ list ] )
 std::span<Expr*> Parser::arguments_in_parentheses() {
-  const Nesting nesting(*this);
   ++position_;
   if (accept(TokenKind::close)) return {};
   const std::vector<Expr*> list = argument_list();

@@ -12,8 +12,8 @@ Stmt* Parser::make(StmtKind kind) {
 }
 
 // block: { statement separator }, up to a word that closes something
-void Parser::block(std::vector<Stmt*>& statements) {
-  const Nesting nesting(*this);
+void Parser::block(std::vector<Stmt*>& statements, Close close) {
+  bool on_first_line = !at(TokenKind::end_of_line);
   skip_separators();
   while (!at(TokenKind::end_of_text)) {
     if (token().kind == TokenKind::keyword) {
@@ -31,14 +31,29 @@ void Parser::block(std::vector<Stmt*>& statements) {
       }
     }
     if (Stmt* stmt = statement()) statements.push_back(stmt);
+    if (at(Keyword::end) && closes_block(close, on_first_line)) return;
+    if (at(TokenKind::end_of_line)) on_first_line = false;
     expect_statement_end();
   }
 }
 
-Block Parser::block() {
+// Whether an End right behind a statement, on its line and without a colon, ends the block: that of a
+// procedure or class always does, End If in some places, others never.
+bool Parser::closes_block(Close close, bool on_first_line) const {
+  if (at_end_of_declaration()) return true;
+  if (close == Close::anywhere || (close == Close::on_first_line && on_first_line)) return true;
+  fail(error::must_be_first);
+}
+
+bool Parser::at_end_of_declaration() const {
+  return at_end_of(Keyword::sub) || at_end_of(Keyword::function) || at_end_of(Keyword::property) ||
+         at_end_of(Keyword::class_);
+}
+
+Block Parser::block(Close close) {
   ++blocks_;
   std::vector<Stmt*> statements;
-  block(statements);
+  block(statements, close);
   --blocks_;
   return ast_->arena.copy(statements);
 }
@@ -113,7 +128,7 @@ Stmt* Parser::call_or_assignment() {
   if (token().keyword == Keyword::property && procedure_ == &ast_->main &&
       (ahead().keyword == Keyword::get || ahead().keyword == Keyword::let ||
        ahead().keyword == Keyword::set)) {
-    fail(error::only_in_class);
+    fail(error::only_in_class, ahead(2).offset);
   }
   Stmt* stmt = make(StmtKind::let);
   Expr* target = postfix(primary(), true);
@@ -178,6 +193,7 @@ Stmt* Parser::set_statement() {
   ++position_;
   if (!at(TokenKind::name) && !at(TokenKind::dot) && !at(Keyword::me)) fail(error::expected_identifier);
   stmt->target = postfix(primary());
+  if (stmt->target->kind == ExprKind::me) fail(error::invalid_me, stmt->target->offset);
   expect(TokenKind::equal, error::expected_equals);
   stmt->value = expression();
   return stmt;
@@ -185,7 +201,7 @@ Stmt* Parser::set_statement() {
 
 // If expression Then, on one line or on many
 Stmt* Parser::if_statement() {
-  const Nesting nesting(*this);
+  const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::if_);
   ++position_;
   std::vector<Branch> branches(1);
@@ -242,20 +258,20 @@ void Parser::many_line_if(std::vector<Branch>& branches) {
     ++position_;
     branch.condition = expression();
     expect(Keyword::then, error::expected_then);
-    branch.body = block();
+    branch.body = block(Close::on_first_line);
   }
   if (at(Keyword::else_)) {
     Branch& branch = branches.emplace_back();
     branch.offset = token().offset;
     ++position_;
-    branch.body = block();
+    branch.body = block(Close::anywhere);
   }
   expect_end(Keyword::if_, 1012);
 }
 
 // Select Case expression { Case list block } [ Case Else block ] End Select
 Stmt* Parser::select_statement() {
-  const Nesting nesting(*this);
+  const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::select);
   ++position_;
   expect(Keyword::case_, error::expected_case);
@@ -286,7 +302,7 @@ Stmt* Parser::select_statement() {
 
 // Do [ ( While | Until ) expression ] block Loop [ ( While | Until ) expression ]
 Stmt* Parser::do_statement() {
-  const Nesting nesting(*this);
+  const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::do_);
   ++position_;
   const auto condition = [&] {
@@ -314,7 +330,7 @@ Stmt* Parser::do_statement() {
 
 // While expression block Wend
 Stmt* Parser::while_statement() {
-  const Nesting nesting(*this);
+  const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::do_);
   ++position_;
   stmt->value = expression();
@@ -327,13 +343,14 @@ Stmt* Parser::while_statement() {
 
 // For name = expression To expression [ Step expression ] block Next
 Stmt* Parser::for_statement() {
-  const Nesting nesting(*this);
+  const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::for_);
   ++position_;
   if (at(Keyword::each)) return for_each(stmt);
   if (!at(TokenKind::name) && !at(TokenKind::dot) && !at(Keyword::me)) fail(error::expected_identifier);
+  const std::size_t variable = token().offset;
   stmt->target = postfix(primary());
-  if (stmt->target->kind != ExprKind::name) fail(error::invalid_for_variable, stmt->target->offset);
+  if (stmt->target->kind != ExprKind::name) fail(error::invalid_for_variable, variable);
   expect(TokenKind::equal, error::expected_equals);
   stmt->value = expression();
   expect(Keyword::to, error::expected_to);
@@ -353,8 +370,9 @@ Stmt* Parser::for_each(Stmt* stmt) {
   ++position_;
   stmt->kind = StmtKind::for_each;
   if (!at(TokenKind::name)) fail(error::expected_identifier);
+  const std::size_t variable = token().offset;
   stmt->target = postfix(primary());
-  if (stmt->target->kind != ExprKind::name) fail(error::invalid_for_variable, stmt->target->offset);
+  if (stmt->target->kind != ExprKind::name) fail(error::invalid_for_variable, variable);
   expect(Keyword::in, error::expected_in);
   stmt->value = expression();
   expect_statement_end();
@@ -368,7 +386,7 @@ Stmt* Parser::for_each(Stmt* stmt) {
 
 // With expression block End With
 Stmt* Parser::with_statement() {
-  const Nesting nesting(*this);
+  const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::with);
   ++position_;
   stmt->value = expression();
@@ -383,6 +401,7 @@ Stmt* Parser::with_statement() {
 Stmt* Parser::exit_statement() {
   Stmt* stmt = make(StmtKind::exit_procedure);
   ++position_;
+  const std::size_t what = token().offset;
   const ProcKind kind = procedure_->kind;
   bool fits = false;
   if (accept(Keyword::do_)) {
@@ -398,7 +417,7 @@ Stmt* Parser::exit_statement() {
   } else if (accept_word(Keyword::property)) {
     fits = kind >= ProcKind::get;
   }
-  if (!fits) fail(error::invalid_exit, stmt->offset);
+  if (!fits) fail(error::invalid_exit, what);
   return stmt;
 }
 
