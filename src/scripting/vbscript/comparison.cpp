@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -13,7 +14,8 @@ int order(double a, double b) {
   return a < b ? -1 : a > b ? 1 : 0;
 }
 
-int order(std::u16string_view a, std::u16string_view b) {
+int order(Context& context, std::u16string_view a, std::u16string_view b) {
+  context.heap.work(std::min(a.size(), b.size()));
   const int difference = a.compare(b);
   return difference < 0 ? -1 : difference > 0 ? 1 : 0;
 }
@@ -28,12 +30,14 @@ bool is_integral(const Value& value) {
 int compare_text_with(Context& context, const Value& text, const Value& other, bool text_literal,
                       bool other_literal) {
   if (other.is(Type::empty)) return text.text().empty() ? 0 : 1;
-  if (other.is(Type::boolean)) return order(text.text(), Text(context, other));
+  if (other.is(Type::boolean)) {
+    return text_literal || other_literal ? order(context, text.text(), Text(context, other)) : 1;
+  }
   if (other_literal) {
     if (other.is(Type::date)) return order(to_date(context, text), other.d());
     return order(to_number(context, text), to_number(context, other));
   }
-  if (text_literal) return order(text.text(), Text(context, other));
+  if (text_literal) return order(context, text.text(), Text(context, other));
   return 1;
 }
 
@@ -50,13 +54,17 @@ int compare(Context& context, const Value& left, const Value& right, Literals li
   if (a.is(Type::null) || b.is(Type::null)) return unordered;
   const bool left_text = a.is(Type::string);
   const bool right_text = b.is(Type::string);
-  if (left_text && right_text) return order(a.text(), b.text());
+  if (left_text && right_text) return order(context, a.text(), b.text());
   if (left_text) return compare_text_with(context, a, b, literals.left, literals.right);
   if (right_text) return -compare_text_with(context, b, a, literals.right, literals.left);
   if ((is_integral(a) && is_integral(b)) || (a.is(Type::currency) && b.is(Type::currency))) {
     return a.i() < b.i() ? -1 : a.i() > b.i() ? 1 : 0;
   }
-  return order(to_number(context, a), to_number(context, b));
+  const double x = to_number(context, a);
+  const double y = to_number(context, b);
+  // A Single has no more digits than that: a Double beside it loses its own.
+  const bool narrow = (a.is(Type::single) && b.is(Type::real)) || (a.is(Type::real) && b.is(Type::single));
+  return narrow ? order(static_cast<float>(x), static_cast<float>(y)) : order(x, y);
 }
 
 bool holds(Operator op, int order) {
@@ -76,10 +84,45 @@ bool holds(Operator op, int order) {
   }
 }
 
+bool fits_label(Context& context, const Value& value, const Value& label, Literals literals) {
+  const auto scalar = [&](const Value& operand) {
+    const Value& actual = operand.get();
+    return actual.is(Type::object) ? context.default_value(actual) : actual;
+  };
+  const Value a = scalar(value);
+  const Value b = scalar(label);
+  try {
+    return compare(context, a, b, literals) == 0;
+  } catch (const Failure& failure) {
+    const bool other_type =
+        a.is(Type::string) != b.is(Type::string) && !a.is(Type::array) && !b.is(Type::array);
+    const bool unfit = failure.number == error::type_mismatch || failure.number == error::overflow;
+    if (failure.final || !other_type || !unfit) throw;
+    return false;
+  }
+}
+
 Value comparison(Context& context, Operator op, const Value& left, const Value& right, Literals literals) {
   const int result = compare(context, left, right, literals);
   return result == unordered ? Value::null() : Value::boolean(holds(op, result));
 }
+
+namespace {
+
+// Parts that end within a unit: byte by byte.
+Value joined_bytes(Heap& heap, const Ref<String>* parts, std::size_t count) {
+  std::size_t length = 0;
+  for (std::size_t i = 0; i < count; ++i) length += parts[i]->byte_length();
+  Ref<String> whole = heap.byte_string(length);
+  char* next = reinterpret_cast<char*>(whole->units());
+  for (std::size_t i = 0; i < count; ++i) {
+    std::memcpy(next, parts[i]->units(), parts[i]->byte_length());
+    next += parts[i]->byte_length();
+  }
+  return Value(std::move(whole));
+}
+
+}  // namespace
 
 Value concatenation(Context& context, const Value* parts, std::size_t count) {
   // All parts are held: asking an object for its value may change the variables of the others.
@@ -90,11 +133,13 @@ Value concatenation(Context& context, const Value* parts, std::size_t count) {
   Ref<String>* made = count > few ? made_many.data() : made_few;
   std::size_t length = 0;
   bool all_null = true;
+  bool odd = false;
   for (std::size_t i = 0; i < count; ++i) {
     const Value& part = parts[i].get();
     if (part.is(Type::string)) {
       made[i] = Ref<String>(part.string());
       length += made[i]->length;
+      odd |= made[i]->odd != 0;
       all_null = false;
       continue;
     }
@@ -108,6 +153,7 @@ Value concatenation(Context& context, const Value* parts, std::size_t count) {
     length += made[i]->length;
   }
   if (all_null) return Value::null();
+  if (odd) return joined_bytes(context.heap, made, count);
   Ref<String> whole = context.heap.blank_string(length);
   char16_t* next = whole->units();
   for (std::size_t i = 0; i < count; ++i) {
@@ -122,7 +168,7 @@ void append(Context& context, Value& variable, const Value& value) {
   Value& target = variable.get();
   const Value& more = value.get();
   if (!target.is(Type::string) || target.string()->references != 1 || !more.is(Type::string) ||
-      target.string() == more.string()) {
+      target.string() == more.string() || target.string()->odd != 0 || more.string()->odd != 0) {
     const Value parts[] = {target, more};
     Value joined = concatenation(context, parts, 2);
     variable.get() = std::move(joined);
@@ -138,14 +184,7 @@ void append(Context& context, Value& variable, const Value& value) {
     return;
   }
   context.heap.check_string_length(length);
-  // Half as much again; what is short is rather exact.
-  const std::size_t room = length < 32 ? 32 : length + length / 2;
-  Ref<String> longer;
-  try {
-    longer = context.heap.blank_string(room);
-  } catch (const Failure&) {  // then without spare room
-    longer = context.heap.blank_string(length);
-  }
+  Ref<String> longer = context.heap.blank_string(context.heap.roomy_length(length));
   std::memcpy(longer->units(), string->units(), string->length * sizeof(char16_t));
   std::memcpy(longer->units() + string->length, tail->units(), tail->length * sizeof(char16_t));
   longer->length = static_cast<std::uint32_t>(length);

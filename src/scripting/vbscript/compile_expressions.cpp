@@ -42,8 +42,23 @@ void ProcedureCompiler::load_constant(std::uint32_t index, Register target) {
   code_.emit_wide(Op::load, target, index);
 }
 
-// Whether the expression is a literal or a named constant, and which constant it is.
-bool ProcedureCompiler::literal(const Expr& expr, std::uint32_t& index) {
+// A literal decides how a text and a number are compared; a sign or a constant's name makes it none.
+bool ProcedureCompiler::is_literal(const Expr& expr) {
+  switch (expr.kind) {
+    case ExprKind::integer:
+    case ExprKind::long_int:
+    case ExprKind::number:
+    case ExprKind::date:
+    case ExprKind::boolean:
+    case ExprKind::string:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Whether the expression is known now, and which constant it is.
+bool ProcedureCompiler::constant_operand(const Expr& expr, std::uint32_t& index) {
   switch (expr.kind) {
     case ExprKind::integer:
     case ExprKind::long_int:
@@ -134,14 +149,13 @@ void ProcedureCompiler::into(const Expr& expr, Register target) {
     case ExprKind::binary:
       return binary_into(expr, target);
     case ExprKind::negate:
-      if (literal(expr, index)) return load_constant(index, target);
+      if (constant_operand(expr, index)) return load_constant(index, target);
       return unary_into(Op::negate, expr, target);
     case ExprKind::plus:
       return unary_into(Op::plus, expr, target);
     case ExprKind::logical_not:
       return unary_into(Op::logical_not, expr, target);
     case ExprKind::me:
-      if (!own_class_) throw CompileFailure{error::invalid_me, expr.offset};
       code_.emit(Op::me, target);
       return code_.holds(target);
     case ExprKind::new_object:
@@ -197,47 +211,67 @@ void ProcedureCompiler::unary_into(Op op, const Expr& expr, Register target) {
   code_.release_to(top);
 }
 
+// Operators in a row lean to the left: from the innermost operand outwards, without recursion.
 void ProcedureCompiler::binary_into(const Expr& expr, Register target) {
+  if (expr.op == Operator::concat) return concat_into(expr, target);
+  const std::size_t top = code_.top();
+  std::vector<const Expr*> chain{&expr};
+  const auto leans = [](const Expr& left) {
+    return left.kind == ExprKind::binary && left.op != Operator::concat;
+  };
+  while (leans(*chain.back()->left)) chain.push_back(chain.back()->left);
+  std::optional<Register> left;
+  while (chain.size() > 1) {
+    const Register result = left ? *left : code_.temp();
+    operator_into(*chain.back(), left, result);
+    left = result;
+    chain.pop_back();
+  }
+  operator_into(expr, left, target);
+  code_.release_to(top);
+}
+
+// `left` holds the left operand where that is computed already.
+void ProcedureCompiler::operator_into(const Expr& expr, std::optional<Register> left, Register target) {
   switch (expr.op) {
     case Operator::add:
-      return arithmetic_into(Op::add, Op::add_k, expr, target);
+      return arithmetic_into(Op::add, Op::add_k, expr, left, target);
     case Operator::subtract:
-      return arithmetic_into(Op::subtract, Op::subtract_k, expr, target);
+      return arithmetic_into(Op::subtract, Op::subtract_k, expr, left, target);
     case Operator::multiply:
-      return arithmetic_into(Op::multiply, Op::multiply_k, expr, target);
+      return arithmetic_into(Op::multiply, Op::multiply_k, expr, left, target);
     case Operator::int_divide:
-      return arithmetic_into(Op::int_divide, Op::int_divide_k, expr, target);
+      return arithmetic_into(Op::int_divide, Op::int_divide_k, expr, left, target);
     case Operator::mod:
-      return arithmetic_into(Op::mod, Op::mod_k, expr, target);
+      return arithmetic_into(Op::mod, Op::mod_k, expr, left, target);
     case Operator::divide:
-      return arithmetic_into(Op::divide, Op::divide, expr, target);
+      return arithmetic_into(Op::divide, Op::divide, expr, left, target);
     case Operator::power:
-      return arithmetic_into(Op::power, Op::power, expr, target);
+      return arithmetic_into(Op::power, Op::power, expr, left, target);
     case Operator::and_:
-      return arithmetic_into(Op::logical_and, Op::logical_and, expr, target);
+      return arithmetic_into(Op::logical_and, Op::logical_and, expr, left, target);
     case Operator::or_:
-      return arithmetic_into(Op::logical_or, Op::logical_or, expr, target);
+      return arithmetic_into(Op::logical_or, Op::logical_or, expr, left, target);
     case Operator::xor_:
-      return arithmetic_into(Op::logical_xor, Op::logical_xor, expr, target);
+      return arithmetic_into(Op::logical_xor, Op::logical_xor, expr, left, target);
     case Operator::eqv:
-      return arithmetic_into(Op::logical_eqv, Op::logical_eqv, expr, target);
+      return arithmetic_into(Op::logical_eqv, Op::logical_eqv, expr, left, target);
     case Operator::imp:
-      return arithmetic_into(Op::logical_imp, Op::logical_imp, expr, target);
+      return arithmetic_into(Op::logical_imp, Op::logical_imp, expr, left, target);
     case Operator::is:
-      return arithmetic_into(Op::is, Op::is, expr, target);
-    case Operator::concat:
-      return concat_into(expr, target);
+      return arithmetic_into(Op::is, Op::is, expr, left, target);
     default:
-      return comparison_into(expr, target);
+      return comparison_into(expr, left, target);
   }
 }
 
-// `with_constant` is for a literal number on the right; the same as `op` where there is no such opcode.
-void ProcedureCompiler::arithmetic_into(Op op, Op with_constant, const Expr& expr, Register target) {
+// `with_constant` is for a constant on the right; the same as `op` where there is no such opcode.
+void ProcedureCompiler::arithmetic_into(Op op, Op with_constant, const Expr& expr,
+                                        std::optional<Register> known_left, Register target) {
   const std::size_t top = code_.top();
-  const Register left = operand(*expr.left);
+  const Register left = known_left ? *known_left : operand(*expr.left);
   std::uint32_t index = 0;
-  if (with_constant != op && literal(*expr.right, index) && index <= widest_operand) {
+  if (with_constant != op && constant_operand(*expr.right, index) && index <= widest_operand) {
     code_.emit(with_constant, target, left, index);
   } else {
     const Register right = operand(*expr.right);
@@ -246,24 +280,28 @@ void ProcedureCompiler::arithmetic_into(Op op, Op with_constant, const Expr& exp
   code_.release_to(top);
 }
 
-void ProcedureCompiler::comparison_into(const Expr& expr, Register target) {
+void ProcedureCompiler::comparison_into(const Expr& expr, std::optional<Register> known_left,
+                                        Register target) {
   const std::size_t top = code_.top();
-  std::uint32_t left_index = 0;
-  std::uint32_t right_index = 0;
-  const bool left_literal = literal(*expr.left, left_index);
-  const bool right_literal = literal(*expr.right, right_index);
-  if (left_literal && right_literal) {
-    const Register left = operand(*expr.left);
-    const Register right = operand(*expr.right);
-    code_.emit_extended(Op::compare_literals, target, left, right, static_cast<std::int64_t>(expr.op));
-  } else if (right_literal && right_index <= widest_operand) {
-    code_.emit(offset_op(Op::equal_k, expr.op), target, operand(*expr.left), right_index);
-  } else if (left_literal && left_index <= widest_operand) {
-    code_.emit(offset_op(Op::equal_k, mirrored(expr.op)), target, operand(*expr.right), left_index);
+  const bool left_literal = !known_left && is_literal(*expr.left);
+  const bool right_literal = is_literal(*expr.right);
+  std::uint32_t index = 0;
+  if (right_literal && !left_literal && constant_operand(*expr.right, index) && index <= widest_operand) {
+    const Register left = known_left ? *known_left : operand(*expr.left);
+    code_.emit(offset_op(Op::equal_k, expr.op), target, left, index);
+  } else if (left_literal && !right_literal && constant_operand(*expr.left, index) &&
+             index <= widest_operand) {
+    code_.emit(offset_op(Op::equal_k, mirrored(expr.op)), target, operand(*expr.right), index);
   } else {
-    const Register left = operand(*expr.left);
+    const Register left = known_left ? *known_left : operand(*expr.left);
     const Register right = operand(*expr.right);
-    code_.emit(offset_op(Op::equal, expr.op), target, left, right);
+    const std::int64_t literals = (left_literal ? 1 : 0) | (right_literal ? 2 : 0);
+    if (literals == 0) {
+      code_.emit(offset_op(Op::equal, expr.op), target, left, right);
+    } else {
+      code_.emit_extended(Op::compare_literals, target, left, right,
+                          literals << 8 | static_cast<std::int64_t>(expr.op));
+    }
   }
   code_.release_to(top);
 }
@@ -300,13 +338,23 @@ Register ProcedureCompiler::object_of(const Expr& member) {
   return withs_.back();
 }
 
+// Members in a row, from the first object on.
 void ProcedureCompiler::member_into(const Expr& expr, Register target) {
   const std::size_t top = code_.top();
-  const Register object = object_of(expr);
-  subject_of_member(expr);
-  code_.emit_extended(Op::get_member, target, object, 0, expr.symbol);
+  std::vector<const Expr*> chain{&expr};
+  while (chain.back()->left && chain.back()->left->kind == ExprKind::member) {
+    chain.push_back(chain.back()->left);
+  }
+  Register object = object_of(*chain.back());
+  while (!chain.empty()) {
+    const Register result = chain.size() == 1 ? target : code_.temp();
+    subject_of_member(*chain.back());
+    code_.emit_extended(Op::get_member, result, object, 0, chain.back()->symbol);
+    code_.holds(result);
+    object = result;
+    chain.pop_back();
+  }
   code_.release_to(top);
-  code_.holds(target);
 }
 
 void ProcedureCompiler::call_into(const Expr& expr, Register target) {
@@ -337,9 +385,20 @@ bool ProcedureCompiler::index_into(const Expr& expr, Register target) {
 void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
   const std::size_t top = code_.top();
   std::uint32_t index = 0;
-  std::uint32_t other = 0;
-  const bool comparison = is_comparison(expr) && !(literal(*expr.left, index) && literal(*expr.right, other));
-  if (!comparison) {
+  const Expr* left = expr.left;
+  const Expr* right = expr.right;
+  Operator op = expr.op;
+  bool direct = is_comparison(expr);
+  bool with_constant = false;
+  if (direct) {
+    if (is_literal(*left)) {
+      std::swap(left, right);
+      op = mirrored(op);
+    }
+    with_constant = is_literal(*right) && constant_operand(*right, index) && index <= widest_operand;
+    direct = !is_literal(*left) && with_constant == is_literal(*right);
+  }
+  if (!direct) {
     const Register value = operand(expr);
     if (code_.holds_only(value)) {
       code_.take_back(value);
@@ -354,14 +413,6 @@ void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
     }
     return code_.release_to(top);
   }
-  Operator op = expr.op;
-  const Expr* left = expr.left;
-  const Expr* right = expr.right;
-  if (literal(*left, index)) {
-    std::swap(left, right);
-    op = mirrored(op);
-  }
-  const bool with_constant = literal(*right, index) && index <= widest_operand;
   const Register a = operand(*left);
   const Register b = with_constant ? static_cast<Register>(index) : operand(*right);
   // Operands that may hold an object are cleared by the comparison itself, where nothing else is held.

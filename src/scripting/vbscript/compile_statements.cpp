@@ -268,7 +268,7 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
   if (of_variable && !set && target.arguments.size() == 1 && target.arguments[0]->kind != ExprKind::missing) {
     const Register array = reference_or_value(callee);
     std::uint32_t constant = 0;
-    if (literal(value, constant) && constant <= 0xffff) {
+    if (constant_operand(value, constant) && constant <= 0xffff) {
       const Register index = operand(*target.arguments[0]);
       subject_of_index(callee, target.arguments[0]);
       code_.emit(Op::let_index_k, array, index, constant);
@@ -377,8 +377,7 @@ void ProcedureCompiler::select(const Stmt& stmt) {
   const std::size_t at_value = code_.last_place();
   const std::size_t outer = code_.kept();
   const Register value = code_.temp();
-  std::uint32_t value_index = 0;
-  const bool value_literal = literal(*stmt.value, value_index);
+  const bool value_literal = is_literal(*stmt.value);
   into(*stmt.value, value);
   code_.emit(Op::let, value, value);
   code_.take_back(value);
@@ -394,21 +393,10 @@ void ProcedureCompiler::select(const Stmt& stmt) {
       for (std::size_t i = 0; i < branch.tests.size(); ++i) {
         to_patch.push_back(code_.place(branch.tests[i]->offset));
         const std::size_t top = code_.top();
-        std::uint32_t index = 0;
-        const bool test_literal = literal(*branch.tests[i], index);
-        const Register test = test_literal && !value_literal && index <= 0xffff ? static_cast<Register>(0)
-                                                                                : operand(*branch.tests[i]);
+        const Register test = operand(*branch.tests[i]);
         const Register result = code_.temp_behind_held();
-        if (test_literal && value_literal) {
-          code_.emit_extended(Op::compare_literals, result, value, test,
-                              static_cast<std::int64_t>(Operator::equal));
-        } else if (test_literal && index <= 0xffff) {
-          code_.emit(Op::equal_k, result, value, index);
-        } else if (value_literal && value_index <= 0xffff) {
-          code_.emit(Op::equal_k, result, test, value_index);
-        } else {
-          code_.emit(Op::equal, result, value, test);
-        }
+        const int literals = (value_literal ? 1 : 0) | (is_literal(*branch.tests[i]) ? 2 : 0);
+        code_.emit_extended(Op::case_equal, result, value, test, literals);
         code_.end_statement();
         if (i + 1 < branch.tests.size()) {
           code_.jump(Op::jump_true, result, body);

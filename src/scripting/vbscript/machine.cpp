@@ -171,7 +171,7 @@ op_clear: {
   SETTLE(1);
 }
 op_me:
-  R[pc->a] = f->me ? Value(Ref<Object>(f->me)) : Value::nothing();
+  R[pc->a] = f->me ? Value(Ref<Object>(f->me)) : module_object_;
   NEXT(1);
 
   ARITHMETIC(add, R[pc->c], +, x.i() + y.i())
@@ -271,10 +271,26 @@ op_logical_not: {
   COMPARISON(less_equal_k, K[pc->c], <=, less_equal, true)
   COMPARISON(greater_equal_k, K[pc->c], >=, greater_equal, true)
 
-op_compare_literals:
+op_compare_literals: {
   SAVE();
-  R[pc->a] = comparison(*this, static_cast<Operator>(pc[1].wide()), R[pc->b], R[pc->c], Literals{true, true});
+  const int flags = pc[1].wide();
+  const Literals literals{(flags & 0x100) != 0, (flags & 0x200) != 0};
+  R[pc->a] = comparison(*this, static_cast<Operator>(flags & 0xff), R[pc->b], R[pc->c], literals);
   SETTLE(2);
+}
+op_case_equal: {
+  const Value& x = R[pc->b];
+  const Value& y = R[pc->c];
+  if (whole_pair(pair_of(x, y))) {
+    R[pc->a].set(Type::boolean, std::int64_t{x.i() == y.i() ? -1 : 0});
+    NEXT(2);
+  }
+  SAVE();
+  const int flags = pc[1].wide();
+  const bool fits = fits_label(*this, x, y, Literals{(flags & 1) != 0, (flags & 2) != 0});
+  R[pc->a] = Value::boolean(fits);
+  SETTLE(2);
+}
 
 op_test: {
   SAVE();
@@ -487,12 +503,7 @@ op_refer_name_or_get: {
 }
 op_refer_name: {
   SAVE();
-  const auto symbol = static_cast<SymbolId>(pc[1].wide());
-  const GlobalName* name = globals_.find(symbols_.canonical(symbol));
-  const bool known = name && name->kind != GlobalName::Kind::undefined;
-  if (!known) fail(error::undefined_variable, symbol);
-  if (name->kind != GlobalName::Kind::variable) fail(error::illegal_assignment, symbol);
-  R[pc->a] = Value::reference_to(&globals_.values()[name->slot]);
+  R[pc->a] = Value::reference_to(&named_variable(static_cast<SymbolId>(pc[1].wide())));
   NEXT(2);
 }
 op_get_member:

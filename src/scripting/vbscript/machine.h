@@ -17,6 +17,7 @@
 namespace zrl::vbs {
 
 class KeywordTable;
+class NativeObject;
 
 // Variables that Execute made in a procedure that is running.
 struct ExtraScope {
@@ -134,6 +135,8 @@ class Machine final : public Context {
   void call_symbol(Value* window, std::size_t count, SymbolId symbol);
   void call_unresolved(Value* window, std::size_t count, std::uint16_t local, SymbolId symbol);
   bool get_unresolved(Value& target, std::uint16_t local, SymbolId symbol);
+  Value* executed_variable(SymbolId symbol);
+  Value& named_variable(SymbolId symbol);
   void call_builtin(Value* window, std::size_t count, std::uint32_t index);
   void run_text(const Value& text, bool global);
   void evaluate_text(const Value& text, Value& target);
@@ -158,6 +161,11 @@ class Machine final : public Context {
   void call_default(Value* window, std::size_t count);
   Value& element(Value& variable, Value* indexes, std::size_t count);
   const Member& member_of(const Instance& instance, SymbolId symbol, bool own) const;
+  bool is_module(const Value& object) const;
+  static NativeObject& native_of(const Value& object);
+  void get_of_module(Value& target, SymbolId symbol);
+  void call_of_module(Value* window, std::size_t count, SymbolId symbol);
+  void put_of_module(Value* window, std::size_t count, SymbolId symbol, bool set);
   void put_element(Value& element, const Value& value, bool set);
   void call_in_place(Value* window, const Proc& proc, std::size_t count, Instance* me, bool discard);
 
@@ -217,6 +225,7 @@ class Machine final : public Context {
   std::chrono::steady_clock::time_point deadline_{};
   ErrState err_;
   Value err_object_;
+  Value module_object_;
   Value wscript_object_;
   std::uint32_t random_seed_ = 0x50000;
 

@@ -132,10 +132,37 @@ void Machine::call_symbol(Value* window, std::size_t count, SymbolId symbol) {
   push(*name->procedure, window, count, nullptr);
 }
 
+// A variable that Execute made in the procedure that runs, or around the text that runs.
+Value* Machine::executed_variable(SymbolId symbol) {
+  const Frame& owner = frame().proc->executed ? frames_[frame().owner] : frame();
+  if (!owner.extra) return nullptr;
+  for (const Binding& extra : owner.extra->bindings) {
+    if (extra.symbol == symbols_.canonical(symbol)) return owner.extra->values[extra.reg].get();
+  }
+  return nullptr;
+}
+
+// A variable to write to, whose name had no meaning when the code was compiled.
+Value& Machine::named_variable(SymbolId symbol) {
+  if (Value* variable = executed_variable(symbol)) return *variable;
+  const GlobalName* name = globals_.find(symbols_.canonical(symbol));
+  const bool known = name && name->kind != GlobalName::Kind::undefined;
+  if (!known) {
+    // Without Option Explicit only an element is written to without making the variable.
+    fail(frame().proc->module->option_explicit ? error::undefined_variable : error::type_mismatch, symbol);
+  }
+  if (name->kind != GlobalName::Kind::variable) fail(error::illegal_assignment, symbol);
+  return globals_.values()[name->slot];
+}
+
 // A call of a name that had no meaning when the code was compiled.
 void Machine::call_unresolved(Value* window, std::size_t count, std::uint16_t local, SymbolId symbol) {
   if (local != no_register && !frame().base[local].get().is(Type::empty)) {
     window[0] = Value::reference_to(&frame().base[local].get());
+    return index_many(window, count);
+  }
+  if (Value* variable = executed_variable(symbol)) {
+    window[0] = Value::reference_to(variable);
     return index_many(window, count);
   }
   const GlobalName* name = globals_.find(symbols_.canonical(symbol));
@@ -164,6 +191,10 @@ bool Machine::get_unresolved(Value& target, std::uint16_t local, SymbolId symbol
       target = variable;
       return true;
     }
+  }
+  if (const Value* variable = executed_variable(symbol)) {
+    target = *variable;
+    return true;
   }
   const GlobalName* name = globals_.find(symbols_.canonical(symbol));
   const auto kind = name ? name->kind : GlobalName::Kind::undefined;
@@ -196,6 +227,11 @@ void Machine::call_builtin(Value* window, std::size_t count, std::uint32_t index
   const Builtin& builtin = builtins_.function(index);
   try {
     window[0] = builtin.function(*this, Arguments(window + 1, count));
+    // Texts are scanned, each in a time that goes with its length.
+    for (std::size_t i = 0; i <= count; ++i) {
+      const Value& value = window[i].get();
+      if (value.is(Type::string)) memory_.work(value.string()->length);
+    }
   } catch (Failure& failure) {
     const bool names_value = !failure.subject.empty() && failure.subject[0] == u'[';
     if ((failure.subject.empty() || names_value) && !failure.final) failure.subject = ascii(builtin.name);
@@ -251,15 +287,15 @@ void Machine::run_terminations() {
 }
 
 void Machine::new_instance(Value& target, SymbolId symbol) {
-  const GlobalName* name = globals_.find(symbols_.canonical(symbol));
-  if (!name || name->kind != GlobalName::Kind::class_type) {
-    const std::u16string lower = lower_cased(symbols_.name(symbol));
-    if (lower == u"regexp") {
-      target = create_object(u"VBScript.RegExp");
-      return;
-    }
-    fail(error::undefined_class, symbol);
+  // A class of that name does not hide the one that the language brings.
+  if (symbols_.name(symbols_.canonical(symbol)) == u"regexp") {
+    target = create_object(u"VBScript.RegExp");
+    return;
   }
+  const GlobalName* name = globals_.find(symbols_.canonical(symbol));
+  const bool known = name && name->kind != GlobalName::Kind::undefined;
+  if (!known) fail(error::undefined_variable, symbol);
+  if (name->kind != GlobalName::Kind::class_type) fail(error::undefined_class, symbol);
   Ref<Instance> instance = Instance::make(memory_, *name->class_type);
   target = Value(Ref<Object>(instance.get()));
   const Proc* initialise = name->class_type->initialise;
@@ -303,8 +339,11 @@ const Module& Machine::compile_text(std::u16string text, bool global, bool evalu
 }
 
 void Machine::run_text(const Value& text, bool global) {
+  const Value source = text.get().is(Type::object) ? default_value(text) : text.get();
+  if (source.is(Type::null)) raise(error::null_use);
+  if (!source.is(Type::string)) raise(error::type_mismatch);
   std::unique_ptr<Module> made;
-  compile_text(std::u16string(Text(*this, text)), global, false, made);
+  compile_text(std::u16string(source.text()), global, false, made);
   enter_text(std::move(made), nullptr, global);
 }
 

@@ -7,6 +7,7 @@
 #include "scripting/vbscript/lexer.h"
 #include "scripting/vbscript/machine.h"
 #include "scripting/vbscript/objects/err_object.h"
+#include "scripting/vbscript/objects/module_object.h"
 #include "scripting/vbscript/objects/wscript_object.h"
 #include "scripting/vbscript/parser.h"
 #include "scripting/vbscript/unicode.h"
@@ -35,9 +36,11 @@ Machine::Machine(EngineHost& host, const Limits& limits, bool with_wscript)
       stack_(static_cast<Value*>(std::calloc(stack_values, sizeof(Value)))),
       frames_(static_cast<Frame*>(std::calloc(limits.call_depth + 1, sizeof(Frame)))) {
   if (!stack_ || !frames_) throw std::bad_alloc();
+  memory_.set_meter(this);
   stack_end_ = stack_.get() + stack_values;
   frames_[0].top = stack_.get();
   err_object_ = Value(Ref<Object>(memory_.make<ErrObject>().get()));
+  module_object_ = Value(Ref<Object>(memory_.make<ModuleObject>().get()));
   if (with_wscript) wscript_object_ = Value(Ref<Object>(memory_.make<WScriptObject>().get()));
 }
 
@@ -81,6 +84,7 @@ void Machine::shut_down() {
   }
   left.clear();
   err_object_.clear();
+  module_object_.clear();
   wscript_object_.clear();
   // Whatever the terminators did, everything goes now, and no script runs any more.
   for (int round = 0; round < 8; ++round) {

@@ -31,6 +31,56 @@ const Member& Machine::member_of(const Instance& instance, SymbolId symbol, bool
   return *member;
 }
 
+bool Machine::is_module(const Value& object) const {
+  return object.object()->kind == Object::Kind::module;
+}
+
+// For an object that is no instance. What GetRef makes has no members.
+NativeObject& Machine::native_of(const Value& object) {
+  NativeObject* native = as_native(object.object());
+  if (!native) raise(error::no_such_member);
+  return *native;
+}
+
+void Machine::get_of_module(Value& target, SymbolId symbol) {
+  const GlobalName* name = globals_.find(symbols_.canonical(symbol));
+  if (name && name->kind == GlobalName::Kind::procedure) {
+    Frame& next = push(*name->procedure, frame().top, 0, nullptr);
+    next.result = &target;
+    return;
+  }
+  if (name && name->kind == GlobalName::Kind::constant) {
+    target = name->constant;
+    return;
+  }
+  const Value* variable = globals_.existing(symbols_.canonical(symbol));
+  if (!variable) raise(error::no_such_member, symbol_text(symbol));
+  target = *variable;
+}
+
+void Machine::call_of_module(Value* window, std::size_t count, SymbolId symbol) {
+  const GlobalName* name = globals_.find(symbols_.canonical(symbol));
+  if (name && name->kind == GlobalName::Kind::procedure) {
+    window[0].clear();
+    push(*name->procedure, window, count, nullptr);
+    return;
+  }
+  Value* variable = globals_.existing(symbols_.canonical(symbol));
+  if (count == 0 || !variable) return get_of_module(window[0], symbol);
+  window[0] = Value::reference_to(variable);
+  index_many(window, count);
+}
+
+void Machine::put_of_module(Value* window, std::size_t count, SymbolId symbol, bool set) {
+  Value* variable = globals_.existing(symbols_.canonical(symbol));
+  if (!variable) raise(error::no_such_member, symbol_text(symbol));
+  if (count > 0) {
+    window[0] = Value::reference_to(variable);
+    return put_index(window, count, set);
+  }
+  put_element(*variable, window[1], set);
+}
+
 // object.symbol, without arguments
 void Machine::get_member(Value& target, const Value& object, SymbolId symbol, std::size_t) {
   const Value& actual = object.get();
@@ -47,6 +97,7 @@ void Machine::get_member(Value& target, const Value& object, SymbolId symbol, st
       next.result = &target;
       return;
     }
+    if (is_module(actual)) return get_of_module(target, symbol);
   }
   Value window[2] = {actual, Value()};
   call_member(window, 0, symbol, false);
@@ -61,12 +112,13 @@ void Machine::call_member(Value* window, std::size_t count, SymbolId symbol, boo
   }
   const Value& object = window[0].get();
   if (!object.is(Type::object)) raise(error::object_required, symbol_text(symbol));
-  if (!object.object()) raise(error::object_not_set, symbol_text(symbol));
+  if (!object.object()) raise(error::object_required, symbol_text(symbol));
   const Value held = object;
   if (auto* instance = as_instance(held.object())) {
     return call_instance(window, count, symbol, *instance);
   }
-  auto& native = static_cast<NativeObject&>(*held.object());
+  if (is_module(held)) return call_of_module(window, count, symbol);
+  NativeObject& native = native_of(held);
   const std::u16string& name = symbols_.name(symbols_.canonical(symbol));
   const NativeMember* member = find_member(native, name);
   if (member && count > 0 && member->most == 0) {
@@ -86,6 +138,8 @@ void Machine::call_instance(Value* window, std::size_t count, SymbolId symbol, I
       return;
     }
     const Value held{Ref<Object>(&instance)};
+    const Type type = instance.field(member.field).type();
+    if (type != Type::array && type != Type::object) raise(error::no_such_member, symbol_text(symbol));
     window[0] = Value::reference_to(&instance.field(member.field));
     return index_many(window, count);
   }
@@ -106,11 +160,12 @@ void Machine::put_member(Value* window, std::size_t count, SymbolId symbol, bool
   if (own) return put_instance(window, count, symbol, *frame().me, set);
   const Value held = window[0].get();
   if (!held.is(Type::object)) raise(error::object_required, symbol_text(symbol));
-  if (!held.object()) raise(error::object_not_set, symbol_text(symbol));
+  if (!held.object()) raise(error::object_required, symbol_text(symbol));
   if (auto* instance = as_instance(held.object())) {
     return put_instance(window, count, symbol, *instance, set);
   }
-  auto& native = static_cast<NativeObject&>(*held.object());
+  if (is_module(held)) return put_of_module(window, count, symbol, set);
+  NativeObject& native = native_of(held);
   const std::u16string& name = symbols_.name(symbols_.canonical(symbol));
   use_member(*this, native, name, set ? Use::set : Use::let, Arguments(window + 1, count + 1),
              symbols_.name(symbol));
@@ -135,6 +190,7 @@ void Machine::put_instance(Value* window, std::size_t count, SymbolId symbol, In
   const Proc* proc = set ? member.set : member.let;
   if (!proc && !set && member.set && window[count + 1].get().is(Type::object)) proc = member.set;
   if (!proc) {
+    if (set && member.let) raise(error::no_such_member, symbol_text(symbol));
     if (member.get && count == 0) {
       // The value of the property may be an object with a default property, but not a variable.
       raise(member.get->kind == ProcKind::get ? error::no_such_member : error::illegal_assignment,
@@ -178,8 +234,7 @@ void Machine::index(Value& target, const Value& callee, const Value& argument) {
     // Keeps the object. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const Value held = actual;
     Value place = Value(argument.get());
-    target =
-        use_member(*this, static_cast<NativeObject&>(*held.object()), {}, Use::get, Arguments(&place, 1), {});
+    target = use_member(*this, native_of(held), {}, Use::get, Arguments(&place, 1), {});
     return;
   }
   Value* const window = frame().top;
@@ -199,11 +254,7 @@ void Machine::index(Value& target, const Value& callee, const Value& argument) {
 void Machine::index_many(Value* window, std::size_t count) {
   Value& callee = window[0].get();
   if (callee.is(Type::array)) {
-    if (count == 0) {
-      const Value whole = callee;
-      window[0] = whole;
-      return;
-    }
+    if (count == 0) raise(error::subscript);
     const Value found = element(callee, window + 1, count);
     for (std::size_t i = 1; i <= count; ++i) window[i].clear();
     window[0] = found;
@@ -232,8 +283,7 @@ void Machine::call_default(Value* window, std::size_t count) {
     push(procedure->proc(), window, count, nullptr);
     return;
   }
-  window[0] = use_member(*this, static_cast<NativeObject&>(*held.object()), {}, Use::get,
-                         Arguments(window + 1, count), {});
+  window[0] = use_member(*this, native_of(held), {}, Use::get, Arguments(window + 1, count), {});
   for (std::size_t i = 1; i <= count; ++i) window[i].clear();
 }
 
@@ -287,8 +337,7 @@ void Machine::put_index(Value* window, std::size_t count, bool set) {
     return put_instance(window, count, member->symbol, *instance, set);
   }
   if (as_procedure(held.object())) raise(error::no_such_member);
-  use_member(*this, static_cast<NativeObject&>(*held.object()), {}, set ? Use::set : Use::let,
-             Arguments(window + 1, count + 1), {});
+  use_member(*this, native_of(held), {}, set ? Use::set : Use::let, Arguments(window + 1, count + 1), {});
 }
 
 Value Machine::default_value(const Value& object) {
@@ -304,8 +353,7 @@ Value Machine::default_value(const Value& object) {
     } else if (auto* procedure = as_procedure(held.object())) {
       value = invoke(procedure->proc(), nullptr, {});
     } else {
-      value = use_member(*this, static_cast<NativeObject&>(*held.object()), {}, Use::get,
-                         Arguments(nullptr, 0), {});
+      value = use_member(*this, native_of(held), {}, Use::get, Arguments(nullptr, 0), {});
     }
   }
   return value;

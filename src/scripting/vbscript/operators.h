@@ -26,6 +26,8 @@ int compare(Context& context, const Value& left, const Value& right, Literals li
 // True, False or Null.
 Value comparison(Context& context, Operator op, const Value& left, const Value& right, Literals literals);
 bool holds(Operator op, int order);
+// Whether a label of Select Case is the value; a text and a number that it does not stand for are not.
+bool fits_label(Context& context, const Value& value, const Value& label, Literals literals);
 
 // The parts as one string; Null where all are Null.
 Value concatenation(Context& context, const Value* parts, std::size_t count);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -80,14 +81,17 @@ class ProcedureCompiler {
   void into(const Expr& expr, Register target);
   void load(const Value& value, Register target);
   void load_constant(std::uint32_t index, Register target);
-  bool literal(const Expr& expr, std::uint32_t& index);
+  static bool is_literal(const Expr& expr);
+  bool constant_operand(const Expr& expr, std::uint32_t& index);
   bool has_register(const Meaning& known) const;
   bool scalar_result(const Expr& expr) const;
   void name_into(const Expr& expr, Register target);
   void unary_into(Op op, const Expr& expr, Register target);
   void binary_into(const Expr& expr, Register target);
-  void arithmetic_into(Op op, Op with_constant, const Expr& expr, Register target);
-  void comparison_into(const Expr& expr, Register target);
+  void operator_into(const Expr& expr, std::optional<Register> left, Register target);
+  void arithmetic_into(Op op, Op with_constant, const Expr& expr, std::optional<Register> known_left,
+                       Register target);
+  void comparison_into(const Expr& expr, std::optional<Register> known_left, Register target);
   void concat_into(const Expr& expr, Register target);
   void member_into(const Expr& expr, Register target);
   void call_into(const Expr& expr, Register target);

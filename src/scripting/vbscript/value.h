@@ -35,12 +35,15 @@ inline constexpr int first_counted = 16;
 
 struct String : Counted {
   std::uint32_t length;
-  std::uint32_t capacity;
-  std::uint32_t hash;  // 0: not computed
+  std::uint32_t capacity : 31;
+  std::uint32_t odd : 1;  // of the last unit only the low byte belongs to the string; see LenB
+  std::uint32_t hash;     // 0: not computed
 
   char16_t* units() { return reinterpret_cast<char16_t*>(this + 1); }
   const char16_t* units() const { return reinterpret_cast<const char16_t*>(this + 1); }
   std::u16string_view view() const { return {units(), length}; }
+  std::size_t byte_length() const { return std::size_t{length} * sizeof(char16_t) - odd; }
+  std::string_view bytes() const { return {reinterpret_cast<const char*>(units()), byte_length()}; }
 };
 
 // Currency counts ten-thousandths.
@@ -179,7 +182,7 @@ struct Array : Container {
 // What scripts hold as Object. The kinds are the classes of scripts and those that the engine brings.
 class Object : public Container {
  public:
-  enum class Kind : std::uint8_t { native, instance, procedure };
+  enum class Kind : std::uint8_t { native, instance, procedure, module };
 
   explicit Object(Kind object_kind = Kind::native) : kind(object_kind) {}
   Object(const Object&) = delete;
