@@ -176,12 +176,15 @@ Value arithmetic(Context& context, Operator op, const Value& left, const Value& 
     if (static_cast<int>(other.type()) > static_cast<int>(Type::string)) raise(error::type_mismatch);
     return Value::null();
   }
-  const Value x = to_numeric(context, a);
-  const Value y = to_numeric(context, b);
+  Value x = to_numeric(context, a);
+  Value y = to_numeric(context, b);
   switch (op) {
     case Operator::add:
     case Operator::subtract:
     case Operator::multiply:
+      // Empty beside a Byte is one.
+      if (a.is(Type::empty) && b.is(Type::byte)) x = Value::of(Type::byte, std::int64_t{0});
+      if (b.is(Type::empty) && a.is(Type::byte)) y = Value::of(Type::byte, std::int64_t{0});
       return sum_like(op, x, y);
     case Operator::divide:
       return quotient(x, y);
@@ -213,9 +216,7 @@ Value negated(Context& context, const Value& value) {
 }
 
 Value plus(Context& context, const Value& value) {
-  Value actual = scalar(context, value);
-  if (actual.is(Type::string)) return actual;
-  return to_numeric(context, actual);
+  return scalar(context, value);
 }
 
 }  // namespace zrl::vbs

@@ -110,6 +110,7 @@ void erase(Heap& heap, Value& variable) {
   if (!variable.is(Type::array)) raise(error::type_mismatch);
   if (variable.array()->fixed) {
     Array& array = writable(variable);
+    heap.work(array.count * sizeof(Value));
     for (std::size_t i = 0; i < array.count; ++i) array.elements[i].clear();
     return;
   }

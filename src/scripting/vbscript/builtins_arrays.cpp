@@ -10,16 +10,20 @@ namespace zrl::vbs {
 
 namespace {
 
-const Array& array_argument(const Value& value) {
-  if (!value.is(Type::array)) raise(error::type_mismatch);
-  return *value.array();
+// The array that an argument is or has as its default value. Default members of its elements may replace
+// the argument: the caller holds it.
+Value array_argument(Machine& machine, const Value& value) {
+  Value array = value.is(Type::object) ? machine.default_value(value) : value;
+  if (!array.is(Type::array)) raise(error::type_mismatch);
+  return array;
 }
 
-// One dimension.
-const Array& list_argument(const Value& value) {
-  const Array& array = array_argument(value);
-  if (array.dimensions > 1) raise(error::type_mismatch);
-  return array;
+// One dimension; Null is told as such.
+Value list_argument(Machine& machine, const Value& value) {
+  if (value.is(Type::null)) raise(error::null_use);
+  Value list = array_argument(machine, value);
+  if (list.array()->dimensions > 1) raise(error::type_mismatch);
+  return list;
 }
 
 bool ignores_case(Machine& machine, Arguments arguments, std::size_t i) {
@@ -27,12 +31,6 @@ bool ignores_case(Machine& machine, Arguments arguments, std::size_t i) {
   const std::int64_t mode = to_long(machine, arguments[i]);
   if (mode != 0 && mode != 1) raise(error::invalid_call);
   return mode == 1;
-}
-
-Value list_of(Machine& machine, const std::vector<std::u16string_view>& texts) {
-  Ref<Array> list = make_list(machine.heap, texts.size());
-  for (std::size_t i = 0; i < texts.size(); ++i) list->elements[i] = Value(machine.heap.string(texts[i]));
-  return Value(std::move(list));
 }
 
 Value array(Machine& machine, Arguments arguments) {
@@ -46,29 +44,29 @@ std::int64_t dimension_argument(Machine& machine, Arguments arguments) {
 }
 
 Value u_bound(Machine& machine, Arguments arguments) {
-  return Value::long_integer(
-      upper_bound(array_argument(arguments[0]), dimension_argument(machine, arguments)));
+  const Value array = array_argument(machine, arguments[0]);
+  return Value::long_integer(upper_bound(*array.array(), dimension_argument(machine, arguments)));
 }
 
 Value l_bound(Machine& machine, Arguments arguments) {
-  upper_bound(array_argument(arguments[0]), dimension_argument(machine, arguments));
+  const Value array = array_argument(machine, arguments[0]);
+  upper_bound(*array.array(), dimension_argument(machine, arguments));
   return Value::long_integer(0);
 }
 
 Value join(Machine& machine, Arguments arguments) {
-  // Default members of the elements may replace the argument.
-  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
-  const Value held = arguments[0];
-  const Array& list = list_argument(held);
+  const Value held = list_argument(machine, arguments[0]);
+  const Array& list = *held.array();
   const Value blank{machine.heap.unit_string(u' ')};
   const Text separator(machine, arguments.has(1) ? arguments[1] : blank);
-  std::vector<Ref<String>> texts;
+  HeapVector<Ref<String>> texts{HeapAllocator<Ref<String>>(machine.heap)};
   texts.reserve(list.count);
   std::size_t length = list.count > 0 ? (list.count - 1) * separator.view().size() : 0;
   for (std::size_t i = 0; i < list.count; ++i) {
+    if (list.elements[i].is(Type::null)) raise(error::type_mismatch);
     texts.push_back(to_string(machine, list.elements[i]));
     length += texts.back()->length;
-    if (i % 65536 == 65535) machine.check_time();
+    machine.heap.work(sizeof(Value));
   }
   Ref<String> whole = machine.heap.blank_string(length);
   char16_t* next = whole->units();
@@ -79,6 +77,27 @@ Value join(Machine& machine, Arguments arguments) {
   return Value(std::move(whole));
 }
 
+HeapText lower(Machine& machine, std::u16string_view text) {
+  HeapText result(text, HeapAllocator<char16_t>(machine.heap));
+  std::transform(result.begin(), result.end(), result.begin(), to_lower);
+  return result;
+}
+
+// Walks over the parts of a text.
+template <class Action>
+void for_each_part(Machine& machine, std::u16string_view text, std::u16string_view separator,
+                   std::size_t most, Action action) {
+  std::size_t from = 0;
+  for (std::size_t parts = 1; parts < most; ++parts) {
+    const std::size_t found = find_text(machine.heap, text, separator, from);
+    if (found == text.npos) break;
+    action(from, found - from);
+    from = found + separator.size();
+    machine.heap.work(sizeof(Value));
+  }
+  action(from, text.size() - from);
+}
+
 Value split(Machine& machine, Arguments arguments) {
   const Text whole(machine, arguments[0]);
   const Value blank{machine.heap.unit_string(u' ')};
@@ -87,41 +106,39 @@ Value split(Machine& machine, Arguments arguments) {
   if (count < -1) raise(error::invalid_call);
   const bool ignoring_case = ignores_case(machine, arguments, 3);
   const std::u16string_view text = whole;
-  if (text.empty() || count == 0) return list_of(machine, {});
-  if (separator.view().empty()) return list_of(machine, {text});
-  const std::u16string lower_text = ignoring_case ? lower_cased(text) : std::u16string();
-  const std::u16string lower_separator = ignoring_case ? lower_cased(separator) : std::u16string();
-  const std::u16string_view searched = ignoring_case ? lower_text : text;
+  Heap& heap = machine.heap;
+  if (text.empty() || count == 0) return Value(make_list(heap, 0));
+  const auto most = separator.view().empty() ? 1 : count < 0 ? SIZE_MAX : static_cast<std::size_t>(count);
+  const HeapText lower_text = lower(machine, ignoring_case ? text : std::u16string_view());
+  const HeapText lower_separator = lower(machine, separator);
+  const std::u16string_view searched = ignoring_case ? std::u16string_view(lower_text) : text;
   const std::u16string_view sought = ignoring_case ? std::u16string_view(lower_separator) : separator.view();
-  std::vector<std::u16string_view> parts;
-  std::size_t from = 0;
-  while (count < 0 || parts.size() + 1 < static_cast<std::size_t>(count)) {
-    const std::size_t found = find_text(searched, sought, from);
-    if (found == text.npos) break;
-    parts.push_back(text.substr(from, found - from));
-    from = found + sought.size();
-    if (parts.size() % 65536 == 0) machine.check_time();
-  }
-  parts.push_back(text.substr(from));
-  return list_of(machine, parts);
+  // Counted first, so that nothing but the list itself takes memory.
+  std::size_t parts = 0;
+  for_each_part(machine, searched, sought, most, [&](std::size_t, std::size_t) { ++parts; });
+  Ref<Array> list = make_list(heap, parts);
+  Value* next = list->elements;
+  for_each_part(machine, searched, sought, most, [&](std::size_t from, std::size_t length) {
+    *next++ = Value(heap.string(text.substr(from, length)));
+  });
+  return Value(std::move(list));
 }
 
 Value filter(Machine& machine, Arguments arguments) {
-  // Default members of the elements may replace the argument.
-  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
-  const Value held = arguments[0];
-  const Array& list = list_argument(held);
+  const Value held = list_argument(machine, arguments[0]);
+  const Array& list = *held.array();
   const Text sought(machine, arguments[1]);
   const bool include = !arguments.has(2) || to_boolean(machine, arguments[2]);
   const bool ignoring_case = ignores_case(machine, arguments, 3);
-  const std::u16string needle = ignoring_case ? lower_cased(sought) : std::u16string(sought.view());
-  std::vector<Ref<String>> kept;
+  const HeapText lower_sought = lower(machine, sought);
+  HeapVector<Ref<String>> kept{HeapAllocator<Ref<String>>(machine.heap)};
   for (std::size_t i = 0; i < list.count; ++i) {
     Ref<String> text = to_string(machine, list.elements[i]);
-    const std::size_t found =
-        ignoring_case ? find_text(lower_cased(text->view()), needle, 0) : find_text(text->view(), needle, 0);
-    if ((found != std::u16string::npos) == include) kept.push_back(std::move(text));
-    if (i % 65536 == 65535) machine.check_time();
+    machine.heap.work(sizeof(Value) + text->length);
+    const std::size_t found = ignoring_case
+                                  ? find_text(machine.heap, lower(machine, text->view()), lower_sought, 0)
+                                  : find_text(machine.heap, text->view(), sought, 0);
+    if ((found != std::u16string_view::npos) == include) kept.push_back(std::move(text));
   }
   Ref<Array> result = make_list(machine.heap, kept.size());
   for (std::size_t i = 0; i < kept.size(); ++i) result->elements[i] = Value(std::move(kept[i]));

@@ -18,7 +18,7 @@ constexpr BuiltinConstant text(const char* name, const char16_t* value, std::int
 }
 
 constexpr BuiltinConstant constants[] = {
-    number("vbBlack", 0),
+    long_number("vbBlack", 0),
     long_number("vbRed", 0xff),
     long_number("vbGreen", 0xff00),
     long_number("vbYellow", 0xffff),
@@ -63,7 +63,7 @@ constexpr BuiltinConstant constants[] = {
     number("vbDefaultButton4", 768),
     number("vbApplicationModal", 0),
     number("vbSystemModal", 4096),
-    number("vbMsgBoxHelpButton", 16384),
+    long_number("vbMsgBoxHelpButton", 16384),
     long_number("vbMsgBoxSetForeground", 65536),
     long_number("vbMsgBoxRight", 524288),
     long_number("vbMsgBoxRtlReading", 1048576),

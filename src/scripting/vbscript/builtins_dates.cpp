@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 
 #include "scripting/vbscript/conversions.h"
@@ -63,11 +62,8 @@ Value time(Machine&, Arguments) {
 }
 
 Value timer(Machine&, Arguments) {
-  const auto now = std::chrono::system_clock::now();
-  const auto fraction = now - std::chrono::floor<std::chrono::seconds>(now);
-  const DateParts parts = parts_of(now_serial());
-  const auto seconds = static_cast<double>(parts.hour * 3600 + parts.minute * 60 + parts.second);
-  const double exact = seconds + std::chrono::duration<double>(fraction).count();
+  const LocalTime now = local_time();
+  const double exact = static_cast<double>(now.second) + now.fraction;
   return Value::of(Type::single, static_cast<double>(static_cast<float>(exact)));
 }
 
@@ -121,20 +117,22 @@ Value time_serial(Machine& machine, Arguments arguments) {
   return Value::date(from_linear(static_cast<double>(seconds) / seconds_a_day));
 }
 
-double parsed(Machine& machine, const Value& value) {
-  if (!value.is(Type::string)) return to_date(machine, value);
+// A text or a date; numbers are none here.
+double parsed(Machine& machine, const Value& argument) {
+  const Value value = argument.is(Type::object) ? machine.default_value(argument) : argument;
+  if (value.is(Type::null)) raise(error::null_use);
+  if (value.is(Type::date)) return value.d();
+  if (!value.is(Type::string)) raise(error::type_mismatch);
   const auto serial = parse_date(value.text(), *machine.locale);
   if (!serial) raise(error::type_mismatch);
   return *serial;
 }
 
 Value date_value(Machine& machine, Arguments arguments) {
-  if (arguments[0].is(Type::null)) raise(error::null_use);
   return Value::date(std::trunc(parsed(machine, arguments[0])));
 }
 
 Value time_value(Machine& machine, Arguments arguments) {
-  if (arguments[0].is(Type::null)) raise(error::null_use);
   const double serial = parsed(machine, arguments[0]);
   return Value::date(std::fabs(serial - std::trunc(serial)));
 }

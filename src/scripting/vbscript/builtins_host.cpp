@@ -42,7 +42,9 @@ Value get_object(Machine&, Arguments) {
 }
 
 Value get_ref(Machine& machine, Arguments arguments) {
-  return machine.procedure_reference(Text(machine, arguments[0]));
+  const Value name = arguments[0].is(Type::object) ? machine.default_value(arguments[0]) : arguments[0];
+  if (!name.is(Type::string)) raise(error::type_mismatch);
+  return machine.procedure_reference(name.text());
 }
 
 Value err(Machine& machine, Arguments) {

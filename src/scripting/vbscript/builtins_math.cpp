@@ -53,8 +53,7 @@ Value whole_part(Machine& machine, Arguments arguments) {
 }
 
 Value sgn(Machine& machine, Arguments arguments) {
-  Value value = to_numeric(machine, arguments[0]);
-  if (value.is(Type::null)) return value;
+  const Value value = to_numeric(machine, arguments[0]);
   const double number = to_number(machine, value);
   return Value::integer(number < 0 ? -1 : number > 0 ? 1 : 0);
 }

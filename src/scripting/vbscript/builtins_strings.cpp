@@ -33,10 +33,17 @@ bool ignores_case(Machine& machine, Arguments arguments, std::size_t i) {
   return mode == 1;
 }
 
+HeapText lower(Machine& machine, std::u16string_view text) {
+  HeapText result(text, HeapAllocator<char16_t>(machine.heap));
+  std::transform(result.begin(), result.end(), result.begin(), to_lower);
+  return result;
+}
+
 Value len(Machine& machine, Arguments arguments) {
   Value value = scalar(machine, arguments[0]);
   if (value.is(Type::null)) return value;
-  return Value::long_integer(static_cast<std::int64_t>(Text(machine, value).view().size()));
+  const Ref<String> text = to_string(machine, value);
+  return Value::long_integer(std::int64_t{text->length} - (text->odd != 0 ? 1 : 0));
 }
 
 Value left(Machine& machine, Arguments arguments) {
@@ -88,8 +95,9 @@ Value in_str(Machine& machine, Arguments arguments) {
   const auto from = static_cast<std::size_t>(start - 1);
   if (text.view().empty() || from >= text.view().size()) return Value::long_integer(0);
   if (needle.view().empty()) return Value::long_integer(start);
-  const std::size_t found =
-      ignoring_case ? find_text(lower_cased(text), lower_cased(needle), from) : find_text(text, needle, from);
+  const std::size_t found = ignoring_case
+                                ? find_text(machine.heap, lower(machine, text), lower(machine, needle), from)
+                                : find_text(machine.heap, text, needle, from);
   return Value::long_integer(found == std::u16string_view::npos ? 0 : static_cast<std::int64_t>(found + 1));
 }
 
@@ -109,8 +117,9 @@ Value in_str_rev(Machine& machine, Arguments arguments) {
   const auto length = static_cast<std::int64_t>(needle.view().size());
   if (length > start) return Value::long_integer(0);
   const auto last = static_cast<std::size_t>(start - length);
-  const std::size_t found = ignoring_case ? find_last_text(lower_cased(text), lower_cased(needle), last)
-                                          : find_last_text(text, needle, last);
+  const std::size_t found =
+      ignoring_case ? find_last_text(machine.heap, lower(machine, text), lower(machine, needle), last)
+                    : find_last_text(machine.heap, text, needle, last);
   return Value::long_integer(found == std::u16string_view::npos ? 0 : static_cast<std::int64_t>(found + 1));
 }
 
@@ -137,11 +146,11 @@ Value trim(Machine& machine, Arguments arguments) {
 }
 
 // Where `find` lies in `text`, at most `most` times.
-std::vector<std::size_t> places_of(Machine& machine, std::u16string_view text, std::u16string_view find,
-                                   std::size_t from, std::size_t most) {
-  std::vector<std::size_t> places;
+HeapVector<std::size_t> places_of(Machine& machine, std::u16string_view text, std::u16string_view find,
+                                  std::size_t from, std::size_t most) {
+  HeapVector<std::size_t> places{HeapAllocator<std::size_t>(machine.heap)};
   while (places.size() < most) {
-    const std::size_t found = find_text(text, find, from);
+    const std::size_t found = find_text(machine.heap, text, find, from);
     if (found == text.npos) break;
     places.push_back(found);
     from = found + find.size();
@@ -162,8 +171,8 @@ Value replace(Machine& machine, Arguments arguments) {
       whole.view().substr(std::min(static_cast<std::size_t>(start - 1), whole.view().size()));
   if (find.view().empty() || count == 0) return text_value(machine, text);
   const auto most = count < 0 ? text.npos : static_cast<std::size_t>(count);
-  const std::vector<std::size_t> places =
-      ignoring_case ? places_of(machine, lower_cased(text), lower_cased(find), 0, most)
+  const HeapVector<std::size_t> places =
+      ignoring_case ? places_of(machine, lower(machine, text), lower(machine, find), 0, most)
                     : places_of(machine, text, find, 0, most);
   if (places.empty()) return text_value(machine, text);
   const std::size_t kept = text.size() - places.size() * find.view().size();
@@ -253,11 +262,11 @@ bool stays_as_it_is(char16_t unit) {
 }
 
 Value escape(Machine& machine, Arguments arguments) {
-  Value value = scalar(machine, arguments[0]);
-  if (value.is(Type::null)) return value;
+  const Value value = scalar(machine, arguments[0]);
+  if (value.is(Type::null)) raise(error::null_use);
   const Text text(machine, value);
   constexpr char16_t digits[] = u"0123456789ABCDEF";
-  std::u16string result;
+  HeapText result{HeapAllocator<char16_t>(machine.heap)};
   for (const char16_t unit : text.view()) {
     if (stays_as_it_is(unit)) {
       result += unit;
@@ -284,11 +293,11 @@ bool hexadecimal(std::u16string_view text, std::size_t from, std::size_t count, 
 }
 
 Value unescape(Machine& machine, Arguments arguments) {
-  Value value = scalar(machine, arguments[0]);
-  if (value.is(Type::null)) return value;
+  const Value value = scalar(machine, arguments[0]);
+  if (value.is(Type::null)) raise(error::null_use);
   const Text whole(machine, value);
   const std::u16string_view text = whole;
-  std::u16string result;
+  HeapText result{HeapAllocator<char16_t>(machine.heap)};
   for (std::size_t i = 0; i < text.size(); ++i) {
     char16_t unit = text[i];
     if (unit == u'%' && i + 1 < text.size() && text[i + 1] == u'u' && hexadecimal(text, i + 2, 4, unit)) {

@@ -18,7 +18,9 @@ Value c_bool(Machine& machine, Arguments arguments) {
 }
 
 Value c_byte(Machine& machine, Arguments arguments) {
-  return Value::of(Type::byte, round_to(to_number(machine, arguments[0]), 0, 255));
+  const Value value = scalar(machine, arguments[0]);
+  if (value.is(Type::boolean)) return Value::of(Type::byte, value.i() & 0xff);
+  return Value::of(Type::byte, round_to(to_number(machine, value), 0, 255));
 }
 
 Value c_int(Machine& machine, Arguments arguments) {
@@ -56,9 +58,19 @@ Value is_array(Machine&, Arguments arguments) {
   return Value::boolean(arguments[0].is(Type::array));
 }
 
+// The value of an object, or Null where it has none.
+Value value_or_null(Machine& machine, const Value& value) {
+  if (!value.is(Type::object)) return value;
+  try {
+    return machine.default_value(value);
+  } catch (const Failure& failure) {
+    if (failure.final) throw;
+    return Value::null();
+  }
+}
+
 Value is_date(Machine& machine, Arguments arguments) {
-  const Value value =
-      arguments[0].is(Type::object) && !arguments[0].object() ? Value() : scalar(machine, arguments[0]);
+  const Value value = value_or_null(machine, arguments[0]);
   if (value.is(Type::date)) return Value::boolean(true);
   return Value::boolean(value.is(Type::string) && parse_date(value.text(), *machine.locale).has_value());
 }
@@ -77,15 +89,7 @@ Value is_object(Machine&, Arguments arguments) {
 }
 
 Value is_numeric(Machine& machine, Arguments arguments) {
-  Value value = arguments[0];
-  if (value.is(Type::object)) {
-    try {
-      value = machine.default_value(value);
-    } catch (const Failure& failure) {
-      if (failure.final) throw;
-      return Value::boolean(false);
-    }
-  }
+  const Value value = value_or_null(machine, arguments[0]);
   switch (value.type()) {
     case Type::empty:
     case Type::boolean:

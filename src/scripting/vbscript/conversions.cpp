@@ -42,8 +42,9 @@ std::optional<double> parse_based(std::u16string_view text) {
   raise(error::type_mismatch, description_of(value));
 }
 
-double number_of_text(const Value& value, const Locale& locale) {
-  if (const auto number = parse_number(value.text(), locale)) return *number;
+double number_of_text(Context& context, const Value& value) {
+  context.heap.work(value.text().size());
+  if (const auto number = parse_number(value.text(), *context.locale)) return *number;
   mismatch(value);
 }
 
@@ -184,6 +185,14 @@ double currency_to_double(std::int64_t currency) {
   return static_cast<double>(currency) / static_cast<double>(currency_scale);
 }
 
+std::optional<bool> parse_truth(std::u16string_view text) {
+  for (const bool truth : {true, false}) {
+    if (equal_ignoring_case(text, truth ? u"true" : u"false")) return truth;
+    if (equal_ignoring_case(text, truth ? u"#true#" : u"#false#")) return truth;
+  }
+  return std::nullopt;
+}
+
 double to_number(Context& context, const Value& value) {
   switch (value.type()) {
     case Type::empty:
@@ -200,7 +209,7 @@ double to_number(Context& context, const Value& value) {
     case Type::currency:
       return currency_to_double(value.i());
     case Type::string:
-      return number_of_text(value, *context.locale);
+      return number_of_text(context, value);
     case Type::null:
       raise(error::null_use);
     case Type::object:
@@ -217,7 +226,7 @@ Value to_numeric(Context& context, const Value& value) {
     case Type::empty:
       return Value::integer(0);
     case Type::string:
-      return Value::real(number_of_text(value, *context.locale));
+      return Value::real(number_of_text(context, value));
     case Type::object:
       return to_numeric(context, context.default_value(value));
     case Type::reference:
@@ -256,9 +265,8 @@ bool to_boolean(Context& context, const Value& value) {
     case Type::currency:
       return value.i() != 0;
     case Type::string:
-      if (equal_ignoring_case(value.text(), u"true")) return true;
-      if (equal_ignoring_case(value.text(), u"false")) return false;
-      return number_of_text(value, *context.locale) != 0;
+      if (const auto truth = parse_truth(value.text())) return *truth;
+      return number_of_text(context, value) != 0;
     case Type::object:
       return to_boolean(context, context.default_value(value));
     case Type::reference:

@@ -42,6 +42,8 @@ std::int64_t round_to(double number, double least, double most);
 std::int64_t double_to_currency(double number);
 double currency_to_double(std::int64_t currency);
 
+// True and False, as they are written or as file output has them: #TRUE#.
+std::optional<bool> parse_truth(std::u16string_view text);
 std::optional<double> parse_number(std::u16string_view text, const Locale& locale);
 
 std::u16string number_text(double number, int digits, const Locale& locale);

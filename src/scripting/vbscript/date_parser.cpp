@@ -103,9 +103,11 @@ class DateReader {
   }
 
   bool read_separator() {
+    const bool after_word = position_ > 0 && is_letter(text_[position_ - 1]);
     const char16_t unit = text_[position_++];
-    return (unit == u'/' || unit == u'-' || unit == u'.' || unit == u',') &&
-           (!numbers_.empty() || month_ != 0);
+    // Points stand between numbers only where the country writes them; else they end an abbreviation.
+    const bool point = unit == u'.' && (after_word || locale_.date_separator == u'.');
+    return (unit == u'/' || unit == u'-' || unit == u',' || point) && (!numbers_.empty() || month_ != 0);
   }
 
   bool read_word() {

@@ -95,12 +95,23 @@ std::int64_t days_in_month(std::int64_t year, std::int64_t month) {
   return month == 2 && leap ? 29 : lengths[month - 1];
 }
 
-double now_serial() {
-  const std::time_t now = std::time(nullptr);
+LocalTime local_time() {
+  // One reading of one clock: two of them may lie on both sides of a full second.
+  const auto now = std::chrono::system_clock::now();
+  const auto whole = std::chrono::floor<std::chrono::seconds>(now);
+  const std::time_t clock = std::chrono::system_clock::to_time_t(whole);
   std::tm local{};
-  localtime_r(&now, &local);
-  const auto days = day_serial(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
-  return joined(days.value_or(0), local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec);
+  localtime_r(&clock, &local);
+  LocalTime result;
+  result.day = day_serial(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday).value_or(0);
+  result.second = local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
+  result.fraction = std::chrono::duration<double>(now - whole).count();
+  return result;
+}
+
+double now_serial() {
+  const LocalTime now = local_time();
+  return joined(now.day, now.second);
 }
 
 std::u16string short_date_text(double serial, const Locale& locale) {

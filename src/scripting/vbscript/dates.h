@@ -31,6 +31,13 @@ double linear(double serial);
 double from_linear(double days);
 
 std::int64_t days_in_month(std::int64_t year, std::int64_t month);
+// The clock, read once.
+struct LocalTime {
+  double day = 0;           // as a serial
+  std::int64_t second = 0;  // of the day
+  double fraction = 0;      // of the second
+};
+LocalTime local_time();
 double now_serial();
 
 // The general form: "1/2/2020 3:04:05 PM", without the part that is zero.

@@ -42,7 +42,21 @@ Heap::~Heap() {
 
 void Heap::charge(std::size_t bytes) {
   if (bytes > limit_ || used_ > limit_ - bytes) raise(error::out_of_memory);
+  if (bytes > largest_small) work(bytes);
   used_ += bytes;
+}
+
+void Heap::check_work() {
+  work_ = 0;
+  if (meter_) meter_->check_time();
+}
+
+std::size_t Heap::roomy_length(std::size_t length) const {
+  const std::size_t wanted = length < 32 ? 32 : length + length / 2;
+  const std::size_t free_units = limit_ > used_ ? (limit_ - used_) / sizeof(char16_t) : 0;
+  // Something is left to others, so that what works on the string finds room, too.
+  const std::size_t spare = free_units > length ? (free_units - length) / 2 : 0;
+  return std::min({wanted, std::max(string_limit_, length), length + spare});
 }
 
 void* Heap::allocate(std::size_t bytes) {
@@ -94,9 +108,17 @@ Ref<String> Heap::blank_string(std::size_t length) {
   string->heap = this;
   string->references = 1;
   string->length = static_cast<std::uint32_t>(length);
-  string->capacity = static_cast<std::uint32_t>(length);
+  string->capacity = static_cast<std::uint32_t>(length) & 0x7fffffffU;
+  string->odd = 0;
   string->hash = 0;
   return Ref<String>::adopt(string);
+}
+
+Ref<String> Heap::byte_string(std::size_t bytes) {
+  Ref<String> string = blank_string((bytes + 1) / sizeof(char16_t));
+  string->odd = bytes % sizeof(char16_t) != 0 ? 1 : 0;
+  if (string->odd != 0) string->units()[string->length - 1] = 0;
+  return string;
 }
 
 Ref<String> Heap::string(std::u16string_view text) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -53,6 +54,15 @@ class Ref {
   T* pointer_ = nullptr;
 };
 
+// Told when much work was done; raises when the time is over.
+class WorkMeter {
+ public:
+  virtual void check_time() = 0;
+
+ protected:
+  ~WorkMeter() = default;
+};
+
 // The memory of one engine: counted against a limit, small blocks from free lists. Objects whose last
 // reference goes are destroyed one after the other, never one inside the other, however long the chain;
 // those that have a Class_Terminate wait in `terminations` for the machine.
@@ -63,6 +73,13 @@ class Heap {
   Heap(const Heap&) = delete;
   Heap& operator=(const Heap&) = delete;
 
+  // From now on; what is held already stays.
+  void set_limits(std::size_t limit, std::size_t string_limit) {
+    limit_ = limit;
+    string_limit_ = string_limit;
+  }
+  void set_meter(WorkMeter* meter) { meter_ = meter; }
+
   // Raises error 7 when the limit is reached.
   void* allocate(std::size_t bytes);
   void deallocate(void* block, std::size_t bytes) noexcept;
@@ -70,10 +87,23 @@ class Heap {
   void charge(std::size_t bytes);
   void refund(std::size_t bytes) noexcept { used_ -= bytes; }
   std::size_t used() const { return used_; }
+  std::size_t string_limit() const { return string_limit_; }
+
+  // Counts bytes that are copied, filled or scanned, so that the clock is looked at by the work done and
+  // not only by instructions: one of them may take a second. What is allocated counts by itself.
+  void work(std::size_t bytes) {
+    work_ += bytes;
+    if (work_ >= work_between_checks) check_work();
+  }
+  // The most units that a string of `length` which grows should have room for: half as much again, as far
+  // as the limits allow.
+  std::size_t roomy_length(std::size_t length) const;
 
   Ref<String> string(std::u16string_view text);
   // Room for `length` units, which the caller fills. Raises error 14 when it is too long.
   Ref<String> blank_string(std::size_t length);
+  // Room for bytes, the low one of each unit first; an odd last one has a unit of its own.
+  Ref<String> byte_string(std::size_t bytes);
   void check_string_length(std::size_t length) const;
   const Ref<String>& empty_string() const { return empty_; }
   // One unit; those of Latin-1 are kept.
@@ -115,14 +145,18 @@ class Heap {
   Object* first_object() const { return objects_; }
 
  private:
+  static constexpr std::size_t work_between_checks = std::size_t{4} << 20;
   static constexpr std::size_t largest_small = 512;
   static constexpr std::size_t granule = 16;
 
   void drop(Container* container) noexcept;
   void destroy(Container* container) noexcept;
   void* refill(std::size_t size_class);
+  void check_work();
 
   std::size_t used_ = 0;
+  std::size_t work_ = 0;
+  WorkMeter* meter_ = nullptr;
   std::size_t limit_;
   std::size_t string_limit_;
   void* free_[largest_small / granule + 1] = {};
@@ -138,5 +172,41 @@ class Heap {
   Ref<String> empty_;
   Ref<String> units_[256];
 };
+
+// For containers that work on a heap's account: they raise its error 7 instead of growing beyond the limit.
+template <class T>
+class HeapAllocator {
+ public:
+  using value_type = T;
+  explicit HeapAllocator(Heap& heap) noexcept : heap_(&heap) {}
+  template <class U>
+  HeapAllocator(const HeapAllocator<U>& other) noexcept : heap_(&other.heap()) {}  // NOLINT
+
+  T* allocate(std::size_t count) {
+    heap_->charge(count * sizeof(T));
+    try {
+      return std::allocator<T>().allocate(count);
+    } catch (...) {
+      heap_->refund(count * sizeof(T));
+      throw;
+    }
+  }
+  void deallocate(T* block, std::size_t count) noexcept {
+    heap_->refund(count * sizeof(T));
+    std::allocator<T>().deallocate(block, count);
+  }
+  Heap& heap() const { return *heap_; }
+  template <class U>
+  bool operator==(const HeapAllocator<U>& other) const {
+    return heap_ == &other.heap();
+  }
+
+ private:
+  Heap* heap_;
+};
+
+template <class T>
+using HeapVector = std::vector<T, HeapAllocator<T>>;
+using HeapText = std::basic_string<char16_t, std::char_traits<char16_t>, HeapAllocator<char16_t>>;
 
 }  // namespace zrl::vbs

@@ -1,7 +1,6 @@
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/errors.h"
 #include "scripting/vbscript/operators.h"
-#include "scripting/vbscript/unicode.h"
 
 namespace zrl::vbs {
 
@@ -28,8 +27,7 @@ Bits bits_of(Context& context, const Value& value) {
     case Type::long_integer:
       return {actual.type(), actual.i()};
     case Type::string:
-      if (equal_ignoring_case(actual.text(), u"true")) return {Type::boolean, -1};
-      if (equal_ignoring_case(actual.text(), u"false")) return {Type::boolean, 0};
+      if (const auto truth = parse_truth(actual.text())) return {Type::boolean, *truth ? -1 : 0};
       return {Type::long_integer, to_long(context, actual)};
     default:
       return {Type::long_integer, to_long(context, actual)};
@@ -67,18 +65,18 @@ Value with_null(Operator op, const Bits& left, const Bits& right) {
   const bool left_null = left.type == Type::null;
   const bool right_null = right.type == Type::null;
   const Bits& known = left_null ? right : left;
-  const std::int64_t all = known.type == Type::byte ? 0xff : -1;
   switch (op) {
     case Operator::and_:
       if (!(left_null && right_null) && known.bits == 0) return result(known.type, 0);
       break;
     case Operator::or_:
-      if (!(left_null && right_null) && known.bits == all) return result(known.type, all);
+      if (known.bits != 0) return result(known.type, known.bits);
       break;
     case Operator::imp:
-      if (right_null && !left_null) {
-        const std::int64_t inverse = left.type == Type::byte ? ~left.bits & 0xff : ~left.bits;
-        if (inverse == all) return result(left.type, all);
+      // Not left Or right.
+      if (!left_null) {
+        const Value inverse = result(left.type, ~left.bits);
+        if (inverse.i() != 0) return inverse;
       }
       if (left_null && !right_null && right.bits != 0) return result(right.type, right.bits);
       break;

@@ -64,6 +64,7 @@ Dictionary::~Dictionary() {
 
 std::uint32_t Dictionary::hash_of(const Value& key) const {
   if (key.is(Type::string)) {
+    heap->work(key.text().size());
     if (ignores_case_) return hash_text(lower_cased(key.text()));
     String* string = key.string();
     if (string->hash == 0) string->hash = hash_text(string->view());

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "scripting/vbscript/errors.h"
+#include "scripting/vbscript/machine.h"
 #include "scripting/vbscript/unicode.h"
 
 namespace zrl::vbs {
@@ -32,6 +33,9 @@ Value use_member(Machine& machine, NativeObject& object, std::u16string_view low
   const std::size_t count = arguments.size() - (writes ? 1 : 0);
   if (count < member->least || (count > member->most && member->most != any_number)) {
     raise(error::argument_count, std::u16string(shown_name));
+  }
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (arguments[i].is(Type::string)) machine.heap.work(arguments[i].string()->length);
   }
   return member->function(machine, object, use, arguments);
 }
