@@ -6,19 +6,31 @@
 #include <string>
 #include <vector>
 
+#include "scripting/vbscript/symbols.h"
 #include "scripting/vbscript/token.h"
+#include "scripting/vbscript/value.h"
 
 // What the parser makes and the compiler reads. Nodes live in the arena of their text.
 namespace zrl::vbs {
 
 class Arena {
  public:
+  // What it holds is charged to the heap.
+  explicit Arena(Heap& heap) : chunks_(HeapAllocator<Chunk>(heap)), heap_(heap) {}
+  ~Arena();
+  Arena(const Arena&) = delete;
+  Arena& operator=(const Arena&) = delete;
+
   template <class T>
   T* make() {
     return new (take(sizeof(T))) T();
   }
   template <class T>
-  std::span<T> copy(const std::vector<T>& items) {
+  HeapVector<T> list() const {
+    return HeapVector<T>{HeapAllocator<T>(heap_)};
+  }
+  template <class T>
+  std::span<T> copy(const HeapVector<T>& items) {
     T* first = static_cast<T*>(take(items.size() * sizeof(T)));  // NOLINT(bugprone-sizeof-expression)
     std::uninitialized_copy(items.begin(), items.end(), first);
     return {first, items.size()};
@@ -26,7 +38,13 @@ class Arena {
 
  private:
   void* take(std::size_t bytes);
-  std::vector<std::unique_ptr<std::byte[]>> chunks_;
+
+  struct Chunk {
+    std::unique_ptr<std::byte[]> block;
+    std::size_t bytes = 0;
+  };
+  HeapVector<Chunk> chunks_;
+  Heap& heap_;
   std::byte* next_ = nullptr;
   std::size_t left_ = 0;
 };
@@ -76,10 +94,12 @@ enum class Operator : std::uint8_t {
   power,
 };
 
+// Names and literals are most of a text: what they need not have stands in InnerExpr.
 struct Expr {
   ExprKind kind = ExprKind::empty;
   Operator op = Operator::imp;
   bool parenthesised = false;
+  bool inner = false;       // an InnerExpr
   std::uint16_t depth = 1;  // of the tree below; operators and members in a row count once
   std::uint16_t chain = 0;  // how many of them there are
   std::uint32_t offset = 0;
@@ -89,10 +109,28 @@ struct Expr {
     double number;
     std::uint32_t string;
   };
-  Expr* left = nullptr;
-  Expr* right = nullptr;
-  std::span<Expr*> arguments;
+
+  // Null, or none, where the kind has none.
+  Expr* left() const;
+  Expr* right() const;
+  std::span<Expr*> arguments() const;
 };
+
+struct InnerExpr : Expr {
+  Expr* left_part = nullptr;
+  Expr* right_part = nullptr;
+  std::span<Expr*> list;
+};
+
+inline Expr* Expr::left() const {
+  return inner ? static_cast<const InnerExpr*>(this)->left_part : nullptr;
+}
+inline Expr* Expr::right() const {
+  return inner ? static_cast<const InnerExpr*>(this)->right_part : nullptr;
+}
+inline std::span<Expr*> Expr::arguments() const {
+  return inner ? static_cast<const InnerExpr*>(this)->list : std::span<Expr*>();
+}
 
 enum class StmtKind : std::uint8_t {
   expression_call,  // target: the callee; arguments
@@ -139,6 +177,15 @@ struct ConstDecl {
   Expr* value = nullptr;
 };
 
+// What assignments and calls, which most statements are, do without.
+struct StmtParts {
+  Expr* to = nullptr;
+  Expr* step = nullptr;
+  std::span<Branch> branches;
+  std::span<VariableDecl> declarations;
+  Block body;
+};
+
 struct Stmt {
   StmtKind kind = StmtKind::nothing;
   bool flag = false;    // preserve; until
@@ -147,12 +194,13 @@ struct Stmt {
   std::uint32_t end_offset = 0;  // of the line that closes the block
   Expr* target = nullptr;
   Expr* value = nullptr;
-  Expr* to = nullptr;
-  Expr* step = nullptr;
+  StmtParts* more = nullptr;
   std::span<Expr*> arguments;
-  std::span<Branch> branches;
-  std::span<VariableDecl> declarations;
-  Block body;
+
+  const StmtParts& parts() const {
+    static const StmtParts none;
+    return more ? *more : none;
+  }
 };
 
 struct Parameter {
@@ -174,7 +222,7 @@ struct ProcDecl {
   std::vector<Parameter> parameters;
   std::vector<VariableDecl> variables;
   std::vector<ConstDecl> constants;
-  std::vector<Stmt*> body;
+  Block body;
 };
 
 struct ClassDecl {
@@ -186,8 +234,10 @@ struct ClassDecl {
 
 // A parsed text.
 struct Ast {
+  explicit Ast(Heap& heap) : arena(heap), strings(HeapAllocator<Ref<String>>(heap)) {}
+
   Arena arena;
-  std::vector<std::u16string> strings;
+  HeapVector<Ref<String>> strings;
   bool option_explicit = false;
   ProcDecl main;
   std::vector<std::unique_ptr<ProcDecl>> procedures;

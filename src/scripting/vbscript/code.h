@@ -75,6 +75,11 @@ struct Subject {
 };
 
 struct Proc {
+  explicit Proc(Heap& heap)
+      : code(HeapAllocator<Instr>(heap)),
+        places(HeapAllocator<Place>(heap)),
+        subjects(HeapAllocator<Subject>(heap)) {}
+
   Module* module = nullptr;
   ProcKind kind = ProcKind::main;
   SymbolId symbol = Symbols::none;
@@ -88,9 +93,9 @@ struct Proc {
   std::uint32_t first_temp = 0;
   std::uint64_t by_value = 0;  // of the first 64 parameters; all others are looked up
   std::vector<Parameter> parameter_list;
-  std::vector<Instr> code;
-  std::vector<Place> places;
-  std::vector<Subject> subjects;  // by pc
+  HeapVector<Instr> code;
+  HeapVector<Place> places;
+  HeapVector<Subject> subjects;  // by pc
   std::vector<Binding> implicit;
   std::vector<Binding> locals;  // names for Execute and Eval
   const Value* constants = nullptr;
@@ -143,6 +148,10 @@ struct Module {
   Proc* main = nullptr;
   bool option_explicit = false;
   std::size_t charged = 0;  // bytes, at the heap
+  // Of a text that Execute or its kin ran: the text of a file that did so, and the place of the statement.
+  // Files outlive what they run.
+  const Module* origin = nullptr;
+  std::uint32_t origin_offset = 0;
 };
 
 // What a name means in the global name space.

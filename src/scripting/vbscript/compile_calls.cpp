@@ -6,9 +6,9 @@ namespace zrl::vbs {
 
 // Whether the expression calls what a variable holds, an array say.
 bool ProcedureCompiler::indexes_variable(const Expr& expr) const {
-  if (expr.kind != ExprKind::call || expr.left->kind != ExprKind::name) return false;
-  const Meaning known = meaning(expr.left->symbol);
-  if (is_own_name(known, expr.left->symbol)) return false;
+  if (expr.kind != ExprKind::call || expr.left()->kind != ExprKind::name) return false;
+  const Meaning known = meaning(expr.left()->symbol);
+  if (is_own_name(known, expr.left()->symbol)) return false;
   return known.kind == Meaning::Kind::local || known.kind == Meaning::Kind::variable ||
          known.kind == Meaning::Kind::global || known.kind == Meaning::Kind::field;
 }
@@ -46,8 +46,8 @@ Register ProcedureCompiler::invoke(const Expr& callee, std::span<Expr*> list, st
     invoke_name(callee, list, window);
   } else if (callee.kind == ExprKind::member) {
     // The object itself, not the variable: that may change while the arguments are evaluated.
-    if (callee.left) {
-      into(*callee.left, window);
+    if (callee.left()) {
+      into(*callee.left(), window);
     } else {
       code_.emit(Op::copy, window, object_of(callee));
     }
@@ -185,13 +185,13 @@ void ProcedureCompiler::refer_index(const Expr& expr, Register target) {
     locks_.pop_back();
   }
   const std::size_t outer_locks = locks_.size();
-  const std::size_t inner = locks_of(expr.arguments);
+  const std::size_t inner = locks_of(expr.arguments());
   for (std::size_t i = 0; i < inner; ++i) locks_.push_back(code_.temp());
   const Register window = inner == 0 && target + std::size_t{1} == code_.top() ? target : code_.temp();
-  reference_into(*expr.left, window);
-  arguments(expr.arguments, true);
-  subject_of_index(*expr.left, expr.arguments.size() == 1 ? expr.arguments[0] : nullptr);
-  code_.emit(Op::refer_index, window, static_cast<std::uint32_t>(expr.arguments.size()), lock);
+  reference_into(*expr.left(), window);
+  arguments(expr.arguments(), true);
+  subject_of_index(*expr.left(), expr.arguments().size() == 1 ? expr.arguments()[0] : nullptr);
+  code_.emit(Op::refer_index, window, static_cast<std::uint32_t>(expr.arguments().size()), lock);
   locks_.resize(outer_locks);
   code_.holds(lock);
   code_.holds(window);

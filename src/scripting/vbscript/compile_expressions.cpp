@@ -65,17 +65,17 @@ bool ProcedureCompiler::constant_operand(const Expr& expr, std::uint32_t& index)
     case ExprKind::number:
     case ExprKind::date:
     case ExprKind::boolean:
-      index = shared_.constants.number(constant_value(expr, shared_.ast, context_.heap));
+      index = shared_.constants.number(constant_value(expr, shared_.ast));
       return true;
     case ExprKind::string:
       index = shared_.constants.literal(expr.string);
       return true;
     case ExprKind::negate:
-      if (expr.left->kind != ExprKind::integer && expr.left->kind != ExprKind::long_int &&
-          expr.left->kind != ExprKind::number) {
+      if (expr.left()->kind != ExprKind::integer && expr.left()->kind != ExprKind::long_int &&
+          expr.left()->kind != ExprKind::number) {
         return false;
       }
-      index = shared_.constants.number(constant_value(expr, shared_.ast, context_.heap));
+      index = shared_.constants.number(constant_value(expr, shared_.ast));
       return true;
     case ExprKind::name: {
       const Meaning known = meaning(expr.symbol);
@@ -166,7 +166,7 @@ void ProcedureCompiler::into(const Expr& expr, Register target) {
     case ExprKind::string:
       return load_constant(shared_.constants.literal(expr.string), target);
     default:
-      return load(constant_value(expr, shared_.ast, context_.heap), target);
+      return load(constant_value(expr, shared_.ast), target);
   }
 }
 
@@ -206,7 +206,7 @@ void ProcedureCompiler::name_into(const Expr& expr, Register target) {
 
 void ProcedureCompiler::unary_into(Op op, const Expr& expr, Register target) {
   const std::size_t top = code_.top();
-  const Register value = operand(*expr.left);
+  const Register value = operand(*expr.left());
   code_.emit(op, target, value);
   code_.release_to(top);
 }
@@ -219,7 +219,7 @@ void ProcedureCompiler::binary_into(const Expr& expr, Register target) {
   const auto leans = [](const Expr& left) {
     return left.kind == ExprKind::binary && left.op != Operator::concat;
   };
-  while (leans(*chain.back()->left)) chain.push_back(chain.back()->left);
+  while (leans(*chain.back()->left())) chain.push_back(chain.back()->left());
   std::optional<Register> left;
   while (chain.size() > 1) {
     const Register result = left ? *left : code_.temp();
@@ -269,12 +269,12 @@ void ProcedureCompiler::operator_into(const Expr& expr, std::optional<Register> 
 void ProcedureCompiler::arithmetic_into(Op op, Op with_constant, const Expr& expr,
                                         std::optional<Register> known_left, Register target) {
   const std::size_t top = code_.top();
-  const Register left = known_left ? *known_left : operand(*expr.left);
+  const Register left = known_left ? *known_left : operand(*expr.left());
   std::uint32_t index = 0;
-  if (with_constant != op && constant_operand(*expr.right, index) && index <= widest_operand) {
+  if (with_constant != op && constant_operand(*expr.right(), index) && index <= widest_operand) {
     code_.emit(with_constant, target, left, index);
   } else {
-    const Register right = operand(*expr.right);
+    const Register right = operand(*expr.right());
     code_.emit(op, target, left, right);
   }
   code_.release_to(top);
@@ -283,18 +283,18 @@ void ProcedureCompiler::arithmetic_into(Op op, Op with_constant, const Expr& exp
 void ProcedureCompiler::comparison_into(const Expr& expr, std::optional<Register> known_left,
                                         Register target) {
   const std::size_t top = code_.top();
-  const bool left_literal = !known_left && is_literal(*expr.left);
-  const bool right_literal = is_literal(*expr.right);
+  const bool left_literal = !known_left && is_literal(*expr.left());
+  const bool right_literal = is_literal(*expr.right());
   std::uint32_t index = 0;
-  if (right_literal && !left_literal && constant_operand(*expr.right, index) && index <= widest_operand) {
-    const Register left = known_left ? *known_left : operand(*expr.left);
+  if (right_literal && !left_literal && constant_operand(*expr.right(), index) && index <= widest_operand) {
+    const Register left = known_left ? *known_left : operand(*expr.left());
     code_.emit(offset_op(Op::equal_k, expr.op), target, left, index);
-  } else if (left_literal && !right_literal && constant_operand(*expr.left, index) &&
+  } else if (left_literal && !right_literal && constant_operand(*expr.left(), index) &&
              index <= widest_operand) {
-    code_.emit(offset_op(Op::equal_k, mirrored(expr.op)), target, operand(*expr.right), index);
+    code_.emit(offset_op(Op::equal_k, mirrored(expr.op)), target, operand(*expr.right()), index);
   } else {
-    const Register left = known_left ? *known_left : operand(*expr.left);
-    const Register right = operand(*expr.right);
+    const Register left = known_left ? *known_left : operand(*expr.left());
+    const Register right = operand(*expr.right());
     const std::int64_t literals = (left_literal ? 1 : 0) | (right_literal ? 2 : 0);
     if (literals == 0) {
       code_.emit(offset_op(Op::equal, expr.op), target, left, right);
@@ -313,8 +313,8 @@ void ProcedureCompiler::concat_into(const Expr& expr, Register target) {
   const Expr* left = &expr;
   while (left->kind == ExprKind::binary && left->op == Operator::concat &&
          (left == &expr || !left->parenthesised)) {
-    parts.push_back(left->right);
-    left = left->left;
+    parts.push_back(left->right());
+    left = left->left();
   }
   parts.push_back(left);
   const Register first = code_.temp();
@@ -329,7 +329,7 @@ void ProcedureCompiler::concat_into(const Expr& expr, Register target) {
 
 // A register with the object of `object.member`: of the innermost With where nothing stands there.
 Register ProcedureCompiler::object_of(const Expr& member) {
-  if (member.left) return reference_or_value(*member.left);
+  if (member.left()) return reference_or_value(*member.left());
   if (withs_.empty()) {
     const Register none = code_.temp();
     code_.emit_extended(Op::fail, error::unqualified_reference, 0, 0, 0);
@@ -342,8 +342,8 @@ Register ProcedureCompiler::object_of(const Expr& member) {
 void ProcedureCompiler::member_into(const Expr& expr, Register target) {
   const std::size_t top = code_.top();
   std::vector<const Expr*> chain{&expr};
-  while (chain.back()->left && chain.back()->left->kind == ExprKind::member) {
-    chain.push_back(chain.back()->left);
+  while (chain.back()->left() && chain.back()->left()->kind == ExprKind::member) {
+    chain.push_back(chain.back()->left());
   }
   Register object = object_of(*chain.back());
   while (!chain.empty()) {
@@ -360,7 +360,7 @@ void ProcedureCompiler::member_into(const Expr& expr, Register target) {
 void ProcedureCompiler::call_into(const Expr& expr, Register target) {
   if (index_into(expr, target)) return;
   const std::size_t top = code_.top();
-  const Register result = invoke(*expr.left, expr.arguments, target);
+  const Register result = invoke(*expr.left(), expr.arguments(), target);
   if (result != target) code_.emit(Op::take, target, result);
   code_.release_to(top);
   code_.holds(target);
@@ -368,13 +368,14 @@ void ProcedureCompiler::call_into(const Expr& expr, Register target) {
 
 // variable(index)
 bool ProcedureCompiler::index_into(const Expr& expr, Register target) {
-  if (expr.arguments.size() != 1 || !indexes_variable(expr) || expr.arguments[0]->kind == ExprKind::missing) {
+  if (expr.arguments().size() != 1 || !indexes_variable(expr) ||
+      expr.arguments()[0]->kind == ExprKind::missing) {
     return false;
   }
   const std::size_t top = code_.top();
-  const Register array = reference_or_value(*expr.left);
-  const Register index = operand(*expr.arguments[0]);
-  subject_of_index(*expr.left, expr.arguments[0]);
+  const Register array = reference_or_value(*expr.left());
+  const Register index = operand(*expr.arguments()[0]);
+  subject_of_index(*expr.left(), expr.arguments()[0]);
   code_.emit(Op::index, target, array, index);
   code_.release_to(top);
   code_.holds(target);
@@ -385,8 +386,8 @@ bool ProcedureCompiler::index_into(const Expr& expr, Register target) {
 void ProcedureCompiler::condition(const Expr& expr, Label& unless) {
   const std::size_t top = code_.top();
   std::uint32_t index = 0;
-  const Expr* left = expr.left;
-  const Expr* right = expr.right;
+  const Expr* left = expr.left();
+  const Expr* right = expr.right();
   Operator op = expr.op;
   bool direct = is_comparison(expr);
   bool with_constant = false;

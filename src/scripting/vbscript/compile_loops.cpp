@@ -19,7 +19,7 @@ void ProcedureCompiler::do_loop(const Stmt& stmt) {
     code_.bind(stay);
   };
   if (stmt.value && !stmt.at_end) test(exit);
-  block(stmt.body);
+  block(stmt.parts().body);
   code_.place(stmt.end_offset);
   if (stmt.value && stmt.at_end) test(exit);
   code_.jump(Op::loop, 0, start);
@@ -45,9 +45,9 @@ void ProcedureCompiler::for_loop(const Stmt& stmt) {
   code_.emit(Op::clear, base, 2);
   const Register from = code_.temp();
   into(*stmt.value, from);
-  into(*stmt.to, base);
-  if (stmt.step) {
-    into(*stmt.step, static_cast<Register>(base + 1));
+  into(*stmt.parts().to, base);
+  if (stmt.parts().step) {
+    into(*stmt.parts().step, static_cast<Register>(base + 1));
   } else {
     load(Value::integer(1), static_cast<Register>(base + 1));
   }
@@ -58,7 +58,7 @@ void ProcedureCompiler::for_loop(const Stmt& stmt) {
   code_.release_to(code_.kept());
   loops_.push_back({true, &exit});
   code_.bind(body);
-  block(stmt.body);
+  block(stmt.parts().body);
   code_.place(stmt.end_offset);
   code_.jump_extended(Op::for_next, variable, base, 0, body);
   code_.bind(exit);
@@ -82,7 +82,7 @@ void ProcedureCompiler::for_each(const Stmt& stmt) {
   loops_.push_back({true, &exit});
   code_.jump(Op::jump, 0, next);
   code_.bind(body);
-  block(stmt.body);
+  block(stmt.parts().body);
   code_.place(stmt.end_offset);
   code_.bind(next);
   code_.jump_extended(Op::each_next, variable, base, 0, body);
@@ -104,7 +104,7 @@ void ProcedureCompiler::with(const Stmt& stmt) {
   code_.end_statement();
   code_.release_to(top);
   withs_.push_back(object);
-  block(stmt.body);
+  block(stmt.parts().body);
   withs_.pop_back();
   code_.place(stmt.end_offset);
   code_.emit(Op::clear, object, 1);

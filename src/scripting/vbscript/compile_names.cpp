@@ -56,7 +56,7 @@ void ProcedureCompiler::declare_constants() {
     if (locals_.count(context_.symbols.canonical(constant.symbol)) != 0) {
       throw CompileFailure{error::name_redefined, constant.offset};
     }
-    const Value value = constant_value(*constant.value, shared_.ast, context_.heap);
+    const Value value = constant_value(*constant.value, shared_.ast);
     add_local(constant.symbol, {Meaning::Kind::constant, shared_.constants.add(value), Builtins::Kind::none});
   }
 }
@@ -84,9 +84,9 @@ void ProcedureCompiler::scan(const Expr* expr, NameUse use) {
   while (expr) {
     if (expr->kind == ExprKind::name) note_name(expr->symbol, use);
     use = expr->kind == ExprKind::call ? NameUse::called : NameUse::read;
-    if (!expr->arguments.empty()) scan_arguments(expr->arguments);
-    if (expr->right) scan(expr->right, NameUse::read);
-    expr = expr->left;
+    if (!expr->arguments().empty()) scan_arguments(expr->arguments());
+    if (expr->right()) scan(expr->right(), NameUse::read);
+    expr = expr->left();
   }
 }
 
@@ -98,20 +98,20 @@ void ProcedureCompiler::scan(const Stmt& stmt) {
   const bool assigns = stmt.kind == StmtKind::let || stmt.kind == StmtKind::set ||
                        stmt.kind == StmtKind::for_ || stmt.kind == StmtKind::for_each;
   scan(stmt.target, assigns ? NameUse::assigned : NameUse::called);
-  for (const Expr* expr : {stmt.value, stmt.to, stmt.step}) scan(expr, NameUse::read);
+  for (const Expr* expr : {stmt.value, stmt.parts().to, stmt.parts().step}) scan(expr, NameUse::read);
   scan_arguments(stmt.arguments);
-  for (const Branch& branch : stmt.branches) {
+  for (const Branch& branch : stmt.parts().branches) {
     scan(branch.condition, NameUse::read);
     for (const Expr* test : branch.tests) scan(test, NameUse::read);
     scan(branch.body);
   }
   if (stmt.kind == StmtKind::redim) {
-    for (const VariableDecl& variable : stmt.declarations) {
+    for (const VariableDecl& variable : stmt.parts().declarations) {
       note_name(variable.symbol, NameUse::dimensioned);
       for (const Expr* bound : variable.bounds) scan(bound, NameUse::read);
     }
   }
-  scan(stmt.body);
+  scan(stmt.parts().body);
 }
 
 // Names without a declaration become variables: of the text's top level, or of the procedure. Where all are

@@ -47,16 +47,16 @@ namespace {
 
 std::uint32_t start_of(const Expr& expr) {
   const Expr* first = &expr;
-  while (first->left && (first->kind == ExprKind::member || first->kind == ExprKind::call))
-    first = first->left;
+  while (first->left() && (first->kind == ExprKind::member || first->kind == ExprKind::call))
+    first = first->left();
   return first->offset;
 }
 
 }  // namespace
 
 void ProcedureCompiler::subject_of_member(const Expr& member) {
-  if (!member.left) return;
-  const std::uint32_t start = start_of(*member.left);
+  if (!member.left()) return;
+  const std::uint32_t start = start_of(*member.left());
   code_.subject(true, {start, member.offset - start}, {});
 }
 
@@ -170,8 +170,8 @@ bool ProcedureCompiler::append_to(const Expr& target, const Expr& value) {
   std::vector<Expr*> rest;
   while (first->kind == ExprKind::binary && first->op == Operator::concat &&
          (first == &value || !first->parenthesised)) {
-    rest.push_back(first->right);
-    first = first->left;
+    rest.push_back(first->right());
+    first = first->left();
   }
   if (first->kind != ExprKind::name ||
       context_.symbols.canonical(first->symbol) != context_.symbols.canonical(target.symbol)) {
@@ -260,27 +260,28 @@ void ProcedureCompiler::variable_reference(const Expr& target, Register target_r
 
 // callee(arguments) = value
 void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool set) {
-  const Expr& callee = *target.left;
+  const Expr& callee = *target.left();
   if (callee.kind == ExprKind::member) {
-    return assign_member(callee, callee.symbol, target.arguments, value, set);
+    return assign_member(callee, callee.symbol, target.arguments(), value, set);
   }
   const bool of_variable = indexes_variable(target) || is_own_result(callee);
-  if (of_variable && !set && target.arguments.size() == 1 && target.arguments[0]->kind != ExprKind::missing) {
+  if (of_variable && !set && target.arguments().size() == 1 &&
+      target.arguments()[0]->kind != ExprKind::missing) {
     const Register array = reference_or_value(callee);
     std::uint32_t constant = 0;
     if (constant_operand(value, constant) && constant <= 0xffff) {
-      const Register index = operand(*target.arguments[0]);
-      subject_of_index(callee, target.arguments[0]);
+      const Register index = operand(*target.arguments()[0]);
+      subject_of_index(callee, target.arguments()[0]);
       code_.emit(Op::let_index_k, array, index, constant);
       return;
     }
     const Register from = operand(value);
-    const Register index = operand(*target.arguments[0]);
-    subject_of_index(callee, target.arguments[0]);
+    const Register index = operand(*target.arguments()[0]);
+    subject_of_index(callee, target.arguments()[0]);
     code_.emit(Op::let_index, array, index, from);
     return;
   }
-  const std::size_t count = target.arguments.size();
+  const std::size_t count = target.arguments().size();
   if (callee.kind == ExprKind::name && !of_variable) {
     const Meaning known = meaning(callee.symbol);
     if (known.kind == Meaning::Kind::own_member || (known.kind == Meaning::Kind::local && own_class_)) {
@@ -288,7 +289,7 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
       into(value, static_cast<Register>(window + count + 1));
       const std::size_t after = code_.top();
       for (std::size_t i = 0; i < count; ++i) {
-        into(*target.arguments[i], static_cast<Register>(window + 1 + i));
+        into(*target.arguments()[i], static_cast<Register>(window + 1 + i));
         code_.release_to(after);
       }
       code_.emit_extended(Op::put_own, window, static_cast<std::uint32_t>(count), set ? 1 : 0, callee.symbol);
@@ -323,7 +324,7 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
   into(value, static_cast<Register>(window + count + 1));
   code_.holds(window + count + 1);
   for (std::size_t i = 0; i < count; ++i) {
-    into(*target.arguments[i], static_cast<Register>(window + 1 + i));
+    into(*target.arguments()[i], static_cast<Register>(window + 1 + i));
     code_.holds(window + 1 + i);
   }
   code_.release_to(after);
@@ -361,13 +362,13 @@ void ProcedureCompiler::leave_branch(std::uint32_t offset, Label& end) {
 
 void ProcedureCompiler::if_statement(const Stmt& stmt) {
   Label end;
-  for (std::size_t i = 0; i < stmt.branches.size(); ++i) {
-    const Branch& branch = stmt.branches[i];
+  for (std::size_t i = 0; i < stmt.parts().branches.size(); ++i) {
+    const Branch& branch = stmt.parts().branches[i];
     if (i > 0) code_.place(branch.offset);
     Label next;
     if (branch.condition) condition(*branch.condition, next);
     block(branch.body);
-    if (i + 1 < stmt.branches.size()) leave_branch(branch.offset, end);
+    if (i + 1 < stmt.parts().branches.size()) leave_branch(branch.offset, end);
     code_.bind(next);
   }
   code_.bind(end);
@@ -385,7 +386,7 @@ void ProcedureCompiler::select(const Stmt& stmt) {
   code_.end_statement();
   Label end;
   std::vector<std::size_t> to_patch;
-  for (const Branch& branch : stmt.branches) {
+  for (const Branch& branch : stmt.parts().branches) {
     Label body;
     Label next;
     if (!branch.tests.empty()) {
@@ -423,7 +424,7 @@ void ProcedureCompiler::select(const Stmt& stmt) {
 
 // Dim name(bounds), for each array
 void ProcedureCompiler::dim(const Stmt& stmt) {
-  for (const VariableDecl& variable : stmt.declarations) {
+  for (const VariableDecl& variable : stmt.parts().declarations) {
     Expr name;
     name.kind = ExprKind::name;
     name.symbol = variable.symbol;
@@ -438,7 +439,7 @@ void ProcedureCompiler::dim(const Stmt& stmt) {
 }
 
 void ProcedureCompiler::redim(const Stmt& stmt) {
-  for (const VariableDecl& variable : stmt.declarations) {
+  for (const VariableDecl& variable : stmt.parts().declarations) {
     Expr name;
     name.kind = ExprKind::name;
     name.symbol = variable.symbol;

@@ -9,7 +9,7 @@
 
 namespace zrl::vbs {
 
-Value constant_value(const Expr& expr, const Ast& ast, Heap& heap) {
+Value constant_value(const Expr& expr, const Ast& ast) {
   switch (expr.kind) {
     case ExprKind::integer:
       return Value::integer(expr.integer);
@@ -26,11 +26,11 @@ Value constant_value(const Expr& expr, const Ast& ast, Heap& heap) {
     case ExprKind::nothing:
       return Value::nothing();
     case ExprKind::string:
-      return Value(heap.string(ast.strings[expr.string]));
+      return Value(ast.strings[expr.string]);
     case ExprKind::plus:
-      return constant_value(*expr.left, ast, heap);
+      return constant_value(*expr.left(), ast);
     case ExprKind::negate: {
-      const Value value = constant_value(*expr.left, ast, heap);
+      const Value value = constant_value(*expr.left(), ast);
       if (value.is(Type::real) || value.is(Type::date)) return Value::of(value.type(), -value.d());
       if (value.is(Type::boolean)) return Value::integer(-value.i());
       if (value.is(Type::integer) || value.is(Type::long_integer)) return Value::of(value.type(), -value.i());
@@ -50,7 +50,7 @@ class TextCompiler {
       : ast_(ast),
         module_(module),
         context_(context),
-        shared_{context, ast, module, ConstantPool(module, ast, context.heap)} {}
+        shared_{context, ast, module, ConstantPool(module, ast)} {}
 
   void compile() {
     check_names();
@@ -107,7 +107,7 @@ class TextCompiler {
       for (const ConstDecl& constant : ast_.main.constants) {
         GlobalName& name = enter(constant.symbol);
         name.kind = GlobalName::Kind::constant;
-        name.constant = constant_value(*constant.value, ast_, context_.heap);
+        name.constant = constant_value(*constant.value, ast_);
       }
     }
     for (const auto& declared : ast_.procedures) {
@@ -120,7 +120,7 @@ class TextCompiler {
   }
 
   Proc* add_procedure(const ProcDecl& declared) {
-    auto proc = std::make_unique<Proc>();
+    auto proc = std::make_unique<Proc>(context_.heap);
     proc->module = &module_;
     proc->kind = declared.kind;
     proc->symbol = declared.symbol;
@@ -227,20 +227,20 @@ std::size_t size_of(const Module& module) {
   std::size_t bytes =
       sizeof(Module) + module.text.size() * sizeof(char16_t) + module.constants.size() * sizeof(Value);
   for (const auto& proc : module.procedures) {
-    bytes += sizeof(Proc) + proc->code.size() * sizeof(Instr) + proc->places.size() * sizeof(Place);
+    bytes += sizeof(Proc) + (proc->implicit.size() + proc->locals.size()) * sizeof(Binding);
   }
   return bytes;
 }
 
 }  // namespace
 
-std::unique_ptr<Module> compile(Ast& ast, std::u16string text, std::string name,
+std::unique_ptr<Module> compile(Ast& ast, std::u16string& text, std::string name,
                                 const CompileContext& context) {
   auto module = std::make_unique<Module>();
   module->name = std::move(name);
-  module->text = std::move(text);
   module->option_explicit = ast.option_explicit;
   TextCompiler(ast, *module, context).compile();
+  module->text = std::move(text);
   const std::size_t bytes = size_of(*module);
   context.heap.charge(bytes);
   module->charged = bytes;

@@ -24,8 +24,9 @@ struct CompileContext {
 };
 
 // Compiles a parsed text and enters its procedures, classes, constants and variables into the globals.
-// Raises CompileFailure and Failure (memory); the globals are then as they were.
-std::unique_ptr<Module> compile(Ast& ast, std::u16string text, std::string name,
+// The module takes the text. Raises CompileFailure and Failure (memory); the globals are then as they
+// were, and the text is where it was.
+std::unique_ptr<Module> compile(Ast& ast, std::u16string& text, std::string name,
                                 const CompileContext& context);
 
 std::string disassemble(const Proc& proc, const Symbols& symbols);

@@ -26,12 +26,8 @@ std::uint32_t ConstantPool::number(const Value& value) {
 std::uint32_t ConstantPool::literal(std::uint32_t string_of_text) {
   if (literals_.empty()) literals_.resize(ast_.strings.size());
   std::uint32_t& known = literals_[string_of_text];
-  if (known == 0) known = text(ast_.strings[string_of_text]) + 1;
+  if (known == 0) known = add(Value(ast_.strings[string_of_text])) + 1;
   return known - 1;
-}
-
-std::uint32_t ConstantPool::text(std::u16string_view text) {
-  return add(Value(heap_.string(text)));
 }
 
 std::uint32_t ConstantPool::named(SymbolId canonical, const Value& value) {

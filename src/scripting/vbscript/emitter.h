@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -15,12 +14,11 @@ using Register = std::uint16_t;
 // The constants of a text, which its procedures share: each number once, each string literal once.
 class ConstantPool {
  public:
-  ConstantPool(Module& module, const Ast& ast, Heap& heap) : module_(module), ast_(ast), heap_(heap) {}
+  ConstantPool(Module& module, const Ast& ast) : module_(module), ast_(ast) {}
 
   // Tell the index of the constant in the module.
   std::uint32_t number(const Value& value);
   std::uint32_t literal(std::uint32_t string_of_text);
-  std::uint32_t text(std::u16string_view text);
   // A constant with a name, by its canonical symbol.
   std::uint32_t named(SymbolId canonical, const Value& value);
   // One that nothing else shares.
@@ -31,7 +29,6 @@ class ConstantPool {
  private:
   Module& module_;
   const Ast& ast_;
-  Heap& heap_;
   std::unordered_map<std::uint64_t, std::uint32_t> numbers_;  // by type and bits
   std::vector<std::uint32_t> literals_;                       // 0: not yet, else index + 1
   std::unordered_map<SymbolId, std::uint32_t> named_;

@@ -1,7 +1,5 @@
 #include "scripting/vbscript/engine.h"
 
-#include <algorithm>
-
 #include "scripting/vbscript/compiler.h"
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/machine.h"
@@ -19,16 +17,9 @@ ScriptError compile_error(const CompileFailure& failure, const std::u16string& t
   error.description = error_text(failure.number);
   error.source = "Microsoft VBScript compilation error";
   error.name = name;
-  error.line = 1;
-  std::size_t line_start = 0;
-  for (std::size_t i = 0; i < failure.offset && i < text.size(); ++i) {
-    const bool ends =
-        text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
-    if (!ends) continue;
-    ++error.line;
-    line_start = i + 1;
-  }
-  error.column = std::min(failure.offset, text.size()) - line_start + 1;
+  const TextPlace place = place_in(text, failure.offset);
+  error.line = place.line;
+  error.column = place.column;
   return error;
 }
 
@@ -45,19 +36,23 @@ struct Engine::State {
     machine = std::make_unique<Machine>(host, limits, with_wscript);
   }
 
-  // Runs what may fail; failures become the errors of the interface.
+  // Runs what may fail; failures become the errors of the interface. Objects that nobody refers to any
+  // more end with it.
   template <class Action>
   auto guarded(Action action) {
     machine->start_clock();
-    struct Settle {
-      Machine& settled;
-      ~Settle() { settled.settle(); }
-    } const settle{*machine};
     try {
-      return action();
+      auto result = action();
+      machine->settle();
+      return result;
     } catch (const Failure& failure) {
+      const ScriptError error = machine->report(failure);
+      machine->settle_silently();
       if (failure.quit) throw ScriptQuit{failure.number};
-      throw machine->report(failure);
+      throw error;
+    } catch (...) {
+      machine->settle_silently();
+      throw;
     }
   }
 
@@ -74,7 +69,9 @@ Engine::~Engine() = default;
 
 void Engine::add_code(const std::string& name, std::string_view utf8, Mode mode) {
   if (utf8.starts_with("\xEF\xBB\xBF")) utf8.remove_prefix(3);
-  const std::u16string text = to_utf16(utf8);
+  if (utf8.ends_with('\x1A')) utf8.remove_suffix(1);  // where old editors end a text
+  std::u16string text = to_utf16(utf8);
+  state_->machine->allow_for(text.size());
   state_->guarded([&] {
     const Module* module = nullptr;
     try {
@@ -83,6 +80,7 @@ void Engine::add_code(const std::string& name, std::string_view utf8, Mode mode)
       throw compile_error(failure, text, name);
     }
     if (mode == Mode::run) state_->machine->run_main(*module);
+    return true;
   });
 }
 
@@ -95,8 +93,12 @@ ScriptValue Engine::call(std::string_view name, std::string_view argument) {
   return state_->guarded([&] {
     const Proc* proc = machine.find_procedure(to_utf16(name));
     if (!proc) raise(error::type_mismatch, to_utf16(name));
-    const Value text(machine.heap.string(to_utf16(argument)));
-    const Value value = machine.call(*proc, {&text, 1});
+    const Value value = [&] {
+      const std::u16string units = to_utf16(argument);
+      machine.allow_for(units.size());
+      const Value text(machine.heap.string(units));
+      return machine.call(*proc, {&text, 1});
+    }();
     ScriptValue result;
     if (value.is(Type::empty)) result.number = 0;
     const Value scalar = value.is(Type::object) ? Value() : value;

@@ -12,6 +12,19 @@
 // The script engine: an embedded interpreter of the language "vbscript". All texts here are UTF-8.
 namespace zrl::vbs {
 
+struct ScriptError {
+  enum class Kind : std::uint8_t { compilation, runtime };
+  Kind kind = Kind::runtime;
+  std::int32_t number = 0;
+  std::string description;
+  std::string source;  // as Err.Source tells it
+  std::string name;    // of the text, as add_code was told
+  // From 1, columns in 16-bit units; 0 where there is no place. An error in a text that Execute or its kin
+  // run stands at the statement that runs it; the description then tells the place within.
+  std::size_t line = 0;
+  std::size_t column = 0;
+};
+
 // What a script asks of its surroundings. Whatever it returns or throws stays with the call.
 class EngineHost {
  public:
@@ -25,17 +38,8 @@ class EngineHost {
   virtual void echo(const std::string& text) = 0;
   // A new regular expression; nullptr where there are none.
   virtual std::shared_ptr<RegExp> make_regexp() { return nullptr; }
-};
-
-struct ScriptError {
-  enum class Kind : std::uint8_t { compilation, runtime };
-  Kind kind = Kind::runtime;
-  std::int32_t number = 0;
-  std::string description;
-  std::string source;      // as Err.Source tells it
-  std::string name;        // of the text, as add_code was told
-  std::size_t line = 0;    // from 1; 0 where there is no place
-  std::size_t column = 0;  // from 1, in 16-bit units
+  // A Class_Terminate that a reset or the engine's end set off was stopped for its time.
+  virtual void script_stopped(const ScriptError& error) { (void)error; }
 };
 
 // A script ended everything with WScript.Quit.

@@ -146,6 +146,57 @@ std::string_view error_text(std::int32_t number) {
   return found != std::end(texts) && found->number == number ? found->text : std::string_view();
 }
 
+namespace {
+
+struct SystemCode {
+  std::uint32_t code;
+  std::int32_t number;
+};
+
+// Sorted by code.
+constexpr SystemCode system_codes[] = {
+    {0x80004001, 445}, {0x80004002, 430}, {0x80020001, 438}, {0x80020003, 438}, {0x80020004, 448},
+    {0x80020005, 13},  {0x80020006, 438}, {0x80020007, 446}, {0x80020008, 458}, {0x8002000A, 6},
+    {0x8002000B, 9},   {0x8002000C, 447}, {0x8002000D, 10},  {0x8002000E, 450}, {0x8002000F, 449},
+    {0x80020011, 451}, {0x80020012, 11},  {0x8002802F, 453}, {0x80028CA0, 13},  {0x80028CA1, 9},
+    {0x80028CA2, 57},  {0x80028CA3, 322}, {0x80030002, 432}, {0x80030003, 76},  {0x80030004, 67},
+    {0x80030005, 70},  {0x80030008, 7},   {0x80030012, 67},  {0x80030013, 70},  {0x8003001D, 57},
+    {0x8003001E, 57},  {0x80030020, 75},  {0x80030021, 70},  {0x80030050, 58},  {0x80030070, 61},
+    {0x800300FC, 53},  {0x80030100, 70},  {0x80030101, 70},  {0x80030103, 57},  {0x80040154, 429},
+    {0x800401E3, 429}, {0x800401E6, 432}, {0x800401EA, 432}, {0x800401F3, 429}, {0x800401F5, 429},
+    {0x800401FE, 429}, {0x80070005, 70},  {0x8007000E, 7},   {0x80070057, 5},   {0x800706BA, 462},
+    {0x80080005, 429},
+};
+
+// Codes of this facility carry a number of the language.
+constexpr std::uint32_t control_facility = 0x800A0000;
+
+}  // namespace
+
+std::int32_t number_of_system_code(std::int32_t code) {
+  const auto bits = static_cast<std::uint32_t>(code);
+  if ((bits & 0xffff0000U) == control_facility) return static_cast<std::int32_t>(bits & 0xffffU);
+  const auto* found =
+      std::lower_bound(std::begin(system_codes), std::end(system_codes), bits,
+                       [](const SystemCode& known, std::uint32_t n) { return known.code < n; });
+  return found != std::end(system_codes) && found->code == bits ? found->number : code;
+}
+
+TextPlace place_in(std::u16string_view text, std::size_t offset) {
+  offset = std::min(offset, text.size());
+  TextPlace place{1, 1};
+  std::size_t line_start = 0;
+  for (std::size_t i = 0; i < offset; ++i) {
+    const bool ends =
+        text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
+    if (!ends) continue;
+    ++place.line;
+    line_start = i + 1;
+  }
+  place.column = offset - line_start + 1;
+  return place;
+}
+
 void raise(std::int32_t number) {
   raise(number, {});
 }

@@ -35,6 +35,8 @@ inline constexpr std::int32_t undefined_variable = 500;
 inline constexpr std::int32_t illegal_assignment = 501;
 inline constexpr std::int32_t unqualified_reference = 505;
 inline constexpr std::int32_t undefined_class = 506;
+inline constexpr std::int32_t stopped = 507;  // by the time limit; nothing handles it
+inline constexpr std::int32_t regexp_limit = 17;
 inline constexpr std::int32_t regexp_object_expected = 5016;
 inline constexpr std::int32_t regexp_syntax = 5017;
 inline constexpr std::int32_t element_not_found = 32811;
@@ -91,6 +93,13 @@ inline constexpr std::int32_t default_only_get = 1058;
 
 }  // namespace error
 
+// A line and a column, both from 1; columns count 16-bit units. Line 0: nowhere.
+struct TextPlace {
+  std::size_t line = 0;
+  std::size_t column = 0;
+};
+TextPlace place_in(std::u16string_view text, std::size_t offset);
+
 // A run-time error on its way through the engine.
 struct Failure {
   std::int32_t number = 0;
@@ -100,6 +109,12 @@ struct Failure {
   std::int32_t help_context = 0;
   // What the text names, for the report of an error that nobody handled: a variable, a function.
   std::u16string subject;
+  // In a text that Execute was to run and that did not compile.
+  TextPlace inner;
+  // Whether the script itself gave source and description: an error that it raises next without its own
+  // has them too.
+  bool own_source = false;
+  bool own_description = false;
   // Nothing in a script can handle it: the limits of a call, and the end that a script asked for.
   bool final = false;
   bool quit = false;
@@ -113,6 +128,9 @@ struct CompileFailure {
 
 // The text of a number, or an empty one where the language has none.
 std::string_view error_text(std::int32_t number);
+
+// What a code of the system is in the language's numbers, or the code itself.
+std::int32_t number_of_system_code(std::int32_t code);
 
 [[noreturn]] void raise(std::int32_t number);
 [[noreturn]] void raise(std::int32_t number, std::u16string subject);

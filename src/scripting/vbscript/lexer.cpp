@@ -58,7 +58,7 @@ void Lexer::fail(std::int32_t number, std::size_t offset) const {
 }
 
 Token& Lexer::push_at(TokenKind kind, std::size_t offset) {
-  Token& token = tokens_.emplace_back();
+  Token& token = tokens_->emplace_back();
   token.kind = kind;
   token.offset = static_cast<std::uint32_t>(offset);
   token.blank_before = blank_;
@@ -71,20 +71,31 @@ void Lexer::push(TokenKind kind, std::size_t length) {
   position_ += length;
 }
 
-std::vector<Token> Lexer::tokens() {
-  tokens_.reserve(text_.size() / 4 + 2);
+void Lexer::read_line(std::vector<Token>& tokens, HeapVector<Ref<String>>& strings) {
+  if (!tokens.empty()) last_ = tokens.back();
+  any_ |= !tokens.empty();
+  tokens.clear();
+  tokens_ = &tokens;
+  strings_ = &strings;
   try {
-    while (true) {
+    while (!broken_) {
       skip_blanks();
       if (position_ >= text_.size()) break;
       next();
+      if (!tokens.empty() && tokens.back().kind == TokenKind::end_of_line) return;
     }
   } catch (const CompileFailure& failure) {
+    broken_ = true;
     push_at(TokenKind::invalid, failure.offset).integer = failure.number;
   }
+  position_ = text_.size();
   push_at(TokenKind::end_of_line, text_.size());
   push_at(TokenKind::end_of_text, text_.size());
-  return std::move(tokens_);
+}
+
+const Token* Lexer::previous() const {
+  if (!tokens_->empty()) return &tokens_->back();
+  return any_ ? &last_ : nullptr;
 }
 
 void Lexer::skip_blanks() {
@@ -117,7 +128,8 @@ void Lexer::skip_to_line_end() {
 
 void Lexer::end_line() {
   const std::size_t length = at(position_) == u'\r' && at(position_ + 1) == u'\n' ? 2 : 1;
-  if (tokens_.empty() || tokens_.back().kind != TokenKind::end_of_line) {
+  const Token* before = previous();
+  if (!before || before->kind != TokenKind::end_of_line) {
     push(TokenKind::end_of_line, length);
   } else {
     position_ += length;
@@ -152,7 +164,7 @@ void Lexer::read_word() {
   if (position_ - start > longest_name) fail(error::identifier_too_long, position_);
   const SymbolId symbol = symbols_.intern(text_.substr(start, position_ - start));
   const SymbolId canonical = symbols_.canonical(symbol);
-  const bool member = !tokens_.empty() && tokens_.back().kind == TokenKind::dot;
+  const bool member = previous() && previous()->kind == TokenKind::dot;
   if (canonical == keywords_.rem() && !member) return skip_to_line_end();
   const KeywordTable::Entry word = keywords_.find(canonical);
   Token& token = push_at(word.reserved && !member ? TokenKind::keyword : TokenKind::name, start);
@@ -207,10 +219,11 @@ void Lexer::read_number() {
 }
 
 bool Lexer::after_operand() const {
-  if (tokens_.empty()) return false;
-  const TokenKind kind = tokens_.back().kind;
+  const Token* before = previous();
+  if (!before) return false;
+  const TokenKind kind = before->kind;
   if (kind == TokenKind::keyword) {
-    const Keyword word = tokens_.back().keyword;
+    const Keyword word = before->keyword;
     return word == Keyword::true_ || word == Keyword::false_ || word == Keyword::null ||
            word == Keyword::empty || word == Keyword::nothing || word == Keyword::me;
   }
@@ -259,8 +272,8 @@ void Lexer::read_string() {
     contents += u'"';
     ++position_;
   }
-  push_at(TokenKind::string, start).constant = static_cast<std::uint32_t>(strings_.size());
-  strings_.push_back(std::move(contents));
+  push_at(TokenKind::string, start).constant = static_cast<std::uint32_t>(strings_->size());
+  strings_->push_back(strings_->get_allocator().heap().string(contents));
 }
 
 void Lexer::read_date() {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "scripting/vbscript/token.h"
+#include "scripting/vbscript/value.h"
 
 namespace zrl::vbs {
 
@@ -30,9 +31,9 @@ class Lexer {
  public:
   Lexer(std::u16string_view text, Symbols& symbols, const KeywordTable& keywords);
 
-  std::vector<Token> tokens();
-  // The contents of string literals; a token's `constant` counts them.
-  std::vector<std::u16string> take_strings() { return std::move(strings_); }
+  // The tokens of the next line with its end, instead of what was in `tokens`; behind the last line, the
+  // end of the text. The contents of string literals go into `strings`; a token's `constant` counts them.
+  void read_line(std::vector<Token>& tokens, HeapVector<Ref<String>>& strings);
 
  private:
   void next();
@@ -48,6 +49,7 @@ class Lexer {
   bool read_based_number();
   void read_operator();
   void push(TokenKind kind, std::size_t length);
+  const Token* previous() const;
   Token& push_at(TokenKind kind, std::size_t offset);
   char16_t at(std::size_t position) const { return position < text_.size() ? text_[position] : u'\0'; }
   bool after_operand() const;
@@ -59,8 +61,11 @@ class Lexer {
   std::size_t position_ = 0;
   bool blank_ = false;
   bool continued_ = false;
-  std::vector<Token> tokens_;
-  std::vector<std::u16string> strings_;
+  Token last_;  // that was read
+  bool any_ = false;
+  bool broken_ = false;  // the text cannot be read any further
+  std::vector<Token>* tokens_ = nullptr;
+  HeapVector<Ref<String>>* strings_ = nullptr;
 };
 
 }  // namespace zrl::vbs

@@ -46,8 +46,8 @@ struct Frame {
 // Where an error arose, and what it names.
 struct ErrorPlace {
   std::string name;
-  std::size_t line = 0;
-  std::size_t column = 0;
+  TextPlace where;
+  TextPlace inner;  // in a text that is executed by the statement at `where`
   bool of_member = false;
   std::u16string object;
   std::u16string index;
@@ -61,6 +61,8 @@ struct ErrState {
   std::u16string help_file;
   std::int32_t help_context = 0;
   std::u16string subject;
+  bool own_source = false;  // given by a script, not by the language
+  bool own_description = false;
 };
 
 // Runs compiled code. One machine a thread at a time; all values that it hands out belong to its heap.
@@ -71,13 +73,18 @@ class Machine final : public Context {
   Machine(const Machine&) = delete;
   Machine& operator=(const Machine&) = delete;
 
-  // Compiles a text and enters its names; raises ScriptError.
-  Module& add(std::u16string text, std::string name);
+  // Compiles a text, which it takes, and enters its names. Raises CompileFailure; the text then stays.
+  Module& add(std::u16string& text, std::string name);
   void run_main(const Module& module);
   const Proc* find_procedure(std::u16string_view name) const;
   Value call(const Proc& proc, std::span<const Value> arguments);
-  // Runs the Class_Terminate of objects that nobody refers to any more; nothing else may run.
+  // Runs the Class_Terminate of objects that nobody refers to any more; nothing else may run. Raises what
+  // stops one of them; other errors end with it.
   void settle();
+  // The same where an error is being told already.
+  void settle_silently();
+  // The memory that a text of that many units entitles scripts to.
+  void allow_for(std::size_t units);
   // Ends all objects; nothing may run.
   void shut_down();
 
@@ -182,6 +189,10 @@ class Machine final : public Context {
   void on_error(bool resume);
   [[noreturn]] void fail(std::int32_t number, SymbolId symbol);
 
+  void terminate(Object& object);
+  template <class Action>
+  void tell_if_stopped(Action action);
+
   // Errors (machine_errors.cpp). Whether the machine can go on.
   bool handle(const Failure& failure, std::size_t bottom);
   const Place* place_of(const Frame& frame) const;
@@ -221,6 +232,7 @@ class Machine final : public Context {
   };
   std::vector<Waiting> waiting_;
 
+  std::size_t longest_text_ = 0;  // units
   std::int64_t countdown_ = instructions_between_checks;
   std::chrono::steady_clock::time_point deadline_{};
   ErrState err_;

@@ -313,28 +313,26 @@ const Module& Machine::compile_text(std::u16string text, bool global, bool evalu
     context.outer_extra = owner.extra ? &owner.extra->bindings : nullptr;
     context.outer_class = running.me ? &running.me->type() : nullptr;
   }
-  const std::string name = running.proc->module->name;
-  // Tokens and tree are gone when the code is there, but must not go beyond the limit meanwhile.
-  struct Charge {
-    Heap& charged;
-    std::size_t bytes;
-    Charge(Heap& heap_of, std::size_t size) : charged(heap_of), bytes(size) { charged.charge(bytes); }
-    ~Charge() { charged.refund(bytes); }
-    Charge(const Charge&) = delete;
-    Charge& operator=(const Charge&) = delete;
-  } const charge(memory_, text.size() * 32);
+  const Module& running_module = *running.proc->module;
+  memory_.work(text.size() * 16);
   try {
-    Parser parser(text, symbols_, *keywords_);
+    Parser parser(text, symbols_, *keywords_, memory_);
     const std::unique_ptr<Ast> ast = evaluate ? parser.parse_expression_text() : parser.parse();
-    made = compile(*ast, std::move(text), name, context);
+    made = compile(*ast, text, running_module.name, context);
   } catch (const CompileFailure& failure) {
     Failure raised;
-    raised.number = failure.number;
-    raised.description = to_utf16(error_text(failure.number));
+    raised.inner = place_in(text, failure.offset);
+    // In an expression by itself whatever is missing is its syntax.
+    const bool incomplete = evaluate && failure.number == error::expected_expression;
+    raised.number = incomplete ? error::syntax : failure.number;
+    raised.description = to_utf16(error_text(raised.number));
     raised.source =
         failure.number > 1000 ? u"Microsoft VBScript compilation error" : u"Microsoft VBScript runtime error";
     throw raised;
   }
+  const Place* const place = place_of(running);
+  made->origin = running_module.origin ? running_module.origin : &running_module;
+  made->origin_offset = running_module.origin ? running_module.origin_offset : place ? place->offset : 0;
   return *made;
 }
 

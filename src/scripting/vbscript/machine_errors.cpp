@@ -51,36 +51,57 @@ Machine::~Machine() {
 void Machine::settle() {
   while (memory_.has_terminations()) {
     Ref<Object> object = memory_.next_termination();
-    auto& instance = static_cast<Instance&>(*object);
-    instance.mark_terminated();
     const Heap::Terminations others = memory_.take_terminations();
-    try {
-      invoke(*instance.type().terminate, &instance, {});
-    } catch (const Failure&) {  // nobody is left to be told
-    }
+    terminate(*object);
     object = {};
     memory_.append_terminations(others);
+  }
+}
+
+void Machine::settle_silently() {
+  while (memory_.has_terminations()) {
+    try {
+      settle();
+    } catch (const Failure&) {
+      continue;  // one error is told already
+    }
+  }
+}
+
+void Machine::terminate(Object& object) {
+  auto& instance = static_cast<Instance&>(object);
+  instance.mark_terminated();
+  place_noted_ = false;
+  try {
+    invoke(*instance.type().terminate, &instance, {});
+  } catch (const Failure& failure) {
+    if (failure.final) throw;
+  }
+}
+
+// Tells the host of what is stopped where no call is left that could fail.
+template <class Action>
+void Machine::tell_if_stopped(Action action) {
+  try {
+    action();
+  } catch (const Failure& failure) {
+    if (!failure.quit) host_.script_stopped(report(failure));
   }
 }
 
 // Objects end in their order of release; what is left, cycles, is taken apart then.
 void Machine::shut_down() {
   start_clock();
-  settle();
+  tell_if_stopped([this] { settle(); });
   for (std::size_t i = 0; i < globals_.used(); ++i) globals_.values()[i].clear();
-  settle();
+  tell_if_stopped([this] { settle(); });
+  settle_silently();
   // Members of cycles still want their Class_Terminate.
   std::vector<Ref<Object>> left;
   for (Object* object = memory_.first_object(); object; object = object->next) left.emplace_back(object);
   for (const Ref<Object>& object : left) {
     if (!object->wants_termination()) continue;
-    auto& instance = static_cast<Instance&>(*object);
-    instance.mark_terminated();
-    try {
-      invoke(*instance.type().terminate, &instance, {});
-    } catch (const Failure&) {
-      continue;
-    }
+    tell_if_stopped([&] { terminate(*object); });
   }
   left.clear();
   err_object_.clear();
@@ -109,10 +130,19 @@ void Machine::start_clock() {
   error_place_ = {};
 }
 
+void Machine::allow_for(std::size_t units) {
+  longest_text_ = std::max(longest_text_, units);
+  const std::size_t follows =
+      longest_text_ > limits_.most_memory ? limits_.most_memory : longest_text_ * limits_.memory_per_unit;
+  const bool follows_any = limits_.memory_per_unit > 0;
+  memory_.set_limits(std::max(limits_.memory, std::min(follows, limits_.most_memory)),
+                     std::max(limits_.string_units, follows_any ? 2 * longest_text_ : 0));
+}
+
 void Machine::check_time() {
   if (std::chrono::steady_clock::now() < deadline_) return;
   Failure failure;
-  failure.number = 507;
+  failure.number = error::stopped;
   failure.description = u"The script ran longer than " + ascii(std::to_string(limits_.call_time.count())) +
                         u" milliseconds and was stopped";
   failure.source = u"Microsoft VBScript runtime error";
@@ -120,12 +150,12 @@ void Machine::check_time() {
   throw failure;
 }
 
-Module& Machine::add(std::u16string text, std::string name) {
+Module& Machine::add(std::u16string& text, std::string name) {
   const CompileContext context{memory_, symbols_, globals_, builtins_, nullptr, nullptr, nullptr, false};
   error_module_ = nullptr;
-  Parser parser(text, symbols_, *keywords_);
+  Parser parser(text, symbols_, *keywords_, memory_);
   const std::unique_ptr<Ast> ast = parser.parse();
-  modules_.push_back(compile(*ast, std::move(text), std::move(name), context));
+  modules_.push_back(compile(*ast, text, std::move(name), context));
   return *modules_.back();
 }
 
@@ -193,21 +223,14 @@ std::u16string named(const std::u16string& text, const Extent& extent) {
 ErrorPlace Machine::error_place() const {
   if (!error_module_) return error_place_;
   ErrorPlace place;
-  const std::u16string& text = error_module_->text;
+  const Module* const origin = error_module_->origin;
+  const TextPlace within = place_in(error_module_->text, error_offset_);
   place.name = error_module_->name;
-  place.line = 1;
-  std::size_t line_start = 0;
-  for (std::size_t i = 0; i < error_offset_ && i < text.size(); ++i) {
-    const bool ends =
-        text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'));
-    if (!ends) continue;
-    ++place.line;
-    line_start = i + 1;
-  }
-  place.column = error_offset_ - line_start + 1;
+  place.where = origin ? place_in(origin->text, error_module_->origin_offset) : within;
+  if (origin) place.inner = within;
   place.of_member = error_subject_.of_member;
-  place.object = named(text, error_subject_.object);
-  place.index = named(text, error_subject_.index);
+  place.object = named(error_module_->text, error_subject_.object);
+  place.index = named(error_module_->text, error_subject_.index);
   return place;
 }
 
@@ -240,6 +263,8 @@ bool Machine::handle(const Failure& failure, std::size_t bottom) {
   err_.help_file = failure.help_file;
   err_.help_context = failure.help_context;
   err_.subject = failure.subject;
+  err_.own_source = failure.own_source;
+  err_.own_description = failure.own_description;
   place_noted_ = false;
   Frame& running = frame();
   const auto& places = running.proc->places;
@@ -281,9 +306,14 @@ ScriptError Machine::report(const Failure& failure) const {
   if (!subject.empty()) error.description += ": '" + to_utf8(subject) + "'";
   error.source = to_utf8(failure.source);
   if (failure.source == u"Microsoft VBScript compilation error") error.kind = ScriptError::Kind::compilation;
+  const TextPlace inner = failure.inner.line > 0 ? failure.inner : place.inner;
+  if (inner.line > 0) {
+    error.description += " (line " + std::to_string(inner.line) + ", column " + std::to_string(inner.column) +
+                         " of the executed text)";
+  }
   error.name = place.name;
-  error.line = place.line;
-  error.column = place.column;
+  error.line = place.where.line;
+  error.column = place.where.column;
   return error;
 }
 

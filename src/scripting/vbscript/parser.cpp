@@ -14,11 +14,15 @@ constexpr std::size_t arena_chunk = std::size_t{16} << 10;
 }  // namespace
 
 void* Arena::take(std::size_t bytes) {
-  bytes = (bytes + 15) & ~std::size_t{15};
+  constexpr std::size_t alignment = alignof(double);
+  bytes = (bytes + alignment - 1) & ~(alignment - 1);
   if (bytes > left_) {
     const std::size_t chunk = std::max(bytes, arena_chunk);
-    chunks_.push_back(std::make_unique<std::byte[]>(chunk));
-    next_ = chunks_.back().get();
+    chunks_.push_back({nullptr, 0});
+    heap_.charge(chunk);
+    chunks_.back().bytes = chunk;
+    chunks_.back().block = std::make_unique<std::byte[]>(chunk);
+    next_ = chunks_.back().block.get();
     left_ = chunk;
   }
   void* block = next_;
@@ -33,19 +37,30 @@ Parser::Nesting::Nesting(const Parser& parser, int& count) : count_(count) {
   parser.fail(error::stack_space);
 }
 
-Parser::Parser(std::u16string_view text, Symbols& symbols, const KeywordTable& keywords)
-    : symbols_(symbols), ast_(std::make_unique<Ast>()) {
-  Lexer lexer(text, symbols, keywords);
-  tokens_ = lexer.tokens();
-  ast_->strings = lexer.take_strings();
+Arena::~Arena() {
+  for (const Chunk& chunk : chunks_) heap_.refund(chunk.bytes);
+}
+
+Parser::Parser(std::u16string_view text, Symbols& symbols, const KeywordTable& keywords, Heap& heap)
+    : symbols_(symbols), lexer_(text, symbols, keywords), ast_(std::make_unique<Ast>(heap)) {
+  lexer_.read_line(tokens_, ast_->strings);
   procedure_ = &ast_->main;
+}
+
+// A line may be empty of everything but its end; behind the last one is the text's end.
+void Parser::advance() {
+  if (++position_ < tokens_.size()) return;
+  lexer_.read_line(tokens_, ast_->strings);
+  position_ = 0;
 }
 
 // text: [ Option Explicit ] block
 std::unique_ptr<Ast> Parser::parse() {
   skip_separators();
   if (at(Keyword::option)) option_explicit();
-  block(ast_->main.body);
+  auto body = ast_->arena.list<Stmt*>();
+  block(body);
+  ast_->main.body = ast_->arena.copy(body);
   if (!at(TokenKind::end_of_text)) {
     if (at(Keyword::loop)) fail(error::loop_without_do);
     if (at(Keyword::next)) fail(error::unexpected_next);
@@ -57,12 +72,14 @@ std::unique_ptr<Ast> Parser::parse() {
 
 // text: expression
 std::unique_ptr<Ast> Parser::parse_expression_text() {
-  while (at(TokenKind::end_of_line)) ++position_;
+  while (at(TokenKind::end_of_line)) advance();
   Stmt* stmt = make(StmtKind::nothing);
   stmt->value = expression();
-  while (at(TokenKind::end_of_line)) ++position_;
+  while (at(TokenKind::end_of_line)) advance();
   if (!at(TokenKind::end_of_text)) fail(error::expected_end_of_statement);
-  ast_->main.body.push_back(stmt);
+  auto body = ast_->arena.list<Stmt*>();
+  body.push_back(stmt);
+  ast_->main.body = ast_->arena.copy(body);
   return std::move(ast_);
 }
 
@@ -77,19 +94,19 @@ void Parser::fail(std::int32_t number, std::size_t offset) const {
 
 bool Parser::accept(TokenKind kind) {
   if (!at(kind)) return false;
-  ++position_;
+  advance();
   return true;
 }
 
 bool Parser::accept(Keyword keyword) {
   if (!at(keyword)) return false;
-  ++position_;
+  advance();
   return true;
 }
 
 bool Parser::accept_word(Keyword keyword) {
   if (!at_word(keyword)) return false;
-  ++position_;
+  advance();
   return true;
 }
 
@@ -103,7 +120,9 @@ void Parser::expect(Keyword keyword, std::int32_t error) {
 
 SymbolId Parser::expect_name() {
   if (!at(TokenKind::name)) fail(error::expected_identifier);
-  return tokens_[position_++].symbol;
+  const SymbolId symbol = token().symbol;
+  advance();
+  return symbol;
 }
 
 bool Parser::at_statement_end() const {
@@ -116,7 +135,7 @@ void Parser::expect_statement_end() {
 }
 
 void Parser::skip_separators() {
-  while (at(TokenKind::end_of_line) || at(TokenKind::colon)) ++position_;
+  while (at(TokenKind::end_of_line) || at(TokenKind::colon)) advance();
 }
 
 }  // namespace zrl::vbs

@@ -13,20 +13,22 @@ namespace zrl::vbs {
 // Parses a text by recursive descent. Raises CompileFailure; what is nested too deeply is error 28.
 class Parser {
  public:
-  Parser(std::u16string_view text, Symbols& symbols, const KeywordTable& keywords);
+  // The text must outlive the parser; the tree's memory is charged to the heap.
+  Parser(std::u16string_view text, Symbols& symbols, const KeywordTable& keywords, Heap& heap);
 
   std::unique_ptr<Ast> parse();
   // A text that is one expression, for Eval: the value of the only statement.
   std::unique_ptr<Ast> parse_expression_text();
 
  private:
-  // Tokens.
+  // Tokens, of one line at a time.
   const Token& token() const { return tokens_[position_]; }
   const Token& ahead(std::size_t n = 1) const { return tokens_[std::min(position_ + n, tokens_.size() - 1)]; }
   bool at(TokenKind kind) const { return token().kind == kind; }
   bool at(Keyword keyword) const { return token().kind == TokenKind::keyword && token().keyword == keyword; }
   // Also where the word could be a name.
   bool at_word(Keyword keyword) const { return token().keyword == keyword; }
+  void advance();
   bool accept(TokenKind kind);
   bool accept(Keyword keyword);
   bool accept_word(Keyword keyword);
@@ -49,14 +51,15 @@ class Parser {
   bool argument_follows() const;
   Expr* literal();
   std::span<Expr*> arguments_in_parentheses();
-  std::vector<Expr*> argument_list();
+  HeapVector<Expr*> argument_list();
   Expr* node(ExprKind kind);
+  InnerExpr* inner_node(ExprKind kind);
   Expr* finish(Expr* expr);
 
   // Statements (parser_statements.cpp).
   // Where a block's End If may follow a statement without a separator.
   enum class Close { nowhere, anywhere, on_first_line };
-  void block(std::vector<Stmt*>& statements, Close close = Close::nowhere);
+  void block(HeapVector<Stmt*>& statements, Close close = Close::nowhere);
   Block block(Close close = Close::nowhere);
   bool closes_block(Close close, bool on_first_line) const;
   Stmt* statement();
@@ -66,8 +69,8 @@ class Parser {
   Stmt* call_statement();
   Stmt* set_statement();
   Stmt* if_statement();
-  void one_line_if(std::vector<Branch>& branches);
-  void many_line_if(std::vector<Branch>& branches);
+  void one_line_if(HeapVector<Branch>& branches);
+  void many_line_if(HeapVector<Branch>& branches);
   Block one_line_block();
   Stmt* select_statement();
   Stmt* do_statement();
@@ -80,6 +83,7 @@ class Parser {
   Stmt* redim();
   Stmt* erase();
   Stmt* make(StmtKind kind);
+  StmtParts& parts_of(Stmt& stmt);
   void expect_end(Keyword keyword, std::int32_t error);
   bool at_end_of(Keyword keyword) const { return at(Keyword::end) && ahead().keyword == keyword; }
   bool at_end_of_declaration() const;
@@ -92,13 +96,13 @@ class Parser {
   std::unique_ptr<ProcDecl> procedure_declaration(bool is_public, bool is_default);
   void parameters(ProcDecl& procedure);
   void procedure_body(ProcDecl& procedure);
-  void procedure_block(std::vector<Stmt*>& body);
+  void procedure_block(HeapVector<Stmt*>& body);
   void class_declaration();
   void class_member(ClassDecl& declaration);
   void class_fields(ClassDecl& declaration, bool is_public);
   void check_class(const ClassDecl& declaration) const;
   VariableDecl variable(bool is_public);
-  std::vector<Expr*> bounds();
+  HeapVector<Expr*> bounds();
   Expr* constant_value();
   void option_explicit();
 
@@ -115,6 +119,7 @@ class Parser {
   };
 
   Symbols& symbols_;
+  Lexer lexer_;
   std::vector<Token> tokens_;
   std::size_t position_ = 0;
   std::unique_ptr<Ast> ast_;

@@ -15,7 +15,7 @@ bool is_event(std::u16string_view lower_name) {
 
 // Option Explicit
 void Parser::option_explicit() {
-  ++position_;
+  advance();
   expect(Keyword::explicit_, error::syntax);
   ast_->option_explicit = true;
   expect_statement_end();
@@ -24,14 +24,14 @@ void Parser::option_explicit() {
 // Dim variable { , variable }
 Stmt* Parser::dim(bool is_public) {
   Stmt* stmt = make(StmtKind::dim);
-  std::vector<VariableDecl> arrays;
+  auto arrays = ast_->arena.list<VariableDecl>();
   do {
     const VariableDecl declared = variable(is_public);
     procedure_->variables.push_back(declared);
     if (declared.is_array) arrays.push_back(declared);
   } while (accept(TokenKind::comma));
   if (arrays.empty()) stmt->kind = StmtKind::nothing;
-  stmt->declarations = ast_->arena.copy(arrays);
+  parts_of(*stmt).declarations = ast_->arena.copy(arrays);
   return stmt;
 }
 
@@ -48,8 +48,8 @@ VariableDecl Parser::variable(bool is_public) {
 }
 
 // bounds: integer { , integer } )
-std::vector<Expr*> Parser::bounds() {
-  std::vector<Expr*> list;
+HeapVector<Expr*> Parser::bounds() {
+  auto list = ast_->arena.list<Expr*>();
   do {
     const bool number = at(TokenKind::integer) || at(TokenKind::long_int);
     if (!number) fail(error::expected_integer);
@@ -62,7 +62,7 @@ std::vector<Expr*> Parser::bounds() {
 // Const name = constant { , name = constant }
 Stmt* Parser::constants() {
   Stmt* stmt = make(StmtKind::nothing);
-  ++position_;
+  advance();
   do {
     ConstDecl declared;
     declared.offset = token().offset;
@@ -81,9 +81,9 @@ Stmt* Parser::constants() {
 Expr* Parser::constant_value() {
   const Nesting nesting(*this, nested_statements_);
   if (at(TokenKind::minus) || at(TokenKind::plus)) {
-    Expr* expr = node(at(TokenKind::minus) ? ExprKind::negate : ExprKind::plus);
-    ++position_;
-    expr->left = constant_value();
+    InnerExpr* expr = inner_node(at(TokenKind::minus) ? ExprKind::negate : ExprKind::plus);
+    advance();
+    expr->left_part = constant_value();
     return finish(expr);
   }
   if (accept(TokenKind::open)) {
@@ -101,7 +101,7 @@ Expr* Parser::constant_value() {
 // ( Public | Private ) ( Const ... | [ Default ] procedure | variables )
 void Parser::visible_declaration(Stmt*& stmt) {
   const bool is_public = at(Keyword::public_);
-  ++position_;
+  advance();
   if (at(Keyword::const_)) {
     stmt = constants();
     return;
@@ -137,7 +137,7 @@ std::unique_ptr<ProcDecl> Parser::procedure_declaration(bool is_public, bool is_
   } else if (accept(Keyword::function)) {
     declared->kind = ProcKind::function;
   } else {
-    ++position_;
+    advance();
     if (accept(Keyword::get)) {
       declared->kind = ProcKind::get;
     } else if (accept(Keyword::let)) {
@@ -184,7 +184,7 @@ void Parser::parameters(ProcDecl& procedure) {
 }
 
 // block, or statement on the line of the head
-void Parser::procedure_block(std::vector<Stmt*>& body) {
+void Parser::procedure_block(HeapVector<Stmt*>& body) {
   if (!at_statement_end() && !at(Keyword::end)) {
     if (Stmt* stmt = statement()) body.push_back(stmt);
     if (at(Keyword::end)) return;
@@ -201,7 +201,9 @@ void Parser::procedure_body(ProcDecl& procedure) {
   const int loops_do = std::exchange(loops_do_, 0);
   const int loops_for = std::exchange(loops_for_, 0);
   const int blocks = std::exchange(blocks_, 0);
-  procedure_block(procedure.body);
+  auto body = ast_->arena.list<Stmt*>();
+  procedure_block(body);
+  procedure.body = ast_->arena.copy(body);
   procedure_ = outer;
   loops_do_ = loops_do;
   loops_for_ = loops_for;
@@ -221,7 +223,7 @@ void Parser::procedure_body(ProcDecl& procedure) {
 void Parser::class_declaration() {
   if (procedure_ != &ast_->main || blocks_ > 0) fail(error::syntax);
   auto declared = std::make_unique<ClassDecl>();
-  ++position_;
+  advance();
   declared->name_offset = token().offset;
   declared->symbol = expect_name();
   expect_statement_end();
@@ -229,7 +231,7 @@ void Parser::class_declaration() {
     class_member(*declared);
     if (!at_end_of(Keyword::class_)) expect_statement_end();
   }
-  ++position_;
+  advance();
   expect(Keyword::class_, error::expected_class);
   check_class(*declared);
   ast_->classes.push_back(std::move(declared));
@@ -240,11 +242,11 @@ void Parser::class_member(ClassDecl& declaration) {
   if (accept(Keyword::dim)) return class_fields(declaration, true);
   const bool visible = at(Keyword::public_) || at(Keyword::private_);
   const bool is_public = !at(Keyword::private_);
-  if (visible) ++position_;
+  if (visible) advance();
   bool is_default = false;
   if (at_word(Keyword::default_) && (ahead().kind == TokenKind::keyword || ahead().kind == TokenKind::name)) {
     if (!visible || !is_public) fail(error::default_not_public);
-    ++position_;
+    advance();
     is_default = true;
   }
   const bool is_property =

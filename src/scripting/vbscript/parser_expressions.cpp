@@ -85,9 +85,17 @@ Expr* Parser::node(ExprKind kind) {
   return expr;
 }
 
+InnerExpr* Parser::inner_node(ExprKind kind) {
+  auto* expr = ast_->arena.make<InnerExpr>();
+  expr->kind = kind;
+  expr->inner = true;
+  expr->offset = token().offset;
+  return expr;
+}
+
 // Whether the compiler takes `expr` and its left part in one go.
 bool continues_chain(const Expr& expr) {
-  const Expr* left = expr.left;
+  const Expr* left = expr.left();
   if (!left || left->kind != expr.kind) return false;
   if (expr.kind == ExprKind::member) return true;
   const bool joined = expr.op == Operator::concat;
@@ -98,10 +106,10 @@ bool continues_chain(const Expr& expr) {
 Expr* Parser::finish(Expr* expr) {
   const bool chained = continues_chain(*expr);
   int depth = 0;
-  if (expr->left) depth = expr->left->depth - (chained ? 1 : 0);
-  if (expr->right) depth = std::max<int>(depth, expr->right->depth);
-  for (const Expr* argument : expr->arguments) depth = std::max<int>(depth, argument->depth);
-  const int chain = chained ? expr->left->chain + 1 : 0;
+  if (expr->left()) depth = expr->left()->depth - (chained ? 1 : 0);
+  if (expr->right()) depth = std::max<int>(depth, expr->right()->depth);
+  for (const Expr* argument : expr->arguments()) depth = std::max<int>(depth, argument->depth);
+  const int chain = chained ? expr->left()->chain + 1 : 0;
   if (depth >= deepest_tree || chain >= longest_chain) fail(error::stack_space);
   expr->depth = static_cast<std::uint16_t>(depth + 1);
   expr->chain = static_cast<std::uint16_t>(chain);
@@ -118,17 +126,17 @@ Expr* Parser::binary(Expr* left, int lowest) {
   while (true) {
     const Binary op = binary_operator(token());
     if (op.precedence < lowest || op.precedence == 0) return left;
-    Expr* expr = node(ExprKind::binary);
-    ++position_;
+    InnerExpr* expr = inner_node(ExprKind::binary);
+    advance();
     expr->op = op.op;
-    expr->left = left;
+    expr->left_part = left;
     Expr* right = operand();
     while (true) {
       const Binary next = binary_operator(token());
       if (next.precedence <= op.precedence) break;
       right = binary(right, op.precedence + 1);
     }
-    expr->right = right;
+    expr->right_part = right;
     left = finish(expr);
   }
 }
@@ -137,9 +145,9 @@ Expr* Parser::binary(Expr* left, int lowest) {
 Expr* Parser::operand() {
   if (!at(Keyword::not_)) return unary();
   const Nesting nesting(*this, nested_expressions_);
-  Expr* expr = node(ExprKind::logical_not);
-  ++position_;
-  expr->left = binary(operand(), precedence_of_not + 1);
+  InnerExpr* expr = inner_node(ExprKind::logical_not);
+  advance();
+  expr->left_part = binary(operand(), precedence_of_not + 1);
   return finish(expr);
 }
 
@@ -147,14 +155,14 @@ Expr* Parser::operand() {
 Expr* Parser::unary() {
   if (at(TokenKind::minus) || at(TokenKind::plus)) {
     const Nesting nesting(*this, nested_expressions_);
-    Expr* expr = node(at(TokenKind::minus) ? ExprKind::negate : ExprKind::plus);
-    ++position_;
-    expr->left = unary();
+    InnerExpr* expr = inner_node(at(TokenKind::minus) ? ExprKind::negate : ExprKind::plus);
+    advance();
+    expr->left_part = unary();
     return finish(expr);
   }
   if (at(Keyword::new_)) {
     Expr* expr = node(ExprKind::new_object);
-    ++position_;
+    advance();
     expr->symbol = expect_name();
     return at(TokenKind::dot) ? postfix(expr) : expr;
   }
@@ -165,17 +173,18 @@ Expr* Parser::unary() {
 Expr* Parser::primary() {
   if (at(TokenKind::name)) {
     Expr* expr = node(ExprKind::name);
-    expr->symbol = tokens_[position_++].symbol;
+    expr->symbol = token().symbol;
+    advance();
     return expr;
   }
   if (at(Keyword::me)) {
     Expr* expr = node(ExprKind::me);
-    ++position_;
+    advance();
     return expr;
   }
   if (at(TokenKind::dot)) {
-    Expr* expr = node(ExprKind::member);
-    ++position_;
+    InnerExpr* expr = inner_node(ExprKind::member);
+    advance();
     expr->symbol = expect_name();
     return expr;
   }
@@ -232,7 +241,7 @@ Expr* Parser::literal() {
                ? error::expected_expression
                : error::syntax);
   }
-  ++position_;
+  advance();
   return expr;
 }
 
@@ -243,17 +252,17 @@ Expr* Parser::postfix(Expr* expr, bool statement) {
     if (at(TokenKind::dot)) {
       if (expr->kind >= ExprKind::integer && expr->kind <= ExprKind::empty && !expr->parenthesised)
         return expr;
-      Expr* member = node(ExprKind::member);
-      ++position_;
-      member->left = expr;
+      InnerExpr* member = inner_node(ExprKind::member);
+      advance();
+      member->left_part = expr;
       member->symbol = expect_name();
       expr = finish(member);
     } else if (at(TokenKind::open)) {
       if (expr->kind >= ExprKind::integer && expr->kind <= ExprKind::nothing) return expr;
-      Expr* call = node(ExprKind::call);
+      InnerExpr* call = inner_node(ExprKind::call);
       call->offset = expr->offset;
-      call->left = expr;
-      call->arguments = arguments_in_parentheses();
+      call->left_part = expr;
+      call->list = arguments_in_parentheses();
       expr = finish(call);
     } else {
       return expr;
@@ -279,16 +288,16 @@ bool Parser::argument_follows() const {
 
 // arguments: ( [ list ] )
 std::span<Expr*> Parser::arguments_in_parentheses() {
-  ++position_;
+  advance();
   if (accept(TokenKind::close)) return {};
-  const std::vector<Expr*> list = argument_list();
+  const HeapVector<Expr*> list = argument_list();
   expect(TokenKind::close, error::expected_close_parenthesis);
   return ast_->arena.copy(list);
 }
 
 // list: [ expression ] { , [ expression ] }
-std::vector<Expr*> Parser::argument_list() {
-  std::vector<Expr*> list;
+HeapVector<Expr*> Parser::argument_list() {
+  auto list = ast_->arena.list<Expr*>();
   do {
     const bool missing =
         at(TokenKind::comma) || at(TokenKind::close) || (at_statement_end() && !list.empty());

@@ -11,8 +11,13 @@ Stmt* Parser::make(StmtKind kind) {
   return stmt;
 }
 
+StmtParts& Parser::parts_of(Stmt& stmt) {
+  if (!stmt.more) stmt.more = ast_->arena.make<StmtParts>();
+  return *stmt.more;
+}
+
 // block: { statement separator }, up to a word that closes something
-void Parser::block(std::vector<Stmt*>& statements, Close close) {
+void Parser::block(HeapVector<Stmt*>& statements, Close close) {
   bool on_first_line = !at(TokenKind::end_of_line);
   skip_separators();
   while (!at(TokenKind::end_of_text)) {
@@ -52,7 +57,7 @@ bool Parser::at_end_of_declaration() const {
 
 Block Parser::block(Close close) {
   ++blocks_;
-  std::vector<Stmt*> statements;
+  auto statements = ast_->arena.list<Stmt*>();
   block(statements, close);
   --blocks_;
   return ast_->arena.copy(statements);
@@ -98,13 +103,13 @@ Stmt* Parser::keyword_statement() {
     case Keyword::redim:
       return redim();
     case Keyword::dim:
-      ++position_;
+      advance();
       return dim(true);
     case Keyword::const_:
       return constants();
     case Keyword::stop:
       stmt = make(StmtKind::nothing);
-      ++position_;
+      advance();
       return stmt;
     case Keyword::private_:
     case Keyword::public_:
@@ -152,19 +157,20 @@ Stmt* Parser::call_with_arguments(Stmt* stmt, Expr* target) {
     if (target->kind != ExprKind::name && target->kind != ExprKind::member) fail(error::expected_statement);
     return stmt;
   }
-  stmt->target = target->left;
+  stmt->target = target->left();
   if (ended) {
-    if (target->arguments.size() > 1) fail(error::no_parentheses);
-    stmt->arguments = target->arguments;
+    if (target->arguments().size() > 1) fail(error::no_parentheses);
+    stmt->arguments = target->arguments();
     if (!stmt->arguments.empty()) stmt->arguments[0]->parenthesised = true;
     return stmt;
   }
-  if (target->arguments.size() != 1) {
-    fail(target->arguments.empty() ? error::expected_end_of_statement : error::no_parentheses);
+  if (target->arguments().size() != 1) {
+    fail(target->arguments().empty() ? error::expected_end_of_statement : error::no_parentheses);
   }
-  Expr* first = target->arguments[0];
+  Expr* first = target->arguments()[0];
   first->parenthesised = true;
-  std::vector<Expr*> list{binary(first, 1)};
+  auto list = ast_->arena.list<Expr*>();
+  list.push_back(binary(first, 1));
   while (accept(TokenKind::comma)) {
     const bool missing = at(TokenKind::comma) || at_statement_end();
     list.push_back(missing ? node(ExprKind::missing) : expression());
@@ -176,11 +182,11 @@ Stmt* Parser::call_with_arguments(Stmt* stmt, Expr* target) {
 // Call target [ ( list ) ]
 Stmt* Parser::call_statement() {
   Stmt* stmt = make(StmtKind::expression_call);
-  ++position_;
+  advance();
   Expr* target = postfix(primary());
   if (target->kind == ExprKind::call) {
-    stmt->arguments = target->arguments;
-    target = target->left;
+    stmt->arguments = target->arguments();
+    target = target->left();
   }
   if (target->kind >= ExprKind::integer && target->kind <= ExprKind::nothing) fail(error::syntax);
   stmt->target = target;
@@ -190,7 +196,7 @@ Stmt* Parser::call_statement() {
 // Set target = expression
 Stmt* Parser::set_statement() {
   Stmt* stmt = make(StmtKind::set);
-  ++position_;
+  advance();
   if (!at(TokenKind::name) && !at(TokenKind::dot) && !at(Keyword::me)) fail(error::expected_identifier);
   stmt->target = postfix(primary());
   if (stmt->target->kind == ExprKind::me) fail(error::invalid_me, stmt->target->offset);
@@ -203,8 +209,9 @@ Stmt* Parser::set_statement() {
 Stmt* Parser::if_statement() {
   const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::if_);
-  ++position_;
-  std::vector<Branch> branches(1);
+  advance();
+  auto branches = ast_->arena.list<Branch>();
+  branches.emplace_back();
   branches[0].offset = stmt->offset;
   branches[0].condition = expression();
   expect(Keyword::then, error::expected_then);
@@ -213,27 +220,30 @@ Stmt* Parser::if_statement() {
   } else {
     one_line_if(branches);
   }
-  stmt->branches = ast_->arena.copy(branches);
+  parts_of(*stmt).branches = ast_->arena.copy(branches);
   return stmt;
 }
 
 // [ statements ] [ Else statements ] [ End If ]
-void Parser::one_line_if(std::vector<Branch>& branches) {
+void Parser::one_line_if(HeapVector<Branch>& branches) {
   ++blocks_;
   branches[0].body = one_line_block();
   if (at(Keyword::else_)) {
     Branch& branch = branches.emplace_back();
     branch.offset = token().offset;
-    ++position_;
+    advance();
     branch.body = one_line_block();
   }
   --blocks_;
-  if (at(Keyword::end) && ahead().keyword == Keyword::if_) position_ += 2;
+  if (at(Keyword::end) && ahead().keyword == Keyword::if_) {
+    advance();
+    advance();
+  }
 }
 
 // statements: statement { : statement }, up to Else, End If or the line's end
 Block Parser::one_line_block() {
-  std::vector<Stmt*> statements;
+  auto statements = ast_->arena.list<Stmt*>();
   while (accept(TokenKind::colon)) {
   }
   while (!at(TokenKind::end_of_line) && !at(Keyword::else_) && !at(Keyword::end)) {
@@ -250,12 +260,12 @@ Block Parser::one_line_block() {
 }
 
 // block { ElseIf expression Then block } [ Else block ] End If
-void Parser::many_line_if(std::vector<Branch>& branches) {
+void Parser::many_line_if(HeapVector<Branch>& branches) {
   branches[0].body = block();
   while (at(Keyword::elseif_)) {
     Branch& branch = branches.emplace_back();
     branch.offset = token().offset;
-    ++position_;
+    advance();
     branch.condition = expression();
     expect(Keyword::then, error::expected_then);
     branch.body = block(Close::on_first_line);
@@ -263,7 +273,7 @@ void Parser::many_line_if(std::vector<Branch>& branches) {
   if (at(Keyword::else_)) {
     Branch& branch = branches.emplace_back();
     branch.offset = token().offset;
-    ++position_;
+    advance();
     branch.body = block(Close::anywhere);
   }
   expect_end(Keyword::if_, 1012);
@@ -273,18 +283,18 @@ void Parser::many_line_if(std::vector<Branch>& branches) {
 Stmt* Parser::select_statement() {
   const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::select);
-  ++position_;
+  advance();
   expect(Keyword::case_, error::expected_case);
   stmt->value = expression();
   expect_statement_end();
-  std::vector<Branch> branches;
+  auto branches = ast_->arena.list<Branch>();
   while (at(Keyword::case_)) {
     Branch branch;
     branch.offset = token().offset;
-    ++position_;
+    advance();
     const bool otherwise = accept(Keyword::else_);
     if (!otherwise) {
-      std::vector<Expr*> tests;
+      auto tests = ast_->arena.list<Expr*>();
       do {
         tests.push_back(expression());
       } while (accept(TokenKind::comma));
@@ -296,7 +306,7 @@ Stmt* Parser::select_statement() {
   }
   stmt->end_offset = token().offset;
   expect_end(Keyword::select, error::expected_select);
-  stmt->branches = ast_->arena.copy(branches);
+  parts_of(*stmt).branches = ast_->arena.copy(branches);
   return stmt;
 }
 
@@ -304,10 +314,10 @@ Stmt* Parser::select_statement() {
 Stmt* Parser::do_statement() {
   const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::do_);
-  ++position_;
+  advance();
   const auto condition = [&] {
     stmt->flag = at(Keyword::until);
-    ++position_;
+    advance();
     stmt->value = expression();
   };
   if (at(Keyword::while_) || at(Keyword::until)) {
@@ -317,7 +327,7 @@ Stmt* Parser::do_statement() {
   }
   expect_statement_end();
   ++loops_do_;
-  stmt->body = block();
+  parts_of(*stmt).body = block();
   --loops_do_;
   stmt->end_offset = token().offset;
   expect(Keyword::loop, error::expected_loop);
@@ -332,10 +342,10 @@ Stmt* Parser::do_statement() {
 Stmt* Parser::while_statement() {
   const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::do_);
-  ++position_;
+  advance();
   stmt->value = expression();
   expect_statement_end();
-  stmt->body = block();
+  parts_of(*stmt).body = block();
   stmt->end_offset = token().offset;
   expect(Keyword::wend, error::expected_wend);
   return stmt;
@@ -345,7 +355,7 @@ Stmt* Parser::while_statement() {
 Stmt* Parser::for_statement() {
   const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::for_);
-  ++position_;
+  advance();
   if (at(Keyword::each)) return for_each(stmt);
   if (!at(TokenKind::name) && !at(TokenKind::dot) && !at(Keyword::me)) fail(error::expected_identifier);
   const std::size_t variable = token().offset;
@@ -354,11 +364,11 @@ Stmt* Parser::for_statement() {
   expect(TokenKind::equal, error::expected_equals);
   stmt->value = expression();
   expect(Keyword::to, error::expected_to);
-  stmt->to = expression();
-  if (accept_word(Keyword::step)) stmt->step = expression();
+  parts_of(*stmt).to = expression();
+  if (accept_word(Keyword::step)) parts_of(*stmt).step = expression();
   expect_statement_end();
   ++loops_for_;
-  stmt->body = block();
+  parts_of(*stmt).body = block();
   --loops_for_;
   stmt->end_offset = token().offset;
   expect(Keyword::next, error::expected_next);
@@ -367,7 +377,7 @@ Stmt* Parser::for_statement() {
 
 // For Each name In expression block Next
 Stmt* Parser::for_each(Stmt* stmt) {
-  ++position_;
+  advance();
   stmt->kind = StmtKind::for_each;
   if (!at(TokenKind::name)) fail(error::expected_identifier);
   const std::size_t variable = token().offset;
@@ -377,7 +387,7 @@ Stmt* Parser::for_each(Stmt* stmt) {
   stmt->value = expression();
   expect_statement_end();
   ++loops_for_;
-  stmt->body = block();
+  parts_of(*stmt).body = block();
   --loops_for_;
   stmt->end_offset = token().offset;
   expect(Keyword::next, error::expected_next);
@@ -388,10 +398,10 @@ Stmt* Parser::for_each(Stmt* stmt) {
 Stmt* Parser::with_statement() {
   const Nesting nesting(*this, nested_statements_);
   Stmt* stmt = make(StmtKind::with);
-  ++position_;
+  advance();
   stmt->value = expression();
   expect_statement_end();
-  stmt->body = block();
+  parts_of(*stmt).body = block();
   stmt->end_offset = token().offset;
   expect_end(Keyword::with, error::expected_with);
   return stmt;
@@ -400,7 +410,7 @@ Stmt* Parser::with_statement() {
 // Exit ( Do | For | Sub | Function | Property )
 Stmt* Parser::exit_statement() {
   Stmt* stmt = make(StmtKind::exit_procedure);
-  ++position_;
+  advance();
   const std::size_t what = token().offset;
   const ProcKind kind = procedure_->kind;
   bool fits = false;
@@ -424,7 +434,7 @@ Stmt* Parser::exit_statement() {
 // On Error ( Resume Next | GoTo 0 )
 Stmt* Parser::on_error() {
   Stmt* stmt = make(StmtKind::on_error_stop);
-  ++position_;
+  advance();
   expect(Keyword::error, error::syntax);
   if (accept(Keyword::resume)) {
     expect(Keyword::next, error::expected_next);
@@ -433,16 +443,16 @@ Stmt* Parser::on_error() {
   }
   expect(Keyword::goto_, error::syntax);
   if (!at(TokenKind::integer) || token().integer != 0) fail(error::syntax);
-  ++position_;
+  advance();
   return stmt;
 }
 
 // ReDim [ Preserve ] name ( bounds ) { , name ( bounds ) }
 Stmt* Parser::redim() {
   Stmt* stmt = make(StmtKind::redim);
-  ++position_;
+  advance();
   stmt->flag = accept(Keyword::preserve);
-  std::vector<VariableDecl> variables;
+  auto variables = ast_->arena.list<VariableDecl>();
   do {
     VariableDecl variable;
     variable.offset = token().offset;
@@ -457,14 +467,14 @@ Stmt* Parser::redim() {
     variable.bounds = list;
     variables.push_back(variable);
   } while (accept(TokenKind::comma));
-  stmt->declarations = ast_->arena.copy(variables);
+  parts_of(*stmt).declarations = ast_->arena.copy(variables);
   return stmt;
 }
 
 // Erase list
 Stmt* Parser::erase() {
   Stmt* stmt = make(StmtKind::erase);
-  ++position_;
+  advance();
   stmt->arguments = ast_->arena.copy(argument_list());
   return stmt;
 }

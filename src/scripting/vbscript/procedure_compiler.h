@@ -18,7 +18,7 @@ struct ModuleCompiler {
 };
 
 // The value of a constant's declaration.
-Value constant_value(const Expr& expr, const Ast& ast, Heap& heap);
+Value constant_value(const Expr& expr, const Ast& ast);
 
 // Compiles one procedure, or the top level of a text.
 class ProcedureCompiler {

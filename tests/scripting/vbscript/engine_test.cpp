@@ -157,7 +157,7 @@ TEST(EngineTest, CompileErrors) {
       {"Const c = x", 1045},
       {"Dim a(x)", 1026},
       {"f(1, 2)", 1044},
-      {"x = Me", 1037},
+      {"Set Me = x", 1037},
       {"x = 1 y = 2", 1025},
       {"Select x", 1021},
       {"For Each x Of y", 1046},

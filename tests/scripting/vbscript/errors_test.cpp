@@ -22,7 +22,7 @@ TEST(ErrorsTest, NameTheSubjectAsTheTextWritesIt) {
   expect_all({
       {"Dim x : x.foo", "error 424 (1, 9): Object required: 'x'"},
       {"x.foo.bar 1", "error 424 (1, 1): Object required: 'x'"},
-      {"Set x = Nothing : y = x.foo", "error 91 (1, 19): Object variable not set: 'x'"},
+      {"Set x = Nothing : y = x.foo", "error 424 (1, 19): Object required: 'x'"},
       {"Set d = CreateObject(\"Scripting.Dictionary\")\nd.Item(d.Item(1)).foo = 2",
        "error 424 (2, 1): Object required: 'd.Item(...)'"},
       {"Set r = New RegExp : r.Nope",
@@ -34,7 +34,7 @@ TEST(ErrorsTest, NameTheSubjectAsTheTextWritesIt) {
       {"x = 5 : y = x(1)", "error 13 (1, 9): Type mismatch: 'x'"},
       {"x = FormatNumber(Null)", "error 13 (1, 1): Type mismatch: 'FormatNumber'"},
       // Inside of executed text, which is gone when the error is told.
-      {"x = 1\nExecute \"y = 1\" & vbLf & \" q.z = 2\"", "error 424 (2, 2): Object required: 'q'"},
+      {"x = 1\nExecute \"y = 1\" & vbLf & \" q.z = 2\"", "error 424 (2, 1): Object required: 'q' (line 2, column 2 of the executed text)"},
   });
 }
 
@@ -52,7 +52,7 @@ TEST(ErrorsTest, TheFirstErrorOfATextIsTold) {
        "compile error 1056 (2, 16): 'Default' can be specified only with 'Property' or 'Function' or 'Sub'"},
       {"Const x = 1 + 2", "compile error 1025 (1, 13): Expected end of statement"},
       {"ReDim a.b(3)", "compile error 1005 (1, 8): Expected '('"},
-      {"x = Me", "compile error 1037 (1, 5): Invalid use of 'Me' keyword"},
+      {"Set Me = x", "compile error 1037 (1, 5): Invalid use of 'Me' keyword"},
   });
 }
 

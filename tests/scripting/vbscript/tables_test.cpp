@@ -60,12 +60,7 @@ constexpr const char* sums =
     "ctS\n";
 
 TEST(TablesTest, Sums) {
-  const std::string got = table_of("+");
-  // Empty and a Byte make an Integer: Empty is an Integer 0.
-  std::string expected = sums;
-  expected[3] = 'i';
-  expected[3 * 12] = 'i';
-  EXPECT_EQ(got, expected);
+  EXPECT_EQ(table_of("+"), sums);
 }
 
 TEST(TablesTest, Quotients) {

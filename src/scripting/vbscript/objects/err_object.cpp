@@ -25,10 +25,12 @@ Value text_member(Machine& machine, std::u16string& text, Use use, Arguments arg
 }
 
 Value source(Machine& machine, NativeObject&, Use use, Arguments arguments) {
+  machine.err().own_source |= use != Use::get;
   return text_member(machine, machine.err().source, use, arguments);
 }
 
 Value description(Machine& machine, NativeObject&, Use use, Arguments arguments) {
+  machine.err().own_description |= use != Use::get;
   return text_member(machine, machine.err().description, use, arguments);
 }
 
@@ -54,15 +56,20 @@ Value raise_error(Machine& machine, NativeObject&, Use, Arguments arguments) {
   const ErrState& err = machine.err();
   failure.number = static_cast<std::int32_t>(to_long(machine, arguments[0]));
   if (failure.number == 0 || failure.number > most_number) raise(error::invalid_call);
+  failure.number = number_of_system_code(failure.number);
   const auto text = [&](std::size_t i, const std::u16string& otherwise) {
     return arguments.has(i) ? std::u16string(Text(machine, arguments[i])) : otherwise;
   };
-  // What is left out comes from Err where it tells of the same error.
+  // What is left out comes from Err where a script put it there, or where it tells of the same error.
   const bool same = err.number == failure.number;
   const std::string_view known = error_text(failure.number);
   const std::u16string standard = to_utf16(known.empty() ? "Unknown runtime error" : known);
-  failure.source = text(1, same && !err.source.empty() ? err.source : u"Microsoft VBScript runtime error");
-  failure.description = text(2, same && !err.description.empty() ? err.description : standard);
+  const bool keeps_source = err.own_source || (same && !err.source.empty());
+  const bool keeps_description = err.own_description || (same && !err.description.empty());
+  failure.source = text(1, keeps_source ? err.source : u"Microsoft VBScript runtime error");
+  failure.description = text(2, keeps_description ? err.description : standard);
+  failure.own_source = err.own_source || arguments.has(1);
+  failure.own_description = err.own_description || arguments.has(2);
   failure.help_file = text(3, u"");
   if (arguments.has(4)) failure.help_context = static_cast<std::int32_t>(to_long(machine, arguments[4]));
   throw failure;

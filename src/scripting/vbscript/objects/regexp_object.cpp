@@ -43,9 +43,12 @@ class Matches {
     if (done_ || from_ > text_.size()) return false;
     machine_.check_time();
     try {
-      if (!engine_.find(text_, from_, match)) return false;
-    } catch (const Error&) {  // no pattern
-      return false;
+      if (!engine_.find(text_, from_, match)) {
+        if (engine_.limit_reached()) refuse();
+        return false;
+      }
+    } catch (const Error& error) {
+      raise(error_text(error.number()).empty() ? error::regexp_object_expected : error.number());
     }
     from_ = match.whole.offset + match.whole.length + (match.whole.length == 0 ? 1 : 0);
     done_ = !all_;
@@ -55,6 +58,15 @@ class Matches {
   RegExpMatch match;
 
  private:
+  // Not to know is not the same as no match: whoever writes the text could choose the answer.
+  [[noreturn]] static void refuse() {
+    Failure failure;
+    failure.number = error::regexp_limit;
+    failure.description = u"The regular expression takes too long on this text; the search was given up";
+    failure.source = u"Microsoft VBScript runtime error";
+    throw failure;
+  }
+
   Machine& machine_;
   RegExp& engine_;
   std::u16string_view text_;
@@ -99,7 +111,7 @@ std::u16string_view part(std::u16string_view text, const RegExpMatch::Span& span
 Value execute(Machine& machine, NativeObject& object, Use, Arguments arguments) {
   const Ref<String> text = to_string(machine, arguments[0]);
   Heap& heap = machine.heap;
-  std::vector<Value> found;
+  HeapVector<Value> found{HeapAllocator<Value>(heap)};
   for (Matches matches(machine, self(object), text->view()); matches.next();) {
     const RegExpMatch& match = matches.match;
     Ref<Array> groups = make_list(heap, match.groups.size());
@@ -120,7 +132,7 @@ Value execute(Machine& machine, NativeObject& object, Use, Arguments arguments) 
 }
 
 // Adds the replacement of one match: $1 to $99, $&, $`, $', $$.
-void expand(std::u16string& out, std::u16string_view with, std::u16string_view text,
+void expand(HeapText& out, std::u16string_view with, std::u16string_view text,
             const RegExpMatch& match) {
   for (std::size_t i = 0; i < with.size(); ++i) {
     const char16_t next = i + 1 < with.size() ? with[i + 1] : u'\0';
@@ -159,8 +171,10 @@ void expand(std::u16string& out, std::u16string_view with, std::u16string_view t
 
 Value replace(Machine& machine, NativeObject& object, Use, Arguments arguments) {
   const Ref<String> text = to_string(machine, arguments[0]);
-  const Ref<String> with = to_string(machine, arguments[1]);
-  std::u16string result;
+  // True is written as a number here.
+  const Value replacement = arguments[1].is(Type::boolean) ? Value::integer(arguments[1].i()) : arguments[1];
+  const Ref<String> with = to_string(machine, replacement);
+  HeapText result{HeapAllocator<char16_t>(machine.heap)};
   std::size_t copied = 0;
   for (Matches matches(machine, self(object), text->view()); matches.next();) {
     const RegExpMatch::Span& whole = matches.match.whole;

@@ -31,6 +31,8 @@ WScript.Echo Err.Number                               '=> 5
 Err.Raise 1234, "me", "mine"
 WScript.Echo Err.Number, Err.Source, Err.Description  '=> 1234 me mine
 Err.Raise vbObjectError + 1
+WScript.Echo Err.Number, Err.Description              '=> -2147221503 mine
+Err.Clear : Err.Raise vbObjectError + 1
 WScript.Echo Err.Number, Err.Description              '=> -2147221503 Unknown runtime error
 On Error GoTo 0
 WScript.Echo Err.Number                               '=> 0
@@ -38,8 +40,10 @@ On Error Resume Next
 Set o = 5 : WScript.Echo Err.Number : Err.Clear       '=> 424
 o.Foo : WScript.Echo Err.Number : Err.Clear           '=> 424
 Set n = Nothing
-n.Foo : WScript.Echo Err.Number : Err.Clear           '=> 91
-Set q = New Missing : WScript.Echo Err.Number : Err.Clear   '=> 506
+n.Foo : WScript.Echo Err.Number : Err.Clear           '=> 424
+x = n + 1 : WScript.Echo Err.Number : Err.Clear       '=> 91
+Set q = New Missing : WScript.Echo Err.Number : Err.Clear   '=> 500
+Set q = New n : WScript.Echo Err.Number : Err.Clear   '=> 506
 Set q = CreateObject("Some.Thing") : WScript.Echo Err.Number : Err.Clear  '=> 429
 Set d = CreateObject("Scripting.Dictionary")
 d.Foo : WScript.Echo Err.Number : Err.Clear           '=> 438
@@ -51,4 +55,4 @@ x = .Foo : WScript.Echo Err.Number : Err.Clear        '=> 505
 Execute "x = (" : WScript.Echo Err.Number             '=> 1023
 On Error GoTo 0
 x = 1
-  y = Undefined_(3) '=> error 13 (54, 3): Type mismatch: 'Undefined_'
+  y = Undefined_(3) '=> error 13 (58, 3): Type mismatch: 'Undefined_'
