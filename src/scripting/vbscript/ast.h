@@ -142,6 +142,7 @@ enum class StmtKind : std::uint8_t {
   if_,       // branches
   select,    // value, branches
   do_,       // condition (may be null), until, at_end
+  while_,    // condition
   for_,      // target, from value, to, step
   for_each,  // target, value
   with,      // value

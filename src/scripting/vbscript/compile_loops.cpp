@@ -7,8 +7,9 @@ namespace zrl::vbs {
 void ProcedureCompiler::do_loop(const Stmt& stmt) {
   Label start;
   Label exit;
-  const bool is_do = true;
-  loops_.push_back({!is_do, &exit});
+  // Exit Do in a While leaves the Do around it.
+  const bool is_do = stmt.kind == StmtKind::do_;
+  if (is_do) loops_.push_back({false, &exit});
   code_.bind(start);
   const auto test = [&](Label& leave) {
     if (!stmt.flag) return condition(*stmt.value, leave);
@@ -24,7 +25,7 @@ void ProcedureCompiler::do_loop(const Stmt& stmt) {
   if (stmt.value && stmt.at_end) test(exit);
   code_.jump(Op::loop, 0, start);
   code_.bind(exit);
-  loops_.pop_back();
+  if (is_do) loops_.pop_back();
 }
 
 Register ProcedureCompiler::loop_variable(const Expr& target) {

@@ -100,6 +100,7 @@ void ProcedureCompiler::statement(const Stmt& stmt) {
       select(stmt);
       break;
     case StmtKind::do_:
+    case StmtKind::while_:
       do_loop(stmt);
       break;
     case StmtKind::for_:

@@ -341,7 +341,7 @@ Stmt* Parser::do_statement() {
 // While expression block Wend
 Stmt* Parser::while_statement() {
   const Nesting nesting(*this, nested_statements_);
-  Stmt* stmt = make(StmtKind::do_);
+  Stmt* stmt = make(StmtKind::while_);
   advance();
   stmt->value = expression();
   expect_statement_end();
