@@ -145,18 +145,18 @@ Value trim(Machine& machine, Arguments arguments) {
   return text_value(machine, rest);
 }
 
-// Where `find` lies in `text`, at most `most` times.
-HeapVector<std::size_t> places_of(Machine& machine, std::u16string_view text, std::u16string_view find,
-                                  std::size_t from, std::size_t most) {
-  HeapVector<std::size_t> places{HeapAllocator<std::size_t>(machine.heap)};
-  while (places.size() < most) {
+// Walks over the places of `find` in `text`, at most `most` of them.
+template <class Action>
+void for_each_place(Machine& machine, std::u16string_view text, std::u16string_view find, std::size_t most,
+                    Action action) {
+  std::size_t from = 0;
+  for (std::size_t places = 0; places < most; ++places) {
     const std::size_t found = find_text(machine.heap, text, find, from);
-    if (found == text.npos) break;
-    places.push_back(found);
+    if (found == text.npos) return;
+    action(found);
+    machine.heap.work(found + find.size() - from);
     from = found + find.size();
-    if (places.size() % 65536 == 0) machine.check_time();
   }
-  return places;
 }
 
 Value replace(Machine& machine, Arguments arguments) {
@@ -171,24 +171,27 @@ Value replace(Machine& machine, Arguments arguments) {
       whole.view().substr(std::min(static_cast<std::size_t>(start - 1), whole.view().size()));
   if (find.view().empty() || count == 0) return text_value(machine, text);
   const auto most = count < 0 ? text.npos : static_cast<std::size_t>(count);
-  const HeapVector<std::size_t> places =
-      ignoring_case ? places_of(machine, lower(machine, text), lower(machine, find), 0, most)
-                    : places_of(machine, text, find, 0, most);
-  if (places.empty()) return text_value(machine, text);
-  const std::size_t kept = text.size() - places.size() * find.view().size();
-  if (!with.view().empty() && places.size() > machine.limits().string_units / with.view().size()) {
+  const HeapText lower_text = lower(machine, ignoring_case ? text : std::u16string_view());
+  const HeapText lower_find = lower(machine, find);
+  const std::u16string_view searched = ignoring_case ? std::u16string_view(lower_text) : text;
+  const std::u16string_view sought = ignoring_case ? std::u16string_view(lower_find) : find.view();
+  // Counted first, so that nothing but the result takes memory.
+  std::size_t places = 0;
+  for_each_place(machine, searched, sought, most, [&](std::size_t) { ++places; });
+  if (places == 0) return text_value(machine, text);
+  const std::size_t kept = text.size() - places * find.view().size();
+  if (!with.view().empty() && places > machine.heap.string_limit() / with.view().size()) {
     raise(error::string_space);
   }
-  Ref<String> result = machine.heap.blank_string(kept + places.size() * with.view().size());
+  Ref<String> result = machine.heap.blank_string(kept + places * with.view().size());
   char16_t* next = result->units();
-  std::size_t copied = 0;
-  for (const std::size_t place : places) {
-    next = std::copy(text.begin() + static_cast<std::ptrdiff_t>(copied),
-                     text.begin() + static_cast<std::ptrdiff_t>(place), next);
+  const char16_t* copied = text.data();
+  for_each_place(machine, searched, sought, most, [&](std::size_t place) {
+    next = std::copy(copied, text.data() + place, next);
     next = std::copy(with.view().begin(), with.view().end(), next);
-    copied = place + find.view().size();
-  }
-  std::copy(text.begin() + static_cast<std::ptrdiff_t>(copied), text.end(), next);
+    copied = text.data() + place + find.view().size();
+  });
+  std::copy(copied, text.data() + text.size(), next);
   return Value(std::move(result));
 }
 

@@ -163,27 +163,28 @@
     DISPATCH();                                                               \
   }
 
-// An element of a list that nobody else shares.
-#define LET_INDEX(name, assigned)                                                                   \
-  op_##name : {                                                                                     \
-    Value& callee = R[pc->a].get();                                                                 \
-    const Value& place = R[pc->b];                                                                  \
-    const Value& value = assigned;                                                                  \
-    if (callee.is(Type::array) && (place.is(Type::integer) || place.is(Type::long_integer)) &&      \
-        static_cast<int>(value.type()) < static_cast<int>(Type::reference)) {                       \
-      const Array& array = *callee.array();                                                         \
-      const auto position = static_cast<std::uint64_t>(place.i());                                  \
-      if (array.dimensions == 1 && position < array.count && array.references <= 1 + array.locks) { \
-        Value& element = array.elements[position];                                                  \
-        if (!element.counted()) {                                                                   \
-          element = Value(value);                                                                   \
-          NEXT(1);                                                                                  \
-        }                                                                                           \
-      }                                                                                             \
-    }                                                                                               \
-    SAVE();                                                                                         \
-    let_index(R[pc->a], R[pc->b], assigned);                                                        \
-    SETTLE(1);                                                                                      \
+// An element of a list that nobody else shares; neither what it was nor what it becomes is an object or
+// array.
+#define LET_INDEX(name, assigned)                                                                         \
+  op_##name : {                                                                                           \
+    Value& callee = R[pc->a].get();                                                                       \
+    const Value& place = R[pc->b];                                                                        \
+    const Value& value = assigned;                                                                        \
+    if (callee.is(Type::array) && (place.is(Type::integer) || place.is(Type::long_integer)) &&            \
+        static_cast<int>(value.type()) <= static_cast<int>(Type::string) && !value.is(Type::reference)) { \
+      const Array& array = *callee.array();                                                               \
+      const auto position = static_cast<std::uint64_t>(place.i());                                        \
+      if (array.dimensions == 1 && position < array.count && array.references <= 1 + array.locks) {       \
+        Value& element = array.elements[position];                                                        \
+        if (static_cast<int>(element.type()) <= static_cast<int>(Type::string)) {                         \
+          element = Value(value);                                                                         \
+          NEXT(1);                                                                                        \
+        }                                                                                                 \
+      }                                                                                                   \
+    }                                                                                                     \
+    SAVE();                                                                                               \
+    let_index(R[pc->a], R[pc->b], assigned);                                                              \
+    SETTLE(1);                                                                                            \
   }
 
 // NOLINTEND(bugprone-macro-parentheses)
