@@ -33,7 +33,8 @@ set(rules
   "host/sample/     : host/sample/ core/ core/contracts/ core/text/"
   "host/web/        : host/web/ host/ core/ core/contracts/ core/text/ catalogue/"
   "host/command/    : host/command/ host/ host/sample/ core/ core/contracts/ core/text/ catalogue/
-                      host/web/web_host.h scripting/vbscript/engine.h components/pcre2/pcre2.h"
+                      host/web/web_host.h scripting/vbscript/engine.h scripting/vbscript/source_text.h
+                      scripting/console_lookups.h scripting/folder_script_files.h components/pcre2/pcre2.h"
   "host/            : host/ core/ core/contracts/ core/text/ net/ components/*/*.h
                       pages/lists/remote_update.h scripting/vbscript/engine.h"
 )

@@ -43,6 +43,30 @@ constexpr std::size_t title_limit = 256;
 
 }  // namespace
 
+ConsoleScriptHost::ConsoleScriptHost(Console& console)
+    : console_(console), files_(console.folder() / "scripts"), lookups_(console) {}
+
+void ConsoleScriptHost::begin_operation() {
+  boxes_ = 0;
+  echoed_ = 0;
+  lines_.clear();
+}
+
+void ConsoleScriptHost::echo(const std::string& text) {
+  if (++echoed_ > line_limit) return;
+  const bool last = echoed_ == line_limit;
+  lines_.push_back(last ? "..." : std::string(beginning_of(text, text_limit)));
+  console_.attempt(ActivityRecord::Kind::component, "Echo " + lines_.back(), Console::Step::write, [&] {
+    if (last)
+      throw Error(error_number::invalid_call, "a script has printed too many lines; no more are kept");
+  });
+}
+
+void ConsoleScriptHost::script_stopped(const vbs::ScriptError& error) {
+  console_.attempt(ActivityRecord::Kind::component, "Class_Terminate " + error.name, Console::Step::read,
+                   [&] { throw Error(error.number, error.description); });
+}
+
 int ConsoleScriptHost::msg_box(const std::string& text, int buttons, const std::string& title) {
   const Replies& answers = replies_of(buttons);
   return show_box(text, buttons, title) ? answers.accepted : answers.refused;

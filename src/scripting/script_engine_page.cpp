@@ -211,7 +211,7 @@ void ScriptEnginePage::run_script() {
   if (scriptsource.text().empty() || !runner_) return;
   runner_->loaddb();
   const vbs::ScriptValue result = runner_->call_vbs(current_script_, test_input());
-  outputlabel.set_caption(translate("The result of your script is: ") + result.text);
+  outputlabel.set_caption(translate("The result of your script is: ") + result.text + echoed_text());
   mark_problems();
 }
 
@@ -220,8 +220,15 @@ void ScriptEnginePage::run_position() {
   if (!runner_) return;
   runner_->load_into_engine(conn, upper(sposition.text()));
   const std::int32_t sum = runner_->call_all(test_input(), sposition.text());
-  Label4.set_caption(translate("The result of your scripts are: ") + std::to_string(sum));
+  Label4.set_caption(translate("The result of your scripts are: ") + std::to_string(sum) + echoed_text());
   mark_problems();
+}
+
+// What the scripts printed, each line below the result.
+std::string ScriptEnginePage::echoed_text() const {
+  std::string text;
+  for (const std::string& line : runner_->echoed()) text += "\n" + line;
+  return text;
 }
 
 void ScriptEnginePage::update_database() {

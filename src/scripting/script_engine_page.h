@@ -84,6 +84,7 @@ class ScriptEnginePage : public Page {
 
   void changed() { savechunk.set_enabled(true); }
   std::string test_input() const;
+  std::string echoed_text() const;
   void mark_problems();
 
   std::unique_ptr<ScriptRunner> runner_;  // null while the page is not shown

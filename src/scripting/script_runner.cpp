@@ -34,7 +34,7 @@ class ScriptRunner::Turn {
   Turn(ScriptRunner& runner, std::string_view operation) : runner_(runner), mine_(!runner.in_use_) {
     runner_.in_use_ = true;
     if (mine_) {
-      runner_.host_.allow_boxes();
+      runner_.host_.begin_operation();
     } else {
       runner_.failed(Kind::sql, operation, "a script is still running");
     }
@@ -59,7 +59,7 @@ std::string ScriptRunner::Problem::description() const {
 }
 
 ScriptRunner::ScriptRunner(Console& console, const vbs::Limits& limits)
-    : DatabaseClient(console), host_(console), script_host_(host_, limits) {
+    : DatabaseClient(console), host_(console), script_host_(host_, limits, true) {
   logger_ = component<Logger>();
 }
 

@@ -53,6 +53,9 @@ class ScriptRunner : private DatabaseClient {
   static constexpr std::size_t problem_limit = 100;  // further ones are only recorded
   const std::vector<Problem>& problems() const { return problems_; }
 
+  // What scripts printed with WScript.Echo in the last operation that ran any; a bounded number of lines.
+  const std::vector<std::string>& echoed() const { return host_.lines(); }
+
   bool last_log_result() const { return last_log_result_; }
 
  private:

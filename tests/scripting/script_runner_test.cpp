@@ -1,5 +1,7 @@
 #include "scripting/script_runner.h"
 
+#include <fstream>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -175,6 +177,63 @@ TEST_F(ScriptRunnerTest, BoxesGoToTheHostAndAreCounted) {
   EXPECT_EQ(run(runner, "BODY"), 1);
   EXPECT_THAT(host.boxes, SizeIs(ConsoleScriptHost::box_limit));
   EXPECT_LT(host.boxes[0].text.size(), 5000u);
+}
+
+TEST_F(ScriptRunnerTest, LinesOfWScriptGoIntoTheActivityAndTheResult) {
+  put("prints", "AV", 1, 1,
+      "Function prints(input)\nWScript.Echo WScript.ScriptName, input, "
+      "WScript.Arguments.Count\nWScript.Sleep 1\n"
+      "prints = 1\nEnd Function");
+  put("flood", "BODY", 1, 1, "Function flood(input)\nFor i = 1 To 1000: WScript.Echo i: Next\nEnd Function");
+  EXPECT_EQ(run(runner, "AV", "x"), 1);
+  EXPECT_THAT(runner.echoed(), ElementsAre("prints x 0"));
+  EXPECT_THAT(activity(), Contains("Echo prints x 0"));
+  EXPECT_EQ(run(runner, "BODY"), 0);
+  EXPECT_THAT(runner.echoed(), SizeIs(ConsoleScriptHost::line_limit));
+}
+
+TEST_F(ScriptRunnerTest, ScriptsReadFilesOfTheirFolderAlone) {
+  std::filesystem::create_directories(folder.path() / "scripts/lib");
+  std::ofstream(folder.path() / "scripts/lib/twice.vbs")
+      << "Function Twice(x) : Twice = x * 2 : End Function";
+  std::ofstream(folder.path() / "secret.txt") << "secret";
+  std::filesystem::create_symlink(folder.path() / "secret.txt", folder.path() / "scripts/link.txt");
+  std::ofstream(folder.path() / "scripts/large.txt") << std::string(FolderScriptFiles::largest + 1, 'x');
+  put("reads", "AV", 1, 1, R"(Function reads(path)
+  On Error Resume Next
+  Set files = CreateObject("Scripting.FileSystemObject")
+  ExecuteGlobal files.OpenTextFile(path).ReadAll
+  reads = Err.Number
+  If reads = 0 Then reads = Twice(21)
+  If files.FileExists(path) Then reads = reads + 1000
+End Function)");
+  runner.load_into_engine(conn, "AV");
+  EXPECT_EQ(runner.call_vbs("reads", "lib\\twice.vbs").number, 1042);
+  EXPECT_EQ(runner.call_vbs("reads", "missing.vbs").number, 53);
+  EXPECT_EQ(runner.call_vbs("reads", "lib").number, 53);
+  EXPECT_EQ(runner.call_vbs("reads", "large.txt").number, 1007);
+  for (const std::string& path :
+       {std::string("../secret.txt"), std::string("link.txt"), std::string("/etc/passwd"),
+        (folder.path() / "secret.txt").string(), std::string("lib/../../secret.txt")}) {
+    EXPECT_EQ(runner.call_vbs("reads", path).number, 70) << path;
+  }
+}
+
+TEST_F(ScriptRunnerTest, ScriptsAskForEntriesOfLists) {
+  execute("INSERT INTO whitemail (entry) VALUES ('friend@example.com')");
+  put("asks", "AV", 1, 1, R"(Function asks(entry)
+  Set ask = CreateObject("Console.Lookup")
+  On Error Resume Next
+  asks = ask.HasEntry("WhiteMail", entry) & ask.HasEntry("words", entry)
+  ask.HasEntry "pop3", entry
+  asks = asks & Err.Number
+  Err.Clear
+  ask.Listed "list.example.org", "no address"
+  asks = asks & Err.Number & ask.Address("")
+End Function)");
+  runner.load_into_engine(conn, "AV");
+  EXPECT_EQ(runner.call_vbs("asks", "friend@example.com").text, "TrueFalse55");
+  EXPECT_EQ(runner.call_vbs("asks", "it's nobody").text, "FalseFalse55");
 }
 
 // The web host lets events of the page run while a box is open.

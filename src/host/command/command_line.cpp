@@ -39,7 +39,8 @@ Examples:
 
 constexpr const char* help_of_script = R"(
 The files share one global module and run in their order. Scripts have the object
-WScript with Echo and Quit.
+WScript with Echo, Quit and Sleep, read files beside the first one, and may ask the
+look-ups of the console in the folder, as docs/scripting.md tells.
 
 Examples:
   zrlconsole script check.vbs
@@ -107,7 +108,7 @@ struct Parser {
     act->positionals_at_end();
     act->footer(help_of_do);
 
-    script = app.add_subcommand("script", "Run script files, without a database");
+    script = app.add_subcommand("script", "Run script files");
     script->add_flag("--check", arguments.script.check, "Compile them only");
     script->add_option("--call", arguments.script.call, "Then call NAME with INPUT and print its result")
         ->type_name("NAME INPUT")
@@ -135,7 +136,11 @@ int run(const Parser& parser, const Program& program, std::istream& in, std::ost
   if (*parser.init) return run_init(arguments, out);
   if (*parser.pages) return run_pages(arguments, program, out);
   if (*parser.act) return run_do(arguments, program, in, out, err);
-  if (*parser.script) return run_script(arguments.script, in, out, err);
+  if (*parser.script) {
+    ScriptOptions options = arguments.script;
+    options.folder = arguments.folder;
+    return run_script(options, in, out, err);
+  }
   if (*parser.get) return run_registry_get(arguments, out);
   if (*parser.set) return run_registry_set(arguments);
   if (*parser.remove) return run_registry_delete(arguments);

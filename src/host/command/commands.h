@@ -12,9 +12,10 @@ namespace zrl::command {
 
 // What `script` was told on the command line.
 struct ScriptOptions {
-  bool check = false;             // compile only
-  std::vector<std::string> call;  // empty, or a procedure's name and its input
-  std::vector<std::string> files;
+  bool check = false;              // compile only
+  std::vector<std::string> call;   // empty, or a procedure's name and its input
+  std::vector<std::string> files;  // at least one
+  std::filesystem::path folder;    // of the console whose look-ups scripts may ask
 };
 
 // What the parser found; a command reads what it knows.
@@ -47,9 +48,10 @@ int run_registry_get(const Arguments& arguments, std::ostream& out);
 int run_registry_set(const Arguments& arguments);
 int run_registry_delete(const Arguments& arguments);
 
-// Runs script files in one global module. WScript.Echo, MsgBox and the result of the call go to `out`,
-// errors to `err` as FILE(LINE, COLUMN) and their text. Returns the exit status: 1 after an error,
-// else what the script gave WScript.Quit.
+// Runs script files in one global module; they may be in UTF-8, UTF-16 with its mark, or Windows-1252, which
+// `err` is told. They read files in the folder of the first one. WScript.Echo, MsgBox and the result of the
+// call go to `out`, errors to `err` as FILE(LINE, COLUMN) and their text. Returns the exit status: 1 after an
+// error, else what the script gave WScript.Quit.
 int run_script(const ScriptOptions& options, std::istream& in, std::ostream& out, std::ostream& err);
 
 }  // namespace zrl::command

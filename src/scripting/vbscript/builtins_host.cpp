@@ -1,6 +1,9 @@
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/machine.h"
+#include "scripting/vbscript/objects/array_list.h"
 #include "scripting/vbscript/objects/dictionary.h"
+#include "scripting/vbscript/objects/file_objects.h"
+#include "scripting/vbscript/objects/lookup_object.h"
 #include "scripting/vbscript/objects/regexp_object.h"
 #include "scripting/vbscript/unicode.h"
 
@@ -105,16 +108,52 @@ std::span<const Builtin> host_functions() {
   return functions;
 }
 
-// Dictionaries and regular expressions; nothing else can be made.
+namespace {
+
+template <class T>
+Value made(Machine& machine) {
+  return Value(Ref<Object>(machine.heap.make<T>().get()));
+}
+
+// Objects that the host stands behind.
+Value file_system(Machine& machine) {
+  return machine.host().files() ? made<FileSystemObject>(machine) : Value();
+}
+
+Value lookup(Machine& machine) {
+  return machine.host().lookups() ? made<LookupObject>(machine) : Value();
+}
+
+struct Creatable {
+  std::u16string_view name;  // in lower case
+  Value (*make)(Machine& machine);
+};
+
+constexpr Creatable creatables[] = {
+    {u"scripting.dictionary", made<Dictionary>},
+    {u"scripting.filesystemobject", file_system},
+    {u"system.collections.arraylist", made<ArrayList>},
+    {u"vbscript.regexp", made<RegexpObject>},
+    {u"regexp", made<RegexpObject>},
+    {u"console.lookup", lookup},
+};
+
+}  // namespace
+
 Value Machine::create_object(std::u16string_view class_name) {
   const std::u16string lower = lower_cased(class_name);
-  if (lower == u"scripting.dictionary") {
-    return Value(Ref<Object>(memory_.make<Dictionary>().get()));
+  for (const Creatable& creatable : creatables) {
+    if (creatable.name != lower) continue;
+    Value object = creatable.make(*this);
+    if (object.is(Type::object)) return object;
   }
-  if (lower == u"vbscript.regexp" || lower == u"regexp") {
-    return Value(Ref<Object>(memory_.make<RegexpObject>().get()));
-  }
-  raise(error::cannot_create, std::u16string(class_name));
+  Failure failure;
+  failure.number = error::cannot_create;
+  failure.description = to_utf16(error_text(failure.number));
+  failure.source = u"Microsoft VBScript runtime error";
+  failure.subject = std::u16string(class_name);
+  failure.note = u"scripts reach nothing outside of the console, by design";
+  throw failure;
 }
 
 }  // namespace zrl::vbs

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "core/contracts/regexp.h"
+#include "scripting/vbscript/host_services.h"
 #include "scripting/vbscript/limits.h"
 
 // The script engine: an embedded interpreter of the language "vbscript". All texts here are UTF-8.
@@ -38,6 +39,9 @@ class EngineHost {
   virtual void echo(const std::string& text) = 0;
   // A new regular expression; nullptr where there are none.
   virtual std::shared_ptr<RegExp> make_regexp() { return nullptr; }
+  // nullptr where there are none; they live as long as the host.
+  virtual ScriptFiles* files() { return nullptr; }
+  virtual Lookups* lookups() { return nullptr; }
   // A Class_Terminate that a reset or the engine's end set off was stopped for its time.
   virtual void script_stopped(const ScriptError& error) { (void)error; }
 };

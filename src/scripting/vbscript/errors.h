@@ -18,6 +18,7 @@ inline constexpr std::int32_t array_locked = 10;
 inline constexpr std::int32_t division_by_zero = 11;
 inline constexpr std::int32_t type_mismatch = 13;
 inline constexpr std::int32_t string_space = 14;
+inline constexpr std::int32_t cannot_perform = 17;  // a limit of the host's
 inline constexpr std::int32_t stack_space = 28;
 inline constexpr std::int32_t object_not_set = 91;
 inline constexpr std::int32_t for_not_initialised = 92;
@@ -36,7 +37,6 @@ inline constexpr std::int32_t illegal_assignment = 501;
 inline constexpr std::int32_t unqualified_reference = 505;
 inline constexpr std::int32_t undefined_class = 506;
 inline constexpr std::int32_t stopped = 507;  // by the time limit; nothing handles it
-inline constexpr std::int32_t regexp_limit = 17;
 inline constexpr std::int32_t regexp_object_expected = 5016;
 inline constexpr std::int32_t regexp_syntax = 5017;
 inline constexpr std::int32_t element_not_found = 32811;
@@ -109,6 +109,8 @@ struct Failure {
   std::int32_t help_context = 0;
   // What the text names, for the report of an error that nobody handled: a variable, a function.
   std::u16string subject;
+  // What the report adds, for whoever reads it.
+  std::u16string note;
   // In a text that Execute was to run and that did not compile.
   TextPlace inner;
   // Whether the script itself gave source and description: an error that it raises next without its own

@@ -18,6 +18,7 @@ struct Limits {
   std::size_t most_memory = std::size_t{1} << 30;    // bytes
   std::size_t string_units = std::size_t{12} << 20;  // 16-bit units of one string
   std::size_t call_depth = 10'000;                   // procedures that wait for each other
+  std::size_t lookups = 100;                         // questions of Console.Lookup in one call from outside
 };
 
 }  // namespace zrl::vbs

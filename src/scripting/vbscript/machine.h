@@ -91,6 +91,12 @@ class Machine final : public Context {
   // Starts the clock of a call from outside.
   void start_clock();
   void check_time() override;
+  // One more question to the host's look-ups; raises 17 when the call had its share.
+  void count_lookup();
+  // Waits; that is time of the call.
+  void sleep(std::chrono::milliseconds time);
+  // The name of the text whose code runs; empty where none does.
+  std::string running_text() const;
   // While one lives, the script waits for a person; that is no time of the call.
   class Pause {
    public:
@@ -232,6 +238,7 @@ class Machine final : public Context {
   };
   std::vector<Waiting> waiting_;
 
+  std::size_t lookups_ = 0;       // in this call
   std::size_t longest_text_ = 0;  // units
   std::int64_t countdown_ = instructions_between_checks;
   std::chrono::steady_clock::time_point deadline_{};
@@ -247,6 +254,7 @@ class Machine final : public Context {
   Subject error_subject_;
   ErrorPlace error_place_;  // once error_module_ is gone
   bool place_noted_ = false;
+  bool told_stopped_ = false;
 };
 
 }  // namespace zrl::vbs

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
+#include <thread>
+#include <utility>
 
 #include "scripting/vbscript/arrays.h"
 #include "scripting/vbscript/compiler.h"
@@ -52,7 +54,12 @@ void Machine::settle() {
   while (memory_.has_terminations()) {
     Ref<Object> object = memory_.next_termination();
     const Heap::Terminations others = memory_.take_terminations();
-    terminate(*object);
+    try {
+      terminate(*object);
+    } catch (const Failure&) {
+      memory_.append_terminations(others);
+      throw;
+    }
     object = {};
     memory_.append_terminations(others);
   }
@@ -71,6 +78,7 @@ void Machine::settle_silently() {
 void Machine::terminate(Object& object) {
   auto& instance = static_cast<Instance&>(object);
   instance.mark_terminated();
+  check_time();
   place_noted_ = false;
   try {
     invoke(*instance.type().terminate, &instance, {});
@@ -79,13 +87,13 @@ void Machine::terminate(Object& object) {
   }
 }
 
-// Tells the host of what is stopped where no call is left that could fail.
+// Tells the host, once, of what is stopped where no call is left that could fail.
 template <class Action>
 void Machine::tell_if_stopped(Action action) {
   try {
     action();
   } catch (const Failure& failure) {
-    if (!failure.quit) host_.script_stopped(report(failure));
+    if (!failure.quit && !std::exchange(told_stopped_, true)) host_.script_stopped(report(failure));
   }
 }
 
@@ -125,6 +133,8 @@ void Machine::shut_down() {
 void Machine::start_clock() {
   deadline_ = std::chrono::steady_clock::now() + limits_.call_time;
   countdown_ = instructions_between_checks;
+  lookups_ = 0;
+  told_stopped_ = false;
   place_noted_ = false;
   error_module_ = nullptr;
   error_place_ = {};
@@ -137,6 +147,21 @@ void Machine::allow_for(std::size_t units) {
   const bool follows_any = limits_.memory_per_unit > 0;
   memory_.set_limits(std::max(limits_.memory, std::min(follows, limits_.most_memory)),
                      std::max(limits_.string_units, follows_any ? 2 * longest_text_ : 0));
+}
+
+void Machine::count_lookup() {
+  if (++lookups_ > limits_.lookups) raise(error::cannot_perform);
+}
+
+void Machine::sleep(std::chrono::milliseconds time) {
+  const auto now = std::chrono::steady_clock::now();
+  // The end of the call comes first, should it be nearer.
+  std::this_thread::sleep_until(std::min(now + std::min(time, limits_.call_time), deadline_));
+  check_time();
+}
+
+std::string Machine::running_text() const {
+  return depth_ == 0 ? std::string() : frames_[depth_].proc->module->name;
 }
 
 void Machine::check_time() {
@@ -306,6 +331,7 @@ ScriptError Machine::report(const Failure& failure) const {
   if (!subject.empty()) error.description += ": '" + to_utf8(subject) + "'";
   error.source = to_utf8(failure.source);
   if (failure.source == u"Microsoft VBScript compilation error") error.kind = ScriptError::Kind::compilation;
+  if (!failure.note.empty()) error.description += " (" + to_utf8(failure.note) + ")";
   const TextPlace inner = failure.inner.line > 0 ? failure.inner : place.inner;
   if (inner.line > 0) {
     error.description += " (line " + std::to_string(inner.line) + ", column " + std::to_string(inner.column) +

@@ -102,6 +102,16 @@ std::u16string to_utf16(std::string_view utf8) {
   return text;
 }
 
+bool is_utf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    char32_t point = 0;
+    const std::size_t length = decode(bytes, point);
+    if (length == 0) return false;
+    bytes.remove_prefix(length);
+  }
+  return true;
+}
+
 std::string to_utf8(std::u16string_view text) {
   std::string out;
   out.reserve(text.size());

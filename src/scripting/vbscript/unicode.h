@@ -8,6 +8,7 @@ namespace zrl::vbs {
 
 // Invalid bytes become U+FFFD.
 std::u16string to_utf16(std::string_view utf8);
+bool is_utf8(std::string_view bytes);
 // Unpaired surrogates become U+FFFD.
 std::string to_utf8(std::u16string_view text);
 

@@ -48,6 +48,34 @@ TEST_F(ScriptCommandTest, CheckRunsNothing) {
   EXPECT_EQ(run({"script", "--check", file("bad.vbs", "If")}), failure);
 }
 
+TEST_F(ScriptCommandTest, FilesComeFromManyEditors) {
+  const std::string code = "WScript.Echo \"Größe €\"";
+  EXPECT_EQ(run({"script", file("utf8.vbs", "\xEF\xBB\xBF" + code + "\x1A")}), success) << err;
+  EXPECT_EQ(out, "Größe €\n");
+  EXPECT_EQ(run({"script", file("utf16.vbs", std::string("\xFF\xFE"
+                                                         "M\0s\0g\0B\0o\0x\0 \0\"\0\xF6\0\"\0",
+                                                         24))}),
+            success)
+      << err;
+  EXPECT_EQ(out, "ö\n");
+  EXPECT_EQ(err, "");
+  const std::string old = file("old.vbs",
+                               "WScript.Echo \"Gr\xF6\xDF"
+                               "e \x80\"");
+  EXPECT_EQ(run({"script", old}), success) << err;
+  EXPECT_EQ(out, "Größe €\n");
+  EXPECT_EQ(err, old + ": not in UTF-8; read as Windows-1252\n");
+}
+
+TEST_F(ScriptCommandTest, ScriptsReadTheirNeighbours) {
+  file("twice.vbs", "Function Twice(x) : Twice = x * 2 : End Function");
+  const std::string script = file("main.vbs",
+                                  "ExecuteGlobal CreateObject(\"Scripting.FileSystemObject\").OpenTextFile("
+                                  "\"twice.vbs\").ReadAll\nWScript.Echo Twice(21), WScript.ScriptName");
+  EXPECT_EQ(run({"script", script}), success) << err;
+  EXPECT_EQ(out, "42 main.vbs\n");
+}
+
 TEST_F(ScriptCommandTest, QuitAndWhatCannotBeMeant) {
   EXPECT_EQ(run({"script", file("quit.vbs", "WScript.Echo 1 : WScript.Quit 7 : WScript.Echo 2")}), 7);
   EXPECT_EQ(out, "1\n");

@@ -61,7 +61,7 @@ class Matches {
   // Not to know is not the same as no match: whoever writes the text could choose the answer.
   [[noreturn]] static void refuse() {
     Failure failure;
-    failure.number = error::regexp_limit;
+    failure.number = error::cannot_perform;
     failure.description = u"The regular expression takes too long on this text; the search was given up";
     failure.source = u"Microsoft VBScript runtime error";
     throw failure;
@@ -132,8 +132,7 @@ Value execute(Machine& machine, NativeObject& object, Use, Arguments arguments) 
 }
 
 // Adds the replacement of one match: $1 to $99, $&, $`, $', $$.
-void expand(HeapText& out, std::u16string_view with, std::u16string_view text,
-            const RegExpMatch& match) {
+void expand(HeapText& out, std::u16string_view with, std::u16string_view text, const RegExpMatch& match) {
   for (std::size_t i = 0; i < with.size(); ++i) {
     const char16_t next = i + 1 < with.size() ? with[i + 1] : u'\0';
     if (with[i] != u'$' || next == u'\0') {

@@ -4,7 +4,7 @@
 
 namespace zrl::vbs {
 
-// WScript: Echo and Quit, for scripts on the command line.
+// WScript: what scripts tell and ask of whoever runs them.
 class WScriptObject final : public NativeObject {
  public:
   std::string_view type_name() const override { return "Object"; }
