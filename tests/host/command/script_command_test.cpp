@@ -54,7 +54,7 @@ TEST_F(ScriptCommandTest, FilesComeFromManyEditors) {
   EXPECT_EQ(out, "Größe €\n");
   EXPECT_EQ(run({"script", file("utf16.vbs", std::string("\xFF\xFE"
                                                          "M\0s\0g\0B\0o\0x\0 \0\"\0\xF6\0\"\0",
-                                                         24))}),
+                                                         22))}),
             success)
       << err;
   EXPECT_EQ(out, "ö\n");

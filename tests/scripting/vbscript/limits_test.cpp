@@ -22,6 +22,12 @@ Limits small() {
   return limits;
 }
 
+std::string repeated(const std::string& text, int count) {
+  std::string result;
+  for (int i = 0; i < count; ++i) result += text;
+  return result;
+}
+
 TEST(LimitsTest, EndlessScriptsAreStopped) {
   for (const char* script : {
            "Do : Loop",
@@ -57,6 +63,99 @@ TEST(LimitsTest, WaitingForAPersonDoesNotCount) {
                   "Sub endless(x) : MsgBox x : Do : Loop : End Sub");
   EXPECT_EQ(engine.call("f", "").number, 50000);
   EXPECT_THROW(engine.call("endless", ""), ScriptError);
+}
+
+// Work counts, not only instructions: each of these spends its time in few of them.
+TEST(LimitsTest, LongTextsCountAgainstTheTime) {
+  Limits limits;
+  limits.call_time = 300ms;
+  for (const char* script : {
+           "On Error Resume Next\nDo : s = s & \"text\" : Loop",
+           "s = String(10000000, \"x\") : Do : t = UCase(s) : Loop",
+           "s = String(10000000, \"x\") : Do : t = StrReverse(s) : Loop",
+           "s = String(10000000, \"x\") : Do : n = InStr(s, \"y\") : Loop",
+           "s = String(6000000, \"x\") : t = s & \"\" : Do : n = (s = t) : Loop",
+           "s = String(10000000, \"1\") : On Error Resume Next : Do : n = s + 1 : Loop",
+           "ReDim a(1500000) : Do : b = a : b(0) = 1 : Loop",
+           "Dim a(3000000) : Do : Erase a : Loop",
+           "Do : ReDim a(1500000) : Loop",
+           "s = String(2000000, \"x\") : Set d = CreateObject(\"Scripting.Dictionary\") : d.CompareMode = 1\n"
+           "Do : d(s) = 1 : Loop",
+           "s = String(500000, \":\") : Do : Execute s : Loop",
+           "s = String(2000000, \"x\") : Do : n = InStrB(s, String(1000000, \"x\") & \"y\") : Loop",
+       }) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THAT(output_of(script, limits), ElementsAre(HasSubstr("was stopped"))) << script;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 3s) << script;
+  }
+}
+
+// A string that grows reaches its limit soon, whatever the time: it keeps spare room up to there.
+TEST(LimitsTest, AGrowingStringReachesItsLength) {
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_THAT(output_of("Do : s = s & \"text\" : Loop"), ElementsAre(HasSubstr("error 14 ")));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 8s);
+}
+
+TEST(LimitsTest, ClassTerminateThatLoopsIsTold) {
+  const std::string endless = "Class C : Private Sub Class_Terminate : Do : Loop : End Sub : End Class\n";
+  EXPECT_THAT(output_of(endless + "Set x = New C : Set x = Nothing", small()),
+              ElementsAre(HasSubstr("was stopped")));
+  ScriptHost host;
+  {
+    Engine engine(host, small());
+    engine.add_code("t", endless + "Set x = New C");
+  }
+  EXPECT_THAT(host.lines, ElementsAre(HasSubstr("stopped: The script ran longer")));
+}
+
+TEST(LimitsTest, SleepIsTimeOfTheCall) {
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_THAT(output_of("WScript.Sleep 10 : WScript.Echo 1 : WScript.Sleep 100000", small()),
+              ElementsAre("1", HasSubstr("was stopped")));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
+}
+
+// Filters take copies of a mail: the memory follows it.
+TEST(LimitsTest, MemoryFollowsTheText) {
+  ScriptHost host;
+  Limits patient;
+  patient.call_time = 120s;
+  Engine engine(host, patient);
+  engine.add_code("t", R"(Function filter(mail)
+  low = LCase(mail)
+  low = Replace(low, "viagra", "v.i.a.g.r.a")
+  lines = Split(low, vbCrLf)
+  Set seen = CreateObject("Scripting.Dictionary")
+  For Each line In lines
+    seen(line) = seen(line) + 1
+  Next
+  filter = UBound(lines) & " " & seen.Count & " " & Len(UCase(low))
+End Function)");
+  std::string mail;
+  while (mail.size() < 50'000'000)
+    mail += "buy viagra now, it is cheap and good and sold to everybody who reads\r\n";
+  EXPECT_THAT(engine.call("filter", mail).text, testing::StartsWith("714286 2 "));
+  EXPECT_EQ(engine.call("filter", "a\r\nb").text, "1 2 4");
+  Limits strict;
+  strict.memory_per_unit = 0;
+  Engine narrow(host, strict);
+  narrow.add_code("t", "Function twice(mail) : twice = Len(mail & mail) : End Function");
+  EXPECT_THROW(narrow.call("twice", mail), ScriptError);
+}
+
+// Nothing that a builtin or the compiler needs meanwhile goes beyond the limit uncounted.
+TEST(LimitsTest, TablesOfBuiltinsAndOfTheCompilerAreCounted) {
+  EXPECT_THAT(output_of("s = String(10000000, \",\") : a = Split(s, \",\")"),
+              ElementsAre(HasSubstr("error 7 ")));
+  EXPECT_THAT(output_of("s = String(4000000, \"a\") : t = Replace(s, \"a\", \"b\") : WScript.Echo Len(t)"),
+              ElementsAre("4000000"));
+  Limits limits;
+  limits.memory_per_unit = 0;
+  std::string text;
+  for (int i = 0; i < 600'000; ++i) text += "x = 1\n";
+  EXPECT_THAT(output_of(text, limits), ElementsAre(HasSubstr("error 7 ")));
+  EXPECT_THAT(output_of(text + "WScript.Echo x"), ElementsAre("1"));
 }
 
 TEST(LimitsTest, TheEngineGoesOnAfterALimit) {
@@ -104,12 +203,6 @@ TEST(LimitsTest, RecursionEnds) {
   }
 }
 
-std::string repeated(const std::string& text, int count) {
-  std::string result;
-  for (int i = 0; i < count; ++i) result += text;
-  return result;
-}
-
 TEST(LimitsTest, DeepNestingIsRefusedOrHandled) {
   const int many = 100'000;
   for (const std::string& script : {
@@ -129,6 +222,31 @@ TEST(LimitsTest, DeepNestingIsRefusedOrHandled) {
   }
   EXPECT_THAT(output_of("x = \"a\"" + repeated(" & \"b\"", 800) + "\nWScript.Echo Len(x)"),
               ElementsAre("801"));
+}
+
+TEST(LimitsTest, NestingGoesAsFarAsToldAndChainsFarther) {
+  constexpr int levels = 500;
+  constexpr int links = 5'000;
+  for (const std::string& script : {
+           repeated("If True Then\n", levels) + "x = 1\n" + repeated("End If\n", levels),
+           repeated("Do\n", levels) + "x = 1\n" + repeated("Exit Do\nLoop\n", levels),
+           "x = " + repeated("(", levels) + "1" + repeated(")", levels),
+           "x = " + repeated("Abs(", levels) + "1" + repeated(")", levels),
+           "x = 1" + repeated(" + 0", links),
+           "x = True" + repeated(" And True", links) + " : x = -x",
+           "x = 1" + repeated(" & \"\"", links),
+           "x = 5" + repeated(" = 5", links - 1) + " : x = 1 + 0 * x",
+           "x = 1" + repeated(" + _\n 0", links),
+           "Class C : Public v : Public Property Get p : Set p = Me : End Property : End Class\n"
+           "Set o = New C : o.v = 1 : x = o" +
+               repeated(".p", links) + ".v",
+       }) {
+    EXPECT_THAT(output_of(script + "\nWScript.Echo x"), ElementsAre("1")) << script.substr(0, 40);
+  }
+  EXPECT_THAT(output_of(repeated("If True Then\n", levels + 1) + repeated("End If\n", levels + 1)),
+              ElementsAre(HasSubstr("compile error 28 ")));
+  EXPECT_THAT(output_of("x = " + repeated("(", levels + 1) + "1" + repeated(")", levels + 1)),
+              ElementsAre(HasSubstr("compile error 28 ")));
 }
 
 TEST(LimitsTest, LongChainsOfObjectsAndArraysEnd) {

@@ -43,6 +43,14 @@ bool calls(const Expression& expr) {
 
 }  // namespace
 
+std::string shortened(const std::string& line) {
+  if (!line.starts_with("error ")) return line;
+  const std::size_t open = line.find('(');
+  const std::size_t comma = line.find(',', open);
+  if (comma == line.npos) return line;
+  return line.substr(0, open) + "in line " + line.substr(open + 1, comma - open - 1);
+}
+
 // Writes the tree down, and into it the lines where things stand.
 class RandomProgram::Writer {
  public:

@@ -133,7 +133,10 @@ class RandomProgram {
   std::vector<std::string> expected_;
 };
 
-// Runs the tree. Nothing where it takes too long.
+// An error as expected() tells it, from what the engine tells of it.
+std::string shortened(const std::string& line);
+
+// Runs the tree. False where it takes too long.
 bool run_model(const std::vector<Procedure>& procedures, const Statements& main,
                std::vector<std::string>& output);
 

@@ -9,15 +9,6 @@
 namespace zrl::vbs::test {
 namespace {
 
-// "error 11 in line 5", without the rest of what is told.
-std::string shortened(const std::string& line) {
-  if (!line.starts_with("error ")) return line;
-  const std::size_t open = line.find('(');
-  const std::size_t comma = line.find(',', open);
-  if (comma == line.npos) return line;
-  return line.substr(0, open) + "in line " + line.substr(open + 1, comma - open - 1);
-}
-
 TEST(RandomProgramsTest, GoOnWhereTheModelDoes) {
   const char* wanted = std::getenv("ZRL_RANDOM_PROGRAMS");
   const int count = wanted ? std::atoi(wanted) : 400;

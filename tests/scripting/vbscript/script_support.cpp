@@ -10,8 +10,9 @@ std::string description_of(const ScriptError& error) {
          std::to_string(error.column) + "): " + error.description;
 }
 
-std::vector<std::string> output_of(std::string_view script, const Limits& limits) {
+std::vector<std::string> output_of(std::string_view script, const Limits& limits, bool with_services) {
   ScriptHost host;
+  host.with_services = with_services;
   {
     Engine engine(host, limits, true);
     try {

@@ -39,17 +39,33 @@ std::vector<std::string> expected_lines(const std::string& text) {
   return lines;
 }
 
-class ScriptTest : public testing::TestWithParam<std::filesystem::path> {};
-
-TEST_P(ScriptTest, PrintsWhatItExpects) {
-  const std::string text = text_of(GetParam());
+void expect_its_output(const std::string& text) {
   const std::vector<std::string> expected = expected_lines(text);
-  const std::vector<std::string> printed = output_of(text);
+  const std::vector<std::string> printed = output_of(text, {}, true);
   for (std::size_t i = 0; i < std::min(expected.size(), printed.size()); ++i) {
     EXPECT_EQ(printed[i], expected[i]) << "line " << i + 1 << " of the output";
   }
   EXPECT_EQ(printed.size(), expected.size())
       << (printed.size() > expected.size() ? "unexpected: " + printed[expected.size()] : "output is missing");
+}
+
+class ScriptTest : public testing::TestWithParam<std::filesystem::path> {};
+
+TEST_P(ScriptTest, PrintsWhatItExpects) {
+  expect_its_output(text_of(GetParam()));
+}
+
+// The examples in the document, too.
+TEST(DocumentedScriptsTest, PrintWhatTheyExpect) {
+  constexpr std::string_view begin = "```vbs\n";
+  const std::string document = text_of(DOCUMENT);
+  int examples = 0;
+  for (std::size_t at = document.find(begin); at != document.npos; at = document.find(begin, at)) {
+    at += begin.size();
+    SCOPED_TRACE("example " + std::to_string(++examples));
+    expect_its_output(document.substr(at, document.find("```", at) - at));
+  }
+  EXPECT_GE(examples, 4);
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, ScriptTest, testing::ValuesIn(all_scripts()),
