@@ -114,8 +114,8 @@ std::shared_ptr<Interface> Steps::component(std::string_view program_id) {
 
 template <typename Interface, typename Call>
 Outcome Steps::ask(const Held<Interface>& held, std::string_view text, Call&& action) const {
-  const std::shared_ptr<Interface> kept = held.get();
-  return on_component(Step::read, text, kept != nullptr, held.what(), [&] { action(*kept); });
+  return on_component(Step::read, text, held.get() != nullptr, held.what(),
+                      [&, kept = held.get()] { action(*kept); });
 }
 
 template <typename Interface, typename Call>
@@ -125,8 +125,8 @@ Outcome Steps::ask(const std::shared_ptr<Interface>& made, std::string_view text
 
 template <typename Interface, typename Call>
 Outcome Steps::order(const Held<Interface>& held, std::string_view text, Call&& action) const {
-  const std::shared_ptr<Interface> kept = held.get();
-  return on_component(Step::write, text, kept != nullptr, held.what(), [&] { action(*kept); });
+  return on_component(Step::write, text, held.get() != nullptr, held.what(),
+                      [&, kept = held.get()] { action(*kept); });
 }
 
 }  // namespace zrl

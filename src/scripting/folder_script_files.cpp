@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "core/text/error.h"
+#include "core/text/files.h"
 #include "core/text/paths.h"
 
 namespace zrl {
