@@ -42,7 +42,7 @@ std::filesystem::path original(bool full) {
   if (!std::filesystem::exists(folder() / name)) {
     const auto access = access_to("sqlite:" + name);
     access->open_database("sqlite:" + name);
-    if (full) access->import_("entry", "blacklist", file_of(3).string(), true);
+    if (full) access->import_("entry", "blacklist", file_of(3).string());
     Bare(folder() / name, Bare::Settings::of_the_engine).run("PRAGMA wal_checkpoint(TRUNCATE)");
   }
   return folder() / name;
@@ -78,7 +78,7 @@ double ours(bool full, unsigned seed, long wanted) {
   const std::string file = file_of(seed).string();
   const double seconds = seconds_of([&] {
     const auto access = access_to("sqlite:import.db");
-    access->import_("entry", "blacklist", file, true);
+    access->import_("entry", "blacklist", file);
   });
   expect_rows(path, wanted);
   return seconds;

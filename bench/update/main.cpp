@@ -69,7 +69,7 @@ double imports() {
   ::sync();
   const double seconds = seconds_of([&] {
     for (const Lines& lines : all_lines)
-      database->import_("entry", lines.table, published(lines).string(), true);
+      database->import_("entry", lines.table, published(lines).string());
   });
   expect_rows(*database, provider);
   return seconds;

@@ -154,12 +154,12 @@ bool DatabaseClient::list_operation(std::string_view name, ListOperation operati
 
 bool DatabaseClient::import_file(const ListTable& list, std::string_view path) {
   return answered_step(words({"import", list.column.text(), list.table.text(), path}),
-                       [&] { return component_or_throw().import_(list.column, list.table, path, true); });
+                       [&] { return component_or_throw().import_(list.column, list.table, path); });
 }
 
 bool DatabaseClient::delete_file(const ListTable& list, std::string_view path) {
   return answered_step(words({"delete", list.column.text(), list.table.text(), path}),
-                       [&] { return component_or_throw().delete_(list.column, list.table, path, true); });
+                       [&] { return component_or_throw().delete_(list.column, list.table, path); });
 }
 
 bool DatabaseClient::export_file(const ListTable& list, std::string_view path, bool overwrite) {

@@ -111,7 +111,7 @@ TEST_F(DurabilityTest, AnExportedListIsSyncedBeforeItAppears) {
   insert("blacklist", "entry", {"spam.example"});
   take_syncs();
   ASSERT_TRUE(console.components().create<Database>()->export_("entry", "blacklist", {},
-                                                               (folder.path() / "out.txt").string(), true));
+                                                               (folder.path() / "out.txt").string()));
   EXPECT_THAT(take_syncs(), ElementsAre(StartsWith(".new-"), folder_name()));
 }
 
@@ -119,7 +119,7 @@ TEST_F(DurabilityTest, AnImportedListIsSyncedWhenTheImportReturns) {
   std::ofstream(folder.path() / "in.txt") << "one.example\ntwo.example\n";
   const auto database = console.components().create<Database>();
   take_syncs();
-  ASSERT_TRUE(database->import_("entry", "blacklist", (folder.path() / "in.txt").string(), true));
+  ASSERT_TRUE(database->import_("entry", "blacklist", (folder.path() / "in.txt").string()));
   EXPECT_THAT(take_syncs(), testing::Contains("proxy.db-wal"));
 }
 

@@ -221,14 +221,14 @@ void SqliteDatabase::adddropps(std::int64_t number, ConnectionHandle& conn) {
   add_to_counter("adddropps", number, conn);
 }
 
-bool SqliteDatabase::import_(Literal column, Literal table, std::string_view path, bool /*flag*/) {
+bool SqliteDatabase::import_(Literal column, Literal table, std::string_view path) {
   with_own([&](Session& session) {
     import_list({session, column, table, console_}, std::filesystem::path(path));
   });
   return true;
 }
 
-bool SqliteDatabase::delete_(Literal column, Literal table, std::string_view path, bool /*flag*/) {
+bool SqliteDatabase::delete_(Literal column, Literal table, std::string_view path) {
   with_own([&](Session& session) {
     delete_list({session, column, table, console_}, std::filesystem::path(path));
   });

@@ -145,9 +145,9 @@ class Database {
   // language reserves their names.)
 
   // Adds the entries of the file that the table lacks. One transaction: all or nothing.
-  virtual bool import_(Literal column, Literal table, std::string_view path, bool flag) = 0;
+  virtual bool import_(Literal column, Literal table, std::string_view path) = 0;
   // Removes all entries that the file names. One transaction.
-  virtual bool delete_(Literal column, Literal table, std::string_view path, bool flag) = 0;
+  virtual bool delete_(Literal column, Literal table, std::string_view path) = 0;
   // Writes the list to a file, in the order of insertion; `condition` is empty for all rows. An
   // existing file is replaced only with `overwrite`; without it the result is false.
   virtual bool export_(Literal column, Literal table, const Statement& condition, std::string_view path,

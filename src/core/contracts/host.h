@@ -35,7 +35,11 @@ struct ProgramStart {
   std::string folder;                 // where it runs; the console's own folder if empty
 
   // As the record shows it: "telnet.exe 192.0.2.1 25".
-  std::string command_line() const;
+  std::string command_line() const {
+    std::string result = program;
+    for (const std::string& operand : operands) result.append(" ").append(operand);
+    return result;
+  }
 };
 
 // How far a long action has come; `total` is 0 where that is not known.

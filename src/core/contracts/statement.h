@@ -80,7 +80,6 @@ class Statement {
   // The literal text, with one byte (a Value::Kind) in the place of each value. Statements of
   // the same shape have the same skeleton.
   const std::string& skeleton() const { return skeleton_; }
-  std::size_t value_count() const { return value_count_; }
   std::string_view value_at(std::size_t index) const;
 
  private:

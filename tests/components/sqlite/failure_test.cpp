@@ -35,8 +35,8 @@ TEST_F(FailureTest, LockedDatabase) {
       [&] { execute("DELETE FROM blacklist"); },
       [&] { database->set_option("a", 1, conn); },
       [&] { database->add_to_blackdomain("b", conn); },
-      [&] { database->import_("entry", "blacklist", file, true); },
-      [&] { database->delete_("entry", "blacklist", file, true); },
+      [&] { database->import_("entry", "blacklist", file); },
+      [&] { database->delete_("entry", "blacklist", file); },
       [&] {
         conn->open(Statement("SELECT * FROM blacklist"), Connection::Access::updatable)->delete_current();
       },
@@ -91,12 +91,12 @@ TEST_F(FailureTest, FullDiskDuringAnImport) {
     const rlimit limit{600000, 600000};
     ::setrlimit(RLIMIT_FSIZE, &limit);
     const auto own = sqlite::make(console);
-    return failure_of([&] { own->import_("entry", "blacklist", file, true); }) != "none";
+    return failure_of([&] { own->import_("entry", "blacklist", file); }) != "none";
   }));
   EXPECT_THAT(list("blacklist"), ElementsAre("before"));
   EXPECT_EQ(other.ask("SELECT name FROM sqlite_schema WHERE tbl_name='blacklist' AND type='index'"),
             "blacklist_entry");
-  EXPECT_TRUE(database->import_("entry", "blacklist", file, true));
+  EXPECT_TRUE(database->import_("entry", "blacklist", file));
   EXPECT_EQ(other.ask("PRAGMA integrity_check"), "ok");
 }
 
@@ -185,7 +185,7 @@ TEST_F(FailureTest, SettlesOnce) {
   database->CreateTable(conn, "scriptengine", "scriptname text");
   EXPECT_EQ(syncs_of([&] { conn->settle(); }), 1);
   const std::string file = write_file("in.txt", "a\n");
-  EXPECT_GE(syncs_of([&] { database->import_("entry", "blacklist", file, true); }), 1);
+  EXPECT_GE(syncs_of([&] { database->import_("entry", "blacklist", file); }), 1);
 }
 
 }  // namespace

@@ -19,8 +19,8 @@ using ::testing::IsEmpty;
 
 class ListFileTest : public DatabaseTest {
  protected:
-  bool import(const std::string& file) { return database->import_("entry", "blacklist", file, true); }
-  bool remove(const std::string& file) { return database->delete_("entry", "blacklist", file, true); }
+  bool import(const std::string& file) { return database->import_("entry", "blacklist", file); }
+  bool remove(const std::string& file) { return database->delete_("entry", "blacklist", file); }
   bool write(const std::string& file, bool overwrite, const Statement& condition = {}) {
     return database->export_("entry", "blacklist", condition, path(file).string(), overwrite);
   }
@@ -105,7 +105,7 @@ TEST_F(ListFileTest, RefusesWhatIsNoList) {
     EXPECT_THAT(failure_of([&] { remove(file); }), HasSubstr(file));
   }
   EXPECT_THAT(list("blacklist"), ElementsAre("kept"));
-  EXPECT_THAT(failure_of([&] { database->import_("nothing", "blacklist", write_file("in.txt", "a"), true); }),
+  EXPECT_THAT(failure_of([&] { database->import_("nothing", "blacklist", write_file("in.txt", "a")); }),
               HasSubstr("no column named nothing"));
 }
 
@@ -240,9 +240,9 @@ TEST_F(ListFileTest, ReportsProgressAndRefusesToNest) {
   console.on_progress = [&](const Progress& progress) {
     ++reports;
     EXPECT_LE(progress.done, progress.total);
-    nested = failure_of([&] { database->import_("entry", "whitelist", file, true); });
+    nested = failure_of([&] { database->import_("entry", "whitelist", file); });
   };
-  EXPECT_TRUE(database->import_("entry", "blacklist", file, true));
+  EXPECT_TRUE(database->import_("entry", "blacklist", file));
   EXPECT_GE(reports, 2);
   EXPECT_THAT(nested, HasSubstr("being transferred"));
   EXPECT_EQ(list("blacklist").size(), 70000U);
@@ -254,11 +254,11 @@ TEST_F(ListFileTest, UsesTheDatabaseOfTheSettings) {
   std::string& provider = console.settings["dataprovider"];
   provider = "sqlite:one.db";
   const std::string file = write_file("in.txt", "a\n");
-  database->import_("entry", "blacklist", file, true);
+  database->import_("entry", "blacklist", file);
   provider = "sqlite:two.db";
-  database->import_("entry", "blacklist", file, true);
+  database->import_("entry", "blacklist", file);
   provider = "";
-  EXPECT_THAT(failure_of([&] { database->import_("entry", "blacklist", file, true); }),
+  EXPECT_THAT(failure_of([&] { database->import_("entry", "blacklist", file); }),
               HasSubstr("no connection string"));
   EXPECT_EQ(OtherProgram(path("one.db")).ask("SELECT entry FROM blacklist"), "a");
   EXPECT_EQ(OtherProgram(path("two.db")).ask("SELECT entry FROM blacklist"), "a");
