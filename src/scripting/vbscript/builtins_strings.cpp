@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "scripting/vbscript/code_page.h"
+#include "core/text/character_sets.h"
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/machine.h"
 #include "scripting/vbscript/text_search.h"
@@ -214,7 +214,7 @@ Value string(Machine& machine, Arguments arguments) {
     return filled(machine, length, what.text()[0]);
   }
   const std::int64_t code = to_long(machine, what);
-  return filled(machine, length, code_page_unit(static_cast<unsigned char>(code & 0xff)));
+  return filled(machine, length, windows_1252_character(static_cast<unsigned char>(code & 0xff)));
 }
 
 Value str_comp(Machine& machine, Arguments arguments) {
@@ -238,7 +238,7 @@ Value str_reverse(Machine& machine, Arguments arguments) {
 Value asc(Machine& machine, Arguments arguments) {
   const Text text(machine, arguments[0]);
   if (text.view().empty()) raise(error::invalid_call);
-  return Value::integer(code_page_byte(text.view()[0]));
+  return Value::integer(windows_1252_byte(text.view()[0]).value_or('?'));
 }
 
 Value asc_w(Machine& machine, Arguments arguments) {
@@ -250,7 +250,7 @@ Value asc_w(Machine& machine, Arguments arguments) {
 Value chr(Machine& machine, Arguments arguments) {
   const std::int64_t code = to_long(machine, arguments[0]);
   if (code < 0 || code > 255) raise(error::invalid_call);
-  return Value(machine.heap.unit_string(code_page_unit(static_cast<unsigned char>(code))));
+  return Value(machine.heap.unit_string(windows_1252_character(static_cast<unsigned char>(code))));
 }
 
 Value chr_w(Machine& machine, Arguments arguments) {

@@ -128,7 +128,6 @@ class Machine final : public Context {
 
   // Members of objects (machine_members.cpp).
   enum class Access { get, let, set };
-  Value get_property(const Value& object, SymbolId symbol, Arguments arguments);
 
  private:
   // The dispatch loop (machine.cpp); returns when the frame `bottom` has returned.
@@ -158,7 +157,6 @@ class Machine final : public Context {
   void enter_global(const Proc& proc, Value* target);
   void run_terminations();
   void new_instance(Value& target, SymbolId symbol);
-  bool enter_nested() const { return nested_ < deepest_nested; }
 
   // Members, indexes (machine_members.cpp).
   void get_member(Value& target, const Value& object, SymbolId symbol, std::size_t target_register);

@@ -1,7 +1,8 @@
 #include "scripting/vbscript/source_text.h"
 
-#include "scripting/vbscript/code_page.h"
-#include "scripting/vbscript/unicode.h"
+#include "core/text/character_sets.h"
+#include "core/text/utf16.h"
+#include "core/text/utf8.h"
 
 namespace zrl::vbs {
 
@@ -17,10 +18,10 @@ SourceText read_source(std::string_view bytes) {
     return {to_utf8(units), false};
   }
   if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
-  if (is_utf8(bytes)) return {std::string(bytes), false};
+  if (is_valid_utf8(bytes)) return {std::string(bytes), false};
   std::u16string units;
   units.reserve(bytes.size());
-  for (std::size_t i = 0; i < bytes.size(); ++i) units += code_page_unit(at(i));
+  for (std::size_t i = 0; i < bytes.size(); ++i) units += windows_1252_character(at(i));
   return {to_utf8(units), true};
 }
 

@@ -1,60 +1,10 @@
 #include "scripting/vbscript/unicode.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace zrl::vbs {
 
 namespace {
-
-constexpr char16_t replacement = 0xFFFD;
-
-// Reads one code point; returns its length in bytes, or 0 where the bytes are not UTF-8.
-std::size_t decode(std::string_view bytes, char32_t& point) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  const unsigned char lead = byte(0);
-  std::size_t length = 0;
-  char32_t smallest = 0;
-  if (lead < 0x80) {
-    point = lead;
-    return 1;
-  }
-  if (lead >= 0xC2 && lead < 0xE0) {
-    length = 2, smallest = 0x80, point = lead & 0x1FU;
-  } else if (lead >= 0xE0 && lead < 0xF0) {
-    length = 3, smallest = 0x800, point = lead & 0x0FU;
-  } else if (lead >= 0xF0 && lead < 0xF5) {
-    length = 4, smallest = 0x10000, point = lead & 0x07U;
-  } else {
-    return 0;
-  }
-  if (bytes.size() < length) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0U) != 0x80) return 0;
-    point = point << 6 | (byte(i) & 0x3FU);
-  }
-  const bool surrogate = point >= 0xD800 && point < 0xE000;
-  return point < smallest || point > 0x10FFFF || surrogate ? 0 : length;
-}
-
-void encode(std::string& out, char32_t point) {
-  const auto put = [&](char32_t byte) { out += static_cast<char>(static_cast<unsigned char>(byte)); };
-  if (point < 0x80) {
-    put(point);
-  } else if (point < 0x800) {
-    put(0xC0 | point >> 6);
-    put(0x80 | (point & 0x3F));
-  } else if (point < 0x10000) {
-    put(0xE0 | point >> 12);
-    put(0x80 | (point >> 6 & 0x3F));
-    put(0x80 | (point & 0x3F));
-  } else {
-    put(0xF0 | point >> 18);
-    put(0x80 | (point >> 12 & 0x3F));
-    put(0x80 | (point >> 6 & 0x3F));
-    put(0x80 | (point & 0x3F));
-  }
-}
 
 // Upper case letters from first to last; the lower case ones lie `distance` on. With `step` 2 upper
 // and lower case letters take turns.
@@ -77,56 +27,6 @@ constexpr CaseRange case_ranges[] = {
 };
 
 }  // namespace
-
-std::u16string to_utf16(std::string_view utf8) {
-  std::u16string text;
-  text.reserve(utf8.size());
-  while (!utf8.empty()) {
-    if (static_cast<unsigned char>(utf8[0]) < 0x80) {
-      text += static_cast<char16_t>(utf8[0]);
-      utf8.remove_prefix(1);
-      continue;
-    }
-    char32_t point = 0;
-    const std::size_t length = decode(utf8, point);
-    if (length == 0) {
-      text += replacement;
-    } else if (point < 0x10000) {
-      text += static_cast<char16_t>(point);
-    } else {
-      text += static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10));
-      text += static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF));
-    }
-    utf8.remove_prefix(std::max<std::size_t>(length, 1));
-  }
-  return text;
-}
-
-bool is_utf8(std::string_view bytes) {
-  while (!bytes.empty()) {
-    char32_t point = 0;
-    const std::size_t length = decode(bytes, point);
-    if (length == 0) return false;
-    bytes.remove_prefix(length);
-  }
-  return true;
-}
-
-std::string to_utf8(std::u16string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char16_t unit = text[i];
-    const bool high = unit >= 0xD800 && unit < 0xDC00;
-    if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000) {
-      const char16_t low = text[++i];
-      encode(out, 0x10000U + (static_cast<char32_t>(unit - 0xD800) << 10) + (low - 0xDC00U));
-    } else {
-      encode(out, unit >= 0xD800 && unit < 0xE000 ? replacement : unit);
-    }
-  }
-  return out;
-}
 
 char16_t lower_case_beyond_ascii(char16_t unit) {
   for (const CaseRange& range : case_ranges) {

@@ -3,14 +3,10 @@
 #include <string>
 #include <string_view>
 
-// Texts are UTF-8 outside the engine and 16-bit units inside.
-namespace zrl::vbs {
+#include "core/text/utf16.h"
 
-// Invalid bytes become U+FFFD.
-std::u16string to_utf16(std::string_view utf8);
-bool is_utf8(std::string_view bytes);
-// Unpaired surrogates become U+FFFD.
-std::string to_utf8(std::u16string_view text);
+// Texts are UTF-8 outside the engine and 16-bit units inside: utf16.h goes between them.
+namespace zrl::vbs {
 
 // Simple case mapping of one unit: Latin, Greek, Cyrillic, Armenian, full-width letters.
 char16_t lower_case_beyond_ascii(char16_t unit);
