@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 // The name is not that of the file, which may be as long as a name can be.
 constexpr std::string_view mark = ".new-";
-// Nothing is written for so long.
+// No file takes so long to write.
 constexpr std::chrono::hours leftover_age{24};
 
 // Containers that share a folder may share the numbers of their processes, too.

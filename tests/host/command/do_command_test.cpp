@@ -158,6 +158,8 @@ TEST_F(CommandTest, PeopleGetNothingThatTheirTerminalObeys) {
   EXPECT_THAT(out, HasSubstr("> \\x1b[31mred"));
   EXPECT_THAT(out, HasSubstr("... and 999980 more"));
   EXPECT_LT(out.size(), 10'000u);
+  EXPECT_NE(run({"do", "no\u200fpage\u061c"}), 0);
+  EXPECT_THAT(err, HasSubstr("\"no\\xe2\\x80\\x8fpage\\xd8\\x9c\""));
 }
 
 TEST_F(CommandTest, PeopleDoNotSeePasswords) {

@@ -37,7 +37,7 @@ class CountingDialog : public Form {
   int count_ = 0;
 };
 
-constexpr std::string_view hostile = "two\nlines\tand \x1b[31mred\x1b[0m \xff";
+constexpr std::string_view hostile = "two\nlines\tand \x1b[31mred\x1b[0m \u200f\xff";
 
 }  // namespace
 

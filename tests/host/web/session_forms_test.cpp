@@ -211,7 +211,7 @@ TEST(SessionForms, TheAuditLogHoldsWritesAndCannotBeForged) {
   EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1201);
   const std::string first = log.substr(0, log.find('\n'));
   EXPECT_THAT(first, ::testing::EndsWith("Z\tadmin\thandlers\tcomponent\tok\ttwo\\x0alines\\x09and "
-                                         "\\x1b[31mred\\x1b[0m \uFFFD"));
+                                         "\\x1b[31mred\\x1b[0m \\xe2\\x80\\x8f\uFFFD"));
   EXPECT_THAT(log, ::testing::Not(::testing::HasSubstr("a read")));
   EXPECT_EQ(std::filesystem::status(session.folder() / "audit.log").permissions(),
             std::filesystem::perms(0600));

@@ -88,6 +88,7 @@ TEST(Uploads, NamesAreCleaned) {
       {"", "upload"},
       {"/", "upload"},
       {std::string("a\0b\n\x7f\u0085\u202e.txt", 14), "ab.txt"},
+      {"a\u200f\u061c\u00ad\u2060\ufeff.t\U000e0041xt", "a.txt"},
       {"\xff.txt", "\uFFFD.txt"},
       {std::string(500, 'x') + ".txt", std::string(116, 'x') + ".txt"},
       {std::string(119, 'x') + "\u00f6", std::string(119, 'x')},
