@@ -111,7 +111,7 @@ TEST_F(DurabilityTest, AnExportedListIsSyncedBeforeItAppears) {
   insert("blacklist", "entry", {"spam.example"});
   take_syncs();
   ASSERT_TRUE(console.components().create<Database>()->export_("entry", "blacklist", {},
-                                                               (folder.path() / "out.txt").string()));
+                                                               (folder.path() / "out.txt").string(), true));
   EXPECT_THAT(take_syncs(), ElementsAre(StartsWith(".new-"), folder_name()));
 }
 

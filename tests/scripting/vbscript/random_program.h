@@ -35,7 +35,7 @@ using Statements = std::vector<Statement>;
 struct Clause {  // of If and Select Case
   std::vector<Expression> tests = {};
   std::size_t line = 0;
-  Statements body = {};
+  Statements body;
 };
 
 struct Statement {
