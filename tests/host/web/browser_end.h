@@ -13,12 +13,8 @@ namespace zrl::test {
 
 namespace json = boost::json;
 
-// How long the other end may be silent before a test gives up. A sanitizer makes everything slower.
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+// How long the other end may be silent before a test gives up; sanitizers make everything slower.
 inline constexpr std::chrono::seconds patience{60};
-#else
-inline constexpr std::chrono::seconds patience{10};
-#endif
 
 // What a browser does on its end of the protocol, whatever carries the messages.
 class BrowserEnd {

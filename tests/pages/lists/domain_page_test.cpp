@@ -68,7 +68,7 @@ TEST_F(DomainPageTest, APlaceBeyond32767IsNotKept) {
     return lines;
   }());
   console.components().create<Database>()->import_("entry", "blacklist",
-                                                   (folder.path() / "download" / "many.txt").string(), true);
+                                                   (folder.path() / "download" / "many.txt").string());
   DomainPage& page = shown();
   const auto index_after_a_refill = [&] {
     page.Text1.user_type("other.example");
