@@ -158,7 +158,7 @@ export class Browser {
 
 /**
  * Gives the tests of a file a console and a page of a browser on it, signed in unless told otherwise: `given` gets them before the
- * first test. A test in which the browser logs something unexpected fails. After the last test both are ended, whatever came of the
+ * first test, and may prepare something. A test in which the browser logs something unexpected fails. After the last test both are ended, whatever came of the
  * tests: a program that still runs would keep the file from ending.
  */
 export function withConsole({ sample, programs, expected = [], signedIn = true, context = {} }, given) {
@@ -170,7 +170,7 @@ export function withConsole({ sample, programs, expected = [], signedIn = true, 
     browser.expected = [...expected]
     const page = await browser.open(console, context)
     if (signedIn) await setUp(page, console)
-    given({ console, browser, page })
+    await given({ console, browser, page })
   })
   afterEach(() => browser?.check())
   after(async () => {

@@ -1,15 +1,14 @@
 // Every kind of control in the browser, with texts that strangers wrote and lists of a million rows.
 import assert from 'node:assert/strict'
-import { before, test } from 'node:test'
+import { test } from 'node:test'
 import { openPage, picture, withConsole } from './console.mjs'
 
 let console
 let browser
 let page
 
-withConsole({}, started => ({ console, browser, page } = started))
-
-before(async () => {
+withConsole({}, async started => {
+  ;({ console, browser, page } = started)
   await openPage(page, 'All controls', 'allcontrols')
   await page.getByText('Every kind of control').waitFor()
 })

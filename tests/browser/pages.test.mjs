@@ -1,14 +1,13 @@
 // Every page of the product opens on the sample data, in every look, in English and in German.
-import { before, test } from 'node:test'
+import { test } from 'node:test'
 import { openPage, picture, withConsole } from './console.mjs'
 
 let console
 let page
 let pages
 
-withConsole({ sample: true }, started => ({ console, page } = started))
-
-before(() => {
+withConsole({ sample: true }, started => {
+  ;({ console, page } = started)
   pages = JSON.parse(console.run('pages', '--json')).filter(entry => entry.name !== 'allcontrols')
 })
 

@@ -2,7 +2,7 @@
 import assert from 'node:assert/strict'
 import { existsSync, readFileSync } from 'node:fs'
 import { join } from 'node:path'
-import { before, test } from 'node:test'
+import { test } from 'node:test'
 import { openPage, picture, withConsole } from './console.mjs'
 
 // Greets, echoes, obeys a few words; and tries what a terminal must not do for a stranger.
@@ -44,9 +44,10 @@ const startProgram = async () => {
 
 const programs = { telnet: telnet.replace('$HOME', '$(dirname "$0")') }
 const context = { permissions: ['clipboard-read', 'clipboard-write'] }
-withConsole({ programs, context }, started => ({ console, page } = started))
-
-before(() => openPage(page, 'All controls', 'allcontrols'))
+withConsole({ programs, context }, async started => {
+  ;({ console, page } = started)
+  await openPage(page, 'All controls', 'allcontrols')
+})
 
 test('a program opens a terminal in which one types, and tells its end', async () => {
   assert.equal(await page.evaluate(() => performance.getEntriesByType('resource').some(entry => entry.name.includes('/screen-'))), false)
