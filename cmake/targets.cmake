@@ -1,11 +1,11 @@
-# What every target of ours is compiled with.
+# The options with which all our targets are compiled.
 add_library(zrl_options INTERFACE)
 target_compile_options(zrl_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
-# Some libraries ask for it; a precompiled header serves only those who all have it.
+# Some libraries require -pthread, and a precompiled header fits only targets with the same options.
 target_compile_options(zrl_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-pthread>)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # clang has warnings of its own, other ones with each release
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # clang's warnings differ, and change with each release
   target_compile_options(zrl_options INTERFACE -Werror)
-  # Optimising, it finds faults in the standard library's strings that are not there.
+  # When it optimises, it reports faults in the standard library's strings that do not exist.
   target_compile_options(zrl_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>)
 endif()
@@ -21,7 +21,7 @@ if(ZRL_FUZZ)
 endif()
 
 # zrl_precompile(TARGET HEADER...) precompiles the headers that most files of a target include.
-# ccache needs to be told to look through them (script/build sets CCACHE_SLOPPINESS).
+# ccache handles them only with the right CCACHE_SLOPPINESS (script/environment sets it).
 function(zrl_precompile target)
   if(CMAKE_DISABLE_PRECOMPILE_HEADERS)
     return()
@@ -31,8 +31,8 @@ function(zrl_precompile target)
 endfunction()
 
 # zrl_library_headers(NAME HEADER...) and zrl_program_headers(NAME HEADER...) precompile headers once for all
-# targets that zrl_reuse(TARGET NAME) names. What fits libraries does not fit programs: their code is addressed
-# differently.
+# targets for which zrl_reuse(TARGET NAME) is called. Libraries and programs need separate ones, as they are
+# compiled with different options for position-independent code.
 function(zrl_library_headers name)
   file(CONFIGURE OUTPUT ${name}.cpp CONTENT "")
   add_library(${name} OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
@@ -54,8 +54,8 @@ function(zrl_reuse target name)
   endif()
 endfunction()
 
-# zrl_reuse_below(FOLDER NAME) does so for all libraries of a folder and its subfolders that have no headers of
-# their own.
+# zrl_reuse_below(FOLDER NAME) calls zrl_reuse for all libraries of a folder and its subfolders that have no
+# precompiled headers of their own.
 function(zrl_reuse_below folder name)
   get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
   foreach(target IN LISTS targets)
@@ -71,8 +71,8 @@ function(zrl_reuse_below folder name)
   endforeach()
 endfunction()
 
-# zrl_versioned(TARGET) makes a library one that is installed. Until version 1 every minor version may change
-# the interface.
+# zrl_versioned(TARGET) gives a library that is installed its version and include folder. Until version 1 every
+# minor version may change the interface, so the soname includes it.
 function(zrl_versioned target)
   set_target_properties(${target} PROPERTIES
     VERSION ${PROJECT_VERSION}

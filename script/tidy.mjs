@@ -1,9 +1,9 @@
-// Runs clang-tidy on the sources in src/ that it has not yet found clean as they are now, with the headers of ours
-// that they include. Most of its time goes into the headers of libraries, so that many sources are read as one
-// (--each: one at a time); those in which the compiler then finds errors are read in halves.
+// Runs clang-tidy on the sources in src/ that it has not yet found clean with their present contents and those of our
+// headers that they include. Most of its time goes into the headers of libraries, so many sources are checked as one
+// (--each: one at a time); a batch in which the compiler finds errors is split into halves.
 //
-// What was found clean is recorded as an empty file named for a sum of the contents, in the compiler cache's folder:
-// checkouts share it, and whoever keeps that folder keeps both.
+// What was found clean is recorded as an empty file, named by a checksum of the contents, in the folder of the
+// compiler's cache: all checkouts share the records, and keeping that folder keeps both.
 import { execFile, execFileSync } from 'node:child_process'
 import { createHash } from 'node:crypto'
 import { existsSync, mkdirSync, readFileSync, readdirSync, rmSync, statSync, utimesSync, writeFileSync } from 'node:fs'
@@ -20,7 +20,7 @@ const clean = join(output('ccache', '--get-config', 'cache_dir'), 'clang-tidy', 
 mkdirSync(clean, { recursive: true })
 const always = [output(tidy, '--version'), readFileSync('.clang-tidy'), flags.join(' ').replaceAll(resolve('.'), '')]
 
-/** The union of what all sources of the program are compiled with: no header has two meanings here. */
+/** The union of the flags of all sources in src/. It fits each of them, as no header name has two meanings. */
 function flagsOfTheBuild() {
   const found = new Set(['-std=c++20'])
   for (const { file, command } of JSON.parse(readFileSync('build/release/compile_commands.json'))) {
@@ -34,7 +34,7 @@ function flagsOfTheBuild() {
 const texts = new Map()
 const text = file => texts.get(file) ?? texts.set(file, readFileSync(file, 'utf8')).get(file)
 
-/** A file and the files of ours that it includes, and those include, ... */
+/** A file and all our files that it includes, directly or indirectly. */
 function closure(file, found = new Set()) {
   found.add(file)
   for (const [, name] of text(file).matchAll(/^\s*#\s*include\s+"([^"]+)"/gm)) {
@@ -57,7 +57,7 @@ function namesIn(text) {
   return [...declarations].map(([, name]) => name)
 }
 
-/** The names that a source has for itself, in namespaces without a name. */
+/** The names that a source declares in unnamed namespaces. */
 function ownNames(file) {
   const parts = text(file).matchAll(/^namespace \{$[^]*?^\} +\/\/ namespace$/gm)
   return new Set([...parts].flatMap(([part]) => namesIn(part)))
@@ -65,7 +65,7 @@ function ownNames(file) {
 
 const headerNames = file => new Set([...closure(file)].filter(path => path !== file).flatMap(path => namesIn(text(path))))
 
-/** Batches of sources whose own names differ from each other's, as far as one can tell without a compiler. */
+/** Batches of sources whose own names do not collide, as far as that can be seen without a compiler. */
 function batches(files) {
   const found = []
   const meet = (names, others) => [...names].some(name => others.has(name))

@@ -1,11 +1,11 @@
-# Holds the includes of src/ to the floors, from below: core/text, core/contracts, core, net, the pages with
-# scripting and service, catalogue, host. Components see the two lowest floors alone.
+# Checks the includes of src/ against the layers, from the lowest: core/text, core/contracts, core, net, the pages
+# with scripting and service, catalogue, host. Components may include the two lowest layers only.
 #
-# A line says which folders (ending in "/") and which single headers the files of a folder may include. Every
-# file may include its own header; a folder that may include itself says so. Pages may not: what pages share
-# is named, so that no page comes to lean on another. Components whose headers others use are named, too;
-# "components/*/*.h" are the public headers, each of the name of its folder. A component without one is a fault,
-# and so is a file of it outside the namespace of its name.
+# A line lists the folders (ending in "/") and single headers that the files of a folder may include. Every file may
+# include its own header; a folder whose files may include each other lists itself. Pages may not: the headers that
+# pages share are listed one by one, so that no page depends on another. So are the headers of a component that
+# another one uses. "components/*/*.h" are the public headers, each with the name of its folder. It is a fault if a
+# component has none, or if one of its files is outside the namespace zrl::<name>.
 set(rules
   "core/text/       : core/text/"
   "core/contracts/  : core/contracts/ core/text/"
@@ -39,7 +39,7 @@ set(rules
                       pages/lists/remote_update.h scripting/vbscript/engine.h"
 )
 
-# The folder of a file, as the rules write it; each folder below vbscript counts as vbscript.
+# The folder of a file, in the form that the rules use; folders below vbscript count as vbscript.
 function(room_of file result)
   get_filename_component(folder ${file} DIRECTORY)
   string(REGEX REPLACE "^scripting/vbscript/.*" "scripting/vbscript" folder "${folder}")
@@ -109,7 +109,7 @@ foreach(file IN LISTS files)
   foreach(line IN LISTS lines)
     string(REGEX REPLACE "^#include \"([^\"]*)\".*" "\\1" included "${line}")
     if(included STREQUAL "${stem}.h" OR NOT EXISTS ${SOURCES}/${included})
-      continue()  # its own header, or one that the build makes
+      continue()  # its own header, or one that the build generates
     endif()
     is_allowed(${included} "${allowed}" fine)
     if(NOT fine)
