@@ -7,10 +7,13 @@
 
 namespace zrl {
 
-// What became of the steps of the console's actions: every write and every failed step, in order.
-// Steps fail silently towards the page; this record is where an operator sees them.
+// The outcome of the steps of a console's actions: every write and every failed step, in order. A page goes
+// on after a failed step; this record is where an operator sees it. Texts are UTF-8 as far as the steps'
+// texts are, and may quote strangers: hosts make them printable. Kept in memory only; hosts write it to disk
+// if they want to. It belongs to the console's thread.
 class ActivityRecord {
  public:
+  // What a step worked on. `component` is any component but the database's statements and options.
   enum class Kind : std::uint8_t { sql, option, registry, component, program, file };
 
   struct Entry {
@@ -23,16 +26,18 @@ class ActivityRecord {
     std::string_view public_text = {};  // `text` with its secrets hidden: for files and screens
   };
 
-  // Keeps at most `limit` bytes of text; the oldest entries make room.
+  // Keeps at most about `limit` bytes, which count the texts and a fixed cost per entry. The oldest entries
+  // are dropped to make room; the newest always stays, however long.
   explicit ActivityRecord(std::size_t limit = default_limit) : limit_(limit) {}
 
-  // `public_text` is given where the text holds a secret.
+  // Record a write that worked, and a step that did not. `time` is in seconds since 1970, UTC. Texts are
+  // copied. `public_text` is needed only where `text` holds a secret.
   void succeeded(Kind kind, std::string_view text, std::int64_t time, std::string_view public_text = {});
   void failed(Kind kind, std::string_view text, std::string_view error, std::int64_t time, bool write,
               std::string_view public_text = {});
 
-  // Entries are numbered from 0 since the record was made; numbers first() to total() - 1 are
-  // still held.
+  // Entries are numbered from 0 since the record was made, and keep their numbers. Those from first() to
+  // total() - 1 are still held, so a reader that remembers total() knows what is new and what it missed.
   std::uint64_t first() const { return first_; }
   std::uint64_t total() const { return first_ + entries_.size(); }
   std::uint64_t failures() const { return failures_; }  // ever recorded
@@ -62,7 +67,7 @@ class ActivityRecord {
   std::size_t limit_;
 };
 
-// "sql", "option", ...
+// "sql", "option" and so on, as hosts print it.
 std::string_view name_of(ActivityRecord::Kind kind);
 
 }  // namespace zrl

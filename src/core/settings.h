@@ -8,8 +8,8 @@ namespace zrl {
 
 class Console;
 
-// The folders of an instance of the mail server, as paths of the product. One that is not set is
-// empty.
+// The folders of an instance of the mail server, as product paths (core/text/paths.h). A folder that is not
+// set is empty.
 struct SmtpDirectories {
   std::string drop;
   std::string bad_mail;
@@ -17,15 +17,18 @@ struct SmtpDirectories {
   std::string queue;
 };
 
-// The settings outside the database: the product key from "proxy.ini" and the values in the
-// registry store. No operation throws: a read that fails is empty, a write or deletion that fails
-// changes nothing; both are recorded as failed steps.
+// The settings outside the database: the product key from the file "proxy.ini" in the console's folder, and
+// the values of the component Registry. No operation throws: a read that fails is empty, a write or deletion
+// that fails returns false and changes nothing; both are recorded as failed steps, and successful writes are
+// recorded too. Nothing but the product key is cached, since the proxy changes values as well. Texts are
+// UTF-8. Owned by the console, which outlives it.
 class Settings {
  public:
   explicit Settings(Console& console) : console_(console) {}
 
-  // The text behind the last "=" in "proxy.ini", blanks and line breaks taken out; "Mirvan" if
-  // there is none. Read once; read again as long as it is empty.
+  // The text behind the last "=" in "proxy.ini" (the whole text if there is none), without blanks and line
+  // breaks; "Mirvan" if that is empty or there is no such file. Read at the first call and then kept. The
+  // reference is valid as long as the console.
   const std::string& product_key();
 
   // Full paths: "HKLM\SOFTWARE\" + product key + "\" + name.
@@ -35,6 +38,7 @@ class Settings {
   std::string debug_path() { return path_of("debug"); }
   std::string language_path() { return path_of("language"); }
 
+  // These take full paths. A value reads as text, a double word in decimal; empty if there is none.
   std::string regread(std::string_view path);
   bool regwrite_string(std::string_view path, std::string_view text);
   bool regwrite_dword(std::string_view path, std::uint32_t number);

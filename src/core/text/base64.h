@@ -9,9 +9,9 @@ namespace zrl {
 // One line, whatever its length.
 std::string base64_encode(std::string_view bytes);
 
-// Line breaks, blanks and any other byte beyond the alphabet are skipped, as mail readers do. Padding
-// may be missing; what follows it is decoded as a further text. A single character that is left over
-// yields nothing.
+// Raises no error. Line breaks, blanks and any other byte outside the alphabet are skipped, as MIME demands
+// (RFC 2045, section 6.8). Padding may be missing; what follows it is decoded as a further text. A single
+// character that is left over yields nothing. The result may hold any bytes.
 std::string base64_decode(std::string_view text);
 
 }  // namespace zrl

@@ -6,40 +6,46 @@
 #include <string>
 #include <string_view>
 
-// The character sets that texts come in, by the names that mails give them (RFC 2978), and their way to
-// UTF-8.
+// The character sets of incoming texts, by the names that mails use for them (RFC 2978), and their conversion
+// to UTF-8.
 namespace zrl {
 
-// The character of a byte of Windows-1252; one of C1 for the five bytes that it leaves free.
+// The character of a byte of Windows-1252. The five bytes that it leaves undefined yield the C1 control of
+// the same number.
 char16_t windows_1252_character(unsigned char byte);
-// The way back; nothing for what it lacks.
+// The inverse; nothing if Windows-1252 lacks the character.
 std::optional<unsigned char> windows_1252_byte(char16_t character);
 
-// What a name stands for. Mails name a set and use its larger brother, so that "iso-8859-1" is read as
+// The set that a name stands for. Mails often name a set and use its superset, so "iso-8859-1" is read as
 // Windows-1252, "gb2312" as GB 18030, "shift_jis" and "ks_c_5601-1987" as their extensions. "us-ascii" with
-// bytes beyond it is UTF-8 if it can be, else Windows-1252. Other sets are those of the C library.
-// Conversions never raise an error.
+// bytes beyond ASCII is UTF-8 if the bytes are well-formed, else Windows-1252. All other sets are those of
+// the C library (iconv). Conversions never raise an error. An object keeps the state of a conversion, so only
+// one thread may use it at a time.
 class CharacterSet {
  public:
+  // In bytes; a longer name is an unknown one.
   static constexpr std::size_t longest_name = 40;
 
-  // Whether `c` may stand in a name: more than that has a meaning to the C library.
+  // Whether `c` may stand in a name. Other characters could change what the C library does, "//" for example.
   static bool is_name_character(char c);
-  // Whether a set is here and not the C library's, which may read files for it. In either case of letters.
+  // False if the C library has to be asked for the set, which may read files. Case is ignored.
   static bool is_built_in(std::string_view name);
 
-  // In either case of letters, with or without blanks around it.
+  // Case and blanks around the name are ignored.
   explicit CharacterSet(std::string_view name);
   CharacterSet(const CharacterSet&) = delete;
   CharacterSet& operator=(const CharacterSet&) = delete;
   ~CharacterSet();
 
-  // Without one of this name, bytes are read like those of us-ascii.
+  // False if there is no set of this name. exact() then yields nothing, and repaired() reads the bytes like
+  // those of us-ascii.
   bool is_known() const { return kind_ != Kind::unknown; }
 
-  // `bytes` in UTF-8; nothing if they do not fit the set.
+  // `bytes` in well-formed UTF-8; nothing if they do not fit the set, which for us-ascii means any byte
+  // beyond ASCII.
   std::optional<std::string> exact(std::string_view bytes);
-  // With U+FFFD for what does not fit. Reading ends behind about `limit` bytes of result.
+  // `bytes` in well-formed UTF-8, with U+FFFD for what does not fit. `limit` bounds the work, not the length:
+  // a conversion ends soon after so many bytes of result; bytes that are UTF-8 already are returned whole.
   std::string repaired(std::string_view bytes, std::size_t limit);
 
  private:

@@ -5,8 +5,14 @@
 
 namespace zrl {
 
-// The one exception type that components and controls raise. Both members reach people: the
-// connection message box shows "number: description".
+// The exception that components and controls raise when an operation fails. (A user's act that is not
+// possible raises Refused instead.) Steps catch it and record it, so pages rarely see one. Both members are
+// shown to people: the connection message box shows "number: description".
+//
+// The number is one of error_number below, or that of the layer that failed: errno for files and sockets, the
+// result code of the database engine, the code of an SMTP reply, or 0 if there is none. So numbers of
+// different layers may coincide. The description is UTF-8 and may quote strangers; hosts make it printable
+// before they show it.
 class Error : public std::runtime_error {
  public:
   Error(int number, const std::string& description) : std::runtime_error(description), number_(number) {}
@@ -17,6 +23,8 @@ class Error : public std::runtime_error {
   int number_;
 };
 
+// The numbers that the framework and its components raise themselves. They and their meanings are fixed,
+// because users know them from message boxes and records.
 namespace error_number {
 inline constexpr int invalid_call = 5;
 inline constexpr int subscript_out_of_range = 9;

@@ -5,47 +5,52 @@
 #include <string>
 #include <string_view>
 
-// Whole files: read, and written so that nobody ever sees half of one. Failures raise zrl::Error with the
-// number of the system (errno) and "path: what the system says".
+// Whole files: read, and written so that no reader ever sees half of one. Paths are those of the file system.
+// Failures raise zrl::Error with the system's error number (errno) and the text "path: reason".
 namespace zrl {
 
+// `code` is an errno.
 [[noreturn]] void raise_file_error(const std::filesystem::path& path, int code);
 
-// The content of a file of at most `limit` bytes, with EFBIG as the error of a larger one. What is no regular
-// file, a pipe, is read to its end.
+// The content of a file of at most `limit` bytes, 1 MiB by default; a larger one raises EFBIG. What is not a
+// regular file, a pipe for example, is read to its end, which may block.
 std::string read_file(const std::filesystem::path& path, std::size_t limit = std::size_t{1} << 20);
 
-// Writes the file as a whole, as NewFile does, and makes that survive a power cut.
+// Writes the file as a whole, as NewFile does, and flushes file and folder, so that the new content survives
+// a power cut. The old file stays if this fails.
 void replace_file(const std::filesystem::path& path, std::string_view content, unsigned mode = 0644);
 
-// Makes the names in a folder survive a power cut, where the file system can do that. A failure is not
-// reported.
+// Makes the names in a folder survive a power cut, where the file system supports that. The empty path is the
+// working folder. A failure is not reported.
 void flush_folder(const std::filesystem::path& folder);
 
-// Writes all of `bytes` to an open file, if need be in several goes. The number of bytes that were written:
-// if they are fewer, errno says why.
+// Writes all of `bytes` to an open file descriptor, repeating partial and interrupted writes. Returns the
+// number of bytes that were written: if that is fewer, errno says why. Raises no error.
 std::size_t write_all(int file, std::string_view bytes);
 
-// A file that gets its name when it is complete: until then a temporary file beside it, which goes with this
-// object. Several processes may write one file at the same time; the last that is complete stays. A process
-// that is killed leaves its temporary file behind.
+// A file that gets its name when it is complete. Until then it is a temporary file in the same folder, which
+// the destructor deletes. Several processes may write one file at the same time; the last one to publish
+// wins. A process that is killed leaves its temporary file behind, see remove_leftovers().
 class NewFile {
  public:
-  // Makes the temporary file, which is never readable by others than `mode` allows (the process's umask
-  // counts, too).
+  // Makes the temporary file. It is never accessible to others than `mode`, less the process's umask, allows.
+  // The folder must exist.
   explicit NewFile(std::filesystem::path path, unsigned mode = 0644);
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
   ~NewFile();
 
+  // Appends. After an error the file must not be published.
   void write(std::string_view bytes);
 
   enum class IfTaken { replace, keep };
-  // Flushes the content to the disk and names the file. With `keep`, false if the name is taken; nothing is
-  // changed then. The folder is the caller's to flush. Nothing may be written afterwards.
+  // Flushes the content to the disk and gives the file its name. With `keep`, false if the name is taken;
+  // the file of that name is left alone then. The caller flushes the folder if the name must survive a power
+  // cut. To be called once; nothing may be written afterwards.
   bool publish(IfTaken if_taken = IfTaken::replace);
 
-  // Removes temporary files of more than a day that processes left behind in a folder. Never raises an error.
+  // Removes temporary files that processes left behind in a folder and that are older than a day, which no
+  // file takes to write. Never raises an error.
   static void remove_leftovers(const std::filesystem::path& folder);
 
  private:

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-// What list entries are: addresses, regular expressions, and texts that must not close a quote.
+// The forms of list entries: addresses, regular expressions, and texts with their quotes escaped.
 namespace zrl {
 
 // Every double quote becomes the four characters \x22 and every apostrophe \x27, so that the text
@@ -17,10 +17,11 @@ bool is_ip_address(std::string_view text);
 // What entry fields show instead of an address that is none.
 inline constexpr std::string_view not_an_ip_number = "Not a valid IP. Please enter only IP Numbers";
 
-// "REGEX[...]" or "regex[...]".
+// "REGEX[...]" or "regex[...]", the whole entry; other mixtures of case do not count.
 bool is_regex_entry(std::string_view entry);
 
-// The regular expression between the brackets of such an entry.
+// The regular expression between the brackets of such an entry, which is_regex_entry() must have accepted. A
+// view into `entry`.
 std::string_view regex_of(std::string_view entry);
 
 }  // namespace zrl

@@ -6,11 +6,12 @@
 
 namespace zrl {
 
-// Paths inside the product are written with "\". A path of the file system for one of them: both
-// "\" and "/" separate its parts.
+// Pages, lists and scripts write paths with "\" ("product paths"). Returns the path of the file system for
+// one of them, in which both "\" and "/" separate the parts, so that neither can be part of a name. Bytes
+// are kept as they are; nothing is looked up or normalised.
 std::filesystem::path to_file_path(std::string_view product_path);
 
-// The other way: "/" becomes "\".
+// The inverse: "/" becomes "\".
 std::string to_product_path(const std::filesystem::path& path);
 
 }  // namespace zrl

@@ -7,12 +7,13 @@
 
 namespace zrl {
 
-// A list of texts in one contiguous arena: the bytes of all texts one behind the other, and for
-// each text the offset where it ends. A list of a million entries costs its bytes plus four bytes
-// an entry; there is no heap object an entry.
+// A list of texts in one contiguous arena: the bytes of all texts one after the other, and for each text the
+// offset where it ends. A list of a million entries costs its bytes plus four bytes an entry, and up to a
+// quarter more while it grows; there is no heap object per entry. Texts may hold any bytes.
 //
-// Limits: 4 GiB of text, 4 G entries; going over raises std::length_error. A view returned by
-// operator[] is valid until the list is next changed.
+// Limits: 4 GiB of text, 2^32 - 1 entries; going over raises std::length_error, a lack of memory
+// std::bad_alloc, and the list is then as it was. A view that operator[] returned is valid until the list is
+// next changed, moved or destroyed. A moved-from list is empty.
 class StringList {
  public:
   StringList() = default;
@@ -31,6 +32,7 @@ class StringList {
     return {bytes_ + begin, ends_[index] - begin};
   }
 
+  // `text` must not be a view into this list, whose bytes may move.
   void push_back(std::string_view text) {
     if (ends_capacity_ == size_ || text.size() > bytes_capacity_ - byte_count_) grow(text.size());
     if (!text.empty()) {
@@ -40,19 +42,21 @@ class StringList {
     ends_[size_++] = byte_count_;
   }
 
-  // Drops the last text; the list must not be empty.
+  // Drops the last text; the list must not be empty. The memory is kept.
   void pop_back();
 
-  // Takes out the text at `index` (below size()); costs the bytes behind it.
+  // Takes out the text at `index` (below size()). Moves all that follows it, so use retain() for several.
   void erase(std::size_t index);
 
-  // Keeps the texts for which `keep(std::string_view)` is true, in their order, in one pass.
+  // Keeps the texts for which `keep(std::string_view)` is true, in their order, in one pass. `keep` must not
+  // change the list, and must not throw: the list would be left half compacted.
   template <typename Predicate>
   void retain(Predicate keep);
 
+  // Drops all texts and returns their memory.
   void clear();
 
-  // Index of the first text equal to `text`, or size().
+  // Index of the first text equal to `text`, byte by byte, or size(). A linear search.
   std::size_t find(std::string_view text) const;
 
   // Bytes that the list has asked the heap for.
