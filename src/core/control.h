@@ -31,7 +31,7 @@ enum class ControlKind : std::uint8_t {
   file_list,
 };
 
-// "Frame", "TextField", ... as hosts print it.
+// "Frame", "TextField" and so on, as hosts print it.
 std::string_view name_of(ControlKind kind);
 
 enum class Property : std::uint8_t {
@@ -46,36 +46,43 @@ enum class Property : std::uint8_t {
   max,
   enabled,
   visible,
-  marks,  // only counted in revisions; get() knows it not
+  marks,  // only for revisions: get() does not return it, see TextField::marks()
 };
 inline constexpr std::size_t property_count = 12;
 
-// "caption", "toolTip", ... as hosts print it.
+// "caption", "toolTip" and so on, as hosts print it.
 std::string_view name_of(Property property);
 
 // The properties of a kind, in the order in which hosts print them.
 std::span<const Property> properties_of(ControlKind kind);
 
+// Views and the pointer refer to the control's own data: they are valid until the property is next changed.
+// The pointer is never null.
 using PropertyValue = std::variant<bool, std::int64_t, std::string_view, const StringList*>;
 
-// A count that grows with every change on a form.
+// A count that grows with every change on a form, by which hosts find what they have not shown yet. 0 means
+// that nothing has been changed.
 using Revision = std::uint64_t;
 
-// What the user tried cannot be done: the control is disabled, hidden, or of another kind, or has
-// no such item.
+// The user's act is not possible: the control is disabled, hidden, or of another kind, or has no such item.
+// Raised before anything has changed, and meant for hosts; the text is UTF-8 and begins with the control's
+// name.
 class Refused : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// A control of a form. It belongs to the form from construction on, in the order of construction,
-// and must not outlive it. Not copyable: handlers and layouts refer to it.
+// A control of a form. It enters the form's collection when it is constructed, in that order, and must live
+// exactly as long as the form: controls are members of the form's class. Not copyable: handlers and layouts
+// refer to it. Texts are UTF-8. All calls belong to the console's thread.
 //
-// The functions named user_... are what hosts call for the user's acts: they raise Refused when
-// the act is not possible, change the control, and run the control's event. All other functions
-// are for the program; they raise no event but for the `change` of a text field.
+// The functions named user_... are what hosts call for the user's acts: they raise Refused when the act is
+// not possible, change the control, and run the control's event, in which further events may run, dialogs
+// open and the page end. All other functions are for the program; they raise no event except the `change` of
+// a text field. Setting a property to the value that it has changes no revision.
 class Control {
  public:
+  // `name` is fixed and should be unique on the form: scripts, the command line and the browser use it.
   Control(Form& form, ControlKind kind, std::string_view name);
   Control(const Control&) = delete;
   Control& operator=(const Control&) = delete;
@@ -86,11 +93,13 @@ class Control {
   Form& form() const { return form_; }
 
   bool has(Property property) const;
-  // Raises error 438 if the control has not this property.
+  // Raises error 438 if the control does not have this property.
   PropertyValue get(Property property) const;
   // For the texts `caption` and `tool_tip`; raises error 438 as get() does.
   void set(Property property, std::string_view text);
 
+  // Setting the tool tip raises error 438 on a control without one, a timer for example. `enabled` and
+  // `visible` are the control's own state, whatever that of the frames around it; see usable().
   const std::string& tool_tip() const { return tool_tip_; }
   void set_tool_tip(std::string_view text);
   bool enabled() const { return enabled_; }
@@ -102,13 +111,15 @@ class Control {
   Revision revision(Property property) const { return revisions_[static_cast<std::size_t>(property)]; }
   Revision revision() const { return newest_; }
 
-  // The frame that the form's layout puts the control into, or null.
+  // The frame that the form's layout puts the control into, or null. Set by Form::set_layout().
   Frame* container() const { return container_; }
   void set_container(Frame* frame) { container_ = frame; }
 
-  // Enabled and visible, and so are the frames around it.
+  // Whether it is enabled and visible, and so are the frames around it.
   bool usable() const;
 
+  // The user's acts, see above. The default raises Refused; the kinds override what they support. user_type()
+  // replaces the whole text; `index` counts from 0.
   virtual void user_click();
   virtual void user_type(std::string_view text);
   virtual void user_choose(std::int64_t index);
@@ -116,10 +127,12 @@ class Control {
   virtual void user_tick();
 
  protected:
+  // Stamps the property with a new revision of the form. To be called after the change.
   void changed(Property property);
+  // Raises Refused, which says whether the control is hidden or disabled.
   void require_usable() const;
   [[noreturn]] void refuse(std::string_view why) const;
-  // The properties that only some kinds have; called for none but those of properties_of(kind()).
+  // The properties that only some kinds have; called only for those of properties_of(kind()).
   virtual PropertyValue own(Property property) const;
 
   std::string caption_;

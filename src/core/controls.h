@@ -13,7 +13,11 @@
 //
 //   Button Command3{*this, "Command3", "Add to blacklist", "Moves the domain to the black list"};
 //
-// Captions and tool tips are written in English; the page translates them when it is shown.
+// Captions and tool tips are written in English; the page translates them when it is shown. Names, captions,
+// tool tips and texts are UTF-8; names and tool tips given to a constructor are copied, placeholders are not.
+//
+// Events are members that the page sets once. An event that is not set does nothing. Form::run() runs them,
+// so no exception of a handler reaches the caller of a user_... function.
 namespace zrl {
 
 using Event = std::function<void()>;
@@ -28,14 +32,16 @@ class CaptionedControl : public Control {
   void set_caption(std::string_view caption) { set(Property::caption, caption); }
 };
 
+// A titled group, see frame() in layout.h. Disabling or hiding it makes the controls inside unusable, whose
+// own properties stay as they are.
 class Frame : public CaptionedControl {
  public:
   Frame(Form& form, std::string_view name, std::string_view caption)
       : CaptionedControl(form, ControlKind::frame, name, caption, {}) {}
 };
 
-// A text for the user; with `names`, the name of a control that has no caption of its own. Such a
-// label is laid out together with its control.
+// A text for the user; with `names`, the label of a control that has no caption of its own. Such a label is
+// laid out together with its control, which must belong to the same form.
 class Label : public CaptionedControl {
  public:
   Label(Form& form, std::string_view name, std::string_view caption, std::string_view tool_tip = {})
@@ -49,21 +55,24 @@ class Label : public CaptionedControl {
   const Control* names_ = nullptr;
 };
 
+// A text that the user may edit, of one line or several; its length is not limited here. What the page sets
+// is kept byte for byte; hosts make it printable.
 class TextField : public Control {
  public:
+  // How hosts show the field; fixed from construction on. `placeholder` is English and not copied: a literal.
   struct Style {
     bool multi_line = false;
     bool fixed_pitch = false;
     bool secret = false;  // a password; hosts do not show it
-    bool counts = false;  // lines that begin with a count; hosts that can draw show them as bars too
-    bool source = false;  // of a script, in "vbscript"; hosts that can edit source text do
+    bool counts = false;  // lines that begin with a count; hosts that can draw also show them as bars
+    bool source = false;  // the source text of a script; hosts with an editor for such texts use it
     std::string_view placeholder = {};
   };
 
-  // Something that is wrong with a source text.
+  // A fault in a source text, for example a syntax error of a script.
   struct Mark {
-    std::string name;        // of the text that has it
-    std::size_t line = 0;    // from 1; 0 where there is no place
+    std::string name;        // of the source text that has the fault
+    std::size_t line = 0;    // from 1; 0 if the place is not known
     std::size_t column = 0;  // from 1, in 16-bit units
     std::string text;
     bool elsewhere = false;  // in another text than the field's
@@ -75,13 +84,16 @@ class TextField : public Control {
   TextField(Form& form, std::string_view name, std::string_view tool_tip)
       : TextField(form, name, tool_tip, Style{}) {}
 
-  Event on_change;  // the text has become different, whoever changed it
+  // The text has become different, whether the user or the program changed it.
+  Event on_change;
 
+  // The reference is valid as long as the field, its content until the next change.
   const std::string& text() const { return text_; }
   void set_text(std::string_view text);
   const Style& style() const { return style_; }
 
-  // Hosts show the marks of a field with the style `source` until others are set; typing keeps them.
+  // Hosts show the marks of a field with the style `source` until others are set. Changing the text does not
+  // remove them, so their places may no longer fit.
   const std::vector<Mark>& marks() const { return marks_; }
   void set_marks(std::vector<Mark> marks);
 
@@ -95,6 +107,7 @@ class TextField : public Control {
   std::vector<Mark> marks_;
 };
 
+// Checked or not. A user's click toggles it, then runs on_click; the program's setters run nothing.
 class CheckBox : public CaptionedControl {
  public:
   CheckBox(Form& form, std::string_view name, std::string_view caption, std::string_view tool_tip = {})
@@ -104,7 +117,7 @@ class CheckBox : public CaptionedControl {
 
   bool checked() const { return checked_; }
   void set_checked(bool checked);
-  // As options store it: 0 or 1. Setting another number raises error 380.
+  // As options store it: 0 or 1. Setting another number raises error 380 and changes nothing.
   std::int16_t value() const { return checked_ ? 1 : 0; }
   void set_value(std::int16_t value);
 
@@ -116,7 +129,8 @@ class CheckBox : public CaptionedControl {
   bool checked_ = false;
 };
 
-// One of the choices that stand in the same frame (or on the form outside all frames).
+// One of several choices: of the option buttons in the same frame (or on the form outside all frames) at most
+// one is chosen.
 class OptionButton : public CaptionedControl {
  public:
   OptionButton(Form& form, std::string_view name, std::string_view caption, std::string_view tool_tip = {})
@@ -125,7 +139,8 @@ class OptionButton : public CaptionedControl {
   Event on_click;  // also when it was chosen already
 
   bool chosen() const { return chosen_; }
-  void choose();  // the other choices beside it are no longer chosen
+  // Chooses it in place of the others; runs no event.
+  void choose();
 
   void user_click() override;
 
@@ -135,6 +150,8 @@ class OptionButton : public CaptionedControl {
   bool chosen_ = false;
 };
 
+// Nothing disables a button while its event runs, so a second click may come in an event loop that the
+// handler serves; Page::bind_busy() prevents that.
 class Button : public CaptionedControl {
  public:
   Button(Form& form, std::string_view name, std::string_view caption, std::string_view tool_tip = {})
@@ -145,22 +162,26 @@ class Button : public CaptionedControl {
   void user_click() override;
 };
 
-// What the list-like kinds share: items in an arena, and the index of the chosen one (-1: none).
+// What the list-like kinds share: items in one arena, and the index of the chosen one. A list may have
+// millions of items.
 class ItemsControl : public Control {
  public:
   const StringList& items() const { return items_; }
+  // From 0; -1 if nothing is chosen.
   std::int64_t index() const { return index_; }
-  // The chosen text; empty if nothing is chosen.
+  // The chosen text; empty if nothing is chosen. A view into items(), valid until these are changed.
   std::string_view chosen() const;
 
  protected:
   ItemsControl(Form& form, ControlKind kind, std::string_view name, std::string_view tool_tip);
 
   PropertyValue own(Property property) const override;
+  // Replaces all items; nothing is chosen then.
   void put_items(StringList items);
+  // Checks nothing; the callers have.
   void put_index(std::int64_t index);
   void append(std::string_view item);
-  // Raises Refused if there is no such item.
+  // Raises Refused if the control is not usable or has no such item.
   void require_item(std::int64_t index) const;
 
  private:
@@ -168,6 +189,7 @@ class ItemsControl : public Control {
   std::int64_t index_ = -1;
 };
 
+// A list of which one item may be chosen. Choosing the item that is chosen already runs on_click again.
 class ListBox : public ItemsControl {
  public:
   ListBox(Form& form, std::string_view name, std::string_view tool_tip = {})
@@ -177,19 +199,20 @@ class ListBox : public ItemsControl {
 
   void clear() { put_items({}); }
   void add_item(std::string_view item) { append(item); }
-  // Takes the list over without copying it; nothing is chosen then.
+  // Takes ownership of the list without copying its texts; nothing is chosen then.
   void set_items(StringList items) { put_items(std::move(items)); }
   // Raises error 380 if there is no such item; -1 chooses nothing.
   void set_index(std::int64_t index);
-  // Chooses the item and runs its click, on purpose.
+  // Chooses the item, as set_index() does, and runs on_click: for pages that act for the user.
   void click_item(std::int64_t index);
 
   void user_choose(std::int64_t index) override;
 };
 
-// A drop-down list, with or without an edit field.
+// A drop-down list, with or without an edit field. Its text need not be one of the items.
 class ComboBox : public ItemsControl {
  public:
+  // As the style of a text field: fixed, and the placeholder is a literal.
   struct Style {
     bool editable = false;
     std::string_view placeholder = {};  // shown while the text is empty
@@ -197,9 +220,10 @@ class ComboBox : public ItemsControl {
 
   ComboBox(Form& form, std::string_view name, std::string_view tool_tip, const Style& style);
 
-  Event on_click;   // an item was chosen
-  Event on_change;  // the text was edited
+  Event on_click;   // the user chose an item
+  Event on_change;  // the user edited the text
 
+  // Removes the items and the text.
   void clear() {
     put_items({});
     set_text({});
@@ -207,11 +231,13 @@ class ComboBox : public ItemsControl {
   void add_item(std::string_view item) { append(item); }
   void set_items(StringList items) { put_items(std::move(items)); }
   const std::string& text() const { return text_; }
-  // Chooses the item with this text if there is one. A list without an edit field takes any text
-  // too, because pages show stored values that are not among the choices.
+  // Sets the text and chooses the first item with this text; nothing is chosen if there is none. A list
+  // without an edit field accepts any text too, because pages show stored values that are not among the
+  // choices. Runs no event.
   void set_text(std::string_view text);
   const Style& style() const { return style_; }
 
+  // Without an edit field, typing chooses the item with this text, and is refused if there is none.
   void user_type(std::string_view text) override;
   void user_choose(std::int64_t index) override;
 
@@ -223,9 +249,11 @@ class ComboBox : public ItemsControl {
   Style style_;
 };
 
-// Ticks while it is enabled and its interval is above 0.
+// Ticks while it is enabled and its interval is above 0. It has no clock of its own: the host calls
+// user_tick() when the interval has passed, later if a handler is running then, and makes up for no tick.
 class Timer : public Control {
  public:
+  // The interval given here is not checked.
   Timer(Form& form, std::string_view name, std::int64_t interval_ms, bool enabled);
 
   Event on_tick;
@@ -241,7 +269,7 @@ class Timer : public Control {
   std::int64_t interval_;
 };
 
-// Takes a position from min() to max().
+// Has a position from min() to max(), both included; all three are 0 at first.
 class ScrollBar : public Control {
  public:
   ScrollBar(Form& form, std::string_view name, std::string_view tool_tip);
@@ -252,7 +280,7 @@ class ScrollBar : public Control {
   std::int64_t min() const { return min_; }
   std::int64_t max() const { return max_; }
   void set_value(std::int64_t value);  // raises error 380 outside the range
-  // The position stays as near as the new range lets it.
+  // Moves the position into the new range if it is outside. Raises error 380 if `max` is below `min`.
   void set_range(std::int64_t min, std::int64_t max);
 
   void user_scroll(std::int64_t value) override;
@@ -265,24 +293,29 @@ class ScrollBar : public Control {
   std::int64_t max_ = 0;
 };
 
-// The lists of the file system of the machine that the console runs on. `text` is the drive or the
-// folder, with "\" between its parts. What cannot be read shows as empty.
+// The lists of the file system of the machine that the console runs on, which is not the user's where the
+// host is a web server. The property `text` is the drive or the folder, a product path (core/text/paths.h).
+// What cannot be read shows as empty; no operation raises an error for it. Names are the file system's bytes,
+// sorted by them, and need not be UTF-8.
 class PathList : public ItemsControl {
  public:
   const std::string& path() const { return path_; }
-  void set_path(std::string_view path);  // reads the folder again, also when it is the same
+  // Reads the folder again, even if the path is the same. Runs no event.
+  void set_path(std::string_view path);
   void refresh() { set_path(std::string(path_)); }
 
  protected:
   using ItemsControl::ItemsControl;
   PropertyValue own(Property property) const override;
+  // The items for a product path; empty if it cannot be read.
   virtual StringList read(const std::string& path) const = 0;
 
  private:
   std::string path_;
 };
 
-// The roots that can be chosen: the file system's root, the account's home, mounted media.
+// The roots that can be chosen: the file system's root, the home folder of the console's account, and those
+// of /media, /mnt and /srv that are not empty.
 class DriveList : public PathList {
  public:
   DriveList(Form& form, std::string_view name, std::string_view tool_tip = {})
@@ -294,7 +327,8 @@ class DriveList : public PathList {
   StringList read(const std::string& path) const override;
 };
 
-// The folders in a folder, sorted; ".." first where there is a parent. Choosing one enters it.
+// The folders in a folder, sorted; ".." first if there is a parent. Choosing one enters it: the path changes,
+// and nothing is chosen afterwards.
 class FolderList : public PathList {
  public:
   FolderList(Form& form, std::string_view name, std::string_view tool_tip = {})
@@ -306,7 +340,7 @@ class FolderList : public PathList {
   StringList read(const std::string& path) const override;
 };
 
-// The files in a folder, sorted.
+// The regular files in a folder, sorted.
 class FileList : public PathList {
  public:
   FileList(Form& form, std::string_view name, std::string_view tool_tip = {})

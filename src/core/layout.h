@@ -8,11 +8,13 @@ namespace zrl {
 class Control;
 class Frame;
 
-// How a form is laid out: data that hosts draw.
+// How a form is laid out: a tree that hosts draw as they can, without sizes or positions. Nodes refer to
+// controls of the form, which must outlive them.
 //
 //   set_layout(column({headline, frame(Frame1, grid({checkmx, ehlo})), row({Command1, Command2})}));
 //
-// Controls that a label names bring the label along. Timers are not laid out.
+// A control that a label names brings the label along, so the label is not part of the tree. Timers are not
+// laid out. A control must occur at most once; one that does not occur is not shown.
 struct LayoutNode {
   enum class Kind { control, column, row, grid, frame };
 
@@ -35,7 +37,8 @@ LayoutNode grid(std::initializer_list<LayoutNode> nodes);
 // A titled group. The controls inside lie in the frame: they are disabled and hidden with it, and
 // option buttons in it exclude each other.
 LayoutNode frame(Frame& title, LayoutNode content);
-// Takes the space that is left.
+// The node takes the space that is left over, in the direction of its parent. Without effect for hosts that
+// do not draw.
 LayoutNode grow(LayoutNode node);
 
 }  // namespace zrl

@@ -12,31 +12,36 @@
 
 namespace zrl {
 
-// A settings page. Hosts create it, call initialise() each time it is shown, pass the user's acts
-// to its controls, and call terminate() when it is left. Nothing is kept between showings.
+// A settings page. Hosts create and own it, call initialise() each time it is shown, pass the user's acts to
+// its controls, and call terminate() when it is left, but not before every event of the page has ended.
+// Handles and components are not kept between showings.
 //
-// A page class declares its controls, wires and lays them out in its constructor, and implements
-// load(). Its operations are straight sequences of steps. Components that it keeps are members of the type
-// Held, which load() makes.
+// A page class declares its controls, wires them and lays them out in its constructor, and implements load().
+// Its operations are straight sequences of steps, none of which throws. Components that it keeps are members
+// of the type Held, which load() makes.
 class Page : public DatabaseClient, public Form {
  public:
   Page(Console& console, std::string_view name, std::string_view caption)
       : DatabaseClient(console), Form(console, name, caption) {}
 
-  // Runs the show sequence.
+  // Runs show() as an event. Never throws; the page is shown whatever failed.
   void initialise();
-  // Drops `database` and `conn`, in that order, then what the page holds. Nothing is written back.
+  // Runs hide(), then drops `database` and `conn`, in that order, then the held components. Nothing is
+  // written back.
   void terminate();
 
  protected:
-  // Translate, connect, load: the order of most pages.
+  // Translate, connect, load: the order of most pages. If connecting fails, a message box says so, and load()
+  // runs all the same; its steps on the database then fail.
   virtual void show();
+  // Makes the held components and fills the controls.
   virtual void load() = 0;
   // What a page drops besides the two handles and its held components.
   virtual void hide() {}
 
-  // A check box that is an option: its click writes it at once. load_switches() reads all of them in the
-  // order of their binding, or those that are named. A stored value other than 0 and 1 leaves its box alone.
+  // A check box that shows an option: a click writes it at once. load_switches() reads all of them in the
+  // order of their binding, or those that are given, which must have been bound. A stored value other than 0
+  // and 1 is a failed step and leaves its box unchanged. `key` is not copied: a literal.
   struct Switch {
     CheckBox& box;
     std::string_view key;
@@ -45,24 +50,27 @@ class Page : public DatabaseClient, public Form {
   void load_switches();
   void load_switches(std::initializer_list<CheckBox*> boxes);
   void load_switch(CheckBox& box);
-  // A switch that stands in the registry, under this path.
+  // The same for a value in the registry, under this full path. Nothing is bound to the click.
   void load_registry_switch(CheckBox& box, std::string_view path);
 
-  // Gives the timer the interval, in milliseconds, that the option holds; one that a timer can't take is a
-  // failed step.
+  // Gives the timer the interval, in milliseconds, that the caller has read from the option `key`, under
+  // which a failure is recorded. An interval outside 0 to 65,535 is a failed step and leaves the timer
+  // unchanged.
   void set_interval(Timer& timer, std::string_view key, std::int64_t interval_ms);
 
-  // Records the console's version in the option "version".
+  // Writes the version of the product, a value of the registry, to the option "version".
   void publish_version();
 
-  // Starts a program with operands, which may be anybody's text: each reaches the program as one
-  // argument, and one that is empty or would pass for an option makes the step fail. The program's
-  // name gets the ending ".exe" if it lacks it.
+  // Starts a program, without waiting for its end, with operands that may come from strangers: each reaches
+  // the program as one argument. One that is empty, begins with "-" or holds a zero byte makes the step fail.
+  // The program's name gets the ending ".exe" if it lacks it. An empty folder means the console's own. True
+  // if the host has started it; recorded as a write either way.
   bool run_program(std::string_view program, std::vector<std::string> operands, std::string_view folder = {});
 
-  // Look-ups in the DNS, the event loop served meanwhile. One that finds nothing is a failed read and
-  // empty: the mail exchanger with the lowest preference, a dot at its end; all of them by ascending
-  // preference; the first IPv4 address of a host, or of this machine if the text is blank.
+  // Look-ups by the console's NameLookup, the event loop served meanwhile, so arguments must not be texts of
+  // controls or lists that may change. One that finds nothing is a failed read and returns an empty result.
+  // In this order: the mail exchanger with the lowest preference number, with a dot at its end; all of them
+  // by ascending preference; the first IPv4 address of a host, or of this machine if the text is blank.
   std::string find_mail_exchanger(std::string_view domain);
   StringList mail_exchangers(std::string_view domain);
   std::string address_of(std::string_view host);
@@ -70,15 +78,17 @@ class Page : public DatabaseClient, public Form {
   // The host name of an address; nothing if the look-up failed.
   std::optional<std::string> host_name_of(const Held<DnsClient>& dns, std::string_view address);
 
-  // Runs the action with the button disabled, which keeps a second click away.
+  // Runs the action with the button disabled, which prevents a second click while the event loop is served.
+  // The button is enabled afterwards, whatever it was before; what the action lets escape is recorded.
   void busy(Button& button, const std::function<void()>& action);
-  // The button's click runs this operation of the page so.
+  // Lets the button's click run this operation of the page in that way.
   template <typename PageType>
   void bind_busy(Button& button, void (PageType::*operation)()) {
     bind_busy(button, [page = static_cast<PageType*>(this), operation] { (page->*operation)(); });
   }
   void bind_busy(Button& button, std::function<void()> action);
 
+  // Runs the events that are pending; the page's controls may have changed when it returns.
   void process_events();
   Settings& settings() { return console().settings(); }
 

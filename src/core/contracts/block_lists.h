@@ -7,29 +7,31 @@
 
 namespace zrl {
 
-// Asks the DNS-based lists that the tables `wblserver` (white) and `rblserver` (black) name.
+// Asks the DNS-based lists (RFC 5782) that the tables `wblserver` (white) and `rblserver` (black) name. One
+// object makes one test after another, all on the console's thread.
 class BlockLists {
  public:
   static constexpr std::string_view program_id = "rblcheck.rbl_check";
 
+  // The numbers are part of the contract.
   enum class Listing { none = 0, white = 1, black = 2 };
 
-  // The positions of the SMTP conversation.
+  // The positions of the SMTP conversation that Value() accepts.
   static constexpr std::string_view connect = "connect";
   static constexpr std::string_view envelope = "envelope";
 
   virtual ~BlockLists() = default;
 
-  // Begins a test: reads the zones. Raises zrl::Error if they cannot be read; false if the context
-  // names neither an IP address nor a sender's domain.
+  // Begins a test: reads the zones and keeps what it needs of the context. Raises zrl::Error if the zones
+  // cannot be read; false if the context names neither an IP address nor a sender's domain.
   virtual bool initmodule(const MessageContext& context) = 0;
 
-  // Asks all zones at once and answers after the slowest, or when the resolver's time is up: a zone
-  // that does not answer lists nothing. At "connect" the client's address is looked up, IPv4 or IPv6,
-  // at "envelope" the sender's domain. White zones go before black ones, and zones in the order of
-  // their rows. `zone` is the one that matched, or empty. Zones that cannot be asked or believed are
-  // recorded. The event loop is served meanwhile. Raises zrl::Error on failure, which includes another
-  // position, or one whose part of the context is missing.
+  // Asks all zones at once and returns after the slowest answer, or when the resolver's time-out has passed:
+  // a zone that does not answer lists nothing. At "connect" the client's address is looked up, IPv4 or IPv6,
+  // at "envelope" the sender's domain. White zones take precedence over black ones, and among each kind the
+  // order of the rows decides. `zone` becomes the one that matched, or empty. Zones that cannot be asked, or
+  // whose answers are not credible, are recorded as failures. The event loop is served meanwhile. Raises
+  // zrl::Error on failure, which includes an unknown position, or one whose part of the context is missing.
   virtual void Value(std::string_view position, Listing& listing, std::string& zone) = 0;
 };
 

@@ -9,13 +9,17 @@
 #include "core/contracts/statement.h"
 #include "core/text/string_list.h"
 
-// The contract with the database access component. Every operation raises zrl::Error on failure
-// and then leaves the table as it was; texts are UTF-8.
+// The contract with the database access component. Every operation raises zrl::Error on failure, its
+// number being the engine's result code or one of error_number, and then leaves the table as it was. Texts
+// are UTF-8. Component, connections and record sets belong to the console's thread. Other processes may
+// use the database at the same time; an operation waits a few seconds for one that is writing, then fails.
 namespace zrl {
 
 // A result that spans rows, read-only or updatable. The keys of its rows are read when it is
 // opened; a row's columns are read when they are asked for, so that a set over large messages
-// costs little until one is looked at. Rows that others delete meanwhile read as empty.
+// costs little until one is looked at. Rows that others insert later are not in it; rows that others
+// delete meanwhile read as null. The caller owns the set, and may keep it longer than the connection's
+// handle. The case of column names is ignored.
 class RecordSet {
  public:
   virtual ~RecordSet() = default;
@@ -23,110 +27,128 @@ class RecordSet {
   virtual std::int64_t count() const = 0;
 
   // The current row; the first one after opening. Moving to or beyond the end makes at_end() true;
-  // reading or writing there raises an error.
+  // reading or writing there raises error 9. Moving back stops at the first row. Moving drops changes
+  // that were not written.
   virtual bool at_end() const = 0;
   virtual void move_first() = 0;
   virtual void move_next() = 0;
   virtual void move(std::int64_t rows) = 0;  // forward if positive, back if negative
 
-  // A column of the current row. An unknown name raises an error. text() and bytes() of a null are
-  // empty, its number() is 0. A view is valid until the set moves or is changed.
+  // A column of the current row. An unknown name raises error 9. text() and bytes() of a null are empty,
+  // its number() is 0. text() returns what is stored, which other programs may have written as ill-formed
+  // UTF-8. number() reads the number at the start of a text, 0 if there is none. A view is valid until the
+  // set moves, is changed or is destroyed.
   virtual bool is_null(std::string_view column) = 0;
   virtual std::string_view text(std::string_view column) = 0;
   virtual std::string_view bytes(std::string_view column) = 0;
   virtual std::int64_t number(std::string_view column) = 0;
 
-  // Changes to the current row are kept back until update() writes them. Sets that were not opened
-  // as updatable raise an error.
+  // Changes to the current row are visible in this set at once, and written together by update(), which
+  // raises an error if the row has been deleted. Sets that were not opened as updatable raise error 438.
   virtual void set_text(std::string_view column, std::string_view text) = 0;
   virtual void set_bytes(std::string_view column, std::string_view bytes) = 0;
   virtual void set_number(std::string_view column, std::int64_t number) = 0;
   virtual void update() = 0;
 
-  // Deletes the current row by its key; the set stays on its place, which then reads as at_end()
-  // until it is moved.
+  // Deletes the current row by its key. The set stays at this position, and at_end() is true until it is
+  // moved. Needs an updatable set.
   virtual void delete_current() = 0;
 };
 
-// An open connection. Statements run one by one, each by itself, unless a transaction was begun.
+// An open connection. Each statement is a transaction of its own unless one was begun.
 class Connection {
  public:
   enum class Access { read_only, updatable };
 
   virtual ~Connection() = default;
 
+  // Runs one statement that returns no rows. A statement with a fault() raises an error before it reaches the
+  // engine.
   virtual void execute(const Statement& statement) = 0;
 
-  // Opens a static set over a SELECT. Updatable sets need the form "SELECT * from TABLE ...".
+  // Opens a static set over a SELECT; never null. Updatable sets need the form "SELECT * from TABLE ...",
+  // followed by nothing but a condition and an order. Without an order, rows come as they were inserted.
   virtual std::unique_ptr<RecordSet> open(const Statement& select, Access access) = 0;
 
+  // Transactions do not nest: beginning a second one raises an error, and so does ending one that was not
+  // begun. The lock is taken by the first statement, not by begin_transaction(). A failed commit() rolls
+  // back. What was not committed when the connection is dropped is lost.
   virtual void begin_transaction() = 0;
   virtual void commit() = 0;
   virtual void roll_back() = 0;
 
-  // Makes what was written so far survive a power cut. The framework calls it once at the end of
-  // each user action.
+  // Makes what was committed so far survive a power cut. The framework calls it once at the end of each user
+  // action, because a sync per statement would make an action of many statements slow.
   virtual void settle() = 0;
 };
 
-// What pages keep in `conn`: shared, because the component may hand the same connection out again.
+// What pages keep in `conn`. Shared, because the console holds a weak reference to settle it, and because a
+// component may return the same connection again.
 using ConnectionHandle = std::shared_ptr<Connection>;
 
-// The value of an option as it is stored; empty if there is no such option.
+// The value of an option as it is stored, a text; empty if there is no such option, or if it is empty.
 struct OptionValue {
   std::string text;
 
   bool empty() const { return text.empty(); }
 
-  // As a 16-bit integer, the empty value being 0. Raises error 13 if it is no number, or too large.
+  // As a 16-bit integer, the empty value being 0. Raises error 13 if it is not a whole number, or too large.
   std::int16_t to_int16() const;
 };
 
 // Reads the table `konf`, runs the list operations, and moves whole lists to and from files.
 //
 // Operations take the connection by reference and may replace it (a connection that was lost is
-// opened again). An empty handle raises error 91.
+// opened again). An empty handle raises error 91, a connection of another component error 13.
 //
-// An array result holds one element more than there are rows: the last element is empty and never
-// shown. get_db_array_ordered has no such element.
+// The result of get_db_array has one element more than there are rows: the last element is empty and
+// never shown. get_db_array_ordered has no such element.
 //
-// Paths of list files are paths of the file system. List files are UTF-8, one entry a line (LF or
-// CRLF, optional byte-order mark); blank lines and surrounding blanks are dropped.
+// Paths of list files are paths of the file system. List files are UTF-8, one entry per line (LF or
+// CRLF, optional byte-order mark); blank lines and surrounding blanks are dropped. Entries are compared
+// byte by byte.
 class Database {
  public:
   static constexpr std::string_view program_id = "dbfunctions.dba";
 
   virtual ~Database() = default;
 
-  // "sqlite:PATH"; a relative path lies in the console's folder.
+  // `provider` is "sqlite:PATH"; a relative path is resolved against the console's folder. The file is made
+  // if it is missing, and tables and indexes that it lacks are added. Never null.
   virtual ConnectionHandle open_database(std::string_view provider) = 0;
 
+  // Options are the rows of `konf`, by their key; case matters. The two ways to read one differ only in
+  // their names, which the activity record shows. Setting one adds it if it is missing.
   virtual OptionValue read_option(std::string_view key, ConnectionHandle& conn) = 0;
   virtual OptionValue get_option(std::string_view key, ConnectionHandle& conn) = 0;
   virtual void set_option(std::string_view key, std::int32_t value, ConnectionHandle& conn) = 0;
   virtual std::string read_string(std::string_view key, ConnectionHandle& conn) = 0;
   virtual void set_string(std::string_view key, std::string_view text, ConnectionHandle& conn) = 0;
 
-  // The column's values in the order of the rows' insertion. The empty condition means all rows.
+  // The column's values in the order of the rows' insertion. The condition is what follows "where"; the
+  // empty one means all rows.
   virtual StringList get_db_array(ConnectionHandle& conn, Literal table, Literal column,
                                   const Statement& condition) = 0;
 
-  // One element a row, ascending by `order`; of the column `reason` each value once, placed at its
-  // latest row.
+  // One element per row, ascending by the column `order`; of the column `reason`, each value once, at the
+  // place of its last row.
   virtual StringList get_db_array_ordered(ConnectionHandle& conn, Literal table, Literal column,
                                           const Statement& condition, Literal order) = 0;
 
+  // The number of rows that the SELECT finds.
   virtual std::int64_t count_value(const Statement& select, ConnectionHandle& conn) = 0;
 
-  // The entry leaves the opposite list and stands once in its own.
+  // Removes the entry from the opposite list and makes sure that it is in its own exactly once; an entry that
+  // is there keeps its position. Atomic.
   virtual void add_to_blackhost(std::string_view address, ConnectionHandle& conn) = 0;
   virtual void add_to_whitehost(std::string_view address, ConnectionHandle& conn) = 0;
   virtual void add_to_blackdomain(std::string_view domain, ConnectionHandle& conn) = 0;
   virtual void add_to_whitedomain(std::string_view domain, ConnectionHandle& conn) = 0;
-  // The word stands once in its list; the empty word raises an error.
+  // Make sure that the word is in its list exactly once. A blank word raises error 380: it would match every
+  // mail.
   virtual void add_to_swords(std::string_view word, ConnectionHandle& conn) = 0;
   virtual void add_to_words(std::string_view word, ConnectionHandle& conn) = 0;
-  // The address leaves both address lists.
+  // Removes the address from both address lists. Atomic.
   virtual void remove_from_iplist(std::string_view address, ConnectionHandle& conn) = 0;
 
   // Creates the table with the given column definitions; an existing table is left alone.
@@ -135,31 +157,36 @@ class Database {
   // Creates what is missing of tables and indexes and refreshes the engine's statistics.
   virtual void prep_mdb(ConnectionHandle& conn) = 0;
 
-  // Counters: adds `number` to the option of the operation's name.
+  // Counters: add `number` to the option with the operation's name, which is made if it is missing. Atomic,
+  // so several processes may count.
   virtual void addbytes(std::int64_t number, ConnectionHandle& conn) = 0;
   virtual void addconnections(std::int64_t number, ConnectionHandle& conn) = 0;
   virtual void adddropps(std::int64_t number, ConnectionHandle& conn) = 0;
 
-  // The operations below use a connection of the component's own, opened when first needed with
-  // the provider of the settings store. (`import` and two others wear an underscore because the
-  // language reserves their names.)
+  // The operations below use the component's own connection, opened when first needed with the
+  // connection string of the registry (`dataprovider`), and are durable when they return. Those on files
+  // may report progress, which lets events run; one that is started from such an event raises an error.
+  // (The names with an underscore at the end are reserved words of C++ without it.)
 
-  // Adds the entries of the file that the table lacks. One transaction: all or nothing.
+  // Adds the entries of the file that the table lacks. One transaction: all or nothing. True if it is
+  // done; failures are raised.
   virtual bool import_(Literal column, Literal table, std::string_view path) = 0;
-  // Removes all entries that the file names. One transaction.
+  // Removes all entries that are in the file. One transaction. True if it is done.
   virtual bool delete_(Literal column, Literal table, std::string_view path) = 0;
-  // Writes the list to a file, in the order of insertion; `condition` is empty for all rows. An
-  // existing file is replaced only with `overwrite`; without it the result is false.
+  // Writes the list to a file, in the order of insertion; the empty `condition` means all rows. An existing
+  // file is replaced, as a whole, only with `overwrite`; without it the result is false.
   virtual bool export_(Literal column, Literal table, const Statement& condition, std::string_view path,
                        bool overwrite) = 0;
 
   // Lower-cases (A to Z) every value of the column.
   virtual void lcase_table(Literal table, Literal column) = 0;
 
-  // The plain and the HTML text of a disclaimer rule, in this order.
+  // The plain and the HTML text of a disclaimer rule, in this order; always two elements, empty if there is
+  // no such rule.
   virtual StringList read_disclaimer(std::string_view rule) = 0;
 
-  // Reads the users of the directory server named by the option `ldapserver` into `localmail`.
+  // Adds the users of the directory server named by the option `ldapserver` to `localmail`. Asks the
+  // component DirectoryUsers; nothing is locked while it answers. Entries of former users stay.
   virtual void adad() = 0;
 };
 

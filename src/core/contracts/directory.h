@@ -7,15 +7,16 @@
 
 namespace zrl {
 
-// The directory that this machine belongs to.
+// The directory (LDAP, RFC 4511) that this machine belongs to. The console's events are served while a server
+// is asked.
 class DirectoryLookups {
  public:
   static constexpr std::string_view program_id = "mirvan_ad.lookups";
 
   virtual ~DirectoryLookups() = default;
 
-  // The DNS name of the directory's root domain, in lower case; empty if the machine belongs to
-  // none. Raises zrl::Error if the directory does not answer.
+  // The DNS name of the directory's root domain, in lower case; empty if the machine belongs to none. Raises
+  // zrl::Error if the directory does not answer.
   virtual std::string RootDomain() = 0;
 };
 
@@ -26,9 +27,9 @@ class DirectoryUsers {
 
   virtual ~DirectoryUsers() = default;
 
-  // The mail addresses of everybody in the directory, in lower case and without a prefix ("smtp:").
-  // Repeated ones may stand there more than once. Raises zrl::Error if the answer is not complete; the
-  // console's events are served meanwhile.
+  // The mail addresses of all users in the directory, in lower case and without a prefix ("smtp:"). An
+  // address may occur more than once. Raises zrl::Error if the answer is incomplete, so that a caller never
+  // takes a part for the whole; the console's events are served meanwhile.
   //
   // `server` is "host", "host:port", "ldap://host:port" or "ldaps://host:port". The users are those
   // below the base that the address names ("ldap://host/dc=corp,dc=example"), else below the

@@ -6,19 +6,23 @@
 
 namespace zrl {
 
-// Fetches published lists and scripts from the update server. Blocks until it has finished.
+// Fetches published lists and scripts from the update server, which the registry value `updateurl` names.
+// Calls return when all transfers have ended; the console's events are served meanwhile, and what they raise
+// ends the call.
 class Downloader {
  public:
   static constexpr std::string_view program_id = "zrlautoupdate.downloader";
 
   virtual ~Downloader() = default;
 
-  // Fetches all list files into the folder "download" and returns a status text: how many came,
-  // and on a line of its own what became of each. A file that the server does not publish, or that
-  // does not arrive complete, stays as it is on the disk. Raises zrl::Error if none was fetched.
+  // Fetches all list files into the folder "download" of the console's folder and returns a status text
+  // (UTF-8): how many were fetched, and the result for each file on a line of its own. A file that the server
+  // does not publish, or that does not arrive complete, stays as it is on the disk. Raises zrl::Error if none
+  // was fetched.
   virtual std::string updateall() = 0;
 
-  // The files that the last updateall() did not get although they may be published.
+  // The files that the last updateall() did not fetch although they may be published, with the reason as
+  // UTF-8 for people.
   struct Failure {
     std::string file;
     std::string reason;

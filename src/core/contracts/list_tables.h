@@ -6,14 +6,18 @@
 
 namespace zrl {
 
-// A list of the proxy: a table of one text column, one entry a row. The tables and what stands in them
-// are described in docs/operating.md.
+// A list of the proxy: a table of one text column, one entry per row. The tables and their content are
+// described in docs/operating.md; the definitions are in the component's schema. All names are literals, so
+// objects may be copied and kept.
 struct ListTable {
   std::string_view name;  // what people and the command line call it
+  // As statements write them; the database ignores their case.
   Literal table;
   Literal column;
 };
 
+// Each list is defined here once, so that pages, components and hosts cannot disagree on its table. A new
+// list needs a line here and its table in the component's schema.
 namespace list {
 
 inline constexpr ListTable black_domains{"domains.black", "blacklist", "entry"};
@@ -40,12 +44,14 @@ inline constexpr ListTable extensions{"extensions", "extension", "extension"};
 
 }  // namespace list
 
-// "DELETE FROM table where column='text'"
+// "DELETE FROM table where column='text'". Deletes every row with this entry, compared byte by byte. The
+// statement copies `text`; one with an apostrophe makes it malformed, so callers escape it first where the
+// list holds escaped entries (core/text/list_entry.h).
 inline Statement delete_from(const ListTable& list, std::string_view text) {
   return delete_from(list.table, list.column, text);
 }
 
-// "INSERT INTO table (column) VALUES ('text')"
+// "INSERT INTO table (column) VALUES ('text')". Adds a row even if the entry is there already.
 inline Statement insert_into(const ListTable& list, std::string_view text) {
   return insert_into(list.table, list.column, text);
 }

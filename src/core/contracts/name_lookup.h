@@ -9,9 +9,10 @@
 
 namespace zrl {
 
-// Looks names up for the console itself: mail exchangers and IPv4 addresses, and says which servers
-// answer, so that every look-up of the console asks the same ones. Calls return when the answer or
-// the time-out has come; the console's event loop is served meanwhile, and may run other look-ups.
+// Looks names up for the console itself: mail exchangers and IPv4 addresses. It also says which servers it
+// asks, so that components with a resolver of their own ask the same ones. Calls return after the answer or
+// the time-out; the console's event loop is served meanwhile, and may run other look-ups. A console has one
+// object, see ConsoleServices::names().
 class NameLookup {
  public:
   static constexpr std::string_view program_id = "zrl.names";
@@ -29,11 +30,11 @@ class NameLookup {
   // Where the DNS servers listen: "192.0.2.1:53", "[2001:db8::1]:53". Empty if none is known.
   virtual std::vector<std::string> servers() = 0;
 
-  // How long a look-up may take, in milliseconds; at least 100.
+  // How long a look-up may take; at least 100 ms.
   virtual std::chrono::milliseconds time_out() = 0;
 
-  // True if names come from `servers` and nowhere else, so that the system's own look-up, which reads the
-  // machine's hosts file and resolver, must not be used.
+  // True if names may come only from servers(), so that the system's own look-up, which uses the machine's
+  // hosts file and resolver, must not be called.
   virtual bool asks_only_servers() const = 0;
 };
 

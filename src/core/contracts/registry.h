@@ -7,17 +7,19 @@
 
 namespace zrl {
 
-// The registry store: values under full paths such as "HKLM\SOFTWARE\Mirvan\reloadblack". Paths are
-// compared without regard to case. Operations raise zrl::Error on failure. Other processes may
-// use the same store at the same time; each operation is atomic.
+// The registry store: values under full paths such as "HKLM\SOFTWARE\Mirvan\reloadblack", through which the
+// console and the proxy share settings and flags. Paths and texts are UTF-8; paths are compared without
+// regard to the case of ASCII letters. Operations raise zrl::Error on failure and then change nothing. Other
+// processes may use the same store at the same time; each operation is atomic and durable when it returns.
 class Registry {
  public:
   static constexpr std::string_view program_id = "WScript.Shell";
 
   virtual ~Registry() = default;
 
-  // The value as text (a double word in decimal); empty if there is none.
+  // The value as text (a double word in decimal); nothing if there is none.
   virtual std::optional<std::string> regread(std::string_view path) = 0;
+  // A write replaces the value and its kind.
   virtual void write_string(std::string_view path, std::string_view text) = 0;  // REG_SZ
   virtual void write_dword(std::string_view path, std::uint32_t number) = 0;    // REG_DWORD
   // Deleting a value that is not there is no error.

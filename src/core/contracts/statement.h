@@ -8,7 +8,8 @@
 namespace zrl {
 
 // A piece of statement text that is written in the program. It can be made from a string literal
-// and from nothing else, so that no data can become statement text.
+// and from nothing else, at compile time, so that no data can become statement text. It lives as long as the
+// program.
 class Literal {
  public:
   template <std::size_t N>
@@ -21,8 +22,8 @@ class Literal {
   std::string_view text_;
 };
 
-// A piece of data inside a statement. It refers to the caller's text, which must live until the
-// full expression that builds the statement ends.
+// A piece of data inside a statement. It refers to the caller's text, which must live until the full
+// expression that builds the statement ends; the statement holds a copy.
 class Value {
  public:
   enum class Kind : char { text = 1, number = 2 };
@@ -32,17 +33,17 @@ class Value {
   bool secret = false;
 };
 
-// Data that stands between single quotes in the statement.
+// Data that stands between single quotes in the statement. UTF-8; it is not escaped.
 inline Value value(std::string_view text) {
   return {Value::Kind::text, text};
 }
 
-// The same for a password: it reaches the database as it is, and public_text() hides it.
+// The same for a password: it reaches the database unchanged, and public_text() hides it.
 inline Value secret(std::string_view text) {
   return {Value::Kind::text, text, true};
 }
 
-// Data that stands without quotes. A text that is no whole number makes the statement malformed.
+// Data that stands without quotes. A text that is no whole number of 64 bits makes the statement malformed.
 inline Value number(std::string_view text) {
   return {Value::Kind::number, text};
 }
@@ -53,12 +54,14 @@ inline Value number(std::string_view text) {
 //
 // Text values stand inside single quotes that the literals open and close, numbers outside. A
 // text value that holds an apostrophe or a zero byte, a value in the wrong place, or quotes that
-// are left open make the statement malformed: whoever executes it gets an error, and the
-// statement never reaches a database engine.
+// are left open make the statement malformed: executing it raises an error, and it never reaches the
+// database engine. Building a malformed one raises nothing.
 //
-// Also used for the fragments that go behind "where" (then called a condition).
+// Components bind the values as parameters, so a value never becomes SQL. A statement owns its texts and may
+// be copied and kept. Fragments that follow "where" are statements too, then called conditions.
 class Statement {
  public:
+  // One more raises std::length_error.
   static constexpr std::size_t max_values = 16;
 
   Statement() = default;
@@ -67,19 +70,21 @@ class Statement {
   Statement& append(Literal literal);
   Statement& append(const Value& value);
 
-  // The statement as one text, values in their places.
+  // The statement as one text, values in their places: for the record, not for the engine.
   std::string text() const { return written(Secrets::shown); }
   // The same with asterisks for each secret, whatever its length: for files and screens.
   std::string public_text() const { return written(Secrets::hidden); }
   bool has_secrets() const { return secrets_ != 0; }
   bool empty() const { return skeleton_.empty(); }
 
-  // Why the statement must not be executed; empty if it may.
+  // Why the statement must not be executed, for people; empty if it may be. The last fault that was found.
   std::string_view fault() const;
 
-  // The literal text, with one byte (a Value::Kind) in the place of each value. Statements of
-  // the same shape have the same skeleton.
+  // The literal text, with one byte (a Value::Kind, 1 or 2) in the place of each value. Statements of the
+  // same shape have the same skeleton, by which components keep compiled statements.
   const std::string& skeleton() const { return skeleton_; }
+  // The values in their order; `index` must be below the number of such bytes. The view is valid until the
+  // statement is changed.
   std::string_view value_at(std::size_t index) const;
 
  private:
@@ -95,6 +100,7 @@ class Statement {
   const char* fault_ = "";
 };
 
+// A sum begins with a literal; the statement is built in place, without copies of what is there already.
 inline Statement operator+(Literal left, const Value& right) {
   return std::move(Statement(left).append(right));
 }
@@ -108,7 +114,7 @@ inline Statement operator+(Statement&& left, const Value& right) {
   return std::move(left.append(right));
 }
 
-// "DELETE FROM table where column='text'"
+// "DELETE FROM table where column='text'". Table and column are not quoted.
 Statement delete_from(Literal table, Literal column, std::string_view text);
 
 // "INSERT INTO table (column) VALUES ('text')"
