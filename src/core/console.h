@@ -24,7 +24,7 @@ class Form;
 // The name that texts give the product, whatever the product key.
 inline constexpr std::string_view product_name = "Mirvan";
 
-// What came of a step.
+// The result of a step. A page that only needs to know whether it worked takes it as a bool.
 struct Outcome {
   bool worked = true;
   int number = 0;       // of the error; 0 if it has none
@@ -33,13 +33,19 @@ struct Outcome {
   operator bool() const { return worked; }  // NOLINT(google-explicit-constructor)
 };
 
-// The process-wide state of one console: everything that pages share. One thread uses it. Tests
-// and hosts make as many consoles as they like; nothing is global.
+// Everything that the pages of one console share: settings, language, components, the activity record, open
+// dialogs. One thread uses it, that on which its host runs events. Tests and hosts make as many consoles as
+// they like; nothing is global. Those of one folder share its database and registry, as separate processes
+// would.
+//
+// The console is also what its components get, see ConsoleServices. It must outlive its forms, its components
+// and all that they keep.
 class Console final : public ConsoleServices {
  public:
   using Clock = std::function<std::chrono::system_clock::time_point()>;
 
-  // `folder` is the console's own folder. The host must outlive the console.
+  // `folder` is the console's own folder, which is neither made nor checked here. The host must outlive the
+  // console; it registers the components before it makes a page. `clock` is replaced by tests.
   Console(std::filesystem::path folder, Host& host, Clock clock = std::chrono::system_clock::now);
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
@@ -49,15 +55,16 @@ class Console final : public ConsoleServices {
   ComponentRegistry& components() override { return components_; }
   Settings& settings() { return settings_; }
   Localisation& localisation() { return localisation_; }
-  // Pages use the steps of Page, which record what fails.
+  // Raises error 429 if the component is missing. Pages use the steps of Page instead, which record failures.
   NameLookup& names() override;
   HtmlText& html_text() { return html_text_; }
   ActivityRecord& activity() { return activity_; }
   std::chrono::system_clock::time_point now() const { return clock_(); }
-  // The clock in local time, as fourteen digits: "20051104173005" is 17:30:05 on 4 November 2005.
+  // The clock in the local time of the machine, as fourteen digits: "20051104173005" is 17:30:05 on 4
+  // November 2005. Empty if the time cannot be converted.
   std::string time_stamp() const;
 
-  // The rest of what components may ask.
+  // The rest of ConsoleServices, whose contract is stated there.
   std::string setting(std::string_view name) override;
   std::string regex_match(std::string_view entry, std::string_view text) override;
   void wait(std::chrono::milliseconds time) override { host_.wait(time); }
@@ -65,25 +72,33 @@ class Console final : public ConsoleServices {
   void show_progress(const Progress& progress) override { host_.show_progress(progress); }
   void record_failure(std::string_view step, std::string_view problem) override;
 
-  // Runs one step. It never throws and tells whether the step worked. A step that failed is
-  // recorded with its error; one that worked is recorded if it is a `write`. `public_text` is given
-  // where the text holds a secret.
+  // Runs one step. It never throws what `action` raises: the result says whether the step worked. A step that
+  // failed is recorded with its error, one that worked only if it is a `write`. `text` (UTF-8) names the step
+  // in the record; `public_text` is the same without secrets, needed only if `text` holds one. What the
+  // action did before it raised is not undone.
   enum class Step { read, write };
   Outcome attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
                   const std::function<void()>& action, std::string_view public_text = {});
 
-  // Records what escaped from a handler; called while the exception is being handled.
+  // Records the exception that is being handled as a failed read; to be called in a catch clause alone.
+  // `where` is the name of a form or control.
   void record_escaped(std::string_view where);
 
-  // The user's actions nest when a handler lets pending events run. When the outermost one ends,
-  // the connections that it wrote to are settled.
+  // Mark the user's actions, in pairs; Form::run() calls them. They nest when a handler lets pending events
+  // run. When the outermost one ends, the connections that were written to meanwhile are settled, which makes
+  // the writes durable (Connection::settle()); a failure is recorded.
   void begin_action() { ++action_depth_; }
   void end_action();
+  // Notes a connection for that. It is not kept alive: one that is dropped before the action ends is left
+  // out.
   void wrote_to(const ConnectionHandle& conn);
 
-  // Opens the dialog, shows it, and keeps it alive until it is closed.
+  // Opens the dialog, shows it, and keeps it alive until it is closed. Whether this returns at once or when
+  // the dialog has been closed is up to the host, see Host::allows_modeless().
   void show(const std::shared_ptr<Form>& dialog);
-  // The dialogs that are open, in the order of their opening. Closed ones are dropped.
+  // The dialogs that are open, in the order of their opening. The call drops those that have been closed,
+  // which may destroy them. The reference is valid as long as the console; its content changes with show()
+  // and with this call.
   const std::vector<std::shared_ptr<Form>>& dialogs();
 
  private:

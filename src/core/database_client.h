@@ -14,8 +14,12 @@
 
 namespace zrl {
 
-// Whoever works on the database: it holds the component and the connection, and offers every
-// operation as a step (see Steps). What writes to the connection makes the action's end settle it.
+// The base of everything that works on the database: it holds the component and the connection, and offers
+// every operation as a step (see Steps), which never throws. Unless said otherwise, the result is true, or
+// not empty, if the step worked. Without a component or connection, a step fails with error 91. A step that
+// writes lets the end of the user's action settle the connection, see Console::end_action().
+//
+// The contracts of the operations are those of core/contracts/database.h.
 class DatabaseClient : public Steps {
  public:
   // Empty until connect_database() and after drop_database(). Hosts may read them.
@@ -24,42 +28,46 @@ class DatabaseClient : public Steps {
 
   using Steps::Steps;
 
-  // Creates the component and opens the connection; on failure shows the message box with this
-  // title, and the caller goes on.
+  // Creates the component and opens the connection that the registry value `dataprovider` names. On failure
+  // shows a message box with this title, during which events run; the caller goes on in any case.
   bool connect_database(std::string_view box_title = "No Database Connection Possible");
   // Empties both handles, in the order of their declaration.
   void drop_database();
 
-  // Statements. A set that is open reads on in read_rows(): `action` may raise what the set raises.
+  // Runs a statement. The record holds it as it ran, and without its secrets for what people see.
   bool execute(const Statement& statement);
   bool execute(Literal statement) { return execute(Statement(statement)); }
 
+  // Runs `action`, which reads an open record set and may raise what the set raises; recorded under `text`
+  // if it fails. What it read before that has taken effect.
   bool read_rows(std::string_view text, const std::function<void()>& action);
   // Deletes the row that the SELECT finds first; the step fails if there is none. `text` is for the record.
   Outcome delete_row(std::string_view text, const Statement& select);
 
-  // Transactions, for the few acts that need one of their own. The text is what the record shows.
+  // Transactions, for the few operations that need one of their own. commit() is recorded under the text, as
+  // a read or a write. A failed step within one does not roll back by itself.
   bool begin_transaction();
   bool commit(std::string_view text, Step step);
   bool roll_back();
 
-  // Options. A missing option reads as empty; nothing is returned if the read failed.
+  // Options. A missing option reads as the empty value; no value is returned if the read failed, in which
+  // case a page leaves the control as it is.
   std::optional<OptionValue> read_option(std::string_view key);
   std::optional<OptionValue> get_option(std::string_view key);
-  // As a 16-bit integer, a missing option being 0.
+  // As a 16-bit integer, a missing option being 0. One that is no such number is a failed read.
   std::optional<std::int16_t> read_number(std::string_view key);
   std::optional<std::string> read_string(std::string_view key);
   bool set_option(std::string_view key, std::int32_t value);
   bool set_string(std::string_view key, std::string_view text);
-  // Stores the whole number that a person typed. A text that is none, or that does not fit the type, makes
-  // the step fail.
+  // Stores the whole number that the user typed. A text that is not a whole number, or does not fit the type
+  // (of 32 bits at most), makes the step fail, and nothing is stored.
   template <typename Integer>
   bool store_number(std::string_view key, std::string_view text) {
     using Limits = std::numeric_limits<Integer>;
     return store_number(key, text, {Limits::min(), Limits::max(), Limits::digits + 1});
   }
 
-  // Lists. The last element, which the component's arrays carry beyond the rows, is already gone.
+  // Lists, one element per row: the additional last element of the component's arrays has been removed.
   std::optional<StringList> rows(Literal table, Literal column, const Statement& condition = {});
   std::optional<StringList> rows(const ListTable& list, const Statement& condition = {}) {
     return rows(list.table, list.column, condition);
@@ -68,7 +76,8 @@ class DatabaseClient : public Steps {
                                          Literal order);
   std::optional<std::int64_t> count_value(const Statement& select);
   std::unique_ptr<RecordSet> open(const Statement& select, Connection::Access access);
-  // The same for statements and conditions that are one literal.
+  // The set may outlive the connection's handle; null if the step failed. The overloads that follow are for
+  // statements and conditions that are one literal.
   std::optional<StringList> rows(Literal table, Literal column, Literal condition) {
     return rows(table, column, Statement(condition));
   }
@@ -80,7 +89,8 @@ class DatabaseClient : public Steps {
     return open(Statement(select), access);
   }
 
-  // List operations of the component.
+  // List operations of the component, each recorded as a write under its name and the entry. Entries are not
+  // escaped here.
   using ListOperation = void (Database::*)(std::string_view, ConnectionHandle&);
   bool list_operation(std::string_view name, ListOperation operation, std::string_view entry);
   bool add_to_blackhost(std::string_view v) {
@@ -103,17 +113,19 @@ class DatabaseClient : public Steps {
     return list_operation("remove_from_iplist", &Database::remove_from_iplist, v);
   }
 
-  // Whole lists and files. True if the component worked and answered true.
+  // Whole lists and files, by paths of the file system. True if the component did it; an export to an
+  // existing file without `overwrite` is a failed step.
   bool import_file(const ListTable& list, std::string_view path);
   bool delete_file(const ListTable& list, std::string_view path);
   bool export_file(const ListTable& list, std::string_view path, bool overwrite);
 
+  // May take as long as a directory server does; events run meanwhile.
   bool adad();
   bool lcase_table(const ListTable& list);
   bool prep_mdb();
   bool create_table(Literal table, Literal columns);
 
-  // A call on another component, recorded as a write under this text.
+  // Any other call on a component, recorded as a write under this text. `call` may raise.
   Outcome component_step(std::string_view text, const std::function<void()>& call);
 
  protected:

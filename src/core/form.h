@@ -52,8 +52,7 @@ class Form {
   // A dialog is open from Console::show() until it is closed. A page is never open in this sense.
   bool is_open() const { return open_; }
   void set_open(bool open) { open_ = open; }
-  // The user or the program closes the dialog. The console drops it the next time that it looks at its
-  // dialogs, so the form lives on until the caller returns.
+  // The user or the program closes the dialog. The console drops it at the next call of Console::dialogs().
   virtual void close() { set_open(false); }
 
  protected:

@@ -13,41 +13,46 @@ namespace zrl {
 template <typename Interface>
 class Held;
 
-// The steps that need no database. A step never throws and tells by its result whether it worked;
-// each write and each failure goes into the console's activity record under the step's text, UTF-8.
-// Texts and problems may quote strangers.
+// The steps that need no database. A step never throws; its result says whether it worked. Each write and
+// each failure goes into the console's activity record under the step's text, UTF-8. Texts and problems may
+// quote strangers. The console must outlive the object; all calls belong to its thread.
 class Steps {
  public:
   explicit Steps(Console& console) : console_(console) {}
   Steps(const Steps&) = delete;
   Steps& operator=(const Steps&) = delete;
 
-  // A new component, or null where it is missing, which is recorded.
+  // A new component, owned by the caller; null if it is missing or cannot be made, which is recorded as a
+  // failed read.
   template <typename Interface>
   std::shared_ptr<Interface> component(std::string_view program_id = Interface::program_id);
 
-  // Calls the component: `call` gets a reference to it and may raise. The component lives until the
-  // call returns, but the call may serve the event loop, in which the page may be left and its fields
-  // change: what the call works on it must have copied. Where the component is missing, the step fails.
-  // ask() is a read, order() a write.
+  // Calls the component: `call` gets a reference to it and may raise, which makes the step fail. The
+  // component lives until the call returns. The call may serve the event loop, in which the page may be left
+  // and its controls change, so its arguments must be copies, not texts of controls. If the component is
+  // missing, the step fails with error 91. ask() is recorded as a read (only if it fails), order() as a
+  // write. There is no time limit but the component's own.
   template <typename Interface, typename Call>
   Outcome ask(const Held<Interface>& held, std::string_view text, Call&& call) const;
   template <typename Interface, typename Call>
   Outcome order(const Held<Interface>& held, std::string_view text, Call&& call) const;
-  // The same for a component that was made for this one act and is there.
+  // The same for a component that was made for this one act; it must not be null.
   template <typename Interface, typename Call>
   Outcome ask(const std::shared_ptr<Interface>& made, std::string_view text, Call&& call) const;
 
-  // Records a step that failed before anything could be tried, and says false.
+  // Records a step that failed before anything could be tried, with error 5 and the reason `why`. Always
+  // false, so that a caller can return it.
   bool failed(ActivityRecord::Kind kind, std::string_view text, const std::string& why,
               Console::Step step = Console::Step::read) const;
-  // Records what people should find in the record although nothing was written.
+  // Records a finding, as a write that worked, although nothing was written: reads that work leave no entry.
   void noted(std::string_view text) const;
 
-  // Sets "HKLM\SOFTWARE\<product key>\<flag>" to 1, which tells the proxy to read its lists again.
+  // Sets "HKLM\SOFTWARE\<product key>\<flag>" to the double word 1, by which the proxy knows that it has to
+  // read a list again. The proxy resets it.
   bool raise_flag(std::string_view flag) const;
 
-  // The message box with the critical icon.
+  // Shows a message box with the critical icon and returns when it has been answered; events run meanwhile.
+  // Nothing is recorded.
   void show_error(std::string_view text, std::string_view title) const;
 
  protected:
@@ -63,37 +68,41 @@ class Steps {
                        const std::function<void()>& action) const;
 };
 
-// A component that a form keeps while it is shown: the form makes it where its show sequence says so,
-// and drops it when it is left. One that is missing is recorded once, when it is made; each step that
-// asks it then fails.
+// A component that a form keeps while it is shown: the form makes it at its place in the show sequence, and
+// drops it when the form is left. If it is missing, that is recorded when it should be made, and each step
+// that asks it then fails.
 class HeldComponent {
  public:
   HeldComponent(const HeldComponent&) = delete;
   HeldComponent& operator=(const HeldComponent&) = delete;
   virtual ~HeldComponent() = default;
+  // Releases the component, which lives on while a call on it is under way. make() may follow.
   virtual void drop() = 0;
 
  protected:
   HeldComponent() = default;
 };
 
+// Owned by the form as a member, and registered with it on construction: it must live as long as the form.
 template <typename Interface>
 class Held final : public HeldComponent {
  public:
-  // `what` names it in the record: "no DNS component". `owner` drops it, see Page::terminate().
+  // `what` names it in the error of a step, "no DNS component" for "DNS component". `owner` drops it, see
+  // Page::terminate(). Neither text is copied: both are literals.
   template <typename Owner>
   Held(Owner& owner, std::string_view what, std::string_view program_id = Interface::program_id)
       : steps_(owner), what_(what), program_id_(program_id) {
     owner.holds(*this);
   }
 
-  // True if it is there.
+  // Makes a new one in place of the old; false if that failed. A failure is recorded and leaves none.
   bool make() {
     component_ = steps_.template component<Interface>(program_id_);
     return component_ != nullptr;
   }
   void drop() override { component_.reset(); }
 
+  // Null before make(), after drop(), and if the component is missing. Callers use ask() and order().
   const std::shared_ptr<Interface>& get() const { return component_; }
   std::string_view what() const { return what_; }
 

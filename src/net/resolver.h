@@ -13,15 +13,16 @@
 
 namespace zrl {
 
-// A small stub resolver (RFC 1035) for mail exchangers and IPv4 addresses. It sends one query over
-// UDP to the first server, without repeating it, and looks for the answer every 10 ms until the
-// time-out. What comes from elsewhere, or bears another identifier, is ignored.
+// A small stub resolver (RFC 1035) for mail exchangers and IPv4 addresses. It sends one query over UDP to the
+// first server, without retransmission, and checks for the answer every 10 ms until the time-out. Datagrams
+// from other senders, or with another identifier, are ignored. There is no fallback to TCP and no cache.
 //
-// Nothing here is raised but what `wait` raises. A look-up that finds nothing is empty; outcome() and
-// problem() then tell why. Waiting may run other look-ups of the same resolver: each yields its own
-// answer, and the state is that of the last one to end.
+// Only what the functions of Surroundings raise is raised here. A look-up that finds nothing returns an empty
+// result; outcome() and problem() then say why. Waiting may run other look-ups of the same resolver: each
+// returns its own answer, and the state is that of the last one to end. One thread uses it.
 class Resolver {
  public:
+  // What the resolver needs of its console. `wait` is expected to serve the event loop.
   struct Surroundings {
     std::function<std::string()> timeout_setting;         // in milliseconds, a decimal number
     std::function<void(std::chrono::milliseconds)> wait;  // returns after this time
@@ -32,7 +33,7 @@ class Resolver {
     found,
     not_asked,      // there can be no such name, or it is too short
     no_servers,     // none is known
-    socket_failed,  // last_dns_error() tells how
+    socket_failed,  // last_dns_error() says how
     timed_out,
     no_such_name,
     server_failed,  // the server answered with an error
@@ -43,9 +44,9 @@ class Resolver {
   Resolver(const Resolver&) = delete;
   Resolver& operator=(const Resolver&) = delete;
 
-  // The mail exchanger with the lowest preference, with a dot at its end, or empty. A name inside the
-  // local domain that has no mail exchanger falls back to its parent names, down to the local parent
-  // domain. Names of fewer than 5 characters are not asked for.
+  // The mail exchanger with the lowest preference, with a dot at its end, or empty. If a name inside the
+  // local parent domain has no mail exchanger, its parent names are tried, each with a time-out of its own.
+  // Names of fewer than 5 bytes are not asked for.
   std::string lookup_mx(std::string_view domain);
   // What the last lookup_mx() found, by ascending preference.
   const std::vector<MailExchanger>& mx_list() const { return mx_.list; }
@@ -55,8 +56,8 @@ class Resolver {
   // The IPv4 addresses of a host, dotted.
   std::vector<std::string> lookup_a(std::string_view host);
 
-  // Reads the resolver file and, once, the time-out: 10 seconds if the setting is missing or 0, and at
-  // least 100 ms. Look-ups do this as long as no server is known.
+  // Reads the resolver file, of which the first MiB counts, and, once, the time-out: 10 seconds if the
+  // setting is missing or 0, and at least 100 ms. Look-ups do this themselves while no server is known.
   void discover_dns_servers();
   const std::vector<DnsServer>& dns_servers() const { return servers_; }
   const std::string& local_domain() const { return local_domain_; }
@@ -64,8 +65,8 @@ class Resolver {
   const std::string& local_parent_domain() const { return local_parent_domain_; }
   std::chrono::milliseconds dns_timeout() const { return std::chrono::milliseconds(dns_timeout_ms_); }
 
-  // Of the last look-up: the name that was asked for last, what came of it, and the same in words for
-  // people (empty if something was found); and the socket's error number, 0 if there was none.
+  // Of the last look-up: the name of its last query, the outcome, the outcome as English text for people
+  // (empty if something was found), and the socket's error number (errno), 0 if there was none.
   const std::string& current_query_name() const { return current_query_name_; }
   Outcome outcome() const { return outcome_; }
   const std::string& problem() const { return problem_; }

@@ -17,12 +17,12 @@ struct DnsServer {
   std::string text() const;
 };
 
-// What the resolver file tells, see resolv.conf(5): `nameserver`, and the local domain of `domain` or
-// `search` (its first name), the later line being valid. A server may carry a port, "127.0.0.1#5353".
-// What can't be understood is passed over.
+// The supported part of the resolver file, see resolv.conf(5): `nameserver`, and the local domain from
+// `domain` or `search` (its first name), of which the last line counts. A server may have a port,
+// "127.0.0.1#5353". Lines that are not understood are skipped; no text is an error.
 struct ResolverConfiguration {
-  std::vector<DnsServer> servers;
-  std::string domain;  // without a dot at its end
+  std::vector<DnsServer> servers;  // in the order of the file
+  std::string domain;              // without a dot at its end
 };
 
 ResolverConfiguration parse_resolver_file(std::string_view text);
