@@ -15,6 +15,7 @@ namespace zrl {
 class Form;
 class Frame;
 
+// The kinds that hosts draw; each is a class in controls.h.
 enum class ControlKind : std::uint8_t {
   frame,
   label,
@@ -88,10 +89,12 @@ class Control {
   Control& operator=(const Control&) = delete;
   virtual ~Control() = default;
 
+  // As given to the constructor.
   const std::string& name() const { return name_; }
   ControlKind kind() const { return kind_; }
   Form& form() const { return form_; }
 
+  // Whether the control's kind has the property, so that get() does not raise.
   bool has(Property property) const;
   // Raises error 438 if the control does not have this property.
   PropertyValue get(Property property) const;

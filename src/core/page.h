@@ -13,7 +13,7 @@
 namespace zrl {
 
 // A settings page. Hosts create and own it, call initialise() each time it is shown, pass the user's acts to
-// its controls, and call terminate() when it is left, but not before every event of the page has ended.
+// its controls, and call terminate() when it is left. It must not be destroyed while one of its events runs.
 // Handles and components are not kept between showings.
 //
 // A page class declares its controls, wires them and lays them out in its constructor, and implements load().

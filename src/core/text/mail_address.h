@@ -19,7 +19,7 @@ struct Mailbox {
 struct MailboxList {
   // Those up to the first entry that is wrong.
   std::vector<Mailbox> mailboxes;
-  // The first entry that is no mailbox, as it stands in the text, for an error message.
+  // The first entry that is not a mailbox, unchanged, for an error message.
   std::optional<std::string> wrong;
 };
 
