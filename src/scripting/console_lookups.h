@@ -8,9 +8,12 @@
 
 namespace zrl {
 
-// The questions of scripts, asked as the console's pages ask them: names of the servers that the console
-// asks, entries of its database. Failures are recorded and read as no answer. Needs no database before
-// has_entry().
+// The look-ups of scripts, made in the same way as those of the console's pages: names by the console's name
+// look-up and its DNS client, entries by its database. Look-ups of names serve the console's events while
+// they wait. A failed look-up is recorded and yields an empty answer. The database is opened by the first
+// has_entry() and kept; has_entry() searches the lists of addresses, mails, keywords and files, by the names
+// of their tables, and raises vbs::ServiceError for any other table or without a database. The console must
+// outlive it.
 class ConsoleLookups final : public vbs::Lookups, private DatabaseClient {
  public:
   explicit ConsoleLookups(Console& console) : DatabaseClient(console) {}

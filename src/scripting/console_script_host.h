@@ -13,31 +13,38 @@ namespace zrl {
 
 class Console;
 
-// What scripts get of a console: message boxes, lines that they print, regular expressions, the files below
-// its folder "scripts", and its look-ups. Boxes and lines never throw, because objects of a script may ask
-// for them while they are destroyed.
+// What a console provides to scripts: message boxes, lines that they print, regular expressions, the files
+// below its folder "scripts" (to read), and its look-ups. Boxes and lines never throw, because a script may
+// use them while its objects are destroyed. All texts are UTF-8; those of scripts are cut at 4,096 bytes,
+// titles at 256. The console must outlive it.
 class ConsoleScriptHost : public vbs::EngineHost {
  public:
   explicit ConsoleScriptHost(Console& console);
 
-  // Boxes have the buttons "OK" and "Cancel"; the language's other pairs answer as their first and last
-  // button. Boxes beyond the limit are not shown and count as answered with the first one.
+  // Shows a box of the host and blocks until it is answered. `buttons` and the result are the numbers of the
+  // language's MsgBox. The host has boxes with "OK" and perhaps "Cancel" only: for other sets of buttons,
+  // "OK" answers as the first button that goes on, and "Cancel" as the last. Boxes beyond the limit are not
+  // shown and count as answered with "OK".
   int msg_box(const std::string& text, int buttons, const std::string& title) override;
-  // The console's hosts have no box to type into: it asks whether to go on with the preset text.
+  // The console's hosts have no box to type into: this asks whether to go on with the preset text. Nothing if
+  // the box is cancelled.
   std::optional<std::string> input_box(const std::string& text, const std::string& title,
                                        const std::string& preset) override;
-  // Into the activity record; the first lines of an operation are kept for its result, too.
+  // Writes the line to the activity record, and keeps it for lines(). Lines beyond the limit are dropped.
   void echo(const std::string& text) override;
+  // Null where the component is missing, which is recorded.
   std::shared_ptr<RegExp> make_regexp() override;
   vbs::ScriptFiles* files() override { return &files_; }
   vbs::Lookups* lookups() override { return &lookups_; }
   void script_stopped(const vbs::ScriptError& error) override;
 
-  // A new operation: as many boxes and lines as their limits may be shown again.
+  // To be called before each operation of the script host: forgets the lines and restores both limits.
   void begin_operation();
+  // How many boxes and lines an operation may show; the last line is "..." if there are more.
   static constexpr int box_limit = 50;
   static constexpr std::size_t line_limit = 200;
 
+  // What the operation has printed so far; at most `line_limit` lines.
   const std::vector<std::string>& lines() const { return lines_; }
 
  private:

@@ -6,11 +6,13 @@
 
 namespace zrl {
 
-// The files of one folder and those below it, for scripts to read. A path that leads out of the folder, be it
-// by "..", from the root, or through a link, is refused with error 70. Files have at most `largest` bytes.
+// The files in one folder and in its sub-folders, for scripts to read. A path that leads out of the folder
+// (by "..", from the root, or through a symbolic link) does not exist to the questions, and contents()
+// refuses it with error 70. A folder that is missing has no files. Contents are any bytes, `largest` at most;
+// a larger file is refused with error 7.
 class FolderScriptFiles final : public vbs::ScriptFiles {
  public:
-  static constexpr std::size_t largest = std::size_t{4} << 20;
+  static constexpr std::size_t largest = std::size_t{4} << 20;  // bytes
 
   explicit FolderScriptFiles(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
@@ -19,7 +21,7 @@ class FolderScriptFiles final : public vbs::ScriptFiles {
   std::string contents(const std::string& path) override;
 
  private:
-  // Empty where the path leads out of the folder.
+  // The absolute path, links resolved; empty where the path leads out of the folder.
   std::filesystem::path place_of(const std::string& path) const;
 
   std::filesystem::path folder_;

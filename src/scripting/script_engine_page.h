@@ -10,7 +10,8 @@ namespace zrl {
 
 // The operator's scripts, which the proxy runs at fixed points of the SMTP dialogue: write them, give
 // them a position, run them on sample input. Saving, deleting and running act on the script that was
-// selected or created last, whatever the name field holds meanwhile.
+// selected or created last, whatever the name field shows now. Scripts reach nothing but what
+// ConsoleScriptHost provides, and their time and memory are limited.
 class ScriptEnginePage : public Page {
  public:
   explicit ScriptEnginePage(Console& console);

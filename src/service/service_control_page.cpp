@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view holds_ip_number =
     R"(REGEX[\b((25[0-5]|2[0-4]\d|[01]\d\d|\d?\d)\.){3}(25[0-5]|2[0-4]\d|[01]\d\d|\d?\d)\b])";
 
-// How often the timer asks in vain for the service before it takes an order for done.
+// How many times in a row the timer asks for the service without an answer before it takes an order for done.
 constexpr int most_unanswered = 20;
 
 bool is_missing(const TextField& port) {
@@ -95,7 +95,7 @@ void ServiceControlPage::save() {
   load_fields();
 }
 
-// The option says the opposite of the box.
+// The option has the opposite meaning of the box.
 void ServiceControlPage::store_start_switch() {
   set_option("dontstartproxy", dontstartproxy.checked() ? 0 : 1);
 }
@@ -128,7 +128,8 @@ std::optional<ServiceState> ServiceControlPage::refresh_status() {
   return answer;
 }
 
-// A timer that ran on for ever would fill the record where the manager is gone.
+// Stops after some time without an answer: where the manager is gone, the timer would fill the record
+// forever.
 void ServiceControlPage::follow_service() {
   const auto answer = refresh_status();
   unanswered_ = answer ? 0 : unanswered_ + 1;

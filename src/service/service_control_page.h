@@ -10,8 +10,13 @@
 
 namespace zrl {
 
-// Where the proxy listens and where it forwards mail to, and its service: whether it runs, starting
-// and stopping it. The service is named by the product key.
+// Where the proxy listens and where it forwards mail to, and the proxy's service: its state, and orders to
+// start and stop it. The name of the service is the product key. Addresses and ports take effect when the
+// proxy reads them, which this page does not cause.
+//
+// After an order the timer asks for the state once a second, until the service is neither starting nor
+// stopping, or the service manager has not answered 20 times in a row. A restart is a stop, followed by a
+// start then.
 class ServiceControlPage : public Page {
  public:
   explicit ServiceControlPage(Console& console);

@@ -7,11 +7,13 @@
 
 namespace zrl::html {
 
-// A converter that keeps nothing between two texts.
+// A converter without state: one object may convert any number of texts, and may outlive the console, which
+// it does not use. Bytes of the input that are no UTF-8 become U+FFFD.
 //
-// Blocks and table rows become lines, paragraphs and headings are set apart by an empty line, cells
-// by a tab, list items begin with "* ". Entities are those of HTML 4. Time grows with the length of
-// the text and no faster, whatever its nesting; memory is a few times the text's.
+// Blocks and table rows become lines; an empty line separates paragraphs and headings, and a tab the cells of
+// a row; list items begin with "* ". Named entities are those of HTML 4. No HTML is an error: markup is
+// hostile and often broken, so it is read as browsers read it. Time is linear in the length of the text,
+// whatever its nesting, and memory a small multiple of it.
 std::shared_ptr<HtmlConverter> make(ConsoleServices& console);
 
 }  // namespace zrl::html

@@ -8,11 +8,16 @@
 
 namespace zrl::locale {
 
-// A translator on the catalogues that are built into the program (one a file in locale/). Instances
-// are cheap: a catalogue is read when it is first needed, and all instances of the process share it.
+// A translator on the message catalogues of locale/, which are built into the program: English, the base
+// language, and "german". All texts are UTF-8; a language without a catalogue leaves them in English.
+//
+// Instances are cheap, because the process parses a catalogue once, when it is first needed, and all
+// instances on all threads share it. An instance holds only its default language, which belongs to one
+// thread; it does not use the console and may outlive it.
 std::shared_ptr<Translator> make(ConsoleServices& console);
 
-// The catalogue text of a language as it was built in, or empty.
+// The source of a built-in catalogue, in the PO format and UTF-8; empty if the language ("german") has none.
+// The text lives as long as the program.
 std::string_view built_in_catalogue(std::string_view language);
 
 }  // namespace zrl::locale

@@ -5,8 +5,9 @@
 
 namespace zrl {
 
-// The DNS-based white and black lists that the proxy asks about clients and senders, a test of all of
-// them, and a report of the clients that were rejected.
+// The DNS-based white and black lists (RFC 5782) that the proxy asks about clients and senders, a test of all
+// of them, and a report of the clients that were rejected. The test blocks until all zones have answered or
+// the look-up's time-out has come; events are served meanwhile.
 class BlockListPage : public ListPage {
  public:
   explicit BlockListPage(Console& console);
@@ -62,7 +63,7 @@ class BlockListPage : public ListPage {
   void add(const ListTable& list);
   void remove(const ListTable& list);
   void test();
-  // What the result says of the text that stands before it.
+  // The outcome in the user's language, to be shown after the text that was tested.
   std::string verdict(BlockLists::Listing listing, const std::string& zone);
   void report_relays();
 

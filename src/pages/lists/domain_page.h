@@ -5,7 +5,9 @@
 namespace zrl {
 
 // The domain black list and white list, where the proxy looks for domains, and tools for the domain
-// that is being edited: its mail exchanger, that host's address, and a telnet connection to it.
+// that is being edited: its mail exchanger, that host's address, and a telnet connection to it. An entry that
+// is added to one list leaves the other. The lists hold e-mail addresses too ("with an at sign"), which this
+// page leaves out of its boxes.
 class DomainPage : public ListPage {
  public:
   explicit DomainPage(Console& console);

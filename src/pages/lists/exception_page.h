@@ -5,7 +5,7 @@
 namespace zrl {
 
 // The domains and the addresses that are exempt from filtering. One text field serves both lists: a
-// text with an at sign is an address, any other a domain.
+// text with an at sign is an address, any other a domain. No reload flag is raised for them.
 class ExceptionPage : public ListPage {
  public:
   explicit ExceptionPage(Console& console);

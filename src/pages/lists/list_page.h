@@ -17,49 +17,53 @@ namespace zrl {
 // holds the entry that is added or removed, and clicking an item copies it there. What a list box
 // shows comes from the database alone: every change is followed by fill_lists().
 //
-// A page binds its lists, its transfer buttons and its update button in its constructor, and states
-// its statements in its operations.
+// A page declares each list as a member, binds its lists, transfer buttons and update button in its
+// constructor, and executes its own statements in its operations. As on every page, no step throws: what
+// fails is recorded, and the operation goes on.
 class ListPage : public Page {
  public:
   using Page::Page;
 
  protected:
-  // Which entries of its table a list box shows.
+  // Which entries of its table a list box shows: all, or only those without or with an "@".
   enum class Entries : std::uint8_t { all, without_at, with_at };
 
-  // A list of the page: what its box shows, and what belongs to it.
+  // A list of the page: what its box shows, and what belongs to it. The texts are literals.
   struct List {
     ListBox& box;
     ListTable table;
     std::string_view title = {};               // of its transfer dialog, English
-    std::vector<std::string_view> flags = {};  // that tell the proxy of a change, in the order of raising
+    std::vector<std::string_view> flags = {};  // announce a change to the proxy, in the order of raising
     Entries entries = Entries::all;
-    Literal condition = "";
+    Literal condition = "";  // of the SELECT, without WHERE; empty selects all rows
   };
 
-  // Whether a refill chooses the item again that was clicked last, by its index.
+  // Whether a refill selects again the index that was clicked last. This runs no click.
   enum class Place : std::uint8_t { forgotten, kept };
 
-  // The page's lists, in the order of their filling; they must live as long as the page. Clicking an item
-  // copies its text into `entry`.
+  // The page's lists, in the order in which they are filled; they are kept by reference, so they must be
+  // members of the page. Clicking an item copies its text into `entry`. To be called once.
   void bind_lists(TextField& entry, Place place,
                   std::initializer_list<std::reference_wrapper<const List>> lists);
 
-  // The button opens the transfer dialog of the list; when it returns, the list's flags are raised and the
-  // lists filled again.
+  // The button opens the transfer dialog of the list. Afterwards the list's flags are raised and all lists
+  // filled again, whether or not anything was transferred. Where the host shows dialogs modeless, this
+  // happens at once. `list` must be a member of the page.
   void bind_transfer(Button& button, const List& list);
 
-  // The button fetches the published lists and merges the page's share; then the lists are filled
-  // again and the flags raised.
+  // The button fetches all published lists and merges `files`, the page's share of them; then the lists are
+  // filled again and the flags raised, even after a failure. The button is disabled meanwhile.
   void bind_update(Button& button, const std::vector<ListFile>& files,
                    std::initializer_list<std::string_view> flags = {});
 
+  // Raises the list's flags, which makes the proxy read the list again.
   void raise_flags(const List& list);
 
   // Refills the list boxes, and whatever else the page reads along with them.
   virtual void fill_lists() = 0;
   void load() override { fill_lists(); }
 
+  // Fills all bound boxes from the database. A list that cannot be read is shown empty.
   void fill_list_boxes();
 
  private:
@@ -77,12 +81,12 @@ class ListPage : public Page {
   Place place_ = Place::forgotten;
 };
 
-// The domain of an e-mail address as the domain lists hold it: what stands behind the first "@", in
-// small letters; empty if that is no domain, having another "@" or no dot.
+// The domain of an e-mail address in the form of the domain lists: the text after the first "@", in lower
+// case (ASCII). Empty if there is no "@", or if that text has another "@" or no dot.
 std::string domain_of_address(std::string_view address);
 
-// How every list page shows a list: a titled frame with the list and its buttons below. Several stand
-// side by side in a row.
+// The layout of a list on every list page: a titled frame that grows, with the list and a row of buttons
+// below it. Several of them fit side by side in a row.
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons);
 
 }  // namespace zrl

@@ -4,8 +4,8 @@
 
 namespace zrl {
 
-// The addresses of the local users, which keep the list of local domains in step with them, and the
-// directory that the users can be read from.
+// The addresses of the local users, and the directory server that users can be imported from. Adding a user
+// also adds the user's domain to the list of local domains; removing one leaves that list alone.
 class LocalUserPage : public ListPage {
  public:
   explicit LocalUserPage(Console& console);

@@ -55,7 +55,7 @@ class MailPage : public ListPage {
   void load() override;
   void fill_lists() override;
 
-  // The address leaves the other list, and its domain the domain list that would contradict it.
+  // Adds the address to `own`; it leaves `other`, and its domain leaves `other_domains`.
   void add(const List& own, const List& other, const ListTable& other_domains);
   void remove_address();
 };

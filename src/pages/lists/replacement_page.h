@@ -4,8 +4,8 @@
 
 namespace zrl {
 
-// The words that the proxy replaces in messages. The table has two columns; a line of the list shows
-// both.
+// The words that the proxy replaces in messages. The table `rwords` has two columns, the word (unique) and
+// its replacement; a line of the list box shows both with " ==>> " between them.
 class ReplacementPage : public ListPage {
  public:
   explicit ReplacementPage(Console& console);

@@ -8,10 +8,14 @@
 
 namespace zrl {
 
-// Moves a whole list between its table and a text file: one entry a line.
+// Moves a whole list between its table and a text file: UTF-8, one entry a line. Files are on the console's
+// machine; a relative path is below the console's folder, and "\" and "/" both separate folders. Import and
+// deletion are all or nothing; an export appears complete or not at all, and is offered to the user for
+// download. A failure is a recorded step, which the dialog does not show.
 class TransferDialog : public Form, public DatabaseClient {
  public:
-  // `title` is English and becomes the caption.
+  // `title` is English; its translation becomes the caption. The console must outlive the dialog. The
+  // constructor already makes the database component that the transfers use.
   TransferDialog(Console& console, const ListTable& list, std::string_view title);
 
   Frame Frame1{*this, "Frame1", "Action"};

@@ -8,27 +8,28 @@
 
 namespace zrl {
 
-// The part of the archive page that puts what a mail shows on a list: the list that was touched last is
-// shown in a box, where a click names the entry that remove_entry() takes off again.
+// The part of the archive page that shows the list which an action changed last, in a box, and takes entries
+// off it again: clicking an item copies it into the entry field, from where remove_entry() reads it.
 class ArchiveLists {
  public:
-  // What an action touches. Entries of the domain lists may begin with "*@", which is not shown.
+  // The list that an action changes.
   struct Touched {
     const ListTable& list;
-    bool domains = false;
+    bool domains = false;        // a leading "*@" of its entries is not shown
     bool second_removal = true;  // the removal is repeated with "*@" in front
   };
 
-  // All of them must outlive it.
+  // Sets the box's click handler. All three are kept by reference and must outlive this object.
   ArchiveLists(DatabaseClient& steps, ListBox& box, TextField& entry);
 
-  // From now on `touched` is shown; it must live as long as this object.
+  // Makes this the list that fill() shows; it must live as long as this object.
   void touch(const Touched& touched) { touched_ = &touched; }
-  // Reads the list again. Nothing happens until one was touched.
+  // Reads the list into the box, without its empty entries. Does nothing before the first touch().
   void fill();
-  // False if there is nothing to remove.
+  // Deletes the text of the entry field from the list. False if the field is empty or no list was touched;
+  // the deletion itself may fail all the same, which is recorded.
   bool remove_entry();
-  // The sender, trimmed, leaves one list and joins the other.
+  // Deletes the sender, trimmed, from `opposite` and inserts it into `own`.
   void list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite);
 
  private:

@@ -6,8 +6,8 @@
 
 namespace zrl {
 
-// The log of the messages that were rejected for an attachment: a row leads to all senders with the
-// same reason, a sender to all clients that sent for it.
+// The log of the messages that were rejected for an attachment: choosing a row lists all senders with the
+// same reason, and choosing a sender all clients that sent for it.
 class AvlogPage : public LogPage {
  public:
   explicit AvlogPage(Console& console);
@@ -60,7 +60,7 @@ class AvlogPage : public LogPage {
   void clear_address();
   void lowercase_mail_lists();
 
-  // Runs the action for each sender that is listed, the page alive meanwhile.
+  // Runs the action for each sender that is listed; progress is shown and events run in between.
   void for_each_sender(const std::function<void(std::string_view)>& action);
 
   LogRows rows_;

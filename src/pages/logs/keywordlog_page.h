@@ -80,7 +80,7 @@ class KeywordlogPage : public LogPage {
   void clear_log();
   void telnet();
 
-  // Lower-cases the list's entries, once while the page is shown.
+  // Converts the list's entries to lower case, at most once each time the page is shown.
   void lower_case_once(const ListTable& list);
 
   LogRows rows_;

@@ -13,32 +13,37 @@ namespace zrl {
 // The column `status` of `iplog` and `predatalog`.
 enum class IpStatus : std::uint8_t { neutral = 0, white = 1, black = 2 };
 
-// A page that shows a log and acts on what it finds there: on addresses, senders and domains. The
-// pages differ in the order of their steps, on purpose; here are the single steps. The lists are
-// written directly, and no reload flag is raised.
+// A page that shows a log and acts on the addresses, senders and domains in it. Here are the single steps;
+// the pages run them in different orders, on purpose. The lists are written directly, and no reload flag is
+// raised.
+//
+// Log texts come from strangers and may hold anything. They reach SQL as values only; a text that no
+// statement can hold (an apostrophe, a zero byte) makes its step fail. No step throws: what fails is
+// recorded.
 class LogPage : public Page {
  public:
   using Page::Page;
 
  protected:
-  // "UPDATE iplog set status=2 where IPNumber='...'"
+  // "UPDATE iplog set status=2 where IPNumber='...'": all rows of the address in this table.
   void set_status(Literal table, IpStatus status, std::string_view address);
-  // The operation of the component that belongs to the status: onto one of the two address lists, or
-  // off both.
+  // Puts the address on the list that belongs to the status, which takes it off the other one; a neutral
+  // address is taken off both.
   void list_address(IpStatus status, std::string_view address);
   // Deletes from each table, in this order, the rows with the value in the column.
   void delete_rows(std::initializer_list<Literal> tables, Literal column, std::string_view value);
 
-  // The domain lists. The text is trimmed for each statement; a blank one does nothing.
+  // Move a domain onto one of the domain lists, or off both. The text is trimmed; a blank one does nothing. A
+  // domain that is on the list already is inserted once more.
   void blacklist_domain(std::string_view domain);
   void whitelist_domain(std::string_view domain);
   void unlist_domain(std::string_view domain);
 
-  // Opens a connection to port 25.
+  // Starts the program telnet, connected to port 25 of the host; does not wait for it.
   void connect_by_telnet(const std::string& target);
 
-  // The rows of a log that is read as a whole: the texts of a column are one list, and all four lists
-  // are of the same length. A log that cannot be read is empty.
+  // The rows of a log that is read as a whole: one list a column, all four of the same length. A log that
+  // cannot be read, even in part, is empty.
   struct LogRows {
     StringList what;  // the keyword or the reason
     StringList addresses;
@@ -50,15 +55,18 @@ class LogPage : public Page {
     StringList lines() const;
   };
   enum class Texts : std::uint8_t { as_stored, trimmed_lower_case };
+  // `what` is the column that fills LogRows::what; the select must yield it and IPNumber, mailfrom, mailto.
   LogRows read_log(Literal select, Literal what, Texts texts);
 
-  // Called for each of many values that an action works on: shows the progress and lets events run.
+  // To be called for each of many values that an action works on: shows the progress and lets events run, in
+  // which the page's controls may change. `total` may be 0 if it is not known.
   void keep_alive(std::string_view value, std::size_t done, std::size_t total);
 
   // Shows a count in a label; it stays as it was if counting failed.
   void show_count(Label& label, Literal select);
 
-  // Chooses an item without running its click; an index that is not there chooses nothing.
+  // Selects an item without running its click. An index beyond the list changes nothing; -1 clears the
+  // selection.
   static void select(ListBox& box, std::int64_t index);
   static void select_last(ListBox& box) { select(box, static_cast<std::int64_t>(box.items().size()) - 1); }
 };

@@ -13,7 +13,8 @@
 namespace zrl {
 
 // The archive of the mails that the proxy handled, one mail at a time, the newest first: read it,
-// export it, answer it, and put its sender, domain, client or subject on a list.
+// export it, answer it, and put its sender, domain, client or subject on a list. A mail's source, which may
+// be large and hostile, is read only when the mail is shown, exported or answered.
 class MonitorPage : public Page {
  public:
   explicit MonitorPage(Console& console);
@@ -84,7 +85,7 @@ class MonitorPage : public Page {
   Label Label14{*this, "Label14", ""};
 
  private:
-  // What the actions touch.
+  // The lists that the actions change.
   static constexpr ArchiveLists::Touched subjects{list::subject_keywords};
   static constexpr ArchiveLists::Touched black_domains{list::black_domains, true};
   static constexpr ArchiveLists::Touched white_domains{list::white_domains, true};

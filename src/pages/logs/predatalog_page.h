@@ -6,8 +6,8 @@
 
 namespace zrl {
 
-// The proxy's decisions before a message's data, by their reason: pick a view and a reason, and
-// change the status of the addresses that were logged with it.
+// The proxy's decisions before the data of a message (before DATA, RFC 5321), grouped by their reason: choose
+// a view and a reason, and change the status of the addresses that were logged with it.
 class PredatalogPage : public LogPage {
  public:
   explicit PredatalogPage(Console& console);
@@ -65,7 +65,8 @@ class PredatalogPage : public LogPage {
   Label Label6{*this, "Label6", ""};
 
  private:
-  // What a view shows, and what its two change buttons do. They pair the status with opposite lists.
+  // What a view shows, and what its two change buttons do. Both set the same status, but put the address on
+  // opposite lists.
   struct View {
     Literal condition;
     std::string_view change_all;
@@ -93,7 +94,7 @@ class PredatalogPage : public LogPage {
   void look_up_host_name();
   void telnet();
 
-  // Runs the action for each listed address, the page alive meanwhile.
+  // Runs the action for each address listed at the start; progress is shown and events run in between.
   void for_each_address(const std::function<void(std::string_view)>& action);
 
   Statement reason_filter_;  // the condition of the address list; each rebuild consumes it

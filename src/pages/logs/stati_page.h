@@ -8,7 +8,7 @@
 
 namespace zrl {
 
-// The counts of all logs as a short report, which can be mailed.
+// The counts of all logs as a short report in the user's language, which can be mailed.
 class StatiPage : public Page {
  public:
   explicit StatiPage(Console& console);
@@ -35,7 +35,7 @@ class StatiPage : public Page {
 
     std::int64_t rejected() const;
     std::int64_t delivered() const { return total - rejected(); }
-    // The share of rejected mail in whole percent, cut; empty if there was no mail.
+    // The share of rejected mail in whole percent, rounded down; empty if there was no mail.
     std::string quota() const;
   };
 

@@ -6,7 +6,9 @@
 
 namespace zrl {
 
-// The main switches of the filtering service, the display language, and the update of all lists.
+// The main switches of the filtering service, the display language, and the update of all lists. A click
+// stores its switch at once. A language takes effect in the next console, because a console keeps the one
+// that it found first; English is stored by deleting the registry value.
 class GeneralPage : public Page {
  public:
   explicit GeneralPage(Console& console);

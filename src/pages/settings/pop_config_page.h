@@ -4,8 +4,8 @@
 
 namespace zrl {
 
-// The POP3 mailboxes that the service collects mail from: a row of the table `pop3` each, known by its
-// user name and server.
+// The POP3 mailboxes (RFC 1939) that the service collects mail from: each is a row of the table `pop3`, named
+// "user,server". Settings that the service cannot use are stored as empty texts.
 class PopConfigPage : public Page {
  public:
   explicit PopConfigPage(Console& console);

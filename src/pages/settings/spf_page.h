@@ -8,8 +8,9 @@
 
 namespace zrl {
 
-// The checks of the sender's domain by SPF and by Caller-ID, with the records that stand in for those
-// that domains do not publish, and a panel each to try a domain's record on an address.
+// The checks of the sender's domain by SPF (RFC 7208) and by Caller-ID, the records that replace those which
+// domains do not publish, and for each check a panel that tries a domain's record on an address. Look-ups and
+// checks block, for about 20 seconds at most; events are served meanwhile.
 class SpfPage : public Page {
  public:
   explicit SpfPage(Console& console);
@@ -82,7 +83,7 @@ class SpfPage : public Page {
                "fixed your DNS problems."};
 
  private:
-  // A test panel.
+  // The controls of a test panel.
   struct Panel {
     TextField& domain;
     TextField& address;

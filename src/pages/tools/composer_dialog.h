@@ -10,7 +10,9 @@
 
 namespace zrl {
 
-// Writes a mail and sends it through a mail server.
+// Writes a mail and sends it through a mail server (SMTP, RFC 5321). Sending blocks for two minutes at most
+// while events are served; closing the dialog stops it, unless the server has taken the mail over. The
+// outcome is shown in the dialog, which stays open.
 class ComposerDialog : public Form, public DatabaseClient {
  public:
   explicit ComposerDialog(Console& console);
@@ -43,18 +45,19 @@ class ComposerDialog : public Form, public DatabaseClient {
   Button cancel{*this, "cancel", "Cancel", "Closes the window; a mail that is being sent is stopped"};
   Label status{*this, "status", ""};
 
-  // Presets the mail: UTF-8; sender and recipient as parse_mailboxes() reads them.
+  // Presets the mail. All texts are UTF-8; sender and recipients as parse_mailboxes() reads them. Nothing is
+  // checked before the user sends.
   void fill_form(std::string_view from, std::string_view to, std::string_view about, std::string_view text,
                  std::string_view html);
-  // Takes server and port from the options `forwardaddress` and `forwardport`, over a connection of
-  // its own. What is not set there stays as it is.
+  // Presets server and port from the options `forwardaddress` and `forwardport`, over a connection that it
+  // opens and drops; shows a message box if that fails. A field whose option is not set stays as it is.
   void load_forward();
 
   void close() override;
 
  private:
   void click_send();
-  // The first thing in the form that keeps the mail from being sent, in English; or empty.
+  // The first reason why the mail cannot be sent, in English; empty if there is none.
   std::string first_problem() const;
   void deliver();
   void show_status(std::string_view text);
@@ -62,8 +65,9 @@ class ComposerDialog : public Form, public DatabaseClient {
   std::shared_ptr<MailMessage> sending_;
 };
 
-// Opens the dialog on a mail of plain text that goes through the forward server. `from` and `to` as
-// parse_mailboxes() reads them, all texts UTF-8.
+// Opens the dialog with a mail of plain text, preset to go through the forward server. `from` and `to` are as
+// parse_mailboxes() reads them and may be empty; all texts are UTF-8. Where the host shows dialogs modal,
+// this returns when the dialog has been closed. The console keeps the dialog alive.
 void open_composer(Console& console, std::string_view from, std::string_view to, std::string_view about,
                    std::string_view text);
 

@@ -5,7 +5,8 @@
 
 namespace zrl {
 
-// Sends a sample text through the service's own checks and shows what they answer.
+// Runs the service's own checks on a sample text and shows their answers. The checks run in the console, by
+// the stored lists and options; the service is not asked and need not run.
 class KeywordTesterPage : public Page {
  public:
   explicit KeywordTesterPage(Console& console);

@@ -4,7 +4,8 @@
 
 namespace zrl {
 
-// Tries a regular expression as a list entry against a sample text.
+// Tries a regular expression, as a list entry would hold it, on a sample text. The console's limit for the
+// time of a search applies here too.
 class RegexTesterPage : public Page {
  public:
   explicit RegexTesterPage(Console& console);
