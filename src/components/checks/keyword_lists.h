@@ -5,8 +5,8 @@
 
 namespace zrl::checks {
 
-// The lists and switches of the database, read over a connection of its own. All operations raise
-// zrl::Error if they can't be read.
+// The lists and switches of the console's database, read over a connection of its own. All operations,
+// the constructor included, raise zrl::Error if they cannot be read.
 class KeywordLists {
  public:
   explicit KeywordLists(ConsoleServices& console)

@@ -10,10 +10,10 @@
 
 namespace zrl::checks {
 
-// Looks for the entries of keyword lists in one text. An entry is found wherever it stands, within
-// words too, A to Z and a to z being the same; one that is a regular expression is searched for.
+// Looks for the entries of keyword lists in one text. An entry is found anywhere, also inside a word, and
+// without regard to the case of ASCII letters; an entry that is a regular expression is matched.
 //
-// Of a text, the first 16 MiB are searched. Plain entries cost next to nothing each, however many
+// Only the first 16 MiB of a text are searched. Plain entries cost next to nothing each, however many
 // there are; the regular expressions of a list may take `longest` together.
 class KeywordSearch {
  public:
@@ -21,9 +21,9 @@ class KeywordSearch {
   KeywordSearch(std::string_view text, ConsoleServices& console,
                 std::chrono::milliseconds longest = std::chrono::seconds(5));
 
-  // The entry that was found, a regular expression together with what it matched: valid UTF-8, long
-  // ones cut. Empty if none was. Plain entries come first, then regular expressions, both in the
-  // order of the list. Raises zrl::Error if the regular expressions took too long.
+  // The first entry that is found, a regular expression together with what it matched: valid UTF-8, cut to a
+  // bounded length. Empty if there is none. Plain entries are tried first, then regular expressions, both in
+  // the order of the list. Raises zrl::Error if the regular expressions take too long.
   std::string find(const StringList& entries) const;
 
  private:

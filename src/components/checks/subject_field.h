@@ -6,11 +6,11 @@
 
 namespace zrl::checks {
 
-// The body of the first Subject field of a header (RFC 5322), unfolded, without blanks at its ends and
-// as it stands otherwise; empty if there is none. The header ends at its first empty line.
+// The body of the first Subject field of a header (RFC 5322), unfolded and trimmed, otherwise unchanged
+// (encoded words are not decoded); empty if there is none. The header ends at its first empty line.
 std::string subject_of(std::string_view header);
 
-// The most blanks (spaces and tabs) that stand in a row.
+// The length of the longest sequence of blanks (spaces and tabs).
 std::size_t longest_run_of_blanks(std::string_view text);
 
 }  // namespace zrl::checks

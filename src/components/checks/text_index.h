@@ -9,8 +9,8 @@
 namespace zrl::checks {
 
 // A text of at most 4 GiB in which many words are looked for. It knows where each sequence of four
-// bytes stands, so that a word is compared only where its rarest sequence is, and mostly nowhere.
-// Costs 4 bytes a byte of the text and at most 4 MiB beside it.
+// bytes occurs, so that a word is compared only where its rarest sequence occurs, and mostly nowhere. Uses
+// 4 bytes of memory for each byte of the text, and at most 4 MiB more.
 class TextIndex {
  public:
   explicit TextIndex(std::string text);

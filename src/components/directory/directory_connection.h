@@ -15,13 +15,13 @@
 
 namespace zrl::directory {
 
-// One entry of an answer. Views are valid as long as the entry is being visited.
+// One entry of an answer. It and the views that it yields are valid during the visit only.
 class DirectoryEntry {
  public:
   DirectoryEntry(LDAP* ldap, LDAPMessage* message) : ldap_(ldap), message_(message) {}
 
-  // Calls `take(std::string_view)` for each value of the attribute, whatever options its name
-  // carries ("mail;lang-de"). Values hold any bytes.
+  // Calls `take` for each value of the attribute, whatever options its name has ("mail;lang-de"). Values are
+  // any bytes. The name is compared without regard to case.
   void each_value(std::string_view attribute, const std::function<void(std::string_view)>& take) const;
   std::string first_value(std::string_view attribute) const;
 
@@ -30,8 +30,9 @@ class DirectoryEntry {
   LDAPMessage* message_;
 };
 
-// A connection to a directory server as nobody in particular. Every failure is a zrl::Error with
-// the library's result code and text.
+// A connection to a directory server with an anonymous bind (RFC 4513). Every failure is a zrl::Error with
+// the library's result code and text. The console's events are served while a call waits; what they raise is
+// passed on, and so is what a visitor raises.
 class DirectoryConnection {
  public:
   // The console must outlive it.
@@ -42,10 +43,11 @@ class DirectoryConnection {
 
   using Visit = std::function<void(const DirectoryEntry&)>;
 
-  // What the server tells about itself.
+  // Visits the root entry, in which the server describes itself (RFC 4512, section 5.1).
   void read_root(const std::vector<const char*>& attributes, const Visit& visit);
 
-  // Everything below `base` that the filter chooses, page by page where the server can do that.
+  // Visits every entry below `base` that matches the filter (RFC 4515), by the paged control (RFC 2696) if
+  // the server supports it.
   void search(const std::string& base, const char* filter, const std::vector<const char*>& attributes,
               const Visit& visit);
 
@@ -68,7 +70,7 @@ class DirectoryConnection {
   };
   struct Answer {
     int code;
-    std::string text;  // the server's own words
+    std::string text;  // the server's message
     Message message;
   };
 

@@ -9,7 +9,8 @@ struct ServerAddress {
   std::string url;   // "ldap://host:389"
   std::string base;  // where to search; empty if the address does not say
 
-  // From one of the forms that people write. Raises zrl::Error if it is none of them.
+  // Takes "host", "host:port", and the same after "ldap://" or "ldaps://", with a base after a slash (RFC
+  // 4516). Raises zrl::Error for anything else.
   static ServerAddress parse(std::string_view text);
 };
 

@@ -10,9 +10,9 @@
 
 namespace zrl::directory {
 
-// Stands between the directory library and its socket. By itself the library waits without end for
-// the rest of a message or of a greeting of TLS; here it waits until the deadline, events are
-// served meanwhile, and no message is longer than told.
+// A layer between the directory library and its socket. By itself the library waits without limit for the
+// rest of a message or of a TLS handshake. With this layer it waits until the deadline, events are served
+// meanwhile, and a message of more than `message_bytes` ends the connection.
 class SocketWatch {
  public:
   using Clock = std::chrono::steady_clock;
@@ -21,18 +21,18 @@ class SocketWatch {
   SocketWatch(const SocketWatch&) = delete;
   SocketWatch& operator=(const SocketWatch&) = delete;
 
-  // Before the connection is opened. The watch must live as long as the handle.
+  // To be called before the connection is opened. The watch must outlive the handle.
   void attach(LDAP* ldap);
 
   void set_deadline(Clock::time_point deadline) { deadline_ = deadline; }
   bool is_late() const { return Clock::now() >= deadline_; }
 
-  // Lets waiting events run, if they have not for a while.
+  // Serves waiting events, unless they were served only a moment ago.
   void serve();
-  // Nothing is served any more, and nobody waited for.
+  // From now on serves no events and waits for nothing, so that the connection can be closed at once.
   void close();
 
-  // What serving raised while the library waited; the library itself then knows of a failure only.
+  // Raises again what an event raised while the library waited. The library itself only reports a failure.
   void rethrow() const;
 
  private:
@@ -44,7 +44,7 @@ class SocketWatch {
   static ber_slen_t read(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t size);
   static ber_slen_t write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t size);
 
-  // False, and errno is set, if there is no more waiting.
+  // Waits until the socket is ready. False, with errno set, if the deadline has passed or an event raised.
   bool wait(Sockbuf_IO_Desc* layer, short event);
 
   std::function<void()> serve_;

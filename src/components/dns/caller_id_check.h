@@ -9,9 +9,9 @@
 
 namespace zrl::dns {
 
-// Whether the client is among the servers that the record names, or among those of the domains that it
-// leads to: at most ten, each once. The reason begins with the result, in the words of SPF. Whatever the
-// records and the servers say, it raises no error.
+// Whether the client is one of the servers that the record names, or one of those of the domains that it
+// refers to: at most ten domains, each once. The reason begins with the result, in the words of SPF. Whatever
+// the records and the servers say, it raises no error. `lookups` bounds the time.
 SenderCheck check_caller_id(const SenderQuestion& question, SenderLookups& lookups);
 
 // The Caller-ID record that the domain publishes; nothing if there is none. Raises zrl::Error if there

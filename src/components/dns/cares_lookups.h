@@ -7,11 +7,12 @@
 
 namespace zrl::dns {
 
-// Look-ups by c-ares. When the time for all of them is up, those that follow fail at once. Each raises
-// zrl::Error if there is no server to ask, and what the waiting raises.
+// Look-ups by c-ares. When the time for all of them is over, later ones fail at once. Each raises
+// zrl::Error if there is no server to ask, and passes on what the console's events raise while it waits.
 class CaresLookups : public SenderLookups {
  public:
-  // `time` is for all look-ups together; each has the console's time-out, too. The console must outlive this.
+  // `time` bounds all look-ups together, from now on; each has the console's time-out too. The console must
+  // outlive this.
   CaresLookups(ConsoleServices& console, std::chrono::milliseconds time);
 
   Records<std::string> texts(const std::string& name) override;
@@ -21,7 +22,7 @@ class CaresLookups : public SenderLookups {
   Records<std::string> names_of(const IpAddress& address) override;
 
  private:
-  // The replies for names that are none say that nothing is there.
+  // One reply a name; for a text that is no DNS name, a reply without records.
   std::vector<DnsQueries::Reply> ask(const std::vector<std::string>& names, int type) const;
 
   ConsoleServices& console_;

@@ -16,8 +16,8 @@ namespace zrl::dns {
 
 class DnsSockets;
 
-// Queries that are under way at the same time, on a channel of their own. Queries are numbered from 0
-// in the order of their start.
+// Queries that run at the same time, on a channel of their own. They are numbered from 0 in the order of
+// their start. The console's events are served while pause() and finish() wait; what they raise is passed on.
 class DnsQueries {
  public:
   struct Reply {
@@ -25,27 +25,27 @@ class DnsQueries {
     std::vector<std::uint8_t> message;  // the answer as it came; empty without success
   };
 
-  // Asks the servers of the console's own look-up of names, within its time-out and the limit. Raises
-  // zrl::Error if there is no server to ask. The console must outlive this.
+  // Asks the servers of the console's own name look-up; each query has its time-out, but never more than
+  // `limit`. Raises zrl::Error if there is no server to ask. The console must outlive this.
   explicit DnsQueries(ConsoleServices& console,
                       std::chrono::milliseconds limit = std::chrono::milliseconds::max());
   DnsQueries(const DnsQueries&) = delete;
   DnsQueries& operator=(const DnsQueries&) = delete;
   ~DnsQueries();
 
-  // `type` is that of the records wanted (RFC 1035, section 3.2.2). Names are asked for as they are, without
-  // search domains, whatever characters are in them.
+  // Starts a query and returns its number. `type` is the record type (RFC 1035, section 3.2.2). The name is
+  // used as it is: no search domain is added, and any character is allowed. A failure to send is a status, no
+  // error.
   std::size_t start(const std::string& name, int type);
 
-  // Waits a moment and takes what has come meanwhile; between many starts, so that neither side's
-  // socket gets more at once than its buffer holds.
+  // Waits a moment and processes the answers so far. To be called between many starts, so that no socket gets
+  // more at once than its buffer holds.
   void pause();
 
-  // Waits until all queries have ended. Those that have not when the time is up end with
-  // ARES_ETIMEOUT.
+  // Waits until all queries have ended. Those without an answer in time end with ARES_ETIMEOUT.
   void finish();
 
-  // Valid for a query that has ended.
+  // The reply to a query that has ended, until this object is destroyed.
   const Reply& operator[](std::size_t query) const { return pending_[query].reply; }
 
  private:
@@ -68,7 +68,7 @@ class DnsQueries {
   ares_channeldata* channel_ = nullptr;
 };
 
-// What a status of c-ares means, in words.
+// A status of c-ares as an English text.
 std::string dns_status_text(int status);
 
 }  // namespace zrl::dns

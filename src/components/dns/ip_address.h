@@ -19,10 +19,10 @@ class IpAddress {
   explicit IpAddress(const Bytes4& bytes);
   explicit IpAddress(const Bytes6& bytes) : family_(Family::v6), bytes_(bytes) {}
 
-  // Nothing if the text is no address: four decimal numbers without leading zeros, or RFC 4291,
-  // section 2.2.
+  // Reads four decimal numbers without leading zeros, or an IPv6 address (RFC 4291, section 2.2). Nothing if
+  // the text is no address of the family.
   static std::optional<IpAddress> parse(std::string_view text, Family family);
-  // Of either family; an IPv4 address in the form of an IPv6 one (::ffff:192.0.2.1) counts as IPv4.
+  // The same for either family; an IPv4-mapped IPv6 address (::ffff:192.0.2.1) becomes an IPv4 one.
   static std::optional<IpAddress> parse(std::string_view text);
 
   Family family() const { return family_; }

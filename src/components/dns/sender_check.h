@@ -21,7 +21,7 @@ struct SenderQuestion {
 enum class SenderResult : std::uint8_t { none, neutral, pass, fail, softfail, temperror, permerror };
 std::string_view name_of(SenderResult result);
 
-// What ends a check before its end: `result` is temperror or permerror.
+// Ends a check early; `result` is temperror or permerror. Checks catch it and turn it into their result.
 class SenderFault : public Error {
  public:
   SenderFault(SenderResult result, const std::string& description)

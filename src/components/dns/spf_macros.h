@@ -21,11 +21,12 @@ class MacroString {
   // Nothing if the text breaks the grammar.
   static std::optional<MacroString> parse(std::string_view text, Use use);
 
-  // What a macro letter, lower case, stands for.
+  // Yields the value of a macro letter, which is given in lower case. It may raise, which expansion passes
+  // on.
   using Values = std::function<std::string(char letter)>;
   std::string expand(const Values& value) const;
-  // The same without a dot at the end and, where it became longer than a name may be, without as many
-  // labels at its beginning as are too many.
+  // The expansion as a DNS name: without a trailing dot, and shortened at its beginning by whole labels to
+  // the longest length of a name (RFC 7208, section 7.3).
   std::string expand_to_name(const Values& value) const;
 
   // As it was written.

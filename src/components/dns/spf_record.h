@@ -32,7 +32,7 @@ struct SpfRecord {
   bool has_all() const;
 };
 
-// Whether the text claims to be one: "v=spf1", and nothing or a blank behind it.
+// Whether the text has the version of an SPF record: "v=spf1", followed by a blank or nothing.
 bool is_spf_record(std::string_view text);
 
 // Raises SenderFault with permerror if any term breaks the grammar.

@@ -9,14 +9,14 @@
 
 namespace zrl::downloader {
 
-// A file that takes its place when it is complete. Its temporary file appears with the first byte and goes
-// with this object. Errors name the file without its folder.
+// A file that replaces the one under its path when it is complete. Until then it is a temporary file in the
+// same folder, made by the first byte and removed with this object. Errors name the file without its folder.
 class DownloadedFile : public FetchTarget {
  public:
   explicit DownloadedFile(std::filesystem::path path) : path_(std::move(path)) {}
 
   void write(std::string_view bytes) override;
-  // Flushes the file and renames it. The folder is the caller's to flush.
+  // Flushes the file to the disk and renames it. The caller flushes the folder afterwards.
   void complete() override;
 
  private:

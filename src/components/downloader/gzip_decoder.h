@@ -7,8 +7,8 @@
 
 namespace zrl::downloader {
 
-// Takes compressed bytes as they come (RFC 1952) and hands on what they stand for. Unlike the
-// transfer library, it knows whether the last of them has come.
+// Decompresses a gzip stream piece by piece (RFC 1952). Unlike the transfer library's decoder, it knows
+// whether the stream is complete.
 class GzipDecoder {
  public:
   GzipDecoder();
@@ -16,7 +16,8 @@ class GzipDecoder {
   GzipDecoder& operator=(const GzipDecoder&) = delete;
   ~GzipDecoder();
 
-  // Raises zrl::Error if the bytes are not valid; lets through what `take` raises.
+  // Calls `take` with the decompressed bytes, in pieces that are valid during the call. Raises zrl::Error if
+  // the bytes are not valid, and passes on what `take` raises.
   void decode(std::string_view bytes, const std::function<void(std::string_view)>& take);
   bool is_complete() const { return complete_; }
 

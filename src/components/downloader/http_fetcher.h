@@ -12,17 +12,17 @@
 
 namespace zrl::downloader {
 
-// Where the bytes of a file go. Either operation may raise zrl::Error, which fails the file.
+// Receives the bytes of a file, in order. Either operation may raise zrl::Error, which fails the file.
 class FetchTarget {
  public:
   virtual ~FetchTarget() = default;
 
   virtual void write(std::string_view bytes) = 0;
-  // All bytes have been written.
+  // Called once, after the last byte. Not called for a file that failed.
   virtual void complete() {}
 };
 
-// A file to be fetched, and what became of it.
+// A file to be fetched, and the outcome. `target` must outlive the fetch; the address may contain a password.
 struct FetchJob {
   enum class Outcome : std::uint8_t { fetched, not_published, failed };
 
@@ -45,12 +45,13 @@ struct FetchSettings {
   Limits limits;
   std::filesystem::path certificates;
   bool encrypted_only = false;
-  // Called now and then; what it raises ends the run.
+  // Called about every 20 ms on the caller's thread; what it raises ends the run and is passed on.
   std::function<void(const FetchProgress&)> tick;
 };
 
-// Fetches the files, some at a time, and returns when the last one has arrived or failed. A server
-// that does not answer at all is tried no longer than it takes to find that out once.
+// Fetches the files, a few at a time, and returns when the last one has arrived or failed. The failure of a
+// file is in its job and is no error of this call. If a server does not answer at all, the remaining files
+// fail without a further attempt.
 void fetch(std::span<FetchJob> jobs, const FetchSettings& settings);
 
 }  // namespace zrl::downloader

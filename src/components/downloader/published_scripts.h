@@ -20,9 +20,9 @@ struct PublishedScript {
 //   [{"scriptname": "check_net", "scriptcontent": "Function ...", "sposition": "CONNECT",
 //     "prio": 10, "svisible": 1}, ...]
 //
-// The first two must be there. Without a position a script belongs to "NEVER"; numbers are 0
-// where they are missing. Other members are ignored. Raises zrl::Error, which tells what is
-// wrong, if anything else is met or a name stands there twice.
+// The first two members are required. A missing position is "NEVER", a missing number 0. Other members are
+// ignored. The text is UTF-8 (RFC 8259). Raises zrl::Error with the reason if the text has another form or a
+// name occurs twice.
 std::vector<PublishedScript> read_published_scripts(std::string_view json);
 
 }  // namespace zrl::downloader

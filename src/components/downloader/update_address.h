@@ -11,11 +11,11 @@ class UpdateAddress {
   // Raises zrl::Error, whose text does not repeat the address, unless it is one of http or https.
   explicit UpdateAddress(std::string_view text);
 
-  // The address of a file that lies below; the name needs no escapes. Secret: it has the user name,
-  // the password and the query of the address.
+  // The address of a file below this one; `file` must need no escapes. Keep it secret: it contains the user
+  // name, the password and the query of the address.
   std::string of(std::string_view file) const;
 
-  // Without these, for people.
+  // The address without these three, to be shown.
   const std::string& shown() const { return shown_; }
   bool is_encrypted() const { return encrypted_; }
 

@@ -5,13 +5,13 @@
 
 namespace zrl::html {
 
-// Text as a reader sees it: runs of blanks are one blank, line breaks stand where blocks meet. What
-// separates two texts is written only when the second one comes.
+// Builds the text that a reader sees: sequences of blanks become one blank, and blocks begin new lines. What
+// separates two texts is written only when the second one follows.
 class TextLayout {
  public:
   // Text whose blanks collapse, or stay as they are inside preformatted text.
   void text(std::string_view utf8);
-  // What follows starts a new line, or stands behind an empty one.
+  // What follows begins a new line, or comes after an empty line.
   void new_line();
   void new_paragraph();
   void line_break();  // one more line each time

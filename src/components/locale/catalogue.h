@@ -11,11 +11,11 @@ namespace zrl::locale {
 // entries msgid and msgstr, continued strings, the escapes \n \r \t \" \\, comments. Entries with
 // an empty translation count as missing.
 //
-// A msgid that ends in "*" stands for every text that begins with what is before it; the rest of
-// the text takes the place of "*" in the translation. Exact entries come first.
+// A msgid that ends in "*" matches every text that begins with what precedes the "*"; the rest of the text
+// replaces the "*" in the translation. Exact entries take precedence.
 class Catalogue {
  public:
-  // Raises zrl::Error, with the line, if the text is no catalogue.
+  // Raises zrl::Error, with the number of the line, if the text (UTF-8) is no catalogue.
   static Catalogue parse(std::string_view po_text);
 
   // The translation, or `text` itself.

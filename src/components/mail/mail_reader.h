@@ -6,7 +6,7 @@
 
 namespace zrl::mail {
 
-// As MailMessage::parse() promises.
+// Does what MailMessage::parse() promises.
 Mail read_mail(std::string_view source);
 
 }  // namespace zrl::mail

@@ -8,8 +8,8 @@
 
 namespace zrl::mail {
 
-// The source of a mail, lines ended by CR LF, nothing in it beyond ASCII; the mailboxes have been
-// checked. Takes subject and bodies from `mail`.
+// The source of a mail (RFC 5322), all ASCII, lines ended by CR LF. Subject and bodies are those of `mail`;
+// its sender and recipient are ignored in favour of the mailboxes, which the caller has checked.
 std::string write_mail(const Mail& mail, const Mailbox& sender, const std::vector<Mailbox>& recipients);
 
 }  // namespace zrl::mail

@@ -6,7 +6,7 @@
 
 namespace zrl::mail {
 
-// The library, ready for use. Cheap after the first call; from any thread.
+// Initialises the library. To be called before each use; cheap after the first call, and from any thread.
 void initialise_mime_library();
 
 struct ReleaseObject {

@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
-// How a mail is put together: headers and multiparts.
+// The structure of a mail: headers and multiparts.
 //
-// The library has a parser for whole messages too. It keeps objects for every field and part, walks a
+// The library's own parser for whole messages is not used. It keeps objects for every field and part, walks a
 // stack of boundaries for every line, reads addresses recursively, and loses what follows an encoded
-// word with padding: a mail of a few megabytes can take gigabytes or half a minute, or overflow the
-// stack. Here a mail is only looked at, and the library reads types and bodies of bounded size.
+// word with padding: a mail of a few megabytes can take gigabytes or half a minute, or overflow the stack.
+// Here a mail is scanned in place, and the library reads single types and bodies of bounded size only.
 namespace zrl::mail {
 
 enum class MimeField { from, to, subject, content_type, content_disposition, content_transfer_encoding };
@@ -18,8 +18,8 @@ inline constexpr std::size_t mime_field_count = 6;
 
 // A message, or a part of one.
 struct MimeEntity {
-  // The values of the first fields of each name, unfolded, cut at `longest_field` bytes, otherwise as
-  // they stand there; empty if there is none.
+  // The value of the first field of each name, unfolded and cut at `longest_field` bytes, otherwise
+  // unchanged; empty if there is none.
   std::array<std::string, mime_field_count> fields;
   std::string_view body;  // of the source
 
@@ -28,8 +28,8 @@ struct MimeEntity {
 
 inline constexpr std::size_t longest_field = std::size_t{64} << 10;
 
-// Lines of a header that are no fields are skipped; but if the first one is none, there is no header,
-// and all is body.
+// Splits header and body; views point into `source`. Lines of a header that are no fields are skipped; but if
+// the first line is no field, there is no header, and everything is body.
 MimeEntity read_entity(std::string_view source);
 
 // Calls `visit` for each part of the body of a multipart, until it returns false. The last part may

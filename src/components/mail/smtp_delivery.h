@@ -18,8 +18,8 @@ struct SmtpDelivery {
   Limits limits;
 };
 
-// As MailMessage::send() promises, in a thread of its own if need be. Gives up within a second after
-// `cancelled` became true.
+// Delivers the mail as MailMessage::send() promises. Blocks; may run on any thread, since it shares nothing
+// but `cancelled`. Gives up within a second after `cancelled` has become true. Raises zrl::Error.
 void deliver(const SmtpDelivery& delivery, const std::atomic<bool>& cancelled);
 
 }  // namespace zrl::mail

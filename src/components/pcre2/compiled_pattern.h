@@ -11,7 +11,7 @@
 
 namespace zrl::pcre2 {
 
-// Frees what a library of PCRE2 made.
+// Frees an object of PCRE2 by its own function.
 template <auto free>
 struct Pcre2Deleter {
   template <typename T>
@@ -29,8 +29,8 @@ class CompiledPattern {
   // Raises zrl::Error (5017 to 5021) if the pattern is malformed or too large.
   CompiledPattern(std::basic_string_view<Unit> pattern, RegExp::Options options);
 
-  // A form of the code that calls back at every item of the pattern, so that a search can be ended
-  // at any time. Compiled when it is first wanted; null if it would be too large.
+  // A form of the code that calls back at every item of the pattern, so that a search can be ended at any
+  // time. Compiled on first use and owned by this object; null if it would be too large.
   const typename Api::Code* guarded();
   const typename Api::Code* plain() const { return plain_.get(); }
 

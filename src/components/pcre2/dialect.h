@@ -14,7 +14,7 @@ struct DialectTarget {
   bool multiline;
 };
 
-// What a search may run through between two steps that PCRE2 counts.
+// An upper bound of what a search may run through between two steps that PCRE2 counts.
 struct PatternCost {
   std::size_t bounded = 64;   // units, by all items whose quantifier has an end
   std::size_t unbounded = 0;  // items that may run to the end of the text
@@ -27,9 +27,8 @@ struct DialectPattern {
   PatternCost cost;
 };
 
-// `pattern` holds 16-bit units or characters, as the target says. Whatever PCRE2 understands beyond
-// the dialect is a literal or an error here too. Raises zrl::Error (5017 to 5021) if the pattern is
-// malformed.
+// `pattern` holds 16-bit units or characters, depending on the target. Syntax that PCRE2 has beyond the
+// dialect is a literal or an error here. Raises zrl::Error (5017 to 5021) if the pattern is malformed.
 DialectPattern translate_pattern(std::u32string_view pattern, DialectTarget target);
 
 // Whether a pattern that ignores case needs the Unicode properties: it names characters beyond

@@ -3,7 +3,7 @@
 #define PCRE2_CODE_UNIT_WIDTH 0
 #include <pcre2.h>
 
-// PCRE2 has one library a width, with the same functions under other names.
+// PCRE2 has one library for each width of units, with the same functions under different names.
 namespace zrl::pcre2 {
 
 template <typename Unit>

@@ -9,13 +9,13 @@
 
 namespace zrl::pcre2 {
 
-// Searches texts of one width, within bounds of time and memory. Serves one thread.
+// Searches texts of one width, within bounds of time and memory. Belongs to one thread.
 //
 // PCRE2 can limit the steps of an attempt at one place of the text, but neither the number of
 // places nor what is run through from one step to the next. So a search goes through the text in
-// slices, each with so few places and steps that it ends soon even in the worst case; where an
-// attempt needs more steps than that, the slices get shorter and the limit greater, down to one
-// place; where that is not enough either, the slower code that watches the clock takes over.
+// slices, each with so few places and steps that it ends soon even in the worst case. If an attempt needs
+// more steps than that, the slices become shorter and the limit greater, down to one place; if that is not
+// enough either, the slower code that checks the clock takes over.
 template <typename Unit>
 class Searcher {
  public:
@@ -23,7 +23,7 @@ class Searcher {
 
   explicit Searcher(std::chrono::milliseconds longest_search);
 
-  // `from` is at most the length of the text. After a match the pattern's match data tells where.
+  // `from` is at most the length of the text. After a match, the pattern's match data has the offsets.
   Outcome find(CompiledPattern<Unit>& pattern, std::basic_string_view<Unit> text, std::size_t from);
 
  private:

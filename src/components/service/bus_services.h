@@ -9,8 +9,8 @@ namespace zrl::service {
 
 class SystemBus;
 
-// systemd's services over the system bus. Every call makes a connection of its own, so that neither a
-// bus nor a manager that was started again matters.
+// systemd's services over the system bus. Every call opens its own connection, so that a restart of the bus
+// or of the manager does no harm.
 class BusServices : public ServiceManager {
  public:
   explicit BusServices(std::chrono::milliseconds time_limit) : time_limit_(time_limit) {}

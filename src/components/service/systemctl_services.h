@@ -5,8 +5,8 @@
 
 namespace zrl::service {
 
-// systemd's services by its program, which reaches the manager by ways of its own: as root without
-// a bus.
+// systemd's services by the program "systemctl", which has other ways to reach the manager: as root, it needs
+// no bus.
 class SystemctlServices : public ServiceManager {
  public:
   SystemctlServices(RunProgram run, std::chrono::milliseconds time_limit)

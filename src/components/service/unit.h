@@ -21,8 +21,7 @@ struct Unit {
 
 ServiceState state_of(const Unit& unit);
 
-// Whether a unit can have this name in front of its ending: ASCII letters, digits and ":-_.@", at most
-// 200 of them.
+// Whether a unit can have this name before ".service": at most 200 ASCII letters, digits and ":-_.@".
 bool can_be_unit(std::string_view service);
 // The wildcard pattern of the service's unit, its letters in any case: "[Aa][Bb]1.service".
 std::string unit_pattern(std::string_view service);
@@ -30,7 +29,7 @@ bool is_unit_of(std::string_view service, std::string_view unit_name);
 
 Error unknown_service(std::string_view service);
 
-// The first line of what the manager said, as an error tells it.
+// The first line of a message of the manager, in the form for an error's text.
 std::string excerpt(std::string_view text);
 
 }  // namespace zrl::service

@@ -9,8 +9,8 @@
 
 namespace zrl::sqlite {
 
-// Hashes entries (SipHash-2-4, 128 bits) under a key that is drawn anew for each hasher, so that nobody can
-// prepare entries whose hashes meet.
+// Hashes entries (SipHash-2-4, 128 bits) with a random key of its own, so that nobody can prepare entries
+// whose hashes collide.
 class EntryHasher {
  public:
   struct Hash {
@@ -26,15 +26,15 @@ class EntryHasher {
   std::array<unsigned char, 16> key_;
 };
 
-// A set of entries, each with a number, that costs 16 bytes a slot whatever their length: it keeps
-// 96 bits of their hashes. Two of a thousand million entries meet by chance less than once in ten
-// thousand million imports, which is rarer than a fault of the memory.
+// A set of entries, each with a number, that takes 16 bytes a slot whatever their length: it keeps
+// 96 bits of their hashes. Two of 10^9 entries collide less than once in 10^10 imports, which is rarer than a
+// fault of the memory.
 class EntrySet {
  public:
   // Room for `entries`; more must not be added.
   explicit EntrySet(std::size_t entries);
 
-  // False if the entry is there already; it then keeps its number.
+  // False if the set already has the entry, which then keeps its number.
   bool insert(const EntryHasher::Hash& hash, std::uint32_t number);
   std::optional<std::uint32_t> find(const EntryHasher::Hash& hash) const;
   void clear();

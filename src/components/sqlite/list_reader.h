@@ -9,10 +9,10 @@
 
 namespace zrl::sqlite {
 
-// Reads a list file entry by entry, in a fixed amount of memory. Lines end with LF or CRLF; a byte-
+// Reads a list file entry by entry, in a fixed amount of memory. Lines end with LF or CRLF; a byte
 // order mark, blank lines and blanks around entries are dropped; bytes that are no UTF-8 become
-// U+FFFD. A line of more than `longest_line` bytes or with a zero byte raises an error, because
-// the file is then no list.
+// U+FFFD. A line of more than `longest_line` bytes or with a zero byte raises zrl::Error, because
+// such a file is no list.
 class ListReader {
  public:
   static constexpr std::size_t longest_line = std::size_t{64} << 10;

@@ -8,23 +8,25 @@
 #include "core/contracts/statement.h"
 #include "core/text/string_list.h"
 
-// Whole lists to and from files. Each of these is one transaction, all or nothing.
+// Whole lists to and from files. Each function is one transaction, all or nothing, and raises zrl::Error if
+// it fails. Progress is reported to the console, whose host may run events from there.
 namespace zrl::sqlite {
 
-// A column of a table, and whom to tell about the progress.
+// A column of a table, and where progress is reported. The references must outlive the transfer.
 struct ListTransfer {
   Session& session;
   Literal column;
   Literal table;
   ConsoleServices& console;
-  // Of a file with more entries, so many are kept in memory at a time: 16 to 32 bytes each.
+  // How many entries of a file are kept in memory at a time, 16 to 32 bytes each; a longer file is read in
+  // several passes.
   std::uint64_t entries_a_pass = std::uint64_t{2} << 20;
 };
 
 // Adds the entries that the column lacks, each once, in the order of the file.
 void import_list(const ListTransfer& transfer, const std::filesystem::path& path);
 
-// The same with entries that are at hand.
+// The same with entries in memory.
 void add_entries(const ListTransfer& transfer, const StringList& entries);
 
 // Removes every row whose column equals an entry of the file.

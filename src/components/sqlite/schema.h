@@ -9,15 +9,16 @@ namespace zrl::sqlite {
 
 // The tables and indexes of the database as one text of statements: the file schema.sql.
 std::string_view schema_text();
-// A checksum of that text, which a database bears as its user_version once it has all of it. So nobody has to
-// count versions; consoles of different texts at the same database look closely each time they follow one
-// another, and take nothing away.
+// A checksum of that text, which is the user_version of a database that has all of it. So no version has to
+// be counted. When consoles with different texts open the same database in turn, each compares the whole
+// schema again and adds what is missing; none removes anything.
 std::int32_t schema_stamp();
 
 enum class SchemaCheck { quick, thorough };
 
-// Creates what is missing of tables, columns and indexes, and leaves alone what is there. The
-// quick check looks at the database's stamp only and returns at once if it is that of the text.
+// Creates missing tables, columns and indexes in one transaction, and changes nothing that exists. The quick
+// check compares the database's stamp only and returns at once if it is current. A file that is open
+// for reading only stays as it is. Raises zrl::Error.
 void ensure_schema(Engine& engine, SchemaCheck check);
 
 }  // namespace zrl::sqlite

@@ -19,8 +19,8 @@ struct Session {
   StatementCache statements;
 };
 
-// A connection to one file. When the file was replaced by another one, the next operation opens
-// it again; when it was deleted, operations fail, rather than write where nobody will read.
+// A connection to one file. If the file has been replaced by another one, the next operation opens the new
+// one; if it has been deleted, operations fail instead of writing to a file that nobody will read.
 class SqliteConnection : public Connection {
  public:
   // Opens the file and creates what is missing of the schema.

@@ -9,8 +9,8 @@
 
 #include <sqlite3.h>
 
-// The database engine, as thin as it can be: one open file, and prepared statements on it. Every
-// failure is a zrl::Error with the engine's result code and message.
+// A thin layer over the database engine: one open file, and prepared statements on it. Every failure is a
+// zrl::Error with the engine's result code and message. An object and its statements belong to one thread.
 namespace zrl::sqlite {
 
 class Query;
@@ -37,9 +37,9 @@ class Engine {
   const std::filesystem::path& path() const { return path_; }
   sqlite3* handle() const { return handle_; }
   bool read_only() const;
-  // Texts are kept in UTF-8, so that they can be read without a conversion.
+  // Whether the file stores texts in UTF-8, so that they can be read without a conversion.
   bool stores_utf8() const { return stores_utf8_; }
-  // The file under this path is no longer the one that is open.
+  // Whether the file under this path is no longer the one that is open.
   bool moved() const;
   std::int64_t total_changes() const;
 
@@ -47,8 +47,8 @@ class Engine {
   void run(const char* sql);
   std::int64_t number(const char* select);
 
-  // A transaction of the caller. It begins when the first statement in it is about to run, so
-  // that one which only reads does not keep writers away.
+  // A transaction of the caller. It begins when the first statement in it is about to run, so that a
+  // transaction which only reads does not lock out writers.
   void request_transaction();
   void commit();
   void roll_back();
@@ -59,7 +59,7 @@ class Engine {
   void enter(Use use);
   bool in_transaction() const { return sqlite3_get_autocommit(handle_) == 0; }
 
-  // Makes what was committed so far survive a power cut; costs nothing if nothing was.
+  // Makes all commits so far survive a power cut. Free of cost if there were none since the last call.
   void settle();
 
   [[noreturn]] void fail() const;
@@ -117,8 +117,8 @@ class Query {
   sqlite3_stmt* handle_ = nullptr;
 };
 
-// All or nothing: what is done while it lives counts if commit() is reached. Takes part in a
-// transaction that is open already.
+// All or nothing: what is written during its life is undone unless commit() is called. Nests in a transaction
+// that is already open.
 class Atomic {
  public:
   explicit Atomic(Engine& engine);
@@ -134,7 +134,7 @@ class Atomic {
   bool done_ = false;
 };
 
-// Holds one view of the database over several reads, where no transaction does already.
+// Makes several reads see the same state of the database, unless an open transaction does so already.
 class Snapshot {
  public:
   explicit Snapshot(Engine& engine);

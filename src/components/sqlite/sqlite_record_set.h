@@ -13,13 +13,13 @@
 
 namespace zrl::sqlite {
 
-// The values of some rows, one behind the other.
+// The values of some rows in one buffer.
 class RowBlock {
  public:
   void clear(std::size_t columns);
-  // The row that the query stands on, from this column of it on.
+  // Appends the query's current row, from this column on.
   void append(const Query& query, int first_column);
-  // A row that is gone: all its values are null.
+  // Appends a row that no longer exists: all its values are null.
   void append_missing();
 
   std::size_t rows() const { return columns_ == 0 ? 0 : cells_.size() / columns_; }
@@ -38,10 +38,10 @@ class RowBlock {
   std::vector<Cell> cells_;
 };
 
-// Over one table ("SELECT * from TABLE ...") the set holds the rows' keys. A row that is visited is
-// read with those columns that were asked for on earlier rows, if they are small; whoever walks
-// from row to row gets blocks of rows. Other columns are read when they are asked for. Over any
-// other SELECT the set holds the rows themselves.
+// Over one table ("SELECT * from TABLE ...") the set holds the rows' keys. A visited row is read with the
+// columns that were asked for on earlier rows, if they are small; moving from row to row reads blocks of
+// rows. Other columns are read when they are asked for. Over any other SELECT the set holds the rows
+// themselves.
 class SqliteRecordSet : public RecordSet {
  public:
   SqliteRecordSet(std::shared_ptr<Session> session, const Statement& select, Connection::Access access);

@@ -27,8 +27,8 @@ class Loan {
   Query& query_;
 };
 
-// Compiled statements, one for each skeleton; those that were used longest ago make room. One
-// statement must not be lent twice at the same time.
+// Compiled statements, one for each skeleton; the least recently used ones are dropped. A statement must not
+// be on loan twice at the same time.
 class StatementCache {
  public:
   explicit StatementCache(Engine& engine, std::size_t capacity = 128)
@@ -45,7 +45,7 @@ class StatementCache {
   Loan prepare(std::string_view sql) { return Loan(find(sql).query); }
 
  private:
-  // What is bound to one parameter: literal text with a byte in the place of each value.
+  // The value bound to one parameter: literal text with a marker byte in place of each inserted value.
   struct Parameter {
     std::string pattern;
     std::size_t first_value;
