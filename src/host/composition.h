@@ -4,8 +4,9 @@
 
 namespace zrl {
 
-// Registers every component that this build has with the console. The one place that knows both
-// interfaces and implementations.
+// Registers every component that this build has with the console, which must outlive them. Makes none but the
+// registry, which all users of the console share. This is the one place that knows both the interfaces and
+// their implementations.
 void register_components(Console& console);
 
 }  // namespace zrl

@@ -8,14 +8,14 @@
 
 namespace zrl {
 
-// The console's folder where none is told: what systemd gives a service, else
-// $XDG_DATA_HOME/zrlconsole, else ~/.local/share/zrlconsole.
+// The console's folder if the command line names none: the state directory that systemd gives a service, else
+// $XDG_DATA_HOME/zrlconsole, else ~/.local/share/zrlconsole. It need not exist yet.
 std::filesystem::path default_folder();
 
 // Does what an installer does: makes the folder with its sub-folders, "proxy.ini", the registry
-// values `ProductVersion` and `dataprovider`, and the embedded database with its tables. What is
-// there already stays as it is. Tells what it made, one line each. Raises zrl::Error or
-// std::filesystem::filesystem_error.
+// values `ProductVersion` and `dataprovider`, and the embedded database with its tables. What exists already
+// stays as it is. Returns one line for each thing that was made. Raises zrl::Error or
+// std::filesystem::filesystem_error; what was made until then stays.
 std::vector<std::string> lay_out_folder(Console& console);
 
 }  // namespace zrl

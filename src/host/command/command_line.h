@@ -11,7 +11,7 @@
 
 namespace zrl::command {
 
-// What `serve` was told on the command line.
+// The options of `serve` on the command line.
 struct ServeOptions {
   std::filesystem::path folder;
   std::string listen = "127.0.0.1:8025";  // ADDRESS:PORT
@@ -20,7 +20,7 @@ struct ServeOptions {
   std::vector<std::string> hosts;  // names under which browsers may reach the host besides its address
 };
 
-// What the program is made of, besides the command line itself.
+// The parts of the program that the command line uses.
 struct Program {
   std::span<const PageEntry> pages;
   // Runs the web host until it is stopped; returns the exit status. Empty in builds without it.
@@ -37,8 +37,9 @@ inline constexpr int usage_error = 2;
 int run_command_line(const std::vector<std::string>& arguments, const Program& program, std::istream& in,
                      std::ostream& out, std::ostream& err);
 
-// In builds with the web host. Runs it until SIGINT or SIGTERM comes; prints the address to open and, while
-// there is no account, the secret that chooses the first one. Raises std::exception if it cannot start.
+// In builds with the web host only. Runs it until SIGINT or SIGTERM and returns the exit status. Prints the
+// address to open and, as long as there is no account, the secret with which the first one is made. Raises
+// std::exception if it cannot start.
 int serve(const ServeOptions& options, std::span<const PageEntry> pages);
 
 }  // namespace zrl::command

@@ -10,15 +10,15 @@
 
 namespace zrl::command {
 
-// What `script` was told on the command line.
+// The options of `script` on the command line.
 struct ScriptOptions {
   bool check = false;              // compile only
   std::vector<std::string> call;   // empty, or a procedure's name and its input
   std::vector<std::string> files;  // at least one
-  std::filesystem::path folder;    // of the console whose look-ups scripts may ask
+  std::filesystem::path folder;    // of the console whose look-ups scripts may use
 };
 
-// What the parser found; a command reads what it knows.
+// The parsed command line of all commands; each command reads its own part.
 struct Arguments {
   std::filesystem::path folder;
   bool json = false;
@@ -33,7 +33,7 @@ struct Arguments {
   ScriptOptions script;
 };
 
-// The command was called in a way that cannot be meant.
+// The command line is wrong; the exit status is then that of a usage error.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -48,10 +48,10 @@ int run_registry_get(const Arguments& arguments, std::ostream& out);
 int run_registry_set(const Arguments& arguments);
 int run_registry_delete(const Arguments& arguments);
 
-// Runs script files in one global module; they may be in UTF-8, UTF-16 with its mark, or Windows-1252, which
-// `err` is told. They read files in the folder of the first one. WScript.Echo, MsgBox and the result of the
-// call go to `out`, errors to `err` as FILE(LINE, COLUMN) and their text. Returns the exit status: 1 after an
-// error, else what the script gave WScript.Quit.
+// Runs script files in one global module. They may be in UTF-8, UTF-16 with a byte order mark, or
+// Windows-1252, of which a note on `err` warns. They can read files in the folder of the first one.
+// WScript.Echo, MsgBox and the result of the call go to `out`, errors to `err` as FILE(LINE, COLUMN) and
+// their text. Returns the exit status: 1 after an error, else what the script gave WScript.Quit.
 int run_script(const ScriptOptions& options, std::istream& in, std::ostream& out, std::ostream& err);
 
 }  // namespace zrl::command

@@ -9,8 +9,8 @@
 
 namespace zrl::command {
 
-// What `do` prints: the page, the dialogs that were open after the last step, and what happened.
-// The dialogs are taken when the last step has run, the rest when everything is over.
+// The output of `do`: the page, the dialogs that were open after the last step, and what happened. The
+// dialogs are copied when the last step has run; everything else is read when the report is printed.
 class Report {
  public:
   explicit Report(Console& console) : console_(console) {}

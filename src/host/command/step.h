@@ -7,16 +7,16 @@
 
 namespace zrl::command {
 
-// What a user tells the command line to do next, as it was written:
+// One step of the command `do`, as the user wrote it (UTF-8):
 //
 //   NAME            click
-//   NAME=TEXT       put a text in, or choose it
+//   NAME=TEXT       enter a text, or choose the item with this text
 //   NAME#I          choose the item at index I
 //   NAME.tick       a timer's tick
 //   FORM.close      close a dialog
 //   answer=ok       how message boxes are answered from now on (or answer=cancel)
 //
-// NAME may be led by the name of a form: "transfer.source=/tmp/x.txt".
+// NAME may be preceded by the name of a form and a dot: "transfer.source=/tmp/x.txt".
 struct Step {
   enum class Kind { click, text, item, tick, close, answer };
 
@@ -27,13 +27,13 @@ struct Step {
   std::int64_t index = 0;
 };
 
-// A step that is not written as it must be.
+// A step that breaks this syntax.
 class BadStep : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Raises BadStep.
+// Parses one step. Raises BadStep; whether the control exists is found out only when the step runs.
 Step parse_step(std::string_view written);
 
 }  // namespace zrl::command

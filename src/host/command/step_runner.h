@@ -12,9 +12,9 @@
 
 namespace zrl::command {
 
-// The host of the command line: it applies steps, one by one, to a page and to the dialogs that
-// the page opens, and keeps what a person would have seen. Dialogs are modal: the handler that
-// opened one goes on after the step that closes it.
+// The host of the command line: applies steps, one by one, to a page and to the dialogs that the page opens,
+// and keeps what a person would have seen. Dialogs are modal: the handler that opened one continues after the
+// step that closes it. Message boxes are answered at once, as the steps say.
 class StepRunner : public Host {
  public:
   struct Message {
@@ -22,18 +22,18 @@ class StepRunner : public Host {
     BoxReply reply;
   };
 
-  // `next` yields the steps in their order, and nothing when there are no more; it may raise
-  // BadStep. Programs are started only with `start_programs`.
+  // `next` yields the steps in their order, and nothing after the last one; it may raise BadStep. Programs
+  // are started only with `start_programs`, but recorded in any case.
   StepRunner(std::function<std::optional<Step>()> next, bool start_programs);
 
-  // Shows the page and runs all steps. `at_end` is called once, after the last step, while the
-  // dialogs that it left open are still there; they are closed then. False if a step stopped the
-  // run; problem() then tells why.
+  // Shows the page by calling `show`, and runs all steps. `at_end` is called once, after the last step,
+  // before the dialogs that are still open are closed. False if a step stopped the run; problem() then has
+  // the reason. Console and page must outlive the call.
   bool run(Console& console, Form& page, const std::function<void()>& show,
            const std::function<void()>& at_end);
 
   const std::string& problem() const { return problem_; }
-  // The run was stopped by a step that was badly written.
+  // Whether the step that stopped the run broke the syntax of steps.
   bool bad_step() const { return bad_step_; }
   const std::vector<Message>& messages() const { return messages_; }
   const std::vector<ProgramStart>& programs() const { return programs_; }
@@ -48,7 +48,7 @@ class StepRunner : public Host {
   void show_progress(const Progress&) override {}
 
  private:
-  // Runs the next step; false if there is none, or the run is over.
+  // Runs the next step; false if there is none, or the run has been stopped.
   bool run_next();
   void apply(const Step& step);
   Form& form_of(std::string& target);

@@ -20,10 +20,10 @@ class Generator {
 
   std::uint64_t next();
 
-  // From 0 to n - 1, all alike.
+  // From 0 to n - 1, equally distributed; n is not 0.
   std::size_t below(std::size_t n) { return static_cast<std::size_t>(((next() >> 32) * n) >> 32); }
 
-  // From 0 to n - 1, low numbers far more often than high ones, as few senders send most mail.
+  // From 0 to n - 1, low numbers far more often than high ones, because few senders send most of the mail.
   std::size_t skewed(std::size_t n);
 
   bool chance(std::size_t percent) { return below(100) < percent; }

@@ -20,8 +20,8 @@ struct ListTable {
   Texts entries;
 };
 
-// The lists, and what the logs and the archive take from them so that all agree. No host, domain
-// or address is on two opposite lists. What comes first is what turns up most.
+// The lists, and what the logs and the archive take from them so that all of them agree. No host, domain
+// or address is on two opposite lists. The first entries are the ones that occur most often.
 struct Lists {
   Texts black_hosts;
   Texts white_hosts;

@@ -11,8 +11,8 @@ namespace zrl::sample {
 
 using Report = std::function<void(std::string_view table, std::size_t rows)>;
 
-// Writes a month of connections and what became of them. The later logs tell of connections that
-// the IP log holds; a row's status is the list that the host is on.
+// Writes a month of connections and their outcomes. Every row of the other logs belongs to a connection in
+// the IP log; a row's status is the list that the host is on. Raises zrl::Error.
 void write_logs(Connection& conn, const Lists& lists, const Report& report);
 
 }  // namespace zrl::sample

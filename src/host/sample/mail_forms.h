@@ -8,7 +8,7 @@
 
 namespace zrl::sample {
 
-// A mail while it is written. Header values are as they go over the wire.
+// A mail under construction. Header values are encoded as in transport.
 struct Draft {
   Generator& random;
   std::string sender_name{};
@@ -25,9 +25,9 @@ struct MailForm {
   void (*write)(Draft&);
 };
 
-// What comes every day, the frequent first.
+// Ordinary mails, the most frequent ones first.
 std::span<const MailForm> everyday_mails();
-// What comes once in a while and must not upset anybody: broken, huge or hostile.
+// Rare mails that a console must survive: broken, huge or hostile.
 std::span<const MailForm> rare_mails();
 
 }  // namespace zrl::sample

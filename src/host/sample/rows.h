@@ -13,8 +13,8 @@ struct Cell {
   bool bytes = false;
 };
 
-// Sets columns of the one row that the statement selects, for contents that a statement's values
-// cannot hold: apostrophes, zero bytes, bytes that are no text.
+// Sets columns of the one row that the statement selects, for contents that no statement can hold:
+// apostrophes, zero bytes, bytes that are no UTF-8. Raises zrl::Error.
 inline void set_cells(Connection& conn, const Statement& select, std::initializer_list<Cell> cells) {
   const auto row = conn.open(select, Connection::Access::updatable);
   for (const Cell& cell : cells) {

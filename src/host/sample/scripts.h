@@ -17,7 +17,7 @@ struct Script {
   std::string stored() const;
 };
 
-// Scripts of an operator for every position, with what they share.
+// An operator's scripts: at least one for every position, and those that they share.
 std::span<const Script> scripts();
 
 }  // namespace zrl::sample

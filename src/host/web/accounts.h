@@ -16,7 +16,8 @@
 
 namespace zrl::web {
 
-// Runs costly jobs on a few threads of its own. What waits is dropped at its end.
+// Runs costly jobs on a few threads of its own. Its destructor drops the jobs that have not begun and waits
+// for the others.
 class WorkerPool {
  public:
   explicit WorkerPool(std::size_t threads);
@@ -39,17 +40,18 @@ class WorkerPool {
   bool ending_ = false;
 };
 
-// What a password's hash costs; libsodium's units.
+// The cost of a password's hash (Argon2id, RFC 9106), in libsodium's units: passes, and bytes of memory.
 struct PasswordCost {
   unsigned long long operations = 3;
   std::size_t memory_bytes = 64 << 20;
 };
 
-// The accounts in a file that only its owner reads, with their passwords' Argon2id hashes. Used on
-// the I/O thread; passwords are hashed, two at most at a time, and the file is written elsewhere.
+// The accounts with the Argon2id hashes of their passwords, in a file that only its owner can read. To be
+// used on the I/O thread. Hashing, of at most two passwords at a time, and writing the file are done on other
+// threads.
 class Accounts {
  public:
-  // `loop` must outlive it. Raises std::runtime_error if there is a file that cannot be read.
+  // `loop` must outlive it. Raises std::runtime_error if the file exists and cannot be read.
   Accounts(std::filesystem::path file, IoLoop& loop, PasswordCost cost);
 
   bool empty() const { return hashes_.empty(); }
@@ -57,22 +59,24 @@ class Accounts {
   static bool is_acceptable_name(std::string_view account);
   static bool is_acceptable_password(std::string_view password);
 
-  // `done` is called on the I/O thread. False, and no call, if too many wait to be verified.
+  // `done` is called on the I/O thread, later. False, and `done` is never called, if too many requests wait.
+  // An unknown account takes as long as a wrong password.
   bool verify(const std::string& account, std::string password, std::function<void(bool)> done);
 
   enum class Creation { created, exists_already, not_saved };
   // Makes the first account; `done` is called on the I/O thread. False as with verify().
   bool create_first(const std::string& account, std::string password, std::function<void(Creation)> done);
 
-  // Gives an account another password; true is passed on if it was saved. False as with verify(), and
-  // while another one is being saved.
+  // Changes an account's password; `done` gets true if it was saved. False as with verify(), and also while
+  // another password is being saved.
   bool change(const std::string& account, std::string password, std::function<void(bool)> done);
 
  private:
   using Hashes = std::map<std::string, std::string, std::less<>>;
 
   void load();
-  // Saves the accounts with this one's new password, elsewhere; what is held changes when that is done.
+  // Saves the accounts, with this one's new password, on another thread. The accounts in memory change
+  // afterwards.
   bool store(const std::string& account, std::string password, std::function<void(bool)> done);
 
   const std::filesystem::path file_;
@@ -83,10 +87,10 @@ class Accounts {
   WorkerPool workers_;
 };
 
-// The text that lets whoever started the program choose the first password. Kept as a digest.
+// The secret with which the person who started the program chooses the first password. Only a digest is kept.
 class SetupSecret {
  public:
-  // Makes a new one and returns it, the only time that it is seen.
+  // Makes a new secret, which replaces the one before, and returns it. It cannot be read again.
   std::string make();
   bool is(std::string_view text) const;
 

@@ -26,17 +26,17 @@ struct ApplicationSettings {
   std::vector<std::string> told_hosts;
   std::span<const Asset> assets;
   std::string version;
-  std::string language;  // until a session tells another one
+  std::string language;  // until a session changes it
 };
 
-// Answers the requests of browsers: the front end, signing in and out, and WebSockets for the
-// sessions. On the I/O thread.
+// Answers the requests of browsers: the front end's files, signing in and out, downloads and uploads, and
+// WebSockets for the sessions. All calls are made on the I/O thread. docs/protocol.md has the requests.
 class Application : public HttpHandler {
  public:
   // `loop` must outlive it. Raises std::runtime_error if the accounts cannot be read.
   Application(ApplicationSettings settings, IoLoop& loop);
 
-  // The secret for choosing the first password; empty once that has been done.
+  // A new secret for choosing the first password; empty if an account exists.
   std::string make_setup_secret();
 
   void handle(Request request, Reply reply) override;
@@ -57,7 +57,7 @@ class Application : public HttpHandler {
   Response sign_in(const Request& request, const std::string& account);
   void note(const std::string& account, std::string_view what, const Request& request,
             std::string_view error = {}) const;
-  // The answer to who has tried too often, else nothing.
+  // The answer to a client that has tried to sign in too often; nothing for others.
   std::optional<Response> throttled(const Request& request);
 
   ApplicationSettings settings_;

@@ -5,13 +5,13 @@
 
 namespace zrl::web {
 
-// A file of the front end, built into the program.
+// A file of the front end, built into the program. All views live as long as the program.
 struct Asset {
   std::string_view path;  // "/index.html"
   std::string_view content_type;
   std::string_view bytes;
   std::string_view gzipped;  // empty if that is not smaller
-  bool immutable;            // its name carries a digest of its content
+  bool immutable;            // its name contains a digest of its content
 };
 
 // Sorted by path.

@@ -9,9 +9,9 @@
 
 namespace zrl::web {
 
-// Appends what was written, by whom and where, to a file: one line an entry, its parts parted by
-// tabs, control characters escaped, so that no text can forge a line. Several sessions and
-// processes may append to the same file. A file that cannot be written stops nothing.
+// Appends to a file what was written, by which account and on which page: one line an entry (UTF-8), its
+// fields separated by tabs, control characters escaped, so that no text can forge a line. Several sessions
+// and processes may append to the same file. A file that cannot be written stops no action.
 class AuditLog {
  public:
   AuditLog(std::filesystem::path file, std::string account)

@@ -47,10 +47,10 @@ class Completion {
   std::unique_ptr<Base> held_;
 };
 
-// The bytes to and from a browser, over TLS or not: an asynchronous stream in Asio's sense (AsyncReadStream
-// and AsyncWriteStream), on one thread. What is built on it is compiled once for both, because handlers and
-// buffers lose their types here. An operation that takes longer than what expires_after() set ends with
-// beast::error::timeout, and the connection with it.
+// The connection to a browser, with or without TLS: an asynchronous stream in Asio's sense (AsyncReadStream
+// and AsyncWriteStream), on one thread. Handlers and buffers are type-erased here, so that the code above is
+// compiled once for both kinds. An operation that exceeds the time set by expires_after() ends with
+// beast::error::timeout and closes the connection.
 class BrowserStream {
  public:
   using executor_type = boost::asio::any_io_executor;
@@ -69,9 +69,9 @@ class BrowserStream {
 
   void expires_after(std::chrono::milliseconds time);
   void expires_never();
-  // At once, without a farewell; what is under way ends with an error.
+  // Closes the connection at once, without the closing messages of TLS. Pending operations end with an error.
   void close();
-  // Says farewell on every layer, and waits for the browser's.
+  // Closes every layer in order (TLS close_notify, TCP FIN) and waits for the browser to do the same.
   void tear_down(Completion<boost::system::error_code> done);
 
   template <typename Buffers, typename Token>
@@ -92,7 +92,7 @@ class BrowserStream {
   }
 
  private:
-  // Enough for a header with its body; of more, the rest is written the next time.
+  // Enough buffers for a header with its body; further ones are written by the next operation.
   static constexpr std::size_t most_pieces = 8;
   using Pieces = std::array<boost::asio::const_buffer, most_pieces>;
 

@@ -11,9 +11,9 @@
 
 namespace zrl::web {
 
-// Knows what the browser has been told about a form, and collects what has become different since.
-// The cost of looking is that of the controls, or nothing if the form has not changed; lists are
-// told by length and revision, whatever they hold. The form must outlive it.
+// Remembers what the browser has been sent about a form, and collects what has changed since. The cost of a
+// look is proportional to the number of controls, or nothing if the form has not changed; lists are sent as
+// length and revision, whatever they hold. The form must outlive it.
 class ChangeCollector {
  public:
   explicit ChangeCollector(Form& form) : form_(form) {}
@@ -26,11 +26,11 @@ class ChangeCollector {
   // browser knows all.
   std::optional<boost::json::object> changes();
 
-  // The browser shows this text in the control because it was typed there; it is told about the
-  // text only if it becomes another one.
+  // The browser shows this text in the control already, because it was typed there; the text is sent only if
+  // the form changes it.
   void typed(const Control& control, std::string_view text);
 
-  // The browser may show something else than the control holds: it is told again.
+  // The browser may show something else than the control holds, so the next changes include the control.
   void tell_again(const Control& control) { untold_.insert(&control); }
 
  private:

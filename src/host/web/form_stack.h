@@ -28,8 +28,8 @@ class FormStack {
 
   // The page becomes the lowest form. Only an empty stack takes one.
   void show_page(std::shared_ptr<Page> page);
-  // The dialog becomes the topmost form. It is called by its own name, or "name#2" and so on where an open
-  // form has that name.
+  // The dialog becomes the topmost form. Its id is its own name, or "name#2" and so on if an open form has
+  // that name.
   void show_dialog(std::shared_ptr<Form> dialog, bool modal);
 
   // Null while there is no page.
@@ -37,26 +37,26 @@ class FormStack {
   // Empty while there is no page.
   std::string_view page_name() const;
   const std::vector<std::shared_ptr<ShownForm>>& forms() const { return shown_; }
-  // By what the browser calls it; null if there is no such form.
+  // The open form with this id; null if there is none.
   std::shared_ptr<ShownForm> find(std::string_view id) const;
   // Whether a modal dialog above the form has to be answered before it can be used.
   bool is_covered(const ShownForm& shown) const;
 
   // When the next timer is due; Clock::time_point::max() if none is on.
   Clock::time_point next_tick(Clock::time_point now) const;
-  // Of the lowest form that has one. It does not tick again until its form's timers are told that it has
-  // ticked.
+  // A timer that is due, of the lowest form that has one. It does not tick again before FormTimers::ticked()
+  // is called for it.
   std::optional<DueTimer> take_due(Clock::time_point now) const;
 
-  // Takes dialogs that have been closed off the stack. They stay alive, because their handlers may still run,
-  // until forget_closed(). Returns what the browser calls those that it knows.
+  // Takes closed dialogs off the stack. They stay alive until forget_closed(), because their handlers may
+  // still run. Returns the ids of those that the browser knows.
   std::vector<std::string> drop_closed();
-  // No handler runs any more.
+  // Releases the closed dialogs. To be called when no handler is running.
   void forget_closed() { closed_.clear(); }
 
   // Closes the dialogs from the topmost down, each with its events.
   void close_dialogs();
-  // Lets go of the page and the forms above it.
+  // Releases the page and the forms above it, without events.
   void clear();
 
  private:

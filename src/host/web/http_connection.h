@@ -20,8 +20,8 @@ struct ConnectionContext {
 };
 
 // Serves HTTP/1.1 requests (RFC 9112) one after another until the connection ends; a request for a WebSocket
-// that the handler accepts turns it into that. `tls` is null for a connection without TLS. Every response
-// carries the security headers. Raises std::exception where the connection breaks.
+// that the handler accepts turns the connection into one. `tls` is null for a connection without TLS. Every
+// response carries the security headers. Raises std::exception where the connection breaks.
 boost::asio::awaitable<void> serve_connection(boost::asio::ip::tcp::socket socket,
                                               boost::asio::ssl::context* tls, std::string remote_address,
                                               const ConnectionContext& context);

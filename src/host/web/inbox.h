@@ -15,7 +15,7 @@ namespace zrl::web {
 
 struct PendingUpload;
 
-// What reaches a session's thread from outside.
+// Something that a session's thread receives from other threads.
 struct Incoming {
   enum class Kind : std::uint8_t {
     message,    // from the browser
@@ -31,9 +31,9 @@ struct Incoming {
   std::shared_ptr<PendingUpload> upload = {};
 };
 
-// The queue between the I/O thread, which pushes, and a session's thread, which pops. Holds at
-// most a few hundred messages: beyond that push() tells the pusher to read no more, and `on_room`
-// is called, on the popping thread, once there is room again.
+// The queue between the I/O thread, which pushes, and a session's thread, which pops. It holds a few
+// hundred messages at most: when it is full, push() asks the caller to read no more, and `on_room` is called,
+// on the popping thread, once there is room again.
 class Inbox {
  public:
   using Clock = std::chrono::steady_clock;
@@ -43,8 +43,8 @@ class Inbox {
 
   explicit Inbox(std::function<void()> on_room) : on_room_(std::move(on_room)) {}
 
-  // False: it was taken, and is the last one for which there was room. Kinds other than messages
-  // are always taken.
+  // Never waits. False: the item was taken, but the queue is full now. Kinds other than messages are always
+  // taken.
   bool push(Incoming item);
 
   // The next item, or nothing if none comes until the deadline.

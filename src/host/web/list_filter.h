@@ -11,8 +11,8 @@
 
 namespace zrl::web {
 
-// The places of the rows that contain `filter`, A to Z and a to z being the same. One pass over
-// the list's arena, without allocation a row.
+// The indexes of the rows that contain `filter`, without regard to the case of ASCII letters. One pass over
+// the list's memory, without an allocation for each row.
 std::vector<std::uint32_t> matching_rows(const StringList& rows, std::string_view filter);
 
 // Keeps the newest matches of a form's lists, so that paging through them costs nothing. Its

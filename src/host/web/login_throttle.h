@@ -7,14 +7,14 @@
 
 namespace zrl::web {
 
-// Slows down who guesses passwords: after a few failures in a row each try has to wait twice as
-// long as the one before. Counted for each address, IPv6 by network, and for all together.
+// Slows down the guessing of passwords: after a few failures in a row, each try has to wait twice as long as
+// the one before. Failures are counted for each address (IPv6 by network), and for all addresses together.
 class LoginThrottle {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // Nothing has to be waited for: zero, and the try counts as a failure until succeeded(). Else
-  // the time until the next try.
+  // Zero if the try may be made now; it then counts as a failure until succeeded() is called. Otherwise the
+  // time to wait, and nothing is counted.
   std::chrono::seconds begin_try(const std::string& address, Clock::time_point now);
   void succeeded(const std::string& address);
 

@@ -11,7 +11,8 @@ namespace zrl::web {
 
 struct PendingUpload;
 
-// A well-formed message from the browser. Members that its type has not are empty or 0.
+// A well-formed message from the browser (docs/protocol.md). Members that its type does not have are empty or
+// 0.
 struct BrowserMessage {
   enum class Type : std::uint8_t {
     open,
@@ -56,7 +57,7 @@ struct Malformed {
   std::optional<std::uint64_t> seq;
 };
 
-// Takes any bytes. Members that are not known are passed over.
+// Parses a message, which may be any bytes. Unknown members are ignored. Raises nothing.
 std::variant<BrowserMessage, Malformed> parse_message(std::string_view text);
 
 }  // namespace zrl::web

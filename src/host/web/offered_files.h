@@ -20,15 +20,15 @@ struct Offer {
   std::uint64_t size = 0;
 };
 
-// The files that a session offers for fetching. Used by the session's thread, which offers, and
-// the I/O thread, which serves.
+// The files that a session offers for download. Safe for two threads: the session's, which offers, and the
+// I/O thread, which serves.
 class OfferedFiles {
  public:
   static constexpr std::size_t most = 100;  // beyond, the oldest are forgotten
 
-  // A file that is offered again keeps its token. Nothing if it is no regular file.
+  // Offers a file; one that is offered again keeps its token. Nothing if it is no regular file.
   std::optional<Offer> add(const std::filesystem::path& path);
-  // Where the file lies; it counts as fetched from then on.
+  // The file's path, or nothing for an unknown token. The file counts as fetched from then on.
   std::optional<std::filesystem::path> fetch(std::string_view token);
   // Those that have not been fetched, in the order in which they were offered.
   std::vector<Offer> unfetched() const;
@@ -48,7 +48,8 @@ class OfferedFiles {
 // any more or no regular file.
 Response file_response(const std::filesystem::path& path);
 
-// The value of the header Content-Disposition (RFC 6266) that has any name saved under it.
+// The value of the header Content-Disposition (RFC 6266, RFC 8187) that makes a browser save the file under
+// this name, which may be any UTF-8.
 std::string attachment_header(std::string_view name);
 
 }  // namespace zrl::web

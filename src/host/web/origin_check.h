@@ -9,12 +9,13 @@
 
 namespace zrl::web {
 
-// Whether a request was meant for this console and comes from its own pages: no foreign site may
-// use a browser that can reach it, nor a name that was bent to its address.
+// Checks that a request was meant for this console and comes from its own pages, by the headers Host and
+// Origin (RFC 9110, RFC 6454). This stops foreign sites from using a browser that can reach the console, and
+// names that somebody else points to its address (DNS rebinding).
 class OriginCheck {
  public:
-  // `told` are further names, those of reverse proxies say; they may speak TLS for us. Listening on
-  // all addresses makes every address in digits one of ours.
+  // `told` are further allowed names, for example those of reverse proxies, which may add TLS. If the host
+  // listens on all addresses, every numeric address is allowed.
   OriginCheck(const std::string& listen_address, const std::vector<std::string>& told);
 
   bool is_ours(const Request& request) const;

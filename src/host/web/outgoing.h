@@ -16,10 +16,10 @@
 #include "host/web/shown_form.h"
 #include "host/web/terminal.h"
 
-// The messages to the browser, as their texts.
+// The messages to the browser as JSON texts (docs/protocol.md).
 namespace zrl::web {
 
-// What a refused message was numbered.
+// The number of a refused message.
 struct MessageNumber {
   std::optional<std::uint64_t> seq = {};
   std::optional<std::uint64_t> request = {};
@@ -35,11 +35,11 @@ inline constexpr std::uint64_t longest_window = 500;
 // `open` is the name of the page that is shown, or empty.
 std::string hello_message(Console& console, std::string_view account, std::span<const PageEntry> pages,
                           std::string_view open);
-// The browser knows the form, or its changes, from then on.
+// The form, or its changes; from then on they count as sent.
 std::string form_message(ShownForm& shown, std::string_view caption);
 std::optional<std::string> change_message(ShownForm& shown, std::uint64_t ack, std::string_view caption);
 std::string closed_message(std::string_view form);
-// Fewer rows than asked for if they are long.
+// Contains fewer rows than asked for if the rows are long.
 std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64_t request, WindowOf window,
                          std::string_view filter);
 std::string box_message(std::uint64_t id, const MessageBox& box);

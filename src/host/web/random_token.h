@@ -4,7 +4,7 @@
 
 namespace zrl::web {
 
-// 256 random bits as hexadecimal digits: nobody guesses it.
+// 256 bits from the system's secure random source, as 64 hexadecimal digits.
 std::string random_token();
 
 }  // namespace zrl::web

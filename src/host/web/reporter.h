@@ -16,8 +16,8 @@
 
 namespace zrl::web {
 
-// Tells the browser what a session's console holds and has done, and the audit log what it wrote. It
-// remembers what both have been told, so that each report holds what is new. All calls are made on the
+// Sends the browser what a session's console shows and has done, and writes to the audit log what the console
+// wrote. It remembers what was sent, so that each report contains only what is new. All calls are made on the
 // session's thread; `output` and `forms` must outlive it.
 class Reporter {
  public:
@@ -25,11 +25,12 @@ class Reporter {
   Reporter(SessionOutput& output, FormStack& forms, const std::filesystem::path& audit_file,
            const std::string& account);
 
-  // Reports are about this console from now on, whose activity record is new. It must live until the next one
-  // is given, or no further call is made.
+  // Reports are about this console from now on; its activity record is reported from the start. It must live
+  // until another console is set, or until the last call.
   void watch(Console& console);
 
-  // A browser has connected, which knows nothing. Messages go to this connection until there is another one.
+  // A browser has connected and must be sent everything. Messages go to this connection until there is a new
+  // one.
   void connected(std::uint64_t connection);
   std::uint64_t connection() const { return connection_; }
   // Changes carry the number of the newest event whose handling has begun.

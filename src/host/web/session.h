@@ -17,9 +17,9 @@
 
 namespace zrl::web {
 
-// The end of a signed-in session on the I/O thread: its WebSocket, its clocks, and the thread that
-// runs its console, which begins with the first WebSocket. But for the calls of SessionOutput,
-// which its thread makes, everything happens on the I/O thread.
+// A signed-in session as the I/O thread sees it: its WebSocket, its time limits, and the thread that runs its
+// console, which starts with the first WebSocket. All calls are made on the I/O thread, except those of
+// SessionOutput, which the session's thread makes.
 class Session : public SessionOutput, public std::enable_shared_from_this<Session> {
  public:
   using Clock = std::chrono::steady_clock;
@@ -28,7 +28,7 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
     std::chrono::milliseconds idle{30 * 60 * 1000};          // without a message from the browser
     std::chrono::milliseconds longest{12 * 60 * 60 * 1000};  // since the log-in
     std::chrono::milliseconds lost{60 * 1000};               // without a WebSocket
-    std::chrono::milliseconds busy_after{150};               // until an action counts as long
+    std::chrono::milliseconds busy_after{150};  // until the browser shows that an action takes long
   };
 
   // Called on the I/O thread.
@@ -45,12 +45,12 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
 
   const std::string& account() const { return account_; }
 
-  // Who listens to a new WebSocket. It takes the place of the one before.
+  // The listener for a new WebSocket, which replaces the one before.
   std::shared_ptr<ChannelListener> new_listener();
 
   // An offered file, by its token.
   Response download(std::string_view token);
-  // Who takes the file that a browser sends, or why it is refused.
+  // What receives the file that a browser sends, or the response that refuses it.
   std::variant<std::monostate, Response, std::shared_ptr<BodySink>> receive_upload(const Request& request);
 
   bool has_expired(Clock::time_point now) const;
@@ -84,7 +84,7 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
   bool received(std::uint64_t connection, std::string text);
   void disconnected(std::uint64_t connection);
 
-  // Runs it on the I/O thread, while the session lives.
+  // Runs the task on the I/O thread, unless the session has been destroyed by then. From any thread.
   void post(std::function<void(Session&)> task);
   void start_thread();
   void run_console();

@@ -32,17 +32,17 @@ struct ConsoleSettings {
   bool modeless_dialogs = false;
 };
 
-// A signed-in session's console with the page that it shows: the host of that console. It takes its orders
-// from the inbox alone, and lives on the thread that calls run(). The forms are a FormStack, the Turns say
-// when an order is carried out, the Reporter says what came of it.
+// A signed-in session's console with the page that it shows: the host of that console. It is driven by the
+// inbox alone, and works on the thread that calls run(). FormStack has the open forms, Turns decides when a
+// message is handled, and Reporter sends the results.
 class SessionConsole : public Host, private TurnHandler {
  public:
   // All but `account` must outlive it.
   SessionConsole(const ConsoleSettings& settings, std::string account, Inbox& inbox, OfferedFiles& offered,
                  SessionOutput& output);
 
-  // Returns when the session has ended and its page has been terminated. Raises what keeps a
-  // console from being made.
+  // Returns when the session has ended and its page has been terminated. Raises std::exception if the console
+  // cannot be made.
   void run();
 
   BoxReply message_box(const MessageBox& box) override;
@@ -76,7 +76,8 @@ class SessionConsole : public Host, private TurnHandler {
   void show_page(const PageEntry& entry);
   void handle_upload(PendingUpload& upload);
   void take_upload(PendingUpload& upload, FileList& list);
-  // Runs something of a page's, and tells the browser what it did. Raises what the browser is refused.
+  // Runs an action of a form and reports what it did. Passes on what it raises, for which the message is
+  // refused.
   void run_action(const std::function<void()>& action);
 
   const ConsoleSettings& settings_;

@@ -5,16 +5,17 @@
 
 namespace zrl::web {
 
-// Where a session's thread sends what concerns the browser. None of the calls waits.
+// Where a session's thread sends what concerns the browser. All calls are made on that thread; none of them
+// waits.
 class SessionOutput {
  public:
   virtual ~SessionOutput() = default;
 
-  // Dropped if the browser's connection is another one by now.
+  // Sends a message, or drops it if the browser has another connection by now.
   virtual void send(std::uint64_t connection, std::string message) = 0;
-  // The browser broke the rules too often.
+  // The browser has sent too many malformed messages; its connection is to be closed.
   virtual void violated(std::uint64_t connection) = 0;
-  // The thread is working from here on, and waits again for the browser.
+  // The thread has begun to work on an action, or waits for the browser again.
   virtual void action_began() = 0;
   virtual void action_ended() = 0;
   virtual void progress(std::string text, std::uint64_t done, std::uint64_t total) = 0;

@@ -44,7 +44,7 @@ struct ShownForm {
   ShownForm(std::string form_id, std::shared_ptr<Form> shown, bool is_dialog, bool is_modal)
       : id(std::move(form_id)), form(std::move(shown)), dialog(is_dialog), modal(is_modal) {}
 
-  std::string id;  // what the browser calls it
+  std::string id;  // the form's name in messages
   std::shared_ptr<Form> form;
   bool dialog;
   bool modal;

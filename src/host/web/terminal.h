@@ -38,24 +38,24 @@ class Terminal {
   };
   enum class Read : std::uint8_t { some, nothing, over };
 
-  // `folder` is where it runs if it does not say itself. Raises zrl::Error if it cannot be started.
+  // The program runs in `folder` unless it names one itself. Raises zrl::Error if it cannot be started.
   Terminal(const ProgramStart& program, const std::filesystem::path& folder);
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
-  // Kills what still runs.
+  // Kills the processes that still run.
   ~Terminal();
 
   // To be polled: the terminal, and what becomes readable when the program has ended.
   int descriptor() const { return terminal_.get(); }
   int process_descriptor() const { return process_.get(); }
 
-  // `size` is how much has room, then how much was read. `over`: nothing can follow.
+  // Reads up to `size` bytes, and sets `size` to the number read. `over` means that nothing can follow.
   Read read(char* data, std::size_t& size);
-  // How much the terminal took.
+  // Returns how many bytes the terminal accepted, perhaps 0.
   std::size_t write(std::string_view text);
   void resize(std::uint16_t columns, std::uint16_t rows);
 
-  // Asks the program and what it started to end, or makes them.
+  // Asks the program and its children to end (SIGHUP), or kills them.
   void hang_up();
   void kill();
   // How it ended, once it has; what is left of its process group is killed.

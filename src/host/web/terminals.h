@@ -24,9 +24,8 @@ namespace zrl::web {
 // thread of its own, which begins with the first program, carries bytes both ways, so that neither
 // the console nor a program waits for the other. All calls are made on the session's thread.
 //
-// A program is read only as far ahead of the browser as a small window; one that prints without
-// end waits, as it would for a slow line. What has been shown last is kept for a browser that comes
-// back.
+// A program's output is read only a small window ahead of the browser; a program that prints without end is
+// held up, as by a slow line. The latest output is kept for a browser that reconnects.
 class Terminals {
  public:
   static constexpr std::size_t most = 8;  // terminals of one session, ended ones included
@@ -36,21 +35,21 @@ class Terminals {
   // Called from both threads; must not wait.
   using Send = std::function<void(std::uint64_t connection, std::string message)>;
 
-  // Programs run in `folder` unless they say where.
+  // Programs run in `folder` unless they name one.
   Terminals(std::filesystem::path folder, Send send);
   Terminals(const Terminals&) = delete;
   Terminals& operator=(const Terminals&) = delete;
   // Ends all programs and returns when they have ended.
   ~Terminals();
 
-  // Raises zrl::Error if it cannot be started, or if there are too many that run.
+  // Raises zrl::Error if the program cannot be started, or if too many are running.
   void start(const ProgramStart& program);
 
-  // Messages go to this connection of the browser's from now on; it is told what is open.
+  // Messages go to this connection from now on, beginning with the open terminals and their latest output.
   void connected(std::uint64_t connection);
 
-  // What the browser wants of a terminal; one that is gone is passed over. False: the program does
-  // not read, and the text is lost.
+  // Requests of the browser; one for a terminal that no longer exists is ignored. False: the program does not
+  // read its input, and the text is lost.
   bool type(std::uint64_t id, std::string_view text);
   void resize(std::uint64_t id, std::uint16_t columns, std::uint16_t rows);
   // The browser has drawn the output up to this position.

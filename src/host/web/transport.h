@@ -10,8 +10,8 @@
 #include <variant>
 #include <vector>
 
-// What the console's web host knows of HTTP and WebSockets. No type of a network library appears
-// here, so that everything above it builds quickly and is tested without a network.
+// HTTP and WebSockets as the web host sees them. No type of a network library appears here, so that
+// everything above builds quickly and is tested without a network.
 //
 // Everything but IoLoop::post() and IoLoop::after() is called on the one I/O thread.
 namespace zrl::web {
@@ -33,7 +33,7 @@ struct Request {
   std::string content_type;
   std::string cookie;
   std::string upload;                // the header Upload-To
-  std::uint64_t content_length = 0;  // 0 if it is not told
+  std::uint64_t content_length = 0;  // 0 if it is not given
   std::string body;
   std::string remote_address;
   bool accepts_gzip = false;
@@ -46,7 +46,7 @@ class BodySource {
   virtual ~BodySource() = default;
 
   virtual std::uint64_t size() const = 0;
-  // How much was read; 0 before the end means that the rest cannot be had.
+  // Returns the number of bytes read; 0 before the end means that the rest cannot be read.
   virtual std::size_t read(char* data, std::size_t size) = 0;
 };
 
@@ -63,7 +63,8 @@ struct Response {
 // Answers a request, once, now or later. Later calls are ignored.
 using Reply = std::function<void(Response)>;
 
-// Takes the body of a request piece by piece. If it goes without finish(), the request was broken off.
+// Receives the body of a request piece by piece. If it is destroyed without finish(), the request was cut
+// off.
 class BodySink {
  public:
   virtual ~BodySink() = default;
@@ -71,7 +72,7 @@ class BodySink {
   // The longest body that it takes.
   virtual std::uint64_t limit() const = 0;
   virtual void take(std::string_view piece) = 0;
-  // All has been taken.
+  // The body is complete.
   virtual void finish(Reply reply) = 0;
 };
 

@@ -14,21 +14,22 @@
 
 namespace zrl::web {
 
-// What a session does when something's turn has come.
+// What a session does with arrivals, and with events whose turn has come.
 class TurnHandler {
  public:
   virtual ~TurnHandler() = default;
 
-  // Something has come through the inbox, whatever runs. What has to wait for its turn goes to Turns::wait().
+  // An item has come through the inbox; handlers may be running. What has to wait for its turn is passed to
+  // Turns::wait().
   virtual void arrived(const Incoming& item) = 0;
   // It has waited, and its turn has come.
   virtual void handle(const BrowserMessage& message) = 0;
   virtual void tick(Timer& timer) = 0;
 };
 
-// The event loop of a session: decides what its thread does next. What arrives is looked at in its order, at
-// once; events, changes of page and timers have turns. At the top everything may have its turn. A handler
-// that waits for the browser runs a loop of its own, in which the others keep their order and wait:
+// The event loop of a session: decides what its thread does next. Arrivals are looked at in their order, at
+// once; events, changes of page and timers take turns. At the top level everything may have its turn. A
+// handler that waits for the browser runs a nested loop, in which the others keep their order and wait:
 //
 // - within a handler, changes of page wait, and what follows them too unless it is for an open dialog;
 // - while a message box is open, everything but arrivals waits.

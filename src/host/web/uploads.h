@@ -23,11 +23,11 @@ struct UploadTarget {
 // The value of the header Upload-To: the three parts, each percent-encoded, with "/" between them.
 std::optional<UploadTarget> parse_upload_target(std::string_view header);
 
-// A name under which a file that is called so may be kept: without a folder, control characters,
-// characters that turn the direction of writing, and dots at its ends; neither empty nor long.
+// A safe file name (UTF-8) made of the name that was asked for: without folder, control characters,
+// characters that change the writing direction, and dots at either end; neither empty nor too long.
 std::string upload_name(std::string_view wanted);
 
-// A file on its way into the upload folder. It is gone unless keep() was called.
+// A file that is being received into the upload folder. The destructor removes it unless keep() succeeded.
 class UploadedFile {
  public:
   UploadedFile(std::filesystem::path folder, std::filesystem::path temporary, Descriptor file);
@@ -35,7 +35,7 @@ class UploadedFile {
   UploadedFile& operator=(const UploadedFile&) = delete;
   ~UploadedFile();
 
-  // A failure is told by keep().
+  // A failure is reported by keep().
   void write(std::string_view piece);
   std::uint64_t size() const { return size_; }
 
@@ -71,8 +71,8 @@ class UploadFolder {
   std::filesystem::path path_;
 };
 
-// A file that has come and waits for the session's thread. It is answered once; if nobody does, as
-// one that was refused.
+// A file that has been received and waits for the session's thread. Its request is answered once; if it is
+// destroyed without an answer, the answer is a refusal.
 struct PendingUpload {
   UploadTarget target;
   std::unique_ptr<UploadedFile> file;

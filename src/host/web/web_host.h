@@ -41,14 +41,14 @@ class WebHost {
   // What to open in a browser: "http://127.0.0.1:8025/".
   const std::string& address() const { return address_; }
 
-  // As long as there is no account: a new secret for choosing the first one, to be shown to whoever
-  // started the program. Empty otherwise. Call it once, before run().
+  // As long as there is no account: a new secret for choosing the first one, to be shown to the person who
+  // started the program. Empty otherwise. To be called once, before run().
   std::string make_setup_secret();
 
-  // Serves until stop(). Then it returns when all sessions have ended; an action that does not let
-  // events run holds it up until it is through.
+  // Serves until stop(), and returns when all sessions have ended. An action that does not let events run
+  // delays that until it has ended.
   void run();
-  // From any thread.
+  // Ends run(); may be called from any thread, more than once.
   void stop();
 
  private:

@@ -8,7 +8,7 @@
 #include "host/web/browser_stream.h"
 #include "host/web/http_server.h"
 
-// Includes Beast, which is dear to compile: for http_connection.cpp alone.
+// Includes Beast, which takes long to compile: only http_connection.cpp should include this header.
 namespace zrl::web {
 
 using RequestHead = boost::beast::http::request_parser<boost::beast::http::empty_body>;
