@@ -13,15 +13,15 @@ namespace zrl::block_lists {
 
 namespace {
 
-// No registry has as many.
+// More labels than the domain of any registry has.
 constexpr int most_labels = 8;
 
-// Registries that the list counts as private, has not, or divides further. Sorted.
+// Registries that the list has in its private section, lacks, or divides further. Sorted.
 constexpr std::string_view more_registries[] = {"ac.bw",  "ac.ru",  "com.ru", "edu.ru", "gov.bw",
                                                 "gov.mt", "int.ru", "msk.ru", "net.bw", "net.ru",
                                                 "org.ru", "pp.ru",  "sch.uk", "spb.ru"};
 
-// Where the last `count` labels of a name begin; 0 if it has no more.
+// The offset of the last `count` labels of a name; 0 if it has no more labels than that.
 std::size_t begin_of_labels(std::string_view name, int count) {
   std::size_t end = name.size();
   for (; count > 0; --count) {

@@ -10,7 +10,7 @@ namespace zrl::block_lists {
 
 namespace {
 
-constexpr std::size_t longest_answer = 4000;  // what is named after that is counted only
+constexpr std::size_t longest_answer = 4000;  // bytes; further names are only counted
 
 class UriCheck : public CheckPlugin {
  public:

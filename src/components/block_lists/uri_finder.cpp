@@ -29,7 +29,7 @@ bool is_host_character(char c) {
 }
 
 bool is_slash(char c) {
-  return c == '/' || c == '\\';  // browsers take both
+  return c == '/' || c == '\\';  // browsers accept both
 }
 
 // What ends a URI in a text or in an attribute.
@@ -96,8 +96,8 @@ std::optional<std::uint32_t> address_part(std::string_view part) {
   return number_of(part, part.starts_with('0') && part.size() > 1 ? octal : decimal);
 }
 
-// An IPv4 address of one to four numbers, of which the last fills what is left; in dotted form, or
-// empty if the text is none.
+// An IPv4 address of one to four numbers, the last of which fills the remaining bytes, in dotted form; empty
+// if the text is no such address.
 std::string address_of(std::string_view host) {
   constexpr std::uint32_t greatest_byte = 255;
   std::uint32_t address = 0;
@@ -126,7 +126,7 @@ bool has_top_level(std::string_view name) {
   return last.starts_with("xn--") || (last.size() >= 2 && std::ranges::all_of(last, is_letter));
 }
 
-// Files are named in texts as often as hosts are.
+// Texts name files as often as hosts, and a file name can look like a host name.
 bool is_file_name(std::string_view name) {
   constexpr std::array<std::string_view, 30> endings = {
       "asp",  "aspx", "bmp", "cgi",  "css", "csv", "dll", "doc", "docx", "exe",
@@ -207,7 +207,7 @@ class Scanner {
     }
   }
 
-  // "://user:password@host:port"; stops behind the host, for something else may follow at once.
+  // Reads "://user:password@host:port" and stops after the host, because anything may follow it directly.
   void read_authority() {
     ++at_;
     while (is_slash(peek(0))) ++at_;

@@ -22,15 +22,15 @@ constexpr int type_address = 1;
 constexpr std::size_t starts_between_pauses = 64;
 constexpr std::size_t longest_quotation = 100;
 
-// What an answer says of the name.
+// What an answer says about the name.
 struct Verdict {
   bool listed = false;
-  std::string problem = {};  // why the zone is not to be believed; empty if it is
+  std::string problem = {};  // why the answer cannot be trusted; empty if it can
 };
 
 // A listing is an address in 127.0.0.0/8. Any other comes from a zone that is no list, or no longer
 // one: its domain was sold and answers every name with the address of a web server. In 127.255.255.0/24
-// are the codes by which public lists refuse, mostly those who ask through a public resolver.
+// are the codes by which public lists refuse queries, mostly those that come through a public resolver.
 Verdict verdict_on(const IpAddress& address) {
   constexpr std::uint8_t loopback = 127;
   constexpr std::uint8_t refusal = 255;
@@ -54,7 +54,7 @@ Verdict verdict_on(const DnsQueries::Reply& reply) {
   return verdict;
 }
 
-// Operators' texts can be anything.
+// Entries can be any text, of any length.
 std::string quoted(std::string_view entry) {
   return "\"" + beginning_of(entry, longest_quotation) + "\"";
 }

@@ -20,7 +20,7 @@ void replace_all(std::string& text, std::string_view what, char by) {
   }
 }
 
-// The words that an entry stands for, in small letters: lists hold quotation marks as escapes.
+// The words of an entry in lower case; lists store quotation marks as escapes.
 std::string words_of(std::string_view entry) {
   std::string words = lower(entry);
   if (words.find("\\x2") == words.npos) return words;

@@ -33,7 +33,7 @@ class SubjectCheck : public CheckPlugin {
 
   void send(std::string_view, std::string_view, std::string_view text) override {
     answer_.clear();
-    // Keywords may mean what people see, or how it was encoded.
+    // Keywords may match what people see, or its encoded form.
     const std::string raw = subject_of(text);
     const std::string subject = decode_encoded_words(raw);
     if (!find(white_words_, subject, raw).empty()) return;

@@ -23,7 +23,7 @@ timeval to_timeval(milliseconds time) {
   return {static_cast<time_t>(time.count() / 1000), static_cast<suseconds_t>(time.count() % 1000 * 1000)};
 }
 
-// Servers that cannot hand out pages say so in different ways.
+// Servers without support for paging refuse it with different codes.
 bool refuses_pages(int code) {
   return code == LDAP_UNAVAILABLE_CRITICAL_EXTENSION || code == LDAP_UNWILLING_TO_PERFORM ||
          code == LDAP_PROTOCOL_ERROR || code == LDAP_ADMINLIMIT_EXCEEDED;
@@ -95,7 +95,7 @@ void DirectoryConnection::set(int option, const void* value) const {
   if (code != LDAP_OPT_SUCCESS) fail(LDAP_LOCAL_ERROR, "an option is not supported");
 }
 
-// Signing in as nobody opens the connection.
+// The anonymous bind also opens the connection.
 void DirectoryConnection::sign_in() {
   berval nothing = {0, nullptr};
   int id = 0;
@@ -182,7 +182,7 @@ DirectoryConnection::Answer DirectoryConnection::result_of(Message message) cons
   return {code, text == nullptr ? "" : text, std::move(message)};
 }
 
-// Not critical: a server that knows no pages then sends everything at once.
+// Not marked critical, so that a server without paging sends everything at once.
 DirectoryConnection::Control DirectoryConnection::page_control(const std::string& cookie) const {
   berval value = {cookie.size(), const_cast<char*>(cookie.data())};
   LDAPControl* control = nullptr;

@@ -30,7 +30,7 @@ std::string LdapLookups::server() const {
   return std::string(trim(database->read_string("ldapserver", connection)));
 }
 
-// A forest of domains names its root; other servers have the contexts that they keep.
+// A forest of domains names its root domain; other servers only name the contexts that they hold.
 std::string LdapLookups::RootDomain() {
   const std::string server = this->server();
   if (server.empty()) return {};

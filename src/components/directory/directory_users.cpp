@@ -10,7 +10,7 @@ namespace zrl::directory {
 
 namespace {
 
-// Contacts are people elsewhere. Groups have addresses at which they are reached, like users.
+// Contacts are people in other organisations. Groups have addresses like users, and count as such.
 constexpr const char* with_address = "(|(mail=*)(proxyAddresses=*))";
 constexpr const char* address_attributes[] = {"mail", "proxyAddresses"};
 const std::vector<const char*> wanted{"objectClass", "mail", "proxyAddresses"};

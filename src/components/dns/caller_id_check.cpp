@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t most_domains = 10;
 constexpr std::size_t most_exchangers = 10;
 
-// The record that lies at this very name.
+// The record at exactly this name.
 std::optional<std::string> record_at(const std::string& name, SenderLookups& lookups) {
   Records<std::string> texts = lookups.texts(name);
   if (texts.failed) throw SenderFault(SenderResult::temperror, "no answer from the DNS for " + name);
@@ -30,7 +30,7 @@ class Evaluation {
   Evaluation(const SenderQuestion& question, SenderLookups& lookups)
       : question_(question), lookups_(lookups) {}
 
-  // The domains are gone through in the order in which they were named.
+  // The domains are followed in the order in which they were named.
   SenderCheck run() {
     const CallerIdRecord first = read(question_.record, question_.domain);
     const std::string note = first.testing ? " (the record is being tested)" : "";
@@ -49,7 +49,7 @@ class Evaluation {
     return {true, "pass: in the record of " + domain + note};
   }
 
-  // Also notes where the record leads.
+  // Also collects the domains that the record refers to.
   CallerIdRecord read(const std::string& text, const std::string& domain) {
     seen_.insert(lower(domain));
     try {
@@ -74,7 +74,7 @@ class Evaluation {
   CallerIdRecord indirect_record(const std::string& domain) {
     try {
       std::optional<std::string> text = published_caller_id(domain, lookups_);
-      // A name that was made for the purpose may hold the record itself.
+      // A name made for this purpose may have the record itself, not below _ep.
       if (!text && is_dns_name(domain)) text = record_at(domain, lookups_);
       if (text) return read(*text, domain);
       note({SenderResult::permerror, domain + " has no Caller-ID record"});
@@ -103,7 +103,7 @@ class Evaluation {
     return false;
   }
 
-  // Of several faults the first one is told.
+  // The first of several faults is the one to report.
   void note(const SenderFault& fault) {
     if (!fault_) fault_ = fault;
   }

@@ -26,8 +26,8 @@ std::string_view view(const xmlChar* text) {
   throw Error(error_number::invalid_call, "Caller-ID record: " + problem);
 }
 
-// Without a document type there are no entities but the five that every document has. The text is taken
-// for UTF-8 whatever it says of itself, so that no encoding hides a document type.
+// Without a document type there are only the five predefined entities. The text is read as UTF-8 whatever
+// encoding it declares, so that no encoding can hide a document type.
 Document read(std::string_view text) {
   if (!is_caller_id_record(text)) refuse("not an e-mail policy");
   if (text.size() > CallerIdRecord::longest) refuse("too long");
@@ -64,7 +64,7 @@ CallerIdRecord::Network network(const std::string& text) {
   return {*address, static_cast<unsigned>(std::stoul(digits))};
 }
 
-// What <out> and <m> hold.
+// The content of <out> and <m>.
 void read_servers(const xmlNode& parent, CallerIdRecord& record) {
   for (const xmlNode* node = parent.children; node != nullptr; node = node->next) {
     if (is(*node, "mx")) record.exchangers = true;

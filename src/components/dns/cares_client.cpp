@@ -40,7 +40,7 @@ SenderQuestion question_of(std::string_view address, std::string_view domain, st
   return {*client, domain_in(domain), std::string(trim(record)), std::string(trim(sender))};
 }
 
-// Reasons quote strangers.
+// Reasons quote strangers' texts, so they are cut and made valid UTF-8.
 SenderCheck for_people(SenderCheck check) {
   check.reason = valid_utf8(check.reason.substr(0, longest_reason));
   return check;
@@ -108,14 +108,14 @@ class CaresClient : public DnsClient {
  private:
   // The record that was fetched last.
   struct Fetched {
-    std::string domain;  // it was fetched for this one
-    std::string place;   // and found at this one, to which redirects led
+    std::string domain;  // for which it was fetched
+    std::string place;   // where it was found, after redirects
     std::string record;
   };
 
   CaresLookups start() const { return {console_, time_of_check}; }
 
-  // Of a redirect in a record that stands where `from` says, or that is not known to stand anywhere.
+  // The target of a redirect in the record `from`, which is empty if the record's origin is unknown.
   static std::string target_of(const MacroString& redirect, const Fetched& from) {
     return redirect.expand_to_name([&](char letter) -> std::string {
       if (letter == 'l') return "postmaster";

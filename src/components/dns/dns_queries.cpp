@@ -57,7 +57,7 @@ DnsQueries::DnsQueries(ConsoleServices& console, milliseconds limit)
   options.flags = ARES_FLAG_NOSEARCH | ARES_FLAG_NOALIASES;
   options.timeout = std::max(1, static_cast<int>(timeout_.count() / shares));
   options.tries = tries;
-  // The servers are told; nothing is to come from the system's own configuration.
+  // The servers are set explicitly; nothing is to be read from the system's configuration.
   std::string nowhere = "/dev/null";
   std::string dns_only = "b";
   options.resolvconf_path = nowhere.data();
@@ -87,7 +87,7 @@ void DnsQueries::pause() {
   process(milliseconds(0));
 }
 
-// Answers are awaited at the sockets, so that one counts as soon as it comes.
+// Polls the sockets between the turns of the event loop, so that an answer is processed as soon as it comes.
 void DnsQueries::finish() {
   const Clock::time_point end = Clock::now() + timeout_;
   process(milliseconds(0));
@@ -99,7 +99,7 @@ void DnsQueries::finish() {
   ares_cancel(channel_);
 }
 
-// False if the console is ending, which then returns from waiting at once.
+// False if the console is ending, because its wait() then returns at once.
 bool DnsQueries::serve_events() {
   const Clock::time_point begin = Clock::now();
   console_.wait(serve);
@@ -116,7 +116,7 @@ void DnsQueries::ended(void* pending, int status, int, unsigned char* message, i
   --ended.owner->unfinished_;
 }
 
-// Handles what has come, waiting no longer than this for the first of it, and what has taken too long.
+// Processes the answers that have come, after waiting at most this long for the first one, and time-outs.
 void DnsQueries::process(milliseconds wait) {
   std::array<ares_socket_t, ARES_GETSOCK_MAXNUM> sockets{};
   std::array<pollfd, ARES_GETSOCK_MAXNUM> polled{};

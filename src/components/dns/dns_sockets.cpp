@@ -18,7 +18,7 @@ namespace {
 constexpr bool is_needed = ARES_VERSION >= 0x011c00;
 constexpr std::size_t header_size = 12;
 constexpr std::size_t counts_at = 6;  // of the records that follow the question
-// c-ares takes these for host names' characters, but host names have none of them.
+// c-ares accepts these in host names, although no host name contains them.
 constexpr std::string_view marks = "/*";
 
 bool is_plain(char c) {
@@ -53,7 +53,7 @@ std::string wire_question(const std::string& name, int type) {
   return wire_name(name).append(numbers, sizeof numbers);
 }
 
-// The only question of a message; empty if it has another number of them, or a broken one.
+// The only question of a message; empty if it has several or none, or a malformed one.
 std::string question_of(std::string_view message) {
   if (message.size() < header_size || message.substr(4, 2) != std::string_view("\0\1", 2)) return {};
   std::size_t end = header_size;
@@ -89,8 +89,7 @@ void DnsSockets::attach(ares_channeldata* channel) {
 
 std::string DnsSockets::asked_name(const std::string& name) {
   if (!is_needed || std::ranges::all_of(name, is_plain)) return escaped(name);
-  // Names that differ in other characters alone have the same stand-ins, of which there are four for two of
-  // these.
+  // Names that differ only in these characters share their stand-ins: two such characters yield four of them.
   const auto odd = static_cast<std::size_t>(std::ranges::count_if(name, std::not_fn(is_plain)));
   for (std::size_t number = 0; number < std::size_t{1} << std::min<std::size_t>(odd, 8); ++number) {
     std::string stand_in = name;

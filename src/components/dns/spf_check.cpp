@@ -27,7 +27,7 @@ constexpr std::size_t longest_explanation = 500;
   throw SenderFault(SenderResult::temperror, "no answer from the DNS for " + name);
 }
 
-// What check_host() asks for is a name of at least two labels.
+// check_host() requires a name of at least two labels (RFC 7208, section 4.3).
 bool is_domain(std::string_view name) {
   return is_dns_name(name) && name.find('.') != name.npos;
 }
@@ -167,7 +167,7 @@ class Evaluation {
         addresses.found, [&](const IpAddress& address) { return question_.client.in(address, prefix); });
   }
 
-  // The client's host names whose addresses the client's is among. A failure finds no name.
+  // The client's host names that have the client's address among their own. A failure yields no name.
   const std::vector<std::string>& validated_names() {
     if (validated_names_) return *validated_names_;
     validated_names_.emplace();
@@ -182,7 +182,7 @@ class Evaluation {
     return *validated_names_;
   }
 
-  // The domain itself, else a name below it, else any.
+  // Prefers the domain itself, then a name below it, then any name.
   std::string validated_name(const std::string& domain) {
     if (!validated_names_) count_lookup();
     std::string best = "unknown";
@@ -227,7 +227,7 @@ class Evaluation {
     return text.expand_to_name(values(domain));
   }
 
-  // What the domain tells those whom it does not authorise. Whatever goes wrong, there is none.
+  // The domain's explanation to clients that fail (RFC 7208, section 6.2); empty if anything goes wrong.
   std::string explanation(const Outcome& outcome) {
     if (!outcome.explanation) return {};
     try {

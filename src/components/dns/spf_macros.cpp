@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view domain_letters = "slodiphv";
 constexpr std::string_view explanation_letters = "slodiphvcrt";
 constexpr std::string_view delimiters = ".-+,/_=";
-// No name has more labels.
+// The largest number of labels in a name.
 constexpr std::size_t most_labels = 128;
 
 // toplabel = ( *alphanum ALPHA *alphanum ) / ( 1*alphanum "-" *( alphanum / "-" ) alphanum )

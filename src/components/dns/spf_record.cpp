@@ -40,8 +40,8 @@ bool is_modifier_name(std::string_view name) {
          small.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-_.") == small.npos;
 }
 
-// Takes "/" number off the end of the term's argument; `slashes` is "/" or "//". Nothing if there is
-// none. The number has no leading zeros.
+// Removes a slash (`slashes` is "/" or "//") and a number without leading zeros from the end of the term's
+// argument, and returns the number; nothing if there is none.
 std::optional<unsigned> take_prefix(std::string_view& argument, std::string_view slashes, unsigned greatest,
                                     std::string_view term) {
   constexpr std::size_t most_digits = 3;

@@ -6,7 +6,7 @@ namespace zrl::downloader {
 
 namespace {
 
-// Users are told of files by name; where the folder lies is no concern of theirs.
+// Errors name the file only; users do not need the path of the folder.
 template <typename Step>
 void naming(const std::filesystem::path& path, Step step) {
   try {

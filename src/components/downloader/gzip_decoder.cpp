@@ -28,7 +28,7 @@ void GzipDecoder::decode(std::string_view bytes, const std::function<void(std::s
   stream_.avail_in = static_cast<uInt>(bytes.size());
   bool full = false;
   while (stream_.avail_in > 0 || full) {
-    if (complete_) {  // one compressed part behind the other
+    if (complete_) {  // a file may have several members (RFC 1952)
       inflateReset(&stream_);
       complete_ = false;
     }

@@ -53,7 +53,7 @@ class Transaction {
     if (done_) return;
     try {
       connection_.roll_back();
-    } catch (const Error&) {  // the failure that led here is on its way already
+    } catch (const Error&) {  // the error that led here is more important
     }
   }
 
@@ -72,7 +72,7 @@ std::unique_ptr<RecordSet> row_of(Connection& connection, const PublishedScript&
                          Connection::Access::updatable);
 }
 
-// What is no text for a statement goes through the row.
+// Contents that no statement can hold are written through the record set.
 void replace(Connection& connection, const PublishedScript& script) {
   std::unique_ptr<RecordSet> row = row_of(connection, script);
   if (row->at_end()) {
@@ -130,7 +130,7 @@ void HttpDownloader::run(const UpdateAddress& address, std::span<FetchJob> jobs,
   fetch(jobs, settings);
 }
 
-// Tells what became of each file. An update that brought nothing at all is a failure.
+// The status of each file. An update that fetched no file at all is an error.
 std::string HttpDownloader::conclude(const UpdateAddress& address, const std::vector<FetchJob>& jobs) {
   std::size_t fetched = 0;
   std::string lines;

@@ -60,7 +60,7 @@ long get_number(CURL* easy, CURLINFO info) {
   return value;
 }
 
-// The bytes that all files of a run may have.
+// The bytes that all files of a run may have together.
 struct Budget {
   std::uint64_t left;
 };
@@ -108,7 +108,7 @@ class Transfer {
     } else if (status != 200) {
       fail("the server answers with status " + std::to_string(status));
     } else if (type != nullptr && lower(trim(type)).starts_with("text/html")) {
-      // A page for people, in place of the file: a log-in or an error that calls itself a success.
+      // A page for people in place of the file: a log-in, or an error page with a status of success.
       fail("the server sends a web page");
     } else if (!head_is_complete_ || (decoder_ && !decoder_->is_complete())) {
       fail("the answer ends too early");
@@ -117,7 +117,7 @@ class Transfer {
     }
   }
 
-  // The server was not reached, or said nothing in time.
+  // The server could not be reached, or did not answer in time.
   bool was_unanswered(CURLcode code) const {
     curl_off_t asked = 0;
     curl_easy_getinfo(handle(), CURLINFO_PRETRANSFER_TIME_T, &asked);
@@ -136,12 +136,12 @@ class Transfer {
     CURL* easy = handle();
     const Limits& limits = settings_.limits;
     set(easy, CURLOPT_NOSIGNAL, 1L);
-    set(easy, CURLOPT_QUICK_EXIT, 1L);  // a look-up that hangs must not hold us
+    set(easy, CURLOPT_QUICK_EXIT, 1L);  // a look-up that hangs must not delay the end
     set(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count()));
     set(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(std::max(time, milliseconds(1)).count()));
     set(easy, CURLOPT_LOW_SPEED_LIMIT, limits.least_speed);
     set(easy, CURLOPT_LOW_SPEED_TIME, static_cast<long>(limits.stall.count()));
-    // Only what a server announces and does not compress; count() does the rest.
+    // Covers only uncompressed files whose size is announced; count() checks the others.
     set(easy, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(job_.byte_limit));
   }
 

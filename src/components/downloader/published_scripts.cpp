@@ -54,7 +54,7 @@ class Reader {
     refuse("object " + std::to_string(number_) + ": " + why);
   }
 
-  // Nothing that would end a text inside a statement, and nothing that nobody can type.
+  // No character that ends a text in a statement, and no control characters.
   static bool is_plain(std::string_view text) { return !has_controls(text) && text.find('\'') == text.npos; }
 
   std::string name() const {

@@ -17,13 +17,13 @@ namespace zrl::html {
 
 namespace {
 
-// Elements whose content is no text that a reader sees. Their end is the next end tag of their name.
+// Elements whose content readers do not see. They end at the next end tag of the same name.
 constexpr std::array hidden = {std::string_view("iframe"),   std::string_view("noembed"),
                                std::string_view("noframes"), std::string_view("script"),
                                std::string_view("style"),    std::string_view("template"),
                                std::string_view("title")};
 
-// What begins and ends a line of its own.
+// Elements that begin and end a line.
 constexpr std::array blocks = {
     std::string_view("address"),  std::string_view("article"), std::string_view("aside"),
     std::string_view("body"),     std::string_view("caption"), std::string_view("center"),
@@ -51,14 +51,14 @@ bool is_one_of(const std::array<std::string_view, size>& sorted, std::string_vie
 }
 
 constexpr std::string_view name_ends = " \t\r\n\f/>";
-// Of those that mean something.
+// Of the elements that are treated here.
 constexpr std::size_t longest_name = 16;
 constexpr std::size_t longest_entity = 8;
 
 constexpr std::uint32_t no_break_space = 0xA0;
 constexpr std::uint32_t beyond_unicode = 0x110000;
 
-// Numbers of control characters are those that authors take from Windows-1252.
+// Numbers of control characters mean the characters of Windows-1252, as in browsers.
 std::string utf8_of(std::uint32_t c) {
   if (c <= 0xFF) c = windows_1252_character(static_cast<unsigned char>(c));
   std::string result;

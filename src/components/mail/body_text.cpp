@@ -21,8 +21,8 @@ std::string decoded(std::string_view content, GMimeContentEncoding kind, std::si
   const auto decode = [&](std::string_view chunk) {
     result.append(out.data(), g_mime_encoding_step(&state, chunk.data(), chunk.size(), out.data()));
   };
-  // Padding ends base64. Of what follows it, and of too little of it, releases of the library make different
-  // things.
+  // Padding ends base64. Releases of the library differ in what they make of text after it, and of missing
+  // padding.
   const std::size_t padding = kind == GMIME_CONTENT_ENCODING_BASE64 ? content.find('=') : content.npos;
   content = content.substr(0, padding);
   while (!content.empty() && result.size() < limit) {

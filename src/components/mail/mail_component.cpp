@@ -29,7 +29,7 @@ std::vector<Mailbox> mailboxes(const std::string& text, const std::string& what)
   return std::move(list.mailboxes);
 }
 
-// The system's look-up knows nothing of the servers that the console was told to ask alone.
+// The system's look-up does not know the servers to which the console's look-up is restricted.
 std::vector<std::string> addresses_where_servers_are_named(ConsoleServices& console,
                                                            const std::string& host) {
   in6_addr bytes;

@@ -27,15 +27,15 @@ std::string one_line(std::string_view text, std::size_t limit) {
   return std::string(trim(cut_between_characters(result, limit)));
 }
 
-// What the library takes for the end of a text is none in a mail.
+// The library ends a text at a zero byte, which a mail may contain.
 std::string without_controls(const std::string& field) {
   std::string result = field;
   std::ranges::replace_if(result, is_control, ' ');
   return result;
 }
 
-// A field in UTF-8, its encoded words decoded; bytes that should not be there are taken for text as a
-// body's are.
+// A field in UTF-8, its encoded words decoded; bytes beyond ASCII are decoded like those of a body without a
+// character set.
 std::string decoded(const std::string& field) {
   return one_line(decode_encoded_words(body_text(without_controls(field), {}, 2 * longest_field)),
                   longest_field);
@@ -45,7 +45,7 @@ std::string cut(const std::string& text, std::size_t limit) {
   return text.size() <= limit ? text : one_line(text, limit);
 }
 
-// The entry as the text of a mailbox, so that it can be read again; what is none is only decoded.
+// The entry as the text of a mailbox that can be parsed again; an entry that is no mailbox is only decoded.
 std::string decoded_entry(std::string_view entry) {
   Mailbox mailbox;
   const std::size_t bracket = entry.rfind('<');
@@ -71,7 +71,7 @@ std::string decoded_mailboxes(const std::string& field) {
   return one_line(result, longest_field);
 }
 
-// What is no type counts as plain text (RFC 2045, section 5.2).
+// An invalid type counts as plain text (RFC 2045, section 5.2).
 std::string content_type(const std::string& field) {
   const std::size_t slash = field.find('/');
   return slash < field.find(';') ? without_controls(field) : "text/plain";
@@ -115,7 +115,7 @@ class BodySearch {
     });
   }
 
-  // A disposition that nobody knows counts as an attachment (RFC 2183, section 2.8).
+  // An unknown disposition counts as an attachment (RFC 2183, section 2.8).
   static bool is_attachment(const MimeEntity& entity) {
     const std::string& field = entity.field(MimeField::content_disposition);
     if (trim(field).empty()) return false;

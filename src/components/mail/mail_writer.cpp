@@ -41,7 +41,7 @@ std::string canonical(std::string_view body) {
   return valid_utf8(result);
 }
 
-// The library's choice overlooks a long last line.
+// The library's own choice overlooks a long last line.
 GMimeContentEncoding encoding_for(std::string_view content) {
   std::size_t foreign = 0;
   std::size_t longest = 0;
@@ -83,8 +83,8 @@ std::string one_line(std::string_view subject) {
   return std::string(trim(result));
 }
 
-// The library's own writer leaves alone what looks like an encoded word, and lines of any length, and
-// its encoded words are longer than they may be. So subject and addresses are written here.
+// Subject and addresses are written here, because the library's own writer does not encode what looks like an
+// encoded word, does not fold long lines, and makes encoded words that are too long.
 bool is_plain(std::string_view text) {
   return text.size() <= longest_plain_text && text.find("=?") == text.npos &&
          std::ranges::all_of(text, [](char c) { return c >= ' ' && c < '\x7F'; });

@@ -62,7 +62,7 @@ bool is_ipv6(std::string_view host) {
   return host.find(':') != host.npos;
 }
 
-// The host as it stands in an address.
+// The host in the form for a URL.
 std::string url_host(std::string_view host) {
   if (host.starts_with('[') || !is_ipv6(host)) return std::string(host);
   return "[" + std::string(host) + "]";
@@ -93,7 +93,7 @@ class NoPipeSignal {
   sigset_t before_{};
 };
 
-// The conversation with the server, as the library tells of it.
+// The conversation with the server, followed through the library's callbacks.
 class Conversation {
  public:
   Conversation(const SmtpDelivery& delivery, const std::atomic<bool>& cancelled)
@@ -103,7 +103,7 @@ class Conversation {
     prepare();
     const NoPipeSignal no_signal;
     const CURLcode code = curl_easy_perform(handle_.get());
-    // What happens after the server has taken the mail over changes nothing.
+    // The mail is delivered once the server has accepted it, whatever fails afterwards.
     if (accepted_) return;
     if (cancelled_) throw Error(CURLE_ABORTED_BY_CALLBACK, "the sending was stopped");
     if (code_ >= 400) throw Error(code_, "the server refused it: " + printable(reply_));
@@ -164,7 +164,7 @@ class Conversation {
   bool reply_is_complete_ = true;
   int code_ = 0;
   bool accepted_ = false;
-  bool over_ = false;  // the farewell has been said; nobody waits for an answer
+  bool over_ = false;  // QUIT has been sent, and its reply is not waited for
 };
 
 void Conversation::prepare() {
@@ -173,9 +173,9 @@ void Conversation::prepare() {
   const std::string port = std::to_string(delivery_.server.port);
   set(handle_, CURLOPT_URL, ("smtp://" + host + ":" + port).c_str());
   set(handle_, CURLOPT_PROTOCOLS_STR, "smtp");
-  set(handle_, CURLOPT_PROXY, "");  // whatever the environment says
+  set(handle_, CURLOPT_PROXY, "");  // even if the environment names one
   set(handle_, CURLOPT_NOSIGNAL, 1L);
-  // The library then says goodbye within the transfer, whose time is bounded.
+  // The library then sends QUIT within the transfer, whose time is bounded.
   set(handle_, CURLOPT_FORBID_REUSE, 1L);
   if (!delivery_.addresses.empty()) {
     std::string entry = host + ":" + port + ":";

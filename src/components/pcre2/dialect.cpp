@@ -35,7 +35,7 @@ constexpr int invalid_range = 5021;
 }
 
 constexpr std::uint32_t greatest_count = 65535;  // of PCRE2's quantifiers
-constexpr std::uint32_t beyond_count = 100'000;  // counts as without end
+constexpr std::uint32_t beyond_count = 100'000;  // counts as unbounded
 
 // Folding a range costs time for each of its characters; a pattern of nothing but wide ranges would
 // take minutes.
@@ -246,7 +246,7 @@ void Translator::put_counts(const Counts& range) {
   out_ += '}';
 }
 
-// A quantifier in braces, if one follows; other braces stand for themselves.
+// A quantifier in braces, if one follows; other braces are literals.
 std::optional<Translator::Counts> Translator::counts() const {
   if (rest_.empty() || rest_.front() != '{') return std::nullopt;
   std::size_t at = 1;
@@ -272,7 +272,7 @@ std::optional<Translator::Counts> Translator::counts() const {
 }
 
 void Translator::character(char32_t c) {
-  // No well-formed text holds half a pair.
+  // Half a surrogate pair never occurs in well-formed text.
   if (is_surrogate(c) && !target_.units16) {
     out_ += "[]";
   } else {
@@ -281,7 +281,7 @@ void Translator::character(char32_t c) {
   quantify();
 }
 
-// A character that stands for itself, inside and outside of classes.
+// Writes a literal character, inside or outside of a class.
 void Translator::put(char32_t c) {
   if (is_digit(c) || is_letter(c) || c == '_') {
     out_ += static_cast<char>(c);
@@ -386,8 +386,8 @@ std::optional<char32_t> Translator::hex(std::size_t digits) {
   return value;
 }
 
-// What stands behind a backslash and is neither a set, an assertion nor a reference. Letters that
-// mean nothing stand for themselves.
+// The character after a backslash that begins neither a set, an assertion nor a reference. Letters without a
+// meaning are literals.
 char32_t Translator::escaped_character() {
   if (const std::optional<char32_t> value = octal()) return *value;
   const char32_t c = next();

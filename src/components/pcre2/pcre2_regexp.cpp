@@ -13,7 +13,7 @@ namespace zrl::pcre2 {
 
 namespace {
 
-// The compiled patterns of one width that were used last.
+// A cache of the compiled patterns of one width: the least recently used ones are dropped.
 template <typename Unit>
 class PatternCache {
  public:

@@ -9,7 +9,7 @@ namespace zrl::pcre2 {
 
 namespace {
 
-// What one slice may cost at most, in units of text that are run through. The estimates are high.
+// The highest cost of one slice, in units of text that are run through. The estimates are upper bounds.
 constexpr std::size_t slice_cost = 4'000'000'000;
 constexpr std::size_t least_steps = 10;
 constexpr std::size_t greatest_steps = 10'000'000;

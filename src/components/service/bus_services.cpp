@@ -39,7 +39,7 @@ Unit read_unit(const BusMessage& reply) {
   return unit;
 }
 
-// The first unit of the reply that is the service's and is there.
+// The first unit of the reply that belongs to the service and exists.
 Unit find_unit(const BusMessage& reply, std::string_view service) {
   Unit found;
   each_struct(reply, "ssssssouso", [&] {
@@ -58,7 +58,7 @@ Unit loaded_unit(const SystemBus& bus, std::string_view service) {
   return find_unit(bus.call(call), service);
 }
 
-// The name of the first unit file that is the service's.
+// The name of the first unit file that belongs to the service.
 std::string unit_file(const SystemBus& bus, std::string_view service) {
   const BusMessage call = bus.new_call("ListUnitFilesByPatterns");
   append_texts(call, {});
@@ -76,8 +76,8 @@ std::string unit_file(const SystemBus& bus, std::string_view service) {
   return found;
 }
 
-// The manager forgets stopped units, but reads their files when they are asked for by name. A name
-// that is an alias is answered with the unit's own.
+// The manager unloads stopped units, but loads them again when they are asked for by name. For an alias it
+// answers with the unit's own name.
 Unit unit_of(const SystemBus& bus, std::string_view service) {
   if (!can_be_unit(service)) return {};
   Unit unit = loaded_unit(bus, service);

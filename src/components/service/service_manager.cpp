@@ -6,7 +6,7 @@ namespace zrl::service {
 
 namespace {
 
-// The bus, and the program where that fails for any other reason than that there is no such service.
+// Uses the bus, and the program if the bus fails for any other reason than an unknown service.
 class Services : public ServiceManager {
  public:
   Services(RunProgram run, std::chrono::milliseconds time_limit)

@@ -43,7 +43,7 @@ SystemBus::SystemBus(std::chrono::milliseconds time_limit)
   connect();
 }
 
-// Left to itself the library gives a bus that does not let us in a minute and a half.
+// By default the library waits 90 s for a bus that does not complete the authentication.
 void SystemBus::connect() {
   for (;;) {
     const int ready = sd_bus_is_ready(bus_.get());
@@ -57,7 +57,7 @@ void SystemBus::connect() {
   }
 }
 
-// Never 0, which would stand for the library's own time limit.
+// Never 0, which means the library's default time limit.
 std::uint64_t SystemBus::microseconds_left() const {
   using std::chrono::microseconds;
   const auto left = std::chrono::duration_cast<microseconds>(end_ - std::chrono::steady_clock::now());

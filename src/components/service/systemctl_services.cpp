@@ -18,7 +18,7 @@ void take_property(std::string_view line, Unit& unit) {
   if (name == "Job") unit.has_job = to_number(value).value_or(0) != 0;
 }
 
-// The first unit that is there of those that "systemctl show" tells of, an empty line between them.
+// The first existing unit in the output of "systemctl show", which separates units by an empty line.
 Unit first_unit(std::string_view text) {
   Unit unit;
   while (!text.empty()) {
@@ -38,7 +38,7 @@ Unit first_unit(std::string_view text) {
 
 }  // namespace
 
-// The pattern finds loaded units only; others are found by their names as people write them.
+// The pattern finds loaded units only; others are looked for under the service's name as given.
 Unit SystemctlServices::unit_of(std::string_view service) const {
   if (!can_be_unit(service)) return {};
   return first_unit(

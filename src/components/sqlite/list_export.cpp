@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 constexpr std::size_t buffer_size = std::size_t{256} << 10;
 constexpr std::uint64_t report_interval = 32768;
 
-// Lines on their way into a new file.
+// Writes lines into a new file.
 class ListFile {
  public:
   explicit ListFile(const fs::path& path) : path_(path), file_(path) {}
@@ -30,7 +30,7 @@ class ListFile {
     buffer_ += '\n';
   }
 
-  // False if the name is taken and must not be.
+  // False if a file has the name and must not be replaced.
   bool publish(bool overwrite) {
     flush();
     if (!file_.publish(overwrite ? NewFile::IfTaken::replace : NewFile::IfTaken::keep)) return false;

@@ -75,7 +75,7 @@ bool ListReader::next_line(std::string_view& line) {
   return true;
 }
 
-// Reads on behind what is held, which moves to the front; false at the end of the file.
+// Moves the unread bytes to the front of the buffer and fills the rest; false at the end of the file.
 bool ListReader::fill() {
   std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
   end_ -= begin_;

@@ -14,7 +14,7 @@ namespace zrl::sqlite {
 
 namespace {
 
-// Below this a file is worked off line by line; above, sets and sorting pay.
+// Shorter files are processed line by line; for longer ones, sets and sorting pay off.
 constexpr std::int64_t bulk_entries = 5000;
 constexpr std::uint64_t most_entries = 0xFFFFFFFF;
 constexpr std::uint64_t report_interval = 32768;
@@ -132,9 +132,8 @@ Query Work::addition_of_missing() {
                        table_ + " WHERE " + column_ + "=?1)"};
 }
 
-// Tells for each entry of the file whether it is to be added: it stands there for the first time,
-// and the table lacks it. A file of too many entries is read several times, each pass caring for
-// a part of them.
+// For each entry of the file, whether it is to be added: it is the first of its kind in the file, and the
+// table lacks it. A file with too many entries is read several times, and each pass covers a part of them.
 std::vector<bool> Work::new_entries(ListReader& reader) {
   std::vector<bool> result(static_cast<std::size_t>(entries_));
   const EntryHasher hasher;
@@ -231,7 +230,7 @@ std::int64_t Work::count_rows() {
   return engine_.number(("SELECT count(*) FROM " + table_).c_str());
 }
 
-// Filling or emptying a table is quicker without its indexes, which are made anew afterwards.
+// Filling or emptying a table is faster without its indexes, which are created again afterwards.
 std::vector<std::string> Work::drop_indexes() {
   Query query(
       engine_,

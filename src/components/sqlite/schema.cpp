@@ -31,7 +31,7 @@ struct Object {
   std::string sql;
 };
 
-// The statements of the text, taken apart by the engine itself: it knows best where one ends.
+// The statements of the text, split by the engine itself, which knows where a statement ends.
 std::vector<Object> objects_of(Engine& model) {
   std::vector<Object> result;
   Query query(
@@ -65,7 +65,7 @@ void add_missing_columns(Engine& engine, Engine& model, const std::string& table
   }
 }
 
-// A table that was made by hand may hold values twice which ours could not; then it keeps them.
+// A table that was made by hand may have duplicates; they are kept, and the index is not unique then.
 void create_index(Engine& engine, std::string sql) {
   try {
     engine.run(sql.c_str());

@@ -71,7 +71,7 @@ void remove(Session& session, Literal table, Literal column, std::string_view en
   deletion->bind(1, entry).run();
 }
 
-// An entry that is there keeps its place; what stands behind it a second time goes.
+// An entry that exists keeps its first row; further rows with it are deleted.
 void add_once(Session& session, Literal table, Literal column, std::string_view entry) {
   const std::string list = quoted_name(table.text());
   const std::string name = quoted_name(column.text());
@@ -96,7 +96,7 @@ void move_entry(Literal from, Literal to, Literal column, std::string_view entry
 
 void add_word(Literal table, std::string_view word, const ConnectionHandle& conn) {
   Session& session = session_of(conn, Engine::Use::write);
-  // It would be found in every mail.
+  // An empty keyword would be found in every mail.
   if (trim(word).empty()) throw Error(error_number::invalid_property_value, "an empty keyword");
   Atomic atomic(session.engine);
   add_once(session, table, "entry", word);
@@ -296,7 +296,7 @@ std::filesystem::path SqliteDatabase::path_of(std::string_view provider) const {
 }
 
 void SqliteDatabase::with_own(const std::function<void(Session&)>& action) {
-  // The report of the progress may let events run that come back here.
+  // Reporting progress may run events that call this again.
   if (own_is_busy_) throw Error(SQLITE_BUSY, "another list is being transferred");
   std::string provider = console_.data_provider();
   if (!own_ || provider != own_provider_) {

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 constexpr int checkpoint_pages = 2000;
 
-// The file may come from anywhere: what its schema or its rows ask for must stay within bounds.
+// The file may come from anywhere, so limits apply to what its schema and its rows can cause.
 constexpr std::pair<int, int> limits[] = {
     {SQLITE_LIMIT_LENGTH, 256 << 20},
     {SQLITE_LIMIT_SQL_LENGTH, 1 << 20},
@@ -98,7 +98,7 @@ void Engine::configure(const Options& options) {
   }
 }
 
-// Changing to the write-ahead mode is the one thing that does not wait for other processes.
+// Changing to the write-ahead mode is the only operation that does not wait for other processes by itself.
 void Engine::use_write_ahead_log(const Options& options) {
   const auto until = std::chrono::steady_clock::now() + options.busy_timeout;
   bool write_ahead = false;
@@ -226,7 +226,7 @@ Query::~Query() {
   sqlite3_finalize(handle_);
 }
 
-// A null pointer would bind a null, which an empty view may carry.
+// An empty view may have a null pointer, which would bind a null.
 Query& Query::bind(int parameter, std::string_view text) {
   check(sqlite3_bind_text64(handle_, parameter, text.empty() ? "" : text.data(), text.size(), SQLITE_STATIC,
                             SQLITE_UTF8));
@@ -260,7 +260,7 @@ std::int64_t Query::run() {
   return sqlite3_changes64(engine_->handle());
 }
 
-// The blob function spares the copy that a terminating zero byte would cost.
+// The blob function avoids the copy that a terminating zero byte would need.
 std::string_view Query::text(int column) const {
   const bool as_it_is = engine_->stores_utf8() || sqlite3_column_type(handle_, column) == SQLITE_BLOB;
   const void* bytes = as_it_is ? sqlite3_column_blob(handle_, column) : sqlite3_column_text(handle_, column);

@@ -70,7 +70,7 @@ std::optional<TableSelect> table_select(std::string_view skeleton) {
   const auto starts_with = [&](std::string_view word) { return Words(rest).accept(word); };
   if (table.empty() || !(rest.empty() || starts_with("where") || starts_with("order"))) return std::nullopt;
   TableSelect result{table, std::string(rest)};
-  // Without an order rows come as they were inserted; their keys alone might come out of an index.
+  // Without an order, rows are expected as inserted; a query for their keys alone might follow an index.
   if (lower(rest).find("order by ") == std::string::npos) result.rest += " ORDER BY rowid";
   return result;
 }
@@ -132,7 +132,7 @@ bool SqliteRecordSet::open_keys(const Statement& select, Connection::Access acce
     if (!parts) throw Error(SQLITE_ERROR, "the statement selects no whole rows of one table");
     std::string keys = "SELECT rowid FROM ";
     keys.append(parts->table).append(" ").append(parts->rest);
-    // Left to itself the engine would take the keys from whichever index is smallest.
+    // Otherwise the engine would read the keys from the smallest index, in its order.
     const std::string rest = lower(parts->rest);
     if (rest.find("order by") == rest.npos && rest.find("limit") == rest.npos) keys += " ORDER BY rowid";
     const Loan rows = session_->statements.prepare(keys, select);
@@ -142,7 +142,7 @@ bool SqliteRecordSet::open_keys(const Statement& select, Connection::Access acce
     }
     keys_.shrink_to_fit();
   } catch (const Error& error) {
-    // A view or a table without row keys can still be read.
+    // A view, or a table without row ids, can still be read row by row.
     if (error.number() != SQLITE_ERROR || access == Connection::Access::updatable) throw;
     keys_.clear();
     return false;
@@ -236,8 +236,8 @@ void SqliteRecordSet::fetch(Column& column) {
   if (present && !column.large && !column.wanted) column.wanted = wants_changed_ = true;
 }
 
-// Makes the block cover the current row, if any columns are wanted at all. The block is not
-// changed again before the set moves: views into it have been handed out.
+// Makes the block cover the current row, if any columns are wanted at all. The block does not change again
+// before the set moves, because callers hold views into it.
 void SqliteRecordSet::prepare_row() {
   const bool covered = !wants_changed_ && block_changes_ == session_->engine.total_changes() &&
                        position_ >= block_first_ &&

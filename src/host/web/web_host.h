@@ -48,7 +48,7 @@ class WebHost {
   // Serves until stop(), and returns when all sessions have ended. An action that does not let events run
   // delays that until it has ended.
   void run();
-  // Ends run(); may be called from any thread, more than once.
+  // Asks run() to end; from any thread. Does not wait for it.
   void stop();
 
  private:

@@ -9,7 +9,7 @@ namespace zrl {
 
 namespace {
 
-// Where the operator of the default black list takes reports.
+// Where the operator of the default black list receives reports.
 constexpr std::string_view report_address = "relays@mirvan.example";
 
 }  // namespace
@@ -59,7 +59,7 @@ void BlockListPage::remove(const ListTable& list) {
   fill_lists();
 }
 
-// The field may be changed, and the page left, while the zones are asked.
+// The field may change, and the page may be left, while the zones are asked.
 void BlockListPage::test() {
   const std::string text = Text2.text();
   const bool is_address = is_ip_address(text);

@@ -7,7 +7,7 @@ namespace zrl {
 
 namespace {
 
-// "mail.sub.example.com" becomes "example.com"; a single label stays.
+// "example.com" of "mail.sub.example.com"; a single label stays as it is.
 std::string_view last_two_labels(std::string_view name) {
   const std::size_t last = name.rfind('.');
   if (last == name.npos || last == 0) return name;

@@ -36,14 +36,14 @@ void ExceptionPage::fill_lists() {
   load_switches();
 }
 
-// Without a deletion first: an entry that is added twice is stored twice.
+// Nothing is deleted first, so an entry that is added twice is stored twice.
 void ExceptionPage::add() {
   const std::string_view entry = trim(Text1.text());
   if (!entry.empty()) execute(insert_into(list_of(entry), entry));
   fill_lists();
 }
 
-// Blanks take empty entries, which imports may have brought, off the list of domains.
+// A field of blanks removes empty entries, which may exist in the table, from the list of domains.
 void ExceptionPage::remove() {
   const std::string_view entry = trim(Text1.text());
   if (!Text1.text().empty()) execute(delete_from(list_of(entry), entry));

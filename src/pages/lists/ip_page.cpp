@@ -61,8 +61,8 @@ void IpPage::change(bool (DatabaseClient::*operation)(std::string_view)) {
   fill_lists();
 }
 
-// Black-listing from headers and blocking reports exclude each other; switching the one off leaves
-// the other alone.
+// Black-listing from headers and blocking reports exclude each other; switching one off does not
+// change the other.
 void IpPage::click_autobl() {
   set_option("autoBLheader", autobl.value());
   if (autobl.checked()) set_option("blockndr", 0);

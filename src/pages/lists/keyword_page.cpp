@@ -126,8 +126,7 @@ void KeywordPage::remove(const List& list) {
   fill_lists();
 }
 
-// The second statement selects no row, whatever the table holds; it belongs to the sequence all the
-// same.
+// The second statement never selects a row; it is kept because the sequence of statements is fixed.
 void KeywordPage::purge(const List& list) {
   execute(delete_from(list.table, ""));
   execute("DELETE FROM " + list.table.table + " where entry=NULL");

@@ -48,7 +48,7 @@ void ListPage::fill_list_boxes() {
   }
 }
 
-// The dialog keeps the page waiting where it is modal.
+// Returns when the dialog is closed if the host shows dialogs modal, else at once.
 void ListPage::open_transfer(const List& list) {
   console().show(std::make_shared<TransferDialog>(console(), list.table, list.title));
 }
@@ -57,7 +57,7 @@ void ListPage::click_item(TextField& entry, std::size_t list) {
   BoundList& bound = lists_[list];
   const std::int64_t index = bound.list.box.index();
   entry.set_text(bound.list.box.chosen());
-  // The place is a 16-bit number; an item beyond leaves it as it was.
+  // The index is kept as a 16-bit number; a greater one is not remembered.
   if (index <= std::numeric_limits<std::int16_t>::max()) bound.last_index = static_cast<std::int16_t>(index);
 }
 

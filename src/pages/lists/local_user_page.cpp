@@ -35,7 +35,7 @@ void LocalUserPage::fill_lists() {
   load_switches();
 }
 
-// A user who is added twice stands there twice; the domain stands there once.
+// A user who is added twice is stored twice; the domain is stored once.
 void LocalUserPage::add_user() {
   uemail.set_text(lower(uemail.text()));
   if (uemail.text().find('@') == std::string::npos) return;
@@ -49,7 +49,7 @@ void LocalUserPage::add_user() {
   fill_lists();
 }
 
-// The address is taken as it is written, capital letters too, and its domain stays local.
+// The address is used as written, capital letters included, and its domain stays local.
 void LocalUserPage::remove_user() {
   if (uemail.text().find('@') == std::string::npos) return;
   raise_flag("reloadblack");

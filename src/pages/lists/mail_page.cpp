@@ -41,7 +41,7 @@ void MailPage::fill_lists() {
   fill_list_boxes();
 }
 
-// Without a deletion first: an address that is added twice is stored twice. The flags are raised
+// Nothing is deleted first, so an address that is added twice is stored twice. The flags are raised
 // even if nothing was stored.
 void MailPage::add(const List& own, const List& other, const ListTable& other_domains) {
   mail.set_text(lower(mail.text()));

@@ -44,7 +44,7 @@ std::vector<ListFile> all_list_files() {
                  mail_list_files()});
 }
 
-// The add file of the extensions has no ending.
+// The file with extensions to add is published without ".txt".
 std::vector<ListFile> attachment_list_files() {
   return {
       {drop, list::file_names, "\\download\\delfiles.txt"},
@@ -72,12 +72,12 @@ std::vector<ListFile> address_list_files() {
   };
 }
 
-// As in the update of all lists, but for the last two, which change places.
+// The last two steps are in the opposite order from that of the update of all lists.
 std::vector<ListFile> keyword_list_files() {
   return joined({first_keyword_files(), {whitened_keywords, withdrawn_white_subjects}});
 }
 
-// Adding comes before deleting here, and nowhere else.
+// Only here are entries added before others are deleted.
 std::vector<ListFile> mail_list_files() {
   return {
       {take, list::black_mails, "\\download\\adduserblack.txt"},

@@ -11,8 +11,8 @@ namespace {
 // Between a word and its replacement in a line of the list.
 constexpr std::string_view separator = " ==>> ";
 
-// The lines of the list. The table may have changed between the reading of its two columns; what
-// has no counterpart is left out.
+// The lines of the list. The table may change between the reading of its two columns; a value without
+// a counterpart is left out.
 StringList lines_of(const StringList& words, const StringList& replacements) {
   StringList lines;
   std::string line;
@@ -58,7 +58,7 @@ void ReplacementPage::choose_pair() {
 }
 
 // The table refuses a second row with the same word, so for a listed word the first statement fails
-// and the second one does the work.
+// and the second one updates it.
 void ReplacementPage::save_pair() {
   Text1.set_text(trim(Text1.text()));
   Text2.set_text(trim(Text2.text()));
@@ -72,7 +72,7 @@ void ReplacementPage::save_pair() {
   fill_lists();
 }
 
-// Words may stand in the table with blanks around them, which clicking a line takes off.
+// Words in the table may have blanks around them, which clicking a line removes.
 void ReplacementPage::remove_pair() {
   if (!Text1.text().empty()) {
     for (const std::string_view word : {std::string_view(Text1.text()), trim(Text1.text())}) {

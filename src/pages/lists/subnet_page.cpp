@@ -7,7 +7,7 @@ namespace zrl {
 
 namespace {
 
-// Trims the field and tells whether it holds a network. The prefix length is cut off by the trimmed
+// Trims the field; true if it holds a network. The prefix length is cut off by the trimmed
 // address's length, so a blank before the slash leaves the slash in it, and the text is refused.
 bool check_subnet(TextField& field) {
   field.set_text(trim(field.text()));
@@ -46,7 +46,7 @@ void SubnetPage::fill_lists() {
   fill_list_boxes();
 }
 
-// Nothing is deleted from the own list before: a network that is added twice stands there twice.
+// Nothing is deleted from the network's own list first, so a network that is added twice is stored twice.
 void SubnetPage::add(const List& own, const List& other) {
   if (!check_subnet(subin)) {
     show_error("Please refer to your manual", "Incorrect Syntax");

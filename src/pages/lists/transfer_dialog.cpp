@@ -7,7 +7,7 @@ namespace zrl {
 
 namespace {
 
-// A folder and a name. People write either separator.
+// The path has a folder and a name; both separators are accepted.
 bool names_a_file(std::string_view path) {
   constexpr std::string_view separators = "\\/";
   return path.find_first_of(separators) != path.npos && separators.find(path.back()) == separators.npos;

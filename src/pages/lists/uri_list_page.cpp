@@ -43,8 +43,8 @@ void UriListPage::remove() {
   fill_lists();
 }
 
-// The text may be changed, and the page left, while the zones are asked. The last answer goes first,
-// so that it does not pass for this one.
+// The text may change, and the page may be left, while the zones are asked. The last answer is removed first,
+// so that it is not mistaken for the new one.
 void UriListPage::test() {
   uriresult.set_caption("");
   ask(check_, "send to " + std::string(checks::surbl), [this, text = Text2.text()](CheckPlugin& check) {

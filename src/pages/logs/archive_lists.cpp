@@ -26,7 +26,7 @@ void ArchiveLists::fill() {
   box_.set_items(std::move(shown));
 }
 
-// The second statement is sent for the address lists too, where it can match nothing.
+// The second statement is executed for the address lists too, where it matches nothing.
 bool ArchiveLists::remove_entry() {
   if (entry_.text().empty() || touched_ == nullptr) return false;
   steps_.execute(delete_from(touched_->list, entry_.text()));

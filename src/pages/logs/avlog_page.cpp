@@ -98,7 +98,7 @@ void AvlogPage::unlist_sender(std::string_view sender, const ListTable& first, c
   for (const ListTable& list : {first, second}) execute(delete_from(list, lower(trim(sender))));
 }
 
-// All addresses and a single one differ in their orders.
+// The order of the steps differs from that for a single address, on purpose.
 void AvlogPage::list_all_addresses(IpStatus status) {
   const StringList addresses = ip.items();
   for (std::size_t i = 0; i < addresses.size(); ++i) {

@@ -92,7 +92,7 @@ void IplogPage::delete_from_logs() {
   refresh_log();
 }
 
-// An emptied table is emptied once more in another dialect, whichever the database accepts.
+// The table is emptied by statements of two SQL dialects, since a database may accept only one of them.
 void IplogPage::clear_list() {
   if (status_filter_.empty()) {
     execute("DELETE FROM iplog");

@@ -102,12 +102,12 @@ void KeywordlogPage::list_client(IpStatus status) {
   delete_rows({"subjectlog", "bodylog"}, "IPNumber", lower(ip.text()));
 }
 
-// Whatever was listed, the rows that go are those of the sender.
+// Whatever was put on a list, the sender's rows are the ones that are deleted.
 void KeywordlogPage::forget_sender() {
   delete_rows({"subjectlog", "bodylog"}, "mailfrom", lower(mfrom.text()));
 }
 
-// Frees the other button, so that this one waits for the next look-up.
+// Enables the other button; this one stays disabled until the next look-up.
 void KeywordlogPage::whitelist_host() {
   if (shost.text().empty()) return;
   Command10.set_enabled(false);

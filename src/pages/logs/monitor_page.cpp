@@ -15,7 +15,7 @@ namespace zrl {
 
 namespace {
 
-// Every line of the text with the mark of a quotation.
+// The text with "> " before every line.
 std::string quotation_of(std::string_view text) {
   std::string result;
   while (!text.empty()) {
@@ -221,7 +221,7 @@ void MonitorPage::export_mail(RecordSet& record) {
   });
 }
 
-// From its source as it is stored: the field on the page holds valid characters only.
+// Parses the stored source, because the field on the page holds valid UTF-8 only.
 Mail MonitorPage::read_shown_mail() {
   Mail parsed;
   const auto message = component<MailMessage>();

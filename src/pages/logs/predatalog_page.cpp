@@ -87,7 +87,7 @@ void PredatalogPage::refresh_reasons() {
 
 void PredatalogPage::refresh_addresses() {
   if (!reason_filter_.empty()) {
-    // A click while the list is being built starts another build, which then is the only one.
+    // A click while the list is being filled starts again, and the earlier call stops.
     const std::uint64_t build = ++address_builds_;
     IPNumber.set_text("");
     ip.clear();
@@ -190,7 +190,7 @@ void PredatalogPage::telnet() {
   if (!target.empty()) connect_by_telnet(target);
 }
 
-// The addresses as they are listed now: what the user does meanwhile changes nothing of it.
+// Works on a copy of the list, which the user's actions in the meantime do not affect.
 void PredatalogPage::for_each_address(const std::function<void(std::string_view)>& action) {
   const StringList addresses = ip.items();
   for (std::size_t i = 0; i < addresses.size(); ++i) {

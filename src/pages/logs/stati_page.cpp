@@ -19,8 +19,8 @@ std::int64_t StatiPage::Counts::rejected() const {
   return std::int64_t{ip_black} + header_black + body_hits + subject_hits + attachment_hits;
 }
 
-// The share is a text of 15 significant digits before it is cut, so that 29 of 100 is 29 although
-// its double is a little less.
+// The share is written with 15 significant digits before it is cut, so that 29 of 100 yields 29 although
+// the double is slightly less.
 std::string StatiPage::Counts::quota() const {
   if (total == 0) return {};
   constexpr double hundred = 100;

@@ -7,7 +7,7 @@ namespace zrl {
 
 namespace {
 
-// Minutes between two automatic imports, as the check box switches them on.
+// Minutes between two automatic imports: the value that the check box stores.
 constexpr std::int16_t import_interval = 60;
 // Stored intervals below this one are raised to `import_interval`.
 constexpr std::int16_t least_interval = 5;
@@ -72,7 +72,7 @@ void GeneralPage::load_settings() {
   if (Combo1.text().empty()) Combo1.set_text(lower(settings().regread(settings().language_path())));
 
   load_switches({&mx, &removereceipts});
-  read_option("checkbody");  // read as ever, though nothing on the page shows it
+  read_option("checkbody");  // part of the fixed sequence, although no control shows it
   load_switches({&comparemimewithsmtp, &checkforat});
   process_events();
   load_switches({&Check1, &protokoll, &arcbody, &enablepipe, &ehlo, &simulation});
@@ -86,7 +86,7 @@ void GeneralPage::load_autoimport() {
   std::int16_t interval = read_number("autoimport").value_or(import_interval);
   if (interval < 1) interval = 0;
   if (interval > 0 && interval < least_interval) interval = import_interval;
-  // Without a connection nothing is known of the option, and the box stays as it was designed.
+  // Without a connection the option is unknown, and the box keeps its initial state.
   if (conn) autoimport.set_checked(interval > 0);
   process_events();
   set_option("autoimport", interval);

@@ -8,10 +8,10 @@ namespace {
 
 constexpr std::string_view default_interval = "5";
 constexpr std::string_view spam_tag = "[SPAM]";
-// The mail server's instance whose folders take the place of missing ones.
+// The mail server's instance whose folders replace missing ones.
 constexpr unsigned mail_server_instance = 1;
 
-// What the service can't use is stored as empty, which switches that way of delivery off.
+// A value that the service cannot use is stored as empty, which switches that kind of delivery off.
 
 std::string_view accepted_pickup(std::string_view folder) {
   return folder.find(':') == folder.npos ? std::string_view() : folder;
@@ -63,12 +63,12 @@ void PopConfigPage::fill_list() {
   userlist.set_items(rows("pop3", "entry").value_or(StringList()));
 }
 
-// As the table names the account of the form.
+// The account's name in the table.
 std::string PopConfigPage::account() const {
   return username.text() + "," + server.text();
 }
 
-// Emptied first, so that what cannot be read is never another account's.
+// The form is emptied first, so that a value that cannot be read is not that of the account before.
 void PopConfigPage::show_account() {
   const std::string entry(userlist.chosen());
   empty_form();
@@ -94,7 +94,7 @@ void PopConfigPage::show_account() {
 }
 
 // The table refuses a second row of the same name, so for an account that is there the first
-// statement fails and the others do the work.
+// statement fails and the others update the row.
 void PopConfigPage::save_account() {
   if (username.text().empty() || server.text().empty()) return;
   const std::string entry = account();
@@ -124,7 +124,7 @@ void PopConfigPage::save_account() {
   fill_list();
 }
 
-// Where an account names no folder, the service takes the common one: the mail server's own.
+// For an account that names no folder, the service uses the common ones: the mail server's own.
 void PopConfigPage::store_directories() {
   const SmtpDirectories own = settings().smtp_directories(mail_server_instance);
   if (badmail.text().empty() && !own.bad_mail.empty()) set_string("badmail", own.bad_mail);

@@ -52,7 +52,7 @@ void SpfPage::get_spf() {
   spfresult.set_caption("");
   fetch(spfrec, "get_spf_records", &DnsClient::get_spf_records, spfdom.text());
   for (int i = 0; i < most_redirects && is_redirect(spfrec.text()); ++i) {
-    // What could not be followed will not be followed by asking again.
+    // A redirect that could not be followed would fail again.
     if (!fetch(spfrec, "get_redirect", &DnsClient::get_redirect, spfrec.text())) break;
   }
 }

@@ -54,7 +54,7 @@ void StringsPage::load_strings() {
   publish_version();
 }
 
-// Line breaks at the end go with the blanks.
+// Trimming removes line breaks at the end as well as blanks.
 void StringsPage::store_strings() {
   for (const ReplyText& reply : reply_texts) {
     const std::string_view text = trim((this->*reply.field).text());

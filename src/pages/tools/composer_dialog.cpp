@@ -9,7 +9,7 @@ namespace zrl {
 
 namespace {
 
-// 0 if the text is none.
+// 0 if the text is no port number.
 std::uint16_t port_number(std::string_view text) {
   const auto number = to_number(text);
   const bool fits = number && *number > 0 && *number <= std::numeric_limits<std::uint16_t>::max();
