@@ -30,7 +30,7 @@ class KeywordSearch {
   std::string find_regex(const StringList& entries) const;
 
   std::string_view text_;
-  TextIndex index_;  // of the text in small letters
+  TextIndex index_;  // of the text in lower case
   ConsoleServices& console_;
   std::chrono::milliseconds longest_;
 };

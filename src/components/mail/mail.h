@@ -9,7 +9,7 @@
 // Mail messages: read with GMime, sent by SMTP (RFC 5321) with libcurl.
 namespace zrl::mail {
 
-// How long sending may take. Whatever runs out first makes send() raise zrl::Error.
+// How long sending may take. Exceeding any of these makes send() raise zrl::Error.
 struct Limits {
   std::chrono::milliseconds connect{15'000};
   std::chrono::milliseconds reply{60'000};  // to one command, or to the mail; rounded up to whole seconds

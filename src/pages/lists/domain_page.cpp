@@ -63,7 +63,7 @@ void DomainPage::fill_lists() {
   publish_version();
 }
 
-// Reading the field again at each step costs nothing, and the entry is stored as the field shows it.
+// Every step reads the field again, so the entry is stored exactly as the field shows it.
 void DomainPage::add(const List& own, const List& other) {
   Text1.set_text(trim(Text1.text()));
   Text1.set_text(escape_quotes(Text1.text()));
