@@ -12,7 +12,7 @@ namespace zrl::dns {
 // May this client send mail in the name of this domain?
 struct SenderQuestion {
   IpAddress client;
-  std::string domain;  // that publishes the record; the record's relative names and macros refer to it
+  std::string domain;  // that publishes the record; terms without a domain, and macros, refer to it
   std::string record;
   std::string sender;  // LOCAL@DOMAIN
 };

@@ -16,7 +16,7 @@ namespace zrl::command {
 //   FORM.close      close a dialog
 //   answer=ok       how message boxes are answered from now on (or answer=cancel)
 //
-// NAME may be preceded by the name of a form and a dot: "transfer.source=/tmp/x.txt".
+// NAME may be preceded by the name of a form and a dot: "transfer.source=lists/black.txt".
 struct Step {
   enum class Kind { click, text, item, tick, close, answer };
 
