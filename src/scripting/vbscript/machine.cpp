@@ -53,6 +53,7 @@ void Machine::run(std::size_t bottom) {
       return execute(bottom);
     } catch (const Failure& failure) {
       note_place(failure);
+      countdown_ -= instructions_an_error_costs;
       if (!handle(failure, bottom)) throw;
     }
   }

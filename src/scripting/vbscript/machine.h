@@ -209,6 +209,7 @@ class Machine final : public Context {
 
   static constexpr std::size_t deepest_nested = 120;
   static constexpr std::int64_t instructions_between_checks = 20'000;
+  static constexpr std::int64_t instructions_an_error_costs = 100;
 
   EngineHost& host_;
   Limits limits_;
