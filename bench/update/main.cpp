@@ -68,8 +68,7 @@ double imports() {
   for (const Lines& lines : all_lines) published(lines);
   ::sync();
   const double seconds = seconds_of([&] {
-    for (const Lines& lines : all_lines)
-      database->import_("entry", lines.table, published(lines).string());
+    for (const Lines& lines : all_lines) database->import_("entry", lines.table, published(lines).string());
   });
   expect_rows(*database, provider);
   return seconds;
