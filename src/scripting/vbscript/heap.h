@@ -183,16 +183,16 @@ class HeapAllocator {
   HeapAllocator(const HeapAllocator<U>& other) noexcept : heap_(&other.heap()) {}  // NOLINT
 
   T* allocate(std::size_t count) {
-    heap_->charge(count * sizeof(T));
+    heap_->charge(count * item_bytes);
     try {
       return std::allocator<T>().allocate(count);
     } catch (...) {
-      heap_->refund(count * sizeof(T));
+      heap_->refund(count * item_bytes);
       throw;
     }
   }
   void deallocate(T* block, std::size_t count) noexcept {
-    heap_->refund(count * sizeof(T));
+    heap_->refund(count * item_bytes);
     std::allocator<T>().deallocate(block, count);
   }
   Heap& heap() const { return *heap_; }
@@ -202,6 +202,9 @@ class HeapAllocator {
   }
 
  private:
+  static constexpr std::size_t item_bytes =
+      sizeof(T);  // NOLINT(bugprone-sizeof-expression): T may be a pointer
+
   Heap* heap_;
 };
 
