@@ -54,14 +54,24 @@ function(zrl_reuse target name)
   endif()
 endfunction()
 
+# zrl_outer(TARGET) is for the sources around the large header libraries of the network and the command line. Where
+# sanitizers are built in, optimising those takes longer than running the result ever does.
+function(zrl_outer target)
+  if(ZRL_SANITIZE AND NOT ZRL_FUZZ)
+    target_compile_options(${target} PRIVATE -O0 -g0)
+    set_target_properties(${target} PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)
+  endif()
+endfunction()
+
 # zrl_reuse_below(FOLDER NAME) calls zrl_reuse for all libraries of a folder and its subfolders that have no
-# precompiled headers of their own.
+# precompiled headers of their own and may have some.
 function(zrl_reuse_below folder name)
   get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
   foreach(target IN LISTS targets)
     get_target_property(type ${target} TYPE)
     get_target_property(own ${target} PRECOMPILE_HEADERS)
-    if(type MATCHES "^(STATIC|SHARED|OBJECT)_LIBRARY$" AND NOT own AND NOT target STREQUAL name)
+    get_target_property(none ${target} DISABLE_PRECOMPILE_HEADERS)
+    if(type MATCHES "^(STATIC|SHARED|OBJECT)_LIBRARY$" AND NOT own AND NOT none AND NOT target STREQUAL name)
       zrl_reuse(${target} ${name})
     endif()
   endforeach()
