@@ -1,0 +1,49 @@
+#include "core/contracts/console_folder.h"
+
+#include <algorithm>
+#include <system_error>
+
+namespace zrl::console_folder {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool is_within(const fs::path& path, const fs::path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
+}
+
+}  // namespace
+
+fs::path lists(const fs::path& folder) {
+  return folder / "lists";
+}
+
+fs::path downloads(const fs::path& folder) {
+  return folder / "download";
+}
+
+fs::path archive(const fs::path& folder) {
+  return folder / "archive";
+}
+
+fs::path scripts(const fs::path& folder) {
+  return folder / "scripts";
+}
+
+fs::path secrets(const fs::path& folder) {
+  return folder / "secrets";
+}
+
+bool is_own(const fs::path& folder, const fs::path& path) {
+  std::error_code failure;
+  const fs::path whole = fs::weakly_canonical(fs::absolute(folder, failure), failure);
+  const fs::path target = failure ? fs::path() : fs::weakly_canonical(fs::absolute(path, failure), failure);
+  if (failure) return true;
+  if (!is_within(target, whole)) return false;
+  const fs::path for_people[] = {lists(whole), downloads(whole), archive(whole)};
+  return std::none_of(std::begin(for_people), std::end(for_people),
+                      [&](const fs::path& part) { return is_within(target, part); });
+}
+
+}  // namespace zrl::console_folder
