@@ -77,17 +77,17 @@ export class Console {
     return execFileSync(program, ['--folder', this.folder, ...args], { encoding: 'utf8' })
   }
 
-  sql(statement) {
-    return execFileSync('sqlite3', ['-cmd', '.timeout 5000', join(this.folder, 'proxy.db'), statement], {
+  sql(statement, database = 'proxy.db') {
+    return execFileSync('sqlite3', ['-cmd', '.timeout 5000', join(this.folder, database), statement], {
       encoding: 'utf8',
     }).trim()
   }
 
   /** Asks until the database answers as expected, because the browser does not wait for it. */
-  async becomes(statement, expected) {
+  async becomes(statement, expected, database = 'proxy.db') {
     let found
     for (let i = 0; i < 100; ++i) {
-      found = this.sql(statement)
+      found = this.sql(statement, database)
       if (found === expected) return
       await new Promise(resolve => setTimeout(resolve, 50))
     }
