@@ -31,6 +31,8 @@ function flagsOfTheBuild() {
     for (const [, flag] of command.matchAll(/(?<= )((?:-isystem |-I|-D)\S+)/g)) found.add(flag)
   }
   found.delete('-Dzrlconfig_EXPORTS')
+  // The compiler's own folder in another place: then the C++ headers don't find those of C behind them.
+  found.delete('-isystem /usr/include')
   return [...found].flatMap(flag => flag.split(' '))
 }
 
