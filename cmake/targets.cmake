@@ -20,14 +20,37 @@ if(ZRL_FUZZ)
   target_compile_options(zrl_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# zrl_precompile(TARGET HEADER...) precompiles the headers that most files of a target include.
-# ccache handles them only with the right CCACHE_SLOPPINESS (script/environment sets it).
+# zrl_precompile(TARGET HEADER...) precompiles the headers of libraries that most files of a target include.
+# ccache handles them only with the variables that script/environment sets.
 function(zrl_precompile target)
   if(CMAKE_DISABLE_PRECOMPILE_HEADERS)
     return()
   endif()
   target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
   target_precompile_headers(${target} PRIVATE ${ARGN})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    zrl_checksum(${target} ${ARGN})
+  endif()
+endfunction()
+
+# clang's precompiled headers hold the path of the build folder, so that no two are equal. ccache takes the checksum of
+# what went into them, which lies beside them, in their place; and it must see no other path that it can't make relative.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  set(CMAKE_CXX_COMPILE_OPTIONS_USE_PCH -include-pch <PCH_FILE>)
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Xclang$<SEMICOLON>-fno-pch-timestamp>)
+endif()
+
+function(zrl_checksum target)
+  set(text "")
+  foreach(header IN LISTS ARGN)
+    string(APPEND text "#include ${header}\n")
+  endforeach()
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}.dir)
+  file(WRITE ${folder}/headers.cpp "${text}")
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -std=c++20 -E -P ${folder}/headers.cpp
+    OUTPUT_VARIABLE preprocessed COMMAND_ERROR_IS_FATAL ANY)
+  string(SHA256 sum "${preprocessed} ${CMAKE_CXX_COMPILER_VERSION}")
+  file(CONFIGURE OUTPUT ${folder}/cmake_pch.hxx.pch.sum CONTENT "${sum}")
 endfunction()
 
 # zrl_library_headers(NAME HEADER...) and zrl_program_headers(NAME HEADER...) precompile headers once for all
