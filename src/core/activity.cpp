@@ -10,15 +10,28 @@ void ActivityRecord::succeeded(Kind kind, std::string_view text, std::int64_t ti
 }
 
 void ActivityRecord::failed(Kind kind, std::string_view text, std::string_view error, std::int64_t time,
-                            bool write, std::string_view public_text) {
-  ++failures_;
+                            bool write, std::string_view public_text, bool expected) {
+  if (!expected) ++failures_;
   keep({.kind = kind,
         .ok = false,
         .write = write,
         .time = time,
         .text = text,
         .error = error,
-        .public_text = public_text});
+        .public_text = public_text,
+        .expected = expected});
+}
+
+void ActivityRecord::turn_into_failure(std::uint64_t number, std::string_view error) {
+  if (number < first_ || number >= total()) return;
+  Held& held = entries_[number - first_];
+  if (!held.ok) return;
+  held.ok = false;
+  held.bytes.insert(held.text_length, error);
+  held.error_length = static_cast<std::uint32_t>(error.size());
+  held_bytes_ += error.size();
+  ++failures_;
+  make_room();
 }
 
 ActivityRecord::Entry ActivityRecord::operator[](std::uint64_t number) const {
@@ -27,7 +40,8 @@ ActivityRecord::Entry ActivityRecord::operator[](std::uint64_t number) const {
   const std::string_view text = bytes.substr(0, held.text_length);
   const std::string_view error = bytes.substr(held.text_length, held.error_length);
   const std::string_view public_text = bytes.substr(text.size() + error.size());
-  return {held.kind, held.ok, held.write, held.time, text, error, public_text.empty() ? text : public_text};
+  return {held.kind,    held.ok, held.write, held.time, text, error, public_text.empty() ? text : public_text,
+          held.expected};
 }
 
 void ActivityRecord::keep(const Entry& entry) {
@@ -37,7 +51,11 @@ void ActivityRecord::keep(const Entry& entry) {
   held_bytes_ += bytes.size() + sizeof(Held);
   entries_.push_back({std::move(bytes), static_cast<std::uint32_t>(entry.text.size()),
                       static_cast<std::uint32_t>(entry.error.size()), entry.kind, entry.ok, entry.write,
-                      entry.time});
+                      entry.expected, entry.time});
+  make_room();
+}
+
+void ActivityRecord::make_room() {
   while (held_bytes_ > limit_ && entries_.size() > 1) {
     held_bytes_ -= entries_.front().bytes.size() + sizeof(Held);
     entries_.pop_front();

@@ -24,6 +24,7 @@ class ActivityRecord {
     std::string_view text;
     std::string_view error = {};        // empty if ok
     std::string_view public_text = {};  // `text` with its secrets hidden: for files and screens
+    bool expected = false;              // a failure that was meant to happen: no reason to tell anybody
   };
 
   // Keeps at most about `limit` bytes, which count the texts and a fixed cost per entry. The oldest entries
@@ -31,16 +32,20 @@ class ActivityRecord {
   explicit ActivityRecord(std::size_t limit = default_limit) : limit_(limit) {}
 
   // Record a write that worked, and a step that did not. `time` is in seconds since 1970, UTC. Texts are
-  // copied. `public_text` is needed only where `text` holds a secret.
+  // copied. `public_text` is needed only where `text` holds a secret. An `expected` failure is one that the
+  // step is prepared for, such as a table that is made if it is missing; it does not count as a failure.
   void succeeded(Kind kind, std::string_view text, std::int64_t time, std::string_view public_text = {});
   void failed(Kind kind, std::string_view text, std::string_view error, std::int64_t time, bool write,
-              std::string_view public_text = {});
+              std::string_view public_text = {}, bool expected = false);
+  // A write that worked has been undone since: its entry becomes a failure with this error. Nothing happens
+  // if the entry has been dropped, or is a failure already.
+  void turn_into_failure(std::uint64_t number, std::string_view error);
 
   // Entries are numbered from 0 since the record was made, and keep their numbers. Those from first() to
   // total() - 1 are still held, so a reader that remembers total() knows what is new and what it missed.
   std::uint64_t first() const { return first_; }
   std::uint64_t total() const { return first_ + entries_.size(); }
-  std::uint64_t failures() const { return failures_; }  // ever recorded
+  std::uint64_t failures() const { return failures_; }  // ever recorded, without the expected ones
 
   // `number` from first() to total() - 1. The views are valid until the next entry is recorded.
   Entry operator[](std::uint64_t number) const;
@@ -55,10 +60,12 @@ class ActivityRecord {
     Kind kind;
     bool ok;
     bool write;
+    bool expected;
     std::int64_t time;
   };
 
   void keep(const Entry& entry);
+  void make_room();
 
   std::deque<Held> entries_;
   std::uint64_t first_ = 0;

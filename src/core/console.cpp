@@ -7,6 +7,7 @@
 #include "core/contracts/name_lookup.h"
 #include "core/form.h"
 #include "core/text/error.h"
+#include "core/text/secrets.h"
 
 namespace zrl {
 
@@ -17,11 +18,21 @@ Outcome current_error() {
   try {
     throw;
   } catch (const Error& error) {
-    return {false, error.number(), error.what()};
+    return {false, error.number(), without_secrets(error.what())};
   } catch (const std::exception& error) {
-    return {false, 0, error.what()};
+    return {false, 0, without_secrets(error.what())};
   } catch (...) {
     return {false, 0, "unknown error"};
+  }
+}
+
+bool is_engine_failure() {
+  try {
+    throw;
+  } catch (const EngineFailure&) {
+    return true;
+  } catch (...) {
+    return false;
   }
 }
 
@@ -29,14 +40,16 @@ Outcome current_error() {
 
 Console::Console(std::filesystem::path folder, Host& host, Clock clock)
     : folder_(std::move(folder)),
-      host_(host),
       clock_(std::move(clock)),
+      writes_(*this),
+      committing_host_(host, writes_),
       settings_(*this),
       localisation_(*this),
       pattern_matcher_(*this),
       html_text_(*this) {}
 
 NameLookup& Console::names() {
+  writes_.commit();
   if (!names_) names_ = components_.create<NameLookup>();
   return *names_;
 }
@@ -58,20 +71,37 @@ std::string Console::regex_match(std::string_view entry, std::string_view text) 
 }
 
 void Console::record_failure(std::string_view step, std::string_view problem) {
-  activity_.failed(ActivityRecord::Kind::component, step, problem, seconds(), false);
+  activity_.failed(ActivityRecord::Kind::component, step, without_secrets(problem), seconds(), false);
 }
 
 Outcome Console::attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
-                         const std::function<void()>& action, std::string_view public_text) {
+                         const std::function<void()>& action, std::string_view public_text, Failure failure) {
   try {
     action();
   } catch (...) {
-    const Outcome failure = current_error();
-    activity_.failed(kind, text, failure.problem, seconds(), step == Step::write, public_text);
-    return failure;
+    const bool expected = failure == Failure::expected && !is_engine_failure();
+    const Outcome error = current_error();
+    activity_.failed(kind, text, error.problem, seconds(), step == Step::write, public_text, expected);
+    return error;
   }
   if (step == Step::write) activity_.succeeded(kind, text, seconds(), public_text);
   return {};
+}
+
+Outcome Console::attempt_write(const ConnectionHandle& conn, ActivityRecord::Kind kind, std::string_view text,
+                               const std::function<void()>& action, std::string_view public_text,
+                               Failure failure) {
+  if (!conn) return attempt(kind, text, Step::write, action, public_text, failure);
+  wrote_to(conn);
+  const Outcome outcome = attempt(
+      kind, text, Step::write,
+      [&] {
+        writes_.join(conn);
+        action();
+      },
+      public_text, failure);
+  if (outcome) writes_.worked(activity_.total() - 1);
+  return outcome;
 }
 
 void Console::record_escaped(std::string_view where) {
@@ -79,7 +109,7 @@ void Console::record_escaped(std::string_view where) {
 }
 
 void Console::end_action() {
-  if (--action_depth_ > 0) return;
+  if (!writes_.end()) return;
   const auto unsettled = std::move(unsettled_);
   unsettled_.clear();
   for (const std::weak_ptr<Connection>& held : unsettled) {
@@ -97,7 +127,7 @@ void Console::wrote_to(const ConnectionHandle& conn) {
 void Console::show(const std::shared_ptr<Form>& dialog) {
   dialog->set_open(true);
   dialogs_.push_back(dialog);
-  host_.show(*dialog);
+  host().show(*dialog);
 }
 
 const std::vector<std::shared_ptr<Form>>& Console::dialogs() {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/action_writes.h"
 #include "core/activity.h"
 #include "core/contracts/console_services.h"
 #include "core/contracts/database.h"
@@ -51,14 +52,18 @@ class Console final : public ConsoleServices {
   Console& operator=(const Console&) = delete;
 
   const std::filesystem::path& folder() const override { return folder_; }
-  Host& host() { return host_; }
+  // What was written is committed before each call, see ActionWrites.
+  Host& host() { return committing_host_; }
   ComponentRegistry& components() override { return components_; }
   Settings& settings() { return settings_; }
   Localisation& localisation() { return localisation_; }
   // Raises error 429 if the component is missing. Pages use the steps of Page instead, which record failures.
+  // As a look-up takes long, what was written is committed.
   NameLookup& names() override;
   HtmlText& html_text() { return html_text_; }
   ActivityRecord& activity() { return activity_; }
+  // The transaction of the user's action.
+  ActionWrites& writes() { return writes_; }
   std::chrono::system_clock::time_point now() const { return clock_(); }
   // The clock in the local time of the machine, as fourteen digits: "20051104173005" is 17:30:05 on 4
   // November 2005. Empty if the time cannot be converted.
@@ -67,27 +72,36 @@ class Console final : public ConsoleServices {
   // The rest of ConsoleServices, whose contract is stated there.
   std::string setting(std::string_view name) override;
   std::string regex_match(std::string_view entry, std::string_view text) override;
-  void wait(std::chrono::milliseconds time) override { host_.wait(time); }
-  void process_events() override { host_.process_events(); }
-  void show_progress(const Progress& progress) override { host_.show_progress(progress); }
+  void wait(std::chrono::milliseconds time) override { host().wait(time); }
+  void process_events() override { host().process_events(); }
+  void show_progress(const Progress& progress) override { host().show_progress(progress); }
   void record_failure(std::string_view step, std::string_view problem) override;
 
   // Runs one step. It never throws what `action` raises: the result says whether the step worked. A step that
   // failed is recorded with its error, one that worked only if it is a `write`. `text` (UTF-8) names the step
   // in the record; `public_text` is the same without secrets, needed only if `text` holds one. What the
-  // action did before it raised is not undone.
+  // action did before it raised is not undone. The error is recorded without the secrets of connection
+  // strings. A step whose failure is `expected` is prepared for it; an EngineFailure never is.
   enum class Step { read, write };
+  enum class Failure { unexpected, expected };
   Outcome attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
-                  const std::function<void()>& action, std::string_view public_text = {});
+                  const std::function<void()>& action, std::string_view public_text = {},
+                  Failure failure = Failure::unexpected);
+  // The same for a write over the connection, which becomes part of the action's transaction (see
+  // ActionWrites) and is noted for wrote_to(). Without a connection only the step is recorded.
+  Outcome attempt_write(const ConnectionHandle& conn, ActivityRecord::Kind kind, std::string_view text,
+                        const std::function<void()>& action, std::string_view public_text = {},
+                        Failure failure = Failure::unexpected);
 
   // Records the exception that is being handled as a failed read; to be called in a catch clause alone.
   // `where` is the name of a form or control.
   void record_escaped(std::string_view where);
 
   // Mark the user's actions, in pairs; Form::run() calls them. They nest when a handler lets pending events
-  // run. When the outermost one ends, the connections that were written to meanwhile are settled, which makes
-  // the writes durable (Connection::settle()); a failure is recorded.
-  void begin_action() { ++action_depth_; }
+  // run. The end of each commits what it wrote (see ActionWrites). When the outermost one ends, the
+  // connections that were written to meanwhile are settled, which makes the writes durable
+  // (Connection::settle()); a failure is recorded.
+  void begin_action() { writes_.begin(); }
   void end_action();
   // Notes a connection for that. It is not kept alive: one that is dropped before the action ends is left
   // out.
@@ -105,9 +119,10 @@ class Console final : public ConsoleServices {
   std::int64_t seconds() const;
 
   std::filesystem::path folder_;
-  Host& host_;
   Clock clock_;
   ActivityRecord activity_;
+  ActionWrites writes_;
+  CommittingHost committing_host_;
   ComponentRegistry components_;
   Settings settings_;
   Localisation localisation_;
@@ -116,7 +131,6 @@ class Console final : public ConsoleServices {
   HtmlText html_text_;
   std::vector<std::weak_ptr<Connection>> unsettled_;
   std::vector<std::shared_ptr<Form>> dialogs_;
-  int action_depth_ = 0;
 };
 
 }  // namespace zrl

@@ -1,6 +1,7 @@
 #include "core/database_client.h"
 
 #include "core/text/error.h"
+#include "core/text/secrets.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -21,11 +22,78 @@ std::string assignment(std::string_view operation, std::string_view key, std::st
   return result.append("=").append(value);
 }
 
+// A set whose writes are part of the action's transaction. It does not keep the connection alive.
+class ActionRecordSet final : public RecordSet {
+ public:
+  ActionRecordSet(Console& console, const ConnectionHandle& conn, std::string select,
+                  std::unique_ptr<RecordSet> set)
+      : console_(console), conn_(conn), select_(std::move(select)), set_(std::move(set)) {}
+
+  std::int64_t count() const override { return set_->count(); }
+  bool at_end() const override { return set_->at_end(); }
+  void move_first() override {
+    changed_ = false;
+    set_->move_first();
+  }
+  void move_next() override {
+    changed_ = false;
+    set_->move_next();
+  }
+  void move(std::int64_t rows) override {
+    changed_ = false;
+    set_->move(rows);
+  }
+  bool is_null(std::string_view column) override { return set_->is_null(column); }
+  std::string_view text(std::string_view column) override { return set_->text(column); }
+  std::string_view bytes(std::string_view column) override { return set_->bytes(column); }
+  std::int64_t number(std::string_view column) override { return set_->number(column); }
+  void set_text(std::string_view column, std::string_view text) override {
+    set_->set_text(column, text);
+    changed_ = true;
+  }
+  void set_bytes(std::string_view column, std::string_view bytes) override {
+    set_->set_bytes(column, bytes);
+    changed_ = true;
+  }
+  void set_number(std::string_view column, std::int64_t number) override {
+    set_->set_number(column, number);
+    changed_ = true;
+  }
+
+  void update() override {
+    if (changed_) write([this] { set_->update(); });
+    changed_ = false;
+  }
+  void delete_current() override {
+    write([this] { set_->delete_current(); });
+  }
+
+ private:
+  // A failure is recorded by the step that reads the set.
+  void write(const std::function<void()>& action) {
+    if (const ConnectionHandle conn = conn_.lock()) {
+      console_.wrote_to(conn);
+      console_.writes().join(conn);
+    }
+    action();
+    console_.attempt(ActivityRecord::Kind::sql, select_, Console::Step::write, [] {});
+    console_.writes().worked(console_.activity().total() - 1);
+  }
+
+  Console& console_;
+  std::weak_ptr<Connection> conn_;
+  std::string select_;
+  std::unique_ptr<RecordSet> set_;
+  bool changed_ = false;
+};
+
 }  // namespace
 
 bool DatabaseClient::connect_database(std::string_view box_title) {
   const std::string provider = console_.settings().regread(console_.settings().data_provider_path());
-  const Outcome opened = attempt_read(Kind::component, words({"open_database", provider}), [&] {
+  console_.writes().commit();
+  const std::string text = words({"open_database", without_secrets(provider)});
+  const Outcome opened = attempt_read(Kind::component, text, [&] {
     database = console_.components().create<Database>();
     conn = database->open_database(provider);
   });
@@ -37,14 +105,16 @@ bool DatabaseClient::connect_database(std::string_view box_title) {
 }
 
 void DatabaseClient::drop_database() {
+  console_.writes().commit();
+  own_transaction_ = false;
   database.reset();
   conn.reset();
 }
 
-bool DatabaseClient::execute(const Statement& statement) {
+bool DatabaseClient::execute(const Statement& statement, Failure failure) {
   const std::string public_text = statement.has_secrets() ? statement.public_text() : std::string();
   return attempt_write(
-      Kind::sql, statement.text(), [&] { connection_or_throw().execute(statement); }, public_text);
+      Kind::sql, statement.text(), [&] { connection_or_throw().execute(statement); }, public_text, failure);
 }
 
 bool DatabaseClient::read_rows(std::string_view text, const std::function<void()>& action) {
@@ -58,15 +128,20 @@ Outcome DatabaseClient::delete_row(std::string_view text, const Statement& selec
 }
 
 bool DatabaseClient::begin_transaction() {
-  return read_rows("begin transaction", [this] { connection_or_throw().begin_transaction(); });
+  console_.writes().commit();
+  const bool begun = read_rows("begin transaction", [this] { connection_or_throw().begin_transaction(); });
+  own_transaction_ = own_transaction_ || begun;
+  return begun;
 }
 
 bool DatabaseClient::commit(std::string_view text, Step step) {
-  const auto action = [this] { connection_or_throw().commit(); };
-  return step == Step::write ? attempt_write(Kind::sql, text, action) : attempt_read(Kind::sql, text, action);
+  if (conn && step == Step::write) console_.wrote_to(conn);
+  own_transaction_ = false;
+  return console_.attempt(Kind::sql, text, step, [this] { connection_or_throw().commit(); });
 }
 
 bool DatabaseClient::roll_back() {
+  own_transaction_ = false;
   return read_rows("roll back", [this] { connection_or_throw().roll_back(); });
 }
 
@@ -99,8 +174,15 @@ std::optional<std::string> DatabaseClient::read_string(std::string_view key) {
 }
 
 bool DatabaseClient::set_option(std::string_view key, std::int32_t value) {
-  return attempt_write(Kind::option, assignment("set_option", key, std::to_string(value)),
-                       [&] { component_or_throw().set_option(key, value, conn); });
+  const bool stored = attempt_write(Kind::option, assignment("set_option", key, std::to_string(value)),
+                                    [&] { component_or_throw().set_option(key, value, conn); });
+  if (!conn) return stored;
+  if (stored) {
+    console_.writes().if_dropped(this, [this, held = std::string(key)] { not_stored(held); });
+  } else {
+    not_stored(key);
+  }
+  return stored;
 }
 
 bool DatabaseClient::store_number(std::string_view key, std::string_view text, const NumberType& type) {
@@ -119,6 +201,7 @@ bool DatabaseClient::set_string(std::string_view key, std::string_view text) {
 
 std::optional<StringList> DatabaseClient::rows(Literal table, Literal column, const Statement& condition) {
   std::optional<StringList> result;
+  console_.writes().commit();
   attempt_read(Kind::component, words({"get_db_array", table.text(), column.text()}), [&] {
     result = component_or_throw().get_db_array(conn, table, column, condition);
     if (!result->empty()) result->pop_back();
@@ -127,11 +210,15 @@ std::optional<StringList> DatabaseClient::rows(Literal table, Literal column, co
 }
 
 std::optional<StringList> DatabaseClient::ordered_rows(Literal table, Literal column,
-                                                       const Statement& condition, Literal order) {
+                                                       const Statement& condition, Literal order,
+                                                       Failure failure) {
   std::optional<StringList> result;
-  attempt_read(Kind::component, words({"get_db_array_ordered", table.text(), column.text()}), [&] {
+  console_.writes().commit();
+  const auto read = [&] {
     result = component_or_throw().get_db_array_ordered(conn, table, column, condition, order);
-  });
+  };
+  const std::string text = words({"get_db_array_ordered", table.text(), column.text()});
+  console_.attempt(Kind::component, text, Step::read, read, {}, failure);
   return result;
 }
 
@@ -144,12 +231,18 @@ std::optional<std::int64_t> DatabaseClient::count_value(const Statement& select)
 
 std::unique_ptr<RecordSet> DatabaseClient::open(const Statement& select, Connection::Access access) {
   std::unique_ptr<RecordSet> result;
+  const bool updatable = access == Connection::Access::updatable;
+  if (!updatable) console_.writes().commit();
   attempt_read(Kind::sql, select.text(), [&] { result = connection_or_throw().open(select, access); });
+  if (result && updatable && !own_transaction_) {
+    result = std::make_unique<ActionRecordSet>(console_, conn, select.text(), std::move(result));
+  }
   return result;
 }
 
 bool DatabaseClient::list_operation(std::string_view name, ListOperation operation, std::string_view entry) {
-  return component_step(words({name, entry}), [&] { (component_or_throw().*operation)(entry, conn); });
+  return attempt_write(Kind::component, words({name, entry}),
+                       [&] { (component_or_throw().*operation)(entry, conn); });
 }
 
 bool DatabaseClient::import_file(const ListTable& list, std::string_view path) {
@@ -182,12 +275,14 @@ bool DatabaseClient::prep_mdb() {
 }
 
 bool DatabaseClient::create_table(Literal table, Literal columns) {
-  return component_step(words({"CreateTable", table.text(), columns.text()}),
-                        [&] { component_or_throw().CreateTable(conn, table, columns); });
+  return attempt_write(Kind::component, words({"CreateTable", table.text(), columns.text()}),
+                       [&] { component_or_throw().CreateTable(conn, table, columns); });
 }
 
 Outcome DatabaseClient::component_step(std::string_view text, const std::function<void()>& call) {
-  return attempt_write(Kind::component, text, call);
+  console_.writes().commit();
+  if (conn) console_.wrote_to(conn);
+  return console_.attempt(Kind::component, text, Step::write, call);
 }
 
 // A component that answers false has not done it, an export to a file that must stay for example.
@@ -212,9 +307,10 @@ Outcome DatabaseClient::attempt_read(Kind kind, std::string_view text, const std
 }
 
 Outcome DatabaseClient::attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,
-                                      std::string_view public_text) {
+                                      std::string_view public_text, Failure failure) {
+  if (!own_transaction_) return console_.attempt_write(conn, kind, text, action, public_text, failure);
   if (conn) console_.wrote_to(conn);
-  return console_.attempt(kind, text, Step::write, action, public_text);
+  return console_.attempt(kind, text, Step::write, action, public_text, failure);
 }
 
 }  // namespace zrl

@@ -16,8 +16,12 @@ namespace zrl {
 
 // The base of everything that works on the database: it holds the component and the connection, and offers
 // every operation as a step (see Steps), which never throws. Unless said otherwise, the result is true, or
-// not empty, if the step worked. Without a component or connection, a step fails with error 91. A step that
-// writes lets the end of the user's action settle the connection, see Console::end_action().
+// not empty, if the step worked. Without a component or connection, a step fails with error 91.
+//
+// What an action writes is one transaction, see ActionWrites. It is committed before another connection or a
+// file is used, and before a whole list or log is read, during which the proxy is not to wait. So a write
+// that worked may still be undone when the action goes on or ends. The end of the user's action settles the
+// connection, see Console::end_action().
 //
 // The contracts of the operations are those of core/contracts/database.h.
 class DatabaseClient : public Steps {
@@ -34,9 +38,13 @@ class DatabaseClient : public Steps {
   // Empties both handles, in the order of their declaration.
   void drop_database();
 
+  using Failure = Console::Failure;
+
   // Runs a statement. The record holds it as it ran, and without its secrets for what people see.
-  bool execute(const Statement& statement);
-  bool execute(Literal statement) { return execute(Statement(statement)); }
+  bool execute(const Statement& statement, Failure failure = Failure::unexpected);
+  bool execute(Literal statement, Failure failure = Failure::unexpected) {
+    return execute(Statement(statement), failure);
+  }
 
   // Runs `action`, which reads an open record set and may raise what the set raises; recorded under `text`
   // if it fails. What it read before that has taken effect.
@@ -44,7 +52,8 @@ class DatabaseClient : public Steps {
   // Deletes the row that the SELECT finds first; the step fails if there is none. `text` is for the record.
   Outcome delete_row(std::string_view text, const Statement& select);
 
-  // Transactions, for the few operations that need one of their own. commit() is recorded under the text, as
+  // Transactions, for the few operations that need one of their own, apart from the action's, which
+  // begin_transaction() commits. commit() is recorded under the text, as
   // a read or a write. A failed step within one does not roll back by itself.
   bool begin_transaction();
   bool commit(std::string_view text, Step step);
@@ -73,16 +82,19 @@ class DatabaseClient : public Steps {
     return rows(list.table, list.column, condition);
   }
   std::optional<StringList> ordered_rows(Literal table, Literal column, const Statement& condition,
-                                         Literal order);
+                                         Literal order, Failure failure = Failure::unexpected);
   std::optional<std::int64_t> count_value(const Statement& select);
+  // What an updatable set writes is part of the action's transaction, and each of its writes that worked is
+  // recorded under the SELECT; within a transaction of its own, what commits it is recorded instead.
   std::unique_ptr<RecordSet> open(const Statement& select, Connection::Access access);
   // The set may outlive the connection's handle; null if the step failed. The overloads that follow are for
   // statements and conditions that are one literal.
   std::optional<StringList> rows(Literal table, Literal column, Literal condition) {
     return rows(table, column, Statement(condition));
   }
-  std::optional<StringList> ordered_rows(Literal table, Literal column, Literal condition, Literal order) {
-    return ordered_rows(table, column, Statement(condition), order);
+  std::optional<StringList> ordered_rows(Literal table, Literal column, Literal condition, Literal order,
+                                         Failure failure = Failure::unexpected) {
+    return ordered_rows(table, column, Statement(condition), order, failure);
   }
   std::optional<std::int64_t> count_value(Literal select) { return count_value(Statement(select)); }
   std::unique_ptr<RecordSet> open(Literal select, Connection::Access access) {
@@ -125,11 +137,16 @@ class DatabaseClient : public Steps {
   bool prep_mdb();
   bool create_table(Literal table, Literal columns);
 
-  // Any other call on a component, recorded as a write under this text. `call` may raise.
+  // Any other call on a component, recorded as a write under this text. `call` may raise. What was written is
+  // committed before.
   Outcome component_step(std::string_view text, const std::function<void()>& call);
 
  protected:
-  ~DatabaseClient() = default;
+  ~DatabaseClient() { console_.writes().forget(this); }
+
+  // The option that a step was to set is as it was: the step failed, or has been undone. There is a
+  // connection. Pages show the stored value again.
+  virtual void not_stored(std::string_view key) { (void)key; }
 
  private:
   struct NumberType {
@@ -143,7 +160,9 @@ class DatabaseClient : public Steps {
   bool answered_step(std::string_view text, const std::function<bool()>& call);
   Outcome attempt_read(Kind kind, std::string_view text, const std::function<void()>& action);
   Outcome attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,
-                        std::string_view public_text = {});
+                        std::string_view public_text = {}, Failure failure = Failure::unexpected);
+
+  bool own_transaction_ = false;
 };
 
 }  // namespace zrl

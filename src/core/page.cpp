@@ -44,6 +44,19 @@ void Page::load_switch(CheckBox& box) {
   if (value) show_switch(box, Kind::option, bound->key, {std::to_string(*value)});
 }
 
+void Page::when_not_stored(std::string_view key, std::function<void()> show) {
+  shown_options_.push_back({key, std::move(show)});
+}
+
+void Page::not_stored(std::string_view key) {
+  for (const Switch& bound : switches_) {
+    if (bound.key == key) load_switch(bound.box);
+  }
+  for (const ShownOption& shown : shown_options_) {
+    if (shown.key == key) shown.show();
+  }
+}
+
 void Page::load_registry_switch(CheckBox& box, std::string_view path) {
   show_switch(box, Kind::registry, path, {settings().regread(path)});
 }

@@ -41,7 +41,8 @@ class Page : public DatabaseClient, public Form {
 
   // A check box that shows an option: a click writes it at once. load_switches() reads all of them in the
   // order of their binding, or those that are given, which must have been bound. A stored value other than 0
-  // and 1 is a failed step and leaves its box unchanged. `key` is not copied: a literal.
+  // and 1 is a failed step and leaves its box unchanged. If the option could not be written, the box shows
+  // the stored value again, also on a page with a click of its own. `key` is not copied: a literal.
   struct Switch {
     CheckBox& box;
     std::string_view key;
@@ -50,6 +51,9 @@ class Page : public DatabaseClient, public Form {
   void load_switches();
   void load_switches(std::initializer_list<CheckBox*> boxes);
   void load_switch(CheckBox& box);
+  // The same for a control that shows an option in another way: `show` reads it again if it could not be
+  // written. `key` is a literal.
+  void when_not_stored(std::string_view key, std::function<void()> show);
   // The same for a value in the registry, under this full path. Nothing is bound to the click.
   void load_registry_switch(CheckBox& box, std::string_view path);
 
@@ -98,8 +102,15 @@ class Page : public DatabaseClient, public Form {
   void holds(HeldComponent& held) { held_.push_back(&held); }
 
   void show_switch(CheckBox& box, Kind kind, std::string_view step, const OptionValue& value);
+  void not_stored(std::string_view key) override;
+
+  struct ShownOption {
+    std::string_view key;
+    std::function<void()> show;
+  };
 
   std::vector<Switch> switches_;
+  std::vector<ShownOption> shown_options_;
   std::vector<HeldComponent*> held_;
 };
 

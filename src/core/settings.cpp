@@ -5,6 +5,7 @@
 #include "core/console.h"
 #include "core/contracts/registry.h"
 #include "core/text/files.h"
+#include "core/text/secrets.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -59,13 +60,20 @@ std::string Settings::regread(std::string_view path) {
 }
 
 bool Settings::regwrite_string(std::string_view path, std::string_view text) {
-  return console_.attempt(Kind::registry, join(path, "=", text), Step::write,
+  return console_.attempt(Kind::registry, join(path, "=", without_secrets(text)), Step::write,
                           [&] { console_.components().create<Registry>()->write_string(path, text); });
 }
 
 bool Settings::regwrite_dword(std::string_view path, std::uint32_t number) {
   return console_.attempt(Kind::registry, join(path, "=", std::to_string(number)), Step::write,
                           [&] { console_.components().create<Registry>()->write_dword(path, number); });
+}
+
+void Settings::raise_again(std::string_view flag_path) {
+  console_.attempt(Kind::registry, join(flag_path, "=", "1"), Step::read, [&] {
+    const auto registry = console_.components().create<Registry>();
+    if (registry->regread(flag_path) != "1") registry->write_dword(flag_path, 1);
+  });
 }
 
 bool Settings::delete_value(std::string_view path) {

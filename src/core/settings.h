@@ -20,8 +20,8 @@ struct SmtpDirectories {
 // The settings outside the database: the product key from the file "proxy.ini" in the console's folder, and
 // the values of the component Registry. No operation throws: a read that fails is empty, a write or deletion
 // that fails returns false and changes nothing; both are recorded as failed steps, and successful writes are
-// recorded too. Nothing but the product key is cached, since the proxy changes values as well. Texts are
-// UTF-8. Owned by the console, which outlives it.
+// recorded too, without the secrets of connection strings. Nothing but the product key is cached, since the
+// proxy changes values as well. Texts are UTF-8. Owned by the console, which outlives it.
 class Settings {
  public:
   explicit Settings(Console& console) : console_(console) {}
@@ -42,6 +42,8 @@ class Settings {
   std::string regread(std::string_view path);
   bool regwrite_string(std::string_view path, std::string_view text);
   bool regwrite_dword(std::string_view path, std::uint32_t number);
+  // Sets the double word to 1 unless it is; recorded only if it fails.
+  void raise_again(std::string_view flag_path);
   bool delete_value(std::string_view path);
 
   // The trimmed value of `ProductVersion`.

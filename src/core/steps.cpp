@@ -13,7 +13,10 @@ void Steps::noted(std::string_view text) const {
 }
 
 bool Steps::raise_flag(std::string_view flag) const {
-  return console_.settings().regwrite_dword(console_.settings().path_of(flag), 1);
+  std::string path = console_.settings().path_of(flag);
+  const bool raised = console_.settings().regwrite_dword(path, 1);
+  if (raised) console_.writes().flag_raised(std::move(path));
+  return raised;
 }
 
 void Steps::show_error(std::string_view text, std::string_view title) const {
@@ -22,6 +25,7 @@ void Steps::show_error(std::string_view text, std::string_view title) const {
 
 Outcome Steps::on_component(Step step, std::string_view text, bool present, std::string_view what,
                             const std::function<void()>& action) const {
+  console_.writes().commit();
   return console_.attempt(Kind::component, text, step, [&] {
     if (!present) throw Error(error_number::object_not_set, "no " + std::string(what));
     action();

@@ -30,8 +30,8 @@ class Steps {
   // Calls the component: `call` gets a reference to it and may raise, which makes the step fail. The
   // component lives until the call returns. The call may serve the event loop, in which the page may be left
   // and its controls change, so its arguments must be copies, not texts of controls. If the component is
-  // missing, the step fails with error 91. ask() is recorded as a read (only if it fails), order() as a
-  // write. There is no time limit but the component's own.
+  // missing, the step fails with error 91. What was written is committed before. ask() is recorded as a read
+  // (only if it fails), order() as a write. There is no time limit but the component's own.
   template <typename Interface, typename Call>
   Outcome ask(const Held<Interface>& held, std::string_view text, Call&& call) const;
   template <typename Interface, typename Call>
@@ -48,7 +48,8 @@ class Steps {
   void noted(std::string_view text) const;
 
   // Sets "HKLM\SOFTWARE\<product key>\<flag>" to the double word 1, by which the proxy knows that it has to
-  // read a list again. The proxy resets it.
+  // read a list again. The proxy resets it. If it does so before the action's statements are committed, the
+  // flag is set once more after them, see ActionWrites.
   bool raise_flag(std::string_view flag) const;
 
   // Shows a message box with the critical icon and returns when it has been answered; events run meanwhile.

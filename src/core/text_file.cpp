@@ -28,6 +28,7 @@ bool write_text_file(Console& console, std::string_view folder, std::string_view
   if (!path.ends_with('\\') && !path.ends_with('/')) path += '\\';
   path += file_name;
   const std::filesystem::path target = to_file_path(path);
+  console.writes().commit();
   return console.attempt(ActivityRecord::Kind::file, target.string(), Console::Step::write, [&] {
     if (folder.empty()) throw Error(path_not_found, "Path not found");
     if (!is_plain_name(file_name)) throw Error(bad_file_name, "Bad file name");

@@ -108,7 +108,8 @@ void ScriptEnginePage::fill_script_list() {
   scriptnamen.clear();
   const auto names =
       ordered_rows("scriptengine", "scriptname",
-                   allscripts.checked() ? Literal("svisible<>99") : Literal("svisible=1"), "prio");
+                   allscripts.checked() ? Literal("svisible<>99") : Literal("svisible=1"), "prio",
+                   Failure::expected);  // the table may be missing, which is mended here
   if (names && !names->empty()) {
     scriptnamen.set_items(*names);
   } else {
@@ -162,8 +163,7 @@ void ScriptEnginePage::create() {
 }
 
 void ScriptEnginePage::save() {
-  savechunk.set_enabled(false);
-  store();
+  savechunk.set_enabled(!store());
   if (runner_) runner_->loaddb();
   mark_problems();
   write_copy();
@@ -175,24 +175,26 @@ void ScriptEnginePage::write_copy() {
                   scriptsource.text());
 }
 
-void ScriptEnginePage::store() {
+bool ScriptEnginePage::store() {
   const bool begun = begin_transaction();
   const Statement select_row = script_row(current_script_);
   auto record = open(select_row, Connection::Access::updatable);
   const bool found = record && !record->at_end();
+  bool stored = begun && record;
   const auto write = [&](std::string_view column, const auto& set) {
-    read_rows(column, [&] {
+    const bool written = read_rows(column, [&] {
       set();
       record->update();
     });
+    stored = stored && written;
   };
   if (found) {
     write("scriptcontent", [&] { record->set_bytes("scriptcontent", to_utf16_bytes(scriptsource.text())); });
     write("sposition", [&] { record->set_text("sposition", upper(sposition.text())); });
     write("svisible", [&] { record->set_number("svisible", svisible.value()); });
   }
-  if (!begun) return;
-  if (!commit(select_row.text(), found ? Step::write : Step::read)) roll_back();
+  if (!begun) return false;
+  return commit(select_row.text(), found ? Step::write : Step::read) && stored;
 }
 
 void ScriptEnginePage::remove() {

@@ -76,7 +76,8 @@ class ScriptEnginePage : public Page {
   void read_script();
   void create();
   void save();
-  void store();
+  // False if the database did not take it.
+  bool store();
   void write_copy();
   void remove();
   void run_script();

@@ -23,7 +23,7 @@ namespace zrl {
 // problem if a script is at fault. Scripts may serve the event loop, by a box or a look-up; an operation
 // that is called then does nothing and is recorded as failed. The console must outlive the runner, which
 // belongs to the console's thread.
-class ScriptRunner : private DatabaseClient {
+class ScriptRunner final : private DatabaseClient {
  public:
   // `limits` bounds the time and the memory of each call of a script.
   explicit ScriptRunner(Console& console, const vbs::Limits& limits = {});

@@ -23,6 +23,7 @@ bool is_missing(const TextField& port) {
 ServiceControlPage::ServiceControlPage(Console& console)
     : Page(console, "ServiceControl", "Service control") {
   dontstartproxy.on_click = [this] { store_start_switch(); };
+  when_not_stored("dontstartproxy", [this] { load_start_switch(); });
   Command1.on_click = [this] { save(); };
   Command2.on_click = [this] { refresh_status(); };
   Command3.on_click = [this] { run_program("ProxyServiceControl.exe", {}); };

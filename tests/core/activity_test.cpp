@@ -21,6 +21,25 @@ TEST(ActivityRecord, KeepsOrderOutcomeAndError) {
   EXPECT_EQ(name_of(record[1].kind), "sql");
 }
 
+TEST(ActivityRecord, WritesThatAreUndoneBecomeFailures) {
+  ActivityRecord record;
+  record.succeeded(Kind::sql, "INSERT INTO pop3 VALUES ('s3cret')", 10,
+                   "INSERT INTO pop3 VALUES ('********')");
+  record.failed(Kind::sql, "DELETE * FROM iplog", "syntax error", 11, true, {}, true);
+  EXPECT_EQ(record.failures(), 0u);
+  for (int i = 0; i < 2; ++i) record.turn_into_failure(0, "undone: disk full");
+  record.turn_into_failure(1, "other");
+  record.turn_into_failure(2, "there is none");
+  EXPECT_EQ(record.failures(), 1u);
+  EXPECT_FALSE(record[0].ok);
+  EXPECT_FALSE(record[0].expected);
+  EXPECT_EQ(record[0].error, "undone: disk full");
+  EXPECT_EQ(record[0].text, "INSERT INTO pop3 VALUES ('s3cret')");
+  EXPECT_EQ(record[0].public_text, "INSERT INTO pop3 VALUES ('********')");
+  EXPECT_TRUE(record[1].expected);
+  EXPECT_EQ(record[1].error, "syntax error");
+}
+
 TEST(ActivityRecord, OldEntriesMakeRoomAndKeepTheirNumbers) {
   ActivityRecord record(10'000);
   for (int i = 0; i < 1000; ++i) record.succeeded(Kind::sql, "statement " + std::to_string(i), i);

@@ -111,6 +111,22 @@ TEST_F(ScriptEnginePageTest, AnExistingNameGetsTheTextOfTheEditor) {
   EXPECT_THAT(host.boxes, IsEmpty());
 }
 
+TEST_F(ScriptEnginePageTest, AFailedSaveCanBeRepeated) {
+  create_table();
+  put("one", "BODY", 1, 1, "' first");
+  ScriptEnginePage& page = shown();
+  choose(page, "one");
+  execute("CREATE TRIGGER kept BEFORE UPDATE ON scriptengine BEGIN SELECT raise(ABORT, 'no'); END");
+  page.scriptsource.user_type("' changed");
+  page.savechunk.user_click();
+  EXPECT_EQ(stored("one"), "BODY 1: ' first");
+  EXPECT_TRUE(page.savechunk.enabled());
+  execute("DROP TRIGGER kept");
+  page.savechunk.user_click();
+  EXPECT_EQ(stored("one"), "BODY 1: ' changed");
+  EXPECT_FALSE(page.savechunk.enabled());
+}
+
 TEST_F(ScriptEnginePageTest, SelectsEditsAndSaves) {
   create_table();
   put("one", "BODY", 1, 1, "' first");

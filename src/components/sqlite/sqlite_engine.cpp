@@ -3,6 +3,7 @@
 #include <thread>
 #include <utility>
 
+#include "core/contracts/database.h"
 #include "core/text/error.h"
 
 namespace zrl::sqlite {
@@ -37,21 +38,41 @@ constexpr std::pair<int, int> switches[] = {
     {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},
 };
 
+// Of the primary result codes, those that a statement cannot be blamed for.
+bool is_engine_failure(int code) {
+  switch (code) {
+    case SQLITE_ABORT:
+    case SQLITE_BUSY:
+    case SQLITE_NOMEM:
+    case SQLITE_READONLY:
+    case SQLITE_IOERR:
+    case SQLITE_CORRUPT:
+    case SQLITE_FULL:
+    case SQLITE_CANTOPEN:
+    case SQLITE_PROTOCOL:
+    case SQLITE_NOTADB:
+      return true;
+    default:
+      return false;
+  }
+}
+
 // Says plainly what the engine would only call "unable to open database file".
 void check_place(const fs::path& path, bool create) {
   std::error_code ignored;
   const fs::file_status status = fs::status(path, ignored);
   if (fs::is_directory(status)) {
-    throw Error(SQLITE_CANTOPEN, path.string() + ": the database is a folder, not a file");
+    throw EngineFailure(SQLITE_CANTOPEN, path.string() + ": the database is a folder, not a file");
   }
   if (fs::exists(status)) {
-    if (!fs::is_regular_file(status)) throw Error(SQLITE_CANTOPEN, path.string() + ": not a regular file");
+    if (!fs::is_regular_file(status))
+      throw EngineFailure(SQLITE_CANTOPEN, path.string() + ": not a regular file");
     return;
   }
   if (!fs::is_directory(path.parent_path(), ignored)) {
-    throw Error(SQLITE_CANTOPEN, path.string() + ": the folder of the database does not exist");
+    throw EngineFailure(SQLITE_CANTOPEN, path.string() + ": the folder of the database does not exist");
   }
-  if (!create) throw Error(SQLITE_CANTOPEN, path.string() + ": the database file does not exist");
+  if (!create) throw EngineFailure(SQLITE_CANTOPEN, path.string() + ": the database file does not exist");
 }
 
 }  // namespace
@@ -61,7 +82,7 @@ Engine::Engine() {
       sqlite3_open_v2(":memory:", &handle_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
   if (code == SQLITE_OK) return;
   sqlite3_close(handle_);
-  throw Error(code & 0xff, sqlite3_errstr(code));
+  throw EngineFailure(code & 0xff, sqlite3_errstr(code));
 }
 
 Engine::Engine(const fs::path& path, const Options& options) : path_(path) {
@@ -94,7 +115,7 @@ void Engine::configure(const Options& options) {
     Query encoding(*this, "PRAGMA encoding");
     stores_utf8_ = encoding.step() && encoding.text(0) == "UTF-8";
   } catch (const Error& error) {
-    throw Error(error.number(), path_.string() + ": " + error.what());
+    throw EngineFailure(error.number(), path_.string() + ": " + error.what());
   }
 }
 
@@ -149,9 +170,11 @@ void Engine::request_transaction() {
 void Engine::commit() {
   const Transaction was = std::exchange(transaction_, Transaction::none);
   if (was == Transaction::none) throw Error(SQLITE_ERROR, "no transaction is open");
+  if (was == Transaction::failed) throw EngineFailure(failure_, problem_);
   if (was == Transaction::requested) return;
-  if (!in_transaction()) throw Error(SQLITE_ABORT, "the transaction was rolled back by an earlier failure");
   try {
+    // What goes into a file without a name is lost.
+    if (moved()) fail(SQLITE_IOERR, path_.string() + ": the database file was replaced or deleted meanwhile");
     run("COMMIT");
   } catch (const Error&) {
     if (in_transaction()) sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
@@ -169,8 +192,8 @@ void Engine::enter(Use use) {
   if (transaction_ == Transaction::requested) {
     run(use == Use::write ? "BEGIN IMMEDIATE" : "BEGIN");
     transaction_ = Transaction::begun;
-  } else if (transaction_ == Transaction::begun && !in_transaction()) {
-    throw Error(SQLITE_ABORT, "the transaction was rolled back by an earlier failure");
+  } else if (transaction_ == Transaction::failed && use == Use::write) {
+    throw EngineFailure(failure_, "not run: " + problem_);
   }
 }
 
@@ -181,7 +204,7 @@ void Engine::settle() {
   if (log == nullptr || log->pMethods == nullptr) return;
   if (log->pMethods->xSync(log, SQLITE_SYNC_NORMAL) != SQLITE_OK) {
     unsettled_ = true;
-    throw Error(SQLITE_IOERR, path_.string() + ": the database could not be written to the disk");
+    throw EngineFailure(SQLITE_IOERR, path_.string() + ": the database could not be written to the disk");
   }
 }
 
@@ -192,13 +215,24 @@ int Engine::committed(void* self, sqlite3* handle, const char* name, int pages) 
   return SQLITE_OK;
 }
 
-void Engine::fail() const {
-  throw Error(sqlite3_errcode(handle_) & 0xff, sqlite3_errmsg(handle_));
+void Engine::fail(int code, const std::string& message) {
+  code &= 0xff;
+  const bool open = transaction_ == Transaction::requested || transaction_ == Transaction::begun;
+  if (!is_engine_failure(code) && (transaction_ != Transaction::begun || in_transaction())) {
+    throw Error(code, message);
+  }
+  if (open) {
+    if (in_transaction()) sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
+    transaction_ = Transaction::failed;
+    failure_ = code;
+    problem_ = message;
+  }
+  throw EngineFailure(code, message);
 }
 
 void Engine::fail_to_open(int code) const {
   const char* message = handle_ == nullptr ? sqlite3_errstr(code) : sqlite3_errmsg(handle_);
-  throw Error(code & 0xff, path_.string() + ": " + message);
+  throw EngineFailure(code & 0xff, path_.string() + ": " + message);
 }
 
 Query::Query(Engine& engine, std::string_view sql, Life life) : engine_(&engine) {
@@ -248,9 +282,9 @@ bool Query::step() {
   const int code = sqlite3_step(handle_);
   if (code == SQLITE_ROW) return true;
   if (code == SQLITE_DONE) return false;
-  const Error error(code & 0xff, sqlite3_errmsg(engine_->handle()));
+  const std::string message = sqlite3_errmsg(engine_->handle());
   sqlite3_reset(handle_);
-  throw error;
+  engine_->fail(code, message);
 }
 
 std::int64_t Query::run() {

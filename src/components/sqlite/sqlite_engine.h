@@ -10,7 +10,8 @@
 #include <sqlite3.h>
 
 // A thin layer over the database engine: one open file, and prepared statements on it. Every failure is a
-// zrl::Error with the engine's result code and message. An object and its statements belong to one thread.
+// zrl::Error with the engine's result code and message, a zrl::EngineFailure where not the statement is at
+// fault. An object and its statements belong to one thread.
 namespace zrl::sqlite {
 
 class Query;
@@ -48,7 +49,8 @@ class Engine {
   std::int64_t number(const char* select);
 
   // A transaction of the caller. It begins when the first statement in it is about to run, so that a
-  // transaction which only reads does not lock out writers.
+  // transaction which only reads does not lock out writers. An EngineFailure rolls it back, also one of its
+  // beginning; writes then raise that failure again until commit(), which raises it too, or roll_back().
   void request_transaction();
   void commit();
   void roll_back();
@@ -62,10 +64,12 @@ class Engine {
   // Makes all commits so far survive a power cut. Free of cost if there were none since the last call.
   void settle();
 
-  [[noreturn]] void fail() const;
+  // Raises the engine's last error.
+  [[noreturn]] void fail() { fail(sqlite3_errcode(handle_), sqlite3_errmsg(handle_)); }
+  [[noreturn]] void fail(int code, const std::string& message);
 
  private:
-  enum class Transaction : std::uint8_t { none, requested, begun };
+  enum class Transaction : std::uint8_t { none, requested, begun, failed };
 
   void configure(const Options& options);
   void use_write_ahead_log(const Options& options);
@@ -77,6 +81,8 @@ class Engine {
   bool stores_utf8_ = true;
   bool unsettled_ = false;
   Transaction transaction_ = Transaction::none;
+  int failure_ = 0;  // of the transaction
+  std::string problem_;
 };
 
 // A prepared statement. Texts that are bound must live until reset().

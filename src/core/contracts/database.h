@@ -7,13 +7,25 @@
 #include <string_view>
 
 #include "core/contracts/statement.h"
+#include "core/text/error.h"
 #include "core/text/string_list.h"
 
 // The contract with the database access component. Every operation raises zrl::Error on failure, its
 // number being the engine's result code or one of error_number, and then leaves the table as it was. Texts
 // are UTF-8. Component, connections and record sets belong to the console's thread. Other processes may
 // use the database at the same time; an operation waits a few seconds for one that is writing, then fails.
+//
+// Entries, addresses and the other texts that lists and logs are searched for compare without regard to the
+// case of A to Z, everywhere: in statements, in duplicates, in imports and deletions. They are stored as they
+// come. Only the keys of options differ by case.
 namespace zrl {
+
+// Raised instead of a plain Error where the engine has failed and not the statement: a full disk, an I/O
+// error, a lock that was not released, a lost file.
+class EngineFailure : public Error {
+ public:
+  using Error::Error;
+};
 
 // A result that spans rows, read-only or updatable. The keys of its rows are read when it is
 // opened; a row's columns are read when they are asked for, so that a set over large messages
@@ -71,8 +83,10 @@ class Connection {
   virtual std::unique_ptr<RecordSet> open(const Statement& select, Access access) = 0;
 
   // Transactions do not nest: beginning a second one raises an error, and so does ending one that was not
-  // begun. The lock is taken by the first statement, not by begin_transaction(). A failed commit() rolls
-  // back. What was not committed when the connection is dropped is lost.
+  // begun. The lock is taken by the first statement, not by begin_transaction(). A statement that fails by
+  // itself leaves the transaction as it was. An EngineFailure rolls it back at once: further writes fail,
+  // reads see what was committed before, and commit() fails with the same error. A failed commit() rolls back
+  // and ends the transaction. What was not committed when the connection is dropped is lost.
   virtual void begin_transaction() = 0;
   virtual void commit() = 0;
   virtual void roll_back() = 0;
@@ -105,8 +119,7 @@ struct OptionValue {
 // never shown. get_db_array_ordered has no such element.
 //
 // Paths of list files are paths of the file system. List files are UTF-8, one entry per line (LF or
-// CRLF, optional byte-order mark); blank lines and surrounding blanks are dropped. Entries are compared
-// byte by byte.
+// CRLF, optional byte-order mark); blank lines and surrounding blanks are dropped.
 class Database {
  public:
   static constexpr std::string_view program_id = "dbfunctions.dba";
@@ -114,7 +127,8 @@ class Database {
   virtual ~Database() = default;
 
   // `provider` is "sqlite:PATH"; a relative path is resolved against the console's folder. The file is made
-  // if it is missing, and tables and indexes that it lacks are added. Never null.
+  // if it is missing, tables and indexes that it lacks are added, and columns that compare by case but should
+  // not are brought over, once, table by table; progress is reported, which lets events run. Never null.
   virtual ConnectionHandle open_database(std::string_view provider) = 0;
 
   // Options are the rows of `konf`, by their key; case matters. The two ways to read one differ only in
@@ -178,7 +192,7 @@ class Database {
   virtual bool export_(Literal column, Literal table, const Statement& condition, std::string_view path,
                        bool overwrite) = 0;
 
-  // Lower-cases (A to Z) every value of the column.
+  // Lower-cases (A to Z) every value of the column, as it is stored.
   virtual void lcase_table(Literal table, Literal column) = 0;
 
   // The plain and the HTML text of a disclaimer rule, in this order; always two elements, empty if there is

@@ -44,7 +44,7 @@ inline constexpr ListTable extensions{"extensions", "extension", "extension"};
 
 }  // namespace list
 
-// "DELETE FROM table where column='text'". Deletes every row with this entry, compared byte by byte. The
+// "DELETE FROM table where column='text'". Deletes every row with this entry, the case of A to Z ignored. The
 // statement copies `text`; one with an apostrophe makes it malformed, so callers escape it first where the
 // list holds escaped entries (core/text/list_entry.h).
 inline Statement delete_from(const ListTable& list, std::string_view text) {

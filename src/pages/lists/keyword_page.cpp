@@ -25,8 +25,11 @@ KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keyw
   });
   Check1.on_click = [this] { click_subject_check(); };
   subjectspace.on_click = [this] { set_option("subjectspace", subjectspace.checked() ? many_blanks : 0); };
+  when_not_stored("subjectspace", [this] { load_subjectspace(); });
+  when_not_stored("checksubject", [this] { Check3.set_enabled(Check1.checked()); });
   checkheader.on_click = [this] {
-    settings().regwrite_string(header_check_path(), checkheader.checked() ? "1" : "0");
+    const bool stored = settings().regwrite_string(header_check_path(), checkheader.checked() ? "1" : "0");
+    if (!stored) load_registry_switch(checkheader, header_check_path());
   };
   bind_transfer(Command5, subjects_);
   bind_transfer(Command6, bodies_);

@@ -35,6 +35,8 @@ GeneralPage::GeneralPage(Console& console) : Page(console, "general", "General")
   });
   mx.on_click = [this] { click_mx(); };
   autoimport.on_click = [this] { set_option("autoimport", autoimport.checked() ? import_interval : 0); };
+  when_not_stored("debug", [this] { load_debugging(); });
+  when_not_stored("autoimport", [this] { show_autoimport(); });
   blockndr.on_click = [this] { click_blockndr(); };
   debugging.on_click = [this] { click_debugging(); };
   Combo1.on_click = [this] { choose_language(); };
@@ -90,6 +92,10 @@ void GeneralPage::load_autoimport() {
   if (conn) autoimport.set_checked(interval > 0);
   process_events();
   set_option("autoimport", interval);
+}
+
+void GeneralPage::show_autoimport() {
+  if (const auto interval = read_number("autoimport")) autoimport.set_checked(*interval > 0);
 }
 
 void GeneralPage::load_debugging() {

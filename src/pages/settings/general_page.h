@@ -75,6 +75,7 @@ class GeneralPage : public Page {
 
   void load_settings();
   void load_autoimport();
+  void show_autoimport();
   void load_debugging();
 
   void choose_language();

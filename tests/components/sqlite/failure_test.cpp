@@ -81,6 +81,24 @@ TEST_F(FailureTest, FullDatabase) {
   EXPECT_EQ(other.ask("PRAGMA integrity_check"), "ok");
 }
 
+// What went before is undone at once, nothing is written any more, and reading goes on.
+TEST_F(FailureTest, AFailureOfTheEngineDropsTheTransaction) {
+  execute("PRAGMA max_page_count=100");
+  execute(insert_into("blacklist", "entry", "before"));
+  const std::string large(400000, 'x');
+  conn->begin_transaction();
+  execute(insert_into("blacklist", "entry", "lost"));
+  EXPECT_THAT(failure_of([&] { execute("INSERT INTO blacklist (none) VALUES (1)"); }), StartsWith("1: "));
+  EXPECT_THAT(list("blacklist"), ElementsAre("before", "lost"));
+  EXPECT_THROW(execute(insert_into("words", "entry", large)), EngineFailure);
+  other.run("INSERT INTO swords VALUES ('theirs')");
+  EXPECT_THAT(list("blacklist"), ElementsAre("before"));
+  EXPECT_THAT(failure_of([&] { database->add_to_blackdomain("late", conn); }), HasSubstr("not run: "));
+  EXPECT_THAT(failure_of([&] { conn->commit(); }), StartsWith("13: "));
+  execute(insert_into("blacklist", "entry", "after"));
+  EXPECT_THAT(list("blacklist"), ElementsAre("before", "after"));
+}
+
 TEST_F(FailureTest, FullDiskDuringAnImport) {
   std::string content;
   for (int i = 0; i < 50000; ++i) content.append("some-host-").append(std::to_string(i)).append("\n");
