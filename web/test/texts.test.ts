@@ -14,6 +14,14 @@ function told(entries: ReturnType<typeof entry>[], total = entries.length, faile
 }
 
 describe('what a toast says', () => {
+  it('leaves out failures that were expected', () => {
+    const expected = { ...entry('sql', 'DELETE * FROM iplog', 'syntax error'), expected: true }
+    const failing = entry('option', 'set_option checkmx=0', 'no database')
+    expect(told([expected, failing], 2, 1)[0]).toBe('Option checkmx was not set (1 of 2 steps failed)')
+    expect(summarise([expected, failing], 2, 1).error).toBe('no database')
+    expect(summarise([entry('option', 'set_option checkmx=0'), expected], 2, 0)).toMatchObject({ failed: false, others: [] })
+  })
+
   it.each([
     [[entry('option', 'set_option checkmid=1')], 'Option checkmid set to 1', 'Option checkmid auf 1 gesetzt'],
     [[entry('option', 'set_string welcome=220 a=b')], 'Option welcome set to 220 a=b', 'Option welcome auf 220 a=b gesetzt'],

@@ -44,11 +44,13 @@ json::array entries_json(const ActivityRecord& record, std::uint64_t from, std::
   json::array entries;
   for (; from < to; ++from) {
     const ActivityRecord::Entry entry = record[from];
-    entries.push_back(json::object{{"time", time_of_day(entry.time)},
-                                   {"kind", name_of(entry.kind)},
-                                   {"text", valid_part(entry.public_text, longest_entry)},
-                                   {"ok", entry.ok},
-                                   {"error", valid_part(entry.error, longest_entry)}});
+    json::object told{{"time", time_of_day(entry.time)},
+                      {"kind", name_of(entry.kind)},
+                      {"text", valid_part(entry.public_text, longest_entry)},
+                      {"ok", entry.ok},
+                      {"error", valid_part(entry.error, longest_entry)}};
+    if (entry.expected) told["expected"] = true;
+    entries.push_back(std::move(told));
   }
   return entries;
 }

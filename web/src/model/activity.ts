@@ -63,7 +63,7 @@ export class ActivityModel {
     } else {
       const found = message.entries
         .map((entry, offset) => ({ ...entry, position: message.start + offset }))
-        .filter(entry => !entry.ok && entry.position >= asked.scanFrom && entry.position < asked.scanEnd)
+        .filter(entry => !entry.ok && !entry.expected && entry.position >= asked.scanFrom && entry.position < asked.scanEnd)
       this.failures.value = [...this.failures.peek(), ...found].sort((a, b) => b.position - a.position)
       if (asked.scanFrom < this.scannedFrom) this.scannedFrom = asked.scanFrom
       this.scannedEnd = Math.max(this.scannedEnd, asked.scanEnd)

@@ -47,13 +47,13 @@ const weight = (step: Step): number => {
 /** Sums up what one action did: the weightiest step in full and the others in numbers. `total` and `failures` count all of its
  *  steps, of which the entries may be only the newest. */
 export function summarise(entries: readonly ActivityEntry[], total: number, failures: number): Summary {
-  const failed = entries.filter(entry => !entry.ok)
+  const failed = entries.filter(entry => !entry.ok && !entry.expected)
   if (failures > 0) {
     const worst = failed[0]
     const lead = worst ? readStep(worst) : null
     return { failed: true, failures, total, lead, others: [], error: worst?.error ?? '' }
   }
-  const steps = entries.map(readStep)
+  const steps = entries.filter(entry => !entry.expected).map(readStep)
   let lead: Step | null = null
   for (const step of steps) if (!lead || weight(step) > weight(lead)) lead = step
   const counts = new Map<Step['kind'], number>()

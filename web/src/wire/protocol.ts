@@ -109,6 +109,8 @@ export interface ActivityEntry {
   text: string
   ok: boolean
   error: string
+  /** A failure that the step was prepared for: nothing to tell anybody. */
+  expected?: boolean
 }
 
 export type Reply = 'ok' | 'cancel'
