@@ -4,13 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 namespace zrl::sqlite {
 
 // Hashes entries (SipHash-2-4, 128 bits) with a random key of its own, so that nobody can prepare entries
-// whose hashes collide.
+// whose hashes collide. The case of A to Z is ignored, as the tables ignore it.
 class EntryHasher {
  public:
   struct Hash {
@@ -20,10 +21,11 @@ class EntryHasher {
 
   EntryHasher();
 
-  Hash operator()(std::string_view entry) const;
+  Hash operator()(std::string_view entry);
 
  private:
   std::array<unsigned char, 16> key_;
+  std::string folded_;
 };
 
 // A set of entries, each with a number, that takes 16 bytes a slot whatever their length: it keeps

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "components/sqlite/entry_set.h"
+#include "components/sqlite/large_cache.h"
 #include "components/sqlite/list_reader.h"
 #include "core/text/error.h"
 
@@ -18,24 +19,6 @@ namespace {
 constexpr std::int64_t bulk_entries = 5000;
 constexpr std::uint64_t most_entries = 0xFFFFFFFF;
 constexpr std::uint64_t report_interval = 32768;
-
-// More memory for pages and sorting while it lives.
-class LargeCache {
- public:
-  explicit LargeCache(Engine& engine) : engine_(engine), before_(engine.number("PRAGMA cache_size")) {
-    engine.run("PRAGMA cache_size=-65536");
-  }
-  LargeCache(const LargeCache&) = delete;
-  LargeCache& operator=(const LargeCache&) = delete;
-  ~LargeCache() {
-    const std::string sql = "PRAGMA cache_size=" + std::to_string(before_) + "; PRAGMA shrink_memory";
-    sqlite3_exec(engine_.handle(), sql.c_str(), nullptr, nullptr, nullptr);
-  }
-
- private:
-  Engine& engine_;
-  std::int64_t before_;
-};
 
 class Work {
  public:
@@ -136,7 +119,7 @@ Query Work::addition_of_missing() {
 // table lacks it. A file with too many entries is read several times, and each pass covers a part of them.
 std::vector<bool> Work::new_entries(ListReader& reader) {
   std::vector<bool> result(static_cast<std::size_t>(entries_));
-  const EntryHasher hasher;
+  EntryHasher hasher;
   const std::uint64_t parts = passes();
   EntrySet set(static_cast<std::size_t>(static_cast<std::uint64_t>(entries_) / parts * 5 / 4 + 1024));
   for (std::uint64_t part = 0; part < parts; ++part) {
@@ -198,7 +181,7 @@ void Work::remove_singly(ListReader& reader) {
 // The keys of the rows that the file names, ascending.
 std::vector<std::int64_t> Work::matching_rows(ListReader& reader) {
   std::vector<std::int64_t> result;
-  const EntryHasher hasher;
+  EntryHasher hasher;
   const std::uint64_t parts = passes();
   EntrySet set(static_cast<std::size_t>(static_cast<std::uint64_t>(entries_) / parts * 5 / 4 + 1024));
   for (std::uint64_t part = 0; part < parts; ++part) {

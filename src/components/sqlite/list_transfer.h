@@ -23,7 +23,8 @@ struct ListTransfer {
   std::uint64_t entries_a_pass = std::uint64_t{2} << 20;
 };
 
-// Adds the entries that the column lacks, each once, in the order of the file.
+// Adds the entries that the column lacks, each once, in the order of the file. Entries that differ by case
+// alone are the same.
 void import_list(const ListTransfer& transfer, const std::filesystem::path& path);
 
 // The same with entries in memory.

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "core/text/error.h"
+#include "components/sqlite/column_case.h"
+#include "components/sqlite/large_cache.h"
+#include "core/contracts/database.h"
 
 // The file, put between these marks by the assembler, with a zero byte at its end.
 extern "C" {
@@ -51,13 +53,17 @@ std::optional<std::string> kind_of(Engine& engine, std::string_view name) {
   return std::string(query.text(0));
 }
 
+bool has_column(Engine& engine, const std::string& table, std::string_view name) {
+  Query present(engine, "SELECT 1 FROM pragma_table_info(?1) WHERE name=?2 COLLATE NOCASE");
+  return present.bind(1, table).bind(2, name).step();
+}
+
 void add_missing_columns(Engine& engine, Engine& model, const std::string& table) {
   Query wanted(model, "SELECT name, type, dflt_value FROM pragma_table_info(?1)");
   wanted.bind(1, table);
   while (wanted.step()) {
-    Query present(engine, "SELECT 1 FROM pragma_table_info(?1) WHERE name=?2 COLLATE NOCASE");
     const std::string name(wanted.text(0));
-    if (present.bind(1, table).bind(2, name).step()) continue;
+    if (has_column(engine, table, name)) continue;
     std::string sql = "ALTER TABLE " + quoted_name(table) + " ADD COLUMN " + quoted_name(name) + " ";
     sql += wanted.text(1);
     if (!wanted.is_null(2)) sql.append(" DEFAULT ").append(wanted.text(2));
@@ -65,16 +71,74 @@ void add_missing_columns(Engine& engine, Engine& model, const std::string& table
   }
 }
 
-// A table that was made by hand may have duplicates; they are kept, and the index is not unique then.
-void create_index(Engine& engine, std::string sql) {
-  try {
-    engine.run(sql.c_str());
-  } catch (const Error& error) {
-    constexpr std::string_view unique = "UNIQUE ";
-    const std::size_t found = sql.find(unique);
-    if (error.number() != SQLITE_CONSTRAINT || found == sql.npos) throw;
-    engine.run(sql.erase(found, unique.size()).c_str());
+bool has_all(Engine& engine, Engine& model, const std::vector<Object>& objects) {
+  for (const Object& wanted : objects) {
+    const std::optional<std::string> present = kind_of(engine, wanted.name);
+    if (!present && (wanted.kind == "table" || kind_of(engine, wanted.table) == "table")) return false;
+    if (wanted.kind != "table" || present != "table") continue;
+    Query missing(model, "SELECT name FROM pragma_table_info(?1)");
+    missing.bind(1, wanted.name);
+    while (missing.step()) {
+      if (!has_column(engine, wanted.name, missing.text(0))) return false;
+    }
   }
+  return true;
+}
+
+void add_missing(Engine& engine, Engine& model, const std::vector<Object>& objects) {
+  Atomic atomic(engine);
+  for (const Object& wanted : objects) {
+    const std::optional<std::string> present = kind_of(engine, wanted.name);
+    if (wanted.kind == "table") {
+      if (!present) engine.run(wanted.sql.c_str());
+      if (present == "table") add_missing_columns(engine, model, wanted.name);
+    } else if (!present && kind_of(engine, wanted.table) == "table") {
+      create_index(engine, wanted.sql);
+    }
+  }
+  atomic.commit();
+}
+
+// The tables with columns that compare by case and should not. That of the scripts is made by its page.
+std::vector<TableColumns> tables_to_bring_over(Engine& engine, Engine& model,
+                                               const std::vector<Object>& objects) {
+  std::vector<TableColumns> wanted{{"scriptengine", {"scriptname"}}};
+  for (const Object& object : objects) {
+    if (object.kind != "table") continue;
+    TableColumns& table = wanted.emplace_back(TableColumns{object.name, {}});
+    Query columns(model, "SELECT name FROM pragma_table_info(?1)");
+    columns.bind(1, object.name);
+    while (columns.step()) {
+      const std::string name(columns.text(0));
+      const char* collation = nullptr;
+      sqlite3_table_column_metadata(model.handle(), "main", object.name.c_str(), name.c_str(), nullptr,
+                                    &collation, nullptr, nullptr, nullptr);
+      if (collation != nullptr && std::string_view(collation) == "NOCASE") table.columns.push_back(name);
+    }
+  }
+  std::erase_if(wanted, [&](const TableColumns& table) { return comparing_by_case(engine, table).empty(); });
+  return wanted;
+}
+
+// False if something is left to the next opening.
+bool bring_over(Engine& engine, const std::vector<TableColumns>& tables, const SchemaReport& report) {
+  if (tables.empty()) return true;
+  const LargeCache cache(engine);
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    report.progress(tables[i].table, i, tables.size());
+    try {
+      ignore_case(engine, tables[i]);
+    } catch (const EngineFailure& failure) {
+      // Whoever keeps the file locked may be a console that does the same.
+      const bool left = failure.number() != SQLITE_BUSY || !comparing_by_case(engine, tables[i]).empty();
+      if (left) report.failure(tables[i].table, failure.what());
+      if (left) return false;
+    } catch (const Error& error) {
+      report.failure(tables[i].table, error.what());  // the next opening could do no better
+    }
+  }
+  report.progress(tables.back().table, tables.size(), tables.size());
+  return true;
 }
 
 }  // namespace
@@ -88,29 +152,21 @@ std::int32_t schema_stamp() {
   return stamp;
 }
 
-void ensure_schema(Engine& engine, SchemaCheck check) {
-  const auto up_to_date = [&] {
-    return check == SchemaCheck::quick && engine.number("PRAGMA user_version") == schema_stamp();
-  };
-  if (engine.read_only() || up_to_date()) return;
+void ensure_schema(Engine& engine, SchemaCheck check, const SchemaReport& report) {
+  if (engine.read_only()) return;
+  if (check == SchemaCheck::quick && engine.number("PRAGMA user_version") == schema_stamp()) return;
 
   Engine model;
   model.run(zrl_schema_begin);
-  Atomic atomic(engine);
-  if (up_to_date()) return;  // another process was faster
-  for (const Object& wanted : objects_of(model)) {
-    const std::optional<std::string> present = kind_of(engine, wanted.name);
-    if (wanted.kind == "table") {
-      if (!present) engine.run(wanted.sql.c_str());
-      if (present == "table") add_missing_columns(engine, model, wanted.name);
-    } else if (!present && kind_of(engine, wanted.table) == "table") {
-      create_index(engine, wanted.sql);
-    }
-  }
-  if (engine.number("PRAGMA user_version") != schema_stamp()) {
+  const std::vector<Object> objects = objects_of(model);
+  if (!has_all(engine, model, objects)) add_missing(engine, model, objects);
+  const std::vector<TableColumns> tables = tables_to_bring_over(engine, model, objects);
+  if (!bring_over(engine, tables, report) || engine.number("PRAGMA user_version") == schema_stamp()) return;
+  try {
     engine.run(("PRAGMA user_version=" + std::to_string(schema_stamp())).c_str());
+  } catch (const EngineFailure& failure) {
+    report.failure("user_version", failure.what());  // the next opening compares everything again
   }
-  atomic.commit();
 }
 
 }  // namespace zrl::sqlite

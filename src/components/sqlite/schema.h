@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 #include "components/sqlite/sqlite_engine.h"
@@ -11,14 +12,24 @@ namespace zrl::sqlite {
 std::string_view schema_text();
 // A checksum of that text, which is the user_version of a database that has all of it. So no version has to
 // be counted. When consoles with different texts open the same database in turn, each compares the whole
-// schema again and adds what is missing; none removes anything.
+// schema again and adds what is missing; none removes anything, nor makes a column compare by case again.
 std::int32_t schema_stamp();
 
 enum class SchemaCheck { quick, thorough };
 
-// Creates missing tables, columns and indexes in one transaction, and changes nothing that exists. The quick
-// check compares the database's stamp only and returns at once if it is current. A file that is open
+// What opening a database reports, outside all transactions: before each table that is brought over, and if
+// one could not be.
+struct SchemaReport {
+  std::function<void(std::string_view table, std::uint64_t done, std::uint64_t total)> progress;
+  std::function<void(std::string_view table, std::string_view problem)> failure;
+};
+
+// Creates missing tables, columns and indexes in one transaction, and changes nothing that exists but one
+// thing: columns that compare by case and should not are made to ignore it, in a transaction a table, so that
+// other processes wait for one table at most, and the rest is done later if the process ends in between. If
+// another process keeps the file locked, or the disk is full, that rest is left to the next opening. The
+// quick check compares the database's stamp only and returns at once if it is current. A file that is open
 // for reading only stays as it is. Raises zrl::Error.
-void ensure_schema(Engine& engine, SchemaCheck check);
+void ensure_schema(Engine& engine, SchemaCheck check, const SchemaReport& report);
 
 }  // namespace zrl::sqlite

@@ -6,66 +6,70 @@
 -- Entries of the list tables are not unique. Every column by which statements choose or order rows has an index;
 -- where both happen together, the index serves both. Texts are UTF-8. The table of the scripts, `scriptengine`, is
 -- made by its page.
+--
+-- The columns by which entries and rows of the logs are found ignore the case of A to Z; texts are kept as they come.
+-- A column of an older database that compares by case is brought over when it is opened. The keys of options differ
+-- by case, and so do the identifiers of mails in the archive, which others give out.
 
 CREATE TABLE konf         (ID TEXT, value TEXT);                 -- the options
 CREATE UNIQUE INDEX konf_ID              ON konf (ID);
 
-CREATE TABLE blacklist    (entry TEXT);                          -- domains
+CREATE TABLE blacklist    (entry TEXT COLLATE NOCASE);           -- domains
 CREATE INDEX blacklist_entry             ON blacklist (entry);
-CREATE TABLE whitelist    (entry TEXT);
+CREATE TABLE whitelist    (entry TEXT COLLATE NOCASE);
 CREATE INDEX whitelist_entry             ON whitelist (entry);
-CREATE TABLE mydomain     (entry TEXT);
+CREATE TABLE mydomain     (entry TEXT COLLATE NOCASE);
 CREATE INDEX mydomain_entry              ON mydomain (entry);
-CREATE TABLE exceptdomain (entry TEXT);
+CREATE TABLE exceptdomain (entry TEXT COLLATE NOCASE);
 CREATE INDEX exceptdomain_entry          ON exceptdomain (entry);
 
-CREATE TABLE Blackhost    (IPNumber TEXT);                       -- addresses of hosts
+CREATE TABLE Blackhost    (IPNumber TEXT COLLATE NOCASE);        -- addresses of hosts
 CREATE INDEX Blackhost_IPNumber          ON Blackhost (IPNumber);
-CREATE TABLE Whitehost    (IPNumber TEXT);
+CREATE TABLE Whitehost    (IPNumber TEXT COLLATE NOCASE);
 CREATE INDEX Whitehost_IPNumber          ON Whitehost (IPNumber);
-CREATE TABLE myips        (IPNumber TEXT);
+CREATE TABLE myips        (IPNumber TEXT COLLATE NOCASE);
 CREATE INDEX myips_IPNumber              ON myips (IPNumber);
-CREATE TABLE blacksub     (subnet TEXT);
+CREATE TABLE blacksub     (subnet TEXT COLLATE NOCASE);
 CREATE INDEX blacksub_subnet             ON blacksub (subnet);
-CREATE TABLE whitesub     (subnet TEXT);
+CREATE TABLE whitesub     (subnet TEXT COLLATE NOCASE);
 CREATE INDEX whitesub_subnet             ON whitesub (subnet);
 
-CREATE TABLE blackmail    (entry TEXT);                          -- e-mail addresses
+CREATE TABLE blackmail    (entry TEXT COLLATE NOCASE);           -- e-mail addresses
 CREATE INDEX blackmail_entry             ON blackmail (entry);
-CREATE TABLE whitemail    (entry TEXT);
+CREATE TABLE whitemail    (entry TEXT COLLATE NOCASE);
 CREATE INDEX whitemail_entry             ON whitemail (entry);
-CREATE TABLE localmail    (entry TEXT);
+CREATE TABLE localmail    (entry TEXT COLLATE NOCASE);
 CREATE INDEX localmail_entry             ON localmail (entry);
-CREATE TABLE exceptmail   (entry TEXT);
+CREATE TABLE exceptmail   (entry TEXT COLLATE NOCASE);
 CREATE INDEX exceptmail_entry            ON exceptmail (entry);
 
-CREATE TABLE swords       (entry TEXT);                          -- keywords
+CREATE TABLE swords       (entry TEXT COLLATE NOCASE);           -- keywords
 CREATE INDEX swords_entry                ON swords (entry);
-CREATE TABLE words        (entry TEXT);
+CREATE TABLE words        (entry TEXT COLLATE NOCASE);
 CREATE INDEX words_entry                 ON words (entry);
-CREATE TABLE subjectwhite (entry TEXT);
+CREATE TABLE subjectwhite (entry TEXT COLLATE NOCASE);
 CREATE INDEX subjectwhite_entry          ON subjectwhite (entry);
 
-CREATE TABLE rblserver    (entry TEXT);                          -- zones of block lists
+CREATE TABLE rblserver    (entry TEXT COLLATE NOCASE);           -- zones of block lists
 CREATE INDEX rblserver_entry             ON rblserver (entry);
-CREATE TABLE wblserver    (entry TEXT);
+CREATE TABLE wblserver    (entry TEXT COLLATE NOCASE);
 CREATE INDEX wblserver_entry             ON wblserver (entry);
-CREATE TABLE surblserver  (entry TEXT);
+CREATE TABLE surblserver  (entry TEXT COLLATE NOCASE);
 CREATE INDEX surblserver_entry           ON surblserver (entry);
 
-CREATE TABLE files        (files TEXT);                          -- attachments
+CREATE TABLE files        (files TEXT COLLATE NOCASE);           -- attachments
 CREATE INDEX files_files                 ON files (files);
-CREATE TABLE extension    (extension TEXT);
+CREATE TABLE extension    (extension TEXT COLLATE NOCASE);
 CREATE INDEX extension_extension         ON extension (extension);
 
-CREATE TABLE rwords       (orig TEXT, repl TEXT);                -- words and their replacements
+CREATE TABLE rwords       (orig TEXT COLLATE NOCASE, repl TEXT); -- words and their replacements
 CREATE UNIQUE INDEX rwords_orig          ON rwords (orig);
 
-CREATE TABLE disclaimer   (rule TEXT, plain TEXT, html TEXT);
+CREATE TABLE disclaimer   (rule TEXT COLLATE NOCASE, plain TEXT, html TEXT);
 CREATE INDEX disclaimer_rule             ON disclaimer (rule);
 
 CREATE TABLE pop3 (                                              -- mailboxes to collect from
-  entry         TEXT,                                            -- user name, comma, server
+  entry         TEXT COLLATE NOCASE,                             -- user name, comma, server
   password      TEXT,
   badmail       TEXT,
   forward       TEXT,
@@ -83,7 +87,7 @@ CREATE UNIQUE INDEX pop3_entry           ON pop3 (entry);
 -- The logs. status: 0 neutral, 1 white, 2 black. Times sort as they stand.
 CREATE TABLE iplog (
   ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
+  IPNumber      TEXT COLLATE NOCASE,
   status        INTEGER DEFAULT 0,
   servertime    TEXT
 );
@@ -93,9 +97,9 @@ CREATE INDEX iplog_status_servertime     ON iplog (status, servertime);
 
 CREATE TABLE predatalog (
   ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
-  mailfrom      TEXT,
-  reason        TEXT,
+  IPNumber      TEXT COLLATE NOCASE,
+  mailfrom      TEXT COLLATE NOCASE,
+  reason        TEXT COLLATE NOCASE,
   status        INTEGER DEFAULT 0,
   servertime    TEXT
 );
@@ -107,10 +111,10 @@ CREATE INDEX predatalog_status_servertime ON predatalog (status, servertime);
 
 CREATE TABLE subjectlog (
   ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
-  mailfrom      TEXT,
+  IPNumber      TEXT COLLATE NOCASE,
+  mailfrom      TEXT COLLATE NOCASE,
   mailto        TEXT,
-  keyword       TEXT,
+  keyword       TEXT COLLATE NOCASE,
   servertime    TEXT
 );
 CREATE INDEX subjectlog_IPNumber         ON subjectlog (IPNumber);
@@ -120,10 +124,10 @@ CREATE INDEX subjectlog_servertime       ON subjectlog (servertime);
 
 CREATE TABLE bodylog (
   ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
-  mailfrom      TEXT,
+  IPNumber      TEXT COLLATE NOCASE,
+  mailfrom      TEXT COLLATE NOCASE,
   mailto        TEXT,
-  keyword       TEXT,
+  keyword       TEXT COLLATE NOCASE,
   servertime    TEXT
 );
 CREATE INDEX bodylog_IPNumber            ON bodylog (IPNumber);
@@ -133,8 +137,8 @@ CREATE INDEX bodylog_servertime          ON bodylog (servertime);
 
 CREATE TABLE avlog (
   ID            INTEGER PRIMARY KEY,
-  IPNumber      TEXT,
-  mailfrom      TEXT,
+  IPNumber      TEXT COLLATE NOCASE,
+  mailfrom      TEXT COLLATE NOCASE,
   mailto        TEXT,
   reason        TEXT,
   servertime    TEXT

@@ -7,22 +7,35 @@
 
 namespace zrl::sqlite {
 
+SchemaReport report_to(ConsoleServices& console) {
+  return {[&console](std::string_view table, std::uint64_t done, std::uint64_t total) {
+            console.show_progress({"bring up to date: " + std::string(table), done, total});
+          },
+          [&console](std::string_view table, std::string_view problem) {
+            console.record_failure("bring up to date: " + std::string(table), problem);
+          }};
+}
+
 namespace {
 
 std::shared_ptr<Session> open_session(const std::filesystem::path& path, const Options& options,
-                                      bool create) {
+                                      ConsoleServices& console, bool create) {
   Engine::Options engine_options;
   engine_options.busy_timeout = options.busy_timeout;
   engine_options.create = create;
   auto session = std::make_shared<Session>(path, engine_options);
-  ensure_schema(session->engine, SchemaCheck::quick);
+  ensure_schema(session->engine, SchemaCheck::quick, report_to(console));
   return session;
 }
 
 }  // namespace
 
-SqliteConnection::SqliteConnection(std::filesystem::path path, const Options& options)
-    : path_(std::move(path)), options_(options), session_(open_session(path_, options_, true)) {}
+SqliteConnection::SqliteConnection(std::filesystem::path path, const Options& options,
+                                   ConsoleServices& console)
+    : path_(std::move(path)),
+      options_(options),
+      console_(console),
+      session_(open_session(path_, options_, console_, true)) {}
 
 void SqliteConnection::execute(const Statement& statement) {
   session(Engine::Use::write).statements.prepare(statement)->run();
@@ -58,7 +71,7 @@ Session& SqliteConnection::session(Engine::Use use) {
 
 void SqliteConnection::follow_the_file() {
   if (session_->engine.has_transaction() || !session_->engine.moved()) return;
-  session_ = open_session(path_, options_, false);
+  session_ = open_session(path_, options_, console_, false);
 }
 
 }  // namespace zrl::sqlite

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "components/sqlite/schema.h"
 #include "components/sqlite/sqlite.h"
 #include "components/sqlite/sqlite_engine.h"
 #include "components/sqlite/statement_cache.h"
@@ -19,12 +20,15 @@ struct Session {
   StatementCache statements;
 };
 
+// What is reported while a database is opened or prepared, for the console.
+SchemaReport report_to(ConsoleServices& console);
+
 // A connection to one file. If the file has been replaced by another one, the next operation opens the new
 // one; if it has been deleted, operations fail instead of writing to a file that nobody will read.
 class SqliteConnection : public Connection {
  public:
-  // Opens the file and creates what is missing of the schema.
-  SqliteConnection(std::filesystem::path path, const Options& options);
+  // Opens the file and completes its schema. Progress and failures of that go to the console.
+  SqliteConnection(std::filesystem::path path, const Options& options, ConsoleServices& console);
 
   void execute(const Statement& statement) override;
   std::unique_ptr<RecordSet> open(const Statement& select, Access access) override;
@@ -42,6 +46,7 @@ class SqliteConnection : public Connection {
 
   std::filesystem::path path_;
   Options options_;
+  ConsoleServices& console_;
   std::shared_ptr<Session> session_;
 };
 

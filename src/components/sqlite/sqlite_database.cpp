@@ -6,6 +6,7 @@
 #include "core/contracts/directory.h"
 #include "core/text/error.h"
 #include "core/text/paths.h"
+#include "core/text/secrets.h"
 #include "core/text/text.h"
 
 namespace zrl::sqlite {
@@ -103,6 +104,17 @@ void add_word(Literal table, std::string_view word, const ConnectionHandle& conn
   atomic.commit();
 }
 
+// Keys compare as entries do. A text key is told by the column definitions of a page, without a collation.
+std::string keys_ignoring_case(std::string_view columns) {
+  constexpr std::string_view key = "primary key";
+  std::string result(columns);
+  const std::size_t found = lower(columns).find(key);
+  if (found == std::string::npos || lower(columns).find("collate") != std::string::npos) return result;
+  const std::size_t end = found + key.size();
+  if (trim(columns.substr(end)).starts_with('(')) return result;
+  return result.insert(end, " COLLATE NOCASE");
+}
+
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(ConsoleServices& console, Options options)
@@ -113,7 +125,7 @@ std::shared_ptr<Database> make(ConsoleServices& console, Options options) {
 }
 
 ConnectionHandle SqliteDatabase::open_database(std::string_view provider) {
-  return std::make_shared<SqliteConnection>(path_of(provider), options_);
+  return std::make_shared<SqliteConnection>(path_of(provider), options_, console_);
 }
 
 OptionValue SqliteDatabase::read_option(std::string_view key, ConnectionHandle& conn) {
@@ -199,13 +211,13 @@ void SqliteDatabase::remove_from_iplist(std::string_view address, ConnectionHand
 void SqliteDatabase::CreateTable(ConnectionHandle& conn, Literal table, Literal columns) {
   Session& session = session_of(conn, Engine::Use::write);
   std::string sql = "CREATE TABLE IF NOT EXISTS " + quoted_name(table.text());
-  sql.append(" (").append(columns.text()).append(")");
+  sql.append(" (").append(keys_ignoring_case(columns.text())).append(")");
   Query(session.engine, sql).run();
 }
 
 void SqliteDatabase::prep_mdb(ConnectionHandle& conn) {
   Session& session = session_of(conn, Engine::Use::write);
-  ensure_schema(session.engine, SchemaCheck::thorough);
+  ensure_schema(session.engine, SchemaCheck::thorough, report_to(console_));
   session.engine.run("PRAGMA analysis_limit=1000; ANALYZE");
 }
 
@@ -249,8 +261,8 @@ void SqliteDatabase::lcase_table(Literal table, Literal column) {
   const std::string list = quoted_name(table.text());
   const std::string name = quoted_name(column.text());
   with_own([&](Session& session) {
-    Query(session.engine,
-          "UPDATE " + list + " SET " + name + "=lower(" + name + ") WHERE " + name + "<>lower(" + name + ")")
+    Query(session.engine, "UPDATE " + list + " SET " + name + "=lower(" + name + ") WHERE " + name +
+                              " COLLATE BINARY<>lower(" + name + ")")
         .run();
   });
 }
@@ -286,11 +298,11 @@ std::filesystem::path SqliteDatabase::path_of(std::string_view provider) const {
   const std::string_view text = trim(provider);
   if (text.empty()) throw Error(SQLITE_CANTOPEN, "no connection string for the database");
   if (!equals_ignoring_case(text.substr(0, scheme.size()), scheme)) {
-    throw Error(SQLITE_CANTOPEN, "not a connection string of this database: " + std::string(text));
+    throw Error(SQLITE_CANTOPEN, "not a connection string of this database: " + without_secrets(text));
   }
   const std::string_view path = text.substr(scheme.size());
   if (path.empty() || path.find('\0') != path.npos) {
-    throw Error(SQLITE_CANTOPEN, "the connection string names no database file: " + std::string(text));
+    throw Error(SQLITE_CANTOPEN, "the connection string names no database file: " + without_secrets(text));
   }
   return folder_ / to_file_path(path);
 }
@@ -300,7 +312,7 @@ void SqliteDatabase::with_own(const std::function<void(Session&)>& action) {
   if (own_is_busy_) throw Error(SQLITE_BUSY, "another list is being transferred");
   std::string provider = console_.data_provider();
   if (!own_ || provider != own_provider_) {
-    own_ = std::make_unique<SqliteConnection>(path_of(provider), options_);
+    own_ = std::make_unique<SqliteConnection>(path_of(provider), options_, console_);
     own_provider_ = std::move(provider);
   }
   struct Busy {

@@ -49,7 +49,7 @@ void LocalUserPage::add_user() {
   fill_lists();
 }
 
-// The address is used as written, capital letters included, and its domain stays local.
+// The address is used as written, and its domain stays local.
 void LocalUserPage::remove_user() {
   if (uemail.text().find('@') == std::string::npos) return;
   raise_flag("reloadblack");

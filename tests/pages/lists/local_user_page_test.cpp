@@ -44,7 +44,7 @@ TEST_F(LocalUserPageTest, WhatIsNoDomainDoesNotBecomeLocal) {
   EXPECT_EQ(page.uemail.text(), "nobody");
 }
 
-TEST_F(LocalUserPageTest, RemovingMindsCapitalLettersAndKeepsTheDomain) {
+TEST_F(LocalUserPageTest, RemovingIgnoresCapitalLettersAndKeepsTheDomain) {
   insert("localmail", "entry", {"anna@example.com", "no address"});
   insert("mydomain", "entry", {"example.com"});
   LocalUserPage& page = shown();
@@ -56,9 +56,6 @@ TEST_F(LocalUserPageTest, RemovingMindsCapitalLettersAndKeepsTheDomain) {
   page.removeuser.user_click();
   EXPECT_THAT(activity(),
               ElementsAre(raised("reloadblack"), "DELETE FROM localmail where entry='Anna@example.com'"));
-  EXPECT_THAT(items(page.List1), ElementsAre("anna@example.com"));
-  page.List1.user_choose(0);
-  page.removeuser.user_click();
   EXPECT_THAT(items(page.List1), IsEmpty());
   EXPECT_THAT(rows("mydomain", "entry"), ElementsAre("example.com"));
 }
