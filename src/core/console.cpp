@@ -36,10 +36,15 @@ bool is_engine_failure() {
   }
 }
 
+// The empty path stays empty: a console that uses no files.
+std::filesystem::path absolute_folder(std::filesystem::path folder) {
+  return folder.empty() ? folder : std::filesystem::absolute(folder);
+}
+
 }  // namespace
 
 Console::Console(std::filesystem::path folder, Host& host, Clock clock)
-    : folder_(std::move(folder)),
+    : folder_(absolute_folder(std::move(folder))),
       clock_(std::move(clock)),
       writes_(*this),
       committing_host_(host, writes_),

@@ -17,7 +17,7 @@ class NameLookup;
 // console's thread. Tests put a double in its place.
 class ConsoleServices {
  public:
-  // The console's own folder, an absolute path or one below the working folder.
+  // The console's own folder, an absolute path.
   virtual const std::filesystem::path& folder() const = 0;
 
   // The registry value of this name under the product key, "updateurl" for example, as text: a number is

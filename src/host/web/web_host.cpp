@@ -63,7 +63,7 @@ ApplicationSettings application_settings(WebHostOptions options) {
   settings.assets = built_in_assets();
   settings.version = console.settings().product_version();
   settings.language = language.empty() ? "english" : language;
-  settings.console = {std::move(options.folder), options.pages, std::move(options.register_components),
+  settings.console = {console.folder(), options.pages, std::move(options.register_components),
                       options.modeless_dialogs};
   return settings;
 }
