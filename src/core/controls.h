@@ -327,8 +327,8 @@ class DriveList : public PathList {
   StringList read(const std::string& path) const override;
 };
 
-// The folders in a folder, sorted; ".." first if there is a parent. Choosing one enters it: the path changes,
-// and nothing is chosen afterwards.
+// The folders in a folder, sorted; ".." first if there is a parent. Those of the console's own are left out.
+// Choosing one enters it: the path changes, and nothing is chosen afterwards.
 class FolderList : public PathList {
  public:
   FolderList(Form& form, std::string_view name, std::string_view tool_tip = {})
@@ -340,7 +340,7 @@ class FolderList : public PathList {
   StringList read(const std::string& path) const override;
 };
 
-// The regular files in a folder, sorted.
+// The regular files in a folder, sorted. The console's own (core/contracts/console_folder.h) are left out.
 class FileList : public PathList {
  public:
   FileList(Form& form, std::string_view name, std::string_view tool_tip = {})

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <vector>
 
+#include "core/console.h"
+#include "core/contracts/console_folder.h"
 #include "core/controls.h"
 #include "core/form.h"
 #include "core/text/paths.h"
@@ -28,6 +30,26 @@ StringList names_in(const std::string& path, Predicate wanted) {
   for (const std::string& name : names) result.push_back(name);
   return result;
 }
+
+// Leaves out what is the console's own (core/contracts/console_folder.h). Paths are resolved only where the
+// answer can differ from that for the folder they are in.
+class OwnFiles {
+ public:
+  OwnFiles(const Form& form, const fs::path& shown)
+      : folder_(form.console().folder()), all_(console_folder::is_own(folder_, shown)) {}
+
+  bool has_file(const fs::directory_entry& entry, std::error_code& failure) const {
+    return entry.is_symlink(failure) ? console_folder::is_own(folder_, entry.path()) : all_;
+  }
+  // The console's folder itself is shown, because people's folders are in it.
+  bool has_folder(const fs::directory_entry& entry, std::error_code& failure) const {
+    return console_folder::is_own(folder_, entry.path()) && !fs::equivalent(entry.path(), folder_, failure);
+  }
+
+ private:
+  const fs::path& folder_;
+  bool all_;
+};
 
 }  // namespace
 
@@ -74,8 +96,10 @@ void FolderList::user_choose(std::int64_t index) {
 StringList FolderList::read(const std::string& path) const {
   StringList result;
   if (to_file_path(path).has_relative_path()) result.push_back("..");
-  const StringList folders = names_in(
-      path, [](const fs::directory_entry& entry, std::error_code& ec) { return entry.is_directory(ec); });
+  const OwnFiles own(form(), to_file_path(path));
+  const StringList folders = names_in(path, [&](const fs::directory_entry& entry, std::error_code& ec) {
+    return entry.is_directory(ec) && !own.has_folder(entry, ec);
+  });
   for (std::size_t i = 0; i < folders.size(); ++i) result.push_back(folders[i]);
   return result;
 }
@@ -87,8 +111,10 @@ void FileList::user_choose(std::int64_t index) {
 }
 
 StringList FileList::read(const std::string& path) const {
-  return names_in(
-      path, [](const fs::directory_entry& entry, std::error_code& ec) { return entry.is_regular_file(ec); });
+  const OwnFiles own(form(), to_file_path(path));
+  return names_in(path, [&](const fs::directory_entry& entry, std::error_code& ec) {
+    return entry.is_regular_file(ec) && !own.has_file(entry, ec);
+  });
 }
 
 }  // namespace zrl

@@ -28,7 +28,8 @@ class LayOut {
       fs::permissions(console_.folder(),
                       fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec);
     }
-    for (const char* name : {"download", "archive", "scripts"}) make_folder(console_.folder() / name);
+    for (const char* name : {"lists", "download", "archive", "scripts"})
+      make_folder(console_.folder() / name);
     make_ini();
     make_value(settings_.product_version_path(), version);
     make_value(settings_.data_provider_path(), "sqlite:proxy.db");

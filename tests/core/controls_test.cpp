@@ -176,24 +176,57 @@ class PathListForm : public Form {
 };
 
 TEST_F(ControlsTest, PathListsShowFoldersAndFilesOfTheMachine) {
-  std::filesystem::create_directories(folder.path() / "b" / "inner");
-  std::filesystem::create_directories(folder.path() / "a");
-  std::ofstream(folder.path() / "b" / "list.txt") << "x";
+  const test::TemporaryFolder machine;
+  const std::filesystem::path& root = machine.path();
+  std::filesystem::create_directories(root / "b" / "inner");
+  std::filesystem::create_directories(root / "a");
+  std::ofstream(root / "b" / "list.txt") << "x";
   PathListForm lists(console);
   lists.Dir1.on_change = [&] { lists.File1.set_path(lists.Dir1.path()); };
-  lists.Dir1.set_path(to_product_path(folder.path()));
+  lists.Dir1.set_path(to_product_path(root));
   ASSERT_EQ(lists.Dir1.items().size(), 3u);
   EXPECT_EQ(lists.Dir1.items()[0], "..");
   EXPECT_EQ(lists.Dir1.items()[1], "a");
   lists.Dir1.user_choose(2);
-  EXPECT_EQ(lists.Dir1.path(), to_product_path(folder.path() / "b"));
+  EXPECT_EQ(lists.Dir1.path(), to_product_path(root / "b"));
   ASSERT_EQ(lists.File1.items().size(), 1u);
   lists.File1.user_choose(0);
   EXPECT_EQ(lists.File1.chosen(), "list.txt");
   lists.Dir1.user_choose(0);
-  EXPECT_EQ(lists.Dir1.path(), to_product_path(folder.path()));
+  EXPECT_EQ(lists.Dir1.path(), to_product_path(root));
   lists.Dir1.set_path("\\no such folder");
   EXPECT_EQ(lists.Dir1.items().size(), 1u);
+}
+
+TEST_F(ControlsTest, PathListsLeaveOutTheConsolesOwnFiles) {
+  const std::filesystem::path own = folder.path() / "console";
+  for (const char* name : {"lists", "scripts", "secrets"}) std::filesystem::create_directories(own / name);
+  std::ofstream(own / "registry.db") << "x";
+  std::ofstream(own / "lists" / "a.txt") << "x";
+  std::filesystem::create_symlink("../registry.db", own / "lists" / "b.txt");
+  std::filesystem::create_symlink("a.txt", own / "lists" / "c.txt");
+  Console installed(own, host);
+  PathListForm form(installed);
+  const auto items = [](const PathList& list) {
+    std::string joined;
+    for (std::size_t i = 0; i < list.items().size(); ++i) joined.append(list.items()[i]).append(" ");
+    return joined;
+  };
+  for (PathList* list : {static_cast<PathList*>(&form.Dir1), static_cast<PathList*>(&form.File1)}) {
+    list->set_path(to_product_path(own));
+  }
+  EXPECT_EQ(items(form.Dir1), ".. lists ");
+  EXPECT_EQ(items(form.File1), "");
+  form.File1.set_path(to_product_path(own / "lists"));
+  EXPECT_EQ(items(form.File1), "a.txt c.txt ");
+  form.Dir1.set_path(to_product_path(folder.path()));
+  EXPECT_EQ(items(form.Dir1), ".. console ");
+}
+
+// Paths are built on the console's folder and resolved later, when the working folder may be part of them
+// again.
+TEST_F(ControlsTest, AConsolesFolderIsAbsolute) {
+  EXPECT_EQ(Console("build/folder", host).folder(), std::filesystem::current_path() / "build/folder");
 }
 
 }  // namespace

@@ -23,6 +23,10 @@ fs::path downloads(const fs::path& folder) {
   return folder / "download";
 }
 
+fs::path uploads(const fs::path& folder) {
+  return folder / "upload";
+}
+
 fs::path archive(const fs::path& folder) {
   return folder / "archive";
 }
@@ -41,7 +45,7 @@ bool is_own(const fs::path& folder, const fs::path& path) {
   const fs::path target = failure ? fs::path() : fs::weakly_canonical(fs::absolute(path, failure), failure);
   if (failure) return true;
   if (!is_within(target, whole)) return false;
-  const fs::path for_people[] = {lists(whole), downloads(whole), archive(whole)};
+  const fs::path for_people[] = {lists(whole), downloads(whole), uploads(whole), archive(whole)};
   return std::none_of(std::begin(for_people), std::end(for_people),
                       [&](const fs::path& part) { return is_within(target, part); });
 }

@@ -10,6 +10,8 @@ namespace zrl::console_folder {
 std::filesystem::path lists(const std::filesystem::path& folder);
 // The good copies of the list files that the update server published.
 std::filesystem::path downloads(const std::filesystem::path& folder);
+// What browsers sent.
+std::filesystem::path uploads(const std::filesystem::path& folder);
 std::filesystem::path archive(const std::filesystem::path& folder);
 std::filesystem::path scripts(const std::filesystem::path& folder);
 // What is not shared with the proxy: accounts, audit log and whatever else grants or shows what people do.
@@ -17,10 +19,10 @@ std::filesystem::path scripts(const std::filesystem::path& folder);
 std::filesystem::path secrets(const std::filesystem::path& folder);
 
 // Whether the console relies on what is at `path`: it lies in the folder, but in none of the sub-folders
-// that are for people's files (lists, downloads, archive). Such a file is never listed, read or written where
-// a person chooses the path. Symbolic links are followed, and a path that does not exist yet is judged by the
-// part that does. A relative path is relative to the working folder. A path that cannot be resolved counts as
-// own.
+// that are for people's files (lists, downloads, uploads, archive). Such a file is never listed, read or
+// written where a person chooses the path. Symbolic links are followed, and a path that does not exist yet is
+// judged by the part that does. A relative path is relative to the working folder. A path that cannot be
+// resolved counts as own.
 bool is_own(const std::filesystem::path& folder, const std::filesystem::path& path);
 
 }  // namespace zrl::console_folder

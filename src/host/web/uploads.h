@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/contracts/console_folder.h"
 #include "host/web/terminal.h"
 #include "host/web/transport.h"
 
@@ -57,7 +58,8 @@ class UploadFolder {
   static constexpr std::uint64_t longest_file = 64 << 20;
   static constexpr std::chrono::hours kept{7 * 24};
 
-  explicit UploadFolder(const std::filesystem::path& console_folder) : path_(console_folder / "upload") {}
+  explicit UploadFolder(const std::filesystem::path& console_folder)
+      : path_(console_folder::uploads(console_folder)) {}
 
   const std::filesystem::path& path() const { return path_; }
   // Makes the folder if need be. Raises zrl::Error.

@@ -30,8 +30,9 @@ TEST(ConsoleFolder, WhatTheConsoleReliesOnIsItsOwnHoweverItIsNamed) {
   }
   for (const fs::path& free :
        {folder / "lists", folder / "lists" / "a.txt", folder / "download" / "addblack.txt",
-        folder / "archive" / "a.eml", temporary.path() / "elsewhere" / "lists" / "new" / "a.txt",
-        temporary.path() / "console.txt", temporary.path(), fs::path("/")}) {
+        folder / "archive" / "a.eml", folder / "upload" / "a.txt",
+        temporary.path() / "elsewhere" / "lists" / "new" / "a.txt", temporary.path() / "console.txt",
+        temporary.path(), fs::path("/")}) {
     EXPECT_FALSE(console_folder::is_own(folder, free)) << free;
   }
   EXPECT_TRUE(console_folder::is_own(fs::relative(folder), folder / "registry.db"));

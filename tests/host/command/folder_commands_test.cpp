@@ -13,7 +13,8 @@ constexpr const char* flag = "HKLM\\SOFTWARE\\Mirvan\\reloadblack";
 TEST_F(CommandTest, InitLaysTheFolderOutAndChangesNothingThatIsThere) {
   EXPECT_EQ(run({"init"}), 0) << err;
   const auto console = folder.path() / "console";
-  for (const char* name : {"proxy.ini", "registry.db", "proxy.db", "download", "archive", "scripts"}) {
+  for (const char* name :
+       {"proxy.ini", "registry.db", "proxy.db", "lists", "download", "archive", "scripts"}) {
     EXPECT_TRUE(std::filesystem::exists(console / name)) << name;
   }
   using std::filesystem::perms;
