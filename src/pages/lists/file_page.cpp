@@ -1,5 +1,6 @@
 #include "pages/lists/file_page.h"
 
+#include "core/text/letter_case.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -35,7 +36,7 @@ void FilePage::fill_lists() {
 }
 
 void FilePage::add_file() {
-  Text1.set_text(lower(trim(Text1.text())));
+  Text1.set_text(lower_unicode(trim(Text1.text())));
   if (!Text1.text().empty()) {
     execute(delete_from(list::file_names, Text1.text()));
     execute(insert_into(list::file_names, Text1.text()));
@@ -45,7 +46,7 @@ void FilePage::add_file() {
 
 // Extensions are listed without their dot; a text with one is only taken off the list.
 void FilePage::add_extension() {
-  Text1.set_text(lower(trim(Text1.text())));
+  Text1.set_text(lower_unicode(trim(Text1.text())));
   const std::string& text = Text1.text();
   if (!text.empty()) {
     execute(delete_from(list::extensions, text));
@@ -56,9 +57,10 @@ void FilePage::add_extension() {
 
 // The text is not trimmed: what stands in the field is what is removed.
 void FilePage::remove_text() {
-  Text1.set_text(lower(Text1.text()));
-  execute(delete_from(list::file_names, Text1.text()));
-  execute(delete_from(list::extensions, Text1.text()));
+  const std::string text = Text1.text();
+  Text1.set_text(lower_unicode(text));
+  remove_lower(list::file_names, text);
+  remove_lower(list::extensions, text);
   fill_lists();
 }
 

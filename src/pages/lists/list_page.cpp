@@ -3,6 +3,7 @@
 #include <limits>
 #include <memory>
 
+#include "core/text/letter_case.h"
 #include "core/text/text.h"
 #include "pages/lists/transfer_dialog.h"
 
@@ -37,6 +38,12 @@ void ListPage::bind_update(Button& button, const std::vector<ListFile>& files,
 
 void ListPage::raise_flags(const List& list) {
   for (const std::string_view flag : list.flags) raise_flag(flag);
+}
+
+void ListPage::remove_lower(const ListTable& list, std::string_view text) {
+  const std::string entry = lower_unicode(text);
+  execute(delete_from(list, entry));
+  if (lower(text) != entry) execute(delete_from(list, text));
 }
 
 void ListPage::fill_list_boxes() {
@@ -81,7 +88,7 @@ std::string domain_of_address(std::string_view address) {
   if (at == address.npos) return {};
   const std::string_view domain = address.substr(at + 1);
   const bool valid = domain.find('@') == domain.npos && domain.find('.') != domain.npos;
-  return valid ? lower(domain) : std::string();
+  return valid ? lower_unicode(domain) : std::string();
 }
 
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons) {

@@ -59,6 +59,11 @@ class ListPage : public Page {
   // Raises the list's flags, which makes the proxy read the list again.
   void raise_flags(const List& list);
 
+  // Takes an entry off a list whose page stores entries in lower case. One that came from a file may have
+  // capital letters; the database takes only those of ASCII for their small ones, so a text with others is
+  // also removed as it is.
+  void remove_lower(const ListTable& list, std::string_view text);
+
   // Refills the list boxes, and whatever else the page reads along with them.
   virtual void fill_lists() = 0;
   void load() override { fill_lists(); }
@@ -82,7 +87,7 @@ class ListPage : public Page {
 };
 
 // The domain of an e-mail address in the form of the domain lists: the text after the first "@", in lower
-// case (ASCII). Empty if there is no "@", or if that text has another "@" or no dot.
+// case. Empty if there is no "@", or if that text has another "@" or no dot.
 std::string domain_of_address(std::string_view address);
 
 // The layout of a list on every list page: a titled frame that grows, with the list and a row of buttons

@@ -1,6 +1,7 @@
 #include "pages/lists/local_user_page.h"
 
 #include "core/contracts/directory.h"
+#include "core/text/letter_case.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -37,12 +38,14 @@ void LocalUserPage::fill_lists() {
 
 // A user who is added twice is stored twice; the domain is stored once.
 void LocalUserPage::add_user() {
-  uemail.set_text(lower(uemail.text()));
+  uemail.set_text(lower_unicode(uemail.text()));
   if (uemail.text().find('@') == std::string::npos) return;
   const std::string address(trim(uemail.text()));
-  raise_flag("reloadblack");  // also makes the proxy read the local users again
-  execute(insert_into(list::local_users, address));
-  if (const std::string domain = domain_of_address(address); !domain.empty()) {
+  const Statement addition = insert_into(list::local_users, address);
+  // The flag also makes the proxy read the local users again.
+  if (addition.fault().empty()) raise_flag("reloadblack");
+  const bool stored = execute(addition);
+  if (const std::string domain = domain_of_address(address); stored && !domain.empty()) {
     execute(delete_from(list::local_domains, domain));
     execute(insert_into(list::local_domains, domain));
   }

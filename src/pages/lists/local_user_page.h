@@ -12,7 +12,8 @@ class LocalUserPage : public ListPage {
 
   TextField uemail{*this,
                    "uemail",
-                   "The address to add or remove; clicking an entry of the list copies it here",
+                   "The address to add or remove; clicking an entry of the list copies it here. One with an "
+                   "apostrophe is not stored",
                    {.placeholder = "name@example.com"}};
   Label Label1{*this, "Label1", "Address", uemail};
 

@@ -1,5 +1,6 @@
 #include "pages/lists/mail_page.h"
 
+#include "core/text/letter_case.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -44,7 +45,7 @@ void MailPage::fill_lists() {
 // Nothing is deleted first, so an address that is added twice is stored twice. The flags are raised
 // even if nothing was stored.
 void MailPage::add(const List& own, const List& other, const ListTable& other_domains) {
-  mail.set_text(lower(mail.text()));
+  mail.set_text(lower_unicode(mail.text()));
   const std::string_view address = trim(mail.text());
   if (has_at(address)) {
     execute(insert_into(own.table, address));
@@ -57,10 +58,10 @@ void MailPage::add(const List& own, const List& other, const ListTable& other_do
 }
 
 void MailPage::remove_address() {
-  mail.set_text(lower(mail.text()));
-  const std::string_view address = trim(mail.text());
-  execute(delete_from(list::black_mails, address));
-  execute(delete_from(list::white_mails, address));
+  const std::string address(trim(mail.text()));
+  mail.set_text(lower_unicode(mail.text()));
+  remove_lower(list::black_mails, address);
+  remove_lower(list::white_mails, address);
   for (const std::string_view flag : {"reloadwhite", "reloadblack", "reloadauto"}) raise_flag(flag);
   fill_lists();
 }

@@ -7,17 +7,21 @@ namespace zrl {
 
 namespace {
 
-// Trims the field; true if it holds a network. The prefix length is cut off by the trimmed
-// address's length, so a blank before the slash leaves the slash in it, and the text is refused.
+// Trims the field and writes the prefix length in digits alone, without a sign or zeros at its front; true if
+// the field holds a network. The prefix length is cut off by the trimmed address's length, so a blank before
+// the slash leaves the slash in it, and the text is refused.
 bool check_subnet(TextField& field) {
   field.set_text(trim(field.text()));
-  const std::string_view text = field.text();
+  const std::string text = field.text();
   const std::size_t slash = text.find('/');
   if (slash == text.npos) return false;
-  const std::string_view address = trim(text.substr(0, slash));
+  const std::string address(trim(std::string_view(text).substr(0, slash)));
   const auto prefix_length = to_number(text.substr(address.size() + 1));
   constexpr int longest = 32;
-  return is_ip_address(address) && prefix_length && *prefix_length >= 1 && *prefix_length <= longest;
+  if (!is_ip_address(address) || !prefix_length || *prefix_length < 1 || *prefix_length > longest)
+    return false;
+  field.set_text(address + "/" + std::to_string(*prefix_length));
+  return true;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "core/text/letter_case.h"
 #include "core/text/printable.h"
 #include "core/text/utf16.h"
 #include "core/text/utf8.h"
@@ -88,6 +89,19 @@ TEST(Utf8, IsCutBetweenCharacters) {
   // Bytes that belong to no character leave nothing to keep whole.
   EXPECT_EQ(cut_between_characters(std::string(100, '\x80'), 50).size(), 50U);
   EXPECT_EQ(beginning_of("\xFF\xFF", 1), "\xEF\xBF\xBD");
+}
+
+TEST(LetterCase, LettersBecomeSmallWhateverTheLocale) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"RechnungÄ.EXE", "rechnungä.exe"}, {"ÀÖØÞß×÷ÿŸ", "àöøþß×÷ÿÿ"},
+      {"ĀĮİIıĶŁŇŽſ", "āįiiıķłňžſ"},       {"ƁǄǅǆȘȺ", "ɓǆǆǆșⱥ"},
+      {"ΆΈΐΑΡΣςΫϴ", "άέΐαρσςϋθ"},         {"ЀЯяѠҀҊӀӁԮ", "ѐяяѡҁҋӏӂԯ"},
+      {"ԱՖ ẞẠ ἈᾼῬ", "աֆ ßạ ἀᾳῥ"},         {"日本 \xFF\xC3 A", "日本 \xFF\xC3 a"},
+  };
+  for (const auto& [text, small] : cases) {
+    EXPECT_EQ(lower_unicode(text), small);
+    EXPECT_EQ(lower_unicode(small), small);
+  }
 }
 
 TEST(Utf16, ComesBackAsItWas) {

@@ -29,6 +29,22 @@ TEST_F(FilePageTest, AFileNameIsStoredOnceInLowerCase) {
   EXPECT_TRUE(page.addfiles.enabled());
 }
 
+// The database takes only letters of ASCII for their capitals, so an entry of a file is also removed as it
+// is.
+TEST_F(FilePageTest, LettersBeyondAsciiAreLowerCasedToo) {
+  insert("files", "files", {"grüße.exe", "MÜLL.exe"});
+  FilePage& page = shown();
+  page.Text1.user_type("RechnungÄ.EXE");
+  page.addfiles.user_click();
+  EXPECT_EQ(page.Text1.text(), "rechnungä.exe");
+  EXPECT_THAT(items(page.files), ElementsAre("grüße.exe", "MÜLL.exe", "rechnungä.exe"));
+  page.Text1.user_type("GRÜßE.exe");
+  page.deleteit.user_click();
+  page.files.user_choose(0);
+  page.deleteit.user_click();
+  EXPECT_THAT(items(page.files), ElementsAre("rechnungä.exe"));
+}
+
 TEST_F(FilePageTest, AnExtensionWithADotIsOnlyDeleted) {
   insert("extension", "extension", {".exe", "tar.gz", "com"});
   FilePage& page = shown();

@@ -44,6 +44,15 @@ TEST_F(LocalUserPageTest, WhatIsNoDomainDoesNotBecomeLocal) {
   EXPECT_EQ(page.uemail.text(), "nobody");
 }
 
+TEST_F(LocalUserPageTest, AUserWhoIsNotStoredChangesNothing) {
+  LocalUserPage& page = shown();
+  page.uemail.user_type("o'neil@example.com");
+  page.adduser.user_click();
+  EXPECT_THAT(activity(), ElementsAre("failed: INSERT INTO localmail (entry) VALUES ('o'neil@example.com')"));
+  EXPECT_THAT(rows("mydomain", "entry"), IsEmpty());
+  EXPECT_THAT(page.uemail.tool_tip(), testing::HasSubstr("apostrophe"));
+}
+
 TEST_F(LocalUserPageTest, RemovingIgnoresCapitalLettersAndKeepsTheDomain) {
   insert("localmail", "entry", {"anna@example.com", "no address"});
   insert("mydomain", "entry", {"example.com"});

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/text/text.h"
 #include "support/shown_page.h"
 
 namespace zrl {
@@ -16,11 +15,15 @@ class SubnetPageTest : public testing::Test, public test::ShownPage<SubnetPage> 
 
 TEST_F(SubnetPageTest, OnlyANetworkIsAdded) {
   SubnetPage& page = shown();
-  for (const char* text : {"192.0.2.7/32", "192.0.2.0/1", "  10.0.0.0/8 ", "10.0.0.0/ 8"}) {
+  const std::pair<const char*, const char*> networks[] = {
+      {"192.0.2.7/32", "192.0.2.7/32"}, {"192.0.2.0/1", "192.0.2.0/1"}, {"  10.0.0.0/8 ", "10.0.0.0/8"},
+      {"10.0.0.0/ 8", "10.0.0.0/8"},    {"10.0.0.0/+8", "10.0.0.0/8"},  {"10.0.0.0/08", "10.0.0.0/8"}};
+  for (const auto& [text, stored] : networks) {
     forget_activity();
     page.subin.user_type(text);
     page.addwhite.user_click();
-    EXPECT_EQ(page.subin.text(), trim(text));
+    EXPECT_EQ(page.subin.text(), stored);
+    EXPECT_EQ(rows("whitesub", "subnet").back(), stored);
     EXPECT_EQ(activity().size(), 2u) << text;
   }
   EXPECT_THAT(host.boxes, IsEmpty());
