@@ -50,6 +50,14 @@ const std::filesystem::path& folder() {
   return made.path();
 }
 
+const std::filesystem::path& list_folder() {
+  static const std::filesystem::path made = [] {
+    std::filesystem::create_directory(folder() / "lists");
+    return folder() / "lists";
+  }();
+  return made;
+}
+
 std::shared_ptr<Database> access_to(const std::string& provider) {
   struct Access {
     test::FakeServices console{folder()};

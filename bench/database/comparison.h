@@ -57,6 +57,8 @@ struct Arena {
 
 // Where the databases and list files of the benchmarks lie; removed when the program ends.
 const std::filesystem::path& folder();
+// In it, for list files.
+const std::filesystem::path& list_folder();
 
 // The component, on that folder, with this connection string.
 std::shared_ptr<Database> access_to(const std::string& provider);

@@ -20,7 +20,7 @@ constexpr long lines = 1000000;
 enum class Journal { write_ahead, roll_back };
 
 std::filesystem::path file_of(unsigned seed) {
-  std::filesystem::path path = folder() / ("lines" + std::to_string(seed) + ".txt");
+  std::filesystem::path path = list_folder() / ("lines" + std::to_string(seed) + ".txt");
   if (!std::filesystem::exists(path)) write_lines(path, host_names(static_cast<int>(lines), seed));
   return path;
 }
@@ -42,7 +42,7 @@ std::filesystem::path original(bool full) {
   if (!std::filesystem::exists(folder() / name)) {
     const auto access = access_to("sqlite:" + name);
     access->open_database("sqlite:" + name);
-    if (full) access->import_("entry", "blacklist", file_of(3).string());
+    if (full) access->import_(list::black_domains, file_of(3).string());
     Bare(folder() / name, Bare::Settings::of_the_engine).run("PRAGMA wal_checkpoint(TRUNCATE)");
   }
   return folder() / name;
@@ -78,7 +78,7 @@ double ours(bool full, unsigned seed, long wanted) {
   const std::string file = file_of(seed).string();
   const double seconds = seconds_of([&] {
     const auto access = access_to("sqlite:import.db");
-    access->import_("entry", "blacklist", file);
+    access->import_(list::black_domains, file);
   });
   expect_rows(path, wanted);
   return seconds;

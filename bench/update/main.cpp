@@ -20,14 +20,15 @@ namespace {
 constexpr int lines_a_file = 500'000;
 
 struct Lines {
-  Literal table;
+  ListTable list;
   const char* file;
   unsigned seed;
 };
-constexpr Lines all_lines[] = {{"blacklist", "addblack.txt", 11}, {"whitelist", "addwhite.txt", 12}};
+constexpr Lines all_lines[] = {{list::black_domains, "addblack.txt", 11},
+                               {list::white_domains, "addwhite.txt", 12}};
 
 std::filesystem::path published(const Lines& lines) {
-  std::filesystem::path path = folder() / lines.file;
+  std::filesystem::path path = list_folder() / lines.file;
   if (!std::filesystem::exists(path)) write_lines(path, host_names(lines_a_file, lines.seed));
   return path;
 }
@@ -35,7 +36,8 @@ std::filesystem::path published(const Lines& lines) {
 void expect_rows(Database& database, const std::string& provider) {
   ConnectionHandle conn = database.open_database(provider);
   for (const Lines& lines : all_lines) {
-    if (database.get_db_array(conn, lines.table, "entry", {}).size() == lines_a_file + 1) continue;
+    if (database.get_db_array(conn, lines.list.table, lines.list.column, {}).size() == lines_a_file + 1)
+      continue;
     std::fprintf(stderr, "wrong number of rows after the update\n");
     std::exit(1);
   }
@@ -43,7 +45,7 @@ void expect_rows(Database& database, const std::string& provider) {
 
 double update_all() {
   for (const Lines& lines : all_lines) published(lines);
-  const test::FakeUpdateServer server(folder());
+  const test::FakeUpdateServer server(list_folder());
   const std::filesystem::path own = folder() / "console";
   std::filesystem::remove_all(own);
   test::RecordingHost host;
@@ -68,7 +70,7 @@ double imports() {
   for (const Lines& lines : all_lines) published(lines);
   ::sync();
   const double seconds = seconds_of([&] {
-    for (const Lines& lines : all_lines) database->import_("entry", lines.table, published(lines).string());
+    for (const Lines& lines : all_lines) database->import_(lines.list, published(lines).string());
   });
   expect_rows(*database, provider);
   return seconds;

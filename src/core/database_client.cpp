@@ -245,19 +245,24 @@ bool DatabaseClient::list_operation(std::string_view name, ListOperation operati
                        [&] { (component_or_throw().*operation)(entry, conn); });
 }
 
-bool DatabaseClient::import_file(const ListTable& list, std::string_view path) {
-  return answered_step(words({"import", list.column.text(), list.table.text(), path}),
-                       [&] { return component_or_throw().import_(list.column, list.table, path); });
+std::optional<ListFileResult> DatabaseClient::import_file(const ListTable& list, std::string_view path) {
+  std::optional<ListFileResult> result;
+  component_step(words({"import", list.column.text(), list.table.text(), path}),
+                 [&] { result = component_or_throw().import_(list, path); });
+  return result;
 }
 
-bool DatabaseClient::delete_file(const ListTable& list, std::string_view path) {
-  return answered_step(words({"delete", list.column.text(), list.table.text(), path}),
-                       [&] { return component_or_throw().delete_(list.column, list.table, path); });
+std::optional<ListFileResult> DatabaseClient::delete_file(const ListTable& list, std::string_view path) {
+  std::optional<ListFileResult> result;
+  component_step(words({"delete", list.column.text(), list.table.text(), path}),
+                 [&] { result = component_or_throw().delete_(list, path); });
+  return result;
 }
 
 bool DatabaseClient::export_file(const ListTable& list, std::string_view path, bool overwrite) {
-  return answered_step(words({"export", list.column.text(), list.table.text(), path}), [&] {
-    return component_or_throw().export_(list.column, list.table, {}, path, overwrite);
+  return component_step(words({"export", list.column.text(), list.table.text(), path}), [&] {
+    const bool done = component_or_throw().export_(list.column, list.table, {}, path, overwrite);
+    if (!done) throw Error(error_number::invalid_call, "there is a file of this name already");
   });
 }
 
@@ -283,13 +288,6 @@ Outcome DatabaseClient::component_step(std::string_view text, const std::functio
   console_.writes().commit();
   if (conn) console_.wrote_to(conn);
   return console_.attempt(Kind::component, text, Step::write, call);
-}
-
-// A component that answers false has not done it, an export to a file that must stay for example.
-bool DatabaseClient::answered_step(std::string_view text, const std::function<bool()>& call) {
-  return component_step(text, [&] {
-    if (!call()) throw Error(error_number::invalid_call, "refused by the component");
-  });
 }
 
 Database& DatabaseClient::component_or_throw() const {

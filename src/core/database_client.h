@@ -125,10 +125,10 @@ class DatabaseClient : public Steps {
     return list_operation("remove_from_iplist", &Database::remove_from_iplist, v);
   }
 
-  // Whole lists and files, by paths of the file system. True if the component did it; an export to an
-  // existing file without `overwrite` is a failed step.
-  bool import_file(const ListTable& list, std::string_view path);
-  bool delete_file(const ListTable& list, std::string_view path);
+  // Whole lists and files, by paths of the file system. Nothing, or false, if the step failed; an export to
+  // an existing file without `overwrite` is a failed step.
+  std::optional<ListFileResult> import_file(const ListTable& list, std::string_view path);
+  std::optional<ListFileResult> delete_file(const ListTable& list, std::string_view path);
   bool export_file(const ListTable& list, std::string_view path, bool overwrite);
 
   // May take as long as a directory server does; events run meanwhile.
@@ -157,7 +157,6 @@ class DatabaseClient : public Steps {
   bool store_number(std::string_view key, std::string_view text, const NumberType& type);
   Database& component_or_throw() const;
   Connection& connection_or_throw() const;
-  bool answered_step(std::string_view text, const std::function<bool()>& call);
   Outcome attempt_read(Kind kind, std::string_view text, const std::function<void()>& action);
   Outcome attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,
                         std::string_view public_text = {}, Failure failure = Failure::unexpected);

@@ -37,7 +37,7 @@ test('a list goes to a file and comes back through the transfer dialog', async (
   await dialog.waitFor()
   await picture(page, 'transfer')
   await dialog.getByRole('button', { name: 'Export', exact: true }).click()
-  const file = join(console.folder, 'blacklist.txt')
+  const file = join(console.folder, 'lists', 'blacklist.txt')
   await dialog.getByRole('option', { name: 'blacklist.txt' }).waitFor()
   assert.ok(existsSync(file))
   assert.match(readFileSync(file, 'utf8'), /\.example\n/)

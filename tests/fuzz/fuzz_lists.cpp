@@ -1,5 +1,5 @@
-// List files: whatever is in one, an entry is trimmed, not empty, valid UTF-8, one line, and of bounded
-// length; and the file reads the same twice.
+// List files: whatever is in one, an entry is trimmed, no comment, not empty, valid UTF-8, one line, and of
+// bounded length; and the file reads the same twice.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -20,8 +20,9 @@ std::vector<std::string> entries_of(zrl::sqlite::ListReader& reader) {
   std::string_view entry;
   while (reader.next(entry)) {
     const bool sound = !entry.empty() && zrl::trim(entry) == entry && zrl::is_valid_utf8(entry) &&
+                       entry.front() != '#' &&
                        entry.find_first_of(std::string_view("\n\0", 2)) == entry.npos &&
-                       entry.size() <= 3 * zrl::sqlite::ListReader::longest_line;
+                       entry.size() <= 3 * zrl::longest_list_line;
     if (!sound) std::abort();
     entries.emplace_back(entry);
   }
@@ -33,12 +34,14 @@ std::vector<std::string> entries_of(zrl::sqlite::ListReader& reader) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const int file = ::memfd_create("list", 0);
   if (file < 0 || ::write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
-  try {
-    zrl::sqlite::ListReader reader("/proc/self/fd/" + std::to_string(file));
-    const std::vector<std::string> first = entries_of(reader);
-    reader.rewind();
-    if (entries_of(reader) != first) std::abort();
-  } catch (const zrl::Error&) {  // refused
+  for (const auto kind : {zrl::ListKind::names, zrl::ListKind::domains, zrl::ListKind::texts}) {
+    try {
+      zrl::sqlite::ListReader reader("/proc/self/fd/" + std::to_string(file), kind);
+      const std::vector<std::string> first = entries_of(reader);
+      reader.rewind();
+      if (entries_of(reader) != first) std::abort();
+    } catch (const zrl::Error&) {  // refused
+    }
   }
   ::close(file);
   return 0;

@@ -110,16 +110,16 @@ TEST_F(DurabilityTest, AReplacedFileIsSyncedUnderItsTemporaryNameAndThenItsFolde
 TEST_F(DurabilityTest, AnExportedListIsSyncedBeforeItAppears) {
   insert("blacklist", "entry", {"spam.example"});
   take_syncs();
-  ASSERT_TRUE(console.components().create<Database>()->export_("entry", "blacklist", {},
-                                                               (folder.path() / "out.txt").string(), true));
-  EXPECT_THAT(take_syncs(), ElementsAre(StartsWith(".new-"), folder_name()));
+  ASSERT_TRUE(console.components().create<Database>()->export_(
+      "entry", "blacklist", {}, (folder.path() / "lists" / "out.txt").string(), true));
+  EXPECT_THAT(take_syncs(), ElementsAre(StartsWith(".new-"), "lists"));
 }
 
 TEST_F(DurabilityTest, AnImportedListIsSyncedWhenTheImportReturns) {
-  std::ofstream(folder.path() / "in.txt") << "one.example\ntwo.example\n";
+  std::ofstream(folder.path() / "lists" / "in.txt") << "one.example\ntwo.example\n";
   const auto database = console.components().create<Database>();
   take_syncs();
-  ASSERT_TRUE(database->import_("entry", "blacklist", (folder.path() / "in.txt").string()));
+  database->import_(list::black_domains, (folder.path() / "lists" / "in.txt").string());
   EXPECT_THAT(take_syncs(), testing::Contains("proxy.db-wal"));
 }
 

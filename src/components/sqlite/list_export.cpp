@@ -49,7 +49,7 @@ class ListFile {
   std::string buffer_;
 };
 
-// An export over the database's own files would destroy what it reads.
+// The database may lie outside the console's folder; an export over it would destroy what it reads.
 void check_target(const fs::path& path, const fs::path& database) {
   const fs::file_status status = fs::symlink_status(path);
   if (fs::exists(status) && !fs::is_regular_file(status) && !fs::is_symlink(status)) {
@@ -67,15 +67,16 @@ void check_target(const fs::path& path, const fs::path& database) {
 
 bool export_list(const ListTransfer& transfer, const Statement& condition, const fs::path& path,
                  bool overwrite) {
-  std::string select =
-      "SELECT " + quoted_name(transfer.column.text()) + " FROM " + quoted_name(transfer.table.text());
+  std::string select = "SELECT " + quoted_name(transfer.list.column.text()) + " FROM " +
+                       quoted_name(transfer.list.table.text());
   if (!condition.empty()) select += " WHERE " + condition.skeleton();
   const Loan rows = transfer.session.statements.prepare(select + " ORDER BY rowid", condition);
+  require_foreign_file(transfer.console, path);
   check_target(path, transfer.session.engine.path());
   if (!overwrite && fs::exists(path)) return false;
 
   ListFile file(path);
-  const std::string text = "export " + std::string(transfer.table.text());
+  const std::string text = "export " + std::string(transfer.list.table.text());
   for (std::uint64_t done = 0; rows->step(); ++done) {
     const std::string_view entry = rows->text(0);
     if (!entry.empty()) file.add_line(entry);

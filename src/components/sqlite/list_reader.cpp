@@ -9,18 +9,21 @@
 
 #include "core/text/error.h"
 #include "core/text/files.h"
-#include "core/text/text.h"
 #include "core/text/utf8.h"
 
 namespace zrl::sqlite {
 
 namespace {
 
-constexpr std::size_t buffer_size = 4 * ListReader::longest_line;
+constexpr std::size_t buffer_size = 4 * longest_list_line;
+
 }  // namespace
 
-ListReader::ListReader(const std::filesystem::path& path)
-    : path_(path), fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), buffer_(buffer_size) {
+ListReader::ListReader(const std::filesystem::path& path, ListKind kind)
+    : path_(path),
+      fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
+      buffer_(buffer_size),
+      kind_(kind) {
   if (fd_ < 0) raise_file_error(path_, errno);
   struct stat status = {};
   if (::fstat(fd_, &status) == 0 && S_ISREG(status.st_mode)) {
@@ -37,21 +40,23 @@ ListReader::~ListReader() {
 
 bool ListReader::next(std::string_view& entry) {
   std::string_view line;
-  while (next_line(line)) {
-    entry = trim(line);
-    if (entry.empty()) continue;
-    if (std::memchr(entry.data(), '\0', entry.size()) != nullptr) refuse("holds a zero byte");
-    if (!is_valid_utf8(entry)) entry = repaired_ = valid_utf8(entry);
-    return true;
+  while (!line_.next(entry)) {
+    if (!next_line(line)) return false;
+    if (std::memchr(line.data(), '\0', line.size()) != nullptr) refuse("holds a zero byte");
+    if (!is_valid_utf8(line)) line = repaired_ = valid_utf8(line);
+    line_ = ListLine(kind_, line);
+    if (line_.content() == ListLine::Content::comment) ++comments_;
+    if (line_.content() == ListLine::Content::refused) ++refused_;
   }
-  return false;
+  return true;
 }
 
 void ListReader::rewind() {
   if (::lseek(fd_, 0, SEEK_SET) < 0) raise_file_error(path_, errno);
   if (fingerprint() != fingerprint_) throw Error(EAGAIN, path_.string() + ": the file is being written");
   begin_ = end_ = 0;
-  line_ = 0;
+  line_number_ = comments_ = refused_ = 0;
+  line_ = {};
 }
 
 bool ListReader::next_line(std::string_view& line) {
@@ -60,7 +65,7 @@ bool ListReader::next_line(std::string_view& line) {
   while (true) {
     found = static_cast<const char*>(std::memchr(buffer_.data() + searched, '\n', end_ - searched));
     if (found != nullptr) break;
-    if (end_ - begin_ > longest_line + 1) refuse("is too long");
+    if (end_ - begin_ > longest_list_line + 1) refuse("is too long");
     const std::size_t held = end_ - begin_;
     if (!fill()) break;
     searched = begin_ + held;
@@ -69,9 +74,9 @@ bool ListReader::next_line(std::string_view& line) {
   if (found == nullptr && begin_ == end_) return false;
   line = std::string_view(buffer_.data() + begin_, end - begin_);
   begin_ = found != nullptr ? end + 1 : end;
-  if (line_++ == 0 && line.starts_with(byte_order_mark)) line.remove_prefix(byte_order_mark.size());
+  if (line_number_++ == 0 && line.starts_with(byte_order_mark)) line.remove_prefix(byte_order_mark.size());
   if (line.ends_with('\r')) line.remove_suffix(1);
-  if (line.size() > longest_line) refuse("is too long");
+  if (line.size() > longest_list_line) refuse("is too long");
   return true;
 }
 
@@ -90,7 +95,7 @@ bool ListReader::fill() {
 }
 
 void ListReader::refuse(const char* why) const {
-  throw Error(EINVAL, path_.string() + ": not a list file, line " + std::to_string(line_) + " " + why);
+  throw Error(EINVAL, path_.string() + ": not a list file, line " + std::to_string(line_number_) + " " + why);
 }
 
 std::string ListReader::fingerprint() const {

@@ -9,7 +9,9 @@
 #include "components/sqlite/entry_set.h"
 #include "components/sqlite/large_cache.h"
 #include "components/sqlite/list_reader.h"
+#include "core/contracts/console_folder.h"
 #include "core/text/error.h"
+#include "core/text/text.h"
 
 namespace zrl::sqlite {
 
@@ -26,23 +28,25 @@ class Work {
       : engine_(transfer.session.engine),
         console_(transfer.console),
         entries_a_pass_(transfer.entries_a_pass),
-        name_(transfer.table.text()),
-        table_(quoted_name(transfer.table.text())),
-        column_(quoted_name(transfer.column.text())) {}
+        name_(transfer.list.table.text()),
+        table_(quoted_name(transfer.list.table.text())),
+        column_(quoted_name(transfer.list.column.text())) {}
 
-  void import(ListReader& reader);
+  ListFileResult import(ListReader& reader);
   void add(const StringList& entries);
-  void remove(ListReader& reader);
+  ListFileResult remove(ListReader& reader);
 
  private:
-  void import_singly(ListReader& reader);
-  void remove_singly(ListReader& reader);
+  std::uint64_t import_singly(ListReader& reader);
+  std::uint64_t import_in_bulk(ListReader& reader);
+  std::uint64_t remove_singly(ListReader& reader);
+  std::uint64_t remove_in_bulk(ListReader& reader);
   std::vector<bool> new_entries(ListReader& reader);
   void add(ListReader& reader, const std::vector<bool>& is_new);
   Query addition_of_missing();
   std::vector<std::int64_t> matching_rows(ListReader& reader);
 
-  void count(ListReader& reader);
+  ListFileResult count(ListReader& reader);
   std::int64_t count_rows();
   template <typename Action>
   void each_entry(ListReader& reader, Action action);
@@ -73,12 +77,13 @@ void Work::each_entry(ListReader& reader, Action action) {
   if (number != entries_ || reader.next(entry)) throw Error(EAGAIN, "the list file is being written");
 }
 
-void Work::import(ListReader& reader) {
-  count(reader);
-  if (!in_bulk()) {
-    import_singly(reader);
-    return;
-  }
+ListFileResult Work::import(ListReader& reader) {
+  ListFileResult result = count(reader);
+  result.changed = in_bulk() ? import_in_bulk(reader) : import_singly(reader);
+  return result;
+}
+
+std::uint64_t Work::import_in_bulk(ListReader& reader) {
   const LargeCache cache(engine_);
   Atomic atomic(engine_);
   rows_ = count_rows();
@@ -91,20 +96,25 @@ void Work::import(ListReader& reader) {
     create_indexes(indexes);
   }
   atomic.commit();
+  return static_cast<std::uint64_t>(added);
 }
 
-void Work::import_singly(ListReader& reader) {
+std::uint64_t Work::import_singly(ListReader& reader) {
   Atomic atomic(engine_);
   Query insert = addition_of_missing();
-  each_entry(reader, [&](std::string_view entry, std::size_t) { insert.bind(1, entry).run(); });
+  std::uint64_t added = 0;
+  each_entry(reader, [&](std::string_view entry, std::size_t) {
+    added += static_cast<std::uint64_t>(insert.bind(1, entry).run());
+  });
   atomic.commit();
+  return added;
 }
 
 void Work::add(const StringList& entries) {
   Atomic atomic(engine_);
   Query insert = addition_of_missing();
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    insert.bind(1, entries[i]).run();
+    if (!trim(entries[i]).empty()) insert.bind(1, entries[i]).run();
     tick("import ", i, entries.size());
   }
   atomic.commit();
@@ -146,12 +156,13 @@ void Work::add(ListReader& reader, const std::vector<bool>& is_new) {
   });
 }
 
-void Work::remove(ListReader& reader) {
-  count(reader);
-  if (!in_bulk()) {
-    remove_singly(reader);
-    return;
-  }
+ListFileResult Work::remove(ListReader& reader) {
+  ListFileResult result = count(reader);
+  result.changed = in_bulk() ? remove_in_bulk(reader) : remove_singly(reader);
+  return result;
+}
+
+std::uint64_t Work::remove_in_bulk(ListReader& reader) {
   const LargeCache cache(engine_);
   Atomic atomic(engine_);
   rows_ = count_rows();
@@ -169,13 +180,18 @@ void Work::remove(ListReader& reader) {
     create_indexes(indexes);
   }
   atomic.commit();
+  return keys.size();
 }
 
-void Work::remove_singly(ListReader& reader) {
+std::uint64_t Work::remove_singly(ListReader& reader) {
   Atomic atomic(engine_);
   Query deletion(engine_, "DELETE FROM " + table_ + " WHERE " + column_ + "=?1");
-  each_entry(reader, [&](std::string_view entry, std::size_t) { deletion.bind(1, entry).run(); });
+  std::uint64_t removed = 0;
+  each_entry(reader, [&](std::string_view entry, std::size_t) {
+    removed += static_cast<std::uint64_t>(deletion.bind(1, entry).run());
+  });
   atomic.commit();
+  return removed;
 }
 
 // The keys of the rows that the file names, ascending.
@@ -201,12 +217,13 @@ std::vector<std::int64_t> Work::matching_rows(ListReader& reader) {
 }
 
 // Goes through the whole file, so that a broken one is refused before anything is locked.
-void Work::count(ListReader& reader) {
+ListFileResult Work::count(ListReader& reader) {
   std::string_view entry;
   while (reader.next(entry)) ++entries_;
   if (static_cast<std::uint64_t>(entries_) >= most_entries)
     throw Error(EFBIG, "the list file has too many entries");
   if (entries_ > bulk_entries) rows_ = count_rows();
+  return {static_cast<std::uint64_t>(entries_), 0, reader.comments(), reader.refused()};
 }
 
 std::int64_t Work::count_rows() {
@@ -241,18 +258,26 @@ void Work::tick(const char* what, std::uint64_t done, std::uint64_t total) {
 
 }  // namespace
 
-void import_list(const ListTransfer& transfer, const std::filesystem::path& path) {
-  ListReader reader(path);
-  Work(transfer).import(reader);
+ListFileResult import_list(const ListTransfer& transfer, const std::filesystem::path& path) {
+  require_foreign_file(transfer.console, path);
+  ListReader reader(path, transfer.list.kind);
+  return Work(transfer).import(reader);
 }
 
 void add_entries(const ListTransfer& transfer, const StringList& entries) {
   Work(transfer).add(entries);
 }
 
-void delete_list(const ListTransfer& transfer, const std::filesystem::path& path) {
-  ListReader reader(path);
-  Work(transfer).remove(reader);
+ListFileResult delete_list(const ListTransfer& transfer, const std::filesystem::path& path) {
+  require_foreign_file(transfer.console, path);
+  ListReader reader(path, transfer.list.kind);
+  return Work(transfer).remove(reader);
+}
+
+void require_foreign_file(const ConsoleServices& console, const std::filesystem::path& path) {
+  if (console_folder::is_own(console.folder(), path)) {
+    throw Error(EACCES, path.string() + ": belongs to the console");
+  }
 }
 
 }  // namespace zrl::sqlite

@@ -86,9 +86,17 @@ void add_once(Session& session, Literal table, Literal column, std::string_view 
   addition->bind(1, entry).run();
 }
 
+// An empty entry would match everything, or nothing.
+void require_entry(std::string_view entry) {
+  if (trim(entry).empty()) {
+    throw Error(error_number::invalid_property_value, "nothing is stored: the entry is empty");
+  }
+}
+
 void move_entry(Literal from, Literal to, Literal column, std::string_view entry,
                 const ConnectionHandle& conn) {
   Session& session = session_of(conn, Engine::Use::write);
+  require_entry(entry);
   Atomic atomic(session.engine);
   remove(session, from, column, entry);
   add_once(session, to, column, entry);
@@ -97,8 +105,7 @@ void move_entry(Literal from, Literal to, Literal column, std::string_view entry
 
 void add_word(Literal table, std::string_view word, const ConnectionHandle& conn) {
   Session& session = session_of(conn, Engine::Use::write);
-  // An empty keyword would be found in every mail.
-  if (trim(word).empty()) throw Error(error_number::invalid_property_value, "an empty keyword");
+  require_entry(word);
   Atomic atomic(session.engine);
   add_once(session, table, "entry", word);
   atomic.commit();
@@ -233,26 +240,23 @@ void SqliteDatabase::adddropps(std::int64_t number, ConnectionHandle& conn) {
   add_to_counter("adddropps", number, conn);
 }
 
-bool SqliteDatabase::import_(Literal column, Literal table, std::string_view path) {
-  with_own([&](Session& session) {
-    import_list({session, column, table, console_}, std::filesystem::path(path));
-  });
-  return true;
+ListFileResult SqliteDatabase::import_(const ListTable& list, std::string_view path) {
+  ListFileResult result;
+  with_own([&](Session& session) { result = import_list({session, list, console_}, path); });
+  return result;
 }
 
-bool SqliteDatabase::delete_(Literal column, Literal table, std::string_view path) {
-  with_own([&](Session& session) {
-    delete_list({session, column, table, console_}, std::filesystem::path(path));
-  });
-  return true;
+ListFileResult SqliteDatabase::delete_(const ListTable& list, std::string_view path) {
+  ListFileResult result;
+  with_own([&](Session& session) { result = delete_list({session, list, console_}, path); });
+  return result;
 }
 
 bool SqliteDatabase::export_(Literal column, Literal table, const Statement& condition, std::string_view path,
                              bool overwrite) {
   bool written = false;
   with_own([&](Session& session) {
-    written =
-        export_list({session, column, table, console_}, condition, std::filesystem::path(path), overwrite);
+    written = export_list({session, {table.text(), table, column}, console_}, condition, path, overwrite);
   });
   return written;
 }
@@ -290,7 +294,7 @@ void SqliteDatabase::adad() {
   }
   // Nothing is locked while the server is asked.
   const StringList users = directory->addresses(server);
-  with_own([&](Session& session) { add_entries({session, "entry", "localmail", console_}, users); });
+  with_own([&](Session& session) { add_entries({session, list::local_users, console_}, users); });
 }
 
 std::filesystem::path SqliteDatabase::path_of(std::string_view provider) const {

@@ -44,8 +44,8 @@ class SqliteDatabase : public Database {
   void addconnections(std::int64_t number, ConnectionHandle& conn) override;
   void adddropps(std::int64_t number, ConnectionHandle& conn) override;
 
-  bool import_(Literal column, Literal table, std::string_view path) override;
-  bool delete_(Literal column, Literal table, std::string_view path) override;
+  ListFileResult import_(const ListTable& list, std::string_view path) override;
+  ListFileResult delete_(const ListTable& list, std::string_view path) override;
   bool export_(Literal column, Literal table, const Statement& condition, std::string_view path,
                bool overwrite) override;
   void lcase_table(Literal table, Literal column) override;

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/contracts/list_tables.h"
 #include "core/contracts/statement.h"
 #include "core/text/error.h"
 #include "core/text/string_list.h"
@@ -110,6 +111,15 @@ struct OptionValue {
   std::int16_t to_int16() const;
 };
 
+// What the lines of a list file were. Blank lines count nowhere, and a line of a hosts file may have several
+// entries.
+struct ListFileResult {
+  std::uint64_t entries = 0;  // those that the file repeats included
+  std::uint64_t changed = 0;  // rows that were added or removed
+  std::uint64_t comments = 0;
+  std::uint64_t refused = 0;  // lines without an entry, such as "127.0.0.1 localhost"
+};
+
 // Reads the table `konf`, runs the list operations, and moves whole lists to and from files.
 //
 // Operations take the connection by reference and may replace it (a connection that was lost is
@@ -118,8 +128,12 @@ struct OptionValue {
 // The result of get_db_array has one element more than there are rows: the last element is empty and
 // never shown. get_db_array_ordered has no such element.
 //
-// Paths of list files are paths of the file system. List files are UTF-8, one entry per line (LF or
-// CRLF, optional byte-order mark); blank lines and surrounding blanks are dropped.
+// Paths of list files are paths of the file system. One of the console's own
+// (core/contracts/console_folder.h) raises EACCES, and an export over the database EEXIST. List files are
+// UTF-8, one entry per line (LF or CRLF, optional byte-order mark); blank lines and surrounding blanks are
+// dropped. A line whose first character is "#" is a comment. In the files of ListKind::domains, " #" begins a
+// comment too, and lines of a hosts file ("0.0.0.0 name other.name") stand for their names, unless they only
+// name the machine itself.
 class Database {
  public:
   static constexpr std::string_view program_id = "dbfunctions.dba";
@@ -153,7 +167,7 @@ class Database {
   virtual std::int64_t count_value(const Statement& select, ConnectionHandle& conn) = 0;
 
   // Removes the entry from the opposite list and makes sure that it is in its own exactly once; an entry that
-  // is there keeps its position. Atomic.
+  // is there keeps its position. Atomic. A blank entry raises error 380, and nothing changes.
   virtual void add_to_blackhost(std::string_view address, ConnectionHandle& conn) = 0;
   virtual void add_to_whitehost(std::string_view address, ConnectionHandle& conn) = 0;
   virtual void add_to_blackdomain(std::string_view domain, ConnectionHandle& conn) = 0;
@@ -182,11 +196,10 @@ class Database {
   // may report progress, which lets events run; one that is started from such an event raises an error.
   // (The names with an underscore at the end are reserved words of C++ without it.)
 
-  // Adds the entries of the file that the table lacks. One transaction: all or nothing. True if it is
-  // done; failures are raised.
-  virtual bool import_(Literal column, Literal table, std::string_view path) = 0;
-  // Removes all entries that are in the file. One transaction. True if it is done.
-  virtual bool delete_(Literal column, Literal table, std::string_view path) = 0;
+  // Adds the entries of the file that the list lacks. One transaction: all or nothing.
+  virtual ListFileResult import_(const ListTable& list, std::string_view path) = 0;
+  // Removes all entries that are in the file. One transaction.
+  virtual ListFileResult delete_(const ListTable& list, std::string_view path) = 0;
   // Writes the list to a file, in the order of insertion; the empty `condition` means all rows. An existing
   // file is replaced, as a whole, only with `overwrite`; without it the result is false.
   virtual bool export_(Literal column, Literal table, const Statement& condition, std::string_view path,

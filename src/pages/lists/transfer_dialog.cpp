@@ -1,5 +1,9 @@
 #include "pages/lists/transfer_dialog.h"
 
+#include <filesystem>
+#include <system_error>
+
+#include "core/contracts/console_folder.h"
 #include "core/text/paths.h"
 #include "core/text/text.h"
 
@@ -13,6 +17,13 @@ bool names_a_file(std::string_view path) {
   return path.find_first_of(separators) != path.npos && separators.find(path.back()) == separators.npos;
 }
 
+// A product path; that of the file system's root ends with a separator already.
+std::string path_in(std::string_view folder, std::string_view name) {
+  std::string path(folder);
+  if (!path.ends_with('\\')) path += '\\';
+  return path.append(name);
+}
+
 }  // namespace
 
 TransferDialog::TransferDialog(Console& console, const ListTable& list, std::string_view title)
@@ -22,12 +33,13 @@ TransferDialog::TransferDialog(Console& console, const ListTable& list, std::str
   }
   Drive1.on_change = [this] { enter(Drive1.path()); };
   Dir1.on_change = [this] { File1.set_path(Dir1.path()); };
-  File1.on_click = [this] { source.set_text(File1.path() + "\\" + std::string(File1.chosen())); };
+  File1.on_click = [this] { source.set_text(path_in(File1.path(), File1.chosen())); };
   action.on_click = [this] { run_action(); };
 
   set_layout(column({
       frame(Frame1, row({export_, import_, delete_, overwrite})),
       row({grow(source), action}),
+      result,
       grow(row({grow(column({Drive1, grow(Dir1)})), grow(File1)})),
   }));
   load();
@@ -37,10 +49,13 @@ void TransferDialog::load() {
   translate_controls();
   set_caption(translate(caption()));
   Drive1.set_path("\\");
-  enter(to_product_path(console().folder()));
+  const std::filesystem::path folder = console_folder::lists(console().folder());
+  std::error_code ignored;  // where it cannot be made, the dialog shows it empty, and an export says why
+  std::filesystem::create_directory(folder, ignored);
+  enter(to_product_path(folder));
   export_.choose();
   choose(export_);
-  source.set_text(File1.path() + "\\" + std::string(list_.table.text()) + ".txt");
+  source.set_text(path_in(File1.path(), std::string(list_.table.text()) + ".txt"));
   database = component<Database>();
 }
 
@@ -60,19 +75,48 @@ void TransferDialog::choose(const OptionButton& option) {
 
 void TransferDialog::run_action() {
   action.set_enabled(false);
+  result.set_caption("");
   source.set_text(trim(source.text()));
   if (names_a_file(source.text())) {
     const std::string path = (console().folder() / to_file_path(source.text())).string();
-    if (export_.chosen()) export_list(path);
-    if (import_.chosen()) import_file(list_, path);
-    if (delete_.chosen()) delete_file(list_, path);
+    bool done = true;
+    if (export_.chosen()) done = export_list(path);
+    if (import_.chosen()) {
+      const auto counts = import_file(list_, path);
+      if (counts) show_result("Added", "there already", *counts);
+      done = counts.has_value();
+    }
+    if (delete_.chosen()) {
+      const auto counts = delete_file(list_, path);
+      if (counts) show_result("Removed", {}, *counts);
+      done = counts.has_value();
+    }
+    if (!done) result.set_caption(translate("The reason stands under \"Activity\""));
   }
   File1.refresh();
   action.set_enabled(true);
 }
 
-void TransferDialog::export_list(const std::string& path) {
-  if (export_file(list_, path, overwrite.checked())) console().host().offer_file(path);
+bool TransferDialog::export_list(const std::string& path) {
+  if (!export_file(list_, path, overwrite.checked())) return false;
+  result.set_caption(translate("The file has been written"));
+  console().host().offer_file(path);
+  return true;
+}
+
+// "Added: 3, there already: 1, comments: 2, lines without an entry: 0". A removed entry may have had several
+// rows, so that nothing can be told of the others.
+void TransferDialog::show_result(std::string_view changed, std::string_view unchanged,
+                                 const ListFileResult& counts) {
+  std::string text;
+  const auto add = [&](std::string_view what, std::uint64_t count) {
+    text.append(text.empty() ? "" : ", ").append(translate(what)).append(": ").append(std::to_string(count));
+  };
+  add(changed, counts.changed);
+  if (!unchanged.empty()) add(unchanged, counts.entries - counts.changed);
+  add("comments", counts.comments);
+  add("lines without an entry", counts.refused);
+  result.set_caption(text);
 }
 
 }  // namespace zrl

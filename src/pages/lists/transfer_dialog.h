@@ -9,9 +9,11 @@
 namespace zrl {
 
 // Moves a whole list between its table and a text file: UTF-8, one entry a line. Files are on the console's
-// machine; a relative path is below the console's folder, and "\" and "/" both separate folders. Import and
-// deletion are all or nothing; an export appears complete or not at all, and is offered to the user for
-// download. A failure is a recorded step, which the dialog does not show.
+// machine; a relative path is below the console's folder, and "\" and "/" both separate folders. The dialog
+// opens on the folder for lists in the console's folder, which is made if it is missing. The console's own
+// files are neither listed nor read nor written (core/contracts/console_folder.h). Import and deletion are
+// all or nothing; an export appears complete or not at all, and is offered to the user for download. A label
+// says what came of it; a failure is also a recorded step.
 class TransferDialog : public Form, public DatabaseClient {
  public:
   // `title` is English; its translation becomes the caption. The console must outlive the dialog. The
@@ -35,6 +37,7 @@ class TransferDialog : public Form, public DatabaseClient {
   Label Label4{*this, "Label4", "Files", File1};
 
   Button action{*this, "action", "Export", "Does it with the file that is named above"};
+  Label result{*this, "result", ""};
 
   void close() override;
 
@@ -43,7 +46,8 @@ class TransferDialog : public Form, public DatabaseClient {
   void enter(std::string_view folder);
   void choose(const OptionButton& option);
   void run_action();
-  void export_list(const std::string& path);
+  bool export_list(const std::string& path);
+  void show_result(std::string_view changed, std::string_view unchanged, const ListFileResult& counts);
 
   ListTable list_;
 };

@@ -94,6 +94,13 @@ class DatabaseTest : public ::testing::Test {
     return path(name).string();
   }
 
+  // A list file, where list files may be.
+  std::filesystem::path list_path(const std::string& name) const { return path("lists") / name; }
+  std::string write_list(const std::string& name, std::string_view content) const {
+    std::filesystem::create_directory(path("lists"));
+    return write_file("lists/" + name, content);
+  }
+
   std::string read_file(const std::string& name) const {
     std::ostringstream content;
     content << std::ifstream(path(name), std::ios::binary).rdbuf();

@@ -30,13 +30,13 @@ using FailureTest = DatabaseTest;
 
 TEST_F(FailureTest, LockedDatabase) {
   execute(insert_into("blacklist", "entry", "a"));
-  const std::string file = write_file("in.txt", "b\n");
+  const std::string file = write_list("in.txt", "b\n");
   const std::vector<std::function<void()>> writers = {
       [&] { execute("DELETE FROM blacklist"); },
       [&] { database->set_option("a", 1, conn); },
       [&] { database->add_to_blackdomain("b", conn); },
-      [&] { database->import_("entry", "blacklist", file); },
-      [&] { database->delete_("entry", "blacklist", file); },
+      [&] { database->import_(list::black_domains, file); },
+      [&] { database->delete_(list::black_domains, file); },
       [&] {
         conn->open(Statement("SELECT * FROM blacklist"), Connection::Access::updatable)->delete_current();
       },
@@ -102,19 +102,19 @@ TEST_F(FailureTest, AFailureOfTheEngineDropsTheTransaction) {
 TEST_F(FailureTest, FullDiskDuringAnImport) {
   std::string content;
   for (int i = 0; i < 50000; ++i) content.append("some-host-").append(std::to_string(i)).append("\n");
-  const std::string file = write_file("in.txt", content);
+  const std::string file = write_list("in.txt", content);
   execute(insert_into("blacklist", "entry", "before"));
   EXPECT_TRUE(in_child([&] {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit{600000, 600000};
     ::setrlimit(RLIMIT_FSIZE, &limit);
     const auto own = sqlite::make(console);
-    return failure_of([&] { own->import_("entry", "blacklist", file); }) != "none";
+    return failure_of([&] { own->import_(list::black_domains, file); }) != "none";
   }));
   EXPECT_THAT(list("blacklist"), ElementsAre("before"));
   EXPECT_EQ(other.ask("SELECT name FROM sqlite_schema WHERE tbl_name='blacklist' AND type='index'"),
             "blacklist_entry");
-  EXPECT_TRUE(database->import_("entry", "blacklist", file));
+  database->import_(list::black_domains, file);
   EXPECT_EQ(other.ask("PRAGMA integrity_check"), "ok");
 }
 
@@ -202,8 +202,8 @@ TEST_F(FailureTest, SettlesOnce) {
             0);
   database->CreateTable(conn, "scriptengine", "scriptname text");
   EXPECT_EQ(syncs_of([&] { conn->settle(); }), 1);
-  const std::string file = write_file("in.txt", "a\n");
-  EXPECT_GE(syncs_of([&] { database->import_("entry", "blacklist", file); }), 1);
+  const std::string file = write_list("in.txt", "a\n");
+  EXPECT_GE(syncs_of([&] { database->import_(list::black_domains, file); }), 1);
 }
 
 }  // namespace

@@ -67,7 +67,7 @@ TEST_F(DomainPageTest, APlaceBeyond32767IsNotKept) {
     for (int i = 0; i < 40'000; ++i) lines += "host" + std::to_string(i) + ".example\n";
     return lines;
   }());
-  console.components().create<Database>()->import_("entry", "blacklist",
+  console.components().create<Database>()->import_(list::black_domains,
                                                    (folder.path() / "download" / "many.txt").string());
   DomainPage& page = shown();
   const auto index_after_a_refill = [&] {
@@ -85,12 +85,14 @@ TEST_F(DomainPageTest, APlaceBeyond32767IsNotKept) {
   EXPECT_EQ(console.activity().failures(), 0u);
 }
 
-TEST_F(DomainPageTest, BlanksAreStoredAsAnEmptyEntry) {
+TEST_F(DomainPageTest, NothingEmptyIsStored) {
+  insert("blacklist", "entry", {"@*"});
   DomainPage& page = shown();
   page.Text1.user_type("   ");
   page.Command1.user_click();
-  EXPECT_THAT(rows("whitelist", "entry"), ElementsAre(""));
-  EXPECT_THAT(items(page.List1), ElementsAre(""));
+  EXPECT_THAT(rows("whitelist", "entry"), testing::IsEmpty());
+  EXPECT_THAT(rows("blacklist", "entry"), ElementsAre("@*"));
+  EXPECT_THAT(activity(), ElementsAre("failed: INSERT INTO whitelist (entry) VALUES ('')", version()));
 }
 
 TEST_F(DomainPageTest, EntriesAreTextWhateverTheyHold) {
@@ -147,14 +149,15 @@ TEST_F(DomainPageTest, TheTransferDialogMovesTheListAndRaisesOneFlag) {
   host.on_show = [this](Form& dialog) {
     EXPECT_EQ(dialog.name(), "transfer");
     EXPECT_EQ(dialog.caption(), "Domain Blacklist");
-    std::ofstream(folder.path() / "more.txt") << "b.example\r\na.example\n\n c.example \n";
-    dialog.find("source")->user_type((folder.path() / "more.txt").string());
+    std::ofstream(folder.path() / "lists" / "more.txt") << "b.example\r\na.example\n\n c.example \n";
+    dialog.find("source")->user_type((folder.path() / "lists" / "more.txt").string());
     dialog.find("import")->user_click();
     dialog.find("action")->user_click();
   };
   page.imexblack.user_click();
-  EXPECT_THAT(activity(), ElementsAre("import entry blacklist " + (folder.path() / "more.txt").string(),
-                                      raised("reloadblack"), version()));
+  EXPECT_THAT(activity(),
+              ElementsAre("import entry blacklist " + (folder.path() / "lists" / "more.txt").string(),
+                          raised("reloadblack"), version()));
   EXPECT_THAT(items(page.List2), ElementsAre("a.example", "b.example", "c.example"));
   EXPECT_EQ(registry("reloadwhite"), "");
 }
