@@ -24,10 +24,12 @@ NewFile& DownloadedFile::file() {
 }
 
 void DownloadedFile::write(std::string_view bytes) {
+  content_.take(bytes);
   naming(path_, [&] { file().write(bytes); });
 }
 
 void DownloadedFile::complete() {
+  content_.finish();
   naming(path_, [&] { file().publish(); });
 }
 

@@ -5,15 +5,17 @@
 #include <string_view>
 
 #include "components/downloader/http_fetcher.h"
+#include "components/downloader/list_content.h"
 #include "core/text/files.h"
 
 namespace zrl::downloader {
 
-// A file that replaces the one under its path when it is complete. Until then it is a temporary file in the
+// A list file that replaces the one under its path when it is complete and its content is that of a list, see
+// ListContent. Until then it is a temporary file in the
 // same folder, made by the first byte and removed with this object. Errors name the file without its folder.
 class DownloadedFile : public FetchTarget {
  public:
-  explicit DownloadedFile(std::filesystem::path path) : path_(std::move(path)) {}
+  DownloadedFile(std::filesystem::path path, ListKind kind) : path_(std::move(path)), content_(kind) {}
 
   void write(std::string_view bytes) override;
   // Flushes the file to the disk and renames it. The caller flushes the folder afterwards.
@@ -23,6 +25,7 @@ class DownloadedFile : public FetchTarget {
   NewFile& file();
 
   std::filesystem::path path_;
+  ListContent content_;
   std::optional<NewFile> file_;
 };
 

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "components/downloader/downloaded_file.h"
+#include "core/contracts/console_folder.h"
 #include "core/contracts/database.h"
 #include "core/contracts/statement.h"
 #include "core/text/error.h"
@@ -88,7 +89,7 @@ void replace(Connection& connection, const PublishedScript& script) {
 
 }  // namespace
 
-std::shared_ptr<Downloader> make(ConsoleServices& console, std::vector<std::string> files,
+std::shared_ptr<Downloader> make(ConsoleServices& console, std::vector<PublishedFile> files,
                                  const Options& options) {
   return std::make_shared<HttpDownloader>(console, std::move(files), options);
 }
@@ -96,7 +97,7 @@ std::shared_ptr<Downloader> make(ConsoleServices& console, std::vector<std::stri
 std::string HttpDownloader::updateall() {
   failures_.clear();
   const UpdateAddress address(this->address());
-  const fs::path folder = console_.folder() / "download";
+  const fs::path folder = console_folder::downloads(console_.folder());
   std::error_code failure;
   fs::create_directories(folder, failure);
   if (failure) throw Error(failure.value(), folder.string() + ": " + failure.message());
@@ -104,8 +105,8 @@ std::string HttpDownloader::updateall() {
 
   std::vector<std::unique_ptr<DownloadedFile>> files;
   std::vector<FetchJob> jobs;
-  for (const std::string& name : files_) {
-    files.push_back(std::make_unique<DownloadedFile>(folder / name));
+  for (const auto& [name, kind] : files_) {
+    files.push_back(std::make_unique<DownloadedFile>(folder / name, kind));
     FetchJob& job = jobs.emplace_back();
     job.url = address.of(name);
     job.target = files.back().get();
@@ -135,7 +136,7 @@ std::string HttpDownloader::conclude(const UpdateAddress& address, const std::ve
   std::size_t fetched = 0;
   std::string lines;
   for (std::size_t i = 0; i < jobs.size(); ++i) {
-    const std::string& name = files_[i];
+    const std::string& name = files_[i].name;
     lines += "\n" + name + ": " + describe(jobs[i]);
     if (jobs[i].outcome == Outcome::fetched) ++fetched;
     if (jobs[i].outcome == Outcome::failed) failures_.push_back({name, jobs[i].reason});

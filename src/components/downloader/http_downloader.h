@@ -14,7 +14,7 @@ namespace zrl::downloader {
 
 class HttpDownloader : public Downloader {
  public:
-  HttpDownloader(ConsoleServices& console, std::vector<std::string> files, const Options& options)
+  HttpDownloader(ConsoleServices& console, std::vector<PublishedFile> files, const Options& options)
       : console_(console), files_(std::move(files)), options_(options) {}
 
   std::string updateall() override;
@@ -29,7 +29,7 @@ class HttpDownloader : public Downloader {
   std::string address() const { return console_.setting("updateurl"); }
 
   ConsoleServices& console_;
-  std::vector<std::string> files_;
+  std::vector<PublishedFile> files_;
   Options options_;
   std::vector<Failure> failures_;
 };

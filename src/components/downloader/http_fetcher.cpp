@@ -60,6 +60,11 @@ long get_number(CURL* easy, CURLINFO info) {
   return value;
 }
 
+bool is_web_page(std::string_view type) {
+  const std::string name = lower(trim(type.substr(0, type.find(';'))));
+  return name == "text/html" || name == "application/xhtml+xml";
+}
+
 // The bytes that all files of a run may have together.
 struct Budget {
   std::uint64_t left;
@@ -107,7 +112,7 @@ class Transfer {
       fail(message_[0] != '\0' ? message_.data() : curl_easy_strerror(code));
     } else if (status != 200) {
       fail("the server answers with status " + std::to_string(status));
-    } else if (type != nullptr && lower(trim(type)).starts_with("text/html")) {
+    } else if (type != nullptr && is_web_page(type)) {
       // A page for people in place of the file: a log-in, or an error page with a status of success.
       fail("the server sends a web page");
     } else if (!head_is_complete_ || (decoder_ && !decoder_->is_complete())) {

@@ -4,7 +4,15 @@
 #include <string_view>
 #include <vector>
 
+#include "core/contracts/list_tables.h"
+
 namespace zrl {
+
+// A list file of the update server: its name, without a folder, and what its lines are.
+struct PublishedFile {
+  std::string name;
+  ListKind kind;
+};
 
 // Fetches published lists and scripts from the update server, which the registry value `updateurl` names.
 // Calls return when all transfers have ended; the console's events are served meanwhile, and what they raise
@@ -17,8 +25,8 @@ class Downloader {
 
   // Fetches all list files into the folder "download" of the console's folder and returns a status text
   // (UTF-8): how many were fetched, and the result for each file on a line of its own. A file that the server
-  // does not publish, or that does not arrive complete, stays as it is on the disk. Raises zrl::Error if none
-  // was fetched.
+  // does not publish, that does not arrive complete, or that is no list file (but a web page, XML, JSON or
+  // binary) stays as it is on the disk. Raises zrl::Error if none was fetched.
   virtual std::string updateall() = 0;
 
   // The files that the last updateall() did not fetch although they may be published, with the reason as

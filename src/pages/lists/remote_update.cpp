@@ -85,13 +85,15 @@ std::vector<ListFile> mail_list_files() {
   };
 }
 
-std::vector<std::string> published_list_files() {
-  std::vector<std::string> names;
+std::vector<PublishedFile> published_list_files() {
+  std::vector<PublishedFile> published;
   for (const ListFile& file : all_list_files()) {
     std::string name = to_file_path(file.file).filename().string();
-    if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
+    const bool is_new = std::none_of(published.begin(), published.end(),
+                                     [&](const PublishedFile& known) { return known.name == name; });
+    if (is_new) published.push_back({std::move(name), file.list.kind});
   }
-  return names;
+  return published;
 }
 
 bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& downloader, std::string& status) {
@@ -110,10 +112,11 @@ void merge_lists(DatabaseClient& client, Console& console, std::span<const ListF
   for (const ListFile& file : files) {
     console.host().show_progress({file.list.table.text(), done++, files.size()});
     const std::string path = (console.folder() / to_file_path(file.file.substr(1))).string();
-    if (file.operation == ListFile::Operation::import_entries) {
-      client.import_file(file.list, path);
-    } else {
-      client.delete_file(file.list, path);
+    const std::optional<ListFileResult> result = file.operation == ListFile::Operation::import_entries
+                                                     ? client.import_file(file.list, path)
+                                                     : client.delete_file(file.list, path);
+    if (result && result->refused > 0) {
+      client.noted(path + ": lines without an entry of the list: " + std::to_string(result->refused));
     }
   }
 }

@@ -33,9 +33,9 @@ std::vector<ListFile> address_list_files();
 std::vector<ListFile> keyword_list_files();
 std::vector<ListFile> mail_list_files();
 
-// The file names, without folder, under which a server publishes them: each once, in the order of their first
-// use. This is what the downloader component is made with.
-std::vector<std::string> published_list_files();
+// The files as a server publishes them: each once, in the order of their first use. This is what the
+// downloader component is made with.
+std::vector<PublishedFile> published_list_files();
 
 // Fetches all published files; blocks, the console's events being served meanwhile. True if at least one file
 // arrived; `status` then holds the downloader's status text (UTF-8), and each file that was expected but did
@@ -44,7 +44,8 @@ std::vector<std::string> published_list_files();
 bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& downloader, std::string& status);
 
 // Merges the files in their order and shows the progress. A file that is missing or unreadable makes its step
-// fail and leaves its list as it is; the other steps are carried out all the same.
+// fail and leaves its list as it is; the other steps are carried out all the same. Lines without an entry are
+// noted.
 void merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files);
 
 }  // namespace zrl

@@ -73,7 +73,9 @@ class DownloaderTest : public ::testing::Test {
   FakeUpdateServer server;
   FakeServices console{folder.path()};
   std::string address = server.address() + "/lists";
-  std::vector<std::string> published{"addblack.txt", "delblack.txt", "addextension"};
+  std::vector<PublishedFile> published{{"addblack.txt", ListKind::domains},
+                                       {"delblack.txt", ListKind::domains},
+                                       {"addextension", ListKind::names}};
   downloader::Options options;
   std::shared_ptr<Downloader> downloader;
 };

@@ -4,6 +4,7 @@ namespace zrl::downloader {
 namespace {
 
 using std::chrono::milliseconds;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -17,6 +18,12 @@ std::string gzipped(const std::string& command) {
   char block[65536];
   for (std::size_t got = 0; (got = std::fread(block, 1, sizeof block, pipe)) > 0;) result.append(block, got);
   ::pclose(pipe);
+  return result;
+}
+
+std::string lines(std::size_t size) {
+  std::string result;
+  while (result.size() < size) result += "a.example\n";
   return result;
 }
 
@@ -81,9 +88,9 @@ TEST_F(FetchTest, AFileThatDoesNotArriveCompleteReplacesNothing) {
       {"two lengths", head + "Content-Length: 4\r\nContent-Length: 2000\r\n\r\nnew\n", ""},
       {"negative length", head + "Content-Length: -4\r\n\r\nnew\n", ""},
       {"announced size", head + "Content-Length: 100001\r\n\r\nx", "file size exceeded"},
-      {"size without announcement", head + "\r\n" + std::string(200'000, 'x'),
+      {"size without announcement", head + "\r\n" + lines(200'000),
        "larger than 100000 bytes|maximum allowed file size \\(100000\\)"},
-      {"bomb", compressed_answer(gzipped("head -c 67108864 /dev/zero")), "larger than"},
+      {"bomb", compressed_answer(gzipped("yes | head -c 67108864")), "larger than"},
       {"not what was compressed", compressed_answer("plain text"), ""},
       {"cut within compression", compressed_answer(text.substr(0, text.size() / 2)), ""},
       {"unknown compression", test::http_answer("x", "Content-Encoding: zrl\r\nConnection: close\r\n"), ""},
@@ -138,7 +145,7 @@ TEST_F(FetchTest, WithoutAServerTheUpdateFailsWithTheReasonAndOldFilesStay) {
 
 TEST_F(FetchTest, AServerThatNeverAnswersIsNotTriedForEveryFile) {
   published.clear();
-  for (int i = 0; i < 30; ++i) published.push_back("file" + std::to_string(i));
+  for (int i = 0; i < 30; ++i) published.push_back({"file" + std::to_string(i), ListKind::domains});
   options.limits.stall = std::chrono::seconds(1);
   const test::LoopbackServer silent([](test::ServedConnection& connection) {
     while (connection.pause(milliseconds(10'000))) continue;
@@ -156,7 +163,7 @@ TEST_F(FetchTest, AServerThatPublishesNothingIsAFailure) {
 TEST_F(FetchTest, ManyFilesShareFewConnections) {
   published.clear();
   for (int i = 0; i < 40; ++i) {
-    published.push_back("file" + std::to_string(i));
+    published.push_back({"file" + std::to_string(i), ListKind::domains});
     server.publish("/lists/file" + std::to_string(i), std::to_string(i));
   }
   EXPECT_THAT(update(), StartsWith("40 of 40"));
@@ -229,6 +236,54 @@ TEST_F(FetchTest, WhatADeadProcessLeftBehindIsRemoved) {
                                    std::filesystem::file_time_type::clock::now() - std::chrono::hours(48));
   update();
   EXPECT_THAT(names(), ElementsAre(".new-2"));
+}
+
+// Servers send all of these with a status of success and without a type.
+TEST_F(FetchTest, WhatIsNoListDoesNotReplaceOne) {
+  const std::string long_line(longest_list_line + 1, 'x');
+  const struct {
+    ListKind kind;
+    std::string content;
+    const char* reason;  // empty for a list
+  } cases[] = {
+      {ListKind::domains, "\xEF\xBB\xBF \r\n<!DOCTYPE html>", "a web page or XML"},
+      {ListKind::domains, "<error>gone</error>", "a web page or XML"},
+      {ListKind::domains, "{\"error\": 1}", "JSON"},
+      {ListKind::names, "\t[\"a\"]\n", "JSON"},
+      {ListKind::domains, std::string("a\n\0b\n", 5), "line 2 holds the control character 0"},
+      {ListKind::domains, "a\nb\x1b[2J\n", "line 2 holds the control character 27"},
+      {ListKind::domains, "a\n" + long_line + "\nb\n", "line 2 is too long"},
+      {ListKind::domains, long_line, "line 1 is too long"},
+      {ListKind::domains, std::string(3 * longest_list_line, 'x'), "line 1 is too long"},
+      {ListKind::domains, std::string(600, '\n') + "<html>", "a web page or XML"},
+      {ListKind::domains, "\xEF\xBB\xBF" + long_line.substr(1) + "\r\n" + long_line.substr(1), ""},
+      {ListKind::domains, "", ""},
+      {ListKind::domains, "REGEX[a]\n# <html>\n", ""},
+      {ListKind::texts, "<HTML lang=\"en\">", "a web page or XML"},
+      {ListKind::texts, "\n<?xml version=\"1.0\"?><list/>", "a web page or XML"},
+      {ListKind::texts, "<Error><Code>NoSuchKey</Code></Error>\n", "XML"},
+      {ListKind::texts, "{\n  \"error\": 1\n}", "JSON"},
+      {ListKind::texts, "[\n  {\"a\": 1}\n]", "JSON"},
+      {ListKind::texts, "<iframe\n[spam]\n{free}\n", ""},
+      {ListKind::texts, "[spam]\nREGEX[<b>]\n", ""},
+  };
+  published = {{"addblack.txt", ListKind::domains}, {"delblack.txt", ListKind::domains}};
+  server.publish("/lists/delblack.txt", "b\n");
+  for (const auto& [kind, content, reason] : cases) {
+    SCOPED_TRACE(content.substr(0, 40));
+    published[0].kind = kind;
+    write("addblack.txt", "good\n");
+    server.answer_bytes("/lists/addblack.txt", test::http_answer(content, "Connection: close\r\n"));
+    update();
+    if (*reason == '\0') {
+      EXPECT_EQ(failures(), "");
+      EXPECT_EQ(read("addblack.txt"), content);
+    } else {
+      EXPECT_THAT(failures(), AllOf(StartsWith("addblack.txt: not a list file: "), HasSubstr(reason)));
+      EXPECT_EQ(read("addblack.txt"), "good\n");
+    }
+    EXPECT_THAT(names(), ElementsAre("addblack.txt", "delblack.txt"));
+  }
 }
 
 }  // namespace

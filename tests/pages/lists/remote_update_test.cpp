@@ -104,6 +104,24 @@ TEST_F(RemoteUpdateTest, AFileThatCouldNotBeFetchedIsRecordedAndTheRestIsMerged)
   EXPECT_THAT(rows("whitelist", "entry"), ElementsAre("good.example"));
 }
 
+// A server that answers everything with a page for people, under the type of plain text.
+TEST_F(RemoteUpdateTest, AFileThatIsNoListChangesNeitherTheGoodCopyNorTheList) {
+  std::ofstream(folder.path() / "download" / "addblack.txt") << "old.example\n";
+  server.publish("/lists/addblack.txt", "<html>\nSign in\n</html>\n");
+  server.publish("/lists/addbody.txt", "{\"error\": \"gone\"}\n");
+  server.publish("/lists/addsubject.txt", "[spam]\n# comment\n<b>\n");
+  server.publish("/lists/addwhite.txt", "127.0.0.1 localhost\n0.0.0.0 good.example\n");
+  update();
+  EXPECT_THAT(failures(),
+              ElementsAre("updateall addblack.txt: not a list file: the server sends a web page or XML",
+                          "updateall addbody.txt: not a list file: the server sends JSON"));
+  EXPECT_THAT(rows("blacklist", "entry"), ElementsAre("old.example"));
+  EXPECT_THAT(rows("words", "entry"), IsEmpty());
+  EXPECT_THAT(rows("swords", "entry"), ElementsAre("[spam]", "<b>"));
+  EXPECT_THAT(rows("whitelist", "entry"), ElementsAre("good.example"));
+  EXPECT_THAT(activity(), Contains(testing::EndsWith("addwhite.txt: lines without an entry of the list: 1")));
+}
+
 TEST_F(RemoteUpdateTest, WithoutAServerTheStepFailsAndOldFilesAreMerged) {
   std::ofstream(folder.path() / "download" / "addblack.txt") << "old.example\n";
   const std::pair<std::string, const char*> cases[] = {
