@@ -44,6 +44,7 @@ class RblCheck : public BlockLists {
     listing = Listing::none;
     zone.clear();
     const Listings found(console_, {name_at(position)}, zones_);
+    if (!found.answered()) throw Error(error_number::invalid_call, "no block list gave a credible answer");
     for (std::size_t i = 0; i < zones_.size(); ++i) {
       if (!found.has(0, i)) continue;
       listing = i < white_ ? Listing::white : Listing::black;

@@ -124,9 +124,11 @@ Listings::Listings(ConsoleServices& console, const std::vector<std::string>& nam
     if (asked.size() % starts_between_pauses == 0) queries.pause();
   }
   queries.finish();
+  answered_ = false;
   for (std::size_t query = 0; query < asked.size(); ++query) {
     Verdict verdict = verdict_on(queries[query]);
     listed_[asked[query]] = verdict.listed;
+    if (verdict.listed || verdict.problem.empty()) answered_ = true;
     if (!verdict.problem.empty()) problems[asked[query] % zones_] = std::move(verdict.problem);
   }
   for (std::size_t zone = 0; zone < zones_; ++zone) {

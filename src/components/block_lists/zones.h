@@ -29,11 +29,14 @@ class Listings {
   Listings(ConsoleServices& console, const std::vector<std::string>& names,
            const std::vector<std::string>& zones);
 
+  // Whether any zone gave a credible answer, a listing or "not listed"; true if none was asked.
+  bool answered() const { return answered_; }
   bool has(std::size_t name, std::size_t zone) const { return listed_[name * zones_ + zone]; }
 
  private:
   std::size_t zones_;
   std::vector<bool> listed_;
+  bool answered_ = true;
 };
 
 }  // namespace zrl::block_lists

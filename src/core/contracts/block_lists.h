@@ -27,11 +27,12 @@ class BlockLists {
   virtual bool initmodule(const MessageContext& context) = 0;
 
   // Asks all zones at once and returns after the slowest answer, or when the resolver's time-out has passed:
-  // a zone that does not answer lists nothing. At "connect" the client's address is looked up, IPv4 or IPv6,
-  // at "envelope" the sender's domain. White zones take precedence over black ones, and among each kind the
-  // order of the rows decides. `zone` becomes the one that matched, or empty. Zones that cannot be asked, or
-  // whose answers are not credible, are recorded as failures. The event loop is served meanwhile. Raises
-  // zrl::Error on failure, which includes an unknown position, or one whose part of the context is missing.
+  // a zone that does not answer lists nothing, and an error is raised if there are zones and none of them
+  // answers. At "connect" the client's address is looked up, IPv4 or IPv6, at "envelope" the sender's domain.
+  // White zones take precedence over black ones, and among each kind the order of the rows decides. `zone`
+  // becomes the one that matched, or empty. Zones that cannot be asked, or whose answers are not credible,
+  // are recorded as failures. The event loop is served meanwhile. Raises zrl::Error on failure, which
+  // includes an unknown position, or one whose part of the context is missing.
   virtual void Value(std::string_view position, Listing& listing, std::string& zone) = 0;
 };
 

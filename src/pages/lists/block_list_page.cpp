@@ -61,20 +61,26 @@ void BlockListPage::remove(const ListTable& list) {
 
 // The field may change, and the page may be left, while the zones are asked.
 void BlockListPage::test() {
-  const std::string text = Text2.text();
+  const std::string text(trim(Text2.text()));
   const bool is_address = is_ip_address(text);
   MessageContext context;
   (is_address ? context.client_address : context.sender_command) =
       is_address ? text : "mail from: adsf@" + text;
   auto listing = BlockLists::Listing::none;
   std::string zone;
-  ask(block_lists_, "look up " + text, [&](BlockLists& block_lists) {
+  bool asked = false;
+  const Outcome answered = ask(block_lists_, "look up " + text, [&](BlockLists& block_lists) {
     if (!block_lists.initmodule(context)) {
       throw Error(error_number::invalid_call, "neither an IP number nor a domain");
     }
+    asked = true;
     block_lists.Value(is_address ? BlockLists::connect : BlockLists::envelope, listing, zone);
   });
-  Label3.set_caption(text + verdict(listing, zone));
+  if (asked && !answered) {
+    Label3.set_caption(text + translate(" could not be looked up: no RBL/RWL Server answered"));
+  } else {
+    Label3.set_caption(text + verdict(listing, zone));
+  }
 }
 
 std::string BlockListPage::verdict(BlockLists::Listing listing, const std::string& zone) {

@@ -96,7 +96,7 @@ TEST_F(RblCheckTest, OnlyAddressesOfListsAreListings) {
   for (std::size_t i = 0; i < std::size(cases); ++i) {
     const std::string address = "192.0.2." + std::to_string(i);
     server.add(std::to_string(i) + ".2.0.192.zone.test " + cases[i].records);
-    tables["rblserver"] = {"zone.test"};
+    tables["rblserver"] = {"zone.test", "other.test"};
     reports.clear();
     EXPECT_EQ(of_address(address), cases[i].value) << cases[i].records;
     if (std::string(cases[i].report).empty()) {
@@ -143,6 +143,11 @@ TEST_F(RblCheckTest, ZonesThatDoNotAnswerListNothingAndAreReported) {
   EXPECT_GE(console.waits, 2);
   EXPECT_THAT(reports, ElementsAre("block list silent.test: Timeout while contacting DNS servers",
                                    StartsWith("block list broken.test: ")));
+  tables["rblserver"] = {"broken.test"};
+  EXPECT_THROW(of_address("192.0.2.1"), Error);
+  tables = {};
+  EXPECT_EQ(of_address("192.0.2.1"), "0");
+  tables["rblserver"] = {"bl.test"};
   servers.clear();
   EXPECT_THROW(of_address("192.0.2.1"), Error);
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/text/text.h"
 #include "pages/tools/composer_dialog.h"
 #include "support/dns_environment.h"
 #include "support/log_rows.h"
@@ -90,12 +91,12 @@ TEST_F(BlockListPageTest, AnAddressIsAClientAndAnyOtherTextASendersDomain) {
       {"192.0.2.1", "connect", "192.0.2.1", ""},
       {"spam.test", "envelope", "", "mail from: adsf@spam.test"},
       {"192.0.2", "envelope", "", "mail from: adsf@192.0.2"},
-      {" 192.0.2.1", "envelope", "", "mail from: adsf@ 192.0.2.1"},
+      {" 192.0.2.1\t", "connect", "192.0.2.1", ""},
       {"", "envelope", "", "mail from: adsf@"},
   };
   for (const auto& [text, position, address, command] : cases) {
     EXPECT_EQ(result_of(page, text),
-              std::string(text) + " is NOT listed in one of your configured RBL/RWL Server");
+              std::string(trim(text)) + " is NOT listed in one of your configured RBL/RWL Server");
     EXPECT_EQ(lists->asked_at, position) << text;
     EXPECT_EQ(lists->asked.client_address, address) << text;
     EXPECT_EQ(lists->asked.sender_command, command) << text;
@@ -119,6 +120,31 @@ TEST_F(BlockListPageTest, TheTestTellsTheZoneThatListsIt) {
   forget_activity();
   EXPECT_THAT(result_of(page, "o'neil"), testing::StartsWith("o'neil is NOT listed"));
   EXPECT_THAT(activity(), ElementsAre("failed: look up o'neil"));
+}
+
+TEST_F(BlockListPageTest, WithoutAnAnswerNothingIsSaidOfTheLists) {
+  insert("rblserver", "entry", {"bl.test"});
+  {
+    test::DnsEnvironment dns;
+    dns.server.add("1.2.0.192.bl.test ERROR 2");
+    EXPECT_EQ(result_of(shown(), "192.0.2.1"),
+              "192.0.2.1 could not be looked up: no RBL/RWL Server answered");
+    EXPECT_THAT(activity(), ElementsAre("failed: block list bl.test", "failed: look up 192.0.2.1"));
+  }
+}
+
+TEST_F(BlockListPageTest, NothingEmptyIsStored) {
+  BlockListPage& page = shown();
+  for (Button* add : {&page.wbladd, &page.rbladd}) {
+    page.Text1.user_type(" ");
+    add->user_click();
+  }
+  EXPECT_THAT(activity(), ElementsAre("DELETE FROM wblserver where entry=''",
+                                      "failed: INSERT INTO wblserver (entry) VALUES ('')",
+                                      "DELETE FROM rblserver where entry=''",
+                                      "failed: INSERT INTO rblserver (entry) VALUES ('')"));
+  EXPECT_THAT(rows("wblserver", "entry"), IsEmpty());
+  EXPECT_THAT(rows("rblserver", "entry"), IsEmpty());
 }
 
 TEST_F(BlockListPageTest, TheButtonIsDisabledMeanwhileAndTheTextMayChange) {
