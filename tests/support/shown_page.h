@@ -29,8 +29,11 @@ class ShownPage : public InstalledConsole {
     return result;
   }
 
+  // Empty entries too, which other programs may have stored.
   void insert(Literal table, Literal column, std::initializer_list<std::string_view> entries) {
-    for (const std::string_view entry : entries) execute(insert_into(table, column, entry));
+    for (const std::string_view entry : entries) {
+      execute("INSERT INTO " + table + " (" + column + ") VALUES ('" + value(entry) + "')");
+    }
   }
 
   // What a button's transfer dialog moves: "title: proposed file".

@@ -62,7 +62,9 @@ Statement delete_from(Literal table, Literal column, std::string_view text) {
 }
 
 Statement insert_into(Literal table, Literal column, std::string_view text) {
-  return "INSERT INTO " + table + " (" + column + ") VALUES ('" + value(text) + "')";
+  Statement insertion = "INSERT INTO " + table + " (" + column + ") VALUES ('" + value(text) + "')";
+  if (trim(text).empty()) insertion.refuse("nothing is stored: the entry is empty");
+  return insertion;
 }
 
 }  // namespace zrl

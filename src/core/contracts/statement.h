@@ -69,6 +69,11 @@ class Statement {
 
   Statement& append(Literal literal);
   Statement& append(const Value& value);
+  // Makes the statement malformed for a reason of the caller's, which is not copied: a literal.
+  Statement& refuse(const char* why) {
+    fault_ = why;
+    return *this;
+  }
 
   // The statement as one text, values in their places: for the record, not for the engine.
   std::string text() const { return written(Secrets::shown); }
@@ -117,7 +122,8 @@ inline Statement operator+(Statement&& left, const Value& right) {
 // "DELETE FROM table where column='text'". Table and column are not quoted.
 Statement delete_from(Literal table, Literal column, std::string_view text);
 
-// "INSERT INTO table (column) VALUES ('text')"
+// "INSERT INTO table (column) VALUES ('text')". A text of blanks makes the statement malformed: a row without
+// a name would match everything, or nothing.
 Statement insert_into(Literal table, Literal column, std::string_view text);
 
 }  // namespace zrl

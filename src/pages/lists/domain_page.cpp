@@ -66,6 +66,11 @@ void DomainPage::fill_lists() {
 // Every step reads the field again, so the entry is stored exactly as the field shows it.
 void DomainPage::add(const List& own, const List& other) {
   Text1.set_text(trim(Text1.text()));
+  if (Text1.text().empty()) {
+    execute(insert_into(own.table, Text1.text()));  // records the refusal
+    fill_lists();
+    return;
+  }
   Text1.set_text(escape_quotes(Text1.text()));
   raise_flags(own);
   execute(delete_from(own.table, Text1.text()));

@@ -91,16 +91,17 @@ void KeywordPage::follow_subject_check() {
   Check3.set_enabled(Check1.checked());
 }
 
-// False if there is nothing to add.
-bool KeywordPage::escape_entry() {
-  if (trim(Text1.text()).empty()) return false;
+// The word to add: the escaped text of the field, trimmed. It may be empty: it is then not stored, and the
+// failed step says so.
+std::string KeywordPage::escaped_word() {
   Text1.set_text(escape_quotes(Text1.text()));
-  return true;
+  return std::string(trim(Text1.text()));
 }
 
+// Unlike the others, this one does nothing at all while the field is empty.
 void KeywordPage::add_subject_keyword() {
-  if (!escape_entry()) return;
-  const std::string_view word = trim(Text1.text());
+  if (Text1.text().empty()) return;
+  const std::string word = escaped_word();
   add_to_swords(word);
   execute(delete_from(list::white_subjects, word));
   purge(white_);
@@ -108,14 +109,12 @@ void KeywordPage::add_subject_keyword() {
 }
 
 void KeywordPage::add_body_keyword() {
-  if (!escape_entry()) return;
-  add_to_words(trim(Text1.text()));
+  add_to_words(escaped_word());
   fill_lists();
 }
 
 void KeywordPage::add_subject_white_word() {
-  if (!escape_entry()) return;
-  const std::string_view word = trim(Text1.text());
+  const std::string word = escaped_word();
   execute(delete_from(list::white_subjects, word));
   execute(insert_into(list::white_subjects, word));
   execute(delete_from(list::subject_keywords, word));

@@ -74,7 +74,7 @@ class KeywordPage : public ListPage {
   void follow_subject_check();
   std::string header_check_path();
 
-  bool escape_entry();
+  std::string escaped_word();
   void add_subject_keyword();
   void add_body_keyword();
   void add_subject_white_word();

@@ -28,7 +28,7 @@ TEST_F(KeywordChecksTest, TheBodyIsRefusedForItsKeywordsAndExpressions) {
   EXPECT_EQ(body("buy viagra"), "");
   execute(insert_into("words", "entry", "viagra"));
   execute(insert_into("words", "entry", "REGEX[c[i1]a(l|1)is]"));
-  execute(insert_into("words", "entry", ""));
+  execute("INSERT INTO words (entry) VALUES ('')");  // by another program
   execute(insert_into("swords", "entry", "clean"));
   EXPECT_EQ(body("Buy VIAGRA"), "550 5.1.0 rejected - your body is not allowed: viagra");
   EXPECT_EQ(body("buy C1a1is"),

@@ -34,6 +34,13 @@ TEST(Statement, HostileValuesMakeItMalformed) {
   }
 }
 
+TEST(Statement, ARowWithoutATextIsMalformed) {
+  for (const char* blank : {"", " ", "\t\r\n "}) {
+    EXPECT_NE(insert_into("blacklist", "entry", blank).fault(), "");
+    EXPECT_EQ(delete_from("blacklist", "entry", blank).fault(), "");
+  }
+}
+
 TEST(Statement, ValuesBelongInsideQuotesAndNumbersOutside) {
   EXPECT_NE(("select " + value("x")).fault(), "");
   EXPECT_NE(("select '" + number("1") + "'").fault(), "");

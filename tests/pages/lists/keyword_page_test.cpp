@@ -64,13 +64,25 @@ TEST_F(KeywordPageTest, AddedTextIsEscapedAndStaysInTheField) {
     EXPECT_EQ(rows(table, "entry").back(), "it\\x27s \\x22free\\x22") << table.text();
   }
   EXPECT_EQ(page.List2.index(), 1);
+}
 
-  forget_activity();
-  for (const char* blank : {"", "   "}) {
-    page.Text1.user_type(blank);
-    for (const auto& [add, table] : cases) add.user_click();
-  }
+// Nothing empty is stored. The lists are read again, but for the first button with an empty field.
+TEST_F(KeywordPageTest, AnEmptyTextIsRefused) {
+  KeywordPage& page = shown();
+  page.Command1.user_click();
   EXPECT_THAT(activity(), IsEmpty());
+  insert("words", "entry", {"one"});
+  page.Command2.user_click();
+  EXPECT_THAT(items(page.List2), ElementsAre("one"));
+  insert("swords", "entry", {"two"});
+  page.Command7.user_click();
+  EXPECT_THAT(items(page.List1), ElementsAre("two"));
+  page.Text1.user_type("   ");
+  for (Button* add : {&page.Command1, &page.Command2, &page.Command7}) add->user_click();
+  EXPECT_EQ(console.activity().failures(), 5u);
+  EXPECT_THAT(rows("swords", "entry"), ElementsAre("two"));
+  EXPECT_THAT(rows("words", "entry"), ElementsAre("one"));
+  EXPECT_THAT(rows("subjectwhite", "entry"), IsEmpty());
 }
 
 TEST_F(KeywordPageTest, RemovingPurgesEmptyRowsAndTakesTheTextAsItStands) {

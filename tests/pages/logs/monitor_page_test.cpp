@@ -52,6 +52,24 @@ TEST_F(MonitorPageTest, AnEmptyArchiveShowsNothing) {
   EXPECT_THAT(host.boxes, IsEmpty());
 }
 
+// Without a mail, and for a mail without a sender, nothing empty reaches a list.
+TEST_F(MonitorPageTest, NothingEmptyIsListed) {
+  set_option("checkmail", 1);  // else two of the buttons are disabled
+  MonitorPage& page = shown();
+  Button* const adds[] = {&page.Command2, &page.Command3, &page.Command8,        &page.Command4,
+                          &page.Command9, &page.Command7, &page.blacklistsender, &page.Command10};
+  for (Button* add : adds) {
+    forget_activity();
+    add->user_click();
+    EXPECT_EQ(console.activity().failures(), 1u) << add->name();
+  }
+  for (const ListTable& each :
+       {list::subject_keywords, list::black_addresses, list::white_addresses, list::black_domains,
+        list::white_domains, list::black_mails, list::white_mails}) {
+    EXPECT_THAT(rows(each.table, each.column), IsEmpty()) << each.name;
+  }
+}
+
 TEST_F(MonitorPageTest, WalksFromTheNewestAndShowsTheBodyAsText) {
   archive("<old@x>", "20051104120001", html_mail);
   archive("<new@x>", "20051104120002", text_mail, "=?utf-8?B?R3LDvMOfZQ==?=");
