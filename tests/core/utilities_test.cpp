@@ -126,15 +126,33 @@ TEST_F(UtilitiesTest, MailDirectoriesBelongToAnInstance) {
   EXPECT_EQ(console.settings().smtp_directories(1).pickup, "C:\\pickup");
 }
 
-TEST_F(UtilitiesTest, TextFilesAreWrittenInAscii) {
+TEST_F(UtilitiesTest, TextFilesAreWrittenInUtf8) {
   const std::string product_folder = to_product_path(folder.path()) + "\\new\\scripts";
   EXPECT_TRUE(write_text_file(console, product_folder, "a.vbs", "MsgBox \"h\u00e4 \U0001F600\xff\"\r\n"));
-  EXPECT_EQ(read_file(folder.path() / "new/scripts/a.vbs"), "MsgBox \"h? ??\"\r\n");
+  EXPECT_EQ(read_file(folder.path() / "new/scripts/a.vbs"), "MsgBox \"h\u00e4 \U0001F600\uFFFD\"\r\n");
   EXPECT_TRUE(write_text_file(console, product_folder + '\\', "a.vbs", "second"));
   EXPECT_EQ(read_file(folder.path() / "new/scripts/a.vbs"), "second");
   ASSERT_EQ(console.activity().total(), 2u);
   EXPECT_EQ(console.activity()[1].text, (folder.path() / "new/scripts/a.vbs").string());
   EXPECT_TRUE(console.activity()[1].write);
+}
+
+TEST_F(UtilitiesTest, NewFilesReplaceNoneAndHoldEveryByte) {
+  const std::string product_folder = to_product_path(folder.path()) + "\\new";
+  const std::string bytes("\xE4\0\r\n\xC3", 5);
+  int proposed = 0;
+  const auto next_name = [&] { return std::to_string(proposed++ / 2) + ".eml"; };
+  for (const char* name : {"0.eml", "1.eml", "2.eml"}) {
+    EXPECT_EQ(write_new_file(console, product_folder, next_name, name + bytes), name);
+    EXPECT_EQ(read_file(folder.path() / "new" / name), name + bytes);
+  }
+  EXPECT_EQ(console.activity().total(), 3u);
+  EXPECT_EQ(console.activity()[2].text, (folder.path() / "new/2.eml").string());
+  EXPECT_EQ(write_new_file(console, product_folder, [] { return "0.eml"; }, "x"), "");
+  EXPECT_EQ(write_new_file(console, product_folder, [] { return "../a"; }, "x"), "");
+  EXPECT_EQ(write_new_file(console, "", [] { return "a"; }, "x"), "");
+  EXPECT_NE(last_failure(), "");
+  EXPECT_EQ(read_file(folder.path() / "new/0.eml"), "0.eml" + bytes);
 }
 
 TEST_F(UtilitiesTest, FileNamesDoNotLeaveTheFolder) {
