@@ -64,7 +64,7 @@ std::string tidied(std::string_view text, std::size_t limit) {
 std::string body_text(std::string_view content, const BodyEncoding& encoding, std::size_t limit) {
   initialise_mime_library();
   const std::string bytes = without_transfer_encoding(content, encoding.transfer, limit);
-  return tidied(CharacterSet(encoding.charset).repaired(bytes, limit), limit);
+  return tidied(CharacterSet(encoding.charset).decode(bytes, limit), limit);
 }
 
 }  // namespace zrl::mail

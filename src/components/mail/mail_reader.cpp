@@ -34,11 +34,9 @@ std::string without_controls(const std::string& field) {
   return result;
 }
 
-// A field in UTF-8, its encoded words decoded; bytes beyond ASCII are decoded like those of a body without a
-// character set.
 std::string decoded(const std::string& field) {
-  return one_line(decode_encoded_words(body_text(without_controls(field), {}, 2 * longest_field)),
-                  longest_field);
+  const std::string text = without_controls(field);
+  return one_line(decode_encoded_words(cut_between_characters(text, 2 * longest_field)), longest_field);
 }
 
 std::string cut(const std::string& text, std::size_t limit) {

@@ -4,7 +4,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
-#include <limits>
 
 #include <iconv.h>
 
@@ -32,12 +31,51 @@ struct Meaning {
   std::string_view meant;  // a name of the C library, or one of those above
 };
 constexpr Meaning meanings[] = {
-    {"us-ascii", guess},      {"ascii", guess},       {"utf-8", utf8},
-    {"utf8", utf8},           {"iso-8859-1", cp1252}, {"latin1", cp1252},
-    {"windows-1252", cp1252}, {"cp1252", cp1252},     {"iso-8859-9", "CP1254"},
-    {"iso-8859-11", "CP874"}, {"tis-620", "CP874"},   {"gb2312", "GB18030"},
-    {"gbk", "GB18030"},       {"shift_jis", "CP932"}, {"shift-jis", "CP932"},
-    {"x-sjis", "CP932"},      {"euc-kr", "CP949"},    {"ks_c_5601-1987", "CP949"},
+    {"us-ascii", guess},
+    {"us_ascii", guess},
+    {"ascii", guess},
+    {"ansi_x3.4-1968", guess},
+    {"utf-8", utf8},
+    {"utf8", utf8},
+    {"utf_8", utf8},
+    {"unicode-1-1-utf-8", utf8},
+    {"iso-8859-1", cp1252},
+    {"iso8859-1", cp1252},
+    {"iso_8859-1", cp1252},
+    {"latin1", cp1252},
+    {"latin-1", cp1252},
+    {"l1", cp1252},
+    {"windows-1252", cp1252},
+    {"cp1252", cp1252},
+    {"x-cp1252", cp1252},
+    {"iso-8859-9", "CP1254"},
+    {"latin5", "CP1254"},
+    {"iso-8859-11", "CP874"},
+    {"tis-620", "CP874"},
+    {"iso-8859-6-i", "ISO-8859-6"},
+    {"iso-8859-8-i", "ISO-8859-8"},
+    {"gb2312", "GB18030"},
+    {"gb_2312-80", "GB18030"},
+    {"gbk", "GB18030"},
+    {"x-gbk", "GB18030"},
+    {"cp936", "GB18030"},
+    {"euc-cn", "GB18030"},
+    {"x-x-big5", "BIG5"},
+    {"shift_jis", "CP932"},
+    {"shift-jis", "CP932"},
+    {"sjis", "CP932"},
+    {"x-sjis", "CP932"},
+    {"ms_kanji", "CP932"},
+    {"euc-jp", "EUC-JP-MS"},
+    {"x-euc-jp", "EUC-JP-MS"},
+    {"euc-kr", "CP949"},
+    {"x-euc-kr", "CP949"},
+    {"ks_c_5601-1987", "CP949"},
+    {"ks_c_5601-1989", "CP949"},
+    {"ksc5601", "CP949"},
+    {"ksc_5601", "CP949"},
+    {"korean", "CP949"},
+    {"windows-949", "CP949"},
 };
 
 // Nothing if there can be no set of this name.
@@ -50,15 +88,34 @@ std::string meaning_of(std::string_view name) {
   return is_name ? small : std::string();
 }
 
-std::string from_windows_1252(std::string_view bytes, bool repairs, std::size_t limit) {
+std::string from_windows_1252(std::string_view bytes, std::size_t limit) {
   std::string result;
   for (const char c : bytes.substr(0, limit)) {
     const auto byte = static_cast<unsigned char>(c);
     const char16_t character = windows_1252_character(byte);
     const bool is_free = byte >= first_special && character == byte && byte < 0xA0;
-    append_character(result, repairs && is_free ? 0xFFFD : character);
+    append_character(result, is_free ? 0xFFFD : character);
   }
   return result;
+}
+
+// The bytes at the end that begin a character of UTF-8 and are too few for it.
+std::size_t cut_character_length(std::string_view bytes) {
+  constexpr std::size_t longest = 3;
+  for (std::size_t length = 1; length <= std::min(longest, bytes.size()); ++length) {
+    const auto byte = static_cast<unsigned char>(bytes[bytes.size() - length]);
+    if (is_continuation(bytes[bytes.size() - length])) continue;
+    const std::size_t needed = byte < 0xC2 || byte > 0xF4 ? 0 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+    return length < needed ? length : 0;
+  }
+  return 0;
+}
+
+// A lone byte beyond ASCII at the end is no sign of UTF-8; there has to be a whole character before it.
+bool is_most_likely_utf8(std::string_view bytes) {
+  const std::string_view whole = bytes.substr(0, bytes.size() - cut_character_length(bytes));
+  const bool has_characters = whole.size() == bytes.size() || std::ranges::any_of(whole, is_continuation);
+  return has_characters && is_valid_utf8(whole);
 }
 
 }  // namespace
@@ -89,24 +146,19 @@ class CharacterSet::Conversion {
 
   bool is_usable() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
 
-  // Nothing if bytes don't fit and are not to be replaced.
-  std::optional<std::string> run(std::string_view bytes, bool repairs, std::size_t limit) {
+  std::string run(std::string_view bytes, std::size_t limit) {
     ::iconv(handle_, nullptr, nullptr, nullptr, nullptr);
     std::string result;
     char* in = const_cast<char*>(bytes.data());  // it is only read
     std::size_t left = bytes.size();
     while (left > 0 && result.size() < limit) {
-      const int problem = step(&in, &left, result);
-      if (problem == 0) continue;
-      if (!repairs) return std::nullopt;
+      if (step(&in, &left, result) == 0) continue;
       result += replacement_character;
       ++in;
       --left;
     }
-    // Some sets keep the last character back, for a mark may follow.
-    if (step(nullptr, nullptr, result) != 0 && !repairs) return std::nullopt;
-    if (repairs) return valid_utf8(result);
-    return is_valid_utf8(result) ? std::optional(std::move(result)) : std::nullopt;
+    step(nullptr, nullptr, result);  // some sets keep the last character back, for a mark may follow
+    return valid_utf8(result);
   }
 
  private:
@@ -136,13 +188,11 @@ bool CharacterSet::is_built_in(std::string_view name) {
 
 CharacterSet::CharacterSet(std::string_view name) {
   const std::string meant = meaning_of(name);
-  if (meant == guess) {
-    kind_ = Kind::guessed;
-  } else if (meant == utf8) {
+  if (meant == utf8) {
     kind_ = Kind::utf8;
   } else if (meant == cp1252) {
     kind_ = Kind::windows_1252;
-  } else if (!meant.empty()) {
+  } else if (!meant.empty() && meant != guess) {
     conversion_ = std::make_unique<Conversion>(meant);
     if (conversion_->is_usable()) kind_ = Kind::system;
   }
@@ -150,22 +200,10 @@ CharacterSet::CharacterSet(std::string_view name) {
 
 CharacterSet::~CharacterSet() = default;
 
-std::optional<std::string> CharacterSet::exact(std::string_view bytes) {
-  constexpr std::size_t no_limit = std::numeric_limits<std::size_t>::max();
-  if (kind_ == Kind::system) return conversion_->run(bytes, false, no_limit);
-  if (kind_ == Kind::windows_1252) return from_windows_1252(bytes, false, no_limit);
-  const bool fits = kind_ == Kind::utf8 ? is_valid_utf8(bytes)
-                    : kind_ == Kind::guessed
-                        ? std::ranges::none_of(bytes, [](char c) { return (c & 0x80) != 0; })
-                        : false;
-  return fits ? std::optional(std::string(bytes)) : std::nullopt;
-}
-
-std::string CharacterSet::repaired(std::string_view bytes, std::size_t limit) {
-  if (kind_ == Kind::system) return *conversion_->run(bytes, true, limit);
-  if (kind_ == Kind::utf8) return valid_utf8(bytes);
-  if (kind_ != Kind::windows_1252 && is_valid_utf8(bytes)) return std::string(bytes);
-  return from_windows_1252(bytes, true, limit);
+std::string CharacterSet::decode(std::string_view bytes, std::size_t limit) {
+  if (kind_ == Kind::system) return conversion_->run(bytes, limit);
+  const bool is_utf8 = kind_ == Kind::utf8 || (kind_ == Kind::guessed && is_most_likely_utf8(bytes));
+  return is_utf8 ? valid_utf8(bytes) : from_windows_1252(bytes, limit);
 }
 
 }  // namespace zrl

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,15 +17,17 @@ char16_t windows_1252_character(unsigned char byte);
 // The inverse; nothing if Windows-1252 lacks the character.
 std::optional<unsigned char> windows_1252_byte(char16_t character);
 
-// The set that a name stands for. Mails often name a set and use its superset, so "iso-8859-1" is read as
-// Windows-1252, "gb2312" as GB 18030, "shift_jis" and "ks_c_5601-1987" as their extensions. "us-ascii" with
-// bytes beyond ASCII is UTF-8 if the bytes are well-formed, else Windows-1252. All other sets are those of
-// the C library (iconv). Conversions never raise an error. An object keeps the state of a conversion, so only
-// one thread may use it at a time.
+// The set that a name stands for, in subjects and bodies alike. Mails often name a set and use its superset,
+// so "iso-8859-1" is read as Windows-1252, "gb2312" as GB 18030, "shift_jis" and "ks_c_5601-1987" as their
+// extensions. Bytes beyond ASCII in "us-ascii", or in a set that nobody knows, are read as UTF-8 if they are
+// well-formed, else as Windows-1252; a text in UTF-8 that was cut within its last character counts as
+// well-formed. All other sets are those of the C library (iconv). Conversions never raise an error. An object
+// keeps the state of a conversion, so only one thread may use it at a time.
 class CharacterSet {
  public:
   // In bytes; a longer name is an unknown one.
   static constexpr std::size_t longest_name = 40;
+  static constexpr std::size_t no_limit = std::numeric_limits<std::size_t>::max();
 
   // Whether `c` may stand in a name. Other characters could change what the C library does, "//" for example.
   static bool is_name_character(char c);
@@ -37,22 +40,15 @@ class CharacterSet {
   CharacterSet& operator=(const CharacterSet&) = delete;
   ~CharacterSet();
 
-  // False if there is no set of this name. exact() then yields nothing, and repaired() reads the bytes like
-  // those of us-ascii.
-  bool is_known() const { return kind_ != Kind::unknown; }
-
-  // `bytes` in well-formed UTF-8; nothing if they do not fit the set, which for us-ascii means any byte
-  // beyond ASCII.
-  std::optional<std::string> exact(std::string_view bytes);
   // `bytes` in well-formed UTF-8, with U+FFFD for what does not fit. `limit` bounds the work, not the length:
   // a conversion ends soon after so many bytes of result; bytes that are UTF-8 already are returned whole.
-  std::string repaired(std::string_view bytes, std::size_t limit);
+  std::string decode(std::string_view bytes, std::size_t limit = no_limit);
 
  private:
-  enum class Kind { unknown, guessed, utf8, windows_1252, system };
+  enum class Kind { guessed, utf8, windows_1252, system };
   class Conversion;
 
-  Kind kind_ = Kind::unknown;
+  Kind kind_ = Kind::guessed;
   std::unique_ptr<Conversion> conversion_;  // of the kind `system`
 };
 

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <map>
 #include <optional>
-#include <vector>
 
 #include "core/text/ascii.h"
 #include "core/text/base64.h"
@@ -86,16 +85,9 @@ class Decoder {
   }
 
  private:
-  struct Held {
-    std::string_view gap;   // blanks in front
-    std::string_view text;  // the word as it stands in the header
-    std::size_t end;        // of its bytes among those of the group
-  };
-
   void keep(std::string_view text) {
-    out_ += text;
+    out_ += plain_.decode(text);
     rest_.remove_prefix(text.size());
-    if (!text.empty()) behind_decoded_ = false;
   }
 
   // Words that follow each other with nothing but blanks between them.
@@ -108,7 +100,6 @@ class Decoder {
       if (word->charset != charset_) end_group();
       charset_ = std::move(word->charset);
       bytes_ += word->bytes;
-      words_.push_back({rest_.substr(0, gap), rest_.substr(gap, word->length), bytes_.size()});
       rest_.remove_prefix(gap + word->length);
       found = true;
     }
@@ -116,52 +107,26 @@ class Decoder {
     return found;
   }
 
-  // Neighbours of one character set are converted together, for they may share a character. If that
-  // fails, each stands for itself.
+  // Neighbours of one character set are converted together, for they may share a character.
   void end_group() {
-    if (words_.empty()) return;
-    if (const std::optional<std::string> text = convert(bytes_)) {
-      append_decoded(words_.front().gap, *text);
-    } else {
-      std::size_t begin = 0;
-      for (const Held& word : words_) {
-        const auto single = convert(std::string_view(bytes_).substr(begin, word.end - begin));
-        begin = word.end;
-        if (single) {
-          append_decoded(word.gap, *single);
-        } else {
-          out_.append(word.gap).append(word.text);
-          behind_decoded_ = false;
-        }
-      }
-    }
-    words_.clear();
+    if (!bytes_.empty()) out_ += charset().decode(bytes_);
     bytes_.clear();
   }
 
-  void append_decoded(std::string_view gap, std::string_view text) {
-    if (!behind_decoded_) out_ += gap;
-    out_ += text;
-    behind_decoded_ = true;
+  CharacterSet& charset() {
+    const auto found = charsets_.find(charset_);
+    if (found != charsets_.end()) return found->second;
+    const bool is_known = CharacterSet::is_built_in(charset_) || ++looked_up_ <= most_charsets;
+    return charsets_.try_emplace(charset_, is_known ? charset_ : std::string()).first->second;
   }
 
-  std::optional<std::string> convert(std::string_view bytes) {
-    auto found = charsets_.find(charset_);
-    if (found == charsets_.end()) {
-      if (!CharacterSet::is_built_in(charset_) && ++looked_up_ > most_charsets) return std::nullopt;
-      found = charsets_.try_emplace(charset_, charset_).first;
-    }
-    return found->second.exact(bytes);
-  }
-
+  CharacterSet plain_{"us-ascii"};
   std::string_view rest_;
   std::string out_;
   std::string charset_;
   std::string bytes_;
-  std::vector<Held> words_;
   std::map<std::string, CharacterSet> charsets_;
   int looked_up_ = 0;
-  bool behind_decoded_ = false;
 };
 
 }  // namespace

@@ -48,7 +48,8 @@ TEST(MailSubjects, AreDecoded) {
       {"=?iso-2022-jp?B?GyRCRnxLXBsoQg==?=", "日本"},
       {"caf\xE9", "café"},  // bare bytes
       {"caf\xC3\xA9", "café"},
-      {"=?no-such-set?q?abc?=", "=?no-such-set?q?abc?="},
+      {"=?no-such-set?q?abc?=", "abc"},
+      {"=?iso-8859-1?q?caf\xE9?= =?ks_c_5601-1987?b?jGM=?=", "café똠"},
       {"=?utf-8?B?R3I=?= =?utf-8?B?w7w=?= =?utf-8?B?w59l?=", "Grüße"},
       {"=?utf-8?q?a=0D=0ABcc:_x@y?=", "a  Bcc: x@y"},  // no second line
       {"=?utf-8?q?a=1B[2Jb?=", "a [2Jb"},
@@ -154,6 +155,7 @@ TEST(MailBodies, AreDecoded) {
       {"utf-16le", "base64", "aABpAA==", "hi"},
       {"utf-16be", "base64", "AGgAaQ==", "hi"},
       {"us-ascii", "8bit", "caf\xC3\xA9", "café"},
+      {"us-ascii", "8bit", "\xC3\xA9\xC3", "é\xEF\xBF\xBD"},
       {"us-ascii", "8bit", "caf\xE9", "café"},
       {"x-unknown", "8bit", "caf\xE9", "café"},
       {"../../etc/passwd//TRANSLIT", "8bit", "caf\xE9", "café"},
