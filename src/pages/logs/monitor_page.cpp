@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <random>
+#include <utility>
 
 #include "core/html_text.h"
 #include "core/text/encoded_words.h"
@@ -24,6 +25,16 @@ std::string quotation_of(std::string_view text) {
     text.remove_prefix(end + 1);
   }
   return result;
+}
+
+// Some writers put nothing but blanks, of any kind, into the text part beside an HTML part.
+bool is_blank(std::string_view text) {
+  constexpr std::u32string_view wide_blanks = U"\u00A0\u200B\uFEFF";
+  while (!text.empty()) {
+    const char32_t character = take_character(text);
+    if (character > U' ' && wide_blanks.find(character) == wide_blanks.npos) return false;
+  }
+  return true;
 }
 
 std::string reply_subject(std::string_view subject) {
@@ -75,9 +86,7 @@ MonitorPage::MonitorPage(Console& console) : Page(console, "monitor", "Mail arch
 
 void MonitorPage::load() {
   prepare_database();
-  if (const auto interval = read_number("consolerefresh")) {
-    set_interval(Timer1, "consolerefresh", *interval);
-  }
+  load_interval();
   if (read_number("checkmail").value_or(0) <= 0) {
     blacklistsender.set_enabled(false);
     Command10.set_enabled(false);
@@ -86,6 +95,19 @@ void MonitorPage::load() {
   show_position();
   read_counters();
   publish_version();
+}
+
+// In milliseconds. A longer interval than a timer can have becomes the longest.
+void MonitorPage::load_interval() {
+  constexpr std::int64_t longest = 65'535;
+  const std::optional<OptionValue> stored = read_option("consolerefresh");
+  if (!stored) return;
+  const std::optional<std::int64_t> interval = stored->empty() ? 0 : to_number(stored->text);
+  if (interval && std::in_range<std::int32_t>(*interval)) {
+    set_interval(Timer1, "consolerefresh", std::min(*interval, longest));
+  } else {
+    failed(Kind::option, "read_option consolerefresh", "Type mismatch: not a 32-bit integer");
+  }
 }
 
 void MonitorPage::hide() {
@@ -108,7 +130,7 @@ void MonitorPage::refresh() {
 void MonitorPage::open_archive() {
   archive_ =
       open("SELECT * FROM marchive order by servertime desc,tstamp desc", Connection::Access::read_only);
-  if (archive_ && archive_->count() > 0) HScroll1.set_range(0, archive_->count() - 1);
+  if (archive_) HScroll1.set_range(0, std::max<std::int64_t>(archive_->count() - 1, 0));
 }
 
 void MonitorPage::read_counters() {
@@ -126,13 +148,15 @@ void MonitorPage::show_position() {
 
 // Raises what the record set raises.
 void MonitorPage::show_mail(std::int64_t position) {
-  if (!archive_ || archive_->count() == 0) return;
+  if (!archive_) return;
   archive_->move_first();
   archive_->move(position);
-  if (archive_->at_end() || shown_ == archive_->text("mid")) return;
+  // The second is a mail that has been deleted since the list was read.
+  if (archive_->at_end() || archive_->is_null("ID")) return empty_fields();
+  const std::int64_t key = archive_->number("ID");
+  if (shown_ == key) return;
   empty_fields();
-  shown_ = archive_->text("mid");
-  shown_key_ = archive_->number("ID");
+  shown_ = key;
   fill_fields();
   const std::string source(archive_->bytes("email"));
   if (!source.empty()) show_body(source);
@@ -168,14 +192,16 @@ void MonitorPage::show_body(std::string_view source) {
   mail.set_text(valid_utf8(source));
   const auto message = component<MailMessage>();
   if (!message) return;
-  const Mail parsed = message->parse(source);
-  if (!parsed.text_body.empty()) {
-    mailheader.set_text(parsed.text_body);
-    Label7.set_caption(translate("Textbody"));
-  } else if (!parsed.html_body.empty()) {
-    mailheader.set_text(console().html_text().html_to_text(parsed.html_body));
-    Label7.set_caption(translate("HTMLbody"));
-  }
+  const Body body = body_of(message->parse(source));
+  if (body.caption.empty()) return;
+  mailheader.set_text(body.text);
+  Label7.set_caption(translate(body.caption));
+}
+
+MonitorPage::Body MonitorPage::body_of(const Mail& parsed) {
+  if (!is_blank(parsed.text_body)) return {parsed.text_body, "Textbody"};
+  if (parsed.html_body.empty()) return {};
+  return {console().html_text().html_to_text(parsed.html_body), "HTMLbody"};
 }
 
 void MonitorPage::bind_action(Button& button, const ArchiveLists::Touched& touched,
@@ -187,38 +213,49 @@ void MonitorPage::bind_action(Button& button, const ArchiveLists::Touched& touch
   });
 }
 
+std::unique_ptr<RecordSet> MonitorPage::open_shown_mail(Connection::Access access) {
+  return open("SELECT * FROM marchive where ID=" + number(std::to_string(*shown_)), access);
+}
+
+// The mail that follows moves up to the position, and is shown.
 void MonitorPage::delete_mail() {
   if (!shown_) return;
-  const std::string key = std::to_string(shown_key_);
+  const std::string key = std::to_string(*shown_);
   empty_fields();
   const Outcome deleted =
       delete_row("delete from marchive ID " + key, "SELECT * FROM marchive where ID=" + number(key));
   if (!deleted) console().host().message_box({"Database Problem", deleted.problem, BoxStyle::plain});
   refresh();
+  show_position();
 }
 
 void MonitorPage::save_mail() {
   if (!shown_) return;
-  const auto record =
-      open("SELECT * FROM marchive where mid='" + value(*shown_) + "'", Connection::Access::updatable);
+  const auto record = open_shown_mail(Connection::Access::updatable);
   if (record) export_mail(*record);
 }
 
 // A mail that was exported once is not exported again.
 void MonitorPage::export_mail(RecordSet& record) {
-  read_rows("export of a mail", [&] {
-    if (record.at_end() || !record.text("mpath").empty() || record.bytes("email").empty()) return;
-    constexpr unsigned least = 100'000;
-    const std::string number = std::to_string(least + std::random_device{}() % least);
-    const std::string folder = to_product_path(console().folder()) + "\\archive\\";
-    const std::string name = number + "." + console().time_stamp() + ".eml";
-    if (!write_text_file(console(), folder, name, record.bytes("email"))) return;
-    record.set_text("mpath", folder + name);
-    record.update();
-    console().host().offer_file(to_file_path(folder + name));
-    console().host().message_box(
-        {"Email Export", "Your Email got exported to " + folder + name, BoxStyle::plain});
+  std::string source;
+  read_rows("marchive", [&] {
+    if (!record.at_end() && record.text("mpath").empty()) source = record.bytes("email");
   });
+  if (source.empty()) return;
+  const auto next_name = [this] {
+    constexpr unsigned least = 100'000;
+    return std::to_string(least + std::random_device{}() % least) + "." + console().time_stamp() + ".eml";
+  };
+  const std::string folder = to_product_path(console().folder()) + "\\archive\\";
+  const std::string name = write_new_file(console(), folder, next_name, source);
+  if (name.empty()) return;
+  const std::string path = folder + name;
+  component_step("update marchive ID " + std::to_string(*shown_) + " mpath " + path, [&] {
+    record.set_text("mpath", path);
+    record.update();
+  });
+  console().host().offer_file(to_file_path(path));
+  console().host().message_box({"Email Export", "Your Email got exported to " + path, BoxStyle::plain});
 }
 
 // Parses the stored source, because the field on the page holds valid UTF-8 only.
@@ -226,8 +263,7 @@ Mail MonitorPage::read_shown_mail() {
   Mail parsed;
   const auto message = component<MailMessage>();
   if (!message || !shown_) return parsed;
-  const std::string key = std::to_string(shown_key_);
-  const auto record = open("SELECT * FROM marchive where ID=" + number(key), Connection::Access::read_only);
+  const auto record = open_shown_mail(Connection::Access::read_only);
   read_rows("marchive", [&] {
     if (record && !record->at_end()) parsed = message->parse(record->bytes("email"));
   });
@@ -236,8 +272,7 @@ Mail MonitorPage::read_shown_mail() {
 
 void MonitorPage::reply() {
   Mail parsed = read_shown_mail();
-  std::string text = parsed.text_body;
-  if (text.empty() && !parsed.html_body.empty()) text = console().html_text().html_to_text(parsed.html_body);
+  std::string text = body_of(parsed).text;
   if (parsed.sender.empty() && text.empty()) {
     parsed.sender = sender.text();
     parsed.subject = msubject.text();

@@ -100,6 +100,7 @@ class MonitorPage : public Page {
   void prepare_database();
   void refresh();
   void open_archive();
+  void load_interval();
   void read_counters();
 
   void show_position();
@@ -107,10 +108,17 @@ class MonitorPage : public Page {
   void empty_fields();
   void fill_fields();
   void show_body(std::string_view source);
+  // What people read of a mail, as text; without a caption if there is nothing to read.
+  struct Body {
+    std::string text;
+    std::string_view caption;
+  };
+  Body body_of(const Mail& parsed);
 
   void bind_action(Button& button, const ArchiveLists::Touched& touched,
                    const std::function<void()>& operation);
   void delete_mail();
+  std::unique_ptr<RecordSet> open_shown_mail(Connection::Access access);
   void save_mail();
   void export_mail(RecordSet& record);
   Mail read_shown_mail();
@@ -118,8 +126,8 @@ class MonitorPage : public Page {
 
   std::unique_ptr<RecordSet> archive_;
   ArchiveLists lists_{*this, List1, wert};
-  std::optional<std::string> shown_;  // the identifier of the mail in view
-  std::int64_t shown_key_ = 0;        // and its row key
+  // The row of the mail in view. Message-IDs come from strangers: they may be missing, repeated, or anything.
+  std::optional<std::int64_t> shown_;
 };
 
 }  // namespace zrl

@@ -24,11 +24,12 @@ class MonitorPageTest : public testing::Test, public test::ShownPage<MonitorPage
     const auto database = console.components().create<Database>();
     ConnectionHandle conn = database->open_database("sqlite:proxy.db");
     conn->execute(
-        "INSERT INTO marchive (mid,servertime,subject,sender,sdom,sip,returnaddr,mailheader) VALUES ('" +
-        value(mid) + "','" + value(time) + "','" + value(subject) +
+        "INSERT INTO marchive (mid,servertime,subject,sender,sdom,sip,returnaddr,mailheader) VALUES ('','" +
+        value(time) + "','" + value(subject) +
         "','ann@spam.example','spam.example','192.0.2.1','bounce.example','From: ann')");
-    const auto record =
-        conn->open("SELECT * from marchive where mid='" + value(mid) + "'", Connection::Access::updatable);
+    const auto record = conn->open(Statement("SELECT * from marchive where mid='' order by ID desc"),
+                                   Connection::Access::updatable);
+    record->set_text("mid", mid);
     record->set_bytes("email", source);
     record->update();
   }
@@ -72,13 +73,13 @@ TEST_F(MonitorPageTest, NothingEmptyIsListed) {
 
 TEST_F(MonitorPageTest, WalksFromTheNewestAndShowsTheBodyAsText) {
   archive("<old@x>", "20051104120001", html_mail);
-  archive("<new@x>", "20051104120002", text_mail, "=?utf-8?B?R3LDvMOfZQ==?=");
+  archive("<new@x>", "20051104120002", text_mail, "caf\xE9 =?utf-8?B?R3LDvMOfZQ==?=");
   archive("<none@x>", "20051104120000", "");
   MonitorPage& page = shown();
   EXPECT_EQ(page.HScroll1.max(), 2);
   EXPECT_EQ(page.mid.text(), "<new@x>");
   EXPECT_EQ(page.msubject.text(),
-            "Gr\xc3\xbc\xc3\x9f"
+            "caf\xc3\xa9 Gr\xc3\xbc\xc3\x9f"
             "e");
   EXPECT_THAT(page.mailheader.text(), HasSubstr("First"));
   EXPECT_EQ(page.Label7.caption(), "Textbody");
@@ -109,10 +110,9 @@ TEST_F(MonitorPageTest, AMailThatIsShownIsNotLoadedAgain) {
   EXPECT_EQ(page.HScroll1.max(), 2);
 }
 
-TEST_F(MonitorPageTest, AMailIsExportedOnce) {
-  archive("<a@x>", "20051104120001",
-          "Subject: x\r\n\r\nGr\xc3\xbc\xc3\x9f"
-          "e\r\n");
+TEST_F(MonitorPageTest, AMailIsExportedOnceByteForByte) {
+  const std::string source = "Subject: caf\xE9\r\n\r\nGr\xC3\xBC\xC3\x9F" + std::string("e\0\n", 3);
+  archive("<a@x>", "20051104120001", source);
   MonitorPage& page = shown();
   page.savemail.user_click();
   ASSERT_EQ(host.boxes.size(), 1u);
@@ -120,24 +120,89 @@ TEST_F(MonitorPageTest, AMailIsExportedOnce) {
   const std::string path = rows("marchive", "mpath").at(0);
   EXPECT_EQ(host.boxes[0].text, "Your Email got exported to " + path);
   EXPECT_THAT(path, testing::MatchesRegex(".*archive.1[0-9]{5}\\.[0-9]{14}\\.eml"));
-  EXPECT_EQ(read_file(to_file_path(path)), "Subject: x\r\n\r\nGr??e\r\n");
+  EXPECT_EQ(read_file(to_file_path(path)), source);
+  EXPECT_THAT(activity(), ElementsAre(to_file_path(path).string(), "update marchive ID 1 mpath " + path));
   page.savemail.user_click();
   EXPECT_EQ(host.boxes.size(), 1u);
 }
 
-TEST_F(MonitorPageTest, DeletingTakesTheMailThatIsShown) {
+TEST_F(MonitorPageTest, MailsAreToldApartWhateverTheirMessageId) {
+  const char* const ids[] = {"<same@x>", "<same@x>", "", "", "<o'hara@x>"};
+  for (int i = 0; i < 5; ++i) {
+    archive(ids[i], "2005110412000" + std::to_string(5 - i), "Subject: x\r\n\r\nmail " + std::to_string(i));
+  }
+  MonitorPage& page = shown();
+  for (int i = 0; i < 5; ++i) {
+    if (i > 0) page.HScroll1.user_scroll(i);
+    EXPECT_EQ(page.mid.text(), ids[i]);
+    EXPECT_THAT(page.mail.text(), testing::EndsWith("mail " + std::to_string(i)));
+    page.savemail.user_click();
+    ASSERT_EQ(host.offered.size(), static_cast<std::size_t>(i) + 1);
+    EXPECT_EQ(read_file(host.offered.back()), page.mail.text());
+    EXPECT_EQ(to_file_path(rows("marchive", "mpath").at(static_cast<std::size_t>(i))), host.offered.back());
+  }
+  page.Command5.user_click();
+  EXPECT_THAT(mids(), ElementsAre("<same@x>", "<same@x>", "", ""));
+}
+
+TEST_F(MonitorPageTest, DeletingTakesTheMailThatIsShownAndShowsTheNext) {
+  for (const char* digit : {"1", "2", "3"}) {
+    archive("<" + std::string(digit) + "@x>", "2005110412000" + std::string(digit), text_mail);
+  }
+  MonitorPage& page = shown();
+  page.HScroll1.user_scroll(1);
+  archive("<4@x>", "20051104120004", text_mail);
+  page.Timer1.user_tick();
+  ASSERT_EQ(page.mid.text(), "<2@x>");
+  page.Command5.user_click();
+  EXPECT_THAT(mids(), ElementsAre("<1@x>", "<3@x>", "<4@x>"));
+  EXPECT_EQ(page.mid.text(), "<3@x>") << "which stands at the position now";
+  page.HScroll1.user_scroll(2);
+  page.Command5.user_click();
+  EXPECT_EQ(page.mid.text(), "<3@x>") << "the last";
+  EXPECT_EQ(page.HScroll1.max(), 1);
+  page.Command5.user_click();
+  page.Command5.user_click();
+  EXPECT_THAT(mids(), IsEmpty());
+  EXPECT_EQ(page.mid.text(), "");
+  EXPECT_EQ(page.mail.text(), "");
+  EXPECT_EQ(page.HScroll1.max(), 0);
+  EXPECT_THAT(host.boxes, IsEmpty());
+  page.Command5.user_click();
+  EXPECT_THAT(host.boxes, IsEmpty());
+}
+
+TEST_F(MonitorPageTest, AMailThatSomebodyElseDeletedIsNotShown) {
   archive("<a@x>", "20051104120001", text_mail);
   archive("<b@x>", "20051104120002", text_mail);
   MonitorPage& page = shown();
+  page.Check1.user_click();
+  execute("DELETE FROM marchive where mid='<a@x>'");
   page.HScroll1.user_scroll(1);
-  archive("<c@x>", "20051104120003", text_mail);
-  page.Timer1.user_tick();
-  page.Command5.user_click();
-  EXPECT_THAT(mids(), ElementsAre("<b@x>", "<c@x>"));
   EXPECT_EQ(page.mid.text(), "");
-  EXPECT_EQ(page.HScroll1.max(), 1);
-  page.Command5.user_click();
-  EXPECT_THAT(mids(), ElementsAre("<b@x>", "<c@x>"));
+  execute("DELETE FROM marchive");
+  page.Timer1.user_tick();
+  EXPECT_EQ(page.mid.text(), "");
+  EXPECT_EQ(page.HScroll1.max(), 0);
+}
+
+TEST_F(MonitorPageTest, ATextPartOfBlanksDoesNotHideTheHtmlPart) {
+  archive(
+      "<a@x>", "20051104120001",
+      "From: bob@b.example\r\nContent-Type: multipart/alternative; boundary=B\r\n\r\n--B\r\n\r\n \xC2\xA0\r\n"
+      "--B\r\nContent-Type: text/html\r\n\r\n<p>Buy <b>now</b></p>\r\n--B--\r\n");
+  archive("<b@x>", "20051104120000", "From: bob@b.example\r\n\r\n \r\n");
+  MonitorPage& page = shown();
+  EXPECT_THAT(page.mailheader.text(), testing::StartsWith("Buy now"));
+  EXPECT_EQ(page.Label7.caption(), "HTMLbody");
+  std::string quoted;
+  host.on_show = [&](Form& dialog) {
+    quoted = std::get<std::string_view>(dialog.find("textbody")->get(Property::text));
+  };
+  page.Command11.user_click();
+  EXPECT_THAT(quoted, HasSubstr("> Buy now"));
+  page.HScroll1.user_scroll(1);
+  EXPECT_EQ(page.mailheader.text(), "From: ann");
 }
 
 TEST_F(MonitorPageTest, AnActionShowsTheListThatItTouched) {
@@ -204,6 +269,23 @@ TEST_F(MonitorPageTest, ShowingReadsItsOptionsAndPreparesTheDatabaseOnce) {
   EXPECT_FALSE(page.blacklistsender.enabled());
   EXPECT_FALSE(page.Command10.enabled());
   EXPECT_EQ(page.Label12.caption(), "123456789012");
+}
+
+TEST_F(MonitorPageTest, TheIntervalMayBeAsLongAsThatOfATimer) {
+  const std::pair<const char*, std::int64_t> cases[] = {
+      {"40000", 40'000}, {"65535", 65'535}, {"100000", 65'535}, {"0", 0}, {"", 0}};
+  for (const auto& [stored, interval] : cases) {
+    set_string("consolerefresh", stored);
+    EXPECT_EQ(shown().Timer1.interval(), interval) << stored;
+  }
+  for (const char* stored : {"-1", "3000000000", "soon"}) {
+    set_string("consolerefresh", stored);
+    const std::uint64_t failures = console.activity().failures();
+    MonitorPage page(console);
+    page.initialise();
+    EXPECT_EQ(page.Timer1.interval(), 0) << stored;
+    EXPECT_EQ(console.activity().failures(), failures + 1) << stored;
+  }
 }
 
 TEST_F(MonitorPageTest, AReplyQuotesTheMailAndMarksTheSubjectOnce) {
