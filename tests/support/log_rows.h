@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 #include "core/contracts/dns_client.h"
@@ -23,10 +24,18 @@ inline Statement logged(Literal table, std::string_view address, std::string_vie
 // Knows every address but 192.0.2.9.
 class FakeDns : public FakeDnsClient {
  public:
+  FakeDns() = default;
+  // `meanwhile` runs during a look-up, and must outlive this object.
+  explicit FakeDns(const std::function<void()>& meanwhile) : meanwhile_(&meanwhile) {}
+
   std::string PTR_Query(std::string_view address) override {
+    if (meanwhile_ != nullptr && *meanwhile_) (*meanwhile_)();
     if (address == "192.0.2.9") throw Error(1, "no name");
     return "host-" + std::string(address) + ".example";
   }
+
+ private:
+  const std::function<void()>* meanwhile_ = nullptr;
 };
 
 }  // namespace zrl::test

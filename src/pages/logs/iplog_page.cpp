@@ -84,7 +84,7 @@ void IplogPage::change_status(IpStatus status) {
 }
 
 void IplogPage::look_up_host_name() {
-  if (const auto name = host_name_of(dns_, iplist.chosen())) domain.set_text(*name);
+  show_host_name(dns_, iplist, [this] { return std::string(iplist.chosen()); }, domain);
 }
 
 void IplogPage::delete_from_logs() {

@@ -69,9 +69,8 @@ void KeywordlogPage::click_row() {
 void KeywordlogPage::remove_keyword() {
   const std::string keyword = lower(keyw.text());
   const ListTable& keywords = body.chosen() ? list::body_keywords : list::subject_keywords;
-  const Literal log = body.chosen() ? Literal("bodylog") : Literal("subjectlog");
   lower_case_once(keywords);
-  execute(delete_from(log, "keyword", keyword));
+  execute(delete_from(log_table(), "keyword", keyword));
   execute(delete_from(keywords, keyword));
   refresh_log();
 }
@@ -82,7 +81,7 @@ void KeywordlogPage::list_sender(const ListTable& own, const ListTable& opposite
   lower_case_once(opposite);
   execute(insert_into(own, mfrom.text()));
   execute(delete_from(opposite, mfrom.text()));
-  forget_sender();
+  if (!mfrom.text().empty()) forget_sender();
 }
 
 void KeywordlogPage::list_domain(std::string_view domain, const ListTable& own, const ListTable& opposite) {
@@ -104,7 +103,12 @@ void KeywordlogPage::list_client(IpStatus status) {
 
 // Whatever was put on a list, the sender's rows are the ones that are deleted.
 void KeywordlogPage::forget_sender() {
-  delete_rows({"subjectlog", "bodylog"}, "mailfrom", lower(mfrom.text()));
+  if (!trim(mfrom.text()).empty()) {
+    delete_rows({"subjectlog", "bodylog"}, "mailfrom", lower(mfrom.text()));
+  } else if (logs.index() >= 0) {
+    const std::string key = std::to_string(rows_.keys[static_cast<std::size_t>(logs.index())]);
+    execute("DELETE FROM " + log_table() + " where ID=" + number(key));
+  }
 }
 
 // Enables the other button; this one stays disabled until the next look-up.
@@ -117,9 +121,8 @@ void KeywordlogPage::whitelist_host() {
 
 void KeywordlogPage::look_up_host() {
   if (!ip.text().empty()) {
-    busy(Command8, [this] {
-      if (const auto name = host_name_of(dns_, ip.text())) shost.set_text(*name);
-    });
+    shost.set_text("");
+    busy(Command8, [this] { show_host_name(dns_, logs, [this] { return ip.text(); }, shost); });
   }
   Command10.set_enabled(true);
 }

@@ -69,11 +69,14 @@ class KeywordlogPage : public LogPage {
 
   void refresh_log();
   void click_row();
+  Literal log_table() const { return body.chosen() ? Literal("bodylog") : Literal("subjectlog"); }
 
   void remove_keyword();
   void list_sender(const ListTable& own, const ListTable& opposite);
   void list_domain(std::string_view domain, const ListTable& own, const ListTable& opposite);
   void list_client(IpStatus status);
+  // Deletes the log rows of the sender; those of nobody are not one sender's, so without one only the row in
+  // view is deleted.
   void forget_sender();
   void whitelist_host();
   void look_up_host();

@@ -54,6 +54,14 @@ void LogPage::connect_by_telnet(const std::string& target) {
   run_program("telnet.exe", {target, "25"});
 }
 
+void LogPage::show_host_name(const Held<DnsClient>& dns, const ListBox& rows,
+                             const std::function<std::string()>& address, TextField& field) {
+  const std::int64_t row = rows.index();
+  const std::string asked = address();
+  const std::optional<std::string> name = host_name_of(dns, asked);
+  if (name && rows.index() == row && address() == asked) field.set_text(*name);
+}
+
 StringList LogPage::LogRows::lines() const {
   StringList result;
   std::string line;
@@ -82,6 +90,7 @@ LogPage::LogRows LogPage::read_log(Literal select, Literal what, Texts texts) {
       take(rows.addresses, set->text("IPNumber"));
       take(rows.senders, set->text("mailfrom"));
       take(rows.recipients, set->text("mailto"));
+      rows.keys.push_back(set->number("ID"));
     }
   });
   return read ? std::move(rows) : LogRows();

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/page.h"
 #include "core/text/string_list.h"
@@ -42,20 +44,28 @@ class LogPage : public Page {
   // Starts the program telnet, connected to port 25 of the host; does not wait for it.
   void connect_by_telnet(const std::string& target);
 
-  // The rows of a log that is read as a whole: one list a column, all four of the same length. A log that
-  // cannot be read, even in part, is empty.
+  // Looks up the host name of the address that `address` yields, for the row chosen in `rows`, and puts it
+  // into the field. A failed look-up leaves the field as it is. Events run meanwhile, and the answer belongs
+  // to the row: if another row is chosen, or `address` yields another one, it is dropped.
+  void show_host_name(const Held<DnsClient>& dns, const ListBox& rows,
+                      const std::function<std::string()>& address, TextField& field);
+
+  // The rows of a log that is read as a whole: one list a column, all of the same length. A log that cannot
+  // be read, even in part, is empty.
   struct LogRows {
     StringList what;  // the keyword or the reason
     StringList addresses;
     StringList senders;
     StringList recipients;
+    std::vector<std::int64_t> keys;  // of the rows in the table
 
     std::size_t size() const { return what.size(); }
     // One line a row: "what, address, sender, recipient".
     StringList lines() const;
   };
   enum class Texts : std::uint8_t { as_stored, trimmed_lower_case };
-  // `what` is the column that fills LogRows::what; the select must yield it and IPNumber, mailfrom, mailto.
+  // `what` is the column that fills LogRows::what; the select must yield it and ID, IPNumber, mailfrom,
+  // mailto.
   LogRows read_log(Literal select, Literal what, Texts texts);
 
   // To be called for each of many values that an action works on: shows the progress and lets events run, in

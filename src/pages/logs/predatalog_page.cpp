@@ -65,7 +65,7 @@ void PredatalogPage::show() {
   connect_database();
   load();
   dns_.make();
-  select_last(reason);
+  if (rtext.text().empty()) select_last(reason);
 }
 
 void PredatalogPage::load() {
@@ -79,10 +79,15 @@ void PredatalogPage::refresh_reasons() {
       ordered_rows("predatalog", "reason", view().condition, "servertime").value_or(StringList());
   reasons.retain([](std::string_view text) { return !text.empty(); });
   reason.set_items(std::move(reasons));
-  select(reason, selected_reason_index_);
+  mark_reason();
   show_count(Label4, "select status from predatalog where status=1");
   show_count(Label5, "select status from predatalog where status=2");
   show_count(Label6, "select status from predatalog where status=0");
+}
+
+void PredatalogPage::mark_reason() {
+  const std::size_t place = reason.items().find(rtext.text());
+  reason.set_index(place < reason.items().size() ? static_cast<std::int64_t>(place) : -1);
 }
 
 void PredatalogPage::refresh_addresses() {
@@ -120,7 +125,6 @@ void PredatalogPage::choose_view() {
 }
 
 void PredatalogPage::click_reason() {
-  selected_reason_index_ = reason.index();
   rtext.set_text(reason.chosen());
   process_events();
   reason_filter_ = "reason='" + value(reason.chosen()) + "'";
@@ -177,9 +181,7 @@ void PredatalogPage::delete_address() {
 void PredatalogPage::look_up_host_name() {
   reversedom.set_text("");
   if (is_ip_address(IPNumber.text())) {
-    busy(Command3, [this] {
-      if (const auto name = host_name_of(dns_, IPNumber.text())) reversedom.set_text(*name);
-    });
+    busy(Command3, [this] { show_host_name(dns_, ip, [this] { return IPNumber.text(); }, reversedom); });
   } else {
     IPNumber.set_text("");
   }

@@ -81,6 +81,8 @@ class PredatalogPage : public LogPage {
   void load() override;
 
   void refresh_reasons();
+  // Marks the reason that the buttons act on, wherever it stands now; none if the view lacks it.
+  void mark_reason();
   void refresh_addresses();
   void refresh();
 
@@ -98,7 +100,6 @@ class PredatalogPage : public LogPage {
   void for_each_address(const std::function<void(std::string_view)>& action);
 
   Statement reason_filter_;  // the condition of the address list; each rebuild consumes it
-  std::int64_t selected_reason_index_ = -1;
   std::int64_t selected_ip_index_ = -1;
   std::uint64_t address_builds_ = 0;
   Held<DnsClient> dns_{*this, "DNS component"};

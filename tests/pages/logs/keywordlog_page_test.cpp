@@ -85,6 +85,35 @@ TEST_F(KeywordlogPageTest, MovingASenderOrItsDomainDeletesTheSendersRows) {
                                       "DELETE FROM bodylog where mailfrom='ann@spam.example'"));
 }
 
+TEST_F(KeywordlogPageTest, ARowWithoutSenderStandsForItselfAlone) {
+  log("bounce", "192.0.2.4", "", "me@here.example", "20051104120001");
+  log("bounce", "192.0.2.5", "", "me@here.example", "20051104120000");
+  KeywordlogPage& page = shown();
+  page.logs.user_choose(2);
+  ASSERT_EQ(page.ip.text(), "192.0.2.4");
+  page.shost.user_type("mx.example");
+  page.Command9.user_click();
+  EXPECT_THAT(rows("blacklist", "entry"), ElementsAre("mx.example"));
+  EXPECT_THAT(rows("subjectlog", "IPNumber"), ElementsAre("192.0.2.1", "192.0.2.2", "192.0.2.5"));
+  EXPECT_EQ(rows("bodylog", "keyword").size(), 1u);
+
+  page.mfrom.user_type("  ");
+  page.Command2.user_click();
+  EXPECT_EQ(rows("subjectlog", "IPNumber").size(), 3u);
+}
+
+TEST_F(KeywordlogPageTest, AFailedLookUpLeavesNoHostToBlacklist) {
+  log("bounce", "192.0.2.9", "a@b.example", "me@here.example", "20051104120000");
+  KeywordlogPage& page = shown();
+  ASSERT_EQ(page.ip.text(), "192.0.2.9");
+  page.shost.user_type("former.example");
+  page.Command8.user_click();
+  EXPECT_EQ(page.shost.text(), "");
+  EXPECT_TRUE(page.Command10.enabled());
+  page.Command9.user_click();
+  EXPECT_THAT(rows("blacklist", "entry"), IsEmpty());
+}
+
 TEST_F(KeywordlogPageTest, AClientIsTakenAsItStands) {
   KeywordlogPage& page = shown();
   page.ip.user_type("Host.Example");

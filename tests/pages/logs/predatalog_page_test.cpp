@@ -87,6 +87,23 @@ TEST_F(PredatalogPageTest, ChangingAllWritesTheReasonThenEachAddressInThePreData
   EXPECT_EQ(page.ipcount.caption(), "0 listed");
 }
 
+TEST_F(PredatalogPageTest, TheReasonThatIsMarkedIsTheOneThatIsActedOn) {
+  log("192.0.2.6", "2", "20051104120003", "unknown recipient");
+  PredatalogPage& page = viewed("blacklist", "no mail exchanger");
+  // Later rows move the reason down; a change takes it out of the view.
+  log("192.0.2.7", "2", "20051104120007", "no mail exchanger");
+  page.ip.user_choose(0);
+  page.delip.user_click();
+  EXPECT_THAT(items(page.reason), ElementsAre("unknown recipient", "blacklisted HELO", "no mail exchanger"));
+  EXPECT_EQ(page.reason.index(), 2);
+  EXPECT_EQ(page.rtext.text(), "no mail exchanger");
+  page.cchange.user_click();
+  EXPECT_THAT(items(page.reason), ElementsAre("unknown recipient", "blacklisted HELO"));
+  EXPECT_EQ(page.reason.index(), -1);
+  page.initialise();
+  EXPECT_EQ(page.reason.index(), -1) << "shown again";
+}
+
 TEST_F(PredatalogPageTest, OneAddressGoesToTheOppositeListInTwoViews) {
   const struct {
     const char* view;
