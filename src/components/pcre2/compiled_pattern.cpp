@@ -43,6 +43,9 @@ CompiledPattern<Unit>::CompiledPattern(std::basic_string_view<Unit> pattern, Reg
   options_ =
       PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALLOW_EMPTY_CLASS | PCRE2_NEVER_BACKSLASH_C | PCRE2_USE_OFFSET_LIMIT;
   options_ |= units16 ? (folding ? PCRE2_UCP : PCRE2_NEVER_UTF) : PCRE2_UTF | PCRE2_MATCH_INVALID_UTF;
+  // PCRE2 takes the character that a look-ahead begins with for one that the match begins with, and then
+  // wants the last one of the match behind it: "(?=a)b?a" would not be found in "a".
+  if (translated.starts_ahead) options_ |= PCRE2_NO_START_OPTIMIZE;
   if (options.ignore_case) options_ |= PCRE2_CASELESS;
   if (options.multiline) options_ |= PCRE2_MULTILINE | PCRE2_ALT_CIRCUMFLEX;
   plain_ = compile(0);

@@ -63,6 +63,11 @@ std::optional<char32_t> hex_value(char32_t c) {
   return std::nullopt;
 }
 
+// Whether a quantifier of one character comes next.
+bool is_mark(std::u32string_view rest) {
+  return !rest.empty() && (rest.front() == '*' || rest.front() == '+' || rest.front() == '?');
+}
+
 // The capturing groups of the whole pattern; a reference may stand before its group.
 std::size_t count_groups(std::u32string_view pattern) {
   std::size_t groups = 0;
@@ -90,13 +95,18 @@ class Translator {
   DialectPattern run() {
     while (!rest_.empty()) term();
     if (!open_groups_.empty()) fail(expected_parenthesis);
-    return {std::move(out_), cost_};
+    return {std::move(out_), cost_, starts_ahead_};
   }
 
  private:
   struct ClassItem {
     bool is_set;  // \d, \w, ...
     char32_t c;   // the character, or the letter of the set
+  };
+  struct Group {
+    bool repeats;  // something in it is repeated
+    bool asserts;  // it takes no part in a match
+    bool was_at_start;
   };
   struct Counts {
     std::uint32_t least;
@@ -118,6 +128,7 @@ class Translator {
   void term();
   void open_group();
   void close_group();
+  bool is_quantified() const;
   bool quantify(std::string_view behind = {});
   void mark_repeated();
   void put_counts(const Counts& range);
@@ -143,7 +154,9 @@ class Translator {
   std::size_t groups_;
   std::uint64_t folded_ = 0;
   PatternCost cost_;
-  std::vector<bool> open_groups_;  // whether something is repeated in them
+  bool at_start_ = true;  // nothing before this place takes part in a match
+  bool starts_ahead_ = false;
+  std::vector<Group> open_groups_;
   std::string out_;
 };
 
@@ -158,6 +171,7 @@ void Translator::term() {
     case '|':
       out_ += '|';
       cost_.branches = true;
+      at_start_ = true;
       return;
     case '^':
       out_ += target_.multiline ? R"((?:^|(?<=\r)))" : "^";
@@ -166,6 +180,7 @@ void Translator::term() {
       out_ += target_.multiline ? R"((?:$|(?=\r)))" : "\\z";
       return;
     case '.':
+      at_start_ = false;
       out_ += '.';
       quantify();
       return;
@@ -183,33 +198,39 @@ void Translator::term() {
 }
 
 void Translator::open_group() {
-  open_groups_.push_back(false);
+  open_groups_.push_back({.repeats = false, .asserts = false, .was_at_start = at_start_});
   out_ += '(';
   if (!take('?')) return;
   if (rest_.empty()) fail(syntax_error);
   const char32_t kind = next();
   if (kind != ':' && kind != '=' && kind != '!') fail(syntax_error);
   if (kind != ':') cost_.branches = true;
+  if (kind == '=' && at_start_) starts_ahead_ = true;
+  open_groups_.back().asserts = kind != ':';
   out_ += '?';
   out_ += static_cast<char>(kind);
 }
 
 void Translator::close_group() {
   if (open_groups_.empty()) fail(syntax_error);
-  const bool repeats_inside = open_groups_.back();
+  const bool repeats_inside = open_groups_.back().repeats;
+  if (open_groups_.back().asserts) at_start_ = open_groups_.back().was_at_start;
   open_groups_.pop_back();
   out_ += ')';
   if (repeats_inside) mark_repeated();
   if (quantify() && repeats_inside) cost_.loops = true;
 }
 
+bool Translator::is_quantified() const {
+  return is_mark(rest_) || counts();
+}
+
 // The quantifier that follows, if one does, and then what restores the options of the pattern. True if
 // the item may be repeated.
 bool Translator::quantify(std::string_view behind) {
-  constexpr std::u32string_view marks = U"*+?";
   bool found = true;
   std::uint32_t most = 1;
-  if (!rest_.empty() && marks.find(rest_.front()) != marks.npos) {
+  if (is_mark(rest_)) {
     most = rest_.front() == '?' ? 1 : beyond_count;
     out_ += static_cast<char>(next());
   } else if (const std::optional<Counts> range = counts()) {
@@ -232,7 +253,7 @@ bool Translator::quantify(std::string_view behind) {
 }
 
 void Translator::mark_repeated() {
-  if (!open_groups_.empty()) open_groups_.back() = true;
+  if (!open_groups_.empty()) open_groups_.back().repeats = true;
 }
 
 void Translator::put_counts(const Counts& range) {
@@ -272,6 +293,7 @@ std::optional<Translator::Counts> Translator::counts() const {
 }
 
 void Translator::character(char32_t c) {
+  at_start_ = false;
   // Half a surrogate pair never occurs in well-formed text.
   if (is_surrogate(c) && !target_.units16) {
     out_ += "[]";
@@ -315,7 +337,8 @@ void Translator::escape() {
   }
 }
 
-// The longest number that is one of a group is a reference; what is left of the digits is text.
+// The longest number that is one of a group is a reference; what is left of the digits is text. PCRE2's
+// compiled code lets "\1+" fail if the group took no part, and "(?:\1)+" not.
 bool Translator::back_reference() {
   std::size_t group = 0;
   std::size_t best = 0;
@@ -331,12 +354,15 @@ bool Translator::back_reference() {
   rest_.remove_prefix(length);
   ++cost_.unbounded;
   mark_repeated();
-  out_ += "\\g{" + std::to_string(best) + '}';
+  at_start_ = false;
+  const std::string reference = "\\g{" + std::to_string(best) + '}';
+  out_ += is_quantified() ? "(?:" + reference + ')' : reference;
   quantify();
   return true;
 }
 
 void Translator::set_outside(char32_t letter) {
+  at_start_ = false;
   if (!target_.folding) {
     out_ += '\\';
     out_ += static_cast<char>(letter);
@@ -427,6 +453,7 @@ char32_t Translator::unicode_escape() {
 }
 
 void Translator::character_class() {
+  at_start_ = false;
   out_ += '[';
   if (take('^')) out_ += '^';
   while (!take(']')) {

@@ -25,6 +25,7 @@ struct PatternCost {
 struct DialectPattern {
   std::string text;  // ASCII
   PatternCost cost;
+  bool starts_ahead = false;  // a match may begin with a positive look-ahead
 };
 
 // `pattern` holds 16-bit units or characters, depending on the target. Syntax that PCRE2 has beyond the

@@ -71,6 +71,15 @@ TEST(Dialect, BothWidthsReadItAlike) {
       {"a{x}{2}", "a{x}}", "0+5"},
       {"x{1,100000}", "xx", "0+2"},
       {"(?:)*a", "a", "0+1"},
+      // what the engine's own shortcuts get wrong
+      {"(?=a)b?a", "a", "0+1"},
+      {"((?=b)b??)b", "ab", "1+1 1+0"},
+      {"(?!x)(?=a)b?a", "a", "0+1"},
+      {"x|^(?:(?=a)b*a)", "a", "0+1"},
+      {"(x)?\\1+t", "at", "1+1 -"},
+      {"(\\1+)", "b", "0+0 0+0"},
+      {"(?!(\\1{1,}))b", "b", ""},
+      {"(x)?\\1{2}?t", "at", "1+1 -"},
       // back references: to a group that took no part, that comes later, that there is not
       {"(a)?b\\1", "b", "0+1 -"},
       {"\\1(a)", "a", "0+1 0+1"},
