@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/text/dns_fields.h"
 #include "core/text/domain_names.h"
 #include "core/text/text.h"
 #include "core/text/utf8.h"
@@ -10,12 +11,9 @@ namespace zrl {
 
 namespace {
 
-constexpr std::size_t header_size = 12;
-constexpr std::size_t longest_name = 255;
 constexpr std::uint8_t pointer_mark = 192;
 constexpr std::uint16_t class_internet = 1;
-// A name has at most 127 labels, and each could lie behind a pointer of its own.
-constexpr int most_pointers = 128;
+constexpr unsigned truncation_bit = 0x0200;
 
 void append16(std::vector<std::uint8_t>& out, unsigned value) {
   out.push_back(static_cast<std::uint8_t>(value >> 8));
@@ -35,51 +33,8 @@ bool append_name(std::vector<std::uint8_t>& out, std::string_view name) {
   return true;
 }
 
-// Fixed fields read one behind the other; reading beyond the end yields zeros and fails for good.
-class Fields {
- public:
-  Fields(DnsBytes message, std::size_t offset) : message_(message), offset_(offset) {}
-
-  bool failed() const { return failed_; }
-  std::size_t offset() const { return offset_; }
-  std::size_t left() const { return message_.size() - offset_; }
-
-  DnsBytes bytes(std::size_t count) {
-    if (failed_ || offset_ > message_.size() || count > left()) {
-      failed_ = true;
-      return {};
-    }
-    const DnsBytes result = message_.subspan(offset_, count);
-    offset_ += count;
-    return result;
-  }
-  void skip(std::size_t count) { bytes(count); }
-  unsigned number8() {
-    const DnsBytes field = bytes(1);
-    return field.empty() ? 0 : field[0];
-  }
-  unsigned number16() {
-    const DnsBytes field = bytes(2);
-    return field.empty() ? 0 : field[0] * 256U + field[1];
-  }
-
-  // A name as the standard has it; pointers are not followed.
-  void skip_name() {
-    for (unsigned length = number8(); length != 0; length = number8()) {
-      if (length >= pointer_mark) return skip(1);
-      if (length > longest_label) failed_ = true;
-      skip(length);
-    }
-  }
-
- private:
-  DnsBytes message_;
-  std::size_t offset_;
-  bool failed_ = false;
-};
-
 unsigned header16(DnsBytes message, std::size_t offset) {
-  return Fields(message, offset).number16();
+  return DnsFields(message, offset).number16();
 }
 
 std::string dotted(DnsBytes bytes) {
@@ -96,15 +51,15 @@ std::vector<std::uint8_t> make_dns_query(std::string_view name, DnsType type) {
   append16(query, dns_query_id);
   append16(query, 0x0100);  // recursion desired
   append16(query, 1);       // one question, nothing else
-  query.resize(header_size);
+  query.resize(dns_header_size);
   if (!append_name(query, name)) return {};
   append16(query, static_cast<unsigned>(type));
   append16(query, class_internet);
   return query;
 }
 
-bool has_dns_query_id(DnsBytes message) {
-  return message.size() >= header_size && header16(message, 0) == dns_query_id;
+bool is_dns_truncated(DnsBytes message) {
+  return (header16(message, 2) & truncation_bit) != 0;
 }
 
 unsigned dns_response_code(DnsBytes message) {
@@ -123,13 +78,13 @@ std::optional<std::string> read_dns_name(DnsBytes message, std::size_t& offset) 
   while (at < message.size() && message[at] != 0) {
     const std::size_t length = message[at];
     if (length == pointer_mark) {
-      if (at + 1 >= message.size() || ++pointers > most_pointers) return std::nullopt;
+      if (at + 1 >= message.size() || ++pointers > most_dns_pointers) return std::nullopt;
       if (!behind_pointer) offset = at + 2;
       behind_pointer = true;
       at = message[at + 1];
       continue;
     }
-    if (length >= message.size() - at || name.size() + length + 1 > longest_name) return std::nullopt;
+    if (length >= message.size() - at || name.size() + length + 1 > longest_dns_name) return std::nullopt;
     const DnsBytes label = message.subspan(at + 1, length);
     name.append(label.begin(), label.end()).push_back('.');
     at += length + 1;
@@ -143,11 +98,11 @@ std::optional<std::string> read_dns_name(DnsBytes message, std::size_t& offset) 
 // ending in one. Servers compress so; anything else ends the list.
 MailExchangers read_mail_exchangers(DnsBytes message) {
   MailExchangers found;
-  std::size_t offset = header_size;
+  std::size_t offset = dns_header_size;
   if (!read_dns_name(message, offset)) return found;
   offset += 8;  // from the end of the question to the low byte of the first answer's type
   for (unsigned left = dns_answer_count(message); left > 0; --left) {
-    Fields fields(message, offset);
+    DnsFields fields(message, offset);
     if (fields.number8() != static_cast<unsigned>(DnsType::mx)) break;
     fields.skip(8);  // the class, the time to live, the length
     const auto preference = static_cast<std::uint16_t>(fields.number16());
@@ -168,7 +123,7 @@ MailExchangers read_mail_exchangers(DnsBytes message) {
 
 std::vector<std::string> read_addresses(DnsBytes message) {
   std::vector<std::string> found;
-  Fields fields(message, header_size);
+  DnsFields fields(message, dns_header_size);
   for (unsigned left = header16(message, 4); left > 0 && !fields.failed(); --left) {
     fields.skip_name();
     fields.skip(4);  // type and class

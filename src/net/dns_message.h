@@ -3,24 +3,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "core/text/dns_fields.h"
 
 // DNS messages (RFC 1035, section 4) as this console writes and reads them. Answers come from the network and
 // are not trusted: every function stays within the bytes that it is given, terminates, raises nothing, and
 // returns what it could read before the first field that is out of bounds.
 namespace zrl {
 
-using DnsBytes = std::span<const std::uint8_t>;
-
 enum class DnsType : std::uint16_t { a = 1, mx = 15 };
 
 // All queries have the same identifier, so it does not protect against forged answers: only the sender's
-// address and the port of the connected socket do.
+// address, the port of the connected socket and the question do.
 inline constexpr std::uint16_t dns_query_id = 4575;
-// In bytes; a longer answer is cut, and its last records are lost.
+// In bytes, of a datagram; a longer one is cut, and its last records are lost.
 inline constexpr std::size_t dns_answer_limit = 2048;
 
 // A query for the records of one type, recursion desired. A dot at the end of the name is dropped.
@@ -28,9 +27,8 @@ inline constexpr std::size_t dns_answer_limit = 2048;
 // 253 bytes with its dots (255 in the message).
 std::vector<std::uint8_t> make_dns_query(std::string_view name, DnsType type);
 
-// True if the message has a whole header with the identifier of our queries. The other two read the fields
-// RCODE and ANCOUNT of such a message; 0 if they are missing.
-bool has_dns_query_id(DnsBytes message);
+// The fields TC, RCODE and ANCOUNT of the header; 0 if they are missing.
+bool is_dns_truncated(DnsBytes message);
 unsigned dns_response_code(DnsBytes message);
 unsigned dns_answer_count(DnsBytes message);
 
@@ -56,7 +54,7 @@ struct MailExchangers {
 MailExchangers read_mail_exchangers(DnsBytes message);
 
 // The addresses of the A records, dotted, in the order of the answer; other records are skipped. Owner names
-// are not compared with the question, so those behind aliases (CNAME) count.
+// are not compared with the question, see is_dns_answer() in core/text/dns_answer.h.
 std::vector<std::string> read_addresses(DnsBytes message);
 
 }  // namespace zrl

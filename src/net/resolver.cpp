@@ -7,7 +7,9 @@
 #include <limits>
 #include <optional>
 
+#include "core/text/dns_answer.h"
 #include "core/text/text.h"
+#include "net/dns_stream.h"
 #include "net/udp_socket.h"
 
 namespace zrl {
@@ -39,11 +41,11 @@ std::string_view last_two_labels(std::string_view domain) {
   return previous == domain.npos ? domain : domain.substr(previous + 1);
 }
 
-// The answer that has come, if it is one to our query.
-std::optional<std::vector<std::uint8_t>> take_answer(UdpSocket& socket) {
+// The answer that has come, if it is one to the query.
+std::optional<std::vector<std::uint8_t>> take_answer(UdpSocket& socket, DnsBytes query) {
   for (int i = 0; i < most_datagrams_a_pass; ++i) {
     std::optional<std::vector<std::uint8_t>> message = socket.receive(dns_answer_limit);
-    if (!message || has_dns_query_id(*message)) return message;
+    if (!message || is_dns_answer(*message, query)) return message;
   }
   return std::nullopt;
 }
@@ -103,27 +105,53 @@ Resolver::Answer Resolver::ask(const std::string& name, DnsType type) {
   if (query.empty()) return {Outcome::not_asked, "this is not the name of a host or domain", 0, {}};
   if (servers_.empty()) return {Outcome::no_servers, "no DNS server is known", 0, {}};
   const DnsServer server = servers_.front();
+  Answer answer = wait_for_answer(server, query);
+  if (answer.message.empty()) return answer;
+  const unsigned code = dns_response_code(answer.message);
+  if (code == 3) {
+    answer.outcome = Outcome::no_such_name;
+    answer.problem = "there is no such name";
+  } else if (code != 0) {
+    answer.outcome = Outcome::server_failed;
+    answer.problem = "the DNS server " + server.text() + " answered with error " + std::to_string(code);
+  } else if (is_dns_truncated(answer.message)) {
+    answer.outcome = Outcome::server_failed;
+    answer.problem = "the DNS server " + server.text() + " gave a part of the answer only";
+    if (dns_answer_count(answer.message) == 0) answer.message.clear();
+  }
+  return answer;
+}
+
+Resolver::Answer Resolver::wait_for_answer(const DnsServer& server, DnsBytes query) {
   UdpSocket socket(server);
   socket.send(query);
+  std::optional<DnsStream> stream;  // once the answer has turned out to be truncated
+  Answer answer{Outcome::found, {}, 0, {}};
   const Clock::time_point begin = Clock::now();
   for (std::int64_t pass = 1; socket.error() == 0; ++pass) {
     surroundings_.wait(std::chrono::milliseconds(pass_ms));
-    if (std::optional<std::vector<std::uint8_t>> message = take_answer(socket)) {
-      const unsigned code = dns_response_code(*message);
-      if (code == 0) return {Outcome::found, {}, 0, std::move(*message)};
-      if (code == 3) return {Outcome::no_such_name, "there is no such name", 0, std::move(*message)};
-      return {Outcome::server_failed,
-              "the DNS server " + server.text() + " answered with error " + std::to_string(code), 0,
-              std::move(*message)};
+    if (!stream) {
+      if (auto message = take_answer(socket, query)) {
+        answer.message = std::move(*message);
+        if (!is_dns_truncated(answer.message)) return answer;
+        stream.emplace(server, query);
+      }
+    }
+    if (stream) {
+      if (auto message = stream->take_answer()) {
+        if (is_dns_answer(*message, query)) answer.message = std::move(*message);
+        return answer;
+      }
+      if (stream->error() != 0) return answer;
     }
     // The passes count, and so does the time: a pass may last longer while the console is busy.
-    if (pass * pass_ms > dns_timeout_ms_ || Clock::now() - begin > dns_timeout()) {
-      return {Outcome::timed_out,
-              "the DNS server " + server.text() + " gave no answer within " +
-                  std::to_string(dns_timeout_ms_) + " ms",
-              0,
-              {}};
-    }
+    if (pass * pass_ms <= dns_timeout_ms_ && Clock::now() - begin <= dns_timeout()) continue;
+    if (stream) return answer;
+    return {Outcome::timed_out,
+            "the DNS server " + server.text() + " gave no answer within " + std::to_string(dns_timeout_ms_) +
+                " ms",
+            0,
+            {}};
   }
   return {Outcome::socket_failed,
           "the DNS server " + server.text() + " cannot be asked: " + std::strerror(socket.error()),

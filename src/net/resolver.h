@@ -15,7 +15,9 @@ namespace zrl {
 
 // A small stub resolver (RFC 1035) for mail exchangers and IPv4 addresses. It sends one query over UDP to the
 // first server, without retransmission, and checks for the answer every 10 ms until the time-out. Datagrams
-// from other senders, or with another identifier, are ignored. There is no fallback to TCP and no cache.
+// from other senders, and those that are no answer to the query (is_dns_answer()), are ignored. An answer
+// that is marked as truncated is asked for again over TCP, within the same time; if that fails, what the
+// truncated one holds counts. There is no cache.
 //
 // Only what the functions of Surroundings raise is raised here. A look-up that finds nothing returns an empty
 // result; outcome() and problem() then say why. Waiting may run other look-ups of the same resolver: each
@@ -36,7 +38,7 @@ class Resolver {
     socket_failed,  // last_dns_error() says how
     timed_out,
     no_such_name,
-    server_failed,  // the server answered with an error
+    server_failed,  // the server answered with an error, or with a part of the answer only
     no_records,     // the name exists, but has no such record that can be read
   };
 
@@ -81,6 +83,7 @@ class Resolver {
   };
 
   Answer ask(const std::string& name, DnsType type);
+  Answer wait_for_answer(const DnsServer& server, DnsBytes query);
   bool lies_below_local_parent(std::string_view name) const;
   void conclude(const std::string& name, Answer answer, bool found);
 

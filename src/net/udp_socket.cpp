@@ -1,28 +1,17 @@
 #include "net/udp_socket.h"
 
 #include <cerrno>
-#include <memory>
 
-#include <netdb.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include "net/dns_socket.h"
 
 namespace zrl {
 
 // Connecting lets the system drop what others send, and tells when nobody listens at the port.
 UdpSocket::UdpSocket(const DnsServer& server) {
-  addrinfo hints{};
-  hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
-  hints.ai_socktype = SOCK_DGRAM;
-  addrinfo* made = nullptr;
-  const std::string port = std::to_string(server.port);
-  if (::getaddrinfo(server.address.c_str(), port.c_str(), &hints, &made) != 0) {
-    fail(EADDRNOTAVAIL);
-    return;
-  }
-  const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> target(made, ::freeaddrinfo);
-  handle_ = ::socket(target->ai_family, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-  if (handle_ < 0 || ::connect(handle_, target->ai_addr, target->ai_addrlen) != 0) fail(errno);
+  handle_ = connected_socket(server, SOCK_DGRAM, error_);
 }
 
 UdpSocket::~UdpSocket() {

@@ -2,9 +2,11 @@
 
 #include <cerrno>
 #include <fstream>
+#include <functional>
 #include <limits>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -160,6 +162,64 @@ TEST_F(ResolverTest, WaitsOnWhenItIsLiedTo) {
   Resolver lied_to(surroundings());
   EXPECT_THAT(lied_to.lookup_a("mail.example.com"), IsEmpty());
   EXPECT_EQ(lied_to.outcome(), Outcome::timed_out);
+}
+
+// What an answer is changed into so that it is none to the query: each is sent before the true one.
+const std::pair<const char*, std::function<DnsMessage(DnsMessage)>> no_answers[] = {
+    {"a query", [](DnsMessage message) { return message[2] &= 0x7F, message; }},
+    {"another opcode", [](DnsMessage message) { return message[2] |= 0x10, message; }},
+    {"no question", [](DnsMessage message) { return message[5] = 0, message; }},
+    {"two questions", [](DnsMessage message) { return message[5] = 2, message; }},
+    {"another name", [](DnsMessage message) { return message[13] ^= 1, message; }},
+    {"another type", [](DnsMessage message) { return message[30] ^= 1, message; }},
+    {"another class", [](DnsMessage message) { return message[32] ^= 2, message; }},
+    {"records of no name", [](DnsMessage message) { return message[34] += 5, message; }},
+    {"records of another name", [](DnsMessage message) { return message[35] += 5, message; }},
+};
+
+TEST_F(ResolverTest, WaitsOnForTheAnswerToItsOwnQuestion) {
+  timeout = "2000";
+  server.add("mail.example.com A 192.0.2.1");
+  server.add("mail.example.com MX 10 mx.mail.example.com");
+  for (const auto& [name, change] : no_answers) {
+    const auto forge = [&change = change](DnsMessage message) {
+      message.back() ^= 3;
+      return change(std::move(message));
+    };
+    server.set_manner({.delay = milliseconds(60), .forge = forge});
+    EXPECT_THAT(resolver.lookup_a("Mail.Example.com"), ElementsAre("192.0.2.1")) << name;
+    server.set_manner({.delay = milliseconds(60), .forge = change});
+    const int before = waits;
+    EXPECT_EQ(resolver.lookup_mx("mail.example.com"), "mx.mail.example.com.") << name;
+    EXPECT_GE(waits, before + 3) << name;
+  }
+  timeout = "150";
+  Resolver lied_to(surroundings());
+  server.set_manner({.rewrite = no_answers[8].second});
+  EXPECT_THAT(lied_to.lookup_a("mail.example.com"), IsEmpty());
+  EXPECT_EQ(lied_to.outcome(), Outcome::timed_out);
+}
+
+TEST_F(ResolverTest, AsksAgainByStreamWhenAnAnswerIsTruncated) {
+  for (int i = 0; i < 200; ++i) {
+    server.add("big.test MX 1 mail" + std::to_string(i) + ".big.test");
+    server.add("big.test A 192.0.2." + std::to_string(i));
+  }
+  server.set_manner({.room = 512});
+  EXPECT_EQ(resolver.lookup_a("big.test").size(), 200U);
+  EXPECT_EQ(resolver.lookup_mx("big.test"), "mail0.big.test.");
+  EXPECT_EQ(resolver.mx_count(), 200U);
+  EXPECT_THAT(server.queries(),
+              ElementsAre("A big.test", "TCP A big.test", "MX big.test", "TCP MX big.test"));
+
+  // Where the stream fails, the part that came counts.
+  server.set_manner({.room = 512, .closes_streams = true});
+  EXPECT_GT(resolver.lookup_a("big.test").size(), 20U);
+  EXPECT_EQ(resolver.outcome(), Outcome::found);
+  server.set_manner({.room = 26, .closes_streams = true});
+  EXPECT_THAT(resolver.lookup_a("big.test"), IsEmpty());
+  EXPECT_EQ(resolver.outcome(), Outcome::server_failed);
+  EXPECT_THAT(resolver.problem(), testing::HasSubstr("a part of the answer only"));
 }
 
 TEST_F(ResolverTest, SurvivesAnswersOfAnyLength) {

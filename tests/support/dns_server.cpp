@@ -119,6 +119,53 @@ class FakeDnsServer::Socket {
   int handle_;
 };
 
+// Takes connections at the port, one at a time.
+class FakeDnsServer::Listener {
+ public:
+  explicit Listener(std::uint16_t port)
+      : handle_(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    const int on = 1;
+    ::setsockopt(handle_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    if (::bind(handle_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
+        ::listen(handle_, 16) != 0) {
+      throw std::system_error(errno, std::generic_category(), "bind");
+    }
+  }
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
+  ~Listener() { ::close(handle_); }
+
+  // Lets `answer` turn the one query of a connection, if one has come, into its answer; an empty one is not
+  // sent. In two parts, as networks do it.
+  void serve(const std::function<DnsMessage(const DnsMessage&)>& answer) const {
+    const int connection = ::accept4(handle_, nullptr, nullptr, SOCK_CLOEXEC);
+    if (connection < 0) return;
+    const timeval patience{1, 0};
+    ::setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    std::array<std::uint8_t, 2> length{};
+    ::recv(connection, length.data(), length.size(), MSG_WAITALL);
+    DnsMessage query(length[0] * 256U + length[1]);
+    ::recv(connection, query.data(), query.size(), MSG_WAITALL);
+    DnsMessage message = answer(query);
+    if (!message.empty()) {
+      const auto size = static_cast<unsigned>(message.size());
+      message.insert(message.begin(),
+                     {static_cast<std::uint8_t>(size >> 8), static_cast<std::uint8_t>(size & 0xFF)});
+      ::send(connection, message.data(), 1, MSG_NOSIGNAL);
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      ::send(connection, message.data() + 1, message.size() - 1, MSG_NOSIGNAL);
+    }
+    ::close(connection);
+  }
+
+ private:
+  int handle_;
+};
+
 // Writes a message, names compressed against those that are already in it.
 class FakeDnsServer::Writer {
  public:
@@ -174,6 +221,16 @@ struct FakeDnsServer::Outbox {
 
 FakeDnsServer::FakeDnsServer(std::uint16_t port)
     : socket_(std::make_unique<Socket>(port)), liar_(std::make_unique<Socket>(0)), port_(socket_->port()) {
+  // The TCP port of the same number may be another program's.
+  for (int tries = 20; !listener_; --tries) {
+    try {
+      listener_ = std::make_unique<Listener>(port_);
+    } catch (const std::system_error&) {
+      if (port != 0 || tries == 0) throw;
+      socket_ = std::make_unique<Socket>(0);
+      port_ = socket_->port();
+    }
+  }
   thread_ = std::thread([this] { serve(); });
 }
 
@@ -283,6 +340,7 @@ void FakeDnsServer::serve() {
   Outbox outbox;
   for (;;) {
     if (socket_->readable(poll_ms)) receive(outbox);
+    answer_stream();
     while (!outbox.sendings.empty() && outbox.sendings.begin()->first <= Clock::now()) {
       const Outbox::Sending& sending = outbox.sendings.begin()->second;
       sending.from->send(sending.message, sending.to);
@@ -298,10 +356,7 @@ void FakeDnsServer::receive(Outbox& outbox) {
   const DnsMessage query = socket_->receive(from);
   const Question question = question_of(query);
   const std::scoped_lock lock(mutex_);
-  const auto* type = std::find_if(type_names.begin(), type_names.end(),
-                                  [&](const TypeName& known) { return known.type == question.type; });
-  queries_.push_back((type == type_names.end() ? std::to_string(question.type) : std::string(type->name)) +
-                     " " + question.name);
+  note_query(question, "");
   if (manner_.silent || manner_.lost-- > 0) return;
   manner_.lost = 0;
   DnsMessage message = compose(query, question);
@@ -315,8 +370,29 @@ void FakeDnsServer::receive(Outbox& outbox) {
     lie.at(0) ^= 0x40;
     outbox.sendings.insert({Clock::now(), {lie, from, socket_.get()}});
   }
+  if (message.size() > manner_.room) {
+    message.resize(manner_.room);
+    message.at(2) |= 2;
+  }
+  if (manner_.forge) outbox.sendings.insert({Clock::now(), {manner_.forge(message), from, socket_.get()}});
   if (manner_.rewrite) message = manner_.rewrite(std::move(message));
   outbox.sendings.insert({due, {std::move(message), from, socket_.get()}});
+}
+
+void FakeDnsServer::answer_stream() {
+  listener_->serve([this](const DnsMessage& query) {
+    const Question question = question_of(query);
+    const std::scoped_lock lock(mutex_);
+    note_query(question, "TCP ");
+    return manner_.closes_streams ? DnsMessage() : compose(query, question);
+  });
+}
+
+void FakeDnsServer::note_query(const Question& question, std::string_view by) {
+  const auto* type = std::find_if(type_names.begin(), type_names.end(),
+                                  [&](const TypeName& known) { return known.type == question.type; });
+  const std::string name = type == type_names.end() ? std::to_string(question.type) : std::string(type->name);
+  queries_.push_back(std::string(by) + name + " " + question.name);
 }
 
 }  // namespace zrl::test

@@ -15,7 +15,7 @@ namespace zrl::test {
 
 using DnsMessage = std::vector<std::uint8_t>;
 
-// A DNS server on a loopback UDP port of its own, which answers as real servers do: owner names and
+// A DNS server on a loopback port of its own, UDP and TCP, which answers as real servers do: owner names and
 // mail exchangers compressed, aliases followed, unknown names with error 3. It runs on a thread; all
 // calls may be made while it does.
 class FakeDnsServer {
@@ -41,12 +41,17 @@ class FakeDnsServer {
     int lost = 0;  // so many queries more get no answer
     // Sends, before each answer, a false one with another identifier, and one from another port.
     bool lies = false;
-    // What is sent in place of the answer.
+    // Datagrams hold so many bytes of an answer and are marked as truncated if it is longer.
+    std::size_t room = 65536;
+    bool closes_streams = false;  // without an answer
+    // What is sent in place of the answer, in a datagram.
     std::function<DnsMessage(DnsMessage answer)> rewrite = {};
+    // What is sent before it.
+    std::function<DnsMessage(DnsMessage answer)> forge = {};
   };
   void set_manner(Manner manner);
 
-  // "MX example.com", in the order of their coming.
+  // "MX example.com", or "TCP MX example.com", in the order of their coming.
   std::vector<std::string> queries() const;
 
   // The answer to a query by the records, whatever the manner; empty if there is to be none.
@@ -64,6 +69,7 @@ class FakeDnsServer {
     unsigned type;
   };
   class Socket;
+  class Listener;
   class Writer;
   struct Outbox;
 
@@ -72,8 +78,11 @@ class FakeDnsServer {
   DnsMessage compose(const DnsMessage& query, const Question& question) const;
   void serve();
   void receive(Outbox& outbox);
+  void answer_stream();
+  void note_query(const Question& question, std::string_view by);
 
   std::unique_ptr<Socket> socket_;
+  std::unique_ptr<Listener> listener_;
   std::unique_ptr<Socket> liar_;
   std::uint16_t port_ = 0;
   mutable std::mutex mutex_;  // guards what follows

@@ -9,13 +9,14 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include "core/text/dns_answer.h"
 #include "core/text/text.h"
 
 namespace zrl::dns {
 
 namespace {
 
-constexpr bool is_needed = ARES_VERSION >= 0x011c00;
+constexpr bool refuses_names = ARES_VERSION >= 0x011c00;
 constexpr std::size_t header_size = 12;
 constexpr std::size_t counts_at = 6;  // of the records that follow the question
 // c-ares accepts these in host names, although no host name contains them.
@@ -76,6 +77,10 @@ bool is_readable(std::string_view message) {
 #endif
 }
 
+DnsBytes bytes_of(std::string_view message) {
+  return {reinterpret_cast<const std::uint8_t*>(message.data()), message.size()};
+}
+
 DnsSockets& sockets(void* self) {
   return *static_cast<DnsSockets*>(self);
 }
@@ -84,11 +89,11 @@ DnsSockets& sockets(void* self) {
 
 void DnsSockets::attach(ares_channeldata* channel) {
   static const ares_socket_functions functions = {open, close, connect, receive, send};
-  if (is_needed) ares_set_socket_functions(channel, &functions, this);
+  ares_set_socket_functions(channel, &functions, this);
 }
 
 std::string DnsSockets::asked_name(const std::string& name) {
-  if (!is_needed || std::ranges::all_of(name, is_plain)) return escaped(name);
+  if (!refuses_names || std::ranges::all_of(name, is_plain)) return escaped(name);
   // Names that differ only in these characters share their stand-ins: two such characters yield four of them.
   const auto odd = static_cast<std::size_t>(std::ranges::count_if(name, std::not_fn(is_plain)));
   for (std::size_t number = 0; number < std::size_t{1} << std::min<std::size_t>(odd, 8); ++number) {
@@ -141,6 +146,7 @@ ares_ssize_t DnsSockets::receive(ares_socket_t socket, void* data, std::size_t s
 bool DnsSockets::admit(std::string& message) {
   const auto sent = sent_.find(message.substr(0, 2));
   if (sent == sent_.end() || question_of(message) != sent->second.sent) return false;
+  if (!is_dns_answer(bytes_of(message), bytes_of(sent->second.query))) return false;
   const std::string& asked = sent->second.asked;
   message.replace(header_size, asked.size(), asked);
   if (!is_readable(message)) {
@@ -170,7 +176,7 @@ ares_ssize_t DnsSockets::send_message(ares_socket_t socket, std::string message)
     const auto name = names_.find(asked.substr(0, asked.size() - 4));
     if (name != names_.end()) sent.replace(0, name->second.size(), name->second);
     if (sent != asked) message.replace(header_size, sent.size(), sent);
-    sent_[message.substr(0, 2)] = {sent, asked};
+    sent_[message.substr(0, 2)] = {sent, asked, message};
   }
   return ::send(socket, message.data(), message.size(), MSG_NOSIGNAL);
 }

@@ -10,10 +10,12 @@
 
 namespace zrl::dns {
 
-// The sockets of a channel. They work around two properties of c-ares from release 1.28 on: it refuses names
-// with characters that host names have not, although sender policies use such names (RFC 7208, section 7.3);
-// and one answer that it cannot parse ends all queries of its socket, even if it belongs to none of them.
-// With earlier releases this does nothing.
+// The sockets of a channel. Datagrams that are no answer to a query that was sent (is_dns_answer()) never
+// reach c-ares, whose releases check less, and it goes on waiting.
+//
+// They also work around two properties of c-ares from release 1.28 on: it refuses names with characters that
+// host names have not, although sender policies use such names (RFC 7208, section 7.3); and one answer that
+// it cannot parse ends all queries of its socket.
 //
 // A name that c-ares would refuse is given to it as a stand-in of the same length, which is replaced by the
 // name in outgoing datagrams, and the other way round in incoming ones. Over TCP, which c-ares uses after
@@ -36,6 +38,7 @@ class DnsSockets {
   struct Question {
     std::string sent;
     std::string asked;
+    std::string query;  // the whole message that was sent
   };
 
   static ares_socket_t open(int domain, int type, int protocol, void* self);

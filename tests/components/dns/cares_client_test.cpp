@@ -1,5 +1,7 @@
+#include <functional>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include <ares.h>
 #include <gmock/gmock.h>
@@ -105,6 +107,45 @@ TEST_F(DnsClientTest, IgnoresLiesAndSurvivesMalformedAnswers) {
     }});
     EXPECT_THAT(failure_of_ptr("192.0.2.1"), testing::StartsWith("no host name")) << size;
   }
+}
+
+TEST_F(DnsClientTest, WaitsOnForTheAnswerToItsOwnQuestion) {
+  timeout = milliseconds(3000);
+  server.add("own.test TXT right");
+  const std::pair<const char*, std::function<void(test::DnsMessage&)>> forgeries[] = {
+      {"a query", [](test::DnsMessage& message) { message[2] &= 0x7F; }},
+      {"another opcode", [](test::DnsMessage& message) { message[2] |= 0x10; }},
+      {"no question", [](test::DnsMessage& message) { message[5] = 0; }},
+      {"another name", [](test::DnsMessage& message) { message[13] ^= 1; }},
+      {"another class", [](test::DnsMessage& message) { message[25] ^= 2; }},
+      {"records of another name", [](test::DnsMessage& message) { message[27] += 4; }},
+  };
+  for (const auto& [name, forge] : forgeries) {
+    server.set_manner({.delay = milliseconds(60), .forge = [&forge = forge](test::DnsMessage message) {
+                         message.back() ^= 3;
+                         forge(message);
+                         return message;
+                       }});
+    DnsQueries queries(console);
+    const std::size_t query = queries.start("own.test", 16);
+    queries.finish();
+    std::vector<std::string> texts;
+    EXPECT_EQ(read_texts(queries[query], texts), ARES_SUCCESS) << name;
+    EXPECT_THAT(texts, ElementsAre("right")) << name;
+  }
+}
+
+TEST_F(DnsClientTest, AsksAgainByStreamWhenAnAnswerIsTruncated) {
+  timeout = milliseconds(3000);
+  for (int i = 0; i < 60; ++i) server.add("big.test MX 1 mail" + std::to_string(i) + ".big.test");
+  server.set_manner({.room = 512});
+  DnsQueries queries(console);
+  const std::size_t query = queries.start("big.test", 15);
+  queries.finish();
+  std::vector<std::string> exchangers;
+  EXPECT_EQ(read_exchangers(queries[query], exchangers), ARES_SUCCESS);
+  EXPECT_EQ(exchangers.size(), 60U);
+  EXPECT_THAT(server.queries(), ElementsAre("MX big.test", "TCP MX big.test"));
 }
 
 TEST_F(DnsClientTest, QueriesOfOneCallAreUnderWayTogether) {
