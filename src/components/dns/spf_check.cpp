@@ -19,6 +19,8 @@ constexpr int most_lookups = 10;
 constexpr int most_void_lookups = 2;
 constexpr std::size_t most_names = 10;
 constexpr std::size_t longest_explanation = 500;
+constexpr std::string_view unknown_local_part = "postmaster";
+constexpr std::string_view unknown_name = "unknown";
 
 [[noreturn]] void fail_for_good(const std::string& description) {
   throw SenderFault(SenderResult::permerror, description);
@@ -39,7 +41,7 @@ bool is_at_or_below(std::string_view name, std::string_view domain) {
 
 std::string local_part_of(const std::string& sender) {
   const std::size_t at = sender.rfind('@');
-  return at == 0 || at == sender.npos ? "postmaster" : sender.substr(0, at);
+  return at == 0 || at == sender.npos ? std::string(unknown_local_part) : sender.substr(0, at);
 }
 
 std::string domain_of_sender(const std::string& sender) {
@@ -55,7 +57,14 @@ class Evaluation {
     const Outcome outcome = evaluate(question_.record, question_.domain);
     std::string reason = std::string(name_of(outcome.result)) + ": " + outcome.reason;
     if (outcome.result == SenderResult::fail) reason += explanation(outcome);
-    return {outcome.result == SenderResult::pass, reason};
+    return {outcome.result == SenderResult::pass, reason + assumptions()};
+  }
+
+  // What the terms that were expanded needed to know of the mail and nobody told.
+  std::string assumptions() const {
+    std::string text;
+    for (const std::string& assumed : assumed_) text += (text.empty() ? " (assumed: " : ", ") + assumed;
+    return text.empty() ? text : text + ")";
   }
 
  private:
@@ -182,14 +191,14 @@ class Evaluation {
     return *validated_names_;
   }
 
-  // Prefers the domain itself, then a name below it, then any name.
+  // Prefers the domain itself, then a name below it, then any name. Only terms count as look-ups (RFC 7208,
+  // section 4.6.4), and the names are looked up once.
   std::string validated_name(const std::string& domain) {
-    if (!validated_names_) count_lookup();
-    std::string best = "unknown";
+    std::string best(unknown_name);
     for (const std::string& name : validated_names()) {
       if (equals_ignoring_case(name, domain)) return name;
       const bool below = is_at_or_below(lower(best), lower(domain));
-      if (best == "unknown" || (!below && is_at_or_below(lower(name), lower(domain)))) best = name;
+      if (best == unknown_name || (!below && is_at_or_below(lower(name), lower(domain)))) best = name;
     }
     return best;
   }
@@ -224,7 +233,21 @@ class Evaluation {
   }
 
   std::string expand(const MacroString& text, const std::string& domain) {
-    return text.expand_to_name(values(domain));
+    const MacroString::Values known = values(domain);
+    return text.expand_to_name([&](char letter) {
+      const std::string found = known(letter);
+      const std::string local_part = local_part_of(question_.sender);
+      if ((letter == 's' || letter == 'l') && local_part == unknown_local_part) {
+        assume("local part \"" + local_part + '"');
+      }
+      if (letter == 'h') assume("greeting \"" + found + '"');
+      if (letter == 'p' && found == unknown_name) assume("host name \"" + found + '"');
+      return found;
+    });
+  }
+
+  void assume(const std::string& what) {
+    if (std::ranges::find(assumed_, what) == assumed_.end()) assumed_.push_back(what);
   }
 
   // The domain's explanation to clients that fail (RFC 7208, section 6.2); empty if anything goes wrong.
@@ -254,6 +277,7 @@ class Evaluation {
   SenderLookups& lookups_;
   int counted_lookups_ = 0;
   int void_lookups_ = 0;
+  std::vector<std::string> assumed_;
   std::optional<std::vector<std::string>> validated_names_;
 };
 
@@ -262,10 +286,11 @@ class Evaluation {
 SenderCheck check_spf(const SenderQuestion& question, SenderLookups& lookups) {
   if (!is_domain(question.domain)) return {false, "none: \"" + question.domain + "\" is no domain"};
   if (!is_spf_record(question.record)) return {false, "none: there is no SPF record"};
+  Evaluation evaluation(question, lookups);
   try {
-    return Evaluation(question, lookups).run();
+    return evaluation.run();
   } catch (const SenderFault& fault) {
-    return {false, std::string(name_of(fault.result())) + ": " + fault.what()};
+    return {false, std::string(name_of(fault.result())) + ": " + fault.what() + evaluation.assumptions()};
   }
 }
 

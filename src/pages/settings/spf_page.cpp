@@ -50,6 +50,8 @@ void SpfPage::get_spf() {
   if (spfdom.text().empty()) return;
   if (ciddom.text().empty()) ciddom.set_text(spfdom.text());
   spfresult.set_caption("");
+  // A record that stayed after a failure would be checked as that of another domain.
+  spfrec.set_text("");
   fetch(spfrec, "get_spf_records", &DnsClient::get_spf_records, spfdom.text());
   for (int i = 0; i < most_redirects && is_redirect(spfrec.text()); ++i) {
     // A redirect that could not be followed would fail again.
@@ -58,6 +60,7 @@ void SpfPage::get_spf() {
 }
 
 void SpfPage::get_cid() {
+  cidrec.set_text("");
   fetch(cidrec, "get_cid_records", &DnsClient::get_cid_records, ciddom.text());
 }
 

@@ -9,8 +9,9 @@
 namespace zrl {
 
 // The checks of the sender's domain by SPF (RFC 7208) and by Caller-ID, the records that replace those which
-// domains do not publish, and for each check a panel that tries a domain's record on an address. Look-ups and
-// checks block, for about 20 seconds at most; events are served meanwhile.
+// domains do not publish, and for each check a panel that tries a domain's record on an address. The panels
+// take no local part and no greeting: the sender is postmaster at the domain. Look-ups and checks block, for
+// about 20 seconds at most; events are served meanwhile.
 class SpfPage : public Page {
  public:
   explicit SpfPage(Console& console);
@@ -57,7 +58,10 @@ class SpfPage : public Page {
   Button checkspf{
       *this, "checkspf", "Check",
       "Tells whether the record allows the address; an empty record is replaced by the \"best guess\""};
-  Label spfresult{*this, "spfresult", "", "The reason stands under \"Activity\""};
+  Label spfresult{
+      *this, "spfresult", "",
+      "The reason stands under \"Activity\", and what was assumed for a record that asks for more "
+      "than domain and IP number"};
 
   Frame Frame3{*this, "Frame3", "Microsoft CallerID Test"};
   TextField ciddom{

@@ -267,6 +267,28 @@ TEST(SpfCheck, DecidesAsTheExamplesTell) {
   EXPECT_THAT(check("v=spf1 a:" + std::string(64, 'a') + ".example.com -all"), StartsWith("fail"));
 }
 
+TEST(SpfCheck, TellsWhatItAssumesOfTheMail) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"exists:%{l}.%{h} -all", " (assumed: local part \"postmaster\", greeting \"example.com\")"},
+      {"exists:%{S}.%{l}.x -all", " (assumed: local part \"postmaster\")"},
+      {"include:%{h1r}.none -all", " (assumed: greeting \"example.com\")"},
+      {"exists:%{p}.x -all", " (assumed: host name \"unknown\")"},
+      {"exists:%{d}.%{o}.%{i}.%{v} -all", "the record of example.com"},
+      {"-all exists:%{h}", "the record of example.com"},
+  };
+  for (const auto& [terms, end] : cases) {
+    ZoneLookups lookups(zone);
+    const std::string record = std::string("v=spf1 ") + terms;
+    const auto client = *IpAddress::parse("192.0.2.1");
+    EXPECT_THAT(check_spf({client, "example.com", record, "postmaster@example.com"}, lookups).reason,
+                testing::EndsWith(end))
+        << terms;
+  }
+  EXPECT_THAT(check("v=spf1 exists:%{l}.x -all"), testing::EndsWith("the record of example.com"));
+  // A macro is no term, so it uses up none of the ten look-ups.
+  EXPECT_THAT(check("v=spf1 a a a a a a a a a a:%{p} +all", "192.0.2.65"), StartsWith("pass"));
+}
+
 // RFC 7208, section 5.2, and what records of others and failures of the DNS make of a check.
 TEST(SpfCheck, TakesOverWhatGoesWrongElsewhere) {
   const std::pair<const char*, const char*> cases[] = {

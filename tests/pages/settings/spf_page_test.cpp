@@ -83,10 +83,31 @@ TEST_F(SpfPageTest, FetchesTheRecordAndFollowsThreeRedirects) {
   EXPECT_THAT(installed.activity(), ElementsAre("failed: get_redirect v=spf1 redirect=none.example"));
   page.getcid.user_click();
   EXPECT_EQ(page.cidrec.text(), policy);
-  page.ciddom.user_type("");
+}
+
+// Else the next check would take the record of one domain for another.
+TEST_F(SpfPageTest, ARecordThatCannotBeFetchedLeavesNone) {
+  dns.server.add("broken.example ERROR 2");
+  dns.server.add("_ep.broken.example ERROR 2");
+  SpfPage& page = installed.shown();
+  page.spfdom.user_type("example.com");
+  page.getspf.user_click();
   page.getcid.user_click();
+  EXPECT_EQ(page.spfrec.text(), "v=spf1 ip4:192.0.2.1 -all");
   EXPECT_EQ(page.cidrec.text(), policy);
-  EXPECT_THAT(installed.activity(), Contains("failed: get_cid_records "));
+  page.spfdom.user_type("broken.example");
+  page.ciddom.user_type("broken.example");
+  page.getspf.user_click();
+  page.getcid.user_click();
+  EXPECT_EQ(page.spfrec.text() + page.cidrec.text(), "");
+  EXPECT_THAT(installed.activity(), ElementsAre("failed: get_spf_records broken.example",
+                                                "failed: get_cid_records broken.example"));
+  page.spfip.user_type("192.0.2.1");
+  page.cidip.user_type("192.0.2.1");
+  page.checkspf.user_click();
+  page.checkcid.user_click();
+  EXPECT_EQ(page.spfresult.caption(), "NOT authenticated");
+  EXPECT_EQ(page.cidresult.caption(), "NOT authenticated");
 }
 
 TEST_F(SpfPageTest, TestsAnAddressAndTellsWhy) {
@@ -131,6 +152,7 @@ TEST_F(SpfPageTest, AnEmptyRecordIsReplacedByTheBestGuess) {
   page.checkspf.user_click();
   EXPECT_EQ(page.spfrec.text(), "v=spf1 exists:%{l}.%{o} -all");
   EXPECT_EQ(page.spfresult.caption(), "authenticated");
+  EXPECT_THAT(installed.activity(), Contains(testing::EndsWith("(assumed: local part \"postmaster\")")));
   EXPECT_EQ(page.spfdom.text(), "example.com");
 }
 
