@@ -67,6 +67,7 @@ DirectoryConnection::DirectoryConnection(ConsoleServices& console, const ServerA
                                          const Options& options)
     : options_(options),
       url_(server.url),
+      is_encrypted_(server.url.starts_with("ldaps:")),
       end_(Clock::now() + options.limits.total),
       watch_([&console] { console.process_events(); }, options.limits.message_bytes) {
   LDAP* ldap = nullptr;
@@ -104,6 +105,7 @@ void DirectoryConnection::sign_in() {
   if (code != LDAP_SUCCESS) fail(code);
   const Answer answer = result_of(next(id));
   if (answer.code != LDAP_SUCCESS) fail(answer.code, answer.text);
+  is_signed_in_ = true;
 }
 
 void DirectoryConnection::read_root(const std::vector<const char*>& attributes, const Visit& visit) {
@@ -209,10 +211,30 @@ std::string DirectoryConnection::next_cookie(const Answer& answer) const {
   return cookie.bv_val == nullptr ? std::string() : std::string(cookie.bv_val, cookie.bv_len);
 }
 
+// The library says of every failure of TLS that the server cannot be contacted, and of a certificate that it
+// refuses itself nothing more.
+std::string DirectoryConnection::description_of(int code) const {
+  const bool lost = code == LDAP_SERVER_DOWN || code == LDAP_CONNECT_ERROR;
+  if (lost && is_encrypted_ && watch_.has_connected() && !is_signed_in_) {
+    char* said = nullptr;
+    ldap_get_option(ldap_.get(), LDAP_OPT_DIAGNOSTIC_MESSAGE, &said);
+    const std::unique_ptr<char, decltype(&ldap_memfree)> owner(said, ldap_memfree);
+    const std::string_view reason = said == nullptr ? "" : said;
+    if (!reason.empty() && !reason.starts_with('(')) return "TLS failed: " + printable(reason);
+    return "TLS failed: its certificate was refused; it comes from no authority that this system trusts, "
+           "is not valid at this time, or is another host's";
+  }
+  std::string description = ldap_err2string(code);
+  if (code == LDAP_SIZELIMIT_EXCEEDED) {
+    description += " (the server's limit for all pages of an answer together, such as slapd's size.prtotal)";
+  }
+  return description;
+}
+
 void DirectoryConnection::fail(int code, const std::string& text) const {
   watch_.rethrow();
   if (watch_.is_late()) code = LDAP_TIMEOUT;
-  std::string message = "the directory server " + url_ + ": " + ldap_err2string(code);
+  std::string message = "the directory server " + url_ + ": " + description_of(code);
   if (!text.empty()) message += ": " + printable(cut_between_characters(text, longest_text));
   throw Error(code, message);
 }

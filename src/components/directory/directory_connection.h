@@ -82,10 +82,13 @@ class DirectoryConnection {
   Control page_control(const std::string& cookie) const;
   std::string next_cookie(const Answer& answer) const;
   void begin_waiting();
+  std::string description_of(int code) const;
   [[noreturn]] void fail(int code, const std::string& text = {}) const;
 
   Options options_;
   std::string url_;
+  bool is_encrypted_;
+  bool is_signed_in_ = false;
   Clock::time_point end_;
   SocketWatch watch_;
   std::unique_ptr<LDAP, Release> ldap_;

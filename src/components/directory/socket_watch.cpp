@@ -50,6 +50,7 @@ void SocketWatch::rethrow() const {
 
 int SocketWatch::connected(LDAP*, Sockbuf* buffer, LDAPURLDesc*, sockaddr*, ldap_conncb* callbacks) {
   auto* self = static_cast<SocketWatch*>(callbacks->lc_arg);
+  self->has_connected_ = true;
   ber_sockbuf_ctrl(buffer, LBER_SB_OPT_SET_MAX_INCOMING, &self->message_bytes_);
   return ber_sockbuf_add_io(buffer, &self->layer_, level, self);
 }

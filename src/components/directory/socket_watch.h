@@ -27,6 +27,9 @@ class SocketWatch {
   void set_deadline(Clock::time_point deadline) { deadline_ = deadline; }
   bool is_late() const { return Clock::now() >= deadline_; }
 
+  // Whether the server took a connection, encrypted or not.
+  bool has_connected() const { return has_connected_; }
+
   // Serves waiting events, unless they were served only a moment ago.
   void serve();
   // From now on serves no events and waits for nothing, so that the connection can be closed at once.
@@ -52,6 +55,7 @@ class SocketWatch {
   Clock::time_point deadline_ = Clock::time_point::max();
   Clock::time_point served_;
   std::exception_ptr raised_;
+  bool has_connected_ = false;
   ldap_conncb callbacks_;
   Sockbuf_IO layer_;
 };
