@@ -71,7 +71,8 @@ void ServiceControlPage::load_forward() {
   if (const auto port = read_option("forwardport")) Text3.set_text(port->text);
   if (!is_missing(Text3)) return;
   execute("DELETE FROM konf where ID='forwardport'");
-  Text3.set_text(listenip.text() == Text1.text() ? "26" : "25");
+  const bool same_address = !Text1.text().empty() && listenip.text() == Text1.text();
+  Text3.set_text(same_address ? "26" : "25");
   store_number<std::int32_t>("forwardport", Text3.text());
 }
 

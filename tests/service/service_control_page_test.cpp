@@ -57,7 +57,7 @@ TEST_F(ServiceControlPageTest, MissingPortsAreStoredWithTheirDefaultsAtOnce) {
     const char* ports;  // as they were stored
     const char* shown;
   } cases[] = {
-      {"", "", "", " 26  25"},
+      {"", "", "", " 25  25"},  // two empty addresses are not the same one
       {"10.0.0.1", "10.0.0.1", "", "10.0.0.1 26 10.0.0.1 25"},
       {"10.0.0.1", "10.0.0.1", "-1", "10.0.0.1 26 10.0.0.1 25"},
       {"10.0.0.1", "10.0.0.2", "-1", "10.0.0.1 25 10.0.0.2 25"},

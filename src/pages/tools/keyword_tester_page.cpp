@@ -11,6 +11,11 @@ KeywordTesterPage::KeywordTesterPage(Console& console) : Page(console, "keywordt
   set_layout(column({grow(Text1), row({Command1, Command2}), frame(Frame1, Label1)}));
 }
 
+void KeywordTesterPage::show() {
+  translate_controls();
+  load();
+}
+
 void KeywordTesterPage::load() {
   if (!plugins_.make()) Label1.set_caption(translate("Error while loading plugin"));
 }

@@ -23,6 +23,8 @@ class KeywordTesterPage : public Page {
   Label Label1{*this, "Label1", "", "What the checks found; empty if they found nothing"};
 
  private:
+  // Without a connection: the checks open their own.
+  void show() override;
   void load() override;
 
   void test_body();

@@ -26,6 +26,8 @@ class RegexTesterPage : public Page {
   Label rresult{*this, "rresult", ""};
 
  private:
+  // Without a connection, because nothing is read or stored.
+  void show() override { translate_controls(); }
   void load() override {}
 
   void test_expression();

@@ -118,6 +118,14 @@ TEST_F(KeywordTesterPageTest, WithoutAPluginHostThePageSaysSo) {
   EXPECT_TRUE(page.Command2.enabled());
 }
 
+TEST_F(KeywordTesterPageTest, UsesNoConnectionOfItsOwn) {
+  console.settings().regwrite_string(console.settings().data_provider_path(), "sqlite:none/none.db");
+  KeywordTesterPage& page = shown();
+  EXPECT_EQ(page.database, nullptr);
+  EXPECT_EQ(page.conn, nullptr);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
 // The checks of the build, over the real database.
 TEST_F(KeywordTesterPageTest, TheKeywordsOfTheListsAreFound) {
   insert("words", "entry", {"viagra"});

@@ -38,6 +38,17 @@ TEST_F(RegexTester, ExpressionsAreWrappedUnlessTheyAreAlready) {
   EXPECT_THAT(activity(), testing::ElementsAre("failed: regex_match REGEX[(]"));
 }
 
+TEST_F(RegexTester, WorksWithoutADatabase) {
+  console.components().remove(Database::program_id);
+  RegexTesterPage& page = shown();
+  EXPECT_TRUE(host.boxes.empty());
+  EXPECT_EQ(page.conn, nullptr);
+  page.searchtext.user_type("Buy");
+  page.reguex.user_type("b.y");
+  page.Command1.user_click();
+  EXPECT_EQ(page.rresult.caption(), "Mirvan Regular Expression Engine found: Buy");
+}
+
 TEST_F(RegexTester, TheResultIsInTheLanguageOfThePage) {
   console.settings().regwrite_string(console.settings().language_path(), "german");
   RegexTesterPage& page = shown();
