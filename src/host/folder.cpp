@@ -31,6 +31,7 @@ class LayOut {
     for (const char* name : {"lists", "download", "archive", "scripts"})
       make_folder(console_.folder() / name);
     make_ini();
+    if (update_product_version(console_)) note_value(settings_.product_version_path(), version);
     make_value(settings_.product_version_path(), version);
     make_value(settings_.data_provider_path(), "sqlite:proxy.db");
     make_database();
@@ -54,6 +55,10 @@ class LayOut {
   void make_value(const std::string& path, std::string_view text) {
     if (!settings_.regread(path).empty()) return;
     if (!settings_.regwrite_string(path, text)) throw Error(1, "cannot write the registry value " + path);
+    note_value(path, text);
+  }
+
+  void note_value(const std::string& path, std::string_view text) {
     made_.push_back("registry value " + path + " = " + std::string(text));
   }
 
@@ -78,6 +83,13 @@ fs::path default_folder() {
   if (data.starts_with('/')) return fs::path(data) / "zrlconsole";
   const std::string home = environment("HOME");
   return fs::path(home.empty() ? "/var/lib" : home + "/.local/share") / "zrlconsole";
+}
+
+bool update_product_version(Console& console) {
+  Settings& settings = console.settings();
+  const std::string path = settings.product_version_path();
+  const std::string stored = settings.regread(path);
+  return !stored.empty() && stored != version && settings.regwrite_string(path, version);
 }
 
 std::vector<std::string> lay_out_folder(Console& console) {

@@ -14,8 +14,13 @@ std::filesystem::path default_folder();
 
 // Does what an installer does: makes the folder with its sub-folders, "proxy.ini", the registry
 // values `ProductVersion` and `dataprovider`, and the embedded database with its tables. What exists already
-// stays as it is. Returns one line for each thing that was made. Raises zrl::Error or
-// std::filesystem::filesystem_error; what was made until then stays.
+// stays as it is, except for a `ProductVersion` of another version. Returns one line for each thing that was
+// made. Raises zrl::Error or std::filesystem::filesystem_error; what was made until then stays.
 std::vector<std::string> lay_out_folder(Console& console);
+
+// To be called when a folder that is there already is opened: after an upgrade, writes the version of this
+// program to the registry value `ProductVersion`. True if it was another one and has been replaced. A value
+// that is missing stays so. Never throws: a failure is recorded.
+bool update_product_version(Console& console);
 
 }  // namespace zrl

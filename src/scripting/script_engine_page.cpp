@@ -150,11 +150,24 @@ void ScriptEnginePage::read_script() {
   });
 }
 
+// The list need not show the script. No name that is stored holds an apostrophe.
+bool ScriptEnginePage::may_replace(const std::string& name) {
+  if (name.find('\'') != std::string::npos) return true;
+  const auto found = open(script_row(name), Connection::Access::read_only);
+  if (!found || found->at_end()) return true;
+  const MessageBox question{
+      translate("Replace Script"),
+      translate("There is a script of this name. Replace it by the text in the editor?") + "\r\n" + name,
+      BoxStyle::ok_cancel};
+  return console().host().message_box(question) == BoxReply::ok;
+}
+
 // A name that exists keeps the text in the editor, which is then saved under it.
 void ScriptEnginePage::create() {
   if (scriptnamen.text().empty()) return;
-  scriptnamen.set_text(with_underscores(scriptnamen.text()));
-  const std::string name = scriptnamen.text();
+  const std::string name = with_underscores(scriptnamen.text());
+  if (!may_replace(name)) return;
+  scriptnamen.set_text(name);
   const bool is_new = execute(insert_into("scriptengine", "scriptname", name));
   current_script_ = name;
   if (is_new) scriptsource.set_text(script_template(name));

@@ -28,7 +28,8 @@ class ScriptEnginePage : public Page {
   CheckBox allscripts{*this, "allscripts", "Show all scripts",
                       "Lists the scripts that are not marked as visible too"};
   Button insertnew{*this, "insertnew", "Create new Script from Template",
-                   "Stores a new script under the name above; blanks in it become \"_\""};
+                   "Stores a new script under the name above; blanks in it become \"_\". Asks before it "
+                   "replaces a script of this name by the text in the editor"};
 
   ComboBox sposition{
       *this, "sposition", "When the proxy runs the script; at \"Never\" only others call it", {}};
@@ -74,6 +75,7 @@ class ScriptEnginePage : public Page {
   void ensure_script_table();
   void select();
   void read_script();
+  bool may_replace(const std::string& name);
   void create();
   void save();
   // False if the database did not take it.

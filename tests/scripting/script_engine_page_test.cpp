@@ -108,7 +108,32 @@ TEST_F(ScriptEnginePageTest, AnExistingNameGetsTheTextOfTheEditor) {
             "NEVER 0: ' gr\xC3\xB6\xC3\x9F"
             "er");
   EXPECT_EQ(copy_of("there.vbs"), page.scriptsource.text());
-  EXPECT_THAT(host.boxes, IsEmpty());
+  ASSERT_THAT(host.boxes, SizeIs(1));
+  EXPECT_EQ(host.boxes[0].title, "Replace Script");
+  EXPECT_THAT(host.boxes[0].text, testing::EndsWith("\r\nthere"));
+}
+
+// Hidden ones too, which the list does not show.
+TEST_F(ScriptEnginePageTest, AnExistingNameIsNotReplacedWithoutConsent) {
+  create_table();
+  put("my_hidden", "BODY", 1, 0, "old");
+  put("never_listed", "AV", 1, 99, "older");
+  ScriptEnginePage& page = shown();
+  page.scriptsource.user_type("' new");
+  host.reply = BoxReply::cancel;
+  create(page, "my hidden");
+  EXPECT_EQ(page.scriptnamen.text(), "my hidden");
+  EXPECT_TRUE(page.insertnew.enabled());
+  create(page, "never_listed");
+  EXPECT_THAT(host.boxes, SizeIs(2));
+  EXPECT_EQ(stored("my_hidden"), "BODY 0: old");
+  EXPECT_EQ(stored("never_listed"), "AV 99: older");
+  EXPECT_EQ(copy_of("my_hidden.vbs"), "none");
+  EXPECT_EQ(page.scriptsource.text(), "' new");
+  EXPECT_TRUE(page.savechunk.enabled());
+  EXPECT_THAT(activity(), IsEmpty());
+  create(page, "brand_new");
+  EXPECT_THAT(host.boxes, SizeIs(2));
 }
 
 TEST_F(ScriptEnginePageTest, AFailedSaveCanBeRepeated) {

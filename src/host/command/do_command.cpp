@@ -66,7 +66,11 @@ int run_do(const Arguments& arguments, const Program& program, std::istream& in,
   StepRunner runner([&] { return steps->next(); }, arguments.start_programs);
   Console console(arguments.folder, runner);
   register_components(console);
-  if (!std::filesystem::exists(arguments.folder)) lay_out_folder(console);
+  if (std::filesystem::exists(arguments.folder)) {
+    update_product_version(console);
+  } else {
+    lay_out_folder(console);
+  }
   // The record begins with the showing, and forgets nothing.
   console.activity() = ActivityRecord(std::numeric_limits<std::size_t>::max());
 

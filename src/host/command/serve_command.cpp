@@ -14,12 +14,15 @@ namespace zrl::command {
 
 namespace {
 
-void lay_out_if_missing(const std::filesystem::path& folder) {
-  if (std::filesystem::exists(folder)) return;
+void prepare(const std::filesystem::path& folder) {
   StepRunner host([] { return std::nullopt; }, false);
   Console console(folder, host);
   register_components(console);
-  lay_out_folder(console);
+  if (std::filesystem::exists(folder)) {
+    update_product_version(console);
+  } else {
+    lay_out_folder(console);
+  }
 }
 
 // Signals are taken by a thread that waits for them; all others have them blocked.
@@ -47,7 +50,7 @@ void announce(web::WebHost& host) {
 }  // namespace
 
 int serve(const ServeOptions& options, std::span<const PageEntry> pages) {
-  lay_out_if_missing(options.folder);
+  prepare(options.folder);
   const sigset_t signals = block_stop_signals();
   web::WebHostOptions host_options;
   host_options.folder = options.folder;

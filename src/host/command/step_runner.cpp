@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "core/controls.h"
+#include "core/text/paths.h"
 #include "core/text/text.h"
 #include "host/program_starter.h"
 
@@ -14,6 +15,23 @@ namespace {
 const StringList* items_of(const Control& control) {
   if (!control.has(Property::items)) return nullptr;
   return std::get<const StringList*>(control.get(Property::items));
+}
+
+// As a browser's fields of several lines end them.
+std::string with_line_ends(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    if (c == '\n' && !result.ends_with('\r')) result += '\r';
+    result += c;
+  }
+  return result;
+}
+
+// A source text keeps its own.
+bool has_line_ends(const Control& control) {
+  if (control.kind() != ControlKind::text_field) return false;
+  const TextField::Style& style = static_cast<const TextField&>(control).style();
+  return style.multi_line && !style.source;
 }
 
 }  // namespace
@@ -50,7 +68,10 @@ void StepRunner::wait(std::chrono::milliseconds time) {
 
 void StepRunner::start_program(const ProgramStart& program) {
   programs_.push_back(program);
-  if (start_programs_) zrl::start_program(program);
+  if (!start_programs_) return;
+  ProgramStart start = program;
+  if (start.folder.empty()) start.folder = to_product_path(console_->folder());
+  zrl::start_program(start);
 }
 
 bool StepRunner::run_next() {
@@ -147,7 +168,7 @@ void StepRunner::apply_text(Control& control, const std::string& text) {
   } else if (items != nullptr && control.kind() != ControlKind::combo_box) {
     throw Refused(control.name() + " has no item \"" + text + "\"");
   } else {
-    control.user_type(text);
+    control.user_type(has_line_ends(control) ? with_line_ends(text) : text);
   }
 }
 

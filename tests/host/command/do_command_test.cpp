@@ -1,6 +1,11 @@
 #include <boost/json/serialize.hpp>
+#include <fstream>
+
+#include <stdlib.h>
+#include <unistd.h>
 
 #include "command_fixture.h"
+#include "core/text/files.h"
 #include "host/version.h"
 
 namespace zrl::command {
@@ -150,6 +155,29 @@ TEST_F(CommandTest, ProgramsAreRecordedAndFailuresAreNoErrors) {
   EXPECT_EQ(last.at("text").as_string(), "DELETE * FROM nowhere");
   EXPECT_FALSE(last.at("ok").as_bool());
   EXPECT_NE(last.at("error").as_string(), "");
+}
+
+TEST_F(CommandTest, ProgramsRunInTheConsolesFolder) {
+  const auto told = folder.path() / "told";
+  std::ofstream(folder.path() / "ProxyServiceControl") << "#!/bin/sh\npwd > " << told.string() << "\n";
+  std::filesystem::permissions(folder.path() / "ProxyServiceControl", std::filesystem::perms::owner_all);
+  const std::string path = ::getenv("PATH");
+  ::setenv("PATH", (folder.path().string() + ":" + path).c_str(), 1);
+  EXPECT_EQ(run({"do", "--start-programs", "ServiceControl", "Command3"}), 0) << err;
+  ::setenv("PATH", path.c_str(), 1);
+  for (int i = 0; i < 200 && (!std::filesystem::exists(told) || read_file(told).empty()); ++i)
+    ::usleep(20'000);
+  EXPECT_EQ(read_file(told), std::filesystem::canonical(folder.path() / "console").string() + "\n");
+}
+
+// As a browser ends the lines of such a field; a source text keeps its own.
+TEST_F(CommandTest, LinesOfTextsEndAsTheProtocolWantsThem) {
+  run({"init"});
+  run_do({"strings", "welcome=220-one\n220-two\r\n220 three", "updatedb"});
+  const auto page = run_do({"strings"});
+  EXPECT_EQ(page.at("controls").at("welcome").at("text").as_string(), "220-one\r\n220-two\r\n220 three");
+  const auto script = run_do({"ScriptEngine", "scriptsource=' a\n' b"});
+  EXPECT_EQ(script.at("controls").at("scriptsource").at("text").as_string(), "' a\n' b");
 }
 
 TEST_F(CommandTest, PeopleGetNothingThatTheirTerminalObeys) {

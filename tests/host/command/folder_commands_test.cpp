@@ -20,12 +20,28 @@ TEST_F(CommandTest, InitLaysTheFolderOutAndChangesNothingThatIsThere) {
   using std::filesystem::perms;
   EXPECT_EQ(std::filesystem::status(console).permissions(),
             perms::owner_all | perms::group_read | perms::group_exec);
-  run({"registry", "set", "HKLM\\SOFTWARE\\Mirvan\\ProductVersion", "REG_SZ", "9.9"});
+  run({"registry", "set", "HKLM\\SOFTWARE\\Mirvan\\dataprovider", "REG_SZ", "sqlite:other.db"});
   std::ofstream(console / "proxy.ini") << "product = Mirvan \n";
   EXPECT_EQ(run({"init"}), 0);
   EXPECT_EQ(read_file(console / "proxy.ini"), "product = Mirvan \n");
-  EXPECT_EQ(run({"registry", "get", "HKLM\\SOFTWARE\\Mirvan\\ProductVersion"}), 0);
-  EXPECT_EQ(out, "9.9\n");
+  EXPECT_EQ(run({"registry", "get", "HKLM\\SOFTWARE\\Mirvan\\dataprovider"}), 0);
+  EXPECT_EQ(out, "sqlite:other.db\n");
+}
+
+TEST_F(CommandTest, OpeningTheFolderOfAnotherVersionWritesThisOne) {
+  constexpr const char* path = "HKLM\\SOFTWARE\\Mirvan\\ProductVersion";
+  run({"init"});
+  run({"registry", "get", path});
+  const std::string current = out;
+  for (const std::vector<std::string>& opening : {std::vector<std::string>{"init"}, {"do", "general"}}) {
+    run({"registry", "set", path, "REG_SZ", "0.0.1"});
+    EXPECT_EQ(run(opening), 0) << err;
+    run({"registry", "get", path});
+    EXPECT_EQ(out, current) << opening.front();
+  }
+  run({"registry", "delete", path});  // no installer was there
+  run({"do", "general"});
+  EXPECT_EQ(run({"registry", "get", path}), failure);
 }
 
 TEST_F(CommandTest, InitTellsWhyItCannot) {
