@@ -8,6 +8,11 @@
 namespace zrl {
 
 void Page::initialise() {
+  // Lists are filled by the showing; on a page that was shown before they would be doubled.
+  for (Control* control : controls()) {
+    if (control->kind() == ControlKind::list_box) static_cast<ListBox*>(control)->clear();
+    if (control->kind() == ControlKind::combo_box) static_cast<ComboBox*>(control)->set_items({});
+  }
   run([this] { show(); });
 }
 

@@ -10,6 +10,7 @@
 #include "components/locale/locale.h"
 #include "pages/lists/transfer_dialog.h"
 #include "pages/tools/composer_dialog.h"
+#include "support/installed_console.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
 
@@ -62,6 +63,30 @@ TEST(Pages, AreListedByTheirOwnNameAndCaption) {
     const auto page = entry.make(console);
     EXPECT_EQ(page->name(), entry.name);
     EXPECT_EQ(page->caption(), entry.title);
+  }
+}
+
+// The host may show a page again instead of making a new one.
+TEST(Pages, ShownAgainHoldWhatTheyHeldBefore) {
+  test::InstalledConsole installed;
+  for (const PageEntry& entry : page_catalogue()) {
+    const auto page = entry.make(installed.console);
+    std::vector<std::vector<std::string>> showings;
+    for (int i = 0; i < 2; ++i) {
+      page->initialise();
+      std::vector<std::string>& lists = showings.emplace_back();
+      for (const Control* control : page->controls()) {
+        if (!control->has(Property::items)) continue;
+        const StringList& items = *std::get<const StringList*>(control->get(Property::items));
+        std::string text = control->name() + ":";
+        for (std::size_t item = 0; item < items.size(); ++item) text.append(" ").append(items[item]);
+        if (control->has(Property::text))
+          text += " = " + std::string(std::get<std::string_view>(control->get(Property::text)));
+        lists.push_back(text);
+      }
+      page->terminate();
+    }
+    EXPECT_EQ(showings[0], showings[1]) << entry.name;
   }
 }
 

@@ -90,10 +90,14 @@ void DomainPage::remove(const List& list) {
 
 void DomainPage::find_exchanger_address() {
   mxip.set_text("");
-  if (Text1.text().find('.') != std::string::npos) mxip.set_text(find_mail_exchanger(Text1.text()));
+  std::string asked;
+  if (Text1.text().find('.') != std::string::npos) {
+    asked = Text1.text();
+    mxip.set_text(find_mail_exchanger(asked));
+  }
   if (mxip.text().empty()) {
     Text1.set_text(last_two_labels(Text1.text()));
-    mxip.set_text(find_mail_exchanger(Text1.text()));
+    if (Text1.text() != asked) mxip.set_text(find_mail_exchanger(Text1.text()));
   }
   if (!mxip.text().empty()) mxip.set_text(address_of(mxip.text()));
 }
@@ -105,7 +109,7 @@ void DomainPage::find_exchanger_name() {
 
 void DomainPage::list_address(bool black) {
   if (!is_ip_address(mxip.text())) {
-    mxip.set_text(not_an_ip_number);
+    mxip.set_text(translate(not_an_ip_number));
   } else if (black) {
     add_to_blackhost(mxip.text());
   } else {

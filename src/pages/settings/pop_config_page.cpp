@@ -54,9 +54,13 @@ PopConfigPage::PopConfigPage(Console& console) : Page(console, "pop_config", "PO
 
 void PopConfigPage::load() {
   load_switch(enable_pop3);
+  load_interval();
+  fill_list();
+}
+
+void PopConfigPage::load_interval() {
   const auto interval = read_option("poptime");
   poptime.set_text(interval && !interval->empty() ? std::string_view(interval->text) : default_interval);
-  fill_list();
 }
 
 void PopConfigPage::fill_list() {
@@ -114,14 +118,29 @@ void PopConfigPage::save_account() {
   set_switch("subjectdelete", subjectdelete);
   if (!maxsize.text().empty()) set_number("maxsize", maxsize.text());
   set_switch("scan", scan);
-  set_text("submit", value(accepted_pickup(subm.text())));
-  set_text("forward", value(accepted_address(forward.text())));
-  set_text("spamforward", value(accepted_address(spamforward.text())));
-  set_text("badmail", value(accepted_badmail(badmail.text())));
+  const std::string_view pickup = accepted_pickup(subm.text());
+  const std::string_view recipient = accepted_address(forward.text());
+  const std::string_view spam_recipient = accepted_address(spamforward.text());
+  const std::string_view spam_folder = accepted_badmail(badmail.text());
+  set_text("submit", value(pickup));
+  set_text("forward", value(recipient));
+  set_text("spamforward", value(spam_recipient));
+  set_text("badmail", value(spam_folder));
   set_text("[password]", secret(password.text()));
   set_text("tag", value(tagging.checked() ? spam_tag : std::string_view()));
   store_directories();
+  show_accepted(subm, pickup, "a pick-up folder needs a colon");
+  show_accepted(forward, recipient, "an address needs an at sign");
+  show_accepted(spamforward, spam_recipient, "an address needs an at sign");
+  show_accepted(badmail, spam_folder, "a folder for spam begins with its drive or is on the network");
   fill_list();
+}
+
+// The field shows what was stored, and the record says why that is not what was typed.
+void PopConfigPage::show_accepted(TextField& field, std::string_view accepted, const std::string& rule) {
+  if (field.text() == accepted) return;
+  failed(Kind::option, field.name() + " " + field.text(), rule + ", so it is stored as empty");
+  field.set_text("");
 }
 
 // For an account that names no folder, the service uses the common ones: the mail server's own.
@@ -150,7 +169,7 @@ void PopConfigPage::empty_form() {
 }
 
 void PopConfigPage::store_interval() {
-  store_number<std::int16_t>("poptime", poptime.text());
+  if (!store_number<std::int16_t>("poptime", poptime.text())) load_interval();
 }
 
 }  // namespace zrl

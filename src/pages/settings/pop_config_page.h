@@ -74,11 +74,13 @@ class PopConfigPage : public Page {
 
  private:
   void load() override;
+  void load_interval();
   void fill_list();
 
   std::string account() const;
   void show_account();
   void save_account();
+  void show_accepted(TextField& field, std::string_view accepted, const std::string& rule);
   void store_directories();
   void delete_account();
   void start_account();

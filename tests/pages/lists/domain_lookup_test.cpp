@@ -46,6 +46,16 @@ TEST_F(DomainLookupTest, FindsTheAddressOfTheExchanger) {
   }
 }
 
+TEST_F(DomainLookupTest, AsksForEachNameOnce) {
+  DomainPage& page = installed.shown();
+  for (const char* name : {"missing.test", "www.absent.test", "onelabel"}) {
+    page.Text1.user_type(name);
+    page.findmx.user_click();
+  }
+  EXPECT_THAT(dns.server.queries(),
+              testing::ElementsAre("MX missing.test", "MX www.absent.test", "MX absent.test", "MX onelabel"));
+}
+
 TEST_F(DomainLookupTest, ShowsTheLastExchangerOrLeavesTheField) {
   DomainPage& page = installed.shown();
   page.Text1.user_type("example.com");

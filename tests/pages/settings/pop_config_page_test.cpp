@@ -153,6 +153,25 @@ TEST_F(PopConfigPageTest, WhatCannotBeUsedIsStoredAsEmpty) {
   EXPECT_THAT(activity(), Contains(StartsWith("failed: UPDATE pop3 set maxsize=0 or 1=1 where")));
 }
 
+TEST_F(PopConfigPageTest, WhatIsRefusedLeavesItsFieldAndIsRecorded) {
+  PopConfigPage& page = shown_with_account();
+  page.forward.user_type("me@home.example");
+  page.spamforward.user_type("nobody");
+  page.subm.user_type("/var/pickup");
+  page.badmail.user_type("spam");
+  page.addmod.user_click();
+  EXPECT_EQ(page.forward.text(), "me@home.example");
+  EXPECT_EQ(page.spamforward.text() + page.subm.text() + page.badmail.text(), "");
+  EXPECT_THAT(activity(), testing::IsSupersetOf({"failed: subm /var/pickup", "failed: spamforward nobody",
+                                                 "failed: badmail spam"}));
+  EXPECT_THAT(activity(), Not(Contains(StartsWith("failed: forward"))));
+
+  set_option("poptime", 15);
+  page.poptime.user_type("often");
+  page.setpoptime.user_click();
+  EXPECT_EQ(page.poptime.text(), "15");
+}
+
 TEST_F(PopConfigPageTest, AnotherAccountsFormIsNeverLeftBehind) {
   execute("INSERT INTO pop3 (entry,password,maxsize,tag,scan) VALUES ('a,b,c.example','first',7,'x',1)");
   execute(insert_into("pop3", "entry", "bare"));
