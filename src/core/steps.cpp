@@ -20,7 +20,9 @@ bool Steps::raise_flag(std::string_view flag) const {
 }
 
 void Steps::show_error(std::string_view text, std::string_view title) const {
-  console_.host().message_box({std::string(title), std::string(text), BoxStyle::critical});
+  Localisation& localisation = console_.localisation();
+  console_.host().message_box(
+      {localisation.translate(title), localisation.translate(text), BoxStyle::critical});
 }
 
 Outcome Steps::on_component(Step step, std::string_view text, bool present, std::string_view what,

@@ -61,8 +61,12 @@ TEST_F(PageTest, TranslationDropsTheTranslatorAfterEveryControlAndGoesOnePastThe
   EXPECT_EQ(page.Label2.caption(), "");
   EXPECT_EQ(page.List1.tool_tip(), "A TIP");
   EXPECT_EQ(page.Check1.tool_tip(), "ANOTHER TIP");
-  EXPECT_THAT(log.translated, testing::ElementsAre("english", "a tip", "Check", "another tip", "Delete"));
-  EXPECT_EQ(log.created, 4);  // one for each control with something to translate
+  EXPECT_THAT(log.translated,
+              testing::ElementsAre("english", "a tip", "Check", "another tip", "Delete",
+                                   "No Database Connection Possible",
+                                   testing::StartsWith("Connection to database could not be etablished: ")));
+  EXPECT_EQ(log.created, 5);  // one for each control with something to translate, and one for the box
+  EXPECT_EQ(host.boxes.at(0).title, "NO DATABASE CONNECTION POSSIBLE");
 }
 
 TEST_F(PageTest, AButtonIsUsableAgainWhateverItsActionRaises) {

@@ -56,7 +56,7 @@ void IpPage::change(bool (DatabaseClient::*operation)(std::string_view)) {
   if (is_ip_address(ip.text())) {
     (this->*operation)(ip.text());
   } else {
-    ip.set_text(not_an_ip_number);
+    ip.set_text(translate(not_an_ip_number));
   }
   fill_lists();
 }

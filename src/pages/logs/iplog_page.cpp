@@ -78,7 +78,7 @@ void IplogPage::change_status(IpStatus status) {
     set_status("iplog", status, IPNumber.text());
     set_status("predatalog", status, IPNumber.text());
   } else if (!IPNumber.text().empty()) {
-    IPNumber.set_text(not_an_ip_number);
+    IPNumber.set_text(translate(not_an_ip_number));
   }
   refresh_log();
 }

@@ -224,7 +224,8 @@ void MonitorPage::delete_mail() {
   empty_fields();
   const Outcome deleted =
       delete_row("delete from marchive ID " + key, "SELECT * FROM marchive where ID=" + number(key));
-  if (!deleted) console().host().message_box({"Database Problem", deleted.problem, BoxStyle::plain});
+  if (!deleted)
+    console().host().message_box({translate("Database Problem"), deleted.problem, BoxStyle::plain});
   refresh();
   show_position();
 }
@@ -255,7 +256,8 @@ void MonitorPage::export_mail(RecordSet& record) {
     record.update();
   });
   console().host().offer_file(to_file_path(path));
-  console().host().message_box({"Email Export", "Your Email got exported to " + path, BoxStyle::plain});
+  console().host().message_box(
+      {translate("Email Export"), translate("Your Email got exported to ") + path, BoxStyle::plain});
 }
 
 // Parses the stored source, because the field on the page holds valid UTF-8 only.
