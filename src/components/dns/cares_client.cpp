@@ -115,12 +115,11 @@ class CaresClient : public DnsClient {
 
   CaresLookups start() const { return {console_, time_of_check}; }
 
-  // The target of a redirect in the record `from`, which is empty if the record's origin is unknown.
+  // The target of a redirect in the record `from`, which is empty if the record's origin is unknown. Sender
+  // and greeting are the client's.
   static std::string target_of(const MacroString& redirect, const Fetched& from) {
     return redirect.expand_to_name([&](char letter) -> std::string {
-      if (letter == 'l') return "postmaster";
-      if (letter == 's' && !from.domain.empty()) return "postmaster@" + from.domain;
-      if ((letter == 'o' || letter == 'h') && !from.domain.empty()) return from.domain;
+      if (letter == 'o' && !from.domain.empty()) return from.domain;
       if (letter == 'd' && !from.place.empty()) return from.place;
       refuse("where redirect=" + redirect.text() + " leads depends on the client");
     });

@@ -109,7 +109,11 @@ TEST_F(SenderCheckTest, RemembersWhereARedirectLed) {
   EXPECT_THAT(spf("192.0.2.1", "example.com", "v=spf1 a ~all"), StartsWith("softfail"));
 
   EXPECT_THAT(redirect("v=spf1 redirect=_spf.%{d}"), StartsWith("failed: where redirect=_spf.%{d} leads"));
-  EXPECT_THAT(redirect("v=spf1 redirect=%{i}.example.com"), StartsWith("failed: where redirect="));
+  for (const std::string letter : {"i", "l", "s", "h", "p"}) {
+    const std::string domain = letter + ".example.com";
+    server.add(domain + " TXT v=spf1 redirect=%{" + letter + "}.example.com");
+    EXPECT_THAT(redirect(client->get_spf_records(domain)), StartsWith("failed: where redirect=")) << letter;
+  }
   EXPECT_EQ(redirect("v=spf1 redirect=_spf.example.com"), "v=spf1 a -all");
   EXPECT_EQ(redirect("v=spf1 redirect=none.example.com"), "failed: none.example.com has no SPF record");
   for (const char* record :
