@@ -5,6 +5,7 @@
 #include "core/contracts/database.h"
 #include "core/text/error.h"
 #include "core/text/files.h"
+#include "host/secrets_folder.h"
 #include "host/version.h"
 
 namespace zrl {
@@ -28,6 +29,8 @@ class LayOut {
       fs::permissions(console_.folder(),
                       fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec);
     }
+    // Whoever only shares the folder leaves its permissions to its owner.
+    if (is_our_folder(console_.folder())) secure_folder(console_.folder());
     for (const char* name : {"lists", "download", "archive", "scripts"})
       make_folder(console_.folder() / name);
     make_ini();

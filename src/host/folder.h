@@ -12,10 +12,11 @@ namespace zrl {
 // $XDG_DATA_HOME/zrlconsole, else ~/.local/share/zrlconsole. It need not exist yet.
 std::filesystem::path default_folder();
 
-// Does what an installer does: makes the folder with its sub-folders, "proxy.ini", the registry
-// values `ProductVersion` and `dataprovider`, and the embedded database with its tables. What exists already
-// stays as it is, except for a `ProductVersion` of another version. Returns one line for each thing that was
-// made. Raises zrl::Error or std::filesystem::filesystem_error; what was made until then stays.
+// Does what an installer does: makes the folder with its sub-folders, "proxy.ini", the registry values
+// `ProductVersion` and `dataprovider`, and the embedded database with its tables. What exists already stays
+// as it is, except for a `ProductVersion` of another version, and that a folder of our own account is made
+// safe (secure_folder). Returns one line for each thing that was made. Raises zrl::Error,
+// std::filesystem::filesystem_error or what secure_folder() does; what was made until then stays.
 std::vector<std::string> lay_out_folder(Console& console);
 
 // To be called when a folder that is there already is opened: after an upgrade, writes the version of this
