@@ -10,7 +10,8 @@ import { startRouter } from './shell/router'
 import { Shell } from './shell/shell'
 import { followUse, ToastsView } from './shell/toasts-view'
 import { Door } from './sign-in/sign-in'
-import { begin, screen } from './state/app-state'
+import { begin, connection, screen } from './state/app-state'
+import { watchPresence } from './wire/presence'
 import './styles/base.css'
 import './styles/controls.css'
 import './styles/lists.css'
@@ -38,6 +39,7 @@ function App() {
 
 followTheme()
 followPointer()
+watchPresence(window, () => connection.send({ type: 'active' }))
 followUse()
 catchStrayFiles()
 listenForEscape()

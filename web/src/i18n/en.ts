@@ -71,6 +71,8 @@ const uploadProblems: Record<UploadFailureCode | 'unreachable', string> = {
   no_form: 'The dialog is no longer open.',
   refused: 'This list takes no file right now.',
   busy: 'The console is busy. Try again in a moment.',
+  no_room: 'There is no room for more files. Those that were sent are removed after a week.',
+  no_audit: 'The audit log cannot be written, so nothing can be changed.',
   unreachable: 'The console could not be reached.',
 }
 
@@ -78,7 +80,8 @@ const failures: Record<FailureCode, string> = {
   bad_request: 'The console did not understand the request. Reload the page and try again.',
   wrong_secret: 'This is not the set-up secret. It was printed when the console was started.',
   wrong_password: 'The account or the password is wrong.',
-  weak_password: 'The password needs at least 10 characters.',
+  weak_password: 'The password needs at least 12 characters.',
+  common_password: 'This is one of the passwords that are guessed first, or made of the account’s name. Choose another one.',
   already_set_up: 'The console has been set up already. Sign in instead.',
   too_many_tries: 'There were too many tries.',
   too_many_sessions: 'Too many people are signed in at the moment. Try again later.',
@@ -94,6 +97,8 @@ const refusals: Record<Refusal['code'], string> = {
   malformed: 'The console did not understand the last step',
   unknown_page: 'There is no such page',
   busy: 'Another action is still running',
+  no_audit: 'The audit log cannot be written, so nothing can be changed',
+  not_recorded: 'The audit log cannot be written: what was done is not recorded',
   not_connected: 'Not connected: nothing was sent',
   too_long: 'The text is too long and was not sent (the limit is 1 MB)',
 }
@@ -126,7 +131,7 @@ export const en = {
   secretHelp: 'It was printed in the terminal when the console was started.',
   accountHelp: 'You sign in with this name.',
   newPassword: 'New password',
-  passwordHelp: 'At least 10 characters. A few words that only you know make a good one.',
+  passwordHelp: 'At least 12 characters. A few words that only you know make a good one.',
   repeatPassword: 'Repeat the new password',
   oldPassword: 'Current password',
   changePassword: 'Change password',

@@ -6,7 +6,7 @@ import { Icon, Spinner } from '../parts/icon'
 import { RequestFailed } from '../wire/api'
 import type { Failure } from '../wire/protocol'
 
-const shortestPassword = 10
+const shortestPassword = 12
 
 interface InputProps {
   label: string

@@ -15,6 +15,7 @@ export type FailureCode =
   | 'wrong_secret'
   | 'wrong_password'
   | 'weak_password'
+  | 'common_password'
   | 'already_set_up'
   | 'too_many_tries'
   | 'too_many_sessions'
@@ -24,7 +25,7 @@ export type FailureCode =
   | UploadFailureCode
 
 /** What only an upload is answered. */
-export type UploadFailureCode = 'no_form' | 'refused' | 'busy' | 'too_big'
+export type UploadFailureCode = 'no_form' | 'refused' | 'busy' | 'too_big' | 'no_room' | 'no_audit'
 
 export interface Failure {
   error: FailureCode
@@ -229,7 +230,7 @@ export interface OfferedFile {
   size: number
 }
 
-export type ErrorCode = 'refused' | 'no_form' | 'malformed' | 'unknown_page' | 'busy'
+export type ErrorCode = 'refused' | 'no_form' | 'malformed' | 'unknown_page' | 'busy' | 'no_audit' | 'not_recorded'
 
 export type ServerMessage =
   | Hello
@@ -274,6 +275,8 @@ export type PlainMessage =
   | { type: 'rows'; form: string; control: string; request: number; start: number; count: number; filter: string }
   | { type: 'record'; request: number; start: number; count: number }
   | { type: 'captions' }
+  /** Somebody is there, though nothing else says so. */
+  | { type: 'active' }
   | TerminalAct
 
 export const closeCodes = { tooBig: 1009, rulesBroken: 1008, replaced: 4001, ended: 4002 } as const
