@@ -39,7 +39,7 @@ _zrlconsole() {
   if [[ $current == -* ]]; then
     case $command in
       init) _zrlconsole_words '--sample --help' ;;
-      serve) _zrlconsole_words '--listen --certificate --key --host --help' ;;
+      serve) _zrlconsole_words '--listen --certificate --key --host --require-audit --allow-root --help' ;;
       pages) _zrlconsole_words '--json --help' ;;
       do) _zrlconsole_words '--json --start-programs --help' ;;
       script) _zrlconsole_words '--check --call --help' ;;

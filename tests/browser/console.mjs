@@ -40,7 +40,8 @@ export class Console {
 
   async serve(port = 0) {
     const env = { ...process.env, PATH: `${this.programs}:${process.env.PATH}` }
-    this.process = spawn(program, ['--folder', this.folder, 'serve', '--listen', `127.0.0.1:${port}`], { env })
+    const options = ['--listen', `127.0.0.1:${port}`, ...(process.getuid() === 0 ? ['--allow-root'] : [])]
+    this.process = spawn(program, ['--folder', this.folder, 'serve', ...options], { env })
     this.output = ''
     this.errors = ''
     this.process.stderr.on('data', data => (this.errors += data))

@@ -39,7 +39,7 @@ test('a password is neither shown nor kept in the records', async () => {
   const record = page.getByRole('listbox', { name: 'Activity' })
   await record.getByText("UPDATE pop3 set [password]='********' where").waitFor()
   assert.ok(!(await page.locator('body').innerText()).includes('pa55word'))
-  const log = readFileSync(join(console.folder, 'audit.log'), 'utf8')
+  const log = readFileSync(join(console.folder, 'secrets/audit.log'), 'utf8')
   assert.match(log, /set \[password\]='\*{8}' where entry='me,pop\.example'\n/)
   assert.ok(!log.includes('pa55word'))
 })

@@ -6,8 +6,8 @@ import { test } from 'node:test'
 import { openPage, picture, withConsole } from './console.mjs'
 
 // Greets, echoes, obeys a few words; and tries what a terminal must not do for a stranger.
-const telnet = `
-echo $$ > "$HOME/telnet.pid"
+const talk = `
+echo $$ > "$HOME/talk.pid"
 printf 'Trying %s...\\r\\nConnected on %s\\r\\n' "$1" "$2"
 printf '\\033[31mred\\033[0m \\033[38;2;200;90;0mtrue colour\\033[0m \\033[1mbold\\033[0m\\r\\n'
 printf '\\033]0;stolen title\\007\\033]52;c;c3RvbGVu\\007\\033]8;;http://198.51.100.1/\\007a link\\033]8;;\\007 \\033[21t\\r\\n'
@@ -28,7 +28,7 @@ const until = async condition => {
   assert.ok(condition())
 }
 const isRunning = pid => existsSync(`/proc/${pid}`) && !/^\S+ \(.*\) Z/.test(readFileSync(`/proc/${pid}/stat`, 'utf8'))
-const startedPid = () => Number(readFileSync(join(console.programs, 'telnet.pid'), 'utf8'))
+const startedPid = () => Number(readFileSync(join(console.programs, 'talk.pid'), 'utf8'))
 const type = async text => {
   await page.keyboard.type(text)
   await page.keyboard.press('Enter')
@@ -42,7 +42,7 @@ const startProgram = async () => {
   await rows().getByText('Connected on 25').waitFor()
 }
 
-const programs = { telnet: telnet.replace('$HOME', '$(dirname "$0")') }
+const programs = { talk: talk.replace('$HOME', '$(dirname "$0")') }
 const context = { permissions: ['clipboard-read', 'clipboard-write'] }
 withConsole({ programs, context }, async started => {
   ;({ console, page } = started)
@@ -52,7 +52,7 @@ withConsole({ programs, context }, async started => {
 test('a program opens a terminal in which one types, and tells its end', async () => {
   assert.equal(await page.evaluate(() => performance.getEntriesByType('resource').some(entry => entry.name.includes('/screen-'))), false)
   await startProgram()
-  await page.getByRole('tab', { name: 'telnet.exe 192.0.2.1 25' }).waitFor()
+  await page.getByRole('tab', { name: 'talk.exe 192.0.2.1 25' }).waitFor()
   await type('EHLO here')
   await rows().getByText('250 EHLO here').waitFor()
   await picture(page, 'terminal')
@@ -97,7 +97,7 @@ test('a program without end neither stops the browser nor the console, and closi
   await page.getByRole('textbox', { name: 'Entry' }).fill('still here')
   await page.getByText('You typed: still here').waitFor()
   assert.ok(isRunning(pid))
-  for (let open = 2; open > 0; --open) await page.getByRole('button', { name: 'Close telnet.exe' }).click()
+  for (let open = 2; open > 0; --open) await page.getByRole('button', { name: 'Close talk.exe' }).click()
   await page.locator('.terminal-panel').waitFor({ state: 'detached' })
   await until(() => !isRunning(pid))
 })
@@ -152,8 +152,8 @@ test('a file is sent into a file list and chosen there', async () => {
   assert.ok(!existsSync(join(console.folder, 'upload/beside.txt')))
   assert.match(await source.inputValue(), /dropped\.txt$/)
   await dialog.getByRole('button', { name: 'Cancel' }).click()
-  const log = readFileSync(join(console.folder, 'audit.log'), 'utf8')
+  const log = readFileSync(join(console.folder, 'secrets/audit.log'), 'utf8')
   assert.match(log, /\tupload\tok\thosts \(2\)\.txt \(4 bytes\)\n/)
   assert.match(log, /\tdownload\tok\t/)
-  assert.match(log, /\tcomponent\tok\tstart telnet\n/)
+  assert.match(log, /\tcomponent\tok\tstart talk\n/)
 })

@@ -16,6 +16,7 @@ class NoOutput : public zrl::web::SessionOutput {
  public:
   void send(std::uint64_t, std::string) override {}
   void violated(std::uint64_t) override {}
+  void person_acted() override {}
   void action_began() override {}
   void action_ended() override {}
   void progress(std::string, std::uint64_t, std::uint64_t) override {}
@@ -29,8 +30,11 @@ constexpr zrl::PageEntry pages[] = {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using zrl::web::Incoming;
-  const zrl::web::ConsoleSettings settings{
-      std::filesystem::temp_directory_path() / "fuzz-messages-nowhere", pages, {}, size % 2 == 0};
+  const zrl::web::ConsoleSettings settings{std::filesystem::temp_directory_path() / "fuzz-messages-nowhere",
+                                           pages,
+                                           {},
+                                           std::make_shared<zrl::web::AuditFile>("/nowhere/audit.log"),
+                                           size % 2 == 0};
   zrl::web::Inbox inbox([] {});
   zrl::web::OfferedFiles offered;
   NoOutput output;

@@ -60,8 +60,8 @@ AllControlsPage::AllControlsPage(Console& console) : Page(console, "allcontrols"
   work.on_click = [this] { work_long(); };
   wrong.on_click = [this] { execute("DELETE * FROM nowhere"); };
   program.on_click = [this] {
-    component_step("start telnet",
-                   [this] { this->console().host().start_program({"telnet.exe", {"192.0.2.1", "25"}, ""}); });
+    component_step("start talk",
+                   [this] { this->console().host().start_program({"talk.exe", {"192.0.2.1", "25"}, ""}); });
   };
   offer.on_click = [this] { offer_file(); };
   Timer1.on_tick = [this] { ticks.set_caption(std::to_string(++tick_count_) + " ticks"); };

@@ -143,13 +143,13 @@ std::uint16_t free_port() {
   return port;
 }
 
-TlsFiles make_certificate(const std::filesystem::path& folder, const std::string& name) {
+TlsFiles make_certificate(const std::filesystem::path& folder, const std::string& name, long lasts) {
   const std::unique_ptr<EVP_PKEY, Release<EVP_PKEY_free>> pair(EVP_EC_gen("P-256"));
   const std::unique_ptr<X509, Release<X509_free>> made(X509_new());
   X509_set_version(made.get(), X509_VERSION_3);
   ASN1_INTEGER_set(X509_get_serialNumber(made.get()), 1);
   X509_gmtime_adj(X509_getm_notBefore(made.get()), -3600);
-  X509_gmtime_adj(X509_getm_notAfter(made.get()), 3600);
+  X509_gmtime_adj(X509_getm_notAfter(made.get()), lasts);
   X509_set_pubkey(made.get(), pair.get());
   X509_NAME* subject = X509_get_subject_name(made.get());
   X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("test"), -1,

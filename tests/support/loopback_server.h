@@ -88,7 +88,8 @@ class LoopbackServer {
 // A port of 127.0.0.1 that nobody listened on a moment ago.
 std::uint16_t free_port();
 
-// A certificate for this name ("IP:127.0.0.1", "DNS:localhost") that signs itself, and its key.
-TlsFiles make_certificate(const std::filesystem::path& folder, const std::string& name);
+// A certificate for this name ("IP:127.0.0.1", "DNS:localhost") that signs itself, and its key. It expires
+// after so many seconds.
+TlsFiles make_certificate(const std::filesystem::path& folder, const std::string& name, long lasts = 3600);
 
 }  // namespace zrl::test

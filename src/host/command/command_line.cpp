@@ -95,6 +95,11 @@ struct Parser {
         ->type_name("NAME")
         ->expected(1)
         ->take_all();
+    serve->add_flag(
+        "--require-audit", arguments.serve.audit_required,
+        "Refuse actions while the audit log cannot be written; else only tell that they are lost");
+    serve->add_flag("--allow-root", arguments.serve.allow_root,
+                    "Run even as root, as in a container that has no other account");
 
     pages = app.add_subcommand("pages", "List the pages: name, group, title");
     pages->add_flag("--json", arguments.json, "Print JSON");

@@ -17,6 +17,8 @@ struct ServeOptions {
   std::string listen = "127.0.0.1:8025";  // ADDRESS:PORT
   std::string certificate;                // PEM files; TLS if both are given
   std::string key;
+  bool allow_root = false;
+  bool audit_required = false;     // actions are refused while the audit log cannot be written
   std::vector<std::string> hosts;  // names under which browsers may reach the host besides its address
 };
 

@@ -2,7 +2,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <stdexcept>
+#include <string>
 #include <thread>
+
+#include <unistd.h>
 
 #include "host/command/command_line.h"
 #include "host/command/step_runner.h"
@@ -25,12 +29,25 @@ void prepare(const std::filesystem::path& folder) {
   }
 }
 
+// The browser's programs and the pages' scripts are to be as weak as they can be.
+void refuse_root(const ServeOptions& options) {
+  if (::geteuid() != 0 || options.allow_root) return;
+  throw std::runtime_error(
+      "serve does not run as root, because whoever signs in works under its account: start it under an "
+      "account of its own, or with --allow-root");
+}
+
+void tell_operator(std::string_view line) {
+  std::cerr << "zrlconsole: " + std::string(line) + "\n" << std::flush;
+}
+
 // Signals are taken by a thread that waits for them; all others have them blocked.
-sigset_t block_stop_signals() {
+sigset_t block_signals() {
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGTERM);
+  sigaddset(&signals, SIGHUP);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   // The ends of the programs that pages start are waited for.
   std::signal(SIGCHLD, SIG_DFL);
@@ -50,8 +67,9 @@ void announce(web::WebHost& host) {
 }  // namespace
 
 int serve(const ServeOptions& options, std::span<const PageEntry> pages) {
+  refuse_root(options);
   prepare(options.folder);
-  const sigset_t signals = block_stop_signals();
+  const sigset_t signals = block_signals();
   web::WebHostOptions host_options;
   host_options.folder = options.folder;
   host_options.listen = options.listen;
@@ -60,14 +78,22 @@ int serve(const ServeOptions& options, std::span<const PageEntry> pages) {
   host_options.hosts = options.hosts;
   host_options.pages = pages;
   host_options.register_components = register_components;
+  host_options.audit_required = options.audit_required;
+  host_options.tell = tell_operator;
   web::WebHost host(std::move(host_options));
+  for (const std::string& warning : host.warnings()) tell_operator(warning);
   announce(host);
   // Stopping waits for actions that are under way; a second signal does not.
   std::thread([&host, signals] {
-    int signal = 0;
-    sigwait(&signals, &signal);
+    const auto wait_for_end = [&] {
+      for (int signal = SIGHUP; signal == SIGHUP;) {
+        sigwait(&signals, &signal);
+        if (signal == SIGHUP) host.reload();
+      }
+    };
+    wait_for_end();
     host.stop();
-    sigwait(&signals, &signal);
+    wait_for_end();
     std::_Exit(failure);
   }).detach();
   host.run();

@@ -1,5 +1,6 @@
 #include "host/web/accounts.h"
 
+#include <algorithm>
 #include <array>
 #include <boost/json.hpp>
 #include <stdexcept>
@@ -9,7 +10,6 @@
 #include "core/text/files.h"
 #include "core/text/printable.h"
 #include "core/text/text.h"
-#include "core/text/utf8.h"
 
 namespace zrl::web {
 
@@ -19,8 +19,6 @@ namespace json = boost::json;
 namespace fs = std::filesystem;
 
 constexpr std::size_t hashing_threads = 2;
-constexpr std::size_t shortest_password = 10;  // characters
-constexpr std::size_t longest_password = 1024;
 constexpr std::size_t longest_name = 64;
 constexpr std::size_t longest_file = 16 << 20;
 constexpr std::size_t secret_letters = 20;
@@ -62,17 +60,18 @@ WorkerPool::~WorkerPool() {
   {
     const std::scoped_lock lock(mutex_);
     ending_ = true;
-    jobs_.clear();
+    for (auto& jobs : jobs_) jobs.clear();
   }
   arrived_.notify_all();
   for (std::thread& thread : threads_) thread.join();
 }
 
-bool WorkerPool::run(std::function<void()> job) {
+bool WorkerPool::run(Urgency urgency, std::function<void()> job) {
   {
     const std::scoped_lock lock(mutex_);
-    if (jobs_.size() >= max_waiting) return false;
-    jobs_.push_back(std::move(job));
+    auto& jobs = jobs_.at(static_cast<std::size_t>(urgency));
+    if (jobs.size() >= max_waiting) return false;
+    jobs.push_back(std::move(job));
   }
   arrived_.notify_one();
   return true;
@@ -83,10 +82,13 @@ void WorkerPool::work() {
     std::function<void()> job;
     {
       std::unique_lock lock(mutex_);
-      arrived_.wait(lock, [this] { return ending_ || !jobs_.empty(); });
+      const auto next = [this] {
+        return std::find_if(jobs_.begin(), jobs_.end(), [](const auto& jobs) { return !jobs.empty(); });
+      };
+      arrived_.wait(lock, [&] { return ending_ || next() != jobs_.end(); });
       if (ending_) return;
-      job = std::move(jobs_.front());
-      jobs_.pop_front();
+      job = std::move(next()->front());
+      next()->pop_front();
     }
     job();
   }
@@ -114,28 +116,25 @@ bool Accounts::is_acceptable_name(std::string_view account) {
          printable(account) == account;
 }
 
-bool Accounts::is_acceptable_password(std::string_view password) {
-  return character_count(password) >= shortest_password && password.size() <= longest_password;
-}
-
-bool Accounts::verify(const std::string& account, std::string password, std::function<void(bool)> done) {
+bool Accounts::verify(const std::string& account, std::string password, Urgency urgency,
+                      std::function<void(bool)> done) {
   const auto found = hashes_.find(account);
   std::string hash = found == hashes_.end() ? std::string() : found->second;
-  return workers_.run(
-      [this, hash = std::move(hash), password = std::move(password), done = std::move(done)]() mutable {
-        bool right = false;
-        try {
-          if (hash.empty()) {
-            (void)hash_of(password, cost_);  // an unknown account is not told by the time it takes
-          } else {
-            right = ::crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0;
-          }
-        } catch (const std::exception&) {
-          right = false;
-        }
-        forget(password);
-        loop_.post([right, done = std::move(done)] { done(right); });
-      });
+  return workers_.run(urgency, [this, hash = std::move(hash), password = std::move(password),
+                                done = std::move(done)]() mutable {
+    bool right = false;
+    try {
+      if (hash.empty()) {
+        (void)hash_of(password, cost_);  // an unknown account is not told by the time it takes
+      } else {
+        right = ::crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0;
+      }
+    } catch (const std::exception&) {
+      right = false;
+    }
+    forget(password);
+    loop_.post([right, done = std::move(done)] { done(right); });
+  });
 }
 
 bool Accounts::create_first(const std::string& account, std::string password,
@@ -154,23 +153,23 @@ bool Accounts::change(const std::string& account, std::string password, std::fun
 }
 
 bool Accounts::store(const std::string& account, std::string password, std::function<void(bool)> done) {
-  saving_ = workers_.run(
-      [this, account, hashes = hashes_, password = std::move(password), done = std::move(done)]() mutable {
-        bool saved = false;
-        try {
-          hashes.insert_or_assign(account, hash_of(password, cost_));
-          replace_file(file_, text_of(hashes), 0600);
-          saved = true;
-        } catch (const std::exception&) {
-          saved = false;
-        }
-        forget(password);
-        loop_.post([this, saved, hashes = std::move(hashes), done = std::move(done)]() mutable {
-          saving_ = false;
-          if (saved) hashes_ = std::move(hashes);
-          done(saved);
-        });
-      });
+  saving_ = workers_.run(Urgency::known, [this, account, hashes = hashes_, password = std::move(password),
+                                          done = std::move(done)]() mutable {
+    bool saved = false;
+    try {
+      hashes.insert_or_assign(account, hash_of(password, cost_));
+      replace_file(file_, text_of(hashes), 0600);
+      saved = true;
+    } catch (const std::exception&) {
+      saved = false;
+    }
+    forget(password);
+    loop_.post([this, saved, hashes = std::move(hashes), done = std::move(done)]() mutable {
+      saving_ = false;
+      if (saved) hashes_ = std::move(hashes);
+      done(saved);
+    });
+  });
   return saving_;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <filesystem>
 #include <functional>
@@ -25,8 +27,10 @@ class WorkerPool {
   WorkerPool& operator=(const WorkerPool&) = delete;
   ~WorkerPool();
 
-  // False if too many jobs wait.
-  bool run(std::function<void()> job);
+  enum class Urgency : std::uint8_t { known, stranger };
+
+  // False if too many jobs of this urgency wait. All of the known are done before those of strangers.
+  bool run(Urgency urgency, std::function<void()> job);
 
  private:
   void work();
@@ -35,7 +39,7 @@ class WorkerPool {
 
   std::mutex mutex_;
   std::condition_variable arrived_;
-  std::deque<std::function<void()>> jobs_;
+  std::array<std::deque<std::function<void()>>, 2> jobs_;  // by urgency
   std::vector<std::thread> threads_;
   bool ending_ = false;
 };
@@ -57,11 +61,14 @@ class Accounts {
   bool empty() const { return hashes_.empty(); }
 
   static bool is_acceptable_name(std::string_view account);
-  static bool is_acceptable_password(std::string_view password);
+
+  // Whether the client has proven that it signed in before.
+  using Urgency = WorkerPool::Urgency;
 
   // `done` is called on the I/O thread, later. False, and `done` is never called, if too many requests wait.
   // An unknown account takes as long as a wrong password.
-  bool verify(const std::string& account, std::string password, std::function<void(bool)> done);
+  bool verify(const std::string& account, std::string password, Urgency urgency,
+              std::function<void(bool)> done);
 
   enum class Creation { created, exists_already, not_saved };
   // Makes the first account; `done` is called on the I/O thread. False as with verify().

@@ -10,6 +10,8 @@
 
 #include "host/web/accounts.h"
 #include "host/web/assets.h"
+#include "host/web/counted_notes.h"
+#include "host/web/device_cookies.h"
 #include "host/web/login_throttle.h"
 #include "host/web/origin_check.h"
 #include "host/web/session_console.h"
@@ -44,7 +46,7 @@ class Application : public HttpHandler {
   std::variant<Response, std::shared_ptr<ChannelListener>> upgrade(const Request& request) override;
 
   // Ends all sessions; `done` is called when their threads have ended.
-  void stop(std::function<void()> done) { sessions_.stop(std::move(done)); }
+  void stop(std::function<void()> done);
 
  private:
   Response answer_get(const Request& request);
@@ -57,14 +59,24 @@ class Application : public HttpHandler {
   Response sign_in(const Request& request, const std::string& account);
   void note(const std::string& account, std::string_view what, const Request& request,
             std::string_view error = {}) const;
-  // The answer to a client that has tried to sign in too often; nothing for others.
-  std::optional<Response> throttled(const Request& request);
+  void note_strangers(std::string_view what, std::string_view where, std::string_view why,
+                      std::uint64_t times) const;
+  // Notes a request that is not ours.
+  bool is_ours(const Request& request);
+  LoginThrottle::Try try_of(const Request& request, const std::string& account) const;
+  // The answer to a client that has tried too often; nothing for others, whose try is counted.
+  std::optional<Response> throttled(const LoginThrottle::Try& attempt, std::string_view what);
+  // The answer while nothing may be done because it could not be recorded; nothing otherwise.
+  std::optional<Response> unrecorded() const;
+  std::string device_cookie(const Request& request, const std::string& account) const;
 
   ApplicationSettings settings_;
   OriginCheck origin_check_;
   Accounts accounts_;
   SetupSecret secret_;
   LoginThrottle throttle_;
+  DeviceCookies devices_;
+  CountedNotes strangers_;
   SessionTable sessions_;
 };
 

@@ -3,10 +3,6 @@
 #include <array>
 #include <ctime>
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include "core/text/files.h"
 #include "core/text/printable.h"
 #include "core/text/utf8.h"
 
@@ -17,20 +13,20 @@ namespace {
 constexpr std::size_t longest_text = 64 << 10;
 constexpr std::size_t block = 256 << 10;
 
-std::string time_text(std::int64_t seconds) {
-  const auto time = static_cast<std::time_t>(seconds);
-  std::tm parts{};
-  ::gmtime_r(&time, &parts);
-  std::array<char, 32> text{};
-  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts)};
-}
-
 std::string field(std::string_view text) {
   const bool cut = text.size() > longest_text;
   return printable(beginning_of(text, longest_text)) + (cut ? " [cut]" : "");
 }
 
 }  // namespace
+
+std::string audit_time_text(std::int64_t seconds_since_1970) {
+  const auto time = static_cast<std::time_t>(seconds_since_1970);
+  std::tm parts{};
+  ::gmtime_r(&time, &parts);
+  std::array<char, 32> text{};
+  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts)};
+}
 
 std::uint64_t AuditLog::append(const ActivityRecord& record, std::uint64_t from, std::string_view page) {
   std::string lines;
@@ -65,18 +61,7 @@ void AuditLog::note(std::string_view page, std::string_view kind, std::string_vi
 }
 
 std::string AuditLog::begin_line(std::int64_t time, std::string_view page) const {
-  return time_text(time) + "\t" + field(account_) + "\t" + field(page) + "\t";
-}
-
-// Opened each time, so that the file may be moved away at any time.
-void AuditLog::write(std::string_view lines) {
-  const int file = ::open(file_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-  if (file < 0) return;
-  std::string rest(line_is_torn_ ? "\n" : "");
-  rest += lines;
-  const std::size_t done = write_all(file, rest);
-  if (done > 0) line_is_torn_ = rest[done - 1] != '\n';
-  ::close(file);
+  return audit_time_text(time) + "\t" + field(account_) + "\t" + field(page) + "\t";
 }
 
 }  // namespace zrl::web

@@ -1,20 +1,26 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/activity.h"
+#include "host/web/audit_file.h"
 
 namespace zrl::web {
 
+// UTC, as 2026-01-31T12:00:00Z.
+std::string audit_time_text(std::int64_t seconds_since_1970);
+
 // Appends to a file what was written, by which account and on which page: one line an entry (UTF-8), its
-// fields separated by tabs, control characters escaped, so that no text can forge a line. Several sessions
-// and processes may append to the same file. A file that cannot be written stops no action.
+// fields separated by tabs, control characters escaped, so that no text can forge a line. On one thread;
+// others may append to the same file. A file that cannot be written stops no action by itself (see
+// AuditFile).
 class AuditLog {
  public:
-  AuditLog(std::filesystem::path file, std::string account)
+  AuditLog(std::shared_ptr<AuditFile> file, std::string account)
       : file_(std::move(file)), account_(std::move(account)) {}
 
   // Appends the entries of the record from number `from` on that are writes, whether they worked
@@ -24,13 +30,17 @@ class AuditLog {
   // Appends a line about something else that was done. `error` is empty if it worked.
   void note(std::string_view page, std::string_view kind, std::string_view text, std::string_view error = {});
 
+  // Whether lines have been lost since the last call.
+  bool take_lost() { return std::exchange(lost_, false); }
+  AuditFile& file() const { return *file_; }
+
  private:
   std::string begin_line(std::int64_t time, std::string_view page) const;
-  void write(std::string_view lines);
+  void write(std::string_view lines) { lost_ = !file_->append(lines) || lost_; }
 
-  std::filesystem::path file_;
-  std::string account_;
-  bool line_is_torn_ = false;  // the disk was full in the middle of a line
+  const std::shared_ptr<AuditFile> file_;
+  const std::string account_;
+  bool lost_ = false;
 };
 
 }  // namespace zrl::web

@@ -16,6 +16,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "host/web/security_headers.h"
 #include "host/web/web_socket_channel.h"
 
 namespace zrl::web {
@@ -31,19 +32,14 @@ using asio::use_awaitable;
 using boost::system::error_code;
 using std::chrono::milliseconds;
 
+using Use = ConnectionSlots::Use;
 using PieceParser = http::request_parser<http::buffer_body>;
 
 constexpr std::size_t piece_bytes = 64 << 10;
 
-constexpr std::pair<std::string_view, std::string_view> security_headers[] = {
-    {"Content-Security-Policy",
-     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; font-src 'self'; "
-     "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
-    {"X-Content-Type-Options", "nosniff"},
-    {"Referrer-Policy", "no-referrer"},
-    {"Cross-Origin-Opener-Policy", "same-origin"},
-    {"Cross-Origin-Resource-Policy", "same-origin"},
-};
+// Below these no time-out is shortened.
+constexpr milliseconds least_request{2000};
+constexpr milliseconds least_write{5000};
 
 beast::string_view as_beast(std::string_view text) {
   return {text.data(), text.size()};
@@ -57,7 +53,8 @@ Request to_request(const RequestHead& head, std::string remote_address, bool ove
   const RequestHead::value_type& message = head.get();
   const auto field = [&](http::field name) { return as_string(message[name]); };
   Request request;
-  request.method = as_string(message.method_string());
+  request.head_only = message.method() == http::verb::head;
+  request.method = request.head_only ? "GET" : as_string(message.method_string());
   request.path = as_string(message.target());
   request.path.resize(std::min(request.path.find('?'), request.path.size()));
   request.host = field(http::field::host);
@@ -70,6 +67,16 @@ Request to_request(const RequestHead& head, std::string remote_address, bool ove
   request.remote_address = std::move(remote_address);
   request.over_tls = over_tls;
   return request;
+}
+
+// The status for a request whose end or receiver could be understood in more than one way (RFC 9112), or 0.
+int ambiguity_of(const RequestHead::value_type& message) {
+  if (message.count(http::field::host) > 1) return 400;
+  const auto codings = message.count(http::field::transfer_encoding);
+  if (codings == 0) return 0;
+  if (message.version() < 11) return 400;
+  const bool is_chunked = beast::iequals(message[http::field::transfer_encoding], "chunked");
+  return codings == 1 && is_chunked ? 0 : 501;
 }
 
 // The status that tells what was wrong with a request, or 0 where nobody is there to be told.
@@ -93,19 +100,32 @@ struct PendingReply {
 
 class Connection {
  public:
-  Connection(BrowserStream stream, std::string remote_address, const ConnectionContext& context)
-      : stream_(std::move(stream)), remote_address_(std::move(remote_address)), context_(context) {}
+  Connection(BrowserStream stream, std::string remote_address, ConnectionSlots::Slot& slot,
+             const ConnectionContext& context)
+      : stream_(std::move(stream)),
+        remote_address_(std::move(remote_address)),
+        slot_(slot),
+        context_(context) {
+    slot_.on_cut([this] { stream_.close(); });
+  }
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+  ~Connection() { slot_.on_cut({}); }
 
   awaitable<void> serve() {
     for (;;) {
       RequestHead head;
       head.header_limit(static_cast<std::uint32_t>(limits().header_bytes));
       head.body_limit(boost::none);  // whoever takes the body has a limit
-      expire_after(limits().request);
+      head_only_ = false;
+      use(Use::waiting);
+      expire_soon(limits().request, least_request);
       error_code failure;
       co_await http::async_read_header(stream_, buffer_, head, asio::redirect_error(use_awaitable, failure));
       if (failure) co_return co_await refuse(failure);
+      if (const int status = ambiguity_of(head.get())) co_return co_await refuse(status);
       Request request = to_request(head, remote_address_, stream_.over_tls());
+      head_only_ = request.head_only;
       if (websocket::is_upgrade(head.get())) {
         co_await upgrade(head, request);
         co_return;
@@ -118,6 +138,11 @@ class Connection {
  private:
   const ServerLimits& limits() const { return context_.limits; }
   void expire_after(milliseconds time) { stream_.expires_after(time); }
+  // The sooner the fewer slots are left.
+  void expire_soon(milliseconds time, milliseconds least) {
+    expire_after(slot_.slots().shortened(time, least));
+  }
+  void use(Use use) { slot_.use(use, ConnectionSlots::Clock::now()); }
 
   awaitable<void> upgrade(const RequestHead& head, const Request& request) {
     auto answer = context_.handler->upgrade(request);
@@ -125,6 +150,8 @@ class Connection {
       co_await write(*refusal, head.get().version(), false);
       co_return;
     }
+    use(Use::open);
+    slot_.on_cut({});
     stream_.expires_never();
     co_await serve_web_socket(std::move(stream_), head.get(),
                               std::get<std::shared_ptr<ChannelListener>>(std::move(answer)), limits());
@@ -162,7 +189,10 @@ class Connection {
   // Answers a request that could not be read, where that is of use.
   awaitable<void> refuse(error_code failure) {
     const int status = status_of(failure);
-    if (status == 0) co_return;
+    if (status != 0) co_await refuse(status);
+  }
+
+  awaitable<void> refuse(int status) {
     // Not a temporary in the call: the compiler copies such aggregates bit by bit.
     const Response refusal{.status = status};
     co_await write(refusal, 11, false);
@@ -188,7 +218,10 @@ class Connection {
     while (!failure && !parser.is_done()) {
       parser.get().body().data = piece.data();
       parser.get().body().size = piece.size();
-      if (patiently) expire_after(limits().request);
+      if (patiently) {
+        use(Use::receiving);
+        expire_after(limits().request);
+      }
       co_await http::async_read(stream_, buffer_, parser, asio::redirect_error(use_awaitable, failure));
       if (failure == http::error::need_buffer) failure = {};
       if (!failure) take({piece.data(), piece.size() - parser.get().body().size});
@@ -199,6 +232,7 @@ class Connection {
   template <typename Ask>
   awaitable<Response> answer_of(Ask ask) {
     const auto pending = std::make_shared<PendingReply>(stream_.get_executor());
+    use(Use::answering);
     pending->waiting.expires_after(limits().answer);
     ask([pending](Response response) {
       if (pending->response) return;
@@ -216,7 +250,9 @@ class Connection {
   awaitable<void> write(const Response& response, unsigned version, bool keep_alive) {
     const std::string_view body = response.body.empty() ? response.asset : std::string_view(response.body);
     http::response<http::span_body<const char>> message(static_cast<http::status>(response.status), version);
-    for (const auto& [name, value] : security_headers) message.set(as_beast(name), as_beast(value));
+    for_each_security_header(stream_.over_tls(), [&message](std::string_view name, std::string_view value) {
+      message.set(as_beast(name), as_beast(value));
+    });
     message.set(http::field::cache_control,
                 response.immutable ? "public, max-age=31536000, immutable" : "no-store");
     if (!response.content_type.empty()) message.set(http::field::content_type, response.content_type);
@@ -225,7 +261,13 @@ class Connection {
     message.keep_alive(keep_alive);
     message.prepare_payload();
     if (response.source) message.content_length(response.source->size());
-    expire_after(limits().write);
+    use(Use::sending);
+    expire_soon(limits().write, least_write);
+    if (head_only_) {
+      http::response_serializer<http::span_body<const char>> head(message);
+      co_await http::async_write_header(stream_, head, use_awaitable);
+      co_return;
+    }
     co_await http::async_write(stream_, message, use_awaitable);
     if (response.source) co_await write_pieces(*response.source);
   }
@@ -236,7 +278,8 @@ class Connection {
     for (std::uint64_t rest = source.size(); rest > 0;) {
       const std::size_t size = source.read(piece.data(), std::min<std::uint64_t>(rest, piece.size()));
       if (size == 0) throw std::runtime_error("the file became shorter");
-      expire_after(limits().write);
+      use(Use::sending);
+      expire_soon(limits().write, least_write);
       co_await asio::async_write(stream_, asio::buffer(piece.data(), size), use_awaitable);
       rest -= size;
     }
@@ -245,17 +288,21 @@ class Connection {
   BrowserStream stream_;
   beast::flat_buffer buffer_;
   std::string remote_address_;
+  bool head_only_ = false;  // of the request that is being answered
+  ConnectionSlots::Slot& slot_;
   const ConnectionContext& context_;
 };
 
 }  // namespace
 
 awaitable<void> serve_connection(asio::ip::tcp::socket socket, asio::ssl::context* tls,
-                                 std::string remote_address, const ConnectionContext& context) {
+                                 std::string remote_address, ConnectionSlots::Slot& slot,
+                                 const ConnectionContext& context) {
   BrowserStream stream(std::move(socket), tls);
-  stream.expires_after(context.limits.handshake);
+  slot.on_cut([&stream] { stream.close(); });
+  stream.expires_after(slot.slots().shortened(context.limits.handshake, least_request));
   co_await stream.handshake();
-  Connection connection(std::move(stream), std::move(remote_address), context);
+  Connection connection(std::move(stream), std::move(remote_address), slot, context);
   co_await connection.serve();
 }
 

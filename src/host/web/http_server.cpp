@@ -1,5 +1,6 @@
 #include "host/web/http_server.h"
 
+#include <algorithm>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/io_context.hpp>
@@ -9,11 +10,14 @@
 #include <boost/asio/ssl/context.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/use_awaitable.hpp>
-#include <map>
 #include <optional>
 #include <stdexcept>
 
+#include <sys/resource.h>
+
+#include "host/web/client_network.h"
 #include "host/web/http_connection.h"
+#include "host/web/tls_certificate.h"
 
 namespace zrl::web {
 
@@ -28,57 +32,36 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds stop_grace{200};
 
-// How many connections there are, in all and from each address.
-class Admissions : public std::enable_shared_from_this<Admissions> {
- public:
-  explicit Admissions(const ServerLimits& limits) : limits_(limits) {}
+constexpr milliseconds certificate_check{1000};
+// A session needs about ten, and there are 32.
+constexpr std::size_t descriptors_for_sessions = 512;
+constexpr rlim_t wanted_descriptors = 4096;
 
-  // Holds a place until it is destroyed.
-  class Place {
-   public:
-    Place(std::shared_ptr<Admissions> admissions, std::string address)
-        : admissions_(std::move(admissions)), address_(std::move(address)) {}
-    Place(Place&&) = default;
-    Place(const Place&) = delete;
-    Place& operator=(const Place&) = delete;
-    ~Place() {
-      if (admissions_) admissions_->leave(address_);
-    }
-    const std::string& address() const { return address_; }
-
-   private:
-    std::shared_ptr<Admissions> admissions_;
-    std::string address_;
-  };
-
-  std::optional<Place> enter(const std::string& address) {
-    if (total_ >= limits_.connections) return {};
-    std::size_t& held = held_[address];
-    if (held >= limits_.connections_an_address) return {};
-    ++held;
-    ++total_;
-    return Place(shared_from_this(), address);
+// Connections are cheap, but each takes a descriptor, and the customary limit is low for the sake of programs
+// that use select(), which this one does not.
+std::size_t affordable(std::size_t connections) {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return connections;
+  if (limit.rlim_cur < wanted_descriptors) {
+    limit.rlim_cur = std::min(limit.rlim_max, wanted_descriptors);
+    ::setrlimit(RLIMIT_NOFILE, &limit);
   }
-
- private:
-  void leave(const std::string& address) {
-    --total_;
-    const auto found = held_.find(address);
-    if (--found->second == 0) held_.erase(found);
-  }
-
-  const ServerLimits& limits_;
-  std::map<std::string, std::size_t> held_;
-  std::size_t total_ = 0;
-};
+  const auto left = static_cast<std::size_t>(limit.rlim_cur);
+  return std::min(connections, std::max(left / 2, left - std::min(left, descriptors_for_sessions)));
+}
 
 }  // namespace
 
 class HttpServer::Implementation {
  public:
   explicit Implementation(const ServerOptions& options)
-      : options_(options), admissions_(std::make_shared<Admissions>(options_.limits)), acceptor_(io_) {
-    if (!options_.certificate.empty() || !options_.key.empty()) load_certificate();
+      : options_(options),
+        slots_({.slots = affordable(options_.limits.connections),
+                .slots_a_network = options_.limits.connections_a_network}),
+        acceptor_(io_) {
+    if (!options_.certificate.empty() || !options_.key.empty()) {
+      certificate_.emplace(options_.certificate, options_.key);
+    }
     listen();
   }
 
@@ -88,6 +71,22 @@ class HttpServer::Implementation {
   }
 
   std::uint16_t port() const { return port_; }
+
+  std::vector<std::string> warnings() const {
+    std::vector<std::string> found;
+    if (certificate_) return certificate_->warnings();
+    if (!acceptor_.local_endpoint().address().is_loopback()) {
+      found.push_back(
+          "without a certificate, passwords pass the network in the clear, unless a proxy in front "
+          "adds TLS");
+    }
+    return found;
+  }
+
+  void reload() {
+    if (certificate_) renew_certificate(true);
+  }
+
   asio::io_context& io() { return io_; }
 
   void close_listener() {
@@ -97,17 +96,6 @@ class HttpServer::Implementation {
   }
 
  private:
-  void load_certificate() {
-    tls_.emplace(asio::ssl::context::tls_server);
-    tls_->set_options(asio::ssl::context::default_workarounds | asio::ssl::context::no_tlsv1 |
-                      asio::ssl::context::no_tlsv1_1);
-    error_code failure;
-    tls_->use_certificate_chain_file(options_.certificate.string(), failure);
-    if (failure) throw std::runtime_error("cannot use the certificate " + options_.certificate.string());
-    tls_->use_private_key_file(options_.key.string(), asio::ssl::context::pem, failure);
-    if (failure) throw std::runtime_error("cannot use the key " + options_.key.string());
-  }
-
   void listen() {
     const std::string where = options_.address + ":" + std::to_string(options_.port);
     error_code failure;
@@ -136,24 +124,44 @@ class HttpServer::Implementation {
       }
       const tcp::endpoint peer = socket.remote_endpoint(failure);
       if (failure) continue;
-      auto place = admissions_->enter(peer.address().to_string());
-      if (!place) continue;
+      const std::string address = peer.address().to_string();
+      auto slot = slots_.enter(network_of(address), ConnectionSlots::Clock::now());
+      if (!slot) continue;
       socket.set_option(tcp::no_delay(true), failure);
-      asio::co_spawn(io_, serve(std::move(socket), std::move(*place)), asio::detached);
+      asio::co_spawn(io_, serve(std::move(socket), address, std::move(slot)), asio::detached);
     }
   }
 
-  awaitable<void> serve(tcp::socket socket, Admissions::Place place) {
+  awaitable<void> serve(tcp::socket socket, std::string address,
+                        std::unique_ptr<ConnectionSlots::Slot> slot) {
+    const std::shared_ptr<asio::ssl::context> tls = tls_context();
     try {
-      co_await serve_connection(std::move(socket), tls_ ? &*tls_ : nullptr, place.address(), context_);
+      co_await serve_connection(std::move(socket), tls.get(), std::move(address), *slot, context_);
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the connection is over
     }
   }
 
+  // Null without TLS.
+  std::shared_ptr<asio::ssl::context> tls_context() {
+    if (!certificate_) return {};
+    const auto now = std::chrono::steady_clock::now();
+    if (now >= next_certificate_check_) {
+      next_certificate_check_ = now + certificate_check;
+      renew_certificate(false);
+    }
+    return certificate_->context();
+  }
+
+  void renew_certificate(bool in_any_case) {
+    const std::string problem = certificate_->renew(in_any_case);
+    if (!problem.empty() && options_.tell) options_.tell(problem);
+  }
+
   const ServerOptions options_;
   ConnectionContext context_{.limits = options_.limits};
-  std::shared_ptr<Admissions> admissions_;
-  std::optional<asio::ssl::context> tls_;
+  ConnectionSlots slots_;
+  std::optional<TlsCertificate> certificate_;
+  std::chrono::steady_clock::time_point next_certificate_check_{};
   asio::io_context io_{1};
   tcp::acceptor acceptor_;
   std::uint16_t port_ = 0;
@@ -166,6 +174,14 @@ HttpServer::~HttpServer() = default;
 
 std::uint16_t HttpServer::port() const {
   return implementation_->port();
+}
+
+std::vector<std::string> HttpServer::warnings() const {
+  return implementation_->warnings();
+}
+
+void HttpServer::reload() {
+  post([this] { implementation_->reload(); });
 }
 
 void HttpServer::start(HttpHandler& handler) {

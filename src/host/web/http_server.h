@@ -4,20 +4,25 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/web/transport.h"
 
 namespace zrl::web {
 
 struct ServerLimits {
-  std::size_t connections = 256;
-  std::size_t connections_an_address = 32;
+  // Both give way as ConnectionSlots says. The first is lower where the system grants fewer open files.
+  std::size_t connections = 1024;
+  std::size_t connections_a_network = 32;  // an IPv4 address, or 64 bits of an IPv6 one
   std::size_t header_bytes = 16 << 10;
   std::size_t body_bytes = 64 << 10;
-  std::size_t message_bytes = 1 << 20;       // a WebSocket message from the browser
-  std::size_t send_queue_bytes = 16 << 20;   // what may wait for a browser, beside one message
+  std::size_t message_bytes = 1 << 20;      // a WebSocket message from the browser
+  std::size_t send_queue_bytes = 16 << 20;  // what may wait for a browser, beside one message
+  // These are shortened as the connections become many.
   std::chrono::milliseconds request{30000};  // to send a request whole, the pause before it included
   std::chrono::milliseconds handshake{10000};
   std::chrono::milliseconds answer{60000};   // for the handler to reply
@@ -31,6 +36,8 @@ struct ServerOptions {
   std::filesystem::path certificate;  // PEM; empty: no TLS
   std::filesystem::path key;
   ServerLimits limits;
+  // Gets a line for the operator, on the I/O thread, when a changed certificate cannot be used.
+  std::function<void(std::string_view)> tell;
 };
 
 // An HTTP/1.1 and WebSocket server on one thread, the one that calls run(). Every response carries
@@ -42,6 +49,11 @@ class HttpServer : public IoLoop {
   ~HttpServer() override;
 
   std::uint16_t port() const;
+
+  // What the operator should know before others use the server; a line each.
+  std::vector<std::string> warnings() const;
+  // From any thread: reads the certificate again. Connections stay.
+  void reload();
 
   // Before run(): begins to accept connections. The handler must live until run() has returned.
   void start(HttpHandler& handler);

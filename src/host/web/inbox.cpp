@@ -4,6 +4,7 @@ namespace zrl::web {
 
 bool Inbox::push(Incoming item) {
   bool room = true;
+  const bool ends = item.kind == Incoming::Kind::ended || item.kind == Incoming::Kind::stopping;
   {
     const std::scoped_lock lock(mutex_);
     bytes_ += item.text.size();
@@ -12,6 +13,7 @@ bool Inbox::push(Incoming item) {
     room = !full_;
   }
   arrived_.notify_one();
+  if (ends) ending_.request_stop();
   return room;
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
 
 namespace zrl::web {
@@ -47,11 +48,15 @@ class Inbox {
   // taken.
   bool push(Incoming item);
 
+  // Asked to stop as soon as the session's end has been pushed, even if what comes before takes long.
+  std::stop_token ending() const { return ending_.get_token(); }
+
   // The next item, or nothing if none comes until the deadline.
   std::optional<Incoming> pop(Clock::time_point deadline);
 
  private:
   std::function<void()> on_room_;
+  std::stop_source ending_;
   std::mutex mutex_;
   std::condition_variable arrived_;
   std::deque<Incoming> items_;

@@ -1,9 +1,10 @@
 #include "host/web/login_throttle.h"
 
 #include <algorithm>
-#include <array>
 
-#include <arpa/inet.h>
+#include <sodium.h>
+
+#include "host/web/client_network.h"
 
 namespace zrl::web {
 
@@ -14,38 +15,52 @@ using std::chrono::seconds;
 constexpr seconds forgotten_after{3600};
 constexpr int longest_exponent = 20;
 
-// A client with IPv6 has a whole network of addresses.
-std::string network_of(const std::string& address) {
-  std::array<unsigned char, 16> bytes{};
-  if (::inet_pton(AF_INET6, address.substr(0, address.find('%')).c_str(), bytes.data()) != 1) return address;
-  std::array<char, INET6_ADDRSTRLEN> text{};
-  const bool mapped = std::all_of(bytes.begin(), bytes.begin() + 10, [](unsigned char b) { return b == 0; });
-  if (!mapped) std::fill(bytes.begin() + 8, bytes.end(), static_cast<unsigned char>(0));
-  return ::inet_ntop(AF_INET6, bytes.data(), text.data(), text.size());
-}
-
 }  // namespace
 
-seconds LoginThrottle::begin_try(const std::string& address, Clock::time_point now) {
-  static constexpr Rule address_rule{4, seconds(900)};
-  static constexpr Rule overall_rule{24, seconds(30)};
-  if (now - overall_.newest > forgotten_after) overall_ = {};
-  const std::string network = network_of(address);
-  const auto found = by_address_.find(network);
-  if (found != by_address_.end() && now - found->second.newest > forgotten_after) found->second = {};
-  const Clock::time_point next =
-      std::max(overall_.next, found == by_address_.end() ? Clock::time_point() : found->second.next);
+LoginThrottle::LoginThrottle() {
+  ::randombytes_buf(key_.data(), key_.size());
+}
+
+seconds LoginThrottle::begin_try(const Try& attempt, Clock::time_point now) {
+  static constexpr Rule client_rule{4, seconds(900)};
+  static constexpr Rule account_rule{24, seconds(30)};
+  if (!attempt.device.empty()) {
+    const Clock::time_point next = next_of(devices_, attempt.device, now);
+    if (next > now) return std::chrono::ceil<seconds>(next - now);
+    count(devices_[attempt.device], client_rule, now);
+    return seconds(0);
+  }
+  const std::string network = network_of(attempt.address);
+  Clock::time_point next = next_of(strangers_, network, now);
+  Failures* const lane = attempt.account.empty() ? nullptr : &lane_of(attempt.account);
+  if (lane != nullptr) {
+    forget_old(*lane, now);
+    next = std::max(next, lane->next);
+  }
   if (next > now) return std::chrono::ceil<seconds>(next - now);
-  if (found == by_address_.end()) make_room(now);
-  count(by_address_[network], address_rule, now);
-  count(overall_, overall_rule, now);
+  count(strangers_[network], client_rule, now);
+  if (lane != nullptr) count(*lane, account_rule, now);
   return seconds(0);
 }
 
-void LoginThrottle::succeeded(const std::string& address) {
-  by_address_.erase(network_of(address));
-  overall_.count = std::max(0, overall_.count - 1);
-  overall_.next = {};
+void LoginThrottle::succeeded(const Try& attempt) {
+  if (!attempt.device.empty()) {
+    devices_.erase(attempt.device);
+    return;
+  }
+  strangers_.erase(network_of(attempt.address));
+  if (attempt.account.empty()) return;
+  Failures& lane = lane_of(attempt.account);
+  lane.count = std::max(0, lane.count - 1);
+  lane.next = {};
+}
+
+LoginThrottle::Failures& LoginThrottle::lane_of(std::string_view account) {
+  std::uint64_t hash = 0;
+  static_assert(sizeof hash == crypto_shorthash_BYTES && sizeof key_ >= crypto_shorthash_KEYBYTES);
+  ::crypto_shorthash(reinterpret_cast<unsigned char*>(&hash),
+                     reinterpret_cast<const unsigned char*>(account.data()), account.size(), key_.data());
+  return accounts_[hash % account_lanes];
 }
 
 void LoginThrottle::count(Failures& failures, const Rule& rule, Clock::time_point now) {
@@ -55,13 +70,29 @@ void LoginThrottle::count(Failures& failures, const Rule& rule, Clock::time_poin
   if (exponent > 0) failures.next = now + std::min(rule.longest, seconds(1LL << (exponent - 1)));
 }
 
-void LoginThrottle::make_room(Clock::time_point now) {
-  if (by_address_.size() < max_addresses) return;
-  std::erase_if(by_address_, [&](const auto& entry) { return now - entry.second.newest > forgotten_after; });
-  while (by_address_.size() >= max_addresses) {
-    by_address_.erase(
-        std::min_element(by_address_.begin(), by_address_.end(),
-                         [](const auto& a, const auto& b) { return a.second.newest < b.second.newest; }));
+void LoginThrottle::forget_old(Failures& failures, Clock::time_point now) {
+  if (now - failures.newest > forgotten_after) failures = {};
+}
+
+// When the client may try again. Makes room for one that is new.
+LoginThrottle::Clock::time_point LoginThrottle::next_of(Table& table, const std::string& key,
+                                                        Clock::time_point now) {
+  const auto found = table.find(key);
+  if (found == table.end()) {
+    make_room(table, now);
+    return {};
+  }
+  forget_old(found->second, now);
+  return found->second.next;
+}
+
+void LoginThrottle::make_room(Table& table, Clock::time_point now) {
+  if (table.size() < most_remembered) return;
+  std::erase_if(table, [&](const auto& entry) { return now - entry.second.newest > forgotten_after; });
+  while (table.size() >= most_remembered) {
+    table.erase(std::min_element(table.begin(), table.end(), [](const auto& a, const auto& b) {
+      return a.second.newest < b.second.newest;
+    }));
   }
 }
 

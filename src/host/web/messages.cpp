@@ -16,7 +16,7 @@ using Act = BrowserMessage::Act;
 constexpr std::size_t max_depth = 8;
 constexpr std::int64_t longest_side = 1000;  // of a terminal
 
-constexpr std::array<std::pair<std::string_view, Type>, 11> types = {{{"open", Type::open},
+constexpr std::array<std::pair<std::string_view, Type>, 12> types = {{{"open", Type::open},
                                                                       {"event", Type::event},
                                                                       {"close", Type::close},
                                                                       {"answer", Type::answer},
@@ -26,7 +26,8 @@ constexpr std::array<std::pair<std::string_view, Type>, 11> types = {{{"open", T
                                                                       {"input", Type::input},
                                                                       {"resize", Type::resize},
                                                                       {"taken", Type::taken},
-                                                                      {"end", Type::end}}};
+                                                                      {"end", Type::end},
+                                                                      {"active", Type::active}}};
 constexpr std::array<std::pair<std::string_view, Act>, 4> acts = {
     {{"click", Act::click}, {"text", Act::type}, {"choose", Act::choose}, {"scroll", Act::scroll}}};
 
@@ -136,6 +137,7 @@ BrowserMessage read(const json::object& object) {
       message.id = count_of(object, "id");
       break;
     case Type::captions:
+    case Type::active:
     case Type::upload:
       break;
   }

@@ -26,6 +26,7 @@ struct BrowserMessage {
     resize,
     taken,
     end,
+    active,  // nothing but that somebody is there
     upload,  // never a message: a file that was sent over HTTP waits among them for its turn
   };
   enum class Act : std::uint8_t { click, type, choose, scroll };
@@ -48,6 +49,11 @@ struct BrowserMessage {
   bool ok = false;   // the reply
   std::shared_ptr<PendingUpload> upload;
 
+  // Whether a person did something; browsers ask for rows by themselves whenever a list changes.
+  bool is_by_person() const {
+    return has_seq() || type == Type::answer || type == Type::input || type == Type::end ||
+           type == Type::active;
+  }
   bool has_seq() const { return type == Type::open || type == Type::event || type == Type::close; }
 };
 

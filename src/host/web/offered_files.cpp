@@ -58,11 +58,11 @@ std::optional<Offer> OfferedFiles::add(const std::filesystem::path& path) {
   return held_.back().offer;
 }
 
-std::optional<std::filesystem::path> OfferedFiles::fetch(std::string_view token) {
+std::optional<std::filesystem::path> OfferedFiles::fetch(std::string_view token, bool for_good) {
   const std::scoped_lock lock(mutex_);
   for (Held& held : held_) {
     if (held.offer.token != token) continue;
-    held.fetched = true;
+    held.fetched = held.fetched || for_good;
     return held.path;
   }
   return {};

@@ -28,8 +28,8 @@ class OfferedFiles {
 
   // Offers a file; one that is offered again keeps its token. Nothing if it is no regular file.
   std::optional<Offer> add(const std::filesystem::path& path);
-  // The file's path, or nothing for an unknown token. The file counts as fetched from then on.
-  std::optional<std::filesystem::path> fetch(std::string_view token);
+  // The file's path, or nothing for an unknown token. The file counts as fetched from then on if `for_good`.
+  std::optional<std::filesystem::path> fetch(std::string_view token, bool for_good = true);
   // Those that have not been fetched, in the order in which they were offered.
   std::vector<Offer> unfetched() const;
 

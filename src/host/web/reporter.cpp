@@ -15,9 +15,9 @@ constexpr std::uint64_t unaudited_entries = 1000;
 
 }  // namespace
 
-Reporter::Reporter(SessionOutput& output, FormStack& forms, const std::filesystem::path& audit_file,
+Reporter::Reporter(SessionOutput& output, FormStack& forms, std::shared_ptr<AuditFile> audit_file,
                    const std::string& account)
-    : output_(output), forms_(forms), audit_log_(audit_file, account) {}
+    : output_(output), forms_(forms), audit_log_(std::move(audit_file), account) {}
 
 void Reporter::watch(Console& console) {
   console_ = &console;
@@ -112,10 +112,16 @@ void Reporter::progress(const Progress& progress) {
 
 void Reporter::note(std::string_view kind, std::string_view text, std::string_view error) {
   audit_log_.note(forms_.page_name(), kind, text, error);
+  tell_lost();
 }
 
 void Reporter::audit() {
   audited_ = audit_log_.append(console_->activity(), audited_, forms_.page_name());
+  tell_lost();
+}
+
+void Reporter::tell_lost() {
+  if (audit_log_.take_lost()) refuse({}, "not_recorded", "the audit log cannot be written");
 }
 
 const std::string& Reporter::caption_of(ShownForm& shown) {

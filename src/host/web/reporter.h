@@ -2,7 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,7 +22,7 @@ namespace zrl::web {
 class Reporter {
  public:
   // `audit_file` gets a line for each write, under the name of the account.
-  Reporter(SessionOutput& output, FormStack& forms, const std::filesystem::path& audit_file,
+  Reporter(SessionOutput& output, FormStack& forms, std::shared_ptr<AuditFile> audit_file,
            const std::string& account);
 
   // Reports are about this console from now on; its activity record is reported from the start. It must live
@@ -61,6 +61,9 @@ class Reporter {
   // Whether the activity comes from a page being shown.
   void set_showing(bool showing) { showing_ = showing; }
 
+  // Whether an action may be done now: not while the audit log has to be written and cannot be.
+  bool permits_actions() const { return audit_log_.file().permits_actions(); }
+
   // A line in the audit log about something else than a write. `error` is empty if it worked.
   void note(std::string_view kind, std::string_view text, std::string_view error = {});
 
@@ -68,6 +71,7 @@ class Reporter {
   using Clock = std::chrono::steady_clock;
 
   void audit();
+  void tell_lost();
   // In the user's language.
   const std::string& caption_of(ShownForm& shown);
 

@@ -52,7 +52,7 @@ class Session::UploadSink : public BodySink {
     auto on_loop = [&loop = session_->loop_, reply = std::move(reply)](Response response) {
       loop.post([reply, response = std::move(response)] { reply(response); });
     };
-    session_->last_message_ = Clock::now();
+    session_->last_act_ = Clock::now();
     session_->inbox_.push(
         {Incoming::Kind::upload,
          0,
@@ -78,7 +78,7 @@ Session::Session(IoLoop& loop, const ConsoleSettings& settings, const Times& tim
           if (self.channel_) self.channel_->resume();
         });
       }),
-      audit_log_(settings.folder / "audit.log", account_) {}
+      audit_log_(settings.audit, account_) {}
 
 Session::~Session() {
   if (!thread_.joinable()) return;
@@ -93,10 +93,11 @@ std::shared_ptr<ChannelListener> Session::new_listener() {
   return std::make_shared<Listener>(shared_from_this());
 }
 
-Response Session::download(std::string_view token) {
-  const std::optional<std::filesystem::path> path = offered_.fetch(token);
+Response Session::download(std::string_view token, bool head_only) {
+  const std::optional<std::filesystem::path> path = offered_.fetch(token, !head_only);
   if (!path) return error_response(404, "no_file");
   Response response = file_response(*path);
+  if (head_only) return response;
   audit_log_.note("", "download", path->string(), response.source ? "" : "the file is gone");
   return response;
 }
@@ -111,16 +112,25 @@ std::variant<std::monostate, Response, std::shared_ptr<BodySink>> Session::recei
   const UploadFolder folder(settings_.folder);
   try {
     folder.sweep();
-    return std::make_shared<UploadSink>(shared_from_this(), std::move(*target), folder.receive());
+    // Of one whose length is not given nothing but the limit is known.
+    const std::uint64_t size =
+        request.content_length > 0 ? request.content_length : UploadFolder::longest_file;
+    if (!folder.has_room_for(size)) {
+      audit_log_.note("", "upload", upload_name(target->name), "there is no room for more files");
+      return error_response(507, "no_room");
+    }
+    return std::make_shared<UploadSink>(shared_from_this(), std::move(*target), folder.receive(size));
   } catch (const Error& failure) {
     audit_log_.note("", "upload", upload_name(target->name), failure.what());
     return error_response(500, "not_saved");
   }
 }
 
-bool Session::has_expired(Clock::time_point now) const {
-  return now - began_ >= times_.longest || now - last_message_ >= times_.idle ||
-         (lost_ && now - *lost_ >= times_.lost);
+std::optional<std::string_view> Session::expiry(Clock::time_point now) const {
+  if (now - began_ >= times_.longest) return "the longest time of a session is over";
+  if (now - last_act_ >= times_.idle) return "nobody used it";
+  if (lost_ && now - *lost_ >= times_.lost) return "the browser was gone";
+  return {};
 }
 
 void Session::end(Reason reason) {
@@ -142,7 +152,6 @@ std::uint64_t Session::connected(std::shared_ptr<Channel> channel) {
   if (channel_) channel_->close(close_replaced);
   channel_ = std::move(channel);
   lost_.reset();
-  last_message_ = Clock::now();
   greeted_ = false;
   inbox_.push({Incoming::Kind::connected, ++connection_, {}});
   if (!thread_.joinable()) start_thread();
@@ -151,7 +160,6 @@ std::uint64_t Session::connected(std::shared_ptr<Channel> channel) {
 
 bool Session::received(std::uint64_t connection, std::string text) {
   if (ended_ || connection != connection_) return true;
-  last_message_ = Clock::now();
   return inbox_.push({Incoming::Kind::message, connection, std::move(text)});
 }
 
@@ -203,6 +211,10 @@ void Session::violated(std::uint64_t connection) {
   post([connection](Session& self) {
     if (self.channel_ && self.connection_ == connection) self.channel_->close(close_violated);
   });
+}
+
+void Session::person_acted() {
+  post([](Session& self) { self.last_act_ = Clock::now(); });
 }
 
 void Session::action_began() {

@@ -25,7 +25,7 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
   using Clock = std::chrono::steady_clock;
 
   struct Times {
-    std::chrono::milliseconds idle{30 * 60 * 1000};          // without a message from the browser
+    std::chrono::milliseconds idle{30 * 60 * 1000};          // without anything that a person did
     std::chrono::milliseconds longest{12 * 60 * 60 * 1000};  // since the log-in
     std::chrono::milliseconds lost{60 * 1000};               // without a WebSocket
     std::chrono::milliseconds busy_after{150};  // until the browser shows that an action takes long
@@ -48,12 +48,13 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
   // The listener for a new WebSocket, which replaces the one before.
   std::shared_ptr<ChannelListener> new_listener();
 
-  // An offered file, by its token.
-  Response download(std::string_view token);
+  // An offered file, by its token. It stays on offer if only the head of the answer is asked for.
+  Response download(std::string_view token, bool head_only = false);
   // What receives the file that a browser sends, or the response that refuses it.
   std::variant<std::monostate, Response, std::shared_ptr<BodySink>> receive_upload(const Request& request);
 
-  bool has_expired(Clock::time_point now) const;
+  // Why the session's time is over; nothing while it is not.
+  std::optional<std::string_view> expiry(Clock::time_point now) const;
 
   enum class Reason { over, stopping };
   // Closes the WebSocket and lets the thread end. `finished` is called, at once or later.
@@ -61,6 +62,7 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
 
   void send(std::uint64_t connection, std::string message) override;
   void violated(std::uint64_t connection) override;
+  void person_acted() override;
   void action_began() override;
   void action_ended() override;
   void progress(std::string text, std::uint64_t done, std::uint64_t total) override;
@@ -106,7 +108,7 @@ class Session : public SessionOutput, public std::enable_shared_from_this<Sessio
   std::uint64_t connection_ = 0;
   bool greeted_ = false;  // something has been sent on this connection, a hello first
   const Clock::time_point began_ = Clock::now();
-  Clock::time_point last_message_ = began_;
+  Clock::time_point last_act_ = began_;
   std::optional<Clock::time_point> lost_ = began_;
   std::optional<Busy> busy_;
   std::uint64_t action_ = 0;

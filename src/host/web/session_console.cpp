@@ -18,6 +18,8 @@ using Type = BrowserMessage::Type;
 using Act = BrowserMessage::Act;
 
 constexpr int max_modal_depth = 8;
+constexpr std::string_view no_audit = "no_audit";
+constexpr std::string_view why_no_audit = "the audit log cannot be written";
 
 std::string language_setting(Console& console) {
   if (!console.components().has(Registry::program_id)) return {};
@@ -50,11 +52,14 @@ SessionConsole::SessionConsole(const ConsoleSettings& settings, std::string acco
       account_(std::move(account)),
       offered_(offered),
       output_(output),
-      terminals_(settings.folder,
-                 [&output](std::uint64_t connection, std::string message) {
-                   output.send(connection, std::move(message));
-                 }),
-      reporter_(output, forms_, settings.folder / "audit.log", account_),
+      reporter_(output, forms_, settings.audit, account_),
+      terminals_(
+          settings.folder,
+          [&output](std::uint64_t connection, std::string message) {
+            output.send(connection, std::move(message));
+          },
+          [this](std::string_view text) { reporter_.note("typed", text); }),
+      end_programs_(inbox.ending(), [this] { terminals_.end_all(); }),
       turns_(inbox, forms_, output, *this) {}
 
 void SessionConsole::run() {
@@ -119,6 +124,7 @@ void SessionConsole::wait(milliseconds time) {
   turns_.serve_until(end);
 }
 
+// The only way to a program: an account that may start none is to be refused here.
 void SessionConsole::start_program(const ProgramStart& program) {
   terminals_.start(program);
 }
@@ -191,6 +197,7 @@ void SessionConsole::greet(std::uint64_t connection) {
 }
 
 void SessionConsole::accept(BrowserMessage message) {
+  if (message.is_by_person()) output_.person_acted();
   if (message.has_seq()) {
     if (message.seq <= last_seq_) {
       reporter_.malformed({"seq must count up", message.seq});
@@ -208,6 +215,8 @@ void SessionConsole::accept(BrowserMessage message) {
       return;
     case Type::record:
       reporter_.record(message);
+      return;
+    case Type::active:
       return;
     case Type::input:
     case Type::resize:
@@ -228,7 +237,9 @@ void SessionConsole::accept(BrowserMessage message) {
 void SessionConsole::use_terminal(const BrowserMessage& message) {
   switch (message.type) {
     case Type::input:
-      if (!terminals_.type(message.id, message.text)) {
+      if (!reporter_.permits_actions()) {
+        reporter_.refuse({}, no_audit, why_no_audit);
+      } else if (!terminals_.type(message.id, message.text)) {
         reporter_.refuse({}, "busy", "the program does not read");
       }
       break;
@@ -289,6 +300,10 @@ void SessionConsole::handle_event(const BrowserMessage& message) {
     refuse("busy", "a dialog has to be answered before");
     return;
   }
+  if (!reporter_.permits_actions()) {
+    refuse(no_audit, why_no_audit);
+    return;
+  }
   const std::uint64_t connection = reporter_.connection();
   try {
     run_action([&] { act_on(*shown, *control, message); });
@@ -309,6 +324,8 @@ void SessionConsole::close_dialog(const BrowserMessage& message) {
     reporter_.refuse(number, "refused", "a page is not closed");
   } else if (forms_.is_covered(*shown)) {
     reporter_.refuse(number, "busy", "a dialog has to be answered before");
+  } else if (!reporter_.permits_actions()) {
+    reporter_.refuse(number, no_audit, why_no_audit);
   } else {
     const std::uint64_t connection = reporter_.connection();
     run_action([&] { shown->form->run([&] { shown->form->close(); }); });
@@ -364,6 +381,8 @@ void SessionConsole::handle_upload(PendingUpload& upload) {
     upload.refuse(409, "refused");
   } else if (forms_.is_covered(*shown)) {
     upload.refuse(409, "busy");
+  } else if (!reporter_.permits_actions()) {
+    upload.refuse(503, no_audit);
   } else {
     take_upload(upload, static_cast<FileList&>(*control));
   }

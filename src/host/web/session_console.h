@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 
 #include "catalogue/catalogue.h"
@@ -28,6 +29,7 @@ struct ConsoleSettings {
   std::filesystem::path folder;
   std::span<const PageEntry> pages;
   std::function<void(Console&)> register_components;
+  std::shared_ptr<AuditFile> audit;
   // Whether dialogs stay open beside their page while its handler goes on.
   bool modeless_dialogs = false;
 };
@@ -84,11 +86,13 @@ class SessionConsole : public Host, private TurnHandler {
   const std::string account_;
   OfferedFiles& offered_;
   SessionOutput& output_;
-  Terminals terminals_;
 
   std::unique_ptr<Console> console_;
   FormStack forms_;
   Reporter reporter_;
+  Terminals terminals_;
+  // Called on the I/O thread: programs don't wait for an action to end.
+  std::stop_callback<std::function<void()>> end_programs_;
   Turns turns_;
 
   std::string language_at_start_;

@@ -15,6 +15,8 @@ class SessionOutput {
   virtual void send(std::uint64_t connection, std::string message) = 0;
   // The browser has sent too many malformed messages; its connection is to be closed.
   virtual void violated(std::uint64_t connection) = 0;
+  // A message of the browser's shows that a person is there.
+  virtual void person_acted() = 0;
   // The thread has begun to work on an action, or waits for the browser again.
   virtual void action_began() = 0;
   virtual void action_ended() = 0;

@@ -39,9 +39,21 @@ std::string SessionTable::begin(const std::string& account) {
 std::shared_ptr<Session> SessionTable::find(std::string_view token) {
   const auto found = sessions_.find(digest(token));
   if (found == sessions_.end()) return nullptr;
-  if (!found->second->has_expired(Session::Clock::now())) return found->second;
-  leave(found, Session::Reason::over);
-  return nullptr;
+  if (const auto why = found->second->expiry(Session::Clock::now())) {
+    expire(found, *why);
+    return nullptr;
+  }
+  return found->second;
+}
+
+std::string SessionTable::renew(std::string_view token) {
+  const auto found = sessions_.find(digest(token));
+  if (found == sessions_.end()) return {};
+  std::string renewed = random_token();
+  auto entry = sessions_.extract(found);
+  entry.key() = digest(renewed);
+  sessions_.insert(std::move(entry));
+  return renewed;
 }
 
 void SessionTable::end(std::string_view token) {
@@ -80,10 +92,16 @@ void SessionTable::sweep() {
   const auto now = Session::Clock::now();
   for (auto it = sessions_.begin(); it != sessions_.end();) {
     const auto next = std::next(it);
-    if (it->second->has_expired(now)) leave(it, Session::Reason::over);
+    if (const auto why = it->second->expiry(now)) expire(it, *why);
     it = next;
   }
   if (!sessions_.empty()) sweep_later();
+}
+
+void SessionTable::expire(Sessions::iterator found, std::string_view why) {
+  AuditLog(settings_.audit, found->second->account())
+      .note("", "account", "the session has ended: " + std::string(why));
+  leave(found, Session::Reason::over);
 }
 
 void SessionTable::leave(Sessions::iterator found, Session::Reason reason) {

@@ -30,6 +30,9 @@ class SessionTable {
   std::string begin(const std::string& account);
   // Null if there is no such session, or no longer.
   std::shared_ptr<Session> find(std::string_view token);
+  // Gives the session another token, and returns it; the old one is worth nothing then. Empty if there is no
+  // such session.
+  std::string renew(std::string_view token);
   // Ends the session if there is one.
   void end(std::string_view token);
   // Ends the account's sessions but the one with this token.
@@ -43,6 +46,7 @@ class SessionTable {
 
   void sweep_later();
   void sweep();
+  void expire(Sessions::iterator found, std::string_view why);
   void leave(Sessions::iterator found, Session::Reason reason);
   void forget(const Session& session);
   void finished(const Session& session);

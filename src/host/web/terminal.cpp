@@ -3,11 +3,9 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -17,7 +15,7 @@
 
 #include "core/text/error.h"
 #include "core/text/paths.h"
-#include "host/program_starter.h"
+#include "host/web/confined_program.h"
 
 namespace zrl::web {
 
@@ -39,34 +37,6 @@ Descriptor open_terminal() {
   return terminal;
 }
 
-// What any program may know of ours.
-std::vector<std::string> clean_environment() {
-  std::vector<std::string> environment{"TERM=xterm-256color"};
-  constexpr std::pair<const char*, const char*> passed_on[] = {
-      {"PATH", "/usr/local/bin:/usr/bin:/bin"}, {"LANG", "C.UTF-8"}, {"HOME", "/"}};
-  for (const auto& [name, otherwise] : passed_on) {
-    const char* value = std::getenv(name);
-    environment.push_back(std::string(name) + "=" + (value != nullptr ? value : otherwise));
-  }
-  return environment;
-}
-
-// A session's leader that opens a terminal gets it as its controlling one.
-pid_t spawn_on(const std::string& terminal, const ProgramStart& program) {
-  std::vector<std::string> environment = clean_environment();
-  std::vector<char*> pointers;
-  pointers.reserve(environment.size() + 1);
-  for (std::string& variable : environment) pointers.push_back(variable.data());
-  pointers.push_back(nullptr);
-  const auto open_files = [&](posix_spawn_file_actions_t& actions) {
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, terminal.c_str(), O_RDWR, 0);
-    posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDERR_FILENO);
-  };
-  return spawn(program,
-               {.flags = POSIX_SPAWN_SETSID, .open_files = open_files, .environment = pointers.data()});
-}
-
 }  // namespace
 
 Descriptor::Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
@@ -86,7 +56,7 @@ Terminal::Terminal(const ProgramStart& program, const std::filesystem::path& fol
   if (::ptsname_r(terminal_.get(), name.data(), name.size()) != 0) raise("no terminal");
   ProgramStart placed = program;
   if (placed.folder.empty()) placed.folder = to_product_path(folder);
-  child_ = spawn_on(name.data(), placed);
+  child_ = start_confined(placed, name.data());
   // Not pidfd_open(): some C libraries declare it so that C++ cannot call it.
   process_ = Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, child_, 0)));
   if (process_) return;

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <utility>
 
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include "core/text/error.h"
+#include "host/web/confined_program.h"
 #include "host/web/outgoing.h"
 
 namespace zrl::web {
@@ -41,31 +43,37 @@ bool Terminals::Open::wants_reading() const {
   return terminal && !drained && (closing || produced - taken < window);
 }
 
-Terminals::Terminals(std::filesystem::path folder, Send send)
+Terminals::Terminals(std::filesystem::path folder, Send send, Note note)
     : folder_(std::move(folder)),
       send_(std::move(send)),
+      note_(std::move(note)),
       wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       buffer_(piece) {}
 
 Terminals::~Terminals() {
-  {
-    const std::scoped_lock lock(mutex_);
-    stopping_ = true;
-    for (auto& [id, open] : table_) open.closing = true;
-  }
-  wake();
+  end_all();
   if (thread_.joinable()) thread_.join();
+  for (const auto& [id, typed] : typed_) note_rest(id);
+}
+
+void Terminals::end_all() {
+  const std::scoped_lock lock(mutex_);
+  stopping_ = true;
+  for (auto& [id, open] : table_) open.closing = true;
+  wake();
 }
 
 void Terminals::start(const ProgramStart& program) {
   const std::scoped_lock lock(mutex_);
   if (!wake_) throw Error(error_number::cannot_create_object, "too many files are open");
+  if (stopping_) throw Error(error_number::cannot_create_object, "the session has ended");
   make_room();
   auto terminal = std::make_unique<Terminal>(program, folder_);
   if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
   const std::uint64_t id = ++last_id_;
   Open& open = table_[id];
-  open.title = program.command_line();
+  open.title = typed_[id].title = program.command_line();
+  open.withheld = confinement_of(program).withheld;
   open.terminal = std::move(terminal);
   tell(terminal_message(id, open.title, true));
   wake();
@@ -80,6 +88,8 @@ void Terminals::make_room() {
     throw Error(error_number::cannot_create_object, "too many programs are running");
   }
   tell(gone_message(ended->first));
+  note_rest(ended->first);
+  typed_.erase(ended->first);
   table_.erase(ended);
 }
 
@@ -102,14 +112,34 @@ void Terminals::tell_all(std::uint64_t id, Open& open) {
 }
 
 bool Terminals::type(std::uint64_t id, std::string_view text) {
-  const std::scoped_lock lock(mutex_);
-  const auto found = table_.find(id);
-  if (found == table_.end() || !found->second.terminal || found->second.end) return true;
-  std::string& input = found->second.input;
-  if (input.size() + text.size() > most_input) return false;
-  input += text;
-  wake();
+  std::string passed;
+  {
+    const std::scoped_lock lock(mutex_);
+    const auto found = table_.find(id);
+    if (found == table_.end() || !found->second.terminal || found->second.end) return true;
+    Open& open = found->second;
+    if (open.input.size() + text.size() > most_input) return false;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(passed),
+                 [&](char byte) { return open.withheld.find(byte) == std::string::npos; });
+    open.input += passed;
+    wake();
+  }
+  note_typed(id, passed);
   return true;
+}
+
+void Terminals::note_typed(std::uint64_t id, std::string_view text) {
+  std::string& line = typed_[id].line;
+  for (const char byte : text) {
+    const bool ends = byte == '\r' || byte == '\n';
+    if (!ends) line += byte;
+    if (ends || line.size() >= longest_line) note_rest(id);
+  }
+}
+
+void Terminals::note_rest(std::uint64_t id) {
+  Typed& typed = typed_[id];
+  if (!typed.line.empty()) note_(typed.title + ": " + std::exchange(typed.line, {}));
 }
 
 void Terminals::resize(std::uint64_t id, std::uint16_t columns, std::uint16_t rows) {
@@ -128,6 +158,10 @@ void Terminals::taken(std::uint64_t id, std::uint64_t position) {
 }
 
 void Terminals::close(std::uint64_t id) {
+  if (typed_.contains(id)) {
+    note_rest(id);
+    typed_.erase(id);
+  }
   const std::scoped_lock lock(mutex_);
   const auto found = table_.find(id);
   if (found == table_.end()) return;

@@ -30,13 +30,18 @@ class Terminals {
  public:
   static constexpr std::size_t most = 8;  // terminals of one session, ended ones included
   static constexpr std::size_t window = 256 << 10;
-  static constexpr std::size_t most_input = 1 << 20;  // typed, and not read yet
+  static constexpr std::size_t most_input = 1 << 20;    // typed, and not read yet
+  static constexpr std::size_t longest_line = 4 << 10;  // a longer one is noted in pieces
 
   // Called from both threads; must not wait.
   using Send = std::function<void(std::uint64_t connection, std::string message)>;
 
+  // Told of every line that was typed into a program, and of what was typed of one when the program ended or
+  // was closed: the program's command line, a colon, and the bytes. On the session's thread.
+  using Note = std::function<void(std::string_view text)>;
+
   // Programs run in `folder` unless they name one.
-  Terminals(std::filesystem::path folder, Send send);
+  Terminals(std::filesystem::path folder, Send send, Note note);
   Terminals(const Terminals&) = delete;
   Terminals& operator=(const Terminals&) = delete;
   // Ends all programs and returns when they have ended.
@@ -56,6 +61,8 @@ class Terminals {
   void taken(std::uint64_t id, std::uint64_t position);
   // Ends the program if it runs.
   void close(std::uint64_t id);
+  // Ends all programs, and starts no further one; does not wait. From any thread.
+  void end_all();
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -65,6 +72,7 @@ class Terminals {
 
   struct Open {
     std::string title;
+    std::string withheld;                // bytes that never reach it
     std::unique_ptr<Terminal> terminal;  // none once all has been read of a program that ended
     std::string input;
     std::string history;         // the end of its output
@@ -81,6 +89,12 @@ class Terminals {
   };
   using Table = std::map<std::uint64_t, Open>;
 
+  // What of the latest line has not been noted yet.
+  struct Typed {
+    std::string title;
+    std::string line;
+  };
+
   struct Watch {
     std::vector<std::uint64_t> ids;  // two entries of `polled` each, after the first
     std::vector<pollfd> polled;
@@ -88,6 +102,8 @@ class Terminals {
   };
 
   void make_room();
+  void note_typed(std::uint64_t id, std::string_view text);
+  void note_rest(std::uint64_t id);
   void run();
   Watch what_to_watch();
   void serve(std::uint64_t id, Open& open);
@@ -99,6 +115,8 @@ class Terminals {
 
   const std::filesystem::path folder_;
   const Send send_;
+  const Note note_;
+  std::map<std::uint64_t, Typed> typed_;  // of open terminals; only for the session's thread
   Descriptor wake_;
   std::mutex mutex_;  // of everything below; only the thread closes what it polls
   Table table_;

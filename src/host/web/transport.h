@@ -36,6 +36,7 @@ struct Request {
   std::uint64_t content_length = 0;  // 0 if it is not given
   std::string body;
   std::string remote_address;
+  bool head_only = false;  // a HEAD, whose method is given as GET: the body of the answer is not sent
   bool accepts_gzip = false;
   bool over_tls = false;
 };

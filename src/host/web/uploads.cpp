@@ -64,6 +64,17 @@ std::string strip(std::string_view name) {
   throw Error(failure, std::string("the file cannot be kept: ") + std::strerror(failure));
 }
 
+std::uint64_t size_of_files(const fs::path& folder) {
+  std::uint64_t sum = 0;
+  std::error_code failure;
+  for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
+       entry.increment(failure)) {
+    std::error_code ignored;
+    if (fs::is_regular_file(entry->symlink_status(ignored))) sum += entry->file_size(ignored);
+  }
+  return sum;
+}
+
 void remove_older(const fs::path& folder, std::chrono::hours age) {
   std::error_code failure;
   const auto oldest = fs::file_time_type::clock::now() - age;
@@ -106,8 +117,11 @@ std::string upload_name(std::string_view wanted) {
   return name.empty() ? "upload" + kept_ending : name + kept_ending;
 }
 
-UploadedFile::UploadedFile(fs::path folder, fs::path temporary, Descriptor file)
-    : folder_(std::move(folder)), temporary_(std::move(temporary)), file_(std::move(file)) {}
+UploadedFile::UploadedFile(fs::path folder, fs::path temporary, Descriptor file, std::uint64_t reserved)
+    : folder_(std::move(folder)),
+      temporary_(std::move(temporary)),
+      file_(std::move(file)),
+      reserved_(reserved) {}
 
 UploadedFile::~UploadedFile() {
   ::unlink(temporary_.c_str());
@@ -122,6 +136,7 @@ void UploadedFile::write(std::string_view piece) {
 // a file that is there.
 std::string UploadedFile::keep(std::string_view wanted) {
   if (failure_ != 0) raise(failure_);
+  if (size_ < reserved_ && ::ftruncate(file_.get(), static_cast<off_t>(size_)) != 0) raise(errno);
   const std::string first = upload_name(wanted);
   const std::size_t ending = ending_of(first);
   for (int i = 1; i <= most_of_a_name; ++i) {
@@ -133,14 +148,24 @@ std::string UploadedFile::keep(std::string_view wanted) {
   raise(EEXIST);
 }
 
-std::unique_ptr<UploadedFile> UploadFolder::receive() const {
+bool UploadFolder::has_room_for(std::uint64_t size) const {
+  return size <= all_files && size_of_files(path_) + size_of_files(arriving()) <= all_files - size;
+}
+
+std::unique_ptr<UploadedFile> UploadFolder::receive(std::uint64_t size) const {
   std::error_code failure;
   fs::create_directories(arriving(), failure);
   if (failure) raise(failure.value());
   std::string name = (arriving() / "XXXXXX").string();
   Descriptor file(::mkostemp(name.data(), O_CLOEXEC));
   if (!file) raise(errno);
-  return std::make_unique<UploadedFile>(path_, name, std::move(file));
+  // A size without blocks counts as well.
+  if (::ftruncate(file.get(), static_cast<off_t>(size)) != 0) {
+    const int code = errno;
+    ::unlink(name.c_str());
+    raise(code);
+  }
+  return std::make_unique<UploadedFile>(path_, name, std::move(file), size);
 }
 
 void UploadFolder::sweep() const {

@@ -31,7 +31,9 @@ std::string upload_name(std::string_view wanted);
 // A file that is being received into the upload folder. The destructor removes it unless keep() succeeded.
 class UploadedFile {
  public:
-  UploadedFile(std::filesystem::path folder, std::filesystem::path temporary, Descriptor file);
+  // `reserved` bytes have been reserved in the file.
+  UploadedFile(std::filesystem::path folder, std::filesystem::path temporary, Descriptor file,
+               std::uint64_t reserved);
   UploadedFile(const UploadedFile&) = delete;
   UploadedFile& operator=(const UploadedFile&) = delete;
   ~UploadedFile();
@@ -48,6 +50,7 @@ class UploadedFile {
   std::filesystem::path folder_;
   std::filesystem::path temporary_;
   Descriptor file_;
+  std::uint64_t reserved_ = 0;
   std::uint64_t size_ = 0;
   int failure_ = 0;
 };
@@ -56,14 +59,19 @@ class UploadedFile {
 class UploadFolder {
  public:
   static constexpr std::uint64_t longest_file = 64 << 20;
+  static constexpr std::uint64_t all_files = 512 << 20;
   static constexpr std::chrono::hours kept{7 * 24};
 
   explicit UploadFolder(const std::filesystem::path& console_folder)
       : path_(console_folder::uploads(console_folder)) {}
 
   const std::filesystem::path& path() const { return path_; }
-  // Makes the folder if need be. Raises zrl::Error.
-  std::unique_ptr<UploadedFile> receive() const;
+  // Whether a file of this size may come: together with those that are there and those that are under way it
+  // is within the limit for all files.
+  bool has_room_for(std::uint64_t size) const;
+  // Makes the folder if need be, and reserves that size, so that files that come at the same time are
+  // counted. Raises zrl::Error.
+  std::unique_ptr<UploadedFile> receive(std::uint64_t size = 0) const;
   // Removes what is older than a week, and what broke off.
   void sweep() const;
 

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "core/contracts/console_folder.h"
+#include "host/secrets_folder.h"
 #include "host/web/assets.h"
 
 namespace zrl::web {
@@ -47,7 +49,8 @@ Endpoint endpoint_in(std::string_view text) {
 
 ServerOptions server_options(const WebHostOptions& options) {
   const Endpoint endpoint = endpoint_in(options.listen);
-  return {endpoint.address, endpoint.port, options.certificate, options.key, options.server_limits};
+  return {endpoint.address, endpoint.port,         options.certificate,
+          options.key,      options.server_limits, options.tell};
 }
 
 ApplicationSettings application_settings(WebHostOptions options) {
@@ -63,8 +66,12 @@ ApplicationSettings application_settings(WebHostOptions options) {
   settings.assets = built_in_assets();
   settings.version = console.settings().product_version();
   settings.language = language.empty() ? "english" : language;
+  const auto if_unwritable =
+      options.audit_required ? AuditFile::IfUnwritable::refuse : AuditFile::IfUnwritable::tell;
+  auto audit = std::make_shared<AuditFile>(console_folder::secrets(console.folder()) / "audit.log",
+                                           if_unwritable, std::move(options.tell), AuditFile::Limits());
   settings.console = {console.folder(), options.pages, std::move(options.register_components),
-                      options.modeless_dialogs};
+                      std::move(audit), options.modeless_dialogs};
   return settings;
 }
 
@@ -77,7 +84,10 @@ std::string address_of(const WebHostOptions& options, std::uint16_t port) {
 }  // namespace
 
 WebHost::WebHost(WebHostOptions options)
-    : server_(server_options(options)), address_(address_of(options, server_.port())) {
+    : warnings_(secure_folder(options.folder)),
+      server_(server_options(options)),
+      address_(address_of(options, server_.port())) {
+  for (std::string& warning : server_.warnings()) warnings_.push_back(std::move(warning));
   application_ = std::make_unique<Application>(application_settings(std::move(options)), server_);
   server_.start(*application_);
 }
@@ -90,6 +100,10 @@ std::string WebHost::make_setup_secret() {
 
 void WebHost::run() {
   server_.run();
+}
+
+void WebHost::reload() {
+  server_.reload();
 }
 
 void WebHost::stop() {

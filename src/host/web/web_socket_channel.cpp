@@ -10,6 +10,8 @@
 #include <boost/beast/websocket/stream.hpp>
 #include <deque>
 
+#include "host/web/security_headers.h"
+
 namespace zrl::web {
 
 namespace {
@@ -38,6 +40,16 @@ class WebSocketChannel : public Channel, public std::enable_shared_from_this<Web
     timeout.idle_timeout = limits.silence;
     timeout.keep_alive_pings = true;
     socket_.set_option(timeout);
+    // Of refusals, too. Without a name of its own the library adds its one.
+    const bool over_tls = socket_.next_layer().over_tls();
+    socket_.set_option(websocket::stream_base::decorator([over_tls](websocket::response_type& answer) {
+      for_each_security_header(over_tls, [&answer](std::string_view name, std::string_view value) {
+        answer.set(beast::string_view(name.data(), name.size()),
+                   beast::string_view(value.data(), value.size()));
+      });
+      answer.set(beast::http::field::cache_control, "no-store");
+      answer.set(beast::http::field::server, "zrlconsole");
+    }));
   }
 
   void send(std::string text) override {

@@ -44,6 +44,8 @@ class RunningHost {
   }
 
   const std::filesystem::path& folder() const { return folder_.path(); }
+  std::filesystem::path audit_file() const { return folder() / "secrets" / "audit.log"; }
+  web::WebHost& host() { return host_; }
   void stop() { host_.stop(); }
   // After stop(): returns when all sessions have ended.
   void join() { thread_.join(); }

@@ -24,8 +24,12 @@ namespace zrl::test {
 // browser that is connected to it without a network between them.
 class SessionDriver : public BrowserEnd, private web::SessionOutput {
  public:
-  explicit SessionDriver(std::span<const PageEntry> pages, bool modeless = false)
-      : settings_{folder_.path(), pages, register_components, modeless} {
+  explicit SessionDriver(std::span<const PageEntry> pages, bool modeless = false,
+                         web::AuditFile::IfUnwritable if_unaudited = web::AuditFile::IfUnwritable::tell)
+      : settings_{
+            folder_.path(), pages, register_components,
+            std::make_shared<web::AuditFile>(audit_file(), if_unaudited, nullptr, web::AuditFile::Limits()),
+            modeless} {
     RecordingHost nobody;
     Console console(folder_.path(), nobody);
     register_components(console);
@@ -52,6 +56,11 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
     inbox_.push({web::Incoming::Kind::connected, connection_, {}});
     receive("hello");
   }
+
+  std::filesystem::path audit_file() const { return folder() / "secrets" / "audit.log"; }
+
+  // What the session's thread gets to see of its end, when it comes to that.
+  void announce_end() { inbox_.push({web::Incoming::Kind::ended, 0, {}}); }
 
   // Returns when the thread has ended.
   void end(web::Incoming::Kind kind) {
@@ -83,6 +92,7 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
 
   std::atomic<int> violations = 0;
   std::atomic<int> busy_changes = 0;
+  std::atomic<int> acts = 0;
   std::atomic<bool> ended_ = false;
   std::string language() {
     const std::scoped_lock lock(mutex_);
@@ -97,6 +107,7 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
     arrived_.notify_one();
   }
   void violated(std::uint64_t) override { ++violations; }
+  void person_acted() override { ++acts; }
   void action_began() override { ++busy_changes; }
   void action_ended() override { ++busy_changes; }
   void progress(std::string, std::uint64_t, std::uint64_t) override {}

@@ -38,7 +38,7 @@ json::object changes_of(SessionDriver& session, std::uint64_t seq) {
 }
 
 std::string audit_log(const SessionDriver& session) {
-  std::ifstream file(session.folder() / "audit.log", std::ios::binary);
+  std::ifstream file(session.audit_file(), std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -213,29 +213,73 @@ TEST(SessionForms, TheAuditLogHoldsWritesAndCannotBeForged) {
   EXPECT_THAT(first, ::testing::EndsWith("Z\tadmin\thandlers\tcomponent\tok\ttwo\\x0alines\\x09and "
                                          "\\x1b[31mred\\x1b[0m \\xe2\\x80\\x8f\uFFFD"));
   EXPECT_THAT(log, ::testing::Not(::testing::HasSubstr("a read")));
-  EXPECT_EQ(std::filesystem::status(session.folder() / "audit.log").permissions(),
-            std::filesystem::perms(0600));
+  EXPECT_EQ(std::filesystem::status(session.audit_file()).permissions(), std::filesystem::perms(0600));
 }
 
 TEST(SessionForms, AnAuditLogThatCannotBeWrittenStopsNothing) {
   SessionDriver session(test_pages());
   session.show("handlers");
-  std::filesystem::create_symlink(session.folder() / "elsewhere", session.folder() / "audit.log");
+  std::filesystem::create_symlink(session.folder() / "elsewhere", session.audit_file());
   session.until_done(session.click("handlers", "write"));
   session.until_done(session.click("handlers", "count"));
   EXPECT_EQ(session.held("handlers", "clicks", "caption"), "1");
   EXPECT_FALSE(std::filesystem::exists(session.folder() / "elsewhere"));
+  EXPECT_THAT(session.errors, ::testing::Contains("not_recorded"));
 
   ActivityRecord record;
   record.succeeded(ActivityRecord::Kind::sql, "lost", 0);
-  web::AuditLog full_disk("/dev/full", "admin");
+  web::AuditLog full_disk(std::make_shared<web::AuditFile>("/dev/full"), "admin");
   EXPECT_EQ(full_disk.append(record, 0, "handlers"), 1u);
+}
+
+TEST(SessionForms, AnAuditLogThatHasToBeWrittenAndCannotRefusesActions) {
+  SessionDriver session(test_pages(), false, web::AuditFile::IfUnwritable::refuse);
+  session.show("handlers");
+  session.until_done(session.click("handlers", "count"));
+  std::filesystem::remove(session.audit_file());
+  std::filesystem::create_directory(session.audit_file());
+  EXPECT_EQ(session.until_error(session.click("handlers", "count")), "no_audit");
+  EXPECT_EQ(session.until_error(session.event("handlers", "shouted", "text", {{"text", "x"}})), "no_audit");
+  // What is there may be looked at.
+  session.show("handlers");
+  std::filesystem::remove(session.audit_file());
+  session.until_done(session.click("handlers", "count"));
+  EXPECT_EQ(session.held("handlers", "clicks", "caption"), "1");
+}
+
+TEST(AuditLog, TurnsOverBySizeAndTellsTroubleOnce) {
+  TemporaryFolder folder;
+  const auto path = folder.path() / "audit.log";
+  std::vector<std::string> told;
+  web::AuditFile file(path, web::AuditFile::IfUnwritable::tell,
+                      [&told](std::string_view line) { told.emplace_back(line); }, {.bytes = 100, .kept = 2});
+  // Another process appends, and turns over, too.
+  web::AuditFile other(path, web::AuditFile::IfUnwritable::tell, {}, {.bytes = 100, .kept = 2});
+  for (int i = 0; i < 9; ++i) {
+    const std::string line(39, static_cast<char>('0' + i));
+    EXPECT_TRUE((i % 2 == 0 ? file : other).append(line + "\n"));
+  }
+  EXPECT_EQ(zrl::read_file(path).substr(0, 1), "8");
+  EXPECT_EQ(zrl::read_file(path.string() + ".1"), std::string(39, '6') + "\n" + std::string(39, '7') + "\n");
+  EXPECT_EQ(zrl::read_file(path.string() + ".2").substr(0, 1), "4");
+  EXPECT_FALSE(std::filesystem::exists(path.string() + ".3"));
+
+  std::filesystem::remove(path);
+  std::filesystem::create_directory(path);
+  EXPECT_FALSE(file.append("lost\n"));
+  EXPECT_FALSE(file.append("lost\n"));
+  ASSERT_EQ(told.size(), 1u);
+  EXPECT_THAT(told[0], ::testing::HasSubstr("cannot be written"));
+  std::filesystem::remove(path);
+  EXPECT_TRUE(file.append("found\n"));
+  EXPECT_EQ(told.size(), 2u);
+  EXPECT_THAT(zrl::read_file(path), ::testing::EndsWith("\t2 times, lines could not be written\nfound\n"));
 }
 
 TEST(AuditLog, HoldsNoSecretsAndGoesOnBehindATornLine) {
   TemporaryFolder folder;
   const auto file = folder.path() / "audit.log";
-  web::AuditLog log(file, "admin");
+  web::AuditLog log(std::make_shared<web::AuditFile>(file), "admin");
   ActivityRecord record;
   record.succeeded(ActivityRecord::Kind::sql, "password='secret'", 0, "password='***'");
   record.failed(ActivityRecord::Kind::sql, "password='secret'", "locked", 0, true, "password='***'");

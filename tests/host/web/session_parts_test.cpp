@@ -48,6 +48,7 @@ class NotingOutput : public web::SessionOutput {
  public:
   void send(std::uint64_t, std::string message) override { messages.push_back(std::move(message)); }
   void violated(std::uint64_t) override { calls.emplace_back("violated"); }
+  void person_acted() override { calls.emplace_back("acted"); }
   void action_began() override { calls.emplace_back("began"); }
   void action_ended() override { calls.emplace_back("ended"); }
   void progress(std::string text, std::uint64_t, std::uint64_t) override { calls.push_back(std::move(text)); }
@@ -267,7 +268,7 @@ struct ReporterTest : SessionParts {
   }
 
   std::filesystem::path audit_file = folder.path() / "audit.log";
-  web::Reporter reporter{output, forms, audit_file, "admin"};
+  web::Reporter reporter{output, forms, std::make_shared<web::AuditFile>(audit_file), "admin"};
 };
 
 TEST_F(ReporterTest, EachReportHoldsWhatIsNew) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
@@ -112,9 +113,11 @@ class TerminalsTest : public ::testing::Test {
   std::uint64_t connection_ = 1;
   std::size_t received_ = 0;
   int scripts_ = 0;
+  std::vector<std::string> notes_;
   std::unique_ptr<web::Terminals> terminals_ = std::make_unique<web::Terminals>(
       folder_.path(),
-      [this](std::uint64_t connection, const std::string& text) { receive(connection, text); });
+      [this](std::uint64_t connection, const std::string& text) { receive(connection, text); },
+      [this](std::string_view text) { notes_.emplace_back(text); });
 };
 
 TEST_F(TerminalsTest, AProgramGetsATerminalAndNothingOfOurs) {
@@ -130,6 +133,7 @@ TEST_F(TerminalsTest, AProgramGetsATerminalAndNothingOfOurs) {
   EXPECT_THAT(told.output, HasSubstr("TERM=xterm-256color"));
   EXPECT_THAT(told.output, HasSubstr("<a b;c><$(touch bad)>\r\n"));
   EXPECT_THAT(told.output, Not(HasSubstr("ZRL_TEST_SECRET")));
+  EXPECT_THAT(told.output, Not(HasSubstr("HOME=")));
   EXPECT_THAT(told.output, ::testing::MatchesRegex("(.|\r|\n)*\r\n0\r\n1\r\n10\r\n2\r\n"));  // 10: the script
   EXPECT_EQ(told.end.at("status"), 3);
   ::unsetenv("ZRL_TEST_SECRET");
@@ -152,6 +156,54 @@ TEST_F(TerminalsTest, TypingAndResizingReachTheProgram) {
   terminals_->close(1);
   terminals_->close(77);
   EXPECT_TRUE(shown(1).gone);
+}
+
+TEST_F(TerminalsTest, ProgramsGainNothingAndAreLimited) {
+  start(
+      "umask; ulimit -c; ulimit -n; while read -r name value; do case $name in NoNewPrivs:) echo nnp "
+      "$value;; esac; "
+      "done < /proc/self/status");
+  ASSERT_TRUE(becomes([&] { return has_ended(1); }));
+  EXPECT_EQ(shown(1).output, "0077\r\n0\r\n256\r\nnnp 1\r\n");
+}
+
+// Whoever types into it must find no way from it to a shell, whichever telnet it is.
+TEST_F(TerminalsTest, TelnetIsAlone) {
+  const auto file = folder_.path() / "telnet";
+  std::ofstream(file)
+      << "#!/bin/sh\necho \"<$*>\"\ncase $2 in\nfork) (echo forked) ;;\nexec) exec /bin/echo executed ;;\n"
+         "write) echo written > written ;;\nread) read -r line; echo \"got $line\" ;;\nesac\n";
+  std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+  std::uint64_t id = 0;
+  for (const char* what : {"fork", "exec", "write"}) {
+    terminals_->start({file.string() + ".exe", {what, "25"}, ""});
+    ASSERT_TRUE(becomes([&, id = ++id] { return has_ended(id); })) << what;
+    EXPECT_THAT(shown(id).output, ::testing::StartsWith("<-E " + std::string(what) + " 25>\r\n"));
+    EXPECT_THAT(shown(id).output, Not(HasSubstr("forked")));
+    EXPECT_THAT(shown(id).output, Not(HasSubstr("executed")));
+  }
+  EXPECT_EQ(std::filesystem::file_size(folder_.path() / "written"), 0u);
+  terminals_->start({file.string() + ".exe", {"read", "25"}, ""});
+  ASSERT_TRUE(becomes([&, id = ++id] { return shown(id).output.find(">") != std::string::npos; }));
+  terminals_->type(id, "one\x1d line\r");
+  ASSERT_TRUE(becomes([&] { return has_ended(id); }));
+  EXPECT_THAT(shown(id).output, HasSubstr("got one line\r\n"));
+  EXPECT_THAT(notes_, ::testing::ElementsAre(HasSubstr("telnet.exe read 25: one line")));
+}
+
+TEST_F(TerminalsTest, WhatIsTypedIsNotedByLines) {
+  start("stty raw -echo; echo ready; exec sleep 60");
+  ASSERT_TRUE(becomes([&] { return !shown(1).output.empty(); }));
+  terminals_->type(1, "EHLO ");
+  terminals_->type(1, "here\r\nMAIL\x7f\r");
+  terminals_->type(1, std::string(5000, 'x'));
+  ASSERT_EQ(notes_.size(), 3u);
+  EXPECT_THAT(notes_[0], ::testing::EndsWith("program1.exe: EHLO here"));
+  EXPECT_THAT(notes_[1], ::testing::EndsWith(": MAIL\x7f"));
+  EXPECT_THAT(notes_[2], ::testing::EndsWith(": " + std::string(4096, 'x')));
+  // An unfinished line as well.
+  terminals_.reset();
+  EXPECT_THAT(notes_.back(), ::testing::EndsWith(": " + std::string(904, 'x')));
 }
 
 TEST_F(TerminalsTest, EndlessOutputWaitsForTheBrowser) {
@@ -223,6 +275,23 @@ TEST_F(TerminalsTest, OnlySoManyRunAndEndedOnesGiveWay) {
   start("sleep 60");
   EXPECT_TRUE(shown(1).gone);
   EXPECT_THROW(start("sleep 60"), Error);
+}
+
+TEST(SessionTerminals, ProgramsEndWithTheSessionEvenDuringAnAction) {
+  SessionDriver session(test_pages());
+  const auto program = session.folder() / "program";
+  std::ofstream(program) << "#!/bin/sh\necho $$\nexec sleep 600\n";
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  session.show("handlers");
+  session.event("handlers", "command", "text", {{"text", program.string()}});
+  session.until_done(session.click("handlers", "program"));
+  const pid_t process = std::stoi(from_base64(session.receive("output").at("data").as_string()));
+  session.click("handlers", "block");
+  while (session.busy_changes % 2 == 0) std::this_thread::sleep_for(1ms);
+  EXPECT_EQ(::kill(process, 0), 0);
+  session.announce_end();
+  EXPECT_TRUE(becomes([&] { return ::kill(process, 0) != 0; }));
+  session.make_file("go");
 }
 
 TEST(SessionTerminals, APageStartsAProgramAndGoesOn) {

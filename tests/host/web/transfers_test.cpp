@@ -143,7 +143,7 @@ class SessionTransfers : public ::testing::Test {
  protected:
   void SetUp() override { session_.show("allcontrols"); }
   std::string source() { return std::string(session_.held("sample", "source", "text").as_string()); }
-  std::string audit_log() { return read_file(session_.folder() / "audit.log"); }
+  std::string audit_log() { return read_file(session_.audit_file()); }
 
   SessionDriver session_{test_pages()};
 };

@@ -26,7 +26,10 @@ HttpAnswer parse_head(std::string_view head) {
     const std::string_view line = head.substr(begin, at == head.npos ? head.npos : at - begin);
     const std::size_t colon = line.find(':');
     if (colon == line.npos) continue;
-    answer.headers[lower(line.substr(0, colon))] = trim(line.substr(colon + 1));
+    const std::string name = lower(line.substr(0, colon));
+    const std::string value(trim(line.substr(colon + 1)));
+    if (name == "set-cookie") answer.cookies.push_back(value);
+    answer.headers[name] = value;
   }
   return answer;
 }
@@ -96,7 +99,10 @@ std::string WebClient::head(std::string_view method, std::string_view path,
   std::string text(method);
   text.append(" ").append(path).append(" HTTP/1.1\r\nHost: ").append(host_).append("\r\nOrigin: http://");
   text.append(host_).append("\r\n");
-  if (!cookie.empty()) text.append("Cookie: other=1; zrl_session=").append(cookie).append("\r\n");
+  if (!cookie.empty() || !device.empty()) {
+    text.append("Cookie: other=1; zrl_session=").append(cookie).append("; zrl_device=").append(device);
+    text.append("\r\n");
+  }
   return text.append(more_headers);
 }
 
@@ -115,8 +121,11 @@ HttpAnswer WebClient::post(std::string_view path, const json::value& body) {
   const std::string text = json::serialize(body);
   HttpAnswer answer = raw(head("POST", path, "Content-Type: application/json\r\nContent-Length: ") +
                           std::to_string(text.size()) + "\r\n\r\n" + text);
-  const std::string& set = answer.headers["set-cookie"];
-  if (set.starts_with("zrl_session=")) cookie = set.substr(12, set.find(';') - 12);
+  for (const std::string& set : answer.cookies) {
+    const std::string value = set.substr(set.find('=') + 1, set.find(';') - set.find('=') - 1);
+    if (set.starts_with("zrl_session=")) cookie = value;
+    if (set.starts_with("zrl_device=")) device = value;
+  }
   return answer;
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/web/browser_end.h"
 
@@ -13,7 +14,8 @@ namespace zrl::test {
 
 struct HttpAnswer {
   int status = 0;
-  std::map<std::string, std::string> headers;  // by lower-case name
+  std::map<std::string, std::string> headers;  // by lower-case name, the last of each
+  std::vector<std::string> cookies;            // of all headers Set-Cookie
   std::string body;
 
   json::object object() const { return json::parse(body).as_object(); }
@@ -54,6 +56,7 @@ class WebClient {
   const std::string& host() const { return host_; }
   std::uint16_t port() const { return port_; }
   std::string cookie;
+  std::string device;
 
  private:
   std::uint16_t port_;

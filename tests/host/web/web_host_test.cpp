@@ -8,6 +8,7 @@
 #include "core/text/files.h"
 #include "host/web/handler_page.h"
 #include "host/web/running_host.h"
+#include "host/web/uploads.h"
 
 // The web host over real connections.
 namespace zrl::test {
@@ -41,6 +42,8 @@ TEST(WebHost, SigningInAndOut) {
   setup["secret"] = host.secret;
   setup["password"] = "too short";
   EXPECT_EQ(error_of(client.post("/api/setup", setup)), "weak_password");
+  setup["password"] = "Password2024!";
+  EXPECT_EQ(error_of(client.post("/api/setup", setup)), "common_password");
   setup["password"] = "correct horse";
   const HttpAnswer answer = client.post("/api/setup", setup);
   EXPECT_EQ(answer.status, 200);
@@ -85,6 +88,24 @@ TEST(WebHost, GuessingIsSlowedDown) {
   EXPECT_EQ(client.post("/api/login", login(RunningHost::password)).status, 429);
 }
 
+// From one address, as behind a proxy: strangers have used up its tries.
+TEST(WebHost, WhoSignedInBeforeIsNotLockedOut) {
+  RunningHost host(with_pages());
+  WebClient known = host.sign_in();
+  EXPECT_EQ(known.post("/api/logout", json::object()).status, 200);
+  WebClient stranger(host.port());
+  while (stranger.post("/api/login", login("a wrong guess")).status != 429) continue;
+  EXPECT_EQ(stranger.post("/api/login", login(RunningHost::password)).status, 429);
+  EXPECT_EQ(known.post("/api/login", login(RunningHost::password)).status, 200);
+  EXPECT_EQ(known.post("/api/login", login(RunningHost::password)).status, 200);
+  // What it proves is its account alone, and it may not guess for ever either.
+  EXPECT_EQ(known.post("/api/login", {{"account", "root"}, {"password", "a wrong guess"}}).status, 429);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(known.post("/api/login", login("a wrong guess")).status, 401);
+  EXPECT_EQ(known.post("/api/login", login(RunningHost::password)).status, 429);
+  const std::string log = read_file(host.audit_file());
+  EXPECT_THAT(log, HasSubstr("\taccount\tfailed\tsign in from 127.0.0.1\ttoo many tries\n"));
+}
+
 TEST(WebHost, AnotherPassword) {
   RunningHost host(with_pages());
   WebClient client = host.sign_in();
@@ -96,15 +117,25 @@ TEST(WebHost, AnotherPassword) {
   EXPECT_EQ(error_of(change(nobody, RunningHost::password, "staple battery")), "signed_out");
   EXPECT_EQ(error_of(change(client, "a wrong guess", "staple battery")), "wrong_password");
   EXPECT_EQ(error_of(change(client, RunningHost::password, "too short")), "weak_password");
+  EXPECT_EQ(error_of(change(client, RunningHost::password, "admin1234567")), "common_password");
+  WebSocket socket(client);
+  socket.receive("hello");
+  const std::string old_cookie = client.cookie;
   EXPECT_EQ(change(client, RunningHost::password, "staple battery").status, 200);
+  // The session goes on under another token.
+  EXPECT_NE(client.cookie, old_cookie);
+  socket.until_done(socket.open("handlers"));
+  WebClient thief(host.port());
+  thief.cookie = old_cookie;
+  EXPECT_EQ(thief.get("/api/state").object().at("account"), nullptr);
 
   EXPECT_EQ(client.get("/api/state").object().at("account"), "admin");
   EXPECT_EQ(stranger.get("/api/state").object().at("account"), nullptr);
   EXPECT_EQ(error_of(nobody.post("/api/login", login(RunningHost::password))), "wrong_password");
   EXPECT_EQ(nobody.post("/api/login", login("staple battery")).status, 200);
-  EXPECT_THAT(read_file(host.folder() / "audit.log"),
+  EXPECT_THAT(read_file(host.audit_file()),
               ::testing::HasSubstr("account\tfailed\tchange password from 127.0.0.1\twrong password\n"));
-  EXPECT_THAT(read_file(host.folder() / "audit.log"),
+  EXPECT_THAT(read_file(host.audit_file()),
               ::testing::HasSubstr("account\tok\tchange password from 127.0.0.1\n"));
 }
 
@@ -143,6 +174,29 @@ TEST(WebHost, RequestsThatAreNotOursAreRefused) {
       {"POST /api/login HTTP/1.1\r\n" + own + origin + body, 400},
       {"POST /api/nothing HTTP/1.1\r\n" + own + origin + body, 404},
       {"PUT / HTTP/1.1\r\n" + own + origin + body, 405},
+      // Where a request ends, and whom it is for, is beyond doubt.
+      {"GET / HTTP/1.1\r\n" + own + "Host: evil.example\r\n\r\n", 400},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin + "Transfer-Encoding: gzip\r\n\r\n", 501},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin + "Transfer-Encoding: chunked, gzip\r\n\r\n0\r\n\r\n",
+       501},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin + "Transfer-Encoding: gzip, chunked\r\n\r\n0\r\n\r\n",
+       501},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin + "Transfer-Encoding: xchunked\r\n\r\n", 501},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin + "Content-Type: application/json\r\n" +
+           "Transfer-Encoding: Chunked\r\n\r\n2\r\n{}\r\n0\r\n\r\n",
+       400},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin +
+           "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n{}",
+       400},
+      // The library's refusals of hand-shakes look like ours.
+      {"GET /ws HTTP/1.1\r\n" + own + origin + cookie +
+           "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 12\r\n"
+           "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n",
+       426},
+      {"GET /ws HTTP/1.1\r\n" + own + origin + cookie +
+           "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+           "Sec-WebSocket-Key: short\r\n\r\n",
+       400},
       {"GET /../accounts.json HTTP/1.1\r\n" + own + "\r\n", 404},
       {"nonsense\r\n\r\n", 400},
       {"GET / HTTP/1.1\r\n" + own + "X: " + std::string(20'000, 'x') + "\r\n\r\n", 431},
@@ -151,16 +205,37 @@ TEST(WebHost, RequestsThatAreNotOursAreRefused) {
   for (const Case& tried : cases) {
     HttpAnswer answer = client.raw(tried.request);
     EXPECT_EQ(answer.status, tried.status) << tried.request.substr(0, 200);
-    if (answer.status != 101) {
-      EXPECT_THAT(answer.headers["content-security-policy"],
-                  "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
-                  "font-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; "
-                  "frame-ancestors 'none'");
-      EXPECT_EQ(answer.headers["x-content-type-options"], "nosniff");
-      EXPECT_EQ(answer.headers["cache-control"], "no-store");
-    }
+    EXPECT_THAT(answer.headers["content-security-policy"],
+                "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
+                "font-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; "
+                "frame-ancestors 'none'");
+    EXPECT_EQ(answer.headers["x-content-type-options"], "nosniff");
+    EXPECT_EQ(answer.headers["cache-control"], "no-store");
+    EXPECT_THAT(answer.headers["server"], ::testing::AnyOf("", "zrlconsole"));
   }
+  EXPECT_THAT(read_file(host.audit_file()), HasSubstr("request from 127.0.0.1 for \"evil.example\""));
   EXPECT_EQ(client.get("/api/state").object().at("account"), "admin");
+}
+
+TEST(WebHost, AHeadIsAnAnswerWithoutItsBody) {
+  RunningHost host(with_pages());
+  WebClient client = host.sign_in();
+  const HttpAnswer whole = client.get("/");
+  TcpConnection connection(host.port());
+  // On one connection, so that a body would be taken for the next answer.
+  for (const char* path : {"/", "/api/state", "/nothing"}) {
+    connection.write(client.head("HEAD", path) + "\r\n");
+    std::string answer;
+    while (!answer.ends_with("\r\n\r\n")) answer += connection.read();
+    EXPECT_THAT(answer, ::testing::StartsWith("HTTP/1.1 " + std::to_string(client.get(path).status)));
+    EXPECT_THAT(answer, HasSubstr("Content-Length: " + client.get(path).headers.at("content-length")));
+  }
+  WebSocket socket(client);
+  socket.until_done(socket.open("allcontrols"));
+  socket.click("allcontrols", "offer");
+  const std::string path = "/file/" + std::string(socket.receive("file").at("token").as_string());
+  EXPECT_EQ(client.raw(client.head("HEAD", path, "Connection: close\r\n") + "\r\n").status, 200);
+  EXPECT_THAT(read_file(host.audit_file()), ::testing::Not(HasSubstr("download")));
 }
 
 TEST(WebHost, TheFrontEndIsBuiltIn) {
@@ -231,6 +306,31 @@ TEST(WebHost, ALostPageIsKeptForAWhile) {
   EXPECT_FALSE(std::filesystem::exists(host.folder() / "handlers-left"));
   while (!std::filesystem::exists(host.folder() / "handlers-left")) std::this_thread::sleep_for(10ms);
   EXPECT_EQ(WebSocket(client).status, 401);
+}
+
+// What browsers send by themselves is not what a person does.
+TEST(WebHost, OnlyAPersonKeepsASessionAlive) {
+  web::WebHostOptions options = with_pages();
+  options.session_limits.times.idle = 600ms;
+  options.session_limits.sweep = 20ms;
+  RunningHost host(std::move(options));
+  WebClient client = host.sign_in();
+  WebSocket socket(client);
+  socket.until_done(socket.open("allcontrols"));
+  const auto send_for = [&](std::chrono::milliseconds time, const char* message) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (std::chrono::steady_clock::now() < end) {
+      socket.send_text(message);
+      std::this_thread::sleep_for(50ms);
+    }
+  };
+  send_for(1000ms, R"({"type": "active"})");
+  EXPECT_EQ(client.get("/api/state").object().at("account"), "admin");
+  send_for(1000ms, R"({"type": "rows", "form": "allcontrols", "control": "List1", "request": 1, "start": 0,
+                       "count": 10, "filter": ""})");
+  EXPECT_EQ(client.get("/api/state").object().at("account"), nullptr);
+  EXPECT_THAT(read_file(host.audit_file()),
+              HasSubstr("\taccount\tok\tthe session has ended: nobody used it\n"));
 }
 
 TEST(WebHost, IdleAndOldSessionsEnd) {
@@ -324,21 +424,38 @@ TEST(WebHost, ABrowserThatDoesNotReadIsCutOff) {
 
 TEST(WebHost, AnAddressHasOnlySoManyConnections) {
   web::WebHostOptions options = with_pages();
-  options.server_limits.connections_an_address = 3;
-  options.server_limits.request = 300ms;
+  options.server_limits.connections_a_network = 3;
+  options.server_limits.request = 1000ms;
   RunningHost host(std::move(options));
+  WebClient first = host.sign_in();
+  WebSocket open(first);
+  open.receive("hello");
   std::vector<TcpConnection> connections;
   for (int i = 0; i < 3; ++i) connections.emplace_back(host.port());
-  connections[0].write("GET / HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
-  EXPECT_THAT(connections[0].read(), HasSubstr("200 OK"));
-  TcpConnection refused(host.port());
-  EXPECT_EQ(refused.read(), "");
+  // The open WebSocket keeps its place; of those that have sent no request, the oldest gave way.
+  EXPECT_EQ(connections[0].read(), "");
+  connections[1].write("GET / HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+  EXPECT_THAT(connections[1].read(), HasSubstr("200 OK"));
   // Who sends a request by the byte is not waited for.
-  connections[1].write("GET / HT");
-  EXPECT_EQ(connections[1].read(), "");
+  connections[2].write("GET / HT");
   EXPECT_EQ(connections[2].read(), "");
+  open.until_done(open.open("handlers"));
   WebClient client(host.port());
   EXPECT_EQ(client.get("/").status, 200);
+}
+
+TEST(WebHost, SilentConnectionsKeepNobodyOut) {
+  web::WebHostOptions options = with_pages();
+  options.server_limits.connections = 20;
+  options.server_limits.connections_a_network = 20;
+  RunningHost host(std::move(options));
+  WebClient client = host.sign_in();
+  std::vector<TcpConnection> silent;
+  for (int i = 0; i < 100; ++i) {
+    silent.emplace_back(host.port());
+    if (i % 2 == 0) silent.back().write("POST /api/login HTTP/1.1\r\nHost: 127");
+    if (i % 5 == 0) EXPECT_EQ(client.post("/api/login", login(RunningHost::password)).status, 200) << i;
+  }
 }
 
 TEST(WebHost, StoppingEndsWhatRuns) {
@@ -401,6 +518,20 @@ TEST(WebHost, FilesComeAndGo) {
   EXPECT_TRUE(std::filesystem::is_empty(arriving));
   EXPECT_FALSE(std::filesystem::exists(host.folder() / "upload" / "broken.txt"));
 
+  // All together have a limit, too: of files that are there, and of those that are on their way.
+  std::filesystem::resize_file(host.folder() / "upload" / "a.txt", web::UploadFolder::all_files - (70 << 20));
+  TcpConnection slow(host.port());
+  slow.write(client.head("POST", "/upload",
+                         "Content-Type: application/octet-stream\r\nUpload-To: sample/File1/slow\r\n"
+                         "Content-Length: 60000000\r\n\r\nx"));
+  while (std::filesystem::is_empty(arriving)) std::this_thread::sleep_for(10ms);
+  EXPECT_EQ(
+      error_of(client.raw(client.head("POST", "/upload",
+                                      "Content-Type: application/octet-stream\r\n"
+                                      "Upload-To: sample/File1/more\r\nContent-Length: 20000000\r\n\r\n"))),
+      "no_room");
+  EXPECT_EQ(client.raw(upload_of(client, "sample/File1/small", "x")).status, 200);
+
   socket.close_form("sample");
   socket.click("allcontrols", "offer");
   const json::object offer = socket.receive("file");
@@ -418,7 +549,7 @@ TEST(WebHost, FilesComeAndGo) {
   EXPECT_EQ(client.get("/file/").status, 404);
   std::filesystem::remove(host.folder() / "list of h\u00f6sts.txt");
   EXPECT_EQ(client.get(path).status, 404);
-  EXPECT_THAT(read_file(host.folder() / "audit.log"), HasSubstr("\tdownload\tok\t"));
+  EXPECT_THAT(read_file(host.audit_file()), HasSubstr("\tdownload\tok\t"));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <fstream>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -10,7 +11,6 @@
 #include "core/text/text.h"
 #include "host/web/accounts.h"
 #include "host/web/list_filter.h"
-#include "host/web/login_throttle.h"
 #include "host/web/origin_check.h"
 #include "support/temporary_folder.h"
 
@@ -90,45 +90,6 @@ TEST(ListFilter, AgreesWithAPlainSearch) {
   }
 }
 
-TEST(LoginThrottle, EachFurtherTryWaitsLonger) {
-  web::LoginThrottle throttle;
-  const auto start = web::LoginThrottle::Clock::now();
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(throttle.begin_try("192.0.2.1", start), 0s);
-  EXPECT_EQ(throttle.begin_try("192.0.2.1", start), 1s);
-  EXPECT_EQ(throttle.begin_try("192.0.2.2", start), 0s);
-  EXPECT_EQ(throttle.begin_try("192.0.2.1", start + 1s), 0s);
-  EXPECT_EQ(throttle.begin_try("192.0.2.1", start + 1s), 2s);
-  auto now = start + 1s;
-  for (int i = 0; i < 30; ++i) {
-    const auto wait = throttle.begin_try("192.0.2.1", now);
-    EXPECT_LE(wait, 900s);
-    now += wait;
-  }
-  EXPECT_GT(throttle.begin_try("192.0.2.1", now), 500s);
-  throttle.succeeded("192.0.2.1");
-  EXPECT_EQ(throttle.begin_try("192.0.2.1", now), 0s);
-  // A client has a whole IPv6 network, and it is one.
-  for (int i = 0; i < 5; ++i) throttle.begin_try("2001:db8:0:1::" + std::to_string(i), now + 1h);
-  EXPECT_GT(throttle.begin_try("2001:db8:0:1::99", now + 1h), 0s);
-}
-
-TEST(LoginThrottle, ManyAddressesAreSlowedDownTogetherAndTakeLittleRoom) {
-  web::LoginThrottle throttle;
-  auto now = web::LoginThrottle::Clock::now();
-  int tried = 0;
-  int at_once = 0;
-  while (tried < 1500) {
-    const std::string address = "10.0." + std::to_string(tried / 250) + "." + std::to_string(tried % 250);
-    const auto wait = throttle.begin_try(address, now);
-    ASSERT_LE(wait, 30s);
-    if (wait != 0s && at_once == 0) at_once = tried;
-    now += wait;
-    if (wait == 0s) ++tried;
-  }
-  EXPECT_EQ(at_once, 25);
-  EXPECT_LE(throttle.addresses(), web::LoginThrottle::max_addresses);
-}
-
 TEST(OriginCheck, OnlyOurOwnPagesAreLetIn) {
   struct Case {
     const char* listen;
@@ -188,7 +149,8 @@ class AccountsTest : public ::testing::Test {
 
   bool verify(web::Accounts& accounts, const std::string& account, const std::string& password) {
     bool result = false;
-    EXPECT_TRUE(accounts.verify(account, password, [&](bool right) { result = right; }));
+    EXPECT_TRUE(accounts.verify(account, password, web::Accounts::Urgency::known,
+                                [&](bool right) { result = right; }));
     loop_.run_one();
     return result;
   }
@@ -236,15 +198,28 @@ TEST_F(AccountsTest, AFileThatCannotBeUsedIsTold) {
   }
 }
 
-TEST_F(AccountsTest, NamesPasswordsAndSecretsAreChecked) {
+// However many strangers' passwords wait, one who signed in before is served next.
+TEST_F(AccountsTest, StrangersDoNotKeepTheKnownWaiting) {
+  web::Accounts accounts(file_, loop_, {.operations = 1, .memory_bytes = 64 << 20});
+  int strangers = 0;
+  std::optional<int> before;
+  int taken = 0;
+  while (accounts.verify("nobody", "guess", web::Accounts::Urgency::stranger, [&](bool) { ++strangers; })) {
+    ++taken;
+  }
+  EXPECT_GE(taken, 16);
+  ASSERT_TRUE(
+      accounts.verify("admin", "right", web::Accounts::Urgency::known, [&](bool) { before = strangers; }));
+  while (!before) loop_.run_one();
+  EXPECT_LE(*before, 6);
+}
+
+TEST_F(AccountsTest, NamesAndSecretsAreChecked) {
   EXPECT_TRUE(web::Accounts::is_acceptable_name("Jörg Müller"));
   for (const std::string& name :
        {std::string(), std::string(" a"), std::string("a\nb"), std::string(65, 'a')}) {
     EXPECT_FALSE(web::Accounts::is_acceptable_name(name)) << name;
   }
-  EXPECT_TRUE(web::Accounts::is_acceptable_password("äöüäöüäöüä"));
-  EXPECT_FALSE(web::Accounts::is_acceptable_password("äöüäöüäöü"));  // nine characters, eighteen bytes
-  EXPECT_FALSE(web::Accounts::is_acceptable_password(std::string(1025, 'a')));
   web::SetupSecret secret;
   EXPECT_FALSE(secret.is(""));
   const std::string text = secret.make();
