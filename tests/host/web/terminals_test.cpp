@@ -284,8 +284,9 @@ TEST(SessionTerminals, ProgramsEndWithTheSessionEvenDuringAnAction) {
   std::filesystem::permissions(program, std::filesystem::perms::owner_all);
   session.show("handlers");
   session.event("handlers", "command", "text", {{"text", program.string()}});
-  session.until_done(session.click("handlers", "program"));
+  session.click("handlers", "program");
   const pid_t process = std::stoi(from_base64(session.receive("output").at("data").as_string()));
+  session.until_done(session.click("handlers", "count"));
   session.click("handlers", "block");
   while (session.busy_changes % 2 == 0) std::this_thread::sleep_for(1ms);
   EXPECT_EQ(::kill(process, 0), 0);
