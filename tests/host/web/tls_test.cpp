@@ -120,8 +120,13 @@ TEST(Tls, AChangedCertificateIsUsedAndNothingEnds) {
   TlsConnection old(host.port());
   const std::string request =
       "GET /api/state HTTP/1.1\r\nHost: localhost:" + std::to_string(host.port()) + "\r\n\r\n";
-  old.write(request);
-  EXPECT_THAT(old.read(), HasSubstr("200 OK"));
+  const auto ask = [&] {
+    old.write(request);
+    std::string answer;
+    for (std::string piece; !answer.ends_with('}') && !(piece = old.read()).empty();) answer += piece;
+    return answer;
+  };
+  EXPECT_THAT(ask(), HasSubstr("200 OK"));
 
   make_certificate(folder.path(), "DNS:localhost");
   const auto fingerprint = [&] { return TlsConnection(host.port()).fingerprint(); };
@@ -134,8 +139,7 @@ TEST(Tls, AChangedCertificateIsUsedAndNothingEnds) {
   std::ofstream(folder.path() / "key.pem") << "no key";
   host.host().reload();
   EXPECT_EQ(fingerprint(), second);
-  old.write(request);
-  EXPECT_THAT(old.read(), HasSubstr("200 OK"));
+  EXPECT_THAT(ask(), HasSubstr("200 OK"));
   const std::scoped_lock lock(mutex);
   EXPECT_THAT(told, ::testing::Contains(HasSubstr("cannot use the key")));
 }
