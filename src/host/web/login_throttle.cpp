@@ -23,7 +23,7 @@ LoginThrottle::LoginThrottle() {
 
 seconds LoginThrottle::begin_try(const Try& attempt, Clock::time_point now) {
   static constexpr Rule client_rule{4, seconds(900)};
-  static constexpr Rule account_rule{24, seconds(30)};
+  static constexpr Rule account_rule{4, seconds(30)};
   if (!attempt.device.empty()) {
     const Clock::time_point next = next_of(devices_, attempt.device, now);
     if (next > now) return std::chrono::ceil<seconds>(next - now);
