@@ -15,8 +15,8 @@ constexpr std::array<std::string_view, 13> kind_names = {
     "ComboBox", "Timer", "ScrollBar", "DriveList", "FolderList",   "FileList"};
 
 constexpr std::array<std::string_view, property_count> property_names = {
-    "caption",  "toolTip", "text", "value",   "items",   "index",
-    "interval", "min",     "max",  "enabled", "visible", "marks"};
+    "caption", "toolTip", "text",    "value",   "items", "index", "interval",
+    "min",     "max",     "enabled", "visible", "marks", "tone"};
 
 constexpr std::array captioned = {caption, tool_tip, enabled, visible};
 constexpr std::array text_field = {text, tool_tip, enabled, visible};

@@ -47,9 +47,10 @@ enum class Property : std::uint8_t {
   max,
   enabled,
   visible,
-  marks,  // only for revisions: get() does not return it, see TextField::marks()
+  marks,  // this and the next only for revisions: get() does not return them, see TextField::marks()
+  tone,   // and Label::tone()
 };
-inline constexpr std::size_t property_count = 12;
+inline constexpr std::size_t property_count = 13;
 
 // "caption", "toolTip" and so on, as hosts print it.
 std::string_view name_of(Property property);

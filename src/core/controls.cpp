@@ -22,6 +22,12 @@ CaptionedControl::CaptionedControl(Form& form, ControlKind kind, std::string_vie
   set_tool_tip(tool_tip);
 }
 
+void Label::set_tone(Tone tone) {
+  if (tone_ == tone) return;
+  tone_ = tone;
+  changed(Property::tone);
+}
+
 TextField::TextField(Form& form, std::string_view name, std::string_view tool_tip, const Style& style)
     : Control(form, ControlKind::text_field, name), style_(style) {
   set_tool_tip(tool_tip);
@@ -134,6 +140,13 @@ void ItemsControl::require_item(std::int64_t index) const {
   require_usable();
   if (index < 0 || static_cast<std::size_t>(index) >= items_.size()) {
     refuse("has no item " + std::to_string(index));
+  }
+}
+
+void ListBox::set_acts(const Acts& acts) {
+  acts_ = acts;
+  for (Button* button : {acts.add, acts.remove}) {
+    if (button != nullptr && acts.entry != nullptr) button->set_needs({acts.entry});
   }
 }
 

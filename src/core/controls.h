@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,8 +52,14 @@ class Label : public CaptionedControl {
 
   const Control* names() const { return names_; }
 
+  // Whether what the text says is good or bad, where that is not the same for all its texts. Hosts colour it.
+  enum class Tone : std::uint8_t { plain, good, waiting, bad };
+  Tone tone() const { return tone_; }
+  void set_tone(Tone tone);
+
  private:
   const Control* names_ = nullptr;
+  Tone tone_ = Tone::plain;
 };
 
 // A text that the user may edit, of one line or several; its length is not limited here. What the page sets
@@ -159,7 +166,22 @@ class Button : public CaptionedControl {
 
   Event on_click;
 
+  // The controls that the act works on: it makes sense only if one of them holds a text or has an item
+  // chosen. Hosts with a screen say so in place of running the click; the button itself checks nothing.
+  // Empty: it needs nothing. To be called before the form is shown; the controls belong to the same form.
+  void set_needs(std::initializer_list<const Control*> controls) { needs_ = controls; }
+  const std::vector<const Control*>& needs() const { return needs_; }
+
+  // The act for which people come to the form. Hosts make it stand out; to be called before the form is
+  // shown.
+  void set_primary() { primary_ = true; }
+  bool primary() const { return primary_; }
+
   void user_click() override;
+
+ private:
+  std::vector<const Control*> needs_;
+  bool primary_ = false;
 };
 
 // What the list-like kinds share: items in one arena, and the index of the chosen one. A list may have
@@ -197,6 +219,18 @@ class ListBox : public ItemsControl {
 
   Event on_click;
 
+  // How people edit the list: choosing an item copies it into `entry`, `add` puts the text of `entry` on the
+  // list, and `remove` takes it off. Lists may share a field and a button; what a list lacks is null. Hosts
+  // offer both acts by keyboard, and the removal of several items. Changes nothing in what the controls do.
+  struct Acts {
+    const TextField* entry = nullptr;
+    Button* add = nullptr;
+    Button* remove = nullptr;
+  };
+  const Acts& acts() const { return acts_; }
+  // Makes both buttons need the entry, too. To be called before the form is shown.
+  void set_acts(const Acts& acts);
+
   void clear() { put_items({}); }
   void add_item(std::string_view item) { append(item); }
   // Takes ownership of the list without copying its texts; nothing is chosen then.
@@ -207,6 +241,9 @@ class ListBox : public ItemsControl {
   void click_item(std::int64_t index);
 
   void user_choose(std::int64_t index) override;
+
+ private:
+  Acts acts_;
 };
 
 // A drop-down list, with or without an edit field. Its text need not be one of the items.

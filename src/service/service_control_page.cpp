@@ -36,6 +36,8 @@ ServiceControlPage::ServiceControlPage(Console& console)
   rservice.on_click = [this] { begin(Pending::restart, "StopService", &ServiceManager::stop); };
   Timer1.on_tick = [this] { follow_service(); };
 
+  Command1.set_primary();
+
   set_layout(column({
       frame(Frame1, grid({Text1, Text3})),
       frame(Frame2, grid({listenip, Text2})),
@@ -127,7 +129,21 @@ std::optional<ServiceState> ServiceControlPage::refresh_status() {
   const ServiceState shown = answer.value_or(ServiceState());
   Label1.set_caption(translate("Service Status: ") + shown.status);
   Label2.set_caption(translate("Service State: ") + shown.state);
+  offer_orders(shown);
   return answer;
+}
+
+// A running service can be stopped, another one started. While it is on its way, or not known, everything can
+// be ordered.
+void ServiceControlPage::offer_orders(const ServiceState& service) {
+  const bool known = !service.status.empty();
+  const bool settled = known && service.checkpoint == 0;
+  const bool runs = service.status == "active";
+  starts.set_enabled(!settled || !runs);
+  for (Button* order : {&stopservice, &rservice}) order->set_enabled(!settled || runs);
+  const Label::Tone settled_tone = runs ? Label::Tone::good : Label::Tone::bad;
+  const Label::Tone tone = settled ? settled_tone : known ? Label::Tone::waiting : Label::Tone::plain;
+  for (Label* label : {&Label1, &Label2}) label->set_tone(tone);
 }
 
 // Stops after some time without an answer: where the manager is gone, the timer would fill the record

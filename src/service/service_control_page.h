@@ -72,6 +72,7 @@ class ServiceControlPage : public Page {
   void begin(Pending pending, std::string_view name, ServiceCall call);
   void give_order(std::string_view name, ServiceCall call);
   std::optional<ServiceState> refresh_status();
+  void offer_orders(const ServiceState& service);
   void follow_service();
 
   Held<ServiceManager> services_{*this, "service manager"};

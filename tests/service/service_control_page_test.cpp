@@ -174,6 +174,9 @@ TEST_F(ServiceControlPageTest, StartingSetsTheSwitchAndIsWatchedUntilItIsDone) {
   page.Timer1.user_tick();
   EXPECT_FALSE(page.Timer1.enabled());
   EXPECT_EQ(labels(page), "Service Status: active|Service State: running");
+  EXPECT_EQ(page.Label1.tone(), Label::Tone::good);
+  EXPECT_FALSE(page.starts.enabled());
+  EXPECT_TRUE(page.stopservice.enabled());
   EXPECT_EQ(manager().orders().size(), 1u);
 }
 

@@ -32,6 +32,27 @@ json::value property_json(const Control& control, Property property) {
   return json::object{{"length", (*items)->size()}, {"revision", control.revision(property)}};
 }
 
+constexpr std::array<std::string_view, 4> tones = {"plain", "good", "waiting", "bad"};
+
+std::string_view tone_of(const Control& label) {
+  return tones[static_cast<std::size_t>(static_cast<const Label&>(label).tone())];
+}
+
+void add_acts(const ListBox& list, json::object& object) {
+  const ListBox::Acts& acts = list.acts();
+  if (acts.entry != nullptr) object["entry"] = acts.entry->name();
+  if (acts.add != nullptr) object["add"] = acts.add->name();
+  if (acts.remove != nullptr) object["remove"] = acts.remove->name();
+}
+
+void add_button_design(const Button& button, json::object& object) {
+  if (button.primary()) object["primary"] = true;
+  if (button.needs().empty()) return;
+  json::array names;
+  for (const Control* needed : button.needs()) names.push_back(json::value(needed->name()));
+  object["needs"] = std::move(names);
+}
+
 // What stays as it is as long as the form lives.
 void add_design(const Control& control, const LabelNames& labels, json::object& object) {
   const auto add_placeholder = [&](std::string_view text) {
@@ -54,6 +75,12 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
     add_placeholder(style.placeholder);
   } else if (control.kind() == ControlKind::option_button) {
     object["group"] = control.container() == nullptr ? "" : control.container()->name();
+  } else if (control.kind() == ControlKind::list_box) {
+    add_acts(static_cast<const ListBox&>(control), object);
+  } else if (control.kind() == ControlKind::button) {
+    add_button_design(static_cast<const Button&>(control), object);
+  } else if (control.kind() == ControlKind::label && control.revision(Property::tone) > 0) {
+    object["tone"] = tone_of(control);
   }
   const auto label = labels.find(&control);
   if (label != labels.end()) object["label"] = label->second;
@@ -145,6 +172,7 @@ json::object ChangeCollector::changes_of(const Control& control) {
   if (control.revision(Property::marks) > told_) {
     changed[name_of(Property::marks)] = marks_json(static_cast<const TextField&>(control));
   }
+  if (control.revision(Property::tone) > told_) changed["tone"] = tone_of(control);
   return changed;
 }
 

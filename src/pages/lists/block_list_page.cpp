@@ -26,6 +26,9 @@ BlockListPage::BlockListPage(Console& console) : ListPage(console, "rblists", "D
   bind_busy(Command1, &BlockListPage::test);
   bind_busy(Command2, &BlockListPage::report_relays);
 
+  List1.set_acts({&Text1, &wbladd, &wblremove});
+  List2.set_acts({&Text1, &rbladd, &rblremove});
+
   set_layout(column({
       Text1,
       grow(row({list_frame(Frame1, List1, {wbladd, wblremove, oben}),

@@ -47,6 +47,10 @@ DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domain
     };
   }
 
+  List1.set_acts({&Text1, &Command1, &Command2});
+  List2.set_acts({&Text1, &Command3, &Command4});
+  Command5.set_needs({&Text1, &mxip});
+
   set_layout(column({
       Text1,
       grow(row({list_frame(Frame1, List1, {Command1, Command2, imexwhite}),

@@ -22,9 +22,11 @@ ExceptionPage::ExceptionPage(Console& console) : ListPage(console, "exceptions",
   addex.on_click = [this] { add(); };
   removeex.on_click = [this] { remove(); };
 
+  exceptdomains.set_acts({&Text1, &addex, &removeex});
+  exceptmails.set_acts({&Text1, &addex, &removeex});
+
   set_layout(column({
-      Text1,
-      row({addex, removeex}),
+      row({grow(Text1), addex, removeex}),
       grow(row({list_frame(Frame1, exceptdomains, {imleft}), list_frame(Frame2, exceptmails, {imright})})),
       row({Command1}),
       frame(Frame3, grid({exceptdomain, exceptmail})),

@@ -21,11 +21,14 @@ FilePage::FilePage(Console& console) : ListPage(console, "filescanner", "Attachm
   bind_busy(addextension, &FilePage::add_extension);
   deleteit.on_click = [this] { remove_text(); };
 
+  files.set_acts({&Text1, &addfiles, &deleteit});
+  extension.set_acts({&Text1, &addextension, &deleteit});
+
   set_layout(column({
-      Text1,
+      row({grow(Text1), deleteit}),
       grow(row({list_frame(Frame1, files, {addfiles, leftim}),
                 list_frame(Frame2, extension, {addextension, rightim})})),
-      row({deleteit, freshit, remoteupdate}),
+      row({freshit, remoteupdate}),
       frame(Frame3, grid({checkfiles, checkfilesstream, checkextension})),
   }));
 }

@@ -31,11 +31,14 @@ IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
   adbl.on_click = [this] { list_domain(list::black_domains, list::white_domains); };
   adwl.on_click = [this] { list_domain(list::white_domains, list::black_domains); };
 
+  whitel.set_acts({&ip, &Command1, &Command2});
+  blackl.set_acts({&ip, &Command3, &Command2});
+
   set_layout(column({
-      ip,
+      row({grow(ip), Command2}),
       grow(row(
           {list_frame(Frame1, whitel, {Command1, imleft}), list_frame(Frame2, blackl, {Command3, imright})})),
-      row({Command2, refrall, remote}),
+      row({refrall, remote}),
       frame(Frame3, column({domain, row({rlookup, adbl, adwl})})),
       frame(Frame4, grid({Check1, hcheck, bcheck, autobl, acreject})),
       frame(Frame5, grid({checkempty, blr, wlr})),

@@ -43,6 +43,10 @@ KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keyw
   Command4.on_click = [this] { remove(bodies_); };
   Command8.on_click = [this] { remove(white_); };
 
+  List1.set_acts({&Text1, &Command1, &Command3});
+  List2.set_acts({&Text1, &Command2, &Command4});
+  List3.set_acts({&Text1, &Command7, &Command8});
+
   set_layout(column({
       Text1,
       grow(row({list_frame(Frame1, List1, {Command1, Command3, Command5}),

@@ -92,7 +92,7 @@ std::string domain_of_address(std::string_view address) {
 }
 
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons) {
-  return grow(frame(title, column({grow(box), row(buttons)})));
+  return grow(frame(title, column({row(buttons), grow(box)})));
 }
 
 }  // namespace zrl

@@ -90,8 +90,8 @@ class ListPage : public Page {
 // case. Empty if there is no "@", or if that text has another "@" or no dot.
 std::string domain_of_address(std::string_view address);
 
-// The layout of a list on every list page: a titled frame that grows, with the list and a row of buttons
-// below it. Several of them fit side by side in a row.
+// The layout of a list on every list page: a titled frame that grows, with a row of buttons, near the
+// field that they work on, and the list below. Several of them fit side by side in a row.
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons);
 
 }  // namespace zrl

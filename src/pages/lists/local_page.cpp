@@ -15,10 +15,13 @@ LocalPage::LocalPage(Console& console) : ListPage(console, "localstuff", "Local 
   Command2.on_click = [this] { remove(); };
   Command3.on_click = [this] { fill_lists(); };
 
+  List1.set_acts({&Text1, &Command1, &Command2});
+  List2.set_acts({&Text1, &Command1, &Command2});
+
   set_layout(column({
-      Text1,
+      row({grow(Text1), Command1, Command2}),
       grow(row({list_frame(Frame1, List1, {imleft}), list_frame(Frame2, List2, {imright})})),
-      row({Command1, Command2, Command3}),
+      row({Command3}),
       frame(Frame3, grid({acheck, checklocalhelo, nofakedom})),
   }));
 }

@@ -18,6 +18,8 @@ LocalUserPage::LocalUserPage(Console& console) : ListPage(console, "localuser", 
   bind_busy(Command1, &LocalUserPage::import_from_server);
   bind_busy(importat, &LocalUserPage::import_users);
 
+  List1.set_acts({&uemail, &adduser, &removeuser});
+
   set_layout(column({
       uemail,
       grow(list_frame(Frame1, List1, {adduser, removeuser, imexfile})),

@@ -24,11 +24,14 @@ MailPage::MailPage(Console& console) : ListPage(console, "wbuser", "E-mail addre
   bind_busy(addblack, [this] { add(black_, white_, list::white_domains); });
   remove.on_click = [this] { remove_address(); };
 
+  whitel.set_acts({&mail, &addwhite, &remove});
+  blackl.set_acts({&mail, &addblack, &remove});
+
   set_layout(column({
-      mail,
+      row({grow(mail), remove}),
       grow(row(
           {list_frame(Frame1, whitel, {addwhite, imright}), list_frame(Frame2, blackl, {addblack, imleft})})),
-      row({remove, remotelist}),
+      row({remotelist}),
       frame(Frame3, grid({checkmail})),
   }));
 }

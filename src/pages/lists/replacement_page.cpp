@@ -31,6 +31,8 @@ ReplacementPage::ReplacementPage(Console& console) : ListPage(console, "wordrepl
   Command1.on_click = [this] { save_pair(); };
   Command2.on_click = [this] { remove_pair(); };
 
+  List1.set_acts({&Text1, &Command1, &Command2});
+
   set_layout(column({
       row({grow(Text1), grow(Text2)}),
       grow(list_frame(Frame1, List1, {Command1, Command2})),

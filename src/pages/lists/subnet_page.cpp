@@ -36,11 +36,13 @@ SubnetPage::SubnetPage(Console& console) : ListPage(console, "subnets", "Subnets
   addblack.on_click = [this] { add(black_, white_); };
   removeit.on_click = [this] { remove(); };
 
+  whitesub.set_acts({&subin, &addwhite, &removeit});
+  blacksub.set_acts({&subin, &addblack, &removeit});
+
   set_layout(column({
-      subin,
+      row({grow(subin), removeit}),
       grow(row({list_frame(Frame1, whitesub, {addwhite, imleft}),
                 list_frame(Frame2, blacksub, {addblack, imright})})),
-      row({removeit}),
       frame(Frame3, grid({subnetcheck})),
   }));
 }

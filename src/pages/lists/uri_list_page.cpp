@@ -12,6 +12,8 @@ UriListPage::UriListPage(Console& console) : ListPage(console, "surbl", "URI blo
   removeuri.on_click = [this] { remove(); };
   bind_busy(testit, &UriListPage::test);
 
+  List1.set_acts({&Text1, &adduri, &removeuri});
+
   set_layout(column({
       Text1,
       grow(list_frame(Frame1, List1, {adduri, removeuri, Command3})),

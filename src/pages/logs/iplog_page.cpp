@@ -25,6 +25,10 @@ IplogPage::IplogPage(Console& console) : LogPage(console, "iplog", "IP log") {
   Command6.on_click = [this] { whitelist_domain(domain.text()); };
   Command8.on_click = [this] { connect_by_telnet(domain.text()); };
 
+  for (Button* act : {&Command1, &Command2, &Command3, &Command7, &delefrom, &reverse})
+    act->set_needs({&IPNumber});
+  for (Button* act : {&Command4, &Command5, &Command6, &Command8}) act->set_needs({&domain});
+
   set_layout(row({
       grow(frame(Frame1, column({row({ipall, ipneutral, ipblack, ipwhite}), grow(iplist), row({Command9})}))),
       grow(column({

@@ -13,6 +13,7 @@ KeywordlogPage::KeywordlogPage(Console& console) : LogPage(console, "keywordlog"
   Command12.on_click = [this] { telnet(); };
 
   const auto bind = [this](Button& button, TextField& source, const std::function<void()>& action) {
+    button.set_needs({&source});
     button.on_click = [this, &button, &source, action] {
       if (!source.text().empty()) busy(button, action);
     };
@@ -27,6 +28,8 @@ KeywordlogPage::KeywordlogPage(Console& console) : LogPage(console, "keywordlog"
   bind(Command9, shost, [this] { list_domain(shost.text(), list::black_domains, list::white_domains); });
   Command10.on_click = [this] { whitelist_host(); };
   Command8.on_click = [this] { look_up_host(); };
+  Command10.set_needs({&shost});
+  Command12.set_needs({&ip, &shost});
   subject.choose();
 
   set_layout(row({

@@ -31,6 +31,10 @@ PredatalogPage::PredatalogPage(Console& console) : LogPage(console, "predatalog"
   Command6.on_click = [this] { unlist_domain(reversedom.text()); };
   Command7.on_click = [this] { telnet(); };
 
+  for (Button* act : {&delip, &Command3}) act->set_needs({&IPNumber});
+  for (Button* act : {&Command4, &Command5, &Command6}) act->set_needs({&reversedom});
+  Command7.set_needs({&IPNumber, &reversedom});
+
   showall.choose();
   cchange.set_enabled(false);
   ipaction.set_enabled(false);

@@ -37,6 +37,8 @@ PopConfigPage::PopConfigPage(Console& console) : Page(console, "pop_config", "PO
   deletea.on_click = [this] { delete_account(); };
   clearnew.on_click = [this] { start_account(); };
 
+  addmod.set_primary();
+
   set_layout(row({
       grow(column({
           frame(Frame1, column({grid({enable_pop3}), row({poptime, setpoptime})})),

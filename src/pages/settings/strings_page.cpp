@@ -35,6 +35,8 @@ StringsPage::StringsPage(Console& console) : Page(console, "strings", "Reply tex
   Command1.on_click = [this] { load_strings(); };
   Command2.on_click = [this] { store_default_banner(); };
 
+  updatedb.set_primary();
+
   set_layout(column({
       frame(Frame1, column({welcome, row({grow(hello)}), row({grow(bye)}), row({grow(queue)})})),
       row({updatedb, Command1, Command2}),
