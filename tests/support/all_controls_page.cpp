@@ -46,6 +46,9 @@ AllControlsPage::AllControlsPage(Console& console) : Page(console, "allcontrols"
   List1.on_click = [this] { Text1.set_text(List1.chosen()); };
   List2.on_click = [this] { Text1.set_text(List2.chosen()); };
   HScroll1.on_change = [this] { echo.set_caption("Position " + std::to_string(HScroll1.value())); };
+  add.on_click = [this] { List1.add_item(Text1.text()); };
+  remove.on_click = [this] { remove_entry(); };
+  List1.set_acts({&Text1, &add, &remove});
   fill.on_click = [this] { fill_list(); };
   clear.on_click = [this] { List1.clear(); };
   ask.on_click = [this] {
@@ -74,8 +77,9 @@ AllControlsPage::AllControlsPage(Console& console) : Page(console, "allcontrols"
       frame(Frame3, grid({Option1, Option2, Option3})),
       frame(Frame4,
             column({row({grow(Combo1), grow(Combo2), grow(HScroll1)}), row({grow(List1), grow(List2)})})),
-      frame(Frame5, column({row({fill, clear, ask, fail, open, work, wrong, program, offer, disabled}),
-                            row({ticking, ticks})})),
+      frame(Frame5,
+            column({row({add, remove, fill, clear, ask, fail, open, work, wrong, program, offer, disabled}),
+                    row({ticking, ticks})})),
   }));
 }
 
@@ -108,6 +112,12 @@ void AllControlsPage::load() {
 void AllControlsPage::fill_list() {
   StringList items;
   for (int i = 0; i < many; ++i) items.push_back("host" + std::to_string(i) + ".example");
+  List1.set_items(std::move(items));
+}
+
+void AllControlsPage::remove_entry() {
+  StringList items = List1.items();
+  items.retain([this](std::string_view item) { return item != Text1.text(); });
   List1.set_items(std::move(items));
 }
 

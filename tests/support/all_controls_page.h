@@ -68,6 +68,8 @@ class AllControlsPage : public Page {
   Label Label10{*this, "Label10", "Position", HScroll1};
 
   Frame Frame5{*this, "Frame5", "Actions"};
+  Button add{*this, "add", "Add", "Puts the entry on the list of a million"};
+  Button remove{*this, "remove", "Remove", "Takes the entry off the list of a million"};
   Button fill{*this, "fill", "Fill the list", "Puts a million entries into the list"};
   Button clear{*this, "clear", "Clear the list"};
   Button ask{*this, "ask", "Ask", "Shows a message box with two answers"};
@@ -85,6 +87,7 @@ class AllControlsPage : public Page {
  private:
   void load() override;
   void fill_list();
+  void remove_entry();
   void open_dialog();
   void work_long();
   void offer_file();

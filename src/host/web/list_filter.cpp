@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <utility>
 
 #include "core/text/text.h"
 
@@ -85,18 +85,54 @@ std::vector<std::uint32_t> matching_rows(const StringList& rows, std::string_vie
   return found;
 }
 
-const std::vector<std::uint32_t>& ListFilter::matches(const ItemsControl& list, std::string_view filter) {
+std::optional<std::uint64_t> row_with(const StringList& rows, std::string_view text) {
+  text = trim(text);
+  const auto same = [](char a, char b) { return folded(a) == folded(b); };
+  for (std::size_t i = rows.size(); i > 0; --i) {
+    const std::string_view row = trim(rows[i - 1]);
+    if (row.size() == text.size() && std::equal(row.begin(), row.end(), text.begin(), same)) return i - 1;
+  }
+  return {};
+}
+
+const std::vector<std::uint32_t>& ListFilter::rows(const ItemsControl& list, const ListView& view) {
   const Revision revision = list.revision(Property::items);
   const auto found = std::find_if(kept_.begin(), kept_.end(), [&](const Kept& kept) {
-    return kept.list == &list && kept.revision == revision && kept.filter == filter;
+    return kept.list == &list && kept.revision == revision && kept.filter == view.filter &&
+           kept.order == view.order;
   });
   if (found != kept_.end()) {
     std::rotate(kept_.begin(), found, found + 1);
     return kept_.front().rows;
   }
+  std::erase_if(kept_, [&](const Kept& kept) { return kept.list == &list && kept.revision != revision; });
+  std::vector<std::uint32_t> computed = compute(list, view);
   if (kept_.size() == max_kept) kept_.pop_back();
-  kept_.push_front({&list, revision, std::string(filter), matching_rows(list.items(), filter)});
+  kept_.push_front({&list, revision, std::string(view.filter), view.order, std::move(computed)});
   return kept_.front().rows;
+}
+
+std::vector<std::uint32_t> ListFilter::compute(const ItemsControl& list, const ListView& view) {
+  if (view.filter.empty()) return sorted_rows(list.items(), view.order);
+  std::vector<std::uint32_t> matches = matching_rows(list.items(), view.filter);
+  if (view.order == ListOrder::added) return matches;
+  std::vector<bool> matching(list.items().size());
+  for (const std::uint32_t row : matches) matching[row] = true;
+  matches.clear();
+  for (const std::uint32_t row : rows(list, {{}, view.order})) {
+    if (matching[row]) matches.push_back(row);
+  }
+  return matches;
+}
+
+std::optional<std::uint64_t> ListFilter::position(const ItemsControl& list, const ListView& view,
+                                                  std::uint64_t index) {
+  if (index >= list.items().size()) return {};
+  if (view.is_whole()) return index;
+  const std::vector<std::uint32_t>& shown = rows(list, view);
+  const auto found = std::find(shown.begin(), shown.end(), index);
+  if (found == shown.end()) return {};
+  return static_cast<std::uint64_t>(found - shown.begin());
 }
 
 }  // namespace zrl::web

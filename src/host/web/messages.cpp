@@ -2,6 +2,7 @@
 
 #include <array>
 #include <boost/json.hpp>
+#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -28,8 +29,11 @@ constexpr std::array<std::pair<std::string_view, Type>, 12> types = {{{"open", T
                                                                       {"taken", Type::taken},
                                                                       {"end", Type::end},
                                                                       {"active", Type::active}}};
-constexpr std::array<std::pair<std::string_view, Act>, 4> acts = {
-    {{"click", Act::click}, {"text", Act::type}, {"choose", Act::choose}, {"scroll", Act::scroll}}};
+constexpr std::array<std::pair<std::string_view, Act>, 5> acts = {{{"click", Act::click},
+                                                                   {"text", Act::type},
+                                                                   {"choose", Act::choose},
+                                                                   {"scroll", Act::scroll},
+                                                                   {"remove", Act::remove}}};
 
 // Raised for a member that is missing or of the wrong kind.
 class BadMember : public std::runtime_error {
@@ -66,6 +70,37 @@ Value one_of(const std::array<std::pair<std::string_view, Value>, size>& known, 
   throw BadMember(name, "one that is known");
 }
 
+// A view of a list; without `order` it is in that of the list.
+void read_view(const json::object& object, BrowserMessage& message) {
+  message.text = text_of(object, "filter");
+  if (!object.contains("order")) return;
+  const std::optional<ListOrder> order = list_order_of(text_of(object, "order"));
+  if (!order) throw BadMember("order", "one that is known");
+  message.order = *order;
+}
+
+std::vector<BrowserMessage::Range> ranges_of(const json::object& object) {
+  constexpr std::string_view wanted = "pairs of positions that count up";
+  const json::value* value = object.if_contains("ranges");
+  if (value == nullptr || !value->is_array()) throw BadMember("ranges", wanted);
+  std::vector<BrowserMessage::Range> ranges;
+  std::int64_t next = 0;
+  for (const json::value& pair : value->get_array()) {
+    const json::array* ends = pair.if_array();
+    if (ends == nullptr || ends->size() != 2 || !(*ends)[0].is_int64() || !(*ends)[1].is_int64()) {
+      throw BadMember("ranges", wanted);
+    }
+    const std::int64_t first = (*ends)[0].get_int64();
+    const std::int64_t last = (*ends)[1].get_int64();
+    if (first < next || last < first || last == std::numeric_limits<std::int64_t>::max()) {
+      throw BadMember("ranges", wanted);
+    }
+    ranges.push_back({static_cast<std::uint64_t>(first), static_cast<std::uint64_t>(last)});
+    next = last + 1;
+  }
+  return ranges;
+}
+
 void read_event(const json::object& object, BrowserMessage& message) {
   message.form = text_of(object, "form");
   message.control = text_of(object, "control");
@@ -73,6 +108,10 @@ void read_event(const json::object& object, BrowserMessage& message) {
   if (message.act == Act::type) message.text = text_of(object, "text");
   if (message.act == Act::choose) message.number = number_of(object, "index");
   if (message.act == Act::scroll) message.number = number_of(object, "value");
+  if (message.act != Act::remove) return;
+  read_view(object, message);
+  message.revision = count_of(object, "revision");
+  message.ranges = ranges_of(object);
 }
 
 void read_reply(const json::object& object, BrowserMessage& message) {
@@ -115,7 +154,9 @@ BrowserMessage read(const json::object& object) {
       read_window(object, message);
       message.form = text_of(object, "form");
       message.control = text_of(object, "control");
-      message.text = text_of(object, "filter");
+      read_view(object, message);
+      if (object.contains("index")) message.sought = count_of(object, "index");
+      if (object.contains("find")) message.sought_text = text_of(object, "find");
       break;
     case Type::record:
       read_window(object, message);

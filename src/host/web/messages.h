@@ -6,6 +6,9 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
+
+#include "host/web/list_order.h"
 
 namespace zrl::web {
 
@@ -29,7 +32,13 @@ struct BrowserMessage {
     active,  // nothing but that somebody is there
     upload,  // never a message: a file that was sent over HTTP waits among them for its turn
   };
-  enum class Act : std::uint8_t { click, type, choose, scroll };
+  enum class Act : std::uint8_t { click, type, choose, scroll, remove };
+
+  // Positions in a view of a list, both included.
+  struct Range {
+    std::uint64_t first;
+    std::uint64_t last;
+  };
 
   Type type{};
   Act act{};
@@ -46,7 +55,12 @@ struct BrowserMessage {
   std::string control;
   std::string page;
   std::string text;  // what was typed, or the filter
-  bool ok = false;   // the reply
+  ListOrder order = ListOrder::added;
+  std::optional<std::uint64_t> sought;     // of rows: the index of a row whose place is asked for,
+  std::optional<std::string> sought_text;  // or its text
+  std::uint64_t revision = 0;              // of remove: of the list whose view the ranges are about
+  std::vector<Range> ranges;               // ascending, without overlap
+  bool ok = false;                         // the reply
   std::shared_ptr<PendingUpload> upload;
 
   // Whether a person did something; browsers ask for rows by themselves whenever a list changes.

@@ -67,6 +67,14 @@ void add_captions(Console& console, const Form& form, json::array& captions) {
   }
 }
 
+json::value found_json(ShownForm& shown, const ItemsControl& list, const ListView& view,
+                       std::optional<std::uint64_t> row) {
+  if (!row || *row >= list.items().size()) return nullptr;
+  json::object found{{"index", *row}, {"position", nullptr}};
+  if (const auto position = shown.filter.position(list, view, *row)) found["position"] = *position;
+  return found;
+}
+
 json::object offer_json(const Offer& offer) {
   return {{"token", offer.token}, {"name", valid(offer.name)}, {"size", offer.size}};
 }
@@ -116,9 +124,9 @@ std::string closed_message(std::string_view form) {
 }
 
 std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64_t request, WindowOf window,
-                         std::string_view filter) {
+                         const ListView& view, const std::optional<Sought>& sought) {
   const StringList& items = list.items();
-  const std::vector<std::uint32_t>* matches = filter.empty() ? nullptr : &shown.filter.matches(list, filter);
+  const std::vector<std::uint32_t>* matches = view.is_whole() ? nullptr : &shown.filter.rows(list, view);
   const std::uint64_t length = matches == nullptr ? items.size() : matches->size();
   const std::uint64_t start = std::min(window.start, length);
   const std::uint64_t end = start + std::min({window.count, longest_window, length - start});
@@ -136,11 +144,13 @@ std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64
                        {"control", list.name()},
                        {"request", request},
                        {"revision", list.revision(Property::items)},
-                       {"filter", filter},
+                       {"filter", view.filter},
+                       {"order", name_of(view.order)},
                        {"length", length},
                        {"start", start},
                        {"rows", std::move(rows)}};
   if (matches != nullptr) message["indexes"] = std::move(indexes);
+  if (sought) message["found"] = found_json(shown, list, view, sought->row);
   return json::serialize(message);
 }
 

@@ -78,8 +78,12 @@ void Reporter::rows(const BrowserMessage& asked) {
     refuse(number, "refused", "no such list: " + asked.control);
     return;
   }
-  send(rows_message(*shown, static_cast<const ItemsControl&>(*control), asked.request,
-                    {asked.start, asked.count}, asked.text));
+  const auto& list = static_cast<const ItemsControl&>(*control);
+  std::optional<Sought> sought;
+  if (asked.sought) sought = Sought{asked.sought};
+  if (asked.sought_text) sought = Sought{row_with(list.items(), *asked.sought_text)};
+  send(rows_message(*shown, list, asked.request, {asked.start, asked.count}, {asked.text, asked.order},
+                    sought));
 }
 
 void Reporter::record(const BrowserMessage& asked) {

@@ -7,6 +7,7 @@
 #include "core/text/error.h"
 #include "core/text/paths.h"
 #include "core/text/text.h"
+#include "host/web/entry_removal.h"
 #include "host/web/uploads.h"
 
 namespace zrl::web {
@@ -26,6 +27,7 @@ std::string language_setting(Console& console) {
   return lower(trim(console.settings().regread(console.settings().language_path())));
 }
 
+// All acts but the removal of entries.
 void act_on(ShownForm& shown, Control& control, const BrowserMessage& message) {
   switch (message.act) {
     case Act::click:
@@ -40,6 +42,8 @@ void act_on(ShownForm& shown, Control& control, const BrowserMessage& message) {
       break;
     case Act::scroll:
       control.user_scroll(message.number);
+      break;
+    case Act::remove:
       break;
   }
 }
@@ -257,9 +261,12 @@ void SessionConsole::use_terminal(const BrowserMessage& message) {
 
 void SessionConsole::handle(const BrowserMessage& message) {
   switch (message.type) {
-    case Type::event:
+    case Type::event: {
+      const std::uint64_t steps_before = console_->activity().total();
       handle_event(message);
+      follow_language(steps_before);
       break;
+    }
     case Type::close:
       close_dialog(message);
       break;
@@ -306,12 +313,53 @@ void SessionConsole::handle_event(const BrowserMessage& message) {
   }
   const std::uint64_t connection = reporter_.connection();
   try {
-    run_action([&] { act_on(*shown, *control, message); });
+    run_action([&] {
+      if (message.act == Act::remove) {
+        remove_chosen(shown, *control, message);
+      } else {
+        act_on(*shown, *control, message);
+      }
+    });
   } catch (const Refused& refused) {
     refuse("refused", refused.what());
     return;
   }
   output_.send(connection, done_message(message.seq));
+}
+
+// Only what is recorded can have changed a setting. While a dialog is open, or a handler around this one
+// runs, the language stays as it is, until a page is opened.
+void SessionConsole::follow_language(std::uint64_t steps_before) {
+  if (!turns_.idle() || turns_.ending() || forms_.forms().size() != 1) return;
+  if (console_->activity().total() == steps_before || language_setting(*console_) == language_at_start_)
+    return;
+  const PageEntry* entry = find_page(settings_.pages, forms_.page_name());
+  if (entry == nullptr) return;
+  leave_page();
+  renew_console(entry->name);
+  show_page(*entry);
+}
+
+void SessionConsole::renew_console(std::string_view page) {
+  if (language_setting(*console_) == language_at_start_) return;
+  console_.reset();
+  start_console();
+  reporter_.send(hello_message(*console_, account_, settings_.pages, page));
+}
+
+void SessionConsole::remove_chosen(const std::shared_ptr<ShownForm>& shown, Control& control,
+                                   const BrowserMessage& message) {
+  if (control.kind() != ControlKind::list_box) throw Refused(control.name() + " is no list");
+  auto& list = static_cast<ListBox&>(control);
+  // What was chosen by its place may be another entry by now.
+  if (list.revision(Property::items) != message.revision) {
+    throw Refused(control.name() + " has changed meanwhile");
+  }
+  const StringList entries = entries_at(shown->filter, list, {message.text, message.order}, message.ranges);
+  remove_entries(list, entries, [&](std::size_t done) {
+    reporter_.progress({{}, done, entries.size()});
+    return !turns_.ending() && forms_.find(shown->id) == shown && (!shown->dialog || shown->form->is_open());
+  });
 }
 
 void SessionConsole::close_dialog(const BrowserMessage& message) {
@@ -343,11 +391,7 @@ void SessionConsole::open_page(const BrowserMessage& message) {
   }
   const std::uint64_t connection = reporter_.connection();
   leave_page();
-  if (language_setting(*console_) != language_at_start_) {
-    console_.reset();
-    start_console();
-    reporter_.send(hello_message(*console_, account_, settings_.pages, entry->name));
-  }
+  renew_console(entry->name);
   show_page(*entry);
   output_.send(connection, forms_.page() != nullptr
                                ? done_message(message.seq)

@@ -72,8 +72,15 @@ class SessionConsole : public Host, private TurnHandler {
   void accept(BrowserMessage message);
   void use_terminal(const BrowserMessage& message);
   void handle_event(const BrowserMessage& message);
+  // Ends early when the session does, or when the form is gone.
+  void remove_chosen(const std::shared_ptr<ShownForm>& shown, Control& control,
+                     const BrowserMessage& message);
   void close_dialog(const BrowserMessage& message);
   void open_page(const BrowserMessage& message);
+  // An event may have chosen another language: the page is shown anew in it.
+  void follow_language(std::uint64_t steps_before);
+  // A new console, in the language that is set now, if that is another one.
+  void renew_console(std::string_view page);
   void leave_page();
   void show_page(const PageEntry& entry);
   void handle_upload(PendingUpload& upload);

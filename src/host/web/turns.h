@@ -89,6 +89,8 @@ class Turns {
   // No more turns; actions may run to their end unless the program is being stopped.
   void end(bool stopping);
   bool ending() const { return ending_; }
+  // Whether no handler runs.
+  bool idle() const { return depth_ == 0; }
 
  private:
   enum class Level : std::uint8_t { top, nested, box };

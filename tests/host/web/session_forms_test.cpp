@@ -162,6 +162,68 @@ TEST(SessionForms, ListsAreSentByWindows) {
   EXPECT_EQ(session.rows("allcontrols", "List1", 0, 100, "OST99999").at("length"), 0);
 }
 
+TEST(SessionForms, ListsAreSentInOtherOrdersAndRowsAreFoundInThem) {
+  SessionDriver session(test_pages());
+  session.show("allcontrols");
+  for (const char* entry : {"mail.banana.example", "Aardvark.test", "banana.example", "zoo@banana.example"}) {
+    session.event("allcontrols", "Text1", "text", {{"text", entry}});
+    session.until_done(session.click("allcontrols", "add"));
+  }
+  const auto view = [&session](std::string_view more) {
+    session.send(json::parse(R"({"type": "rows", "form": "allcontrols", "control": "List1", "request": 1,
+                                 "start": 0, "count": 9)" +
+                             std::string(more) + "}"));
+    return session.receive("rows");
+  };
+  EXPECT_EQ(view(R"(, "filter": "", "order": "domain")").at("rows"),
+            json::parse(R"(["apple.example", "banana.example", "banana.example", "mail.banana.example",
+                            "zoo@banana.example", "cherry.example", "Aardvark.test"])"));
+  const json::object sorted = view(R"(, "filter": "AN", "order": "text", "find": " Banana.Example ")");
+  EXPECT_EQ(sorted.at("rows"), json::parse(R"(["banana.example", "banana.example", "mail.banana.example",
+                                               "zoo@banana.example"])"));
+  EXPECT_EQ(sorted.at("indexes"), json::parse("[1, 5, 3, 6]"));
+  EXPECT_EQ(sorted.at("order"), "text");
+  EXPECT_EQ(sorted.at("found"), json::parse(R"({"index": 5, "position": 1})"));
+  EXPECT_EQ(view(R"(, "filter": "moon", "order": "added", "index": 2)").at("found"),
+            json::parse(R"({"index": 2, "position": null})"));
+  EXPECT_EQ(view(R"(, "filter": "", "find": "moon")").at("found"), nullptr);
+  EXPECT_FALSE(view(R"(, "filter": "")").contains("found"));
+}
+
+TEST(SessionForms, SeveralEntriesAreRemovedAsTheirPlacesOnViewSay) {
+  SessionDriver session(test_pages());
+  session.show("allcontrols");
+  session.until_done(session.click("allcontrols", "fill"));
+  const auto remove = [&session](std::uint64_t revision, std::string_view view) {
+    json::object more = json::parse(view).as_object();
+    more["revision"] = revision;
+    return session.event("allcontrols", "List1", "remove", more);
+  };
+  const auto revision = [&session] {
+    return session.held("allcontrols", "List1", "items").at("revision").to_number<std::uint64_t>();
+  };
+  const std::uint64_t stale = revision();
+  // The first row of the view and its last two.
+  session.until_done(
+      remove(stale, R"({"filter": "host99999", "order": "text", "ranges": [[0, 0], [9, 200]]})"));
+  EXPECT_EQ(session.held("allcontrols", "List1", "items").at("length"), 999'997);
+  EXPECT_EQ(session.rows("allcontrols", "List1", 0, 3, "host99999").at("rows"),
+            json::parse(R"(["host999990.example", "host999991.example", "host999992.example"])"));
+
+  EXPECT_EQ(session.until_error(remove(stale, R"({"filter": "", "ranges": [[0, 0]]})")), "refused");
+  EXPECT_EQ(session.until_error(
+                session.event("allcontrols", "List2", "remove",
+                              {{"filter", ""}, {"revision", 0}, {"ranges", json::parse("[[0, 0]]")}})),
+            "refused");
+  for (const char* ranges : {"[[2, 1]]", "[[1, 2], [2, 3]]", "[[-1, 0]]", "[1]", "[[0]]", "7"}) {
+    EXPECT_EQ(
+        session.until_error(remove(revision(), R"({"filter": "", "ranges": )" + std::string(ranges) + "}")),
+        "malformed")
+        << ranges;
+  }
+  EXPECT_EQ(session.held("allcontrols", "List1", "items").at("length"), 999'997);
+}
+
 TEST(SessionForms, HostileRowsBecomeValidTexts) {
   SessionDriver session(test_pages());
   session.show("allcontrols");
@@ -344,13 +406,12 @@ TEST(SessionForms, AnotherLanguageBringsAFreshConsole) {
   session.show("handlers");
   EXPECT_EQ(session.language(), "english");
   session.until_done(session.click("handlers", "german"));
-  session.open("allcontrols");
   const json::object hello = session.receive("hello");
   EXPECT_EQ(hello.at("language"), "german");
-  EXPECT_EQ(hello.at("open"), "allcontrols");
-  session.receive("done");
+  EXPECT_EQ(hello.at("open"), "handlers");
+  EXPECT_EQ(session.receive("form").at("form"), "handlers");
   EXPECT_EQ(session.language(), "german");
-  session.show("handlers");
+  session.show("allcontrols");
 }
 
 TEST(SessionForms, CaptionsOfAllPagesAreTold) {
