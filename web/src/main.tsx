@@ -4,6 +4,7 @@ import { catchStrayFiles } from './controls/file-list'
 import { messages } from './i18n'
 import { followPointer, followTheme } from './model/preferences'
 import { listenForEscape } from './parts/popups'
+import { makeHost } from './parts/top-layer'
 import { Tooltip } from './parts/tooltip'
 import { listenForPaletteKey } from './shell/palette'
 import { startRouter } from './shell/router'
@@ -18,6 +19,7 @@ import './styles/lists.css'
 import './styles/counts.css'
 import './styles/source.css'
 import './styles/layout.css'
+import './styles/sidebar.css'
 import './styles/shell.css'
 import './styles/overlays.css'
 import './styles/door.css'
@@ -31,7 +33,6 @@ function App() {
   return (
     <>
       {screen.value === 'console' ? <Shell /> : <Door />}
-      <ToastsView />
       <Tooltip />
     </>
   )
@@ -47,4 +48,5 @@ listenForPaletteKey()
 startRouter()
 const root = document.getElementById('app')
 if (root) render(<App />, root)
+render(<ToastsView />, makeHost())
 void begin()

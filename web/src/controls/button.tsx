@@ -7,20 +7,28 @@ export function Button({ control }: { control: ControlModel }) {
   const shown = control.shown.value
   const waits = control.waiting.value > 0 && session.busy.value !== null
   const caption = control.form.labelOf(shown)
+  const context = control.form.contextOf(control)
+  const name = caption === '' ? nameOf(control, shown) : context === '' ? undefined : `${caption} (${context})`
+  const look = shown.primary ? ' primary' : control.form.lookOf(control)
+  const press = (): void => {
+    // The action of the first click is still running; a second one would only queue it again.
+    if (waits) return
+    const missing = control.form.missingFor(control)
+    control.form.missing.value = missing ?? null
+    if (missing) document.getElementById(missing.id)?.focus()
+    else control.click()
+  }
   return (
     <span class="button-control" data-control={control.id} data-tip={shown.toolTip} data-disabled={shown.enabled ? undefined : ''}>
       <button
         type="button"
         id={control.id}
-        class="button"
+        class={`button${look}`}
         disabled={!shown.enabled}
-        aria-label={caption === '' ? nameOf(control, shown) : undefined}
+        aria-label={name}
         aria-describedby={shown.toolTip ? tipId(control) : undefined}
         aria-busy={waits}
-        onClick={() => {
-          // The action of the first click is still running; a second one would only queue it again.
-          if (!waits) control.click()
-        }}
+        onClick={press}
       >
         {waits && <Spinner />}
         <span class="button-text">{caption || nameOf(control, shown)}</span>

@@ -1,4 +1,5 @@
 import type { ComponentType } from 'preact'
+import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import type { Kind } from '../wire/protocol'
 import { Button } from './button'
@@ -13,9 +14,10 @@ type View = ComponentType<{ control: ControlModel }>
 
 function Label({ control }: { control: ControlModel }) {
   const shown = control.shown.value
+  const text = shown.caption ?? shown.text ?? ''
   return (
-    <p class="text-label" id={control.id} data-control={control.id} data-tip={shown.toolTip} dir="auto">
-      {shown.caption ?? shown.text ?? ''}
+    <p class="text-label" id={control.id} data-control={control.id} data-tip={shown.toolTip} data-tone={shown.tone} dir="auto">
+      {/^[1-9]\d{3,14}$/.test(text) ? messages.value.number(Number(text)) : text}
     </p>
   )
 }

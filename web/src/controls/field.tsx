@@ -4,6 +4,10 @@ import type { ControlModel } from '../model/form'
 import { Icon } from '../parts/icon'
 import type { Control } from '../wire/protocol'
 
+const fewestRows = 3
+const shortRows = 10
+const mostRows = 1000
+
 export const tipId = (control: ControlModel): string => `${control.id}-tip`
 const labelId = (control: ControlModel): string => `${control.id}-label`
 
@@ -22,14 +26,17 @@ export function naming(control: ControlModel, shown: Control): Record<string, st
   }
 }
 
-/** The text that describes a control: read aloud with it, shown by hover and focus, and by a button where only a finger points. */
+/** The text that describes a control: read aloud with it, and shown by hover and focus. Where only a finger points, a button shows it, or
+ *  that of the frame around it, so that there is one button for a group. */
 export function Tip({ control, shown }: { control: ControlModel; shown: Control }) {
   if (!shown.toolTip) return null
   return (
     <>
-      <button type="button" class="tip-button" data-tip-button="" aria-label={messages.value.help(nameOf(control, shown))}>
-        <Icon name="info" />
-      </button>
+      {!control.form.frameAround(control.name) && (
+        <button type="button" class="tip-button" data-tip-button="" aria-label={messages.value.help(nameOf(control, shown))}>
+          <Icon name="info" />
+        </button>
+      )}
       <span id={tipId(control)} hidden>
         {shown.toolTip}
       </span>
@@ -44,15 +51,25 @@ interface FieldProps {
   /** The element that the label belongs to; lists have none. */
   labelFor?: string
   aside?: ComponentChildren
+  /** How many rows a list has; one with few is no higher than they are. */
+  rows?: number
   children: ComponentChildren
 }
 
 /** A control with its label above it. */
-export function Field({ control, shown, class: kind, labelFor, aside, children }: FieldProps) {
+export function Field({ control, shown, class: kind, labelFor, aside, rows, children }: FieldProps) {
   const label = control.form.labelOf(shown)
+  const lines = rows === undefined ? undefined : Math.max(fewestRows, Math.min(rows, mostRows))
   const head = label !== '' || aside !== undefined
   return (
-    <div class={`field ${kind}`} data-control={control.id} data-tip={shown.toolTip} data-disabled={shown.enabled ? undefined : ''}>
+    <div
+      class={`field ${kind}`}
+      data-control={control.id}
+      data-tip={shown.toolTip}
+      data-disabled={shown.enabled ? undefined : ''}
+      data-short={rows !== undefined && rows <= shortRows ? '' : undefined}
+      style={lines === undefined ? undefined : { '--rows': String(lines) }}
+    >
       {head && (
         <div class="field-head">
           {label !== '' &&
@@ -70,6 +87,12 @@ export function Field({ control, shown, class: kind, labelFor, aside, children }
         </div>
       )}
       {children}
+      {control.form.missing.value === control && !control.holdsSomething && (
+        <p class="field-missing" role="alert">
+          <Icon name="info" />
+          {messages.value.missing(nameOf(control, shown), control.list !== null, control.form.feedsFrom(control))}
+        </p>
+      )}
       {!head && <Tip control={control} shown={shown} />}
     </div>
   )

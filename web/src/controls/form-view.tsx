@@ -1,9 +1,11 @@
 import { messages } from '../i18n'
-import type { FormModel } from '../model/form'
+import type { ControlModel, FormModel } from '../model/form'
 import { fills, grows, isLine, isNarrow, isRadioGroup, present, type LayoutFacts } from '../model/layout'
+import { explainGroup } from '../parts/group-help'
+import { Icon } from '../parts/icon'
 import type { LayoutNode } from '../wire/protocol'
 import { ControlView } from './control-view'
-import { Tip } from './field'
+import { nameOf } from './field'
 
 function factsOf(form: FormModel): LayoutFacts {
   const find = (name: string) => form.controls.get(name)
@@ -22,16 +24,31 @@ interface NodeProps {
   depth: number
 }
 
+/** What the controls of a group do, behind one button, where only a finger points. */
+function GroupTip({ controls, caption }: { controls: ControlModel[]; caption?: string }) {
+  const entries = controls
+    .filter(control => control.visible.value && control.shown.value.toolTip)
+    .map(control => ({ name: nameOf(control, control.shown.value), text: control.shown.value.toolTip ?? '' }))
+  if (entries.length === 0) return null
+  const title = caption ?? entries.map(entry => entry.name).join(', ')
+  return (
+    <button type="button" class="tip-button" aria-label={messages.value.help(title)} onClick={() => explainGroup(title, entries)}>
+      <Icon name="info" />
+    </button>
+  )
+}
+
 function Frame({ form, node, depth }: NodeProps & { node: LayoutNode & { frame: string; content: LayoutNode } }) {
   const control = form.controls.get(node.frame)
   const shown = control?.shown.value
   if (!control || !shown) return <Node form={form} node={node.content} depth={depth} />
   const titleId = `${control.id}-title`
+  const inside = [...form.controls.values()].filter(other => form.frameAround(other.name) === control)
   const caption = form.labelOf(shown)
   const facts = factsOf(form)
   const radio = isRadioGroup(node.content, facts)
   return (
-    <section
+    <div
       class={`frame${depth > 0 ? ' inner' : ''}`}
       role={radio ? 'radiogroup' : 'group'}
       aria-labelledby={caption === '' ? undefined : titleId}
@@ -42,13 +59,13 @@ function Frame({ form, node, depth }: NodeProps & { node: LayoutNode & { frame: 
       data-fill={fills(node, facts) ? '' : undefined}
     >
       {caption !== '' && (
-        <header class="frame-head" data-tip={shown.toolTip}>
+        <div class="frame-head" data-tip={shown.toolTip}>
           <h2 id={titleId}>{caption}</h2>
-          <Tip control={control} shown={shown} />
-        </header>
+          <GroupTip controls={inside} caption={caption} />
+        </div>
       )}
       <Node form={form} node={node.content} depth={depth + 1} />
-    </section>
+    </div>
   )
 }
 
@@ -80,6 +97,8 @@ function Node({ form, node, depth }: NodeProps) {
         ? (['row', node.row] as const)
         : (['grid', node.grid] as const)
   const line = kind === 'row' && isLine(children, facts)
+  // Those in a frame are explained at its title.
+  const acts = line && depth === 0 ? children.flatMap(child => ('control' in child ? form.controls.get(child.control) ?? [] : [])) : []
   // A frame already is the group of its radio buttons.
   const radio = depth === 0 && isRadioGroup(node, facts)
   return (
@@ -94,6 +113,7 @@ function Node({ form, node, depth }: NodeProps) {
       {children.map((child, place) => (
         <Node key={place} form={form} node={child} depth={depth} />
       ))}
+      {acts.length > 1 && <GroupTip controls={acts} />}
     </div>
   )
 }

@@ -1,123 +1,18 @@
 import type { ComponentChildren } from 'preact'
-import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks'
+import { useEffect, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import type { ListModel } from '../model/list'
-import { coarse } from '../model/preferences'
-import { visibleText } from '../model/visible-text'
-import { Icon } from '../parts/icon'
+import { coarse, recall } from '../model/preferences'
+import { RowSelection } from '../model/selection'
 import { viewText } from '../parts/text-viewer'
 import { Field, nameOf, naming } from './field'
+import { keyTarget, Row } from './list-row'
+import { FilterField, placeKey, restoreView } from './list-tools'
+import { askRemoval, SelectionBar } from './selection-bar'
 import { VirtualList, type VirtualListHandle } from './virtual-list'
 
 export const rowHeight = (): number => (coarse.value ? 44 : 28)
-
-const filterPause = 150
-const longestTitle = 3000
-
-interface RowProps {
-  id: string
-  position: number
-  count: number
-  text: string | undefined
-  selected: boolean
-  active?: boolean
-  onChoose: () => void
-}
-
-export function Row({ id, position, count, text, selected, active, onChoose }: RowProps) {
-  const shown = text === undefined ? '' : visibleText(text)
-  return (
-    <div
-      id={id}
-      role="option"
-      class={`list-row${active ? ' active' : ''}`}
-      aria-selected={selected}
-      aria-setsize={count}
-      aria-posinset={position + 1}
-      onPointerEnter={event => {
-        const inner = event.currentTarget.firstElementChild as HTMLElement | null
-        if (!inner) return
-        event.currentTarget.title = inner.scrollWidth > inner.clientWidth ? visibleText(text ?? '', longestTitle) : ''
-      }}
-      onClick={onChoose}
-    >
-      {text === undefined ? (
-        <span class="row-waiting" />
-      ) : (
-        <bdi class={`row-text${text === '' ? ' row-empty' : ''}`} dir="auto">
-          {text === '' ? messages.value.emptyRow : shown}
-        </bdi>
-      )}
-    </div>
-  )
-}
-
-function FilterField({ list, name, control }: { list: ListModel; name: string; control: ControlModel }) {
-  const [text, setText] = useState('')
-  const timer = useRef<ReturnType<typeof setTimeout> | undefined>(undefined)
-  useEffect(() => () => clearTimeout(timer.current), [])
-  const change = (filter: string, at = filterPause): void => {
-    setText(filter)
-    clearTimeout(timer.current)
-    timer.current = setTimeout(() => list.setFilter(filter), at)
-  }
-  const m = messages.value
-  return (
-    <div class="filter" role="search" aria-label={m.filterList(name)}>
-      <Icon name="search" />
-      <input
-        type="text"
-        class="filter-input"
-        id={`${control.id}-filter`}
-        value={text}
-        placeholder={m.filter}
-        aria-label={m.filterList(name)}
-        autocomplete="off"
-        spellcheck={false}
-        dir="auto"
-        onInput={event => change(event.currentTarget.value)}
-        onKeyDown={event => {
-          if (event.key === 'Escape' && text !== '') {
-            event.preventDefault()
-            event.stopPropagation()
-            change('', 0)
-          } else if (event.key === 'ArrowDown') {
-            event.preventDefault()
-            document.getElementById(control.id)?.focus()
-          }
-        }}
-      />
-      {text !== '' && (
-        <button type="button" class="icon-button small" aria-label={m.clearFilter} onClick={() => change('', 0)}>
-          <Icon name="close" />
-        </button>
-      )}
-    </div>
-  )
-}
-
-/** Where a key moves the cursor, or undefined when it does not move it. */
-export function keyTarget(key: string, from: number, count: number, page: number): number | undefined {
-  const last = count - 1
-  const to = (row: number): number => Math.max(0, Math.min(last, row))
-  switch (key) {
-    case 'ArrowDown':
-      return to(from + 1)
-    case 'ArrowUp':
-      return to(from < 0 ? last : from - 1)
-    case 'PageDown':
-      return to(from + page)
-    case 'PageUp':
-      return to(from - page)
-    case 'Home':
-      return 0
-    case 'End':
-      return last
-    default:
-      return undefined
-  }
-}
 
 interface ListBoxProps {
   control: ControlModel
@@ -135,62 +30,143 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
   const handle = useRef<VirtualListHandle>(null)
   const [cursor, setCursor] = useState(-1)
   const [cut, setCut] = useState(false)
-  const wanted = useRef(-1)
+  const [choosing, setChoosing] = useState(false)
+  const waitingFor = useRef(-1)
+  /** Where a range of rows begins. */
+  const anchor = useRef(-1)
 
   const index = shown.index ?? -1
   const count = cache.length
   const selected = cache.positionOf(index)
-  const active = selected ?? (cursor < count ? cursor : -1)
+  const chosen = list.selection.value
+  const several = chosen !== RowSelection.none || choosing
+  // Several rows can be chosen where they can be removed.
+  const remover = control.remover()
+  const active = cursor >= 0 && cursor < count ? cursor : (selected ?? -1)
   const selectedText = selected === undefined ? undefined : cache.row(selected)
+  const restored = selectedText !== undefined && !control.isChosen(selectedText)
+  const added = list.added.value
+  const wantedRow = list.wanted.value
   const name = nameOf(control, shown)
 
+  const place = placeKey(control)
+  // What a list comes back to is no change of the view, and its place is more than the row that the page has chosen.
+  const returning = useMemo(() => ({ view: restoreView(control, list), place: place !== undefined && recall(place, 'tab') !== null }), [list])
+  const mounted = useRef(false)
   useEffect(() => () => list.hide(), [list])
   useEffect(() => {
-    if (selected !== undefined) handle.current?.reveal(selected)
+    setCursor(-1)
+    if (selected !== undefined && !returning.place) handle.current?.reveal(selected)
+    returning.place = false
   }, [index])
   useEffect(() => {
+    const returned = !mounted.current || returning.view
+    if (mounted.current) returning.view = false
+    mounted.current = true
+    if (returned) return
     handle.current?.toTop()
     if (selected !== undefined) handle.current?.reveal(selected)
     setCursor(-1)
-    wanted.current = -1
-  }, [cache.filter])
+    waitingFor.current = -1
+  }, [cache.filter, cache.order])
+  useEffect(() => {
+    if (!wantedRow || wantedRow.position === null || cache.filtering) return
+    list.wanted.value = null
+    handle.current?.reveal(wantedRow.position)
+  }, [wantedRow, cache.filtering, cache.length])
   useEffect(() => {
     // The row under the cursor has arrived: only now its place in the whole list is known.
-    if (wanted.current < 0) return
-    const arrived = cache.indexAt(wanted.current)
+    if (waitingFor.current < 0) return
+    const arrived = cache.indexAt(waitingFor.current)
     if (arrived === undefined) return
-    wanted.current = -1
+    waitingFor.current = -1
     control.choose(arrived)
   })
   useLayoutEffect(() => {
-    const text = selected === undefined ? null : document.getElementById(`${control.id}-r${selected}`)?.firstElementChild
+    const text = selected === undefined ? null : document.getElementById(`${control.id}-r${selected}`)?.querySelector('.row-text')
     setCut(text instanceof HTMLElement && text.scrollWidth > text.clientWidth)
   }, [selected, selectedText])
 
   const choose = (position: number): void => {
     setCursor(position)
+    anchor.current = position
+    list.selection.value = RowSelection.none
     const place = cache.indexAt(position)
-    wanted.current = place === undefined ? position : -1
+    waitingFor.current = place === undefined ? position : -1
     if (place !== undefined) control.choose(place)
+  }
+  const select = (next: RowSelection, position: number): void => {
+    setCursor(position)
+    list.selection.value = next.count === 0 ? RowSelection.none : next
+    handle.current?.reveal(position)
+  }
+  /** What a click with these keys means, as in other lists of which several rows can be chosen. */
+  const onRowClick = (event: MouseEvent, position: number): void => {
+    if (!shown.enabled) return
+    handle.current?.element?.focus({ preventScroll: true })
+    const from = anchor.current >= 0 ? anchor.current : Math.max(active, 0)
+    if (!remover || !(choosing || event.ctrlKey || event.metaKey || event.shiftKey)) return choose(position)
+    if (event.shiftKey) return select(RowSelection.none.with(from, position), position)
+    // The row that is chosen already belongs to what is chosen with it.
+    const before = chosen === RowSelection.none && !choosing && active >= 0 && !restored ? chosen.with(active, active) : chosen
+    anchor.current = position
+    select(before.toggled(position), position)
   }
 
   const onKeyDown = (event: KeyboardEvent): void => {
     if (!shown.enabled || event.altKey) return
-    if (event.key === 'Enter' || event.key === ' ') {
+    const held = event.ctrlKey || event.metaKey
+    const move = keyTarget(event.key, active, count, handle.current?.pageSize() ?? 1)
+    if (remover && onSelectionKey(event, held, move)) {
+      event.preventDefault()
+      event.stopPropagation()
+    } else if (event.key === 'Enter' || event.key === ' ') {
       event.preventDefault()
       if (active >= 0) choose(active)
-      return
-    }
-    const target = event.ctrlKey || event.metaKey ? undefined : keyTarget(event.key, active, count, handle.current?.pageSize() ?? 1)
-    if (target !== undefined) {
+    } else if (move !== undefined && !held) {
       event.preventDefault()
-      if (count === 0 || target === active) return
-      choose(target)
-      handle.current?.reveal(target)
-    } else if (event.key.length === 1 && !event.ctrlKey && !event.metaKey) {
+      if (count === 0 || move === active) return
+      choose(move)
+      handle.current?.reveal(move)
+    } else if (event.key.length === 1 && !held) {
       // Typing in a list narrows it down: the key lands in the filter.
       document.getElementById(`${control.id}-filter`)?.focus()
     }
+  }
+  /** Takes the keys that choose several rows and remove them; false for others. */
+  const onSelectionKey = (event: KeyboardEvent, held: boolean, move: number | undefined): boolean => {
+    if (event.key === 'Delete') {
+      if (chosen.count > 0) askRemoval(control, chosen)
+      else if (selected !== undefined && !restored) control.removeChosen()
+      return true
+    }
+    if (count === 0) return false
+    if (move !== undefined && event.shiftKey) {
+      if (anchor.current < 0) anchor.current = Math.max(active, 0)
+      select(RowSelection.none.with(anchor.current, move), move)
+      return true
+    }
+    if (held && event.key === 'a') {
+      select(RowSelection.all(count), Math.max(active, 0))
+      return true
+    }
+    if ((held || choosing) && event.key === ' ' && active >= 0) {
+      anchor.current = active
+      select(chosen.toggled(active), active)
+      return true
+    }
+    if (move !== undefined && (held || choosing)) {
+      setCursor(move)
+      handle.current?.reveal(move)
+      return true
+    }
+    if (event.key !== 'Escape' || !several) return false
+    leaveSelection()
+    return true
+  }
+  const leaveSelection = (): void => {
+    setChoosing(false)
+    list.selection.value = RowSelection.none
   }
 
   const counted = cache.filter === '' ? m.entries(count) : m.ofEntries(count, cache.wholeLength)
@@ -200,6 +176,7 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
       control={control}
       shown={shown}
       class={`list-box kind-${shown.kind.toLowerCase()}`}
+      rows={cache.wholeLength}
       aside={
         <span class="count" aria-live="polite">
           {counted}
@@ -214,11 +191,13 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
             count={count}
             rowHeight={rowHeight()}
             onRange={(first, last) => list.show(first, last)}
+            place={place}
             id={control.id}
             class="list-rows"
             role="listbox"
             tabIndex={shown.enabled ? 0 : -1}
             aria-disabled={!shown.enabled}
+            aria-multiselectable={remover ? true : undefined}
             aria-activedescendant={active >= 0 ? `${control.id}-r${active}` : undefined}
             onKeyDown={onKeyDown}
             {...naming(control, shown)}
@@ -229,23 +208,29 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
                 position={position}
                 count={count}
                 text={cache.row(position)}
-                selected={position === active && (selected !== undefined || wanted.current === position)}
-                onChoose={() => {
-                  if (!shown.enabled) return
-                  handle.current?.element?.focus({ preventScroll: true })
-                  choose(position)
-                }}
+                selected={several ? chosen.has(position) : (position === selected && !restored) || waitingFor.current === position}
+                active={position === active && position !== selected}
+                restored={position === selected && restored}
+                added={added !== null && cache.indexAt(position) === added.index}
+                ticks={several}
+                onChoose={event => onRowClick(event, position)}
               />
             )}
           />
           {count === 0 && <p class="list-empty">{cache.filter === '' ? m.emptyList : m.noMatch}</p>}
         </div>
         {bar}
+        {several && <SelectionBar control={control} chosen={chosen} onEnd={leaveSelection} />}
         <div class="list-foot">
           <span class="list-place">{index >= 0 && index < cache.wholeLength ? m.rowOf(index + 1, cache.wholeLength) : '\u00a0'}</span>
           {cut && selectedText !== undefined && (
             <button type="button" class="button quiet small" onClick={() => viewText(name, selectedText)}>
               {m.fullText}
+            </button>
+          )}
+          {remover && count > 1 && !several && (
+            <button type="button" class="button quiet small" onClick={() => setChoosing(true)}>
+              {m.chooseSeveral}
             </button>
           )}
           {tool}

@@ -38,7 +38,7 @@ function CountsChart({ report, name }: { report: string; name: string }) {
           <span class="count-bar">
             <span style={{ width: `${share * 100}%` }} />
           </span>
-          <span class="count-number">{shown}</span>
+          <span class="count-number">{/^\d{4,15}$/.test(shown) ? messages.value.number(Number(shown)) : shown}</span>
         </li>
       ))}
     </ul>
@@ -61,7 +61,7 @@ function PlainField({ control }: { control: ControlModel }) {
   })
   const common = {
     id: control.id,
-    placeholder: shown.placeholder,
+    placeholder: shown.placeholder && messages.value.example(shown.placeholder),
     disabled: !shown.enabled,
     spellcheck: false,
     autocomplete: shown.secret ? 'new-password' : 'off',
@@ -78,7 +78,17 @@ function PlainField({ control }: { control: ControlModel }) {
         <textarea ref={area} class={`input${fixed}`} rows={6} wrap={shown.fixedPitch ? 'off' : 'soft'} {...common} />
       ) : (
         <span class="input-line">
-          <input ref={line} class={`input${fixed}`} type={fieldType(shown.secret === true && !revealed)} {...common} />
+          <input
+            ref={line}
+            class={`input${fixed}`}
+            type={fieldType(shown.secret === true && !revealed)}
+            onKeyDown={event => {
+              if (event.key !== 'Enter' || event.isComposing) return
+              const adder = control.form.adderOf(control)
+              if (adder && control.holdsSomething) adder.click()
+            }}
+            {...common}
+          />
           {shown.secret && (
             <button type="button" class="button quiet small" aria-pressed={revealed} onClick={() => setRevealed(!revealed)}>
               {revealed ? messages.value.hidePassword : messages.value.showPassword}

@@ -1,5 +1,6 @@
 import type { ComponentChildren } from 'preact'
 import { useEffect, useImperativeHandle, useLayoutEffect, useReducer, useRef, useState } from 'preact/hooks'
+import { recall, remember } from '../model/preferences'
 import { ScrollMap } from '../model/scroll-map'
 
 export interface VirtualListHandle {
@@ -18,15 +19,18 @@ interface Props {
   row: (position: number) => ComponentChildren
   onRange?: (first: number, last: number) => void
   handle: { current: VirtualListHandle | null }
+  /** Under which name this tab remembers the place to which the list was scrolled. */
+  place?: string | undefined
   /** The attributes of the scrolled element. */
   [attribute: string]: unknown
 }
 
 const overscan = 6
 const settlingTime = 150
+const keepingTime = 300
 
 /** Draws only the rows that are on view, for any number of rows. */
-export function VirtualList({ count, rowHeight, row, onRange, handle, ...attributes }: Props) {
+export function VirtualList({ count, rowHeight, row, onRange, handle, place, ...attributes }: Props) {
   const element = useRef<HTMLDivElement>(null)
   const map = useRef(new ScrollMap()).current
   const settling = useRef<ReturnType<typeof setTimeout> | undefined>(undefined)
@@ -34,6 +38,15 @@ export function VirtualList({ count, rowHeight, row, onRange, handle, ...attribu
   const [viewHeight, setViewHeight] = useState(0)
   // A row that was to be revealed before the height of the view was known.
   const waiting = useRef(-1)
+  const returned = useRef(false)
+  const placing = useRef<ReturnType<typeof setTimeout> | undefined>(undefined)
+  const keepPlace = (): void => {
+    clearTimeout(placing.current)
+    placing.current = setTimeout(() => {
+      const row = Math.round(map.virtualTop / rowHeight)
+      if (place) remember(place, row === 0 ? '' : String(row), 'tab')
+    }, keepingTime)
+  }
   map.configure(count, rowHeight, viewHeight)
 
   const moveTo = (top: number): void => {
@@ -69,18 +82,21 @@ export function VirtualList({ count, rowHeight, row, onRange, handle, ...attribu
     return () => {
       observer.disconnect()
       clearTimeout(settling.current)
+      clearTimeout(placing.current)
     }
   }, [])
 
   // A shorter list or a higher view can leave the scroll position beyond the end.
   useLayoutEffect(() => {
     const scrolled = element.current
-    const place = map.moveTo(map.virtualTop)
-    if (scrolled && Math.abs(scrolled.scrollTop - place) >= 1) scrolled.scrollTop = place
-    if (viewHeight > 0 && waiting.current >= 0) {
+    const top = map.moveTo(map.virtualTop)
+    if (scrolled && Math.abs(scrolled.scrollTop - top) >= 1) scrolled.scrollTop = top
+    if (viewHeight === 0) return
+    if (waiting.current >= 0) {
       moveTo(map.topShowing(waiting.current))
       waiting.current = -1
-    }
+    } else if (!returned.current && count > 0) moveTo(Number((place && recall(place, 'tab')) ?? 0) * rowHeight)
+    if (count > 0) returned.current = true
   }, [count, rowHeight, viewHeight])
 
   const onScroll = (): void => {
@@ -88,6 +104,7 @@ export function VirtualList({ count, rowHeight, row, onRange, handle, ...attribu
     if (!scrolled) return
     map.onScroll(scrolled.scrollTop)
     redraw()
+    keepPlace()
     if (!map.scaled) return
     clearTimeout(settling.current)
     settling.current = setTimeout(() => {

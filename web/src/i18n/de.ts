@@ -165,9 +165,25 @@ export const de: Messages = {
   filter: 'Filtern',
   filterList: list => `${list} filtern`.trim(),
   clearFilter: 'Filter löschen',
+  order: 'Reihenfolge',
+  orderOf: list => `Reihenfolge von ${list}`.trim(),
+  orders: { listed: 'Unsortiert', added: 'Wie hinzugefügt', text: 'A bis Z', domain: 'Nach Domäne' },
+  addedRow: 'hinzugefügt',
+  chooseSeveral: 'Mehrere auswählen',
+  chosenRows: count => `${number.format(count)} ausgewählt`,
+  removeRows: 'Entfernen',
+  removalQuestion: (count, list) =>
+    list === '' ? `${plural(count, 'Eintrag', 'Einträge')} entfernen?` : `${plural(count, 'Eintrag', 'Einträge')} aus „${list}“ entfernen?`,
+  missing: (name, isList, hasList) =>
+    isList
+      ? `Zuerst einen Eintrag aus „${name}“ auswählen.`
+      : hasList
+        ? `Zuerst „${name}“ ausfüllen oder einen Eintrag auswählen.`
+        : `Zuerst „${name}“ ausfüllen.`,
   emptyList: 'Keine Einträge',
   noMatch: 'Nichts passt zum Filter',
   list: 'Liste',
+  example: text => `z. B. ${text}`,
   emptyRow: '(leer)',
   fullText: 'Ganzer Text',
   copy: 'Kopieren',

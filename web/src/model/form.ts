@@ -3,6 +3,7 @@ import type { ChangeMessage, Control, FormMessage, Kind, LayoutNode, PlainMessag
 import { framesAround } from './layout'
 import { ListModel } from './list'
 import { PendingText } from './pending-text'
+import type { Range } from './selection'
 
 /** What a form needs of the session that it lives in. */
 export interface Link {
@@ -39,6 +40,10 @@ export class ControlModel {
   /** Clicks that the server has not finished. */
   readonly waiting = signal(0)
   private readonly pending: PendingText | null
+  /** Clicks of a button that adds to lists, with what stood in their field. */
+  private adding = new Map<number, string>()
+  /** The item that was chosen here, of this revision of the list. */
+  private chosenHere: { index: number; revision: number } | null = null
   private chooseSeq = 0
   private queuedChoice: number | null = null
 
@@ -62,6 +67,11 @@ export class ControlModel {
     this.list = listKinds.has(control.kind)
       ? new ListModel(form.name, name, control.items ?? { length: 0, revision: 0 }, message => form.link.send(message))
       : null
+  }
+
+  /** A text field with a text, a list with an item chosen. */
+  get holdsSomething(): boolean {
+    return this.list && !this.pending ? (this.shown.value.index ?? -1) >= 0 : this.text.value.trim() !== ''
   }
 
   get id(): string {
@@ -98,12 +108,54 @@ export class ControlModel {
     if (seq === 0) return false
     if (kind === 'CheckBox') this.overlay.value = { seq, values: { value: value === 1 ? 0 : 1 } }
     if (kind === 'OptionButton') this.form.chooseOption(this, seq)
+    const entry = this.form.addedTo(this)[0]?.entryField
+    if (entry) this.adding.set(seq, entry.text.peek())
     return true
+  }
+
+  /** The field that takes an entry of this list. */
+  get entryField(): ControlModel | undefined {
+    const { entry } = this.shown.peek()
+    return entry === undefined ? undefined : this.form.controls.get(entry)
+  }
+
+  /** The button that takes entries off this list, as long as it can be used. */
+  remover(): ControlModel | undefined {
+    const { remove } = this.shown.value
+    const button = remove === undefined ? undefined : this.form.controls.get(remove)
+    return button?.visible.value && button.shown.value.enabled ? button : undefined
+  }
+
+  /** Removes the entry that stands in the field, as the button does. */
+  removeChosen(): void {
+    this.remover()?.click()
+  }
+
+  /** Removes the entries at these places on view. */
+  removeRows(ranges: readonly Range[]): void {
+    const { cache } = this.list ?? {}
+    if (!cache) return
+    this.form.link.event(this, { event: 'remove', revision: cache.currentRevision, ...cache.wanted, ranges })
+  }
+
+  /** Whether the row that the console has chosen is what the page works on now. Pages also choose the place that was used last, of a
+   *  list that has changed since: its text is not in the field. */
+  isChosen(text: string): boolean {
+    const field = this.entryField
+    if (!field) return true
+    const { index } = this.shown.value
+    const here = this.chosenHere
+    if (here && here.index === index && here.revision === this.list?.cache.currentRevision) return true
+    return field.text.value.trim().toLowerCase() === text.trim().toLowerCase()
   }
 
   /** Chooses an item. While an earlier choice is being handled, only the newest of the following ones is sent, so that
    *  a held arrow key never queues hundreds of them. */
   choose(index: number, text?: string): void {
+    if (this.list) {
+      this.chosenHere = { index, revision: this.list.cache.currentRevision }
+      this.list.added.value = null
+    }
     if (this.pending && text !== undefined && !this.pending.dirty) this.text.value = text
     const values: Partial<Control> = this.pending || text === undefined ? { index } : { index, text }
     if (this.chooseSeq > 0) {
@@ -145,18 +197,29 @@ export class ControlModel {
 
   done(seq: number): void {
     this.settle(seq)
+    this.showAdded(seq)
     if (this.chooseSeq === 0 || seq < this.chooseSeq) return
     this.chooseSeq = 0
     if (this.queuedChoice !== null) this.sendChoice(this.queuedChoice)
   }
 
   refused(seq: number): void {
+    this.adding.delete(seq)
     if (this.pending?.refused(seq)) this.text.value = this.pending.text
     this.done(seq)
   }
 
+  /** The entry that a click added, as the page has stored it: its field may show another form of it now. */
+  private showAdded(seq: number): void {
+    for (const [click, typed] of this.adding) {
+      if (click > seq) continue
+      this.adding.delete(click)
+      for (const control of this.form.addedTo(this)) control.list?.showAdded(control.entryField?.text.peek() || typed)
+    }
+  }
+
   get unsettled(): boolean {
-    return this.overlay.peek() !== null || this.chooseSeq > 0 || this.pending?.unsettled === true
+    return this.adding.size > 0 || this.overlay.peek() !== null || this.chooseSeq > 0 || this.pending?.unsettled === true
   }
 
   /** The form came again on a new connection. */
@@ -165,6 +228,7 @@ export class ControlModel {
       this.base.value = control
       this.overlay.value = null
       this.waiting.value = 0
+      this.adding.clear()
       this.chooseSeq = 0
       this.queuedChoice = null
       if (this.pending) {
@@ -197,6 +261,8 @@ export class FormModel {
   readonly controls = new Map<string, ControlModel>()
   /** Gone on the server, but kept on view until its successor arrives. */
   readonly closed = signal(false)
+  /** The control that was missing when a button was pressed, until it is there. */
+  readonly missing = signal<ControlModel | null>(null)
   /** The label controls that are drawn with the control that they name. */
   readonly usedLabels = new Set<string>()
   readonly link: Link
@@ -247,6 +313,62 @@ export class FormModel {
       if (shown.kind !== 'OptionButton' || shown.group !== group) continue
       control.overlayWith(seq, { value: control === chosen ? 1 : 0 })
     }
+  }
+
+  /** The lists to which the button adds. */
+  addedTo(button: ControlModel): ControlModel[] {
+    if (button.kind !== 'Button') return []
+    return [...this.controls.values()].filter(control => control.shown.peek().add === button.name)
+  }
+
+  /** The button that adds what stands in the field, where there is just one. */
+  adderOf(field: ControlModel): ControlModel | undefined {
+    const names = new Set<string>()
+    for (const { shown } of this.controls.values()) {
+      const { entry, add } = shown.peek()
+      if (entry === field.name && add !== undefined) names.add(add)
+    }
+    const [name] = names
+    const button = name === undefined || names.size > 1 ? undefined : this.controls.get(name)
+    return button?.visible.peek() && button.shown.peek().enabled ? button : undefined
+  }
+
+  /** The control that has to be filled in or chosen from before the button makes sense; undefined if nothing is missing. */
+  missingFor(button: ControlModel): ControlModel | undefined {
+    const needed = (button.shown.peek().needs ?? []).flatMap(name => this.controls.get(name) ?? [])
+    return needed.some(control => control.holdsSomething) ? undefined : needed.find(control => control.visible.peek())
+  }
+
+  /** What adds to lists stands out, most where one button does it for the whole form; what removes looks dangerous. */
+  lookOf(button: ControlModel): '' | ' primary' | ' tinted' | ' danger' {
+    const adders = new Set<string>()
+    for (const { shown } of this.controls.values()) {
+      const { add, remove } = shown.peek()
+      if (remove === button.name) return ' danger'
+      if (add !== undefined) adders.add(add)
+    }
+    if (!adders.has(button.name)) return ''
+    return adders.size === 1 ? ' primary' : ' tinted'
+  }
+
+  /** Whether choosing an entry of a list fills the field. */
+  feedsFrom(field: ControlModel): boolean {
+    return [...this.controls.values()].some(control => control.shown.peek().entry === field.name)
+  }
+
+  /** What else is said with a caption that several buttons have: the field that the button works on, or the frame around it. */
+  contextOf(button: ControlModel): string {
+    const caption = this.labelOf(button.shown.value)
+    const same = [...this.controls.values()].filter(
+      other => other.kind === 'Button' && other.visible.value && this.labelOf(other.shown.value) === caption,
+    )
+    if (same.length < 2) return ''
+    const frames = new Set(same.map(other => this.frameAround(other.name)))
+    const frame = this.frameAround(button.name)
+    if (frame && frames.size === same.length) return this.labelOf(frame.shown.value)
+    const needed = this.controls.get(button.shown.value.needs?.[0] ?? '')
+    const about = needed ?? frame
+    return about ? this.labelOf(about.shown.value) : ''
   }
 
   frameAround(name: string): ControlModel | undefined {

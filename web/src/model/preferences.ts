@@ -37,3 +37,34 @@ export function followPointer(): void {
   query.addEventListener('change', update)
   update()
 }
+
+type Place = 'tab' | 'device'
+
+/** What is remembered for this tab or on this device; null without it. */
+export function recall(name: string, place: Place): string | null {
+  try {
+    return (place === 'tab' ? sessionStorage : localStorage).getItem(name)
+  } catch {
+    return null
+  }
+}
+
+/** An empty text forgets it. What is remembered for a tab is gone with its session. */
+export function remember(name: string, value: string, place: Place): void {
+  try {
+    const storage = place === 'tab' ? sessionStorage : localStorage
+    if (value === '') storage.removeItem(name)
+    else storage.setItem(name, value)
+  } catch {
+    // Without storage nothing is remembered.
+  }
+}
+
+/** Another person may sign in in this tab. */
+export function forgetTab(): void {
+  try {
+    sessionStorage.clear()
+  } catch {
+    // Nothing was remembered.
+  }
+}

@@ -1,4 +1,4 @@
-import type { RowsMessage } from '../wire/protocol'
+import type { ListOrder, RowsMessage } from '../wire/protocol'
 
 export const blockSize = 200
 
@@ -7,6 +7,7 @@ export interface RowRequest {
   start: number
   count: number
   filter: string
+  order: ListOrder
 }
 
 interface Block {
@@ -20,15 +21,18 @@ interface Block {
 export class RowCache {
   /** Rows that match the filter on view. */
   length: number
-  /** The filter whose rows are on view; the wanted one may be newer. */
+  /** The filter and the order of the rows on view; the wanted ones may be newer. */
   filter = ''
+  order: ListOrder = 'added'
   private wantedFilter = ''
+  private wantedOrder: ListOrder = 'added'
   private revision: number
   private total: number
   private blocks = new Map<number, Block>()
   /** What was asked of the wanted filter and the newest revision; answers to anything older are dropped. */
   private outstanding = new Map<number, { block: number; start: number }>()
-  private static nextRequest = 1
+  /** Numbers all requests about rows. */
+  static nextRequest = 1
   private readonly keptBlocks: number
 
   constructor(total: number, revision: number, keptBlocks = 60) {
@@ -42,9 +46,19 @@ export class RowCache {
     return this.total
   }
 
-  /** True while the rows on view belong to an older filter than the one asked for. */
+  /** True while the rows on view belong to an older filter or order than was asked for. */
   get filtering(): boolean {
-    return this.filter !== this.wantedFilter
+    return this.filter !== this.wantedFilter || this.order !== this.wantedOrder
+  }
+
+  /** Whether all rows are on view in the order of the list: places on view are those in the list then. */
+  private get whole(): boolean {
+    return this.filter === '' && this.order === 'added'
+  }
+
+  /** What is wanted on view. */
+  get wanted(): { filter: string; order: ListOrder } {
+    return { filter: this.wantedFilter, order: this.wantedOrder }
   }
 
   get currentRevision(): number {
@@ -60,9 +74,11 @@ export class RowCache {
     this.dropBeyondEnd()
   }
 
-  setFilter(filter: string): void {
-    if (filter === this.wantedFilter) return
+  setView(view: { filter?: string; order?: ListOrder }): void {
+    const { filter, order } = { ...this.wanted, ...view }
+    if (filter === this.wantedFilter && order === this.wantedOrder) return
     this.wantedFilter = filter
+    this.wantedOrder = order
     this.outstanding.clear()
   }
 
@@ -79,14 +95,14 @@ export class RowCache {
 
   /** The place in the whole list of the row at a position of the view. */
   indexAt(position: number): number | undefined {
-    if (this.filter === '') return position < this.length ? position : undefined
+    if (this.whole) return position < this.length ? position : undefined
     return this.blocks.get(Math.floor(position / blockSize))?.indexes?.[position % blockSize]
   }
 
   /** The position on view of a row of the whole list, if it is known. */
   positionOf(index: number): number | undefined {
     if (index < 0) return undefined
-    if (this.filter === '') return index < this.length ? index : undefined
+    if (this.whole) return index < this.length ? index : undefined
     for (const [number, block] of this.blocks) {
       const place = block.indexes?.indexOf(index) ?? -1
       if (place >= 0) return number * blockSize + place
@@ -110,7 +126,7 @@ export class RowCache {
       const request = RowCache.nextRequest++
       const start = block * blockSize + held
       this.outstanding.set(request, { block, start })
-      requests.push({ request, start, count: blockSize - held, filter: this.wantedFilter })
+      requests.push({ request, start, count: blockSize - held, filter: this.wantedFilter, order: this.wantedOrder })
     }
     return requests
   }
@@ -123,6 +139,7 @@ export class RowCache {
     if (this.filtering) {
       this.blocks.clear()
       this.filter = this.wantedFilter
+      this.order = this.wantedOrder
     }
     if (message.revision > this.revision) {
       this.revision = message.revision

@@ -3,6 +3,7 @@ import { useId, useLayoutEffect, useRef } from 'preact/hooks'
 import { messages } from '../i18n'
 import { Icon } from './icon'
 import { popupOpen } from './popups'
+import { enterTopLayer } from './top-layer'
 
 interface Props {
   title: string
@@ -39,11 +40,13 @@ export function Modal({ title, onCancel, class: kind = '', describedBy, role, cl
     if (!element) return undefined
     const before = document.activeElement
     if (!element.open) element.showModal()
+    const leave = enterTopLayer(element)
     // The browser would begin with the button that closes the dialog.
     if (!element.querySelector('[autofocus]')) {
       element.querySelector<HTMLElement>('.modal-body :is(input, textarea, button, [tabindex="0"]):enabled')?.focus()
     }
     return () => {
+      leave()
       element.close()
       if (before instanceof HTMLElement && before.isConnected) before.focus({ preventScroll: true })
     }
@@ -63,7 +66,7 @@ export function Modal({ title, onCancel, class: kind = '', describedBy, role, cl
       }}
     >
       <div class="modal-panel">
-        <header class="modal-head">
+        <div class="modal-head">
           {icon}
           <h2 id={titleId}>{title}</h2>
           {closable && (
@@ -71,7 +74,7 @@ export function Modal({ title, onCancel, class: kind = '', describedBy, role, cl
               <Icon name="close" />
             </button>
           )}
-        </header>
+        </div>
         {children}
       </div>
     </dialog>

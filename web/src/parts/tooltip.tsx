@@ -13,6 +13,27 @@ interface Shown {
 const within = (box: DOMRect, x: number, y: number): boolean =>
   x >= box.left - gap && x <= box.right + gap && y >= box.top - gap && y <= box.bottom + gap
 
+/** Beside, below or above what it explains: the first place where it covers no other control. */
+function placeOf(anchor: Element, box: DOMRect, size: DOMRect): { left: number; top: number } {
+  const within = (value: number, length: number, whole: number): number => Math.max(gap, Math.min(value, whole - length - gap))
+  const left = within(box.left, size.width, innerWidth)
+  const places = [
+    { left, top: box.bottom + gap },
+    { left: box.right + gap, top: within(box.top, size.height, innerHeight) },
+    { left, top: box.top - size.height - gap },
+  ].filter(({ left, top }) => top >= gap && top + size.height <= innerHeight - gap && left + size.width <= innerWidth - gap)
+  const others = [...document.querySelectorAll('[data-control]:not(.frame), .field-head, .frame-head')].filter(
+    other => !other.contains(anchor) && !anchor.contains(other),
+  )
+  const covers = ({ left, top }: { left: number; top: number }): number =>
+    others.filter(other => {
+      const used = other.getBoundingClientRect()
+      return left < used.right && used.left < left + size.width && top < used.bottom && used.top < top + size.height
+    }).length
+  const [best] = places.map(place => ({ ...place, covered: covers(place) })).sort((a, b) => a.covered - b.covered)
+  return best ?? { left, top: within(box.bottom + gap, size.height, innerHeight) }
+}
+
 /** The one tool tip of the page. It belongs to whatever carries data-tip, stays while the pointer is on it, and goes with Escape. */
 export function Tooltip() {
   const [shown, setShown] = useState<Shown | null>(null)
@@ -88,10 +109,7 @@ export function Tooltip() {
     tip.showPopover()
     const box = shown.anchor.getBoundingClientRect()
     const size = tip.getBoundingClientRect()
-    const left = Math.max(gap, Math.min(box.left, innerWidth - size.width - gap))
-    const above = box.top - size.height - gap
-    // Below tall controls the tip would be far from what is looked at.
-    const top = above >= gap ? above : Math.min(box.bottom + gap, innerHeight - size.height - gap)
+    const { left, top } = placeOf(shown.anchor, box, size)
     tip.style.left = `${left}px`
     tip.style.top = `${top}px`
     const release = pushPopup(() => setShown(null))

@@ -1,5 +1,5 @@
 import { useEffect, useRef, useState } from 'preact/hooks'
-import { keyTarget } from '../controls/list-box'
+import { keyTarget } from '../controls/list-row'
 import { VirtualList, type VirtualListHandle } from '../controls/virtual-list'
 import { messages } from '../i18n'
 import { coarse } from '../model/preferences'

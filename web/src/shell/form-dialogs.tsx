@@ -64,12 +64,12 @@ function FloatingForm({ form }: { form: FormModel }) {
         if (event.key === 'Escape' && !event.defaultPrevented) close()
       }}
     >
-      <header class="modal-head movable" onPointerDown={startMove}>
+      <div class="modal-head movable" onPointerDown={startMove}>
         <h2 id={titleId}>{form.caption.value}</h2>
         <button type="button" class="icon-button" aria-label={messages.value.close} onClick={close}>
           <Icon name="close" />
         </button>
-      </header>
+      </div>
       <div class="modal-body">
         <FormView form={form} />
       </div>

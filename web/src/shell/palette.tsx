@@ -1,10 +1,11 @@
 import { signal } from '@preact/signals'
 import { useEffect, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks'
-import { keyTarget } from '../controls/list-box'
+import { keyTarget } from '../controls/list-row'
 import { messages } from '../i18n'
 import { search, type Hit } from '../model/search'
 import { visibleText } from '../model/visible-text'
 import { Icon } from '../parts/icon'
+import { enterTopLayer } from '../parts/top-layer'
 import { session } from '../state/app-state'
 import { goTo } from './router'
 
@@ -45,7 +46,9 @@ function OpenPalette() {
     const element = dialog.current
     const before = document.activeElement
     element?.showModal()
+    const leave = element && enterTopLayer(element)
     return () => {
+      leave?.()
       element?.close()
       if (before instanceof HTMLElement && before.isConnected) before.focus({ preventScroll: true })
     }

@@ -1,7 +1,10 @@
 import { useEffect, useRef, useState } from 'preact/hooks'
 import { FormView } from '../controls/form-view'
+import { RemovalQuestion } from '../controls/selection-bar'
 import { messages } from '../i18n'
 import type { FormModel } from '../model/form'
+import { recall, remember } from '../model/preferences'
+import { GroupHelp } from '../parts/group-help'
 import { Icon } from '../parts/icon'
 import { TextViewer } from '../parts/text-viewer'
 import { connection, session } from '../state/app-state'
@@ -58,7 +61,7 @@ function Page() {
   const wanted = session.wanted.value
   const m = messages.value
   useEffect(() => {
-    main.current?.scrollTo(0, 0)
+    main.current?.scrollTo(0, Number(recall(`place ${page?.name}`, 'tab') ?? 0))
     // What had the focus may have gone with the page before.
     if (page && document.activeElement === document.body) main.current?.focus({ preventScroll: true })
   }, [page])
@@ -68,7 +71,15 @@ function Page() {
     focusWanted(page, wanted.control)
   }, [page, wanted])
   return (
-    <main ref={main} id="page" class="page" tabIndex={-1} aria-busy={session.opening.value !== null} inert={page?.closed.value}>
+    <main
+      ref={main}
+      id="page"
+      class="page"
+      tabIndex={-1}
+      onScrollEnd={event => {
+        if (page && !page.closed.peek()) remember(`place ${page.name}`, String(Math.round(event.currentTarget.scrollTop)), 'tab')
+      }}
+      aria-busy={session.opening.value !== null} inert={page?.closed.value}>
       {page ? <FormView key={page.name} form={page} /> : <p class="page-empty">{m.loading}</p>}
     </main>
   )
@@ -127,6 +138,8 @@ export function Shell() {
       <Palette />
       <PasswordDialog />
       <Boxes />
+      <RemovalQuestion />
+      <GroupHelp />
       <TextViewer />
     </div>
   )

@@ -1,5 +1,7 @@
-import { useEffect, useRef } from 'preact/hooks'
+import type { ComponentChildren } from 'preact'
+import { useEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
+import { recall, remember } from '../model/preferences'
 import { Icon, Logo } from '../parts/icon'
 import { session } from '../state/app-state'
 import type { PageEntry } from '../wire/protocol'
@@ -14,6 +16,37 @@ function grouped(pages: readonly PageEntry[]): { group: string; pages: PageEntry
     else groups.push({ group: page.group, pages: [page] })
   }
   return groups
+}
+
+const foldKey = (group: string): string => `fold ${group}`
+/** Below this height the groups do not fit: only the one that is used is unfolded until somebody unfolds more. */
+const lowWindow = 980
+
+function Group({ name, id, holdsCurrent, children }: { name: string; id: string; holdsCurrent: boolean; children: ComponentChildren }) {
+  const [chosen, setChosen] = useState(() => recall(foldKey(name), 'device'))
+  const open = chosen === null ? holdsCurrent || innerHeight >= lowWindow : chosen === 'open'
+  const choose = (unfolded: boolean): void => {
+    const state = unfolded ? 'open' : 'folded'
+    remember(foldKey(name), state, 'device')
+    setChosen(state)
+  }
+  // Whoever comes to a page by another way sees where it is.
+  useEffect(() => {
+    if (holdsCurrent && chosen === 'folded') choose(true)
+  }, [holdsCurrent])
+  return (
+    <section>
+      <h2>
+        <button type="button" class="group-fold" aria-expanded={open} aria-controls={id} onClick={() => choose(!open)}>
+          <span id={`${id}-name`}>{name}</span>
+          <Icon name="chevron" />
+        </button>
+      </h2>
+      <ul id={id} aria-labelledby={`${id}-name`} hidden={!open}>
+        {children}
+      </ul>
+    </section>
+  )
 }
 
 export function Sidebar({ drawn, onLeave }: { drawn: boolean; onLeave: () => void }) {
@@ -47,9 +80,12 @@ export function Sidebar({ drawn, onLeave }: { drawn: boolean; onLeave: () => voi
       </div>
       <div class="sidebar-pages">
         {grouped(hello?.pages ?? []).map((group, place) => (
-          <section key={group.group}>
-            <h2 id={`nav-${place}`}>{group.group}</h2>
-            <ul aria-labelledby={`nav-${place}`}>
+          <Group
+            key={group.group}
+            name={group.group}
+            id={`nav-${place}`}
+            holdsCurrent={group.pages.some(page => page.name === current)}
+          >
               {group.pages.map(page => (
                 <li key={page.name}>
                   <a
@@ -67,8 +103,7 @@ export function Sidebar({ drawn, onLeave }: { drawn: boolean; onLeave: () => voi
                   </a>
                 </li>
               ))}
-            </ul>
-          </section>
+          </Group>
         ))}
       </div>
       {hello && (

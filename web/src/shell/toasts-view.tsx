@@ -2,6 +2,7 @@ import { useLayoutEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import { Icon } from '../parts/icon'
 import { activity, session, toasts } from '../state/app-state'
+import { topmost } from '../parts/top-layer'
 import { DownloadLink } from './offered-files'
 
 const lastUsed: { element: Element | null } = { element: null }
@@ -23,6 +24,7 @@ export function ToastsView() {
   const region = useRef<HTMLElement>(null)
   const [up, setUp] = useState(false)
   const shown = toasts.shown.value
+  const dialog = topmost()
   const m = messages.value
   useLayoutEffect(() => {
     const element = region.current
@@ -39,7 +41,7 @@ export function ToastsView() {
     const covers = box !== null && overlap(atBottom, box) && !overlap(atTop, box)
     if (covers) element.dataset.up = ''
     setUp(covers)
-  }, [shown])
+  }, [shown, dialog])
   const newest = shown.at(-1)
   return (
     <>

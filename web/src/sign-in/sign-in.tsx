@@ -14,9 +14,9 @@ function Card({ title, lead, children }: { title: string; lead: string; children
   }, [title, product])
   return (
     <div class="door">
-      <div class="door-tools">
+      <header class="door-tools">
         <ThemeButton />
-      </div>
+      </header>
       <main class="door-card">
         <div class="door-brand">
           <Logo />
@@ -26,7 +26,7 @@ function Card({ title, lead, children }: { title: string; lead: string; children
         <p class="door-lead">{lead}</p>
         {children}
       </main>
-      <p class="door-foot">{hostState.value && messages.value.version(hostState.value.version)}</p>
+      <footer class="door-foot">{hostState.value && messages.value.version(hostState.value.version)}</footer>
     </div>
   )
 }

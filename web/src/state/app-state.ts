@@ -2,7 +2,8 @@ import { effect, signal, untracked } from '@preact/signals'
 import { language, messages } from '../i18n'
 import { ActivityModel } from '../model/activity'
 import { Session } from '../model/session'
-import { summarise } from '../model/toast-text'
+import { forgetTab } from '../model/preferences'
+import { summarise, type Summary } from '../model/toast-text'
 import { Toasts } from '../model/toasts'
 import { visibleText } from '../model/visible-text'
 import { askState, logOut } from '../wire/api'
@@ -29,6 +30,12 @@ export const toasts = new Toasts()
 const longestDetail = 300
 const longestName = 100
 
+/** Notices about the same thing take each other's place. */
+function topicOf(summary: Summary): string | undefined {
+  if (summary.lead?.kind === 'set') return `${summary.lead.what} ${summary.lead.name}`
+  return summary.failed || summary.lead ? undefined : 'statements'
+}
+
 connection.onMessage = message => session.receive(message)
 connection.onOpened = () => session.opened()
 activity.send = message => connection.send(message)
@@ -40,7 +47,7 @@ activity.onAction = (message, steps) => {
   toasts.add(visibleText(messages.value.toast(summary), longestDetail), {
     detail: visibleText(summary.error, longestDetail),
     failed: summary.failed,
-    topic: summary.lead?.kind === 'set' ? `${summary.lead.what} ${summary.lead.name}` : undefined,
+    topic: topicOf(summary),
   })
 }
 session.onRefusal = refusal =>
@@ -106,5 +113,6 @@ export async function leave(): Promise<void> {
   connection.stop()
   session.reset()
   toasts.clear()
+  forgetTab()
   await begin()
 }

@@ -37,6 +37,9 @@ export interface Items {
   revision: number
 }
 
+/** The orders in which the host shows a list. */
+export type ListOrder = 'added' | 'text' | 'domain'
+
 export type Kind =
   | 'Frame'
   | 'Label'
@@ -88,7 +91,19 @@ export interface Control {
   min?: number
   max?: number
   interval?: number
+  /** Of a list: the field that takes a chosen entry, and the buttons that add to and remove from it. */
+  entry?: string
+  add?: string
+  remove?: string
+  /** Of a button: controls of which one must hold something. */
+  needs?: string[]
+  /** Of a button: what people come for. */
+  primary?: boolean
+  /** Of a label: whether what it says is good or bad. */
+  tone?: Tone
 }
+
+export type Tone = 'plain' | 'good' | 'waiting' | 'bad'
 
 export type LayoutNode = { grow?: boolean } & (
   | { control: string }
@@ -151,10 +166,13 @@ export interface RowsMessage {
   request: number
   revision: number
   filter: string
+  order?: ListOrder
   length: number
   start: number
   rows: string[]
   indexes?: number[]
+  /** Where the row that was sought is: in the list, and on view unless the filter hides it. */
+  found?: { index: number; position: number | null } | null
 }
 
 export interface BoxMessage {
@@ -258,6 +276,7 @@ export type UserEvent =
   | { event: 'text'; text: string }
   | { event: 'choose'; index: number }
   | { event: 'scroll'; value: number }
+  | { event: 'remove'; revision: number; filter: string; order: ListOrder; ranges: readonly (readonly [number, number])[] }
 
 export type SequencedMessage =
   | { type: 'open'; page: string }
@@ -272,7 +291,19 @@ export type TerminalAct =
 
 export type PlainMessage =
   | { type: 'answer'; id: number | string; reply: Reply }
-  | { type: 'rows'; form: string; control: string; request: number; start: number; count: number; filter: string }
+  | {
+      type: 'rows'
+      form: string
+      control: string
+      request: number
+      start: number
+      count: number
+      filter: string
+      order: ListOrder
+      /** A row whose place is asked for: its place in the list, or its text. */
+      index?: number
+      find?: string
+    }
   | { type: 'record'; request: number; start: number; count: number }
   | { type: 'captions' }
   /** Somebody is there, though nothing else says so. */
