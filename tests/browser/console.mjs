@@ -9,7 +9,9 @@ import { after, afterEach, before } from 'node:test'
 import { fileURLToPath } from 'node:url'
 
 const top = fileURLToPath(new URL('../../', import.meta.url))
-const { chromium } = createRequire(join(top, 'web/package.json'))('playwright-core')
+/** Modules are those of the front end. */
+export const fromWeb = join(top, 'web/package.json')
+const { chromium } = createRequire(fromWeb)('playwright-core')
 /** A program of the build's tests. The variable names another build folder, such as one with sanitizers. */
 export const built = name => join(top, process.env.ZRL_BUILD ?? 'build/release', 'tests', name)
 const program = built('zrlconsole_with_test_page')
@@ -198,7 +200,13 @@ export async function signIn(page, secret = password) {
 
 /** Opens a page from the sidebar and waits until it is drawn. */
 export async function openPage(page, title, name) {
-  await page.getByRole('navigation').getByRole('link', { name: title, exact: true }).click()
+  const navigation = page.getByRole('navigation')
+  const link = navigation.getByRole('link', { name: title, exact: true, includeHidden: true })
+  if (!(await link.isVisible())) {
+    const group = await link.evaluate(element => element.closest('ul').id)
+    await navigation.locator(`[aria-controls="${group}"]`).click()
+  }
+  await link.click()
   await page.locator(`main [data-control^="c-${name}-"]`).first().waitFor()
 }
 
