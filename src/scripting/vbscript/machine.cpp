@@ -48,13 +48,17 @@ inline void set_whole(Value& target, std::int64_t number, int pair) {
 }  // namespace
 
 void Machine::run(std::size_t bottom) {
+  bool handled = false;
   while (true) {
     try {
+      // What the error dropped ends before the script goes on.
+      if (handled) run_terminations();
       return execute(bottom);
     } catch (const Failure& failure) {
       note_place(failure);
       countdown_ -= instructions_an_error_costs;
       if (!handle(failure, bottom)) throw;
+      handled = true;
     }
   }
 }

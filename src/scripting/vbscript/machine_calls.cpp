@@ -280,7 +280,8 @@ void Machine::run_terminations() {
       next.termination = true;
       if (memory_.has_terminations()) waiting_.push_back({depth_, memory_.take_terminations()});
       return;
-    } catch (const Failure&) {
+    } catch (const Failure& failure) {
+      if (failure.final) throw;
       continue;  // no room to run it: the object goes without
     }
   }

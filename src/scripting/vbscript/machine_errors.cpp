@@ -298,7 +298,6 @@ bool Machine::handle(const Failure& failure, std::size_t bottom) {
   if (next == 0) next = place + 1 < places.data() + places.size() ? place[1].pc : place->pc;
   for (std::size_t reg = place->first_temp; reg < running.proc->registers; ++reg) running.base[reg].clear();
   running.pc = running.proc->code.data() + next;
-  if (memory_.has_terminations()) run_terminations();
   return true;
 }
 

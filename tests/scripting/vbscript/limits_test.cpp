@@ -37,6 +37,10 @@ TEST(LimitsTest, EndlessScriptsAreStopped) {
            "Sub f : g : End Sub : Sub g : End Sub\nDo : f : Loop",
            "Set d = CreateObject(\"Scripting.Dictionary\")\nDo : d(1) = 2 : Loop",
            "Do : x = Eval(\"1\") : Loop",
+           "Class C : Private Sub Class_Terminate : Set x = New C : End Sub : End Class\n"
+           "Set o = New C : Set o = Nothing : WScript.Echo 1",
+           "Class C : Private Sub Class_Terminate : Set x = New C : y = 1 / 0 : End Sub : End Class\n"
+           "On Error Resume Next : Set o = New C : Set o = Nothing : WScript.Echo 1",
        }) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_THAT(output_of(script, small()), ElementsAre(HasSubstr("was stopped"))) << script;
