@@ -32,6 +32,7 @@ Machine::Machine(EngineHost& host, const Limits& limits, bool with_wscript)
       host_(host),
       limits_(limits),
       memory_(limits.memory, limits.string_units),
+      symbols_(memory_),
       keywords_(std::make_unique<KeywordTable>(symbols_)),
       builtins_(symbols_, with_wscript),
       // Zeroes are Empty; what is not touched costs nothing.

@@ -14,7 +14,7 @@ std::uint32_t hash_of(std::u16string_view name) {
 
 }  // namespace
 
-Symbols::Symbols() : slots_(1024) {
+Symbols::Symbols(Heap& heap) : heap_(heap), slots_(1024) {
   entries_.push_back({{}, 0});
   canonical_.push_back(0);
 }
@@ -39,21 +39,15 @@ void Symbols::grow() {
 
 SymbolId Symbols::intern(std::u16string_view name) {
   const std::uint32_t hash = hash_of(name);
-  std::size_t slot = slot_of(name, hash);
-  if (slots_[slot] != none) return slots_[slot];
-  if (entries_.size() * 2 >= slots_.size()) {
-    grow();
-    slot = slot_of(name, hash);
-  }
+  if (const SymbolId known = slots_[slot_of(name, hash)]; known != none) return known;
+  const std::u16string lower = lower_cased(name);
+  const SymbolId canonical = lower == name ? none : intern(lower);
+  heap_.charge(sizeof(Entry) + 4 * sizeof(SymbolId) + name.size() * sizeof(char16_t));
+  if (entries_.size() * 2 >= slots_.size()) grow();
   const auto id = static_cast<SymbolId>(entries_.size());
   entries_.push_back({std::u16string(name), hash});
-  canonical_.push_back(id);
-  slots_[slot] = id;
-  std::u16string lower = lower_cased(name);
-  if (lower != name) {
-    const SymbolId canonical = intern(lower);
-    canonical_[id] = canonical;
-  }
+  canonical_.push_back(canonical == none ? id : canonical);
+  slots_[slot_of(name, hash)] = id;
   return id;
 }
 

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "scripting/vbscript/heap.h"
+
 namespace zrl::vbs {
 
 using SymbolId = std::uint32_t;
@@ -14,7 +16,8 @@ using SymbolId = std::uint32_t;
 // show a name as it was written, everything else goes by the canonical one.
 class Symbols {
  public:
-  Symbols();
+  // The names count as memory of the heap, which must outlive them; that is when error 7 is raised.
+  explicit Symbols(Heap& heap);
   SymbolId intern(std::u16string_view name);
   // The canonical symbol of a name that is written in lower case.
   SymbolId intern_ascii(std::string_view lower_case_name);
@@ -35,6 +38,7 @@ class Symbols {
   std::size_t slot_of(std::u16string_view name, std::uint32_t hash) const;
   void grow();
 
+  Heap& heap_;
   std::deque<Entry> entries_;
   std::vector<SymbolId> canonical_;
   std::vector<SymbolId> slots_;  // open addressing; 0 is free

@@ -183,6 +183,18 @@ TEST(LimitsTest, MemoryIsCounted) {
       ElementsAre(HasSubstr("error 7 ")));
   EXPECT_THAT(output_of("Do : n = n + 1 : ExecuteGlobal \"Sub f\" & n & \" : End Sub\" : Loop", small()),
               ElementsAre(testing::AnyOf(HasSubstr("error 7 "), HasSubstr("was stopped"))));
+  Limits limits = small();
+  limits.call_time = 60s;
+  const std::string expressions =
+      "Dim a(100) : p = String(10000, \"a\")\n"
+      "For i = 0 To 100 : Set a(i) = New RegExp : a(i).Pattern = p & i";
+  EXPECT_THAT(output_of(expressions + " : x = a(i).Test(p) : Next", limits),
+              ElementsAre(HasSubstr("error 7 ")));
+  EXPECT_THAT(output_of(expressions + " & String(100000, \"b\") : Next", limits),
+              ElementsAre(HasSubstr("error 7 ")));
+  // Names stay, even where nothing bears them.
+  EXPECT_THAT(output_of("p = String(240, \"a\") : Do : n = n + 1 : x = Eval(p & n) : Loop", limits),
+              ElementsAre(HasSubstr("error 7 ")));
 }
 
 TEST(LimitsTest, StringsHaveASize) {

@@ -8,11 +8,30 @@
 
 namespace zrl::vbs {
 
+namespace {
+
+// An estimate of what a compiled pattern takes.
+std::size_t compiled_bytes(std::size_t units) {
+  return 4096 + units * 16;
+}
+
+}  // namespace
+
+RegexpObject::~RegexpObject() {
+  if (charged_ > 0) heap->refund(charged_);
+}
+
 RegExp& RegexpObject::engine(Machine& machine) {
   if (!engine_) engine_ = machine.host().make_regexp();
   if (!engine_) raise(error::cannot_create);
+  const std::u16string_view text = pattern ? pattern->view() : std::u16string_view();
+  const std::size_t bytes = compiled_bytes(text.size());
+  if (bytes > charged_) {
+    heap->charge(bytes - charged_);
+    charged_ = bytes;
+  }
   try {
-    engine_->set_pattern(std::u16string_view(pattern), options);
+    engine_->set_pattern(text, options);
   } catch (const Error& error) {
     raise(error_text(error.number()).empty() ? error::regexp_syntax : error.number());
   }
@@ -76,8 +95,9 @@ class Matches {
 };
 
 Value pattern(Machine& machine, NativeObject& object, Use use, Arguments arguments) {
-  if (use == Use::get) return Value(machine.heap.string(self(object).pattern));
-  self(object).pattern = std::u16string(Text(machine, arguments[0]));
+  Ref<String>& pattern = self(object).pattern;
+  if (use == Use::get) return Value(pattern ? pattern : machine.heap.empty_string());
+  pattern = to_string(machine, arguments[0]);
   return {};
 }
 

@@ -11,10 +11,11 @@ namespace zrl::vbs {
 // VBScript.RegExp
 class RegexpObject final : public NativeObject {
  public:
+  ~RegexpObject() override;
   std::string_view type_name() const override { return "IRegExp2"; }
   std::span<const NativeMember> members() const override;
 
-  std::u16string pattern;
+  Ref<String> pattern;  // none: the empty one
   bool global = false;
   RegExp::Options options;
   // With the pattern set; raises 429 where the host has none, and the errors of patterns.
@@ -22,6 +23,7 @@ class RegexpObject final : public NativeObject {
 
  private:
   std::shared_ptr<RegExp> engine_;
+  std::size_t charged_ = 0;  // for what the engine holds
 };
 
 // One match of Execute.
