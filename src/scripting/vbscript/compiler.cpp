@@ -145,10 +145,11 @@ class TextCompiler {
       for (const Expr* bound : field.bounds) array.bounds.push_back(bound->integer);
       info->arrays.push_back(std::move(array));
     }
+    std::unordered_map<SymbolId, std::size_t> places;
     SymbolId default_symbol = Symbols::none;
     for (const auto& procedure : declared.procedures) {
       Proc* proc = add_procedure(*procedure);
-      add_member(*info, *procedure, *proc);
+      add_member(*info, places, *procedure, *proc);
       class_procedures_.push_back({procedure.get(), proc, info.get()});
       if (procedure->is_default) default_symbol = canonical(procedure->symbol);
     }
@@ -161,21 +162,19 @@ class TextCompiler {
     module_.classes.push_back(std::move(info));
   }
 
-  void add_member(ClassInfo& info, const ProcDecl& declared, const Proc& proc) {
-    Member* member = nullptr;
-    for (Member& other : info.members) {
-      if (other.symbol == canonical(declared.symbol)) member = &other;
-    }
-    if (!member) {
-      member = &info.members.emplace_back();
-      member->symbol = canonical(declared.symbol);
-    }
+  // `places` are those of the procedures' names among the members; no field has such a name.
+  void add_member(ClassInfo& info, std::unordered_map<SymbolId, std::size_t>& places,
+                  const ProcDecl& declared, const Proc& proc) {
+    const SymbolId symbol = canonical(declared.symbol);
+    const auto [place, is_new] = places.try_emplace(symbol, info.members.size());
+    if (is_new) info.members.emplace_back().symbol = symbol;
+    Member& member = info.members[place->second];
     if (declared.kind == ProcKind::let) {
-      member->let = &proc;
+      member.let = &proc;
     } else if (declared.kind == ProcKind::set) {
-      member->set = &proc;
+      member.set = &proc;
     } else {
-      member->get = &proc;
+      member.get = &proc;
     }
   }
 

@@ -1,3 +1,5 @@
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "scripting/vbscript/errors.h"
@@ -160,6 +162,7 @@ std::unique_ptr<ProcDecl> Parser::procedure_declaration(bool is_public, bool is_
 void Parser::parameters(ProcDecl& procedure) {
   if (!accept(TokenKind::open)) return;
   if (accept(TokenKind::close)) return;
+  std::unordered_set<SymbolId> names;
   do {
     Parameter parameter;
     if (accept(Keyword::byval)) {
@@ -173,11 +176,7 @@ void Parser::parameters(ProcDecl& procedure) {
       expect(TokenKind::close, error::expected_close_parenthesis);
       parameter.is_array = true;
     }
-    for (const Parameter& other : procedure.parameters) {
-      if (symbols_.canonical(other.symbol) == symbols_.canonical(parameter.symbol)) {
-        fail(error::name_redefined, offset);
-      }
-    }
+    if (!names.insert(symbols_.canonical(parameter.symbol)).second) fail(error::name_redefined, offset);
     procedure.parameters.push_back(parameter);
   } while (accept(TokenKind::comma));
   expect(TokenKind::close, error::expected_close_parenthesis);
@@ -267,9 +266,12 @@ void Parser::class_fields(ClassDecl& declaration, bool is_public) {
 }
 
 void Parser::check_class(const ClassDecl& declaration) const {
+  std::unordered_set<SymbolId> fields;
+  for (const VariableDecl& field : declaration.fields) fields.insert(symbols_.canonical(field.symbol));
+  std::unordered_multimap<SymbolId, const ProcDecl*> before;
   const ProcDecl* default_procedure = nullptr;
-  for (std::size_t i = 0; i < declaration.procedures.size(); ++i) {
-    const ProcDecl& procedure = *declaration.procedures[i];
+  for (const auto& declared : declaration.procedures) {
+    const ProcDecl& procedure = *declared;
     const SymbolId name = symbols_.canonical(procedure.symbol);
     const bool accessor = procedure.kind >= ProcKind::get;
     const bool writes = procedure.kind == ProcKind::let || procedure.kind == ProcKind::set;
@@ -281,12 +283,10 @@ void Parser::check_class(const ClassDecl& declaration) const {
       if (default_procedure) fail(error::several_defaults, procedure.name_offset);
       default_procedure = &procedure;
     }
-    for (const VariableDecl& field : declaration.fields) {
-      if (symbols_.canonical(field.symbol) == name) fail(error::name_redefined, procedure.name_offset);
-    }
-    for (std::size_t j = 0; j < i; ++j) {
-      const ProcDecl& other = *declaration.procedures[j];
-      if (symbols_.canonical(other.symbol) != name) continue;
+    if (fields.contains(name)) fail(error::name_redefined, procedure.name_offset);
+    const auto [first, end] = before.equal_range(name);
+    for (auto same = first; same != end; ++same) {
+      const ProcDecl& other = *same->second;
       if (!accessor || other.kind < ProcKind::get || other.kind == procedure.kind) {
         fail(error::name_redefined, procedure.name_offset);
       }
@@ -296,14 +296,11 @@ void Parser::check_class(const ClassDecl& declaration) const {
         fail(error::inconsistent_arguments, procedure.name_offset);
       }
     }
+    before.emplace(name, &procedure);
   }
-  for (std::size_t i = 0; i < declaration.fields.size(); ++i) {
-    for (std::size_t j = 0; j < i; ++j) {
-      if (symbols_.canonical(declaration.fields[i].symbol) ==
-          symbols_.canonical(declaration.fields[j].symbol)) {
-        fail(error::name_redefined, declaration.fields[i].offset);
-      }
-    }
+  fields.clear();
+  for (const VariableDecl& field : declaration.fields) {
+    if (!fields.insert(symbols_.canonical(field.symbol)).second) fail(error::name_redefined, field.offset);
   }
 }
 

@@ -293,5 +293,34 @@ TEST(LimitsTest, SearchesAreLinear) {
               ElementsAre("0 0 2000000"));
 }
 
+// What each declaration is compared with must not grow with the text.
+TEST(LimitsTest, ManyDeclarationsTakeTheirTimeOnly) {
+  constexpr int count = 60'000;
+  const auto named = [](const std::string& before, const std::string& after, int names) {
+    std::string text;
+    for (int i = 0; i < names; ++i) text += before + std::to_string(i) + after;
+    return text;
+  };
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_THAT(output_of("Class C\n" + named("Dim f", "\n", count) +
+                        "End Class\nSet o = New C : o.f59999 = 1 : WScript.Echo o.f59999"),
+              ElementsAre("1"));
+  EXPECT_THAT(output_of("Class C\n" + named("Sub f", " : End Sub\n", count / 2) +
+                        "Function g : g = 2 : End Function\nEnd Class\nWScript.Echo (New C).g"),
+              ElementsAre("2"));
+  EXPECT_THAT(output_of("Sub s(" + named("p", ", ", count) + "P7) : End Sub"),
+              ElementsAre(HasSubstr("Name redefined")));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
+}
+
+TEST(LimitsTest, KeysOfALargeDictionaryAreRenamedQuickly) {
+  EXPECT_THAT(output_of("Set d = CreateObject(\"Scripting.Dictionary\")\n"
+                        "For i = 1 To 20000 : d(i) = i : Next\n"
+                        "For i = 1 To 20000 : d.Key(i) = \"k\" & i : Next\n"
+                        "For i = 1 To 20000 : d.Key(\"k\" & i) = -i : Next\n"
+                        "WScript.Echo d.Count, d.Keys()(19999), d(-5), d.Exists(5), d.Exists(\"k5\")"),
+              ElementsAre("20000 -20000 5 False False"));
+}
+
 }  // namespace
 }  // namespace zrl::vbs::test

@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cmath>
+#include <random>
 
 #include "scripting/vbscript/arrays.h"
 #include "scripting/vbscript/conversions.h"
@@ -21,8 +22,15 @@ std::uint32_t mixed(std::uint64_t bits) {
   return static_cast<std::uint32_t>(bits) | 1U;
 }
 
+// Keys are often words of a mail: its writer must not know which of them fall together.
+std::uint64_t random_seed() {
+  std::random_device device;
+  return std::uint64_t{device()} << 32 | device();
+}
+
 std::uint32_t hash_text(std::u16string_view text) {
-  std::uint64_t hash = 1469598103934665603ULL;
+  static const std::uint64_t seed = random_seed();
+  std::uint64_t hash = seed;
   for (const char16_t unit : text) hash = (hash ^ unit) * 1099511628211ULL;
   return mixed(hash);
 }
@@ -90,11 +98,16 @@ bool Dictionary::same(const Value& a, const Value& b) const {
 std::size_t Dictionary::slot_of(const Value& key, std::uint32_t hash) const {
   const std::size_t mask = slots_.size() - 1;
   std::size_t slot = hash & mask;
+  std::size_t passed = 0;
   while (slots_[slot] != free_slot) {
-    const Entry& entry = entries_[slots_[slot] - 1];
-    if (entry.live && entry.hash == hash && same(entry.key, key)) break;
+    if (slots_[slot] != left_slot) {
+      const Entry& entry = entries_[slots_[slot] - 1];
+      if (entry.live && entry.hash == hash && same(entry.key, key)) break;
+    }
     slot = (slot + 1) & mask;
+    ++passed;
   }
+  heap->work(passed * sizeof(Entry));
   return slot;
 }
 
@@ -112,6 +125,7 @@ void Dictionary::rebuild(std::size_t slots) {
   entries_.resize(kept);
   entries_.reserve(slots / 2);
   slots_.assign(slots, free_slot);
+  left_ = 0;
   const std::size_t mask = slots - 1;
   for (std::size_t i = 0; i < kept; ++i) {
     std::size_t slot = entries_[i].hash & mask;
@@ -122,7 +136,7 @@ void Dictionary::rebuild(std::size_t slots) {
 
 void Dictionary::grow() {
   if (slots_.empty()) return rebuild(fewest_slots);
-  if ((entries_.size() + 1) * 2 <= slots_.size()) return;
+  if ((entries_.size() + left_ + 1) * 2 <= slots_.size()) return;
   rebuild(std::bit_ceil((live_ + 1) * 3));
 }
 
@@ -155,19 +169,26 @@ bool Dictionary::remove(const Value& key, Value& key_removed, Value& item_remove
   return true;
 }
 
+// The entry keeps its place in the order.
 void Dictionary::change_key(const Value& from, const Value& to) {
-  const std::size_t slot = slot_of(from, hash_of(from));
-  const std::uint32_t index = slots_[slot];
-  Entry& entry = entries_[index - 1];
+  const std::uint32_t hash = hash_of(to);
+  grow();
+  const std::size_t left = slot_of(from, hash_of(from));
+  const std::size_t slot = slot_of(to, hash);
+  const std::uint32_t place = slots_[left];
+  slots_[left] = left_slot;
+  ++left_;
+  slots_[slot] = place;
+  Entry& entry = entries_[place - 1];
   entry.key = Value(to);
-  entry.hash = hash_of(to);
-  rebuild(slots_.size());
+  entry.hash = hash;
 }
 
 void Dictionary::remove_all() {
   std::vector<Entry> removed;
   removed.swap(entries_);
   slots_.clear();
+  left_ = 0;
   live_ = 0;
   heap->refund(charged_);
   charged_ = 0;

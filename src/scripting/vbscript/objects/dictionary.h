@@ -42,10 +42,12 @@ class Dictionary final : public NativeObject {
   void grow();
   void rebuild(std::size_t slots);
 
-  static constexpr std::uint32_t free_slot = 0;  // else the index of an entry + 1
+  static constexpr std::uint32_t free_slot = 0;           // else the index of an entry + 1
+  static constexpr std::uint32_t left_slot = UINT32_MAX;  // its entry has another key now
   std::vector<Entry> entries_;
   std::vector<std::uint32_t> slots_;
   std::size_t live_ = 0;
+  std::size_t left_ = 0;  // slots
   std::size_t charged_ = 0;
   bool ignores_case_ = false;
 };

@@ -6,6 +6,8 @@ d.Remove "a" : d.Key("b") = "B"
 WScript.Echo Join(d.Keys, ","), d("B")  '=> B,c,new 2
 For Each k In d : s = s & k & ";" : Next
 WScript.Echo s  '=> B;c;new;
+d.Add "b", 4 : d.Key("c") = "C"
+WScript.Echo Join(d.Keys, ","), d("b"), d("C"), d.Exists("c")  '=> B,C,new,b 4 3 False
 d.RemoveAll : WScript.Echo d.Count  '=> 0
 d.CompareMode = vbTextCompare : d("Key") = 1
 WScript.Echo d("KEY"), d.CompareMode  '=> 1 1
