@@ -110,6 +110,7 @@ Value format_number(Machine& machine, Arguments arguments) {
 
 Value format_percent(Machine& machine, Arguments arguments) {
   const double number = number_argument(machine, arguments) * 100;
+  if (!std::isfinite(number)) raise(error::overflow);
   const Style style = style_argument(machine, arguments, false);
   const std::u16string text = amount(number, style, *machine.locale);
   return result(machine, with_sign(text + u"%", number < 0 && !is_zero(text), style.parentheses));

@@ -4,6 +4,7 @@
 #include "scripting/vbscript/arrays.h"
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/machine.h"
+#include "scripting/vbscript/objects/procedure_object.h"
 #include "scripting/vbscript/unicode.h"
 
 namespace zrl::vbs {
@@ -188,8 +189,43 @@ void expand(HeapText& out, std::u16string_view with, std::u16string_view text, c
   }
 }
 
+// Replaces each match by what a procedure returns for the match, its groups, its offset and the text.
+Value replace_by_call(Machine& machine, RegexpObject& object, const Ref<String>& text, const Proc& proc) {
+  Heap& heap = machine.heap;
+  // All are found first, for the procedure may use the expression.
+  HeapVector<Value> found{HeapAllocator<Value>(heap)};
+  std::size_t taken = 0;  // values for each match
+  for (Matches matches(machine, object, text->view()); matches.next();) {
+    const RegExpMatch& match = matches.match;
+    taken = match.groups.size() + 3;
+    found.emplace_back(heap.string(part(text->view(), match.whole)));
+    for (const RegExpMatch::Span& group : match.groups) {
+      found.push_back(group.offset == RegExpMatch::npos ? Value()
+                                                        : Value(heap.string(part(text->view(), group))));
+    }
+    found.push_back(Value::long_integer(static_cast<std::int64_t>(match.whole.offset)));
+    found.emplace_back(text);
+  }
+  HeapText result{HeapAllocator<char16_t>(heap)};
+  std::size_t copied = 0;
+  for (std::size_t i = 0; i < found.size(); i += taken) {
+    const std::span<const Value> arguments(found.data() + i, taken);
+    const auto offset = static_cast<std::size_t>(arguments[taken - 2].i());
+    const Value replacement = machine.invoke(proc, nullptr, arguments);
+    result += text->view().substr(copied, offset - copied);
+    result += to_string(machine, replacement)->view();
+    heap.check_string_length(result.size());
+    copied = offset + arguments[0].string()->length;
+  }
+  result += text->view().substr(copied);
+  return Value(heap.string(result));
+}
+
 Value replace(Machine& machine, NativeObject& object, Use, Arguments arguments) {
   const Ref<String> text = to_string(machine, arguments[0]);
+  if (const auto* procedure = as_procedure(arguments[1].is(Type::object) ? arguments[1].object() : nullptr)) {
+    return replace_by_call(machine, self(object), text, procedure->proc());
+  }
   // True is written as a number here.
   const Value replacement = arguments[1].is(Type::boolean) ? Value::integer(arguments[1].i()) : arguments[1];
   const Ref<String> with = to_string(machine, replacement);

@@ -19,3 +19,7 @@ WScript.Echo LenB("ab"), AscB("a"), LeftB("ab", 2), MidB("abc", 3, 2), InStrB("a
 Rnd -1 : Randomize 5 : a = Rnd : Rnd -1 : Randomize 5
 WScript.Echo a = Rnd, Rnd(0) = a, TypeName(Rnd)  '=> True True Single
 WScript.Echo ScriptEngine, GetLocale(), UBound(Array())  '=> VBScript 1033 -1
+On Error Resume Next
+x = FormatPercent(1e305) : WScript.Echo Err.Number : x = FormatPercent(1e308) : WScript.Echo Err.Number
+'=> 0
+'=> 6

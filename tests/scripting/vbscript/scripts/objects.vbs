@@ -31,7 +31,18 @@ r.Pattern = "" : r.Global = True
 WScript.Echo r.Execute("ab").Count, r.Replace("ab", "-")  '=> 3 -a-b-
 r.Pattern = "^b" : r.MultiLine = True
 WScript.Echo r.Test("a" & vbLf & "b"), TypeName(r)  '=> True IRegExp2
+p = "x" : r.Pattern = p : p = p & "y" : WScript.Echo r.Pattern, p  '=> x xy
+' A function makes the replacement, and may use the expression itself.
+Function Shout(match, word, mark, at, text)
+  r.Pattern = "none" : r.Global = False
+  If word = "c" Then Exit Function
+  Shout = UCase(word) & Len(mark) & at & Len(text)
+End Function
+r.Pattern = "([a-z])(!)?" : r.Global = True
+WScript.Echo r.Replace("a! b-c.", GetRef("Shout")), r.Pattern  '=> A107 B037-. none
+r.Pattern = "z" : WScript.Echo r.Replace("abc", GetRef("Shout"))  '=> abc
 On Error Resume Next
+r.Pattern = "b" : x = r.Replace("abc", GetRef("Shout")) : WScript.Echo Err.Number : Err.Clear  '=> 450
 r.Pattern = "(" : x = r.Test("a") : WScript.Echo Err.Number  '=> 5020
 WScript.Echo MsgBox("hi", 3, "T"), InputBox("q", "U", "pre"), IsEmpty(InputBox("q", "U", "cancel"))
 '=> [T] hi
