@@ -1,8 +1,25 @@
 #include "scripting/vbscript/builtins.h"
 
+#include <algorithm>
+
+#include "scripting/vbscript/conversions.h"
+#include "scripting/vbscript/machine.h"
 #include "scripting/vbscript/unicode.h"
 
 namespace zrl::vbs {
+
+bool ignores_case(Machine& machine, Arguments arguments, std::size_t i) {
+  if (!arguments.has(i)) return false;
+  const std::int64_t mode = to_long(machine, arguments[i]);
+  if (mode != 0 && mode != 1) raise(error::invalid_call);
+  return mode == 1;
+}
+
+HeapText lower_text(Machine& machine, std::u16string_view text) {
+  HeapText result(text, HeapAllocator<char16_t>(machine.heap));
+  std::transform(result.begin(), result.end(), result.begin(), to_lower);
+  return result;
+}
 
 Builtins::Builtins(Symbols& symbols, bool with_wscript) {
   for (const auto& table :

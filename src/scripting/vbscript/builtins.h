@@ -44,6 +44,11 @@ struct BuiltinConstant {
   const char16_t* text;  // of strings; length in `number`
 };
 
+// Whether argument i, where there is one, is vbTextCompare. Raises 5 for what is no way to compare.
+bool ignores_case(Machine& machine, Arguments arguments, std::size_t i);
+// In lower case; a copy on the heap's account.
+HeapText lower_text(Machine& machine, std::u16string_view text);
+
 // The tables of functions, one a topic.
 std::span<const Builtin> string_functions();
 std::span<const Builtin> byte_functions();

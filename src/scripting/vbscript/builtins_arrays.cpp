@@ -4,7 +4,6 @@
 #include "scripting/vbscript/conversions.h"
 #include "scripting/vbscript/machine.h"
 #include "scripting/vbscript/text_search.h"
-#include "scripting/vbscript/unicode.h"
 
 namespace zrl::vbs {
 
@@ -24,13 +23,6 @@ Value list_argument(Machine& machine, const Value& value) {
   Value list = array_argument(machine, value);
   if (list.array()->dimensions > 1) raise(error::type_mismatch);
   return list;
-}
-
-bool ignores_case(Machine& machine, Arguments arguments, std::size_t i) {
-  if (!arguments.has(i)) return false;
-  const std::int64_t mode = to_long(machine, arguments[i]);
-  if (mode != 0 && mode != 1) raise(error::invalid_call);
-  return mode == 1;
 }
 
 Value array(Machine& machine, Arguments arguments) {
@@ -77,12 +69,6 @@ Value join(Machine& machine, Arguments arguments) {
   return Value(std::move(whole));
 }
 
-HeapText lower(Machine& machine, std::u16string_view text) {
-  HeapText result(text, HeapAllocator<char16_t>(machine.heap));
-  std::transform(result.begin(), result.end(), result.begin(), to_lower);
-  return result;
-}
-
 // Walks over the parts of a text.
 template <class Action>
 void for_each_part(Machine& machine, std::u16string_view text, std::u16string_view separator,
@@ -109,9 +95,9 @@ Value split(Machine& machine, Arguments arguments) {
   Heap& heap = machine.heap;
   if (text.empty() || count == 0) return Value(make_list(heap, 0));
   const auto most = separator.view().empty() ? 1 : count < 0 ? SIZE_MAX : static_cast<std::size_t>(count);
-  const HeapText lower_text = lower(machine, ignoring_case ? text : std::u16string_view());
-  const HeapText lower_separator = lower(machine, separator);
-  const std::u16string_view searched = ignoring_case ? std::u16string_view(lower_text) : text;
+  const HeapText lower_whole = lower_text(machine, ignoring_case ? text : std::u16string_view());
+  const HeapText lower_separator = lower_text(machine, separator);
+  const std::u16string_view searched = ignoring_case ? std::u16string_view(lower_whole) : text;
   const std::u16string_view sought = ignoring_case ? std::u16string_view(lower_separator) : separator.view();
   // Counted first, so that nothing but the list itself takes memory.
   std::size_t parts = 0;
@@ -130,14 +116,14 @@ Value filter(Machine& machine, Arguments arguments) {
   const Text sought(machine, arguments[1]);
   const bool include = !arguments.has(2) || to_boolean(machine, arguments[2]);
   const bool ignoring_case = ignores_case(machine, arguments, 3);
-  const HeapText lower_sought = lower(machine, sought);
+  const HeapText lower_sought = lower_text(machine, sought);
   HeapVector<Ref<String>> kept{HeapAllocator<Ref<String>>(machine.heap)};
   for (std::size_t i = 0; i < list.count; ++i) {
     Ref<String> text = to_string(machine, list.elements[i]);
     machine.heap.work(sizeof(Value) + text->length);
-    const std::size_t found = ignoring_case
-                                  ? find_text(machine.heap, lower(machine, text->view()), lower_sought, 0)
-                                  : find_text(machine.heap, text->view(), sought, 0);
+    const std::size_t found =
+        ignoring_case ? find_text(machine.heap, lower_text(machine, text->view()), lower_sought, 0)
+                      : find_text(machine.heap, text->view(), sought, 0);
     if ((found != std::u16string_view::npos) == include) kept.push_back(std::move(text));
   }
   Ref<Array> result = make_list(machine.heap, kept.size());

@@ -25,20 +25,6 @@ std::size_t length_argument(Machine& machine, const Value& value) {
   return static_cast<std::size_t>(length);
 }
 
-// vbBinaryCompare or vbTextCompare
-bool ignores_case(Machine& machine, Arguments arguments, std::size_t i) {
-  if (!arguments.has(i)) return false;
-  const std::int64_t mode = to_long(machine, arguments[i]);
-  if (mode != 0 && mode != 1) raise(error::invalid_call);
-  return mode == 1;
-}
-
-HeapText lower(Machine& machine, std::u16string_view text) {
-  HeapText result(text, HeapAllocator<char16_t>(machine.heap));
-  std::transform(result.begin(), result.end(), result.begin(), to_lower);
-  return result;
-}
-
 Value len(Machine& machine, Arguments arguments) {
   Value value = scalar(machine, arguments[0]);
   if (value.is(Type::null)) return value;
@@ -95,9 +81,9 @@ Value in_str(Machine& machine, Arguments arguments) {
   const auto from = static_cast<std::size_t>(start - 1);
   if (text.view().empty() || from >= text.view().size()) return Value::long_integer(0);
   if (needle.view().empty()) return Value::long_integer(start);
-  const std::size_t found = ignoring_case
-                                ? find_text(machine.heap, lower(machine, text), lower(machine, needle), from)
-                                : find_text(machine.heap, text, needle, from);
+  const std::size_t found =
+      ignoring_case ? find_text(machine.heap, lower_text(machine, text), lower_text(machine, needle), from)
+                    : find_text(machine.heap, text, needle, from);
   return Value::long_integer(found == std::u16string_view::npos ? 0 : static_cast<std::int64_t>(found + 1));
 }
 
@@ -117,9 +103,9 @@ Value in_str_rev(Machine& machine, Arguments arguments) {
   const auto length = static_cast<std::int64_t>(needle.view().size());
   if (length > start) return Value::long_integer(0);
   const auto last = static_cast<std::size_t>(start - length);
-  const std::size_t found =
-      ignoring_case ? find_last_text(machine.heap, lower(machine, text), lower(machine, needle), last)
-                    : find_last_text(machine.heap, text, needle, last);
+  const std::size_t found = ignoring_case ? find_last_text(machine.heap, lower_text(machine, text),
+                                                           lower_text(machine, needle), last)
+                                          : find_last_text(machine.heap, text, needle, last);
   return Value::long_integer(found == std::u16string_view::npos ? 0 : static_cast<std::int64_t>(found + 1));
 }
 
@@ -171,9 +157,9 @@ Value replace(Machine& machine, Arguments arguments) {
       whole.view().substr(std::min(static_cast<std::size_t>(start - 1), whole.view().size()));
   if (find.view().empty() || count == 0) return text_value(machine, text);
   const auto most = count < 0 ? text.npos : static_cast<std::size_t>(count);
-  const HeapText lower_text = lower(machine, ignoring_case ? text : std::u16string_view());
-  const HeapText lower_find = lower(machine, find);
-  const std::u16string_view searched = ignoring_case ? std::u16string_view(lower_text) : text;
+  const HeapText lower_whole = lower_text(machine, ignoring_case ? text : std::u16string_view());
+  const HeapText lower_find = lower_text(machine, find);
+  const std::u16string_view searched = ignoring_case ? std::u16string_view(lower_whole) : text;
   const std::u16string_view sought = ignoring_case ? std::u16string_view(lower_find) : find.view();
   // Counted first, so that nothing but the result takes memory.
   std::size_t places = 0;

@@ -53,9 +53,9 @@ void Machine::run(std::size_t bottom) {
     try {
       // What the error dropped ends before the script goes on.
       if (handled) run_terminations();
-      return execute(bottom);
+      return execute();
     } catch (const Failure& failure) {
-      note_place(failure);
+      note_place();
       countdown_ -= instructions_an_error_costs;
       if (!handle(failure, bottom)) throw;
       handled = true;
@@ -70,7 +70,7 @@ void Machine::count_down() {
 
 // Each instruction: fast for the common sub-types, otherwise through a function of the machine. The
 // program counter is saved before anything that may fail or call.
-void Machine::execute(std::size_t bottom) {
+void Machine::execute() {
   static const void* const labels[] = {
 #define OPCODE(name, operands, words) &&op_##name,
 #include "scripting/vbscript/opcodes.def"
@@ -81,7 +81,6 @@ void Machine::execute(std::size_t bottom) {
   Value* R = f->base;
   const Value* K = f->proc->constants;
 
-  (void)bottom;
   DISPATCH();
 
 op_load:

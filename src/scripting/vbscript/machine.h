@@ -126,14 +126,11 @@ class Machine final : public Context {
   // Calls a procedure from C++ and waits for it.
   Value invoke(const Proc& proc, Instance* me, std::span<const Value> arguments);
 
-  // Members of objects (machine_members.cpp).
-  enum class Access { get, let, set };
-
  private:
-  // The dispatch loop (machine.cpp); returns when the frame `bottom` has returned.
+  // The dispatch loop (machine.cpp); returns when the frame `bottom`, an entry, has returned.
   void run(std::size_t bottom);
   void run_nested();
-  void execute(std::size_t bottom);
+  void execute();
 
   // Frames (machine_calls.cpp).
   Frame& push(const Proc& proc, Value* window, std::size_t count, Instance* me);
@@ -178,7 +175,6 @@ class Machine final : public Context {
   void call_of_module(Value* window, std::size_t count, SymbolId symbol);
   void put_of_module(Value* window, std::size_t count, SymbolId symbol, bool set);
   void put_element(Value& element, const Value& value, bool set);
-  void call_in_place(Value* window, const Proc& proc, std::size_t count, Instance* me, bool discard);
 
   // Statements (machine_statements.cpp).
   void let(Value& variable, const Value& value);
@@ -200,7 +196,7 @@ class Machine final : public Context {
   // Errors (machine_errors.cpp). Whether the machine can go on.
   bool handle(const Failure& failure, std::size_t bottom);
   const Place* place_of(const Frame& frame) const;
-  void note_place(const Failure& failure);
+  void note_place();
   [[nodiscard]] ErrorPlace error_place() const;
   void count_down();
 

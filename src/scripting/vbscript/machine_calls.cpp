@@ -122,10 +122,6 @@ bool Machine::finish() {
   return entry;
 }
 
-void Machine::call_in_place(Value* window, const Proc& proc, std::size_t count, Instance* me, bool discard) {
-  push(proc, window, count, me).discard = discard;
-}
-
 void Machine::call_symbol(Value* window, std::size_t count, SymbolId symbol) {
   const GlobalName* name = globals_.find(symbols_.canonical(symbol));
   if (name->kind != GlobalName::Kind::procedure) return call_unresolved(window, count, no_register, symbol);

@@ -215,7 +215,7 @@ const Place* Machine::place_of(const Frame& frame) const {
   return after == places.begin() ? nullptr : &*(after - 1);
 }
 
-void Machine::note_place(const Failure&) {
+void Machine::note_place() {
   if (place_noted_ || depth_ == 0) return;
   place_noted_ = true;
   error_module_ = frame().proc->module;
