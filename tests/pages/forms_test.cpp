@@ -1,13 +1,17 @@
 // What every form of the product keeps to.
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "catalogue/catalogue.h"
 #include "components/locale/catalogue.h"
 #include "components/locale/locale.h"
+#include "core/text/files.h"
 #include "pages/lists/transfer_dialog.h"
 #include "pages/tools/composer_dialog.h"
 #include "support/installed_console.h"
@@ -51,6 +55,19 @@ TEST_F(FormsTest, EveryTextIsInGerman) {
         if (!control->has(property)) continue;
         expect_translation(control->name(), std::get<std::string_view>(control->get(property)));
       }
+    }
+  }
+}
+
+TEST(Pages, AreAllInTheCatalogue) {
+  const std::filesystem::path sources = std::filesystem::path(ZRL_SOURCES) / "src";
+  const std::string catalogue = read_file(sources / "catalogue/catalogue.cpp");
+  for (const char* folder : {"pages", "scripting", "service"}) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(sources / folder)) {
+      const std::string header = entry.path().lexically_relative(sources).generic_string();
+      const bool is_base = header == "pages/lists/list_page.h" || header == "pages/logs/log_page.h";
+      if (!header.ends_with("_page.h") || is_base) continue;
+      EXPECT_THAT(catalogue, testing::HasSubstr("#include \"" + header + "\""));
     }
   }
 }

@@ -23,15 +23,15 @@ inline constexpr std::size_t longest_list_line = std::size_t{64} << 10;
 // described in docs/operating.md; the definitions are in the component's schema. All names are literals, so
 // objects may be copied and kept.
 struct ListTable {
-  std::string_view name;  // what people and the command line call it
+  std::string_view name;  // identifies the list, in records and on the command line
   // As statements write them; the database ignores their case.
   Literal table;
   Literal column;
   ListKind kind = ListKind::names;
 };
 
-// Each list is defined here once, so that pages, components and hosts cannot disagree on its table. A new
-// list needs a line here and its table in the component's schema.
+// Each list that more than one file names is defined here, so that pages, components and hosts cannot disagree
+// on its table; a list of one page may stand in that page. Its table is in the component's schema.
 namespace list {
 
 inline constexpr ListTable black_domains{"domains.black", "blacklist", "entry", ListKind::domains};
