@@ -22,71 +22,6 @@ std::string assignment(std::string_view operation, std::string_view key, std::st
   return result.append("=").append(value);
 }
 
-// A set whose writes are part of the action's transaction. It does not keep the connection alive.
-class ActionRecordSet final : public RecordSet {
- public:
-  ActionRecordSet(Console& console, const ConnectionHandle& conn, std::string select,
-                  std::unique_ptr<RecordSet> set)
-      : console_(console), conn_(conn), select_(std::move(select)), set_(std::move(set)) {}
-
-  std::int64_t count() const override { return set_->count(); }
-  bool at_end() const override { return set_->at_end(); }
-  void move_first() override {
-    changed_ = false;
-    set_->move_first();
-  }
-  void move_next() override {
-    changed_ = false;
-    set_->move_next();
-  }
-  void move(std::int64_t rows) override {
-    changed_ = false;
-    set_->move(rows);
-  }
-  bool is_null(std::string_view column) override { return set_->is_null(column); }
-  std::string_view text(std::string_view column) override { return set_->text(column); }
-  std::string_view bytes(std::string_view column) override { return set_->bytes(column); }
-  std::int64_t number(std::string_view column) override { return set_->number(column); }
-  void set_text(std::string_view column, std::string_view text) override {
-    set_->set_text(column, text);
-    changed_ = true;
-  }
-  void set_bytes(std::string_view column, std::string_view bytes) override {
-    set_->set_bytes(column, bytes);
-    changed_ = true;
-  }
-  void set_number(std::string_view column, std::int64_t number) override {
-    set_->set_number(column, number);
-    changed_ = true;
-  }
-
-  void update() override {
-    if (changed_) write([this] { set_->update(); });
-    changed_ = false;
-  }
-  void delete_current() override {
-    write([this] { set_->delete_current(); });
-  }
-
- private:
-  // A failure is recorded by the step that reads the set.
-  void write(const std::function<void()>& action) {
-    if (const ConnectionHandle conn = conn_.lock()) {
-      console_.wrote_to(conn);
-      console_.writes().join(conn);
-    }
-    action();
-    console_.attempt(ActivityRecord::Kind::sql, select_, Console::Step::write, [] {});
-    console_.writes().worked(console_.activity().total() - 1);
-  }
-
-  Console& console_;
-  std::weak_ptr<Connection> conn_;
-  std::string select_;
-  std::unique_ptr<RecordSet> set_;
-  bool changed_ = false;
-};
-
 }  // namespace
 
 bool DatabaseClient::connect_database(std::string_view box_title) {
@@ -119,6 +54,10 @@ bool DatabaseClient::execute(const Statement& statement, Failure failure) {
 
 bool DatabaseClient::read_rows(std::string_view text, const std::function<void()>& action) {
   return attempt_read(Kind::sql, text, action);
+}
+
+Outcome DatabaseClient::write_row(std::string_view text, const std::function<void()>& action) {
+  return attempt_write(Kind::sql, text, action);
 }
 
 Outcome DatabaseClient::delete_row(std::string_view text, const Statement& select) {
@@ -231,12 +170,8 @@ std::optional<std::int64_t> DatabaseClient::count_value(const Statement& select)
 
 std::unique_ptr<RecordSet> DatabaseClient::open(const Statement& select, Connection::Access access) {
   std::unique_ptr<RecordSet> result;
-  const bool updatable = access == Connection::Access::updatable;
-  if (!updatable) console_.writes().commit();
+  if (access == Connection::Access::read_only) console_.writes().commit();
   attempt_read(Kind::sql, select.text(), [&] { result = connection_or_throw().open(select, access); });
-  if (result && updatable && !own_transaction_) {
-    result = std::make_unique<ActionRecordSet>(console_, conn, select.text(), std::move(result));
-  }
   return result;
 }
 

@@ -49,6 +49,8 @@ class DatabaseClient : public Steps {
   // Runs `action`, which reads an open record set and may raise what the set raises; recorded under `text`
   // if it fails. What it read before that has taken effect.
   bool read_rows(std::string_view text, const std::function<void()>& action);
+  // Runs `action`, which writes through an updatable set, as a part of the action's transaction.
+  Outcome write_row(std::string_view text, const std::function<void()>& action);
   // Deletes the row that the SELECT finds first; the step fails if there is none. `text` is for the record.
   Outcome delete_row(std::string_view text, const Statement& select);
 
@@ -84,8 +86,7 @@ class DatabaseClient : public Steps {
   std::optional<StringList> ordered_rows(Literal table, Literal column, const Statement& condition,
                                          Literal order, Failure failure = Failure::unexpected);
   std::optional<std::int64_t> count_value(const Statement& select);
-  // What an updatable set writes is part of the action's transaction, and each of its writes that worked is
-  // recorded under the SELECT; within a transaction of its own, what commits it is recorded instead.
+  // What an updatable set writes belongs into write_row(), or into a transaction of its own.
   std::unique_ptr<RecordSet> open(const Statement& select, Connection::Access access);
   // The set may outlive the connection's handle; null if the step failed. The overloads that follow are for
   // statements and conditions that are one literal.

@@ -251,10 +251,11 @@ void MonitorPage::export_mail(RecordSet& record) {
   const std::string name = write_new_file(console(), folder, next_name, source);
   if (name.empty()) return;
   const std::string path = folder + name;
-  component_step("update marchive ID " + std::to_string(*shown_) + " mpath " + path, [&] {
+  const Outcome marked = write_row("update marchive ID " + std::to_string(*shown_) + " mpath " + path, [&] {
     record.set_text("mpath", path);
     record.update();
   });
+  if (!marked || !console().writes().commit()) return;
   console().host().offer_file(to_file_path(path));
   console().host().message_box(
       {translate("Email Export"), translate("Your Email got exported to ") + path, BoxStyle::plain});
