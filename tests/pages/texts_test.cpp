@@ -1,8 +1,11 @@
 // Every text that the sources of the pages show to people has a German form.
 #include <algorithm>
 #include <filesystem>
+#include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -119,12 +122,29 @@ bool is_statement(std::string_view text) {
          text.find("prio") != text.npos;
 }
 
-// Whether an error gets the text, or a control or component its name.
+// Whether an error or the activity record gets the text, or a control or component its name.
 bool is_no_text_of_a_form(std::string_view before) {
   if (before.ends_with("*this,")) return true;
   const std::string_view call = before.substr(before.find_last_of(";}{") + 1);
-  return call.find("Error(") != call.npos || call.find("refuse(") != call.npos || call.ends_with("fail(") ||
-         before.ends_with("invalid_call,") || before.ends_with("cannot_perform,");
+  const auto calls = [&](std::string_view name) { return call.find(name) != call.npos; };
+  return calls("Error(") || calls("refuse(") || calls("noted(") || calls("failed(") ||
+         call.ends_with("fail(") || before.ends_with("invalid_call,") || before.ends_with("cannot_perform,");
+}
+
+// The last of two would silently win.
+TEST(Texts, StandInTheCatalogueOnce) {
+  std::istringstream lines(read_file(std::filesystem::path(ZRL_SOURCES) / "locale/german.po"));
+  std::set<std::string> seen;
+  for (std::string line, id; std::getline(lines, line);) {
+    if (line.starts_with("msgid ")) {
+      id = line;
+    } else if (!id.empty() && line.starts_with('"')) {
+      id += line;
+    } else if (!id.empty()) {
+      EXPECT_TRUE(seen.insert(std::exchange(id, {})).second) << line;
+    }
+  }
+  EXPECT_GT(seen.size(), 100u);
 }
 
 TEST(Texts, OfTheSourcesAreInGerman) {

@@ -76,13 +76,13 @@ TEST_F(LetterCaseTest, ImportsAndDeletionsIgnoreIt) {
     execute("DELETE FROM blackmail");
     execute(insert_into(list::black_mails, "Old@Example.COM"));
     const std::string in =
-        write_file("in.txt", "old@example.com\nNew@Example.com\nNEW@example.com\n" + names);
-    ASSERT_TRUE(database->import_("entry", "blackmail", in));
+        write_list("in.txt", "old@example.com\nNew@Example.com\nNEW@example.com\n" + names);
+    database->import_(list::black_mails, in);
     EXPECT_EQ(list("blackmail"), expected) << more;
     std::string upper;
     for (const char c : names) upper += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    const std::string out = write_file("out.txt", "OLD@EXAMPLE.com\n" + upper);
-    ASSERT_TRUE(database->delete_("entry", "blackmail", out));
+    const std::string out = write_list("out.txt", "OLD@EXAMPLE.com\n" + upper);
+    database->delete_(list::black_mails, out);
     EXPECT_THAT(list("blackmail"), ElementsAre("New@Example.com")) << more;
   }
 }

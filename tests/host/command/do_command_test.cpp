@@ -149,7 +149,7 @@ TEST_F(CommandTest, StepsComeFromStandardInputWhereTheyAreTold) {
 
 TEST_F(CommandTest, ProgramsAreRecordedAndFailuresAreNoErrors) {
   const json::object result = run_do({"allcontrols", "program", "wrong"});
-  EXPECT_EQ(result.at("programs").at(0).at("command_line").as_string(), "telnet.exe 192.0.2.1 25");
+  EXPECT_EQ(result.at("programs").at(0).at("command_line").as_string(), "talk.exe 192.0.2.1 25");
   const json::object& last = result.at("activity").as_array().back().as_object();
   EXPECT_EQ(last.at("kind").as_string(), "sql");
   EXPECT_EQ(last.at("text").as_string(), "DELETE * FROM nowhere");
