@@ -202,6 +202,7 @@ export async function signIn(page, secret = password) {
 export async function openPage(page, title, name) {
   const navigation = page.getByRole('navigation')
   const link = navigation.getByRole('link', { name: title, exact: true, includeHidden: true })
+  await link.waitFor({ state: 'attached' })
   if (!(await link.isVisible())) {
     const group = await link.evaluate(element => element.closest('ul').id)
     await navigation.locator(`[aria-controls="${group}"]`).click()

@@ -1,5 +1,7 @@
 // Every kind of control in the browser, with texts that strangers wrote and lists of a million rows.
 import assert from 'node:assert/strict'
+import { writeFileSync } from 'node:fs'
+import { join } from 'node:path'
 import { test } from 'node:test'
 import { openPage, picture, withConsole } from './console.mjs'
 
@@ -71,11 +73,12 @@ test('a message box keeps the focus until it is answered', async () => {
 })
 
 test('a dialog is used and closed, and its page goes on', async () => {
+  writeFileSync(join(console.folder, 'lists', 'hosts.txt'), '')
   await page.getByRole('button', { name: 'Open a dialog' }).click()
   const dialog = page.getByRole('dialog', { name: 'A dialog' })
   await dialog.waitFor()
-  await dialog.getByRole('option', { name: 'proxy.ini' }).click()
-  await page.waitForFunction(() => [...document.querySelectorAll('dialog input')].some(i => i.value.endsWith('\\proxy.ini')))
+  await dialog.getByRole('option', { name: 'hosts.txt' }).click()
+  await page.waitForFunction(() => [...document.querySelectorAll('dialog input')].some(i => i.value.endsWith('\\hosts.txt')))
   await picture(page, 'dialog')
   await dialog.getByRole('textbox', { name: 'File', exact: true }).fill('typed.example')
   await dialog.getByRole('button', { name: 'Apply' }).click()

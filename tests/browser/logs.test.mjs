@@ -65,7 +65,8 @@ test('a mail is read, exported, and answered to a mail server', async () => {
   await page.getByRole('button', { name: 'save Mail' }).click()
   const box = page.getByRole('alertdialog', { name: 'Email Export' })
   await box.waitFor()
-  const path = /exported to (.*)$/.exec((await box.textContent()).replace(/OK$/, ''))[1].trim().replaceAll('\\', '/')
+  const told = await box.getByText('exported to').textContent()
+  const path = /exported to (.*)$/.exec(told)[1].trim().replaceAll('\\', '/')
   assert.ok(existsSync(path), path)
   await box.getByRole('button', { name: 'OK' }).click()
 

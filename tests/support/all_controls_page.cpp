@@ -4,6 +4,7 @@
 #include <fstream>
 #include <memory>
 
+#include "core/contracts/console_folder.h"
 #include "core/text/paths.h"
 
 namespace zrl::test {
@@ -26,7 +27,7 @@ SampleDialog::SampleDialog(Console& console) : Form(console, "sample", "A dialog
     close();
   };
   cancel.on_click = [this] { close(); };
-  const std::string folder = to_product_path(console.folder());
+  const std::string folder = to_product_path(console_folder::lists(console.folder()));
   Drive1.set_path("\\");
   Dir1.set_path(folder);
   File1.set_path(folder);

@@ -30,8 +30,8 @@ struct ListTable {
   ListKind kind = ListKind::names;
 };
 
-// Each list that more than one file names is defined here, so that pages, components and hosts cannot disagree
-// on its table; a list of one page may stand in that page. Its table is in the component's schema.
+// Each list that more than one file names is defined here, so that pages, components and hosts cannot
+// disagree on its table; a list of one page may stand in that page. Its table is in the component's schema.
 namespace list {
 
 inline constexpr ListTable black_domains{"domains.black", "blacklist", "entry", ListKind::domains};
