@@ -15,7 +15,6 @@
 #include "host/web/cookies.h"
 #include "host/web/password_rules.h"
 #include "host/web/responses.h"
-#include "host/web/uploads.h"
 
 namespace zrl::web {
 
@@ -90,9 +89,7 @@ Application::Application(ApplicationSettings settings, IoLoop& loop)
       strangers_(loop, [this](std::string_view what, std::string_view where, std::string_view why,
                               std::uint64_t times) { note_strangers(what, where, why, times); }),
       sessions_(loop, settings_.console, settings_.limits,
-                [this](std::string language) { settings_.language = std::move(language); }) {
-  UploadFolder(settings_.console.folder).sweep();
-}
+                [this](std::string language) { settings_.language = std::move(language); }) {}
 
 std::string Application::make_setup_secret() {
   return accounts_.empty() ? secret_.make() : std::string();

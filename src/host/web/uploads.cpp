@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "core/text/ascii.h"
@@ -87,6 +88,20 @@ void remove_older(const fs::path& folder, std::chrono::hours age) {
   }
 }
 
+// Makes the folder ours alone. False if it is a link or somebody else's: what a link leads to would be filled
+// and emptied in its place.
+bool is_ours_alone(const fs::path& folder) {
+  if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) return false;
+  const Descriptor open(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  struct stat state{};
+  if (!open || ::fstat(open.get(), &state) != 0) return false;
+  if (state.st_uid != ::geteuid()) {
+    errno = EPERM;
+    return false;
+  }
+  return (state.st_mode & (S_IRWXG | S_IRWXO)) == 0 || ::fchmod(open.get(), S_IRWXU) == 0;
+}
+
 }  // namespace
 
 std::optional<UploadTarget> parse_upload_target(std::string_view header) {
@@ -153,9 +168,7 @@ bool UploadFolder::has_room_for(std::uint64_t size) const {
 }
 
 std::unique_ptr<UploadedFile> UploadFolder::receive(std::uint64_t size) const {
-  std::error_code failure;
-  fs::create_directories(arriving(), failure);
-  if (failure) raise(failure.value());
+  if (!is_ours_alone(path_) || !is_ours_alone(arriving())) raise(errno);
   std::string name = (arriving() / "XXXXXX").string();
   Descriptor file(::mkostemp(name.data(), O_CLOEXEC));
   if (!file) raise(errno);
@@ -168,9 +181,12 @@ std::unique_ptr<UploadedFile> UploadFolder::receive(std::uint64_t size) const {
   return std::make_unique<UploadedFile>(path_, name, std::move(file), size);
 }
 
-void UploadFolder::sweep() const {
+bool UploadFolder::sweep() const {
+  if (!is_ours_alone(path_)) return false;
   remove_older(path_, kept);
+  if (!is_ours_alone(arriving())) return false;
   remove_older(arriving(), arrives_within);
+  return true;
 }
 
 PendingUpload::PendingUpload(UploadTarget where, std::unique_ptr<UploadedFile> what, Reply answer)

@@ -55,7 +55,8 @@ class UploadedFile {
   int failure_ = 0;
 };
 
-// The folder `upload` of a console: what browsers sent to it.
+// The folder `upload` of a console: what browsers sent to it. It is the account's alone, for others who may
+// write into it could have files removed, and made, wherever the account may.
 class UploadFolder {
  public:
   static constexpr std::uint64_t longest_file = 64 << 20;
@@ -70,10 +71,11 @@ class UploadFolder {
   // is within the limit for all files.
   bool has_room_for(std::uint64_t size) const;
   // Makes the folder if need be, and reserves that size, so that files that come at the same time are
-  // counted. Raises zrl::Error.
+  // counted. Raises zrl::Error, also where the folder is a link or somebody else's.
   std::unique_ptr<UploadedFile> receive(std::uint64_t size = 0) const;
-  // Removes what is older than a week, and what broke off.
-  void sweep() const;
+  // Makes the folder, and removes from it what is older than a week, and what broke off. False if the folder
+  // cannot be used, because it is a link or somebody else's; then nothing is removed.
+  bool sweep() const;
 
  private:
   std::filesystem::path arriving() const { return path_ / ".arriving"; }

@@ -6,6 +6,7 @@
 #include "core/contracts/console_folder.h"
 #include "host/secrets_folder.h"
 #include "host/web/assets.h"
+#include "host/web/uploads.h"
 
 namespace zrl::web {
 
@@ -88,6 +89,12 @@ WebHost::WebHost(WebHostOptions options)
       server_(server_options(options)),
       address_(address_of(options, server_.port())) {
   for (std::string& warning : server_.warnings()) warnings_.push_back(std::move(warning));
+  const UploadFolder uploads(options.folder);
+  if (!uploads.sweep()) {
+    warnings_.push_back(uploads.path().string() +
+                        " cannot take files from browsers, because it is a link or somebody else's: find out "
+                        "who made it, and remove it");
+  }
   application_ = std::make_unique<Application>(application_settings(std::move(options)), server_);
   server_.start(*application_);
 }

@@ -139,6 +139,35 @@ TEST(Uploads, NothingIsReplacedAndWhatBreaksOffIsGone) {
   EXPECT_THROW((void)web::UploadFolder(console.path() / "file").receive(), Error);
 }
 
+// An account that shares the console's folder may make the links before the console makes the folders.
+TEST(Uploads, AFolderThatLeadsElsewhereIsNeitherFilledNorEmptied) {
+  const test::TemporaryFolder console;
+  const auto secrets = console.path() / "secrets";
+  const auto old = secrets / "accounts.json";
+  fs::create_directory(secrets);
+  std::ofstream(old) << "accounts";
+  fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(24 * 30));
+  const web::UploadFolder folder(console.path());
+  const auto leads_to_secrets = [&] {
+    EXPECT_FALSE(folder.sweep());
+    EXPECT_THROW((void)folder.receive(), Error);
+    EXPECT_TRUE(fs::exists(old));
+  };
+  fs::create_symlink("secrets", folder.path());
+  leads_to_secrets();
+  fs::remove(folder.path());
+
+  // One of before, into which the group could write.
+  fs::create_directory(folder.path());
+  fs::permissions(folder.path(), fs::perms::all);
+  fs::create_symlink("../secrets", folder.path() / ".arriving");
+  leads_to_secrets();
+  fs::remove(folder.path() / ".arriving");
+  EXPECT_TRUE(folder.sweep());
+  EXPECT_EQ(fs::status(folder.path()).permissions(), fs::perms::owner_all);
+  EXPECT_EQ(folder.receive()->keep("a.txt"), "a.txt");
+}
+
 class SessionTransfers : public ::testing::Test {
  protected:
   void SetUp() override { session_.show("allcontrols"); }
