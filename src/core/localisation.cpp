@@ -1,9 +1,11 @@
 #include "core/localisation.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "core/console.h"
 #include "core/contracts/translator.h"
+#include "core/text/ascii.h"
 #include "core/text/files.h"
 #include "core/text/text.h"
 
@@ -15,6 +17,15 @@ using Kind = ActivityRecord::Kind;
 using Step = Console::Step;
 
 constexpr std::string_view english = "english";
+constexpr std::size_t longest_name = 32;
+
+// Whoever sees the sign-in page sees the language, too. Accounts that share the folder may have made the file
+// a link to one which only this account may read.
+std::string language_named(std::string_view content) {
+  std::string name = lower(trim(content));
+  const bool is_name = name.size() <= longest_name && std::ranges::all_of(name, is_letter);
+  return is_name ? name : std::string();
+}
 
 }  // namespace
 
@@ -25,7 +36,7 @@ std::string Localisation::current_language() {
     const std::filesystem::path path = console_.folder() / "language";
     std::error_code failure;
     if (std::filesystem::exists(path, failure)) {
-      console_.attempt(Kind::file, "language", Step::read, [&] { found = lower(trim(read_file(path))); });
+      console_.attempt(Kind::file, "language", Step::read, [&] { found = language_named(read_file(path)); });
     }
   }
   if (found.empty()) found = lower(console_.settings().regread(console_.settings().language_path()));

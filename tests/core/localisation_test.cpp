@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "core/console.h"
 #include "support/fake_components.h"
@@ -47,6 +48,20 @@ TEST_F(LocalisationTest, TheLanguageIsKeptOnceItWasFound) {
   set_language("english");
   EXPECT_EQ(localisation.current_language(), "german");
   EXPECT_EQ(localisation.translate("Welcome"), "WELCOME");
+}
+
+// Accounts that share the folder may make the file, and the sign-in page tells strangers the language.
+TEST_F(LocalisationTest, AFileThatHoldsNoNameIsPassedOver) {
+  set_language("german");
+  const auto file = folder.path() / "language";
+  std::ofstream(folder.path() / "secret") << R"({"password":"$argon2id$x"})";
+  std::filesystem::create_symlink("secret", file);
+  EXPECT_EQ(localisation.current_language(), "german");
+  std::filesystem::remove(file);
+  ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+  Console other(folder.path(), host);
+  test::add_registry(other.components(), store);
+  EXPECT_EQ(other.localisation().current_language(), "german");  // without waiting for a writer
 }
 
 TEST_F(LocalisationTest, TheTranslatorsDefaultComesBeforeTheFileBeforeTheRegistry) {

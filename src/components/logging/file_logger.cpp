@@ -15,7 +15,9 @@ namespace {
 class FileLogger : public Logger {
  public:
   bool proto(std::string_view line, const std::filesystem::path& file) override {
-    const int fd = ::open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0644);
+    // A pipe that somebody put there would wait for its reader.
+    const int fd =
+        ::open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644);
     if (fd < 0) return failed(errno);
     const std::string bytes = one_line(line);
     // One write: the system appends it as a whole.

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "core/text/error.h"
@@ -39,11 +40,13 @@ void raise_file_error(const fs::path& path, int code) {
 }
 
 std::string read_file(const fs::path& path, std::size_t limit) {
-  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (file < 0) raise_file_error(path, errno);
   std::string content;
   std::array<char, 65536> block;
-  int failure = 0;
+  struct stat state{};
+  int failure = ::fstat(file, &state) == 0 ? 0 : errno;
+  if (failure == 0 && !S_ISREG(state.st_mode)) failure = EINVAL;
   while (failure == 0) {
     const ssize_t got = ::read(file, block.data(), block.size());
     if (got == 0) break;

@@ -13,7 +13,8 @@ namespace zrl {
 [[noreturn]] void raise_file_error(const std::filesystem::path& path, int code);
 
 // The content of a file of at most `limit` bytes, 1 MiB by default; a larger one raises EFBIG. What is not a
-// regular file, a pipe for example, is read to its end, which may block.
+// regular file, a pipe for example, raises EINVAL: whoever may make files in a folder could otherwise keep
+// its readers waiting for ever.
 std::string read_file(const std::filesystem::path& path, std::size_t limit = std::size_t{1} << 20);
 
 // Writes the file as a whole, as NewFile does, and flushes file and folder, so that the new content survives
