@@ -104,6 +104,7 @@ class Connection {
              const ConnectionContext& context)
       : stream_(std::move(stream)),
         remote_address_(std::move(remote_address)),
+        buffer_(context.limits.header_bytes + piece_bytes),
         slot_(slot),
         context_(context) {
     slot_.on_cut([this] { stream_.close(); });
@@ -286,8 +287,9 @@ class Connection {
   }
 
   BrowserStream stream_;
-  beast::flat_buffer buffer_;
   std::string remote_address_;
+  // Bounded, because chunk extensions and trailers are kept until their end, and count as no part of a body.
+  beast::flat_buffer buffer_;
   bool head_only_ = false;  // of the request that is being answered
   ConnectionSlots::Slot& slot_;
   const ConnectionContext& context_;

@@ -188,6 +188,13 @@ TEST(WebHost, RequestsThatAreNotOursAreRefused) {
       {"POST /api/login HTTP/1.1\r\n" + own + origin +
            "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n{}",
        400},
+      // What is neither head nor body is not kept without a bound.
+      {"POST /api/login HTTP/1.1\r\n" + own + origin + "Transfer-Encoding: chunked\r\n\r\n1;" +
+           std::string(200'000, 'x'),
+       400},
+      {"POST /api/login HTTP/1.1\r\n" + own + origin +
+           "Transfer-Encoding: chunked\r\n\r\n0\r\nX: " + std::string(200'000, 'x'),
+       400},
       // The library's refusals of hand-shakes look like ours.
       {"GET /ws HTTP/1.1\r\n" + own + origin + cookie +
            "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 12\r\n"
