@@ -27,6 +27,9 @@ class ListReader {
   // Back to the first entry. Raises an error if the file was changed since it was opened.
   void rewind();
 
+  // A link to the file that is read, whatever its path leads to by now.
+  std::filesystem::path opened() const { return "/proc/self/fd/" + std::to_string(fd_); }
+
   // Lines that were comments, and lines without an entry, since the beginning of the file.
   std::uint64_t comments() const { return comments_; }
   std::uint64_t refused() const { return refused_; }

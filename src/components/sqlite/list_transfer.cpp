@@ -256,11 +256,19 @@ void Work::tick(const char* what, std::uint64_t done, std::uint64_t total) {
   if (done % report_interval == 0) console_.show_progress({what + name_, done, total});
 }
 
+// The path was checked; others may have put a link to a file of the console's there since.
+void require_foreign_file(const ConsoleServices& console, const std::filesystem::path& path,
+                          const std::filesystem::path& opened) {
+  if (!console_folder::is_own(console.folder(), opened)) return;
+  throw Error(EACCES, path.string() + ": belongs to the console");
+}
+
 }  // namespace
 
 ListFileResult import_list(const ListTransfer& transfer, const std::filesystem::path& path) {
   require_foreign_file(transfer.console, path);
   ListReader reader(path, transfer.list.kind);
+  require_foreign_file(transfer.console, path, reader.opened());
   return Work(transfer).import(reader);
 }
 
@@ -271,6 +279,7 @@ void add_entries(const ListTransfer& transfer, const StringList& entries) {
 ListFileResult delete_list(const ListTransfer& transfer, const std::filesystem::path& path) {
   require_foreign_file(transfer.console, path);
   ListReader reader(path, transfer.list.kind);
+  require_foreign_file(transfer.console, path, reader.opened());
   return Work(transfer).remove(reader);
 }
 
