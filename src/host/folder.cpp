@@ -5,6 +5,7 @@
 #include "core/contracts/database.h"
 #include "core/text/error.h"
 #include "core/text/files.h"
+#include "core/text/secrets.h"
 #include "host/secrets_folder.h"
 #include "host/version.h"
 
@@ -69,7 +70,7 @@ class LayOut {
   void make_database() {
     const std::string provider = settings_.regread(settings_.data_provider_path());
     console_.components().create<Database>()->open_database(provider);
-    made_.push_back("database " + provider);
+    made_.push_back("database " + without_secrets(provider));
   }
 
   Console& console_;

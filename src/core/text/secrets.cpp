@@ -42,8 +42,9 @@ Decoded decoded(std::string_view text) {
 }
 
 bool is_secret_key(std::string_view key) {
-  static constexpr std::array<std::string_view, 7> endings = {"password", "passwd", "passphrase", "pwd",
-                                                              "pass",     "secret", "token"};
+  static constexpr std::array<std::string_view, 11> endings = {
+      "password", "passwd",    "passphrase", "pwd",    "pass",   "secret",
+      "token",    "accesskey", "accountkey", "apikey", "api_key"};
   const std::string lower_key = lower(key);
   return std::ranges::any_of(endings, [&](std::string_view ending) { return lower_key.ends_with(ending); });
 }

@@ -28,6 +28,8 @@ TEST(WithoutSecrets, HidesThePasswordsOfConnectionStringsAndNothingElse) {
       {"sslpassword=a;passfile=b;token=c", "sslpassword=********;passfile=b;token=********"},
       {"14: not a connection string of this database: postgresql://u:p@h/d\nnext line",
        "14: not a connection string of this database: postgresql://u:********@h/d\nnext line"},
+      {"AccountKey=c2VjcmV0==;SharedAccessKey=s3cret;keywords=free",
+       "AccountKey=********;SharedAccessKey=********;keywords=free"},
       {"Provider=Jet;Data Source=x.mdb", "Provider=Jet;Data Source=x.mdb"},
       {"sqlite:C:\\data\\zrl.db", "sqlite:C:\\data\\zrl.db"},
       {"http://lists.example:8080/a/b", "http://lists.example:8080/a/b"},
