@@ -129,14 +129,4 @@ std::size_t character_count(std::string_view text) {
   return static_cast<std::size_t>(std::ranges::count_if(text, [](char c) { return !is_continuation(c); }));
 }
 
-std::string to_us_ascii(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  while (!text.empty()) {
-    const char32_t character = take_character(text);
-    result += character < 0x80 ? static_cast<char>(character) : '?';
-  }
-  return result;
-}
-
 }  // namespace zrl

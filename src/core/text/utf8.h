@@ -45,7 +45,4 @@ std::string beginning_of(std::string_view text, std::size_t limit);
 // The characters of well-formed text. Of other text, the number of bytes that are no continuation.
 std::size_t character_count(std::string_view text);
 
-// `text` with "?" for each character beyond US-ASCII and for each byte that belongs to no character.
-std::string to_us_ascii(std::string_view text);
-
 }  // namespace zrl

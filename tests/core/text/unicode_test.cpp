@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "core/text/letter_case.h"
@@ -73,10 +75,8 @@ TEST(Utf8, FaultsAreFoundAtEveryPlace) {
     text[at] = '\xE4';
     EXPECT_FALSE(is_valid_utf8(text)) << at;
     EXPECT_EQ(valid_utf8(text), std::string(at, 'a') + "\xEF\xBF\xBD" + std::string(39 - at, 'a'));
-    EXPECT_EQ(to_us_ascii(text), std::string(at, 'a') + "?" + std::string(39 - at, 'a'));
     EXPECT_EQ(character_count(text), 40U);
   }
-  EXPECT_EQ(to_us_ascii("gr\xC3\xBC\xC3\x9F \xF0\x9F\x93\xA7"), "gr?? ?");
 }
 
 TEST(Utf8, IsCutBetweenCharacters) {
@@ -138,7 +138,7 @@ TEST(Printable, EscapesWhateverIsNotSeen) {
     EXPECT_TRUE(is_unseen(character));
     const std::string shown = printable("a" + utf8_of(character) + "b");
     EXPECT_TRUE(shown.starts_with("a\\x") && shown.ends_with("b")) << shown;
-    EXPECT_EQ(to_us_ascii(shown), shown);
+    EXPECT_TRUE(std::ranges::all_of(shown, [](unsigned char c) { return c < 0x80; })) << shown;
   }
   for (char32_t character = 0xD800; character <= 0xDFFF; ++character) EXPECT_TRUE(is_unseen(character));
   EXPECT_EQ(printable("\u200f"), "\\xe2\\x80\\x8f");
