@@ -46,7 +46,7 @@ void Page::load_switches(std::initializer_list<CheckBox*> boxes) {
 void Page::load_switch(CheckBox& box) {
   const auto bound = std::ranges::find(switches_, &box, [](const Switch& one) { return &one.box; });
   const std::optional<std::int16_t> value = read_number(bound->key);
-  if (value) show_switch(box, Kind::option, bound->key, {std::to_string(*value)});
+  if (value) console().attempt(Kind::option, bound->key, Step::read, [&] { box.set_value(*value); });
 }
 
 void Page::when_not_stored(std::string_view key, std::function<void()> show) {
@@ -63,11 +63,8 @@ void Page::not_stored(std::string_view key) {
 }
 
 void Page::load_registry_switch(CheckBox& box, std::string_view path) {
-  show_switch(box, Kind::registry, path, {settings().regread(path)});
-}
-
-void Page::show_switch(CheckBox& box, Kind kind, std::string_view step, const OptionValue& value) {
-  console().attempt(kind, step, Step::read, [&] { box.set_value(value.to_int16()); });
+  const OptionValue value{settings().regread(path)};
+  console().attempt(Kind::registry, path, Step::read, [&] { box.set_value(value.to_int16()); });
 }
 
 void Page::set_interval(Timer& timer, std::string_view key, std::int64_t interval_ms) {

@@ -101,7 +101,6 @@ class Page : public DatabaseClient, public Form {
   friend class Held;
   void holds(HeldComponent& held) { held_.push_back(&held); }
 
-  void show_switch(CheckBox& box, Kind kind, std::string_view step, const OptionValue& value);
   void not_stored(std::string_view key) override;
 
   struct ShownOption {
