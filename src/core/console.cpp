@@ -75,8 +75,9 @@ std::string Console::regex_match(std::string_view entry, std::string_view text) 
   return pattern_matcher_.regex_match(entry, text);
 }
 
-void Console::record_failure(std::string_view step, std::string_view problem) {
-  activity_.failed(ActivityRecord::Kind::component, step, without_secrets(problem), seconds(), false);
+void Console::record_failure(ActivityRecord::Kind kind, std::string_view text, std::string_view problem,
+                             Step step) {
+  activity_.failed(kind, text, without_secrets(problem), seconds(), step == Step::write);
 }
 
 Outcome Console::attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
@@ -110,7 +111,7 @@ Outcome Console::attempt_write(const ConnectionHandle& conn, ActivityRecord::Kin
 }
 
 void Console::record_escaped(std::string_view where) {
-  activity_.failed(ActivityRecord::Kind::component, where, current_error().problem, seconds(), false);
+  record_failure(where, current_error().problem);
 }
 
 void Console::end_action() {

@@ -76,14 +76,20 @@ class Console final : public ConsoleServices {
   void wait(std::chrono::milliseconds time) override { host().wait(time); }
   void process_events() override { host().process_events(); }
   void show_progress(const Progress& progress) override { host().show_progress(progress); }
-  void record_failure(std::string_view step, std::string_view problem) override;
+  void record_failure(std::string_view step, std::string_view problem) override {
+    record_failure(ActivityRecord::Kind::component, step, problem, Step::read);
+  }
+
+  enum class Step { read, write };
+
+  // Records a step that failed before anything could be tried, without the secrets of connection strings.
+  void record_failure(ActivityRecord::Kind kind, std::string_view text, std::string_view problem, Step step);
 
   // Runs one step. It never throws what `action` raises: the result says whether the step worked. A step that
   // failed is recorded with its error, one that worked only if it is a `write`. `text` (UTF-8) names the step
   // in the record; `public_text` is the same without secrets, needed only if `text` holds one. What the
   // action did before it raised is not undone. The error is recorded without the secrets of connection
   // strings. A step whose failure is `expected` is prepared for it; an EngineFailure never is.
-  enum class Step { read, write };
   enum class Failure { unexpected, expected };
   Outcome attempt(ActivityRecord::Kind kind, std::string_view text, Step step,
                   const std::function<void()>& action, std::string_view public_text = {},

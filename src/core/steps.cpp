@@ -4,8 +4,9 @@
 
 namespace zrl {
 
-bool Steps::failed(Kind kind, std::string_view text, const std::string& why, Step step) const {
-  return console_.attempt(kind, text, step, [&] { throw Error(error_number::invalid_call, why); });
+bool Steps::failed(Kind kind, std::string_view text, std::string_view why, Step step) const {
+  console_.record_failure(kind, text, why, step);
+  return false;
 }
 
 void Steps::noted(std::string_view text) const {

@@ -40,9 +40,9 @@ class Steps {
   template <typename Interface, typename Call>
   Outcome ask(const std::shared_ptr<Interface>& made, std::string_view text, Call&& call) const;
 
-  // Records a step that failed before anything could be tried, with error 5 and the reason `why`. Always
-  // false, so that a caller can return it.
-  bool failed(ActivityRecord::Kind kind, std::string_view text, const std::string& why,
+  // Records a step that failed before anything could be tried, with the reason `why`. Always false, so that a
+  // caller can return it.
+  bool failed(ActivityRecord::Kind kind, std::string_view text, std::string_view why,
               Console::Step step = Console::Step::read) const;
   // Records a finding, as a write that worked, although nothing was written: reads that work leave no entry.
   void noted(std::string_view text) const;
