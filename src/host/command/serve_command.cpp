@@ -85,15 +85,14 @@ int serve(const ServeOptions& options, std::span<const PageEntry> pages) {
   announce(host);
   // Stopping waits for actions that are under way; a second signal does not.
   std::thread([&host, signals] {
-    const auto wait_for_end = [&] {
-      for (int signal = SIGHUP; signal == SIGHUP;) {
-        sigwait(&signals, &signal);
-        if (signal == SIGHUP) host.reload();
-      }
+    const auto wait_for_end = [&signals](const auto& hang_up) {
+      int signal = 0;
+      while (sigwait(&signals, &signal) == 0 && signal == SIGHUP) hang_up();
     };
-    wait_for_end();
+    wait_for_end([&host] { host.reload(); });
     host.stop();
-    wait_for_end();
+    // From here on the host may be gone at any time.
+    wait_for_end([] {});
     std::_Exit(failure);
   }).detach();
   host.run();
