@@ -24,7 +24,7 @@ class ActivityRecord {
     std::string_view text;
     std::string_view error = {};        // empty if ok
     std::string_view public_text = {};  // `text` with its secrets hidden: for files and screens
-    bool expected = false;              // a failure that was meant to happen: no reason to tell anybody
+    bool expected = false;              // a failure that the step is prepared for; no reason for a notice
   };
 
   // Keeps at most about `limit` bytes, which count the texts and a fixed cost per entry. The oldest entries

@@ -55,8 +55,8 @@ class DatabaseClient : public Steps {
   Outcome delete_row(std::string_view text, const Statement& select);
 
   // Transactions, for the few operations that need one of their own, apart from the action's, which
-  // begin_transaction() commits. commit() is recorded under the text, as
-  // a read or a write. A failed step within one does not roll back by itself.
+  // begin_transaction() commits. commit() is recorded under the text, as a read or a write. A failed step
+  // within one does not roll back by itself.
   bool begin_transaction();
   bool commit(std::string_view text, Step step);
   bool roll_back();

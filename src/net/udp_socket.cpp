@@ -9,7 +9,7 @@
 
 namespace zrl {
 
-// Connecting lets the system drop what others send, and tells when nobody listens at the port.
+// Connecting lets the system drop what others send, and reports when nobody listens at the port.
 UdpSocket::UdpSocket(const DnsServer& server) {
   handle_ = connected_socket(server, SOCK_DGRAM, error_);
 }

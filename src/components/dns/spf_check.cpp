@@ -60,7 +60,7 @@ class Evaluation {
     return {outcome.result == SenderResult::pass, reason + assumptions()};
   }
 
-  // What the terms that were expanded needed to know of the mail and nobody told.
+  // What the terms that were expanded needed to know of the mail, and the question does not say.
   std::string assumptions() const {
     std::string text;
     for (const std::string& assumed : assumed_) text += (text.empty() ? " (assumed: " : ", ") + assumed;

@@ -12,7 +12,7 @@ namespace zrl::dns {
 // Evaluates the record (RFC 7208, with the limits of section 4.6.4): at most ten terms may look names up, two
 // of them without a result, and each uses at most ten mail exchangers or host names. The reason begins with
 // the result: "softfail: ~all in the record of example.com". If macros in the record's terms ask for more
-// than the question tells, it ends with what was assumed: (assumed: local part "postmaster", greeting
+// than the question says, it ends with what was assumed: (assumed: local part "postmaster", greeting
 // "example.com"). Whatever the records and the servers say, it raises no error. `lookups` bounds the time.
 SenderCheck check_spf(const SenderQuestion& question, SenderLookups& lookups);
 

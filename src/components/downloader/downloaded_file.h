@@ -11,8 +11,8 @@
 namespace zrl::downloader {
 
 // A list file that replaces the one under its path when it is complete and its content is that of a list, see
-// ListContent. Until then it is a temporary file in the
-// same folder, made by the first byte and removed with this object. Errors name the file without its folder.
+// ListContent. Until then it is a temporary file in the same folder, made by the first byte and removed with
+// this object. Errors name the file without its folder.
 class DownloadedFile : public FetchTarget {
  public:
   DownloadedFile(std::filesystem::path path, ListKind kind) : path_(std::move(path)), content_(kind) {}

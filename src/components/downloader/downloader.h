@@ -37,9 +37,9 @@ struct Options {
 // "http://..." or "https://...". It may contain a user name and a password, which appear in no status and no
 // error. Redirections are followed to http and https only, and from https to https only.
 //
-// `files` are what updateall() fetches. A name is both the path below the address and the file's
-// name in the sub-folder "download" of the console's folder, which is made if it is missing. Each file is
-// replaced as a whole, by a rename; one that does not arrive complete, or that is no list file, stays as it
+// `files` are what updateall() fetches. A name is both the path below the address and the file's name in the
+// sub-folder "download" of the console's folder, which is made if it is missing. Each file is replaced as a
+// whole, by a rename; one that does not arrive complete, or that is no list file, stays as it
 // is on the disk: a web page, XML, JSON, a control character or a line of more than longest_list_line bytes.
 // update_db() fetches "scripts.json" from the same address and keeps no copy of it.
 //

@@ -20,7 +20,7 @@ class ListContent {
   // that no import would read, and for a web page, XML or JSON. In lists of texts, whose entries may begin
   // with a bracket, those are recognised by what follows it.
   void take(std::string_view bytes);
-  // After the last byte. Raises what could not be told before.
+  // After the last byte. Raises what could not be known before.
   void finish();
 
  private:

@@ -158,7 +158,7 @@ void write_definition(Engine& engine, const std::string& table, const std::strin
       .bind(1, definition)
       .bind(2, table)
       .run();
-  // Tells all connections to read the definitions again, this one by the second pragma.
+  // Makes all connections read the definitions again, this one by the second pragma.
   const std::int64_t version = engine.number("PRAGMA schema_version") + 1;
   engine.run(("PRAGMA schema_version=" + std::to_string(version) + "; PRAGMA writable_schema=RESET").c_str());
 }

@@ -111,7 +111,7 @@ void add_word(Literal table, std::string_view word, const ConnectionHandle& conn
   atomic.commit();
 }
 
-// Keys compare as entries do. A text key is told by the column definitions of a page, without a collation.
+// Keys compare as entries do. A text key comes from a page's column definitions, which have no collation.
 std::string keys_ignoring_case(std::string_view columns) {
   constexpr std::string_view key = "primary key";
   std::string result(columns);

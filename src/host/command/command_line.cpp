@@ -40,7 +40,7 @@ Examples:
 constexpr const char* help_of_script = R"(
 The files share one global module and run in their order. Scripts have the object
 WScript with Echo, Quit and Sleep, read files beside the first one, and may ask the
-look-ups of the console in the folder, as docs/scripting.md tells.
+look-ups of the console in the folder, see docs/scripting.md.
 
 Examples:
   zrlconsole script check.vbs
@@ -55,7 +55,7 @@ Start with:
   zrlconsole do general        the general page on the terminal
 )";
 
-// The parser of the command line; it fills `arguments` and tells which command was given.
+// The parser of the command line; it fills `arguments` and yields the command that was given.
 struct Parser {
   CLI::App app{"The administration console of the mail filter.", "zrlconsole"};
   Arguments arguments;
@@ -97,7 +97,7 @@ struct Parser {
         ->take_all();
     serve->add_flag(
         "--require-audit", arguments.serve.audit_required,
-        "Refuse actions while the audit log cannot be written; else only tell that they are lost");
+        "Refuse actions while the audit log cannot be written; else only report that they are lost");
     serve->add_flag("--allow-root", arguments.serve.allow_root,
                     "Run even as root, as in a container that has no other account");
 

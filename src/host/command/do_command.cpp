@@ -20,7 +20,7 @@ class StepSource {
  public:
   StepSource(const std::vector<std::string>& arguments, std::istream& in) : arguments_(arguments), in_(in) {
     for (const std::string& argument : arguments_) {
-      if (argument != "-") parse_step(argument);  // a badly written step is told before anything runs
+      if (argument != "-") parse_step(argument);  // a badly written step is refused before anything runs
     }
   }
 

@@ -15,7 +15,7 @@ namespace {
 
 namespace json = boost::json;
 
-// More rows of a list than these are told only by their number.
+// Of more rows of a list than these only the number is reported.
 constexpr std::size_t rows_for_people = 20;
 // Longer texts are cut.
 constexpr std::size_t width_for_people = 200;

@@ -37,7 +37,7 @@ void refuse_root(const ServeOptions& options) {
       "account of its own, or with --allow-root");
 }
 
-void tell_operator(std::string_view line) {
+void notify_operator(std::string_view line) {
   std::cerr << "zrlconsole: " + std::string(line) + "\n" << std::flush;
 }
 
@@ -79,9 +79,9 @@ int serve(const ServeOptions& options, std::span<const PageEntry> pages) {
   host_options.pages = pages;
   host_options.register_components = register_components;
   host_options.audit_required = options.audit_required;
-  host_options.tell = tell_operator;
+  host_options.notify = notify_operator;
   web::WebHost host(std::move(host_options));
-  for (const std::string& warning : host.warnings()) tell_operator(warning);
+  for (const std::string& warning : host.warnings()) notify_operator(warning);
   announce(host);
   // Stopping waits for actions that are under way; a second signal does not.
   std::thread([&host, signals] {

@@ -182,7 +182,7 @@ void write_logs(Connection& conn, const Lists& lists, const Report& report) {
   write_ip_log(conn, visits);
   report("iplog", visits.size());
 
-  // The proxy decides on every black host before the data; of the others the log tells less often.
+  // The proxy decides on every black host before the data; the others appear in the log less often.
   std::vector<std::size_t> order(visits.size());
   for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
   random.shuffle(order);

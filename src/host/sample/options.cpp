@@ -51,7 +51,7 @@ constexpr Text texts[] = {
     {"forwardaddress", forward_address},
     {"listenip", listen_address}};
 
-// Sets the options that stand in `keys`, one blank between them; tells how many.
+// Sets the options that stand in `keys`, one blank between them; returns how many.
 std::size_t set_all(std::string_view keys, std::int32_t value, Database& database, ConnectionHandle& conn) {
   std::size_t count = 0;
   while (!keys.empty()) {

@@ -125,7 +125,7 @@ bool Accounts::verify(const std::string& account, std::string password, Urgency 
     bool right = false;
     try {
       if (hash.empty()) {
-        (void)hash_of(password, cost_);  // an unknown account is not told by the time it takes
+        (void)hash_of(password, cost_);  // the time taken does not reveal that the account is unknown
       } else {
         right = ::crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0;
       }

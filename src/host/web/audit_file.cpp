@@ -60,9 +60,9 @@ class AuditFile::Locked {
   struct stat state_{};
 };
 
-AuditFile::AuditFile(fs::path path, IfUnwritable if_unwritable, std::function<void(std::string_view)> tell,
+AuditFile::AuditFile(fs::path path, IfUnwritable if_unwritable, std::function<void(std::string_view)> notify,
                      const Limits& limits)
-    : path_(std::move(path)), if_unwritable_(if_unwritable), tell_(std::move(tell)), limits_(limits) {}
+    : path_(std::move(path)), if_unwritable_(if_unwritable), notify_(std::move(notify)), limits_(limits) {}
 
 bool AuditFile::append(std::string_view lines) {
   const std::scoped_lock lock(mutex_);
@@ -107,7 +107,7 @@ void AuditFile::turn_over() const {
 }
 
 bool AuditFile::permits_actions() {
-  if (if_unwritable_ == IfUnwritable::tell) return true;
+  if (if_unwritable_ == IfUnwritable::carry_on) return true;
   const std::scoped_lock lock(mutex_);
   const Locked file(path_);
   int failure = file ? 0 : errno;
@@ -123,11 +123,11 @@ bool AuditFile::permits_actions() {
 void AuditFile::report(bool works, int failure) {
   if (works == works_) return;
   works_ = works;
-  if (!tell_) return;
-  tell_(works ? path_.string() + " can be written again"
-              : path_.string() + " cannot be written (" + std::strerror(failure) + "): " +
-                    (if_unwritable_ == IfUnwritable::refuse ? "actions are refused"
-                                                            : "actions are not recorded"));
+  if (!notify_) return;
+  notify_(works ? path_.string() + " can be written again"
+                : path_.string() + " cannot be written (" + std::strerror(failure) + "): " +
+                      (if_unwritable_ == IfUnwritable::refuse ? "actions are refused"
+                                                              : "actions are not recorded"));
 }
 
 }  // namespace zrl::web

@@ -17,25 +17,26 @@ namespace zrl::web {
 class AuditFile {
  public:
   // What becomes of actions while the file cannot be written.
-  enum class IfUnwritable : std::uint8_t { tell, refuse };
+  enum class IfUnwritable : std::uint8_t { carry_on, refuse };
 
   struct Limits {
     std::uintmax_t bytes = 16 << 20;  // of one file, if no single append is longer
     int kept = 8;                     // files beside the newest
   };
 
-  // `tell` gets a line for the operator when the file can no longer be written, and when it can be again.
+  // `notify` gets a line for the operator when the file can no longer be written, and when it can be again.
+  // It is called on the thread that appends, and must not append itself.
   AuditFile(std::filesystem::path path, IfUnwritable if_unwritable,
-            std::function<void(std::string_view)> tell, const Limits& limits);
+            std::function<void(std::string_view)> notify, const Limits& limits);
   explicit AuditFile(std::filesystem::path path)
-      : AuditFile(std::move(path), IfUnwritable::tell, {}, Limits()) {}
+      : AuditFile(std::move(path), IfUnwritable::carry_on, {}, Limits()) {}
 
   // Appends whole lines. False if they, or a part of them, are lost; the next append that works says how many
   // times this happened.
   bool append(std::string_view lines);
 
-  // Whether an action that is to be recorded may be done now: always with `tell`; with `refuse` only if the
-  // file can be opened and the disk has room for some lines more.
+  // Whether an action that is to be recorded may be done now: always with `carry_on`; with `refuse` only if
+  // the file can be opened and the disk has room for some lines more.
   bool permits_actions();
 
  private:
@@ -47,7 +48,7 @@ class AuditFile {
 
   const std::filesystem::path path_;
   const IfUnwritable if_unwritable_;
-  const std::function<void(std::string_view)> tell_;
+  const std::function<void(std::string_view)> notify_;
   const Limits limits_;
   std::mutex mutex_;
   std::uint64_t lost_ = 0;     // appends

@@ -71,7 +71,8 @@ class ConnectionSlots::Slot {
   Slot& operator=(const Slot&) = delete;
   ~Slot() { slots_.leave(*this); }
 
-  // What is done from now on. A use that goes on is told again whenever the client has moved.
+  // What is done from now on. A use that goes on is set again whenever the client has sent or taken
+  // something.
   void use(Use use, Clock::time_point now);
   // Called once when the connection has to give way: it is to be cut. It counts no longer.
   void on_cut(std::function<void()> cut) { cut_ = std::move(cut); }

@@ -79,7 +79,7 @@ int ambiguity_of(const RequestHead::value_type& message) {
   return codings == 1 && is_chunked ? 0 : 501;
 }
 
-// The status that tells what was wrong with a request, or 0 where nobody is there to be told.
+// The status of the answer to a request that could not be read, or 0 where nobody would receive it.
 int status_of(error_code failure) {
   if (failure == http::error::header_limit) return 431;
   if (failure == http::error::body_limit) return 413;
@@ -273,7 +273,7 @@ class Connection {
     if (response.source) co_await write_pieces(*response.source);
   }
 
-  // Raises when the source has less than it told: the connection ends, and the browser knows.
+  // Raises when the source has less than its size: the connection ends, by which the browser notices.
   awaitable<void> write_pieces(BodySource& source) {
     std::vector<char> piece(piece_bytes);
     for (std::uint64_t rest = source.size(); rest > 0;) {

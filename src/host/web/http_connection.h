@@ -21,9 +21,9 @@ struct ConnectionContext {
 };
 
 // Serves HTTP/1.1 requests (RFC 9112) one after another until the connection ends; a request for a WebSocket
-// that the handler accepts turns the connection into one. The slot, which must outlive the call, is told what
-// is done, and may cut the connection. `tls` is null for a connection without TLS. Every response carries the
-// security headers. Raises std::exception where the connection breaks.
+// that the handler accepts turns the connection into one. The slot, which must outlive the call, records
+// what is done, and may cut the connection. `tls` is null for a connection without TLS. Every response
+// carries the security headers. Raises std::exception where the connection breaks.
 boost::asio::awaitable<void> serve_connection(boost::asio::ip::tcp::socket socket,
                                               boost::asio::ssl::context* tls, std::string remote_address,
                                               ConnectionSlots::Slot& slot, const ConnectionContext& context);

@@ -154,7 +154,7 @@ class HttpServer::Implementation {
 
   void renew_certificate(bool in_any_case) {
     const std::string problem = certificate_->renew(in_any_case);
-    if (!problem.empty() && options_.tell) options_.tell(problem);
+    if (!problem.empty() && options_.notify) options_.notify(problem);
   }
 
   const ServerOptions options_;

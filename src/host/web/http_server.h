@@ -22,11 +22,11 @@ struct ServerLimits {
   std::size_t body_bytes = 64 << 10;
   std::size_t message_bytes = 1 << 20;      // a WebSocket message from the browser
   std::size_t send_queue_bytes = 16 << 20;  // what may wait for a browser, beside one message
-  // These are shortened as the connections become many.
+  // The first three are shortened for requests and responses as the connections become many.
   std::chrono::milliseconds request{30000};  // to send a request whole, the pause before it included
   std::chrono::milliseconds handshake{10000};
-  std::chrono::milliseconds answer{60000};   // for the handler to reply
   std::chrono::milliseconds write{30000};    // for the browser to take one message or response
+  std::chrono::milliseconds answer{60000};   // for the handler to reply
   std::chrono::milliseconds silence{60000};  // of a WebSocket; the browser is pinged before
 };
 
@@ -37,7 +37,7 @@ struct ServerOptions {
   std::filesystem::path key;
   ServerLimits limits;
   // Gets a line for the operator, on the I/O thread, when a changed certificate cannot be used.
-  std::function<void(std::string_view)> tell;
+  std::function<void(std::string_view)> notify;
 };
 
 // An HTTP/1.1 and WebSocket server on one thread, the one that calls run(). Every response carries

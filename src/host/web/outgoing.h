@@ -39,11 +39,11 @@ std::string hello_message(Console& console, std::string_view account, std::span<
 std::string form_message(ShownForm& shown, std::string_view caption);
 std::optional<std::string> change_message(ShownForm& shown, std::uint64_t ack, std::string_view caption);
 std::string closed_message(std::string_view form);
-// Contains fewer rows than asked for if the rows are long. `sought` has no value where no row was sought, and
-// `row` none where it was not found.
+// Where a row that was asked for is; nothing if the view lacks it.
 struct Sought {
   std::optional<std::uint64_t> row;
 };
+// Contains fewer rows than asked for if the rows are long. `sought` has a value only if a row was asked for.
 std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64_t request, WindowOf window,
                          const ListView& view, const std::optional<Sought>& sought = {});
 std::string box_message(std::uint64_t id, const MessageBox& box);

@@ -36,8 +36,8 @@ class Terminals {
   // Called from both threads; must not wait.
   using Send = std::function<void(std::uint64_t connection, std::string message)>;
 
-  // Told of every line that was typed into a program, and of what was typed of one when the program ended or
-  // was closed: the program's command line, a colon, and the bytes. On the session's thread.
+  // Gets every line that was typed into a program, and the unfinished one when the program ended or was
+  // closed: the program's command line, a colon, and the bytes. On the session's thread.
   using Note = std::function<void(std::string_view text)>;
 
   // Programs run in `folder` unless they name one.

@@ -51,7 +51,7 @@ Endpoint endpoint_in(std::string_view text) {
 ServerOptions server_options(const WebHostOptions& options) {
   const Endpoint endpoint = endpoint_in(options.listen);
   return {endpoint.address, endpoint.port,         options.certificate,
-          options.key,      options.server_limits, options.tell};
+          options.key,      options.server_limits, options.notify};
 }
 
 ApplicationSettings application_settings(WebHostOptions options) {
@@ -68,9 +68,9 @@ ApplicationSettings application_settings(WebHostOptions options) {
   settings.version = console.settings().product_version();
   settings.language = language.empty() ? "english" : language;
   const auto if_unwritable =
-      options.audit_required ? AuditFile::IfUnwritable::refuse : AuditFile::IfUnwritable::tell;
+      options.audit_required ? AuditFile::IfUnwritable::refuse : AuditFile::IfUnwritable::carry_on;
   auto audit = std::make_shared<AuditFile>(console_folder::secrets(console.folder()) / "audit.log",
-                                           if_unwritable, std::move(options.tell), AuditFile::Limits());
+                                           if_unwritable, std::move(options.notify), AuditFile::Limits());
   settings.console = {console.folder(), options.pages, std::move(options.register_components),
                       std::move(audit), options.modeless_dialogs};
   return settings;

@@ -25,11 +25,11 @@ struct WebHostOptions {
   // Called on the threads of sessions, at the same time.
   std::function<void(Console&)> register_components = {};
   bool modeless_dialogs = false;
-  // Actions are refused while they cannot be recorded in the audit log; else the loss is told, and they are
-  // done.
+  // Actions are refused while they cannot be recorded in the audit log; else the operator is notified, and
+  // they are done.
   bool audit_required = false;
   // Gets lines for the operator while the host runs, from any thread, at the same time.
-  std::function<void(std::string_view)> tell = {};
+  std::function<void(std::string_view)> notify = {};
 
   ServerLimits server_limits = {};
   SessionTable::Limits session_limits = {};

@@ -40,7 +40,7 @@ class WebSocketChannel : public Channel, public std::enable_shared_from_this<Web
     timeout.idle_timeout = limits.silence;
     timeout.keep_alive_pings = true;
     socket_.set_option(timeout);
-    // Of refusals, too. Without a name of its own the library adds its one.
+    // For refusals, too. The library would name itself as the server.
     const bool over_tls = socket_.next_layer().over_tls();
     socket_.set_option(websocket::stream_base::decorator([over_tls](websocket::response_type& answer) {
       for_each_security_header(over_tls, [&answer](std::string_view name, std::string_view value) {

@@ -105,7 +105,7 @@ bool TransferDialog::export_list(const std::string& path) {
 }
 
 // "Added: 3, there already: 1, comments: 2, lines without an entry: 0". A removed entry may have had several
-// rows, so that nothing can be told of the others.
+// rows, so that nothing can be said of the others.
 void TransferDialog::show_result(std::string_view changed, std::string_view unchanged,
                                  const ListFileResult& counts) {
   std::string text;

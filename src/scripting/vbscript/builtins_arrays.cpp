@@ -17,7 +17,7 @@ Value array_argument(Machine& machine, const Value& value) {
   return array;
 }
 
-// One dimension; Null is told as such.
+// One dimension; Null has an error of its own.
 Value list_argument(Machine& machine, const Value& value) {
   if (value.is(Type::null)) raise(error::null_use);
   Value list = array_argument(machine, value);

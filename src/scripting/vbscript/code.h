@@ -187,7 +187,7 @@ class Globals {
   std::uint16_t add_slots(std::size_t count);
   std::size_t used() const { return used_; }
   void shrink(std::size_t used) { used_ = used; }
-  // A variable that did not exist before. Tells its slot.
+  // A variable that did not exist before. Returns its slot.
   std::uint16_t declare(SymbolId canonical);
   // The variable of that name, where there is one. What nobody declares comes into being with its first
   // value: until then the name is free for procedures.

@@ -16,7 +16,7 @@ class ConstantPool {
  public:
   ConstantPool(Module& module, const Ast& ast) : module_(module), ast_(ast) {}
 
-  // Tell the index of the constant in the module.
+  // Return the index of the constant in the module.
   std::uint32_t number(const Value& value);
   std::uint32_t literal(std::uint32_t string_of_text);
   // A constant with a name, by its canonical symbol.
@@ -56,7 +56,7 @@ class Emitter {
   void jump_extended(Op op, std::uint32_t a, std::uint32_t b, std::uint32_t c, Label& label);
   void bind(Label& label);
 
-  // Begins a statement, or a part of one where errors are resumed by itself. Tells its number.
+  // Begins a statement, or a part of one where errors are resumed by itself. Returns its number.
   std::size_t place(std::uint32_t offset);
   // Where the machine goes on after an error in that place; without a word, at the next one.
   void resume_at(std::size_t place, const Label& label);
@@ -72,7 +72,7 @@ class Emitter {
   void start_temporaries_at(std::size_t first) { top_ = most_ = first; }
   // One more than the highest register that was ever in use.
   std::size_t most() const { return most_; }
-  // Temporaries below outlive the statement; tells the bound that held before.
+  // Temporaries below outlive the statement; returns the bound that held before.
   std::size_t keep_below(std::size_t bound);
   std::size_t kept() const { return persistent_; }
 

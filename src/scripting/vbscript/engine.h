@@ -18,10 +18,10 @@ struct ScriptError {
   Kind kind = Kind::runtime;
   std::int32_t number = 0;
   std::string description;
-  std::string source;  // as Err.Source tells it
-  std::string name;    // of the text, as add_code was told
+  std::string source;  // as in Err.Source
+  std::string name;    // of the text, as given to add_code
   // From 1, columns in 16-bit units; 0 where there is no place. An error in a text that Execute or its kin
-  // run stands at the statement that runs it; the description then tells the place within.
+  // run stands at the statement that runs it; the description then says where in the text.
   std::size_t line = 0;
   std::size_t column = 0;
 };

@@ -54,7 +54,7 @@ class Ref {
   T* pointer_ = nullptr;
 };
 
-// Told when much work was done; raises when the time is over.
+// Called when much work was done; raises when the time is over.
 class WorkMeter {
  public:
   virtual void check_time() = 0;

@@ -14,7 +14,7 @@ struct ServiceError {
 };
 
 // The folder with the scripts of the console, to read. Paths are relative to it, with either slash; they are
-// compared as the file system does. Nothing outside of the folder is told, not even whether it is there.
+// compared as the file system does. Nothing outside of the folder is revealed, not even whether it is there.
 class ScriptFiles {
  public:
   virtual ~ScriptFiles() = default;

@@ -81,7 +81,7 @@ class Machine final : public Context {
   // Runs the Class_Terminate of objects that nobody refers to any more; nothing else may run. Raises what
   // stops one of them; other errors end with it.
   void settle();
-  // The same where an error is being told already.
+  // The same where an error is being reported already.
   void settle_silently();
   // The memory that a text of that many units entitles scripts to.
   void allow_for(std::size_t units);

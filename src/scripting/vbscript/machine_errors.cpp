@@ -71,7 +71,7 @@ void Machine::settle_silently() {
     try {
       settle();
     } catch (const Failure&) {
-      continue;  // one error is told already
+      continue;  // one error is reported already
     }
   }
 }
@@ -88,7 +88,7 @@ void Machine::terminate(Object& object) {
   }
 }
 
-// Tells the host, once, of what is stopped where no call is left that could fail.
+// Reports to the host, once, what is stopped where no call is left that could fail.
 template <class Action>
 void Machine::tell_if_stopped(Action action) {
   try {

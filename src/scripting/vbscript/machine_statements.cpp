@@ -53,7 +53,7 @@ void Machine::set(Value& variable, const Value& value) {
 
 // Whether the loop runs at all. bounds: limit, step.
 bool Machine::prepare_for(Value& variable, Value* bounds, const Value& from) {
-  // An Empty step tells the loop's end that it never began, should this fail.
+  // Should this fail, an Empty step shows the loop's end that it never began.
   const Value asked = std::exchange(bounds[1], Value());
   Value first = to_numeric(*this, from);
   Value limit = to_numeric(*this, bounds[0]);

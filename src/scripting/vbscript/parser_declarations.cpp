@@ -71,7 +71,7 @@ Stmt* Parser::constants() {
     declared.symbol = expect_name();
     expect(TokenKind::equal, error::expected_equals);
     declared.value = constant_value();
-    // What cannot be reckoned with is told before what must not be reckoned at all.
+    // An operand that is no number is reported before an operator that is not allowed.
     const bool reckons = at(TokenKind::plus) || at(TokenKind::minus);
     if (reckons && ahead().kind == TokenKind::string) fail(error::expected_literal, ahead().offset);
     procedure_->constants.push_back(declared);

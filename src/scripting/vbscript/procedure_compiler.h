@@ -95,7 +95,7 @@ class ProcedureCompiler {
   void concat_into(const Expr& expr, Register target);
   void member_into(const Expr& expr, Register target);
   void call_into(const Expr& expr, Register target);
-  // Tells the register of the result: `wanted` where that is the last temporary.
+  // Returns the register of the result: `wanted` where that is the last temporary.
   Register invoke(const Expr& callee, std::span<Expr*> list, std::size_t wanted);
   void invoke_name(const Expr& callee, std::span<Expr*> list, Register window);
   void invoke_own_name(const Expr& callee, std::span<Expr*> list, Register window);

@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t short_needle = 16;
 constexpr std::size_t none = std::u16string_view::npos;
 
-// Knuth, Morris, Pratt. The functions tell the unit at a place, counted in the direction of the search.
+// Knuth, Morris, Pratt. The functions return the unit at a place, counted in the direction of the search.
 template <class UnitOfText, class UnitOfNeedle>
 std::size_t find_long(Heap& heap, std::size_t text_size, std::size_t needle_size, std::size_t from,
                       UnitOfText text, UnitOfNeedle needle) {

@@ -25,7 +25,7 @@ namespace zrl::test {
 class SessionDriver : public BrowserEnd, private web::SessionOutput {
  public:
   explicit SessionDriver(std::span<const PageEntry> pages, bool modeless = false,
-                         web::AuditFile::IfUnwritable if_unaudited = web::AuditFile::IfUnwritable::tell)
+                         web::AuditFile::IfUnwritable if_unaudited = web::AuditFile::IfUnwritable::carry_on)
       : settings_{
             folder_.path(), pages, register_components,
             std::make_shared<web::AuditFile>(audit_file(), if_unaudited, nullptr, web::AuditFile::Limits()),

@@ -313,10 +313,10 @@ TEST(AuditLog, TurnsOverBySizeAndTellsTroubleOnce) {
   TemporaryFolder folder;
   const auto path = folder.path() / "audit.log";
   std::vector<std::string> told;
-  web::AuditFile file(path, web::AuditFile::IfUnwritable::tell,
+  web::AuditFile file(path, web::AuditFile::IfUnwritable::carry_on,
                       [&told](std::string_view line) { told.emplace_back(line); }, {.bytes = 100, .kept = 2});
   // Another process appends, and turns over, too.
-  web::AuditFile other(path, web::AuditFile::IfUnwritable::tell, {}, {.bytes = 100, .kept = 2});
+  web::AuditFile other(path, web::AuditFile::IfUnwritable::carry_on, {}, {.bytes = 100, .kept = 2});
   for (int i = 0; i < 9; ++i) {
     const std::string line(39, static_cast<char>('0' + i));
     EXPECT_TRUE((i % 2 == 0 ? file : other).append(line + "\n"));

@@ -111,7 +111,7 @@ TEST(Tls, AChangedCertificateIsUsedAndNothingEnds) {
   options.key = folder.path() / "key.pem";
   std::mutex mutex;
   std::vector<std::string> told;
-  options.tell = [&](std::string_view line) {
+  options.notify = [&](std::string_view line) {
     const std::scoped_lock lock(mutex);
     told.emplace_back(line);
   };

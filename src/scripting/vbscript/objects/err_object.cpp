@@ -60,7 +60,7 @@ Value raise_error(Machine& machine, NativeObject&, Use, Arguments arguments) {
   const auto text = [&](std::size_t i, const std::u16string& otherwise) {
     return arguments.has(i) ? std::u16string(Text(machine, arguments[i])) : otherwise;
   };
-  // What is left out comes from Err where a script put it there, or where it tells of the same error.
+  // What is left out comes from Err where a script put it there, or where it is about the same error.
   const bool same = err.number == failure.number;
   const std::string_view known = error_text(failure.number);
   const std::u16string standard = to_utf16(known.empty() ? "Unknown runtime error" : known);

@@ -4,7 +4,7 @@
 
 namespace zrl::vbs {
 
-// WScript: what scripts tell and ask of whoever runs them.
+// WScript: what scripts report to whoever runs them, and ask for.
 class WScriptObject final : public NativeObject {
  public:
   std::string_view type_name() const override { return "Object"; }
