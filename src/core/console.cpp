@@ -37,14 +37,14 @@ bool is_engine_failure() {
 }
 
 // The empty path stays empty: a console that uses no files.
-std::filesystem::path absolute_folder(std::filesystem::path folder) {
+std::filesystem::path absolute_folder(const std::filesystem::path& folder) {
   return folder.empty() ? folder : std::filesystem::absolute(folder);
 }
 
 }  // namespace
 
-Console::Console(std::filesystem::path folder, Host& host, Clock clock)
-    : folder_(absolute_folder(std::move(folder))),
+Console::Console(const std::filesystem::path& folder, Host& host, Clock clock)
+    : folder_(absolute_folder(folder)),
       clock_(std::move(clock)),
       writes_(*this),
       committing_host_(host, writes_),

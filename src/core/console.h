@@ -48,7 +48,7 @@ class Console final : public ConsoleServices {
   // `folder` is the console's own folder, which is neither made nor checked here; a relative one is made
   // absolute, because paths of files are built on it and read again later. The host must outlive the console;
   // it registers the components before it makes a page. `clock` is replaced by tests.
-  Console(std::filesystem::path folder, Host& host, Clock clock = std::chrono::system_clock::now);
+  Console(const std::filesystem::path& folder, Host& host, Clock clock = std::chrono::system_clock::now);
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
