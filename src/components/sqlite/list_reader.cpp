@@ -65,7 +65,10 @@ bool ListReader::next_line(std::string_view& line) {
   while (true) {
     found = static_cast<const char*>(std::memchr(buffer_.data() + searched, '\n', end_ - searched));
     if (found != nullptr) break;
-    if (end_ - begin_ > longest_list_line + byte_order_mark.size() + 1) refuse("is too long");
+    if (end_ - begin_ > longest_list_line + byte_order_mark.size() + 1) {
+      ++line_number_;  // its end has not been found, so it is not counted yet
+      refuse("is too long");
+    }
     const std::size_t held = end_ - begin_;
     if (!fill()) break;
     searched = begin_ + held;

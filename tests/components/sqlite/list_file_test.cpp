@@ -104,6 +104,8 @@ TEST_F(ListFileTest, RefusesWhatIsNoList) {
     EXPECT_THAT(failure_of([&] { import(file); }), HasSubstr(file));
     EXPECT_THAT(failure_of([&] { remove(file); }), HasSubstr(file));
   }
+  EXPECT_THAT(failure_of([&] { import(list_path("long.txt")); }), HasSubstr("line 3 is too long"));
+  EXPECT_THAT(failure_of([&] { import(list_path("endless.txt")); }), HasSubstr("line 3 is too long"));
   EXPECT_THAT(list("blacklist"), ElementsAre("kept"));
   EXPECT_THAT(
       failure_of([&] { database->import_({"none", "blacklist", "nothing"}, write_list("in.txt", "a")); }),
