@@ -22,6 +22,23 @@ test('a new entry is brought into view and marked, also under a filter and in an
   assert.ok(await added.evaluate(row => row.getBoundingClientRect().bottom <= row.closest('.list-rows').getBoundingClientRect().bottom + 1))
   await picture(page, 'added')
 
+  // The list stands at its end now. Another entry below it is brought into view as well, and the list comes to rest.
+  await page.getByLabel('Domain', { exact: true }).fill('newcomer-two.example')
+  await black.getByRole('button', { name: 'Add' }).click()
+  await added.getByText('newcomer-two.example').waitFor()
+  await page.waitForTimeout(400)
+  const places = await added.evaluate(async row => {
+    const list = row.closest('.list-rows')
+    const seen = []
+    for (let frame = 0; frame < 10; ++frame) {
+      seen.push(list.scrollTop)
+      await new Promise(resolve => requestAnimationFrame(resolve))
+    }
+    return seen
+  })
+  assert.equal(new Set(places).size, 1)
+  assert.ok(await added.evaluate(row => row.getBoundingClientRect().bottom <= row.closest('.list-rows').getBoundingClientRect().bottom + 1))
+
   await black.getByRole('textbox', { name: /^Filter/ }).fill('royal')
   await black.getByText(/^[\d,]+ of 17,/).waitFor()
   await black.getByRole('combobox', { name: /^Order/ }).selectOption('text')
