@@ -168,7 +168,7 @@ void ScriptEnginePage::create() {
   const std::string name = with_underscores(scriptnamen.text());
   if (!may_replace(name)) return;
   scriptnamen.set_text(name);
-  const bool is_new = execute(insert_into("scriptengine", "scriptname", name));
+  const bool is_new = execute(insert_into("scriptengine", "scriptname", name), Failure::expected);
   current_script_ = name;
   if (is_new) scriptsource.set_text(script_template(name));
   save();

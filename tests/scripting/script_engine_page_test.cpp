@@ -108,6 +108,7 @@ TEST_F(ScriptEnginePageTest, AnExistingNameGetsTheTextOfTheEditor) {
             "NEVER 0: ' gr\xC3\xB6\xC3\x9F"
             "er");
   EXPECT_EQ(copy_of("there.vbs"), page.scriptsource.text());
+  EXPECT_EQ(console.activity().failures(), 0U);
   ASSERT_THAT(host.boxes, SizeIs(1));
   EXPECT_EQ(host.boxes[0].title, "Replace Script");
   EXPECT_THAT(host.boxes[0].text, testing::EndsWith("\r\nthere"));

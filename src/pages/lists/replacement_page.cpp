@@ -68,7 +68,8 @@ void ReplacementPage::save_pair() {
   const std::string& word = Text1.text();
   const std::string& replacement = Text2.text();
   if (!word.empty()) {
-    execute("INSERT INTO rwords (orig,repl) values ('" + value(word) + "','" + value(replacement) + "')");
+    execute("INSERT INTO rwords (orig,repl) values ('" + value(word) + "','" + value(replacement) + "')",
+            Failure::expected);
     execute("UPDATE rwords set repl='" + value(replacement) + "' where orig='" + value(word) + "'");
   }
   fill_lists();

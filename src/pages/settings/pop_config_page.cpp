@@ -114,7 +114,7 @@ void PopConfigPage::save_account() {
     execute("UPDATE pop3 set " + column + "='" + text + "' where entry='" + value(entry) + "'");
   };
 
-  execute(insert_into("pop3", "entry", entry));
+  execute(insert_into("pop3", "entry", entry), Failure::expected);
   set_switch("leave", leave);
   set_switch("spamtobadmail", spamtobadmail);
   set_switch("subjectdelete", subjectdelete);
