@@ -99,6 +99,21 @@ PropertyValue OptionButton::own(Property) const {
   return std::int64_t{chosen_ ? 1 : 0};
 }
 
+void Button::set_destroys(const Loss& loss, LossCount count) {
+  loss_ = &loss;
+  count_ = std::move(count);
+}
+
+void Button::set_destroys(const Loss& loss, const ItemsControl& items) {
+  set_destroys(loss, [&items] { return items.items().size(); });
+}
+
+std::optional<std::uint64_t> Button::count_loss() {
+  std::optional<std::uint64_t> count;
+  if (count_) form().run([&] { count = count_(); });
+  return count;
+}
+
 void Button::user_click() {
   require_usable();
   form().run(on_click);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/control.h"
+#include "core/loss.h"
 #include "core/text/string_list.h"
 
 // The kinds of controls. A page declares its controls as members, in the order of its collection:
@@ -157,6 +158,8 @@ class OptionButton : public CaptionedControl {
   bool chosen_ = false;
 };
 
+class ItemsControl;
+
 // Nothing disables a button while its event runs, so a second click may come in an event loop that the
 // handler serves; Page::bind_busy() prevents that.
 class Button : public CaptionedControl {
@@ -177,11 +180,24 @@ class Button : public CaptionedControl {
   void set_primary() { primary_ = true; }
   bool primary() const { return primary_; }
 
+  // The act destroys what cannot be taken back. Hosts with a screen make the button look dangerous, and ask
+  // before they run the click, with the number that `count` gives then; the button itself asks nothing.
+  // Without `count` the number cannot be told. With `items`, an act on all of them, it is theirs. To be
+  // called before the form is shown; `loss` is kept by reference.
+  void set_destroys(const Loss& loss, LossCount count = {});
+  void set_destroys(const Loss& loss, const ItemsControl& items);
+  // Null if the act destroys nothing.
+  const Loss* destroys() const { return loss_; }
+  // Nothing if it cannot be told. Runs the form's count as an event.
+  std::optional<std::uint64_t> count_loss();
+
   void user_click() override;
 
  private:
   std::vector<const Control*> needs_;
   bool primary_ = false;
+  const Loss* loss_ = nullptr;
+  LossCount count_;
 };
 
 // What the list-like kinds share: items in one arena, and the index of the chosen one. A list may have

@@ -61,6 +61,8 @@ void ScriptEnginePage::wire() {
   insertnew.on_click = [this] { create(); };
   savechunk.on_click = [this] { save(); };
   deletefromdb.on_click = [this] { remove(); };
+  deletefromdb.set_destroys(loss::asked_by_form);
+  update.set_destroys(loss::scripts);
   bind_busy(executescript, &ScriptEnginePage::run_script);
   bind_busy(Command1, &ScriptEnginePage::run_position);
   bind_busy(download, [this] {

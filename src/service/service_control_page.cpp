@@ -37,6 +37,7 @@ ServiceControlPage::ServiceControlPage(Console& console)
   Timer1.on_tick = [this] { follow_service(); };
 
   Command1.set_primary();
+  stopservice.set_destroys(loss::service);
 
   set_layout(column({
       frame(Frame1, grid({Text1, Text3})),

@@ -80,7 +80,7 @@ test('several entries are chosen by keyboard and removed together', async () => 
   await picture(page, 'several')
   await list.press('Delete')
   const question = page.getByRole('alertdialog')
-  await question.getByText('Remove 5 entries from “Black list”?').waitFor()
+  await question.getByText('Remove 5 entries from "Black list"?').waitFor()
   await question.getByRole('button', { name: 'Remove' }).click()
   await console.becomes("select count(*) from blacklist where entry like 'quux%'", '25')
   assert.equal(console.sql("select count(*) from blacklist where entry in ('quux05.example','quux08.example','quux20.example')"), '0')

@@ -26,6 +26,31 @@ test('an address is picked from the log and black-listed', async () => {
   await console.becomes(`select count(*) from predatalog where IPNumber='${address}' and status<>2`, '0')
 })
 
+test('a log is cleared only after a question that names the number', async () => {
+  await openPage(page, 'IP log', 'iplog')
+  const count = () => console.sql('select count(*) from iplog')
+  const before = count()
+  assert.ok(Number(before) > 1000)
+  const clear = page.getByRole('main').getByRole('button', { name: 'Clear List' })
+  assert.match(await clear.getAttribute('class'), /danger/)
+  await clear.click()
+  const question = page.getByRole('alertdialog', { name: 'Clear List' })
+  await question.getByText(`Delete ${Number(before).toLocaleString('en')} rows of the logs?`).waitFor()
+  await picture(page, 'clear-question')
+  assert.equal(await page.evaluate(() => document.activeElement.textContent), 'Cancel')
+  await page.keyboard.press('Enter')
+  await question.waitFor({ state: 'detached' })
+  assert.equal(count(), before)
+  // Of a part of the log, the number is that of the part.
+  const black = console.sql('select count(*) from iplog where status=2')
+  await page.getByRole('button', { name: 'Show blacklisted IPs' }).click()
+  await clear.click()
+  await question.getByText(`Delete ${Number(black).toLocaleString('en')} rows of the logs?`).waitFor()
+  await question.getByRole('button', { name: 'Clear List' }).click()
+  await console.becomes('select count(*) from iplog where status=2', '0')
+  assert.equal(count(), String(Number(before) - Number(black)))
+})
+
 test('arrow keys walk the keyword log, and the fields follow', async () => {
   await openPage(page, 'Keyword log', 'keywordlog')
   const log = page.getByRole('listbox', { name: 'Rejected or marked messages' })

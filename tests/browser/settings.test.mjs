@@ -22,6 +22,7 @@ test('the lines of a typed banner are stored with the line ends of SMTP', async 
   assert.equal(await banner.inputValue(), '220-one\n220 two')
   // What the console sets has the caret's lines too, and stays as it is when it is stored again.
   await page.getByRole('button', { name: 'Default banner' }).click()
+  await page.getByRole('alertdialog').getByRole('button', { name: 'Default banner' }).click()
   await page.getByRole('button', { name: 'Save' }).click()
   await console.becomes("select length(value) - length(replace(value, char(13, 10), '')) from konf where ID='welcome'", '8')
 })

@@ -1,7 +1,9 @@
 // What every form of the product keeps to.
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -55,7 +57,89 @@ TEST_F(FormsTest, EveryTextIsInGerman) {
         if (!control->has(property)) continue;
         expect_translation(control->name(), std::get<std::string_view>(control->get(property)));
       }
+      if (control->kind() != ControlKind::button) continue;
+      const Loss* loss = static_cast<const Button*>(control)->destroys();
+      if (loss == nullptr) continue;
+      for (const std::string_view text : {loss->one, loss->many, loss->unknown}) {
+        expect_translation(control->name(), text);
+      }
     }
+  }
+}
+
+// Whoever adds an act decides here whether it can be taken back. The acts that take single entries off lists
+// can: the entries can be added again.
+TEST_F(FormsTest, ActsThatCannotBeTakenBackAreDeclared) {
+  std::map<std::string, std::set<std::string>> declared;
+  for (const auto& form : forms) {
+    for (const Control* control : form->controls()) {
+      if (control->kind() != ControlKind::button) continue;
+      if (static_cast<const Button*>(control)->destroys() != nullptr)
+        declared[form->name()].insert(control->name());
+    }
+  }
+  const std::map<std::string, std::set<std::string>> expected = {
+      {"strings", {"Command2"}},
+      {"pop_config", {"deletea"}},
+      {"iplog", {"Command9", "delefrom"}},
+      {"predatalog", {"Command1", "Command2", "cchange", "delip"}},
+      {"keywordlog",
+       {"Command1", "Command2", "Command3", "Command4", "Command5", "Command6", "Command7", "Command9",
+        "Command10", "Command11"}},
+      {"avlog",
+       {"Command1", "Command2", "Command3", "Command4", "Command5", "Command6", "Command13", "Command14"}},
+      {"monitor", {"Command5"}},
+      {"ScriptEngine", {"deletefromdb", "update"}},
+      {"ServiceControl", {"stopservice"}},
+      {"transfer", {"action"}},
+  };
+  EXPECT_EQ(declared, expected);
+}
+
+// The numbers are those of the database at the time of the click, of as many rows as the act then deletes.
+TEST(Pages, CountTheRowsThatAnActDeletes) {
+  test::InstalledConsole installed;
+  const auto add = [&](Literal statement) { installed.execute(statement); };
+  for (int i = 0; i < 3; ++i) {
+    add("INSERT INTO iplog (IPNumber,status) VALUES ('192.0.2.1',2)");
+    add("INSERT INTO predatalog (IPNumber,status,reason) VALUES ('192.0.2.1',1,'')");
+    add("INSERT INTO subjectlog (IPNumber,mailfrom,mailto,keyword) VALUES "
+        "('192.0.2.1','a@b.example','c','k')");
+  }
+  add("INSERT INTO iplog (IPNumber,status) VALUES ('192.0.2.2',0)");
+  add("INSERT INTO bodylog (IPNumber,mailfrom,mailto,keyword) VALUES ('192.0.2.3','a@b.example','c','k')");
+  const auto rows_left = [&] {
+    std::size_t sum = 0;
+    for (const Literal table :
+         std::initializer_list<Literal>{"iplog", "predatalog", "subjectlog", "bodylog", "avlog"})
+      sum += installed.rows(table, "IPNumber").size();
+    return sum;
+  };
+  struct Act {
+    const char* page;
+    std::vector<const char*> before;  // clicked
+    const char* field;
+    const char* text;
+    const char* act;
+    std::uint64_t count;
+  };
+  const Act acts[] = {
+      {"iplog", {"ipneutral"}, nullptr, nullptr, "Command9", 1},
+      {"keywordlog", {}, nullptr, nullptr, "Command2", 4},
+      {"iplog", {}, "IPNumber", "192.0.2.1", "delefrom", 6},
+  };
+  for (const Act& act : acts) {
+    const auto page = find_page(page_catalogue(), act.page)->make(installed.console);
+    page->initialise();
+    for (const char* name : act.before) page->find(name)->user_click();
+    if (act.field != nullptr) page->find(act.field)->user_type(act.text);
+    auto& button = static_cast<Button&>(*page->find(act.act));
+    const std::size_t before = rows_left();
+    EXPECT_EQ(button.count_loss(), act.count) << act.page << "." << act.act;
+    button.user_click();
+    EXPECT_EQ(rows_left(), before - act.count) << act.page << "." << act.act;
+    EXPECT_EQ(button.count_loss(), 0U) << act.page << "." << act.act;
+    page->terminate();
   }
 }
 

@@ -76,6 +76,12 @@ describe('what a form knows of its lists', () => {
     expect(['addWhite', 'addBlack', 'remove'].map(name => form.contextOf(control(form, name)))).toEqual(['White', 'Black', ''])
   })
 
+  it('paints what destroys, and what takes off a list, as dangerous', () => {
+    const form = makeForm()
+    control(form, 'addBlack').change(0, { destroys: true })
+    expect(['addWhite', 'addBlack', 'remove'].map(name => form.lookOf(control(form, name)))).toEqual([' tinted', ' danger', ' danger'])
+  })
+
   it('shows what was added, in the form in which the page has stored it', () => {
     const form = makeForm()
     control(form, 'entry').type('NEW.example ')

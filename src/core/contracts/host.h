@@ -27,6 +27,8 @@ struct MessageBox {
   std::string title;
   std::string text;
   BoxStyle style = BoxStyle::plain;  // its number is what hosts print
+  // The act that the box asks about, if it destroys something: stands on the button that answers OK.
+  std::string act = {};
 
   bool asks() const { return style == BoxStyle::ok_cancel || style == BoxStyle::question; }
 };

@@ -52,6 +52,19 @@ int run_init(const Arguments& arguments, std::ostream& out) {
   return success;
 }
 
+namespace {
+
+boost::json::array destroying_acts(const Form& form) {
+  boost::json::array names;
+  for (const Control* control : form.controls()) {
+    if (control->kind() != ControlKind::button) continue;
+    if (static_cast<const Button*>(control)->destroys() != nullptr) names.emplace_back(control->name());
+  }
+  return names;
+}
+
+}  // namespace
+
 int run_pages(const Arguments& arguments, const Program& program, std::ostream& out) {
   PlainConsole plain(arguments.folder);
   Localisation& localisation = plain.console.localisation();
@@ -60,7 +73,10 @@ int run_pages(const Arguments& arguments, const Program& program, std::ostream& 
     const std::string group = localisation.translate(entry.group);
     const std::string title = localisation.translate(entry.title);
     if (arguments.json) {
-      list.push_back({{"name", entry.name}, {"group", group}, {"title", title}});
+      list.push_back({{"name", entry.name},
+                      {"group", group},
+                      {"title", title},
+                      {"destroys", destroying_acts(*entry.make(plain.console))}});
     } else {
       out << entry.name << '\t' << group << '\t' << title << '\n';
     }

@@ -47,6 +47,7 @@ void add_acts(const ListBox& list, json::object& object) {
 
 void add_button_design(const Button& button, json::object& object) {
   if (button.primary()) object["primary"] = true;
+  if (button.destroys() != nullptr) object["destroys"] = true;
   if (button.needs().empty()) return;
   json::array names;
   for (const Control* needed : button.needs()) names.push_back(json::value(needed->name()));

@@ -157,12 +157,14 @@ std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64
 std::string box_message(std::uint64_t id, const MessageBox& box) {
   json::array buttons{"ok"};
   if (box.asks()) buttons.push_back("cancel");
-  return json::serialize(json::object{{"type", "box"},
-                                      {"id", id},
-                                      {"title", valid(box.title)},
-                                      {"text", valid(box.text)},
-                                      {"style", static_cast<int>(box.style)},
-                                      {"buttons", std::move(buttons)}});
+  json::object message{{"type", "box"},
+                       {"id", id},
+                       {"title", valid(box.title)},
+                       {"text", valid(box.text)},
+                       {"style", static_cast<int>(box.style)},
+                       {"buttons", std::move(buttons)}};
+  if (!box.act.empty()) message["act"] = valid(box.act);
+  return json::serialize(message);
 }
 
 std::string unbox_message(std::uint64_t id) {

@@ -8,6 +8,7 @@
 #include "core/text/paths.h"
 #include "core/text/text.h"
 #include "host/web/entry_removal.h"
+#include "host/web/loss_question.h"
 #include "host/web/uploads.h"
 
 namespace zrl::web {
@@ -27,12 +28,9 @@ std::string language_setting(Console& console) {
   return lower(trim(console.settings().regread(console.settings().language_path())));
 }
 
-// All acts but the removal of entries.
+// All acts but those that may destroy something.
 void act_on(ShownForm& shown, Control& control, const BrowserMessage& message) {
   switch (message.act) {
-    case Act::click:
-      control.user_click();
-      break;
     case Act::type:
       shown.changes.typed(control, message.text);
       control.user_type(message.text);
@@ -43,6 +41,7 @@ void act_on(ShownForm& shown, Control& control, const BrowserMessage& message) {
     case Act::scroll:
       control.user_scroll(message.number);
       break;
+    case Act::click:
     case Act::remove:
       break;
   }
@@ -316,6 +315,8 @@ void SessionConsole::handle_event(const BrowserMessage& message) {
     run_action([&] {
       if (message.act == Act::remove) {
         remove_chosen(shown, *control, message);
+      } else if (message.act == Act::click) {
+        click(shown, *control);
       } else {
         act_on(*shown, *control, message);
       }
@@ -347,6 +348,23 @@ void SessionConsole::renew_console(std::string_view page) {
   reporter_.send(hello_message(*console_, account_, settings_.pages, page));
 }
 
+void SessionConsole::click(const std::shared_ptr<ShownForm>& shown, Control& control) {
+  if (control.kind() == ControlKind::button && control.usable()) {
+    if (!agreed(*shown, question_before_click(*console_, static_cast<Button&>(control)))) return;
+  }
+  control.user_click();
+}
+
+bool SessionConsole::agreed(const ShownForm& shown, const std::optional<MessageBox>& question) {
+  if (!question) return true;
+  return message_box(*question) == BoxReply::ok && is_still_shown(shown);
+}
+
+bool SessionConsole::is_still_shown(const ShownForm& shown) {
+  return !turns_.ending() && forms_.find(shown.id).get() == &shown &&
+         (!shown.dialog || shown.form->is_open());
+}
+
 void SessionConsole::remove_chosen(const std::shared_ptr<ShownForm>& shown, Control& control,
                                    const BrowserMessage& message) {
   if (control.kind() != ControlKind::list_box) throw Refused(control.name() + " is no list");
@@ -356,9 +374,10 @@ void SessionConsole::remove_chosen(const std::shared_ptr<ShownForm>& shown, Cont
     throw Refused(control.name() + " has changed meanwhile");
   }
   const StringList entries = entries_at(shown->filter, list, {message.text, message.order}, message.ranges);
+  if (!agreed(*shown, question_before_removal(*console_, list, entries.size()))) return;
   remove_entries(list, entries, [&](std::size_t done) {
     reporter_.progress({{}, done, entries.size()});
-    return !turns_.ending() && forms_.find(shown->id) == shown && (!shown->dialog || shown->form->is_open());
+    return is_still_shown(*shown);
   });
 }
 

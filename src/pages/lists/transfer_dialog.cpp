@@ -35,6 +35,10 @@ TransferDialog::TransferDialog(Console& console, const ListTable& list, std::str
   Dir1.on_change = [this] { File1.set_path(Dir1.path()); };
   File1.on_click = [this] { source.set_text(path_in(File1.path(), File1.chosen())); };
   action.on_click = [this] { run_action(); };
+  action.set_destroys(loss::file_entries, [this]() -> std::optional<std::uint64_t> {
+    if (delete_.chosen()) return {};
+    return 0;
+  });
 
   set_layout(column({
       frame(Frame1, row({export_, import_, delete_, overwrite})),

@@ -39,6 +39,13 @@ AvlogPage::AvlogPage(Console& console) : LogPage(console, "avlog", "Attachment l
   bind_busy(Command14, &AvlogPage::clear_address);
   Command15.on_click = [this] { refresh_log(); };
 
+  for (Button* act : {&Command1, &Command2, &Command5}) act->set_destroys(loss::listed_senders, from);
+  for (Button* act : {&Command3, &Command4, &Command6}) act->set_destroys(loss::listed_addresses, ip);
+  deletes_rows(Command13, {"avlog", "predatalog", "subjectlog", "bodylog"}, "mailfrom",
+               [this] { return lower(trim(from.chosen())); });
+  deletes_rows(Command14, {"avlog", "iplog", "predatalog", "subjectlog", "bodylog"}, "IPNumber",
+               [this] { return lower(trim(ip.chosen())); });
+
   set_layout(column({
       grow(frame(Frame1, column({grow(control14), row({Command15})}))),
       grow(row({

@@ -25,6 +25,12 @@ IplogPage::IplogPage(Console& console) : LogPage(console, "iplog", "IP log") {
   Command6.on_click = [this] { whitelist_domain(domain.text()); };
   Command8.on_click = [this] { connect_by_telnet(domain.text()); };
 
+  Command9.set_destroys(loss::log_rows, [this] {
+    return count_rows(status_filter_.empty() ? Statement("select status from iplog")
+                                             : "select status from iplog where " + status_filter_);
+  });
+  deletes_rows(delefrom, {"iplog", "predatalog", "subjectlog", "bodylog", "avlog"}, "IPNumber",
+               [this] { return IPNumber.text(); });
   for (Button* act : {&Command1, &Command2, &Command3, &Command7, &delefrom, &reverse})
     act->set_needs({&IPNumber});
   for (Button* act : {&Command4, &Command5, &Command6, &Command8}) act->set_needs({&domain});

@@ -30,6 +30,7 @@ KeywordlogPage::KeywordlogPage(Console& console) : LogPage(console, "keywordlog"
   Command8.on_click = [this] { look_up_host(); };
   Command10.set_needs({&shost});
   Command12.set_needs({&ip, &shost});
+  declare_losses();
   subject.choose();
 
   set_layout(row({
@@ -42,6 +43,26 @@ KeywordlogPage::KeywordlogPage(Console& console) : LogPage(console, "keywordlog"
                                 row({grow(shost), Command9, Command10})})),
       })),
   }));
+}
+
+// Most acts delete rows besides what they put on a list.
+void KeywordlogPage::declare_losses() {
+  Command11.set_destroys(loss::log_rows, [this] {
+    return count_rows(body.chosen() ? Literal("select ID from bodylog")
+                                    : Literal("select ID from subjectlog"));
+  });
+  Command1.set_destroys(loss::log_rows,
+                        [this] { return count_rows({log_table()}, "keyword", lower(keyw.text())); });
+  for (Button* act : {&Command2, &Command3, &Command4, &Command5, &Command9, &Command10}) {
+    act->set_destroys(loss::log_rows, [this]() -> std::optional<std::uint64_t> {
+      const std::string sender = lower(mfrom.text());
+      if (!trim(sender).empty()) return count_rows({"subjectlog", "bodylog"}, "mailfrom", sender);
+      return logs.index() >= 0 ? 1 : 0;
+    });
+  }
+  for (Button* act : {&Command6, &Command7}) {
+    deletes_rows(*act, {"subjectlog", "bodylog"}, "IPNumber", [this] { return lower(ip.text()); });
+  }
 }
 
 void KeywordlogPage::show() {

@@ -71,6 +71,7 @@ class KeywordlogPage : public LogPage {
   void click_row();
   Literal log_table() const { return body.chosen() ? Literal("bodylog") : Literal("subjectlog"); }
 
+  void declare_losses();
   void remove_keyword();
   void list_sender(const ListTable& own, const ListTable& opposite);
   void list_domain(std::string_view domain, const ListTable& own, const ListTable& opposite);

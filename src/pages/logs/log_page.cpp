@@ -29,6 +29,30 @@ void LogPage::delete_rows(std::initializer_list<Literal> tables, Literal column,
   for (const Literal table : tables) execute(delete_from(table, column, text));
 }
 
+void LogPage::deletes_rows(Button& button, std::vector<Literal> tables, Literal column,
+                           std::function<std::string()> text) {
+  button.set_destroys(loss::log_rows, [this, tables = std::move(tables), column, text = std::move(text)] {
+    return count_rows(tables, column, text());
+  });
+}
+
+std::optional<std::uint64_t> LogPage::count_rows(const std::vector<Literal>& tables, Literal column,
+                                                 std::string_view text) {
+  std::uint64_t sum = 0;
+  for (const Literal table : tables) {
+    const auto rows =
+        count_rows("select " + column + " from " + table + " where " + column + "='" + value(text) + "'");
+    if (!rows) return {};
+    sum += *rows;
+  }
+  return sum;
+}
+
+std::optional<std::uint64_t> LogPage::count_rows(const Statement& select) {
+  const std::optional<std::int64_t> rows = count_value(select);
+  return rows ? std::optional(static_cast<std::uint64_t>(*rows)) : std::nullopt;
+}
+
 void LogPage::blacklist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
   if (entry.empty()) return;

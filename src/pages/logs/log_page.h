@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,16 @@ class LogPage : public Page {
   void list_address(IpStatus status, std::string_view address);
   // Deletes from each table, in this order, the rows with the value in the column.
   void delete_rows(std::initializer_list<Literal> tables, Literal column, std::string_view value);
+
+  // Declares that the button deletes the rows which delete_rows() would: those with the text that `text`
+  // yields when it is clicked.
+  void deletes_rows(Button& button, std::vector<Literal> tables, Literal column,
+                    std::function<std::string()> text);
+  // How many rows they are together; nothing if one of the tables cannot be read.
+  std::optional<std::uint64_t> count_rows(const std::vector<Literal>& tables, Literal column,
+                                          std::string_view text);
+  // The rows that the select yields.
+  std::optional<std::uint64_t> count_rows(const Statement& select);
 
   // Move a domain onto one of the domain lists, or off both. The text is trimmed; a blank one does nothing. A
   // domain that is on the list already is inserted once more.

@@ -66,6 +66,7 @@ MonitorPage::MonitorPage(Console& console) : Page(console, "monitor", "Mail arch
   Command5.on_click = [this] { delete_mail(); };
   savemail.on_click = [this] { save_mail(); };
   bind_busy(Command11, &MonitorPage::reply);
+  Command5.set_destroys(loss::mail, [this] { return shown_ ? 1U : 0U; });
 
   set_layout(column({
       grow(HScroll1),

@@ -35,6 +35,7 @@ PredatalogPage::PredatalogPage(Console& console) : LogPage(console, "predatalog"
   for (Button* act : {&Command4, &Command5, &Command6}) act->set_needs({&reversedom});
   Command7.set_needs({&IPNumber, &reversedom});
 
+  declare_losses();
   showall.choose();
   cchange.set_enabled(false);
   ipaction.set_enabled(false);
@@ -48,6 +49,25 @@ PredatalogPage::PredatalogPage(Console& console) : LogPage(console, "predatalog"
       })),
       frame(Frame4, column({reversedom, row({Command4, Command5, Command6, Command7})})),
   }));
+}
+
+void PredatalogPage::declare_losses() {
+  Command1.set_destroys(loss::log_rows, [this] {
+    const Literal condition = view().condition;
+    return count_rows(condition.empty() ? Statement("select status from predatalog")
+                                        : "select status from predatalog where " + condition);
+  });
+  Command2.set_destroys(loss::rows_of_addresses, [this]() -> std::optional<std::uint64_t> {
+    if (ip.items().empty() && !rtext.text().empty()) return {};
+    return ip.items().size();
+  });
+  deletes_rows(delip, {"iplog", "predatalog", "subjectlog", "bodylog", "avlog"}, "IPNumber",
+               [this] { return IPNumber.text(); });
+  // Rows of the reason change even where no address is listed.
+  cchange.set_destroys(loss::listed_addresses, [this]() -> std::optional<std::uint64_t> {
+    if (ip.items().empty()) return {};
+    return ip.items().size();
+  });
 }
 
 const PredatalogPage::View& PredatalogPage::view() const {

@@ -86,6 +86,7 @@ class PredatalogPage : public LogPage {
   void refresh_addresses();
   void refresh();
 
+  void declare_losses();
   void choose_view();
   void click_reason();
   void change_all();

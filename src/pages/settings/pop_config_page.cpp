@@ -38,6 +38,8 @@ PopConfigPage::PopConfigPage(Console& console) : Page(console, "pop_config", "PO
   clearnew.on_click = [this] { start_account(); };
 
   addmod.set_primary();
+  deletea.set_destroys(
+      loss::account, [this] { return userlist.items().find(account()) < userlist.items().size() ? 1U : 0U; });
 
   set_layout(row({
       grow(column({

@@ -36,6 +36,7 @@ StringsPage::StringsPage(Console& console) : Page(console, "strings", "Reply tex
   Command2.on_click = [this] { store_default_banner(); };
 
   updatedb.set_primary();
+  Command2.set_destroys(loss::banner);
 
   set_layout(column({
       frame(Frame1, column({welcome, row({grow(hello)}), row({grow(bye)}), row({grow(queue)})})),

@@ -102,6 +102,12 @@ HandlerPage::HandlerPage(Console& console) : Page(console, "handlers", "Handlers
     words.erase(words.begin());
     run_program(name, words);
   };
+  empty.set_destroys(loss::log_rows, list);
+  shorten.on_click = [this] {
+    list.clear();
+    list.add_item("one");
+  };
+  empty.on_click = [this] { list.clear(); };
   ticking.on_click = [this] { timer.set_enabled(ticking.checked()); };
   timer.on_tick = [this, &host] {
     ticks.set_caption(std::to_string(++tick_count_));
@@ -115,6 +121,7 @@ void HandlerPage::load() {
 
 void HandlerPage::hide() {
   std::ofstream(console().folder() / "handlers-left") << "left " << answers.caption();
+  std::ofstream(console().folder() / "rows-left") << list.items().size();
 }
 
 bool HandlerPage::may_go() const {

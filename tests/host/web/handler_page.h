@@ -37,6 +37,8 @@ class HandlerPage : public Page {
   Timer timer{*this, "timer", 10, false};
   CheckBox ticking{*this, "ticking", "Tick"};
   ListBox list{*this, "list"};
+  Button shorten{*this, "shorten", "Leave one row"};
+  Button empty{*this, "empty", "Empty the list"};
 
  private:
   void load() override;

@@ -204,8 +204,18 @@ TEST(SessionForms, SeveralEntriesAreRemovedAsTheirPlacesOnViewSay) {
   };
   const std::uint64_t stale = revision();
   // The first row of the view and its last two.
-  session.until_done(
-      remove(stale, R"({"filter": "host99999", "order": "text", "ranges": [[0, 0], [9, 200]]})"));
+  constexpr std::string_view three =
+      R"({"filter": "host99999", "order": "text", "ranges": [[0, 0], [9, 200]]})";
+  const auto agree = [&session](std::uint64_t removal, std::string_view reply) {
+    const json::object box = session.receive("box");
+    EXPECT_EQ(box.at("text"), "Remove 3 entries from \"Lists\"?");
+    EXPECT_EQ(box.at("act"), "Remove");
+    session.answer(box, reply);
+    session.until_done(removal);
+  };
+  agree(remove(stale, three), "cancel");
+  EXPECT_EQ(session.held("allcontrols", "List1", "items").at("length"), 1'000'000);
+  agree(remove(stale, three), "ok");
   EXPECT_EQ(session.held("allcontrols", "List1", "items").at("length"), 999'997);
   EXPECT_EQ(session.rows("allcontrols", "List1", 0, 3, "host99999").at("rows"),
             json::parse(R"(["host999990.example", "host999991.example", "host999992.example"])"));

@@ -1,12 +1,15 @@
 #include <fstream>
+#include <stdexcept>
 #include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "core/text/error.h"
+#include "host/web/loss_question.h"
 #include "host/web/reporter.h"
 #include "host/web/turns.h"
+#include "support/installed_console.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
 
@@ -340,6 +343,43 @@ TEST_F(ReporterTest, AFormIsToldWholeOnceAConnection) {
   reporter.all_gone();
   EXPECT_THAT(output.messages.back(), HasSubstr(R"("type":"closed","form":"page")"));
   EXPECT_THAT(forms.forms(), IsEmpty());
+}
+
+TEST(LossQuestions, NameTheNumberInBothLanguages) {
+  InstalledConsole installed;
+  class LosingPage : public Page {
+   public:
+    explicit LosingPage(Console& console) : Page(console, "losing", "Losing") {}
+    Button clear{*this, "clear", "Clear List"};
+    ListBox rows{*this, "rows"};
+    Label label{*this, "label", "Black list", rows};
+
+   private:
+    void load() override {}
+  };
+  LosingPage page(installed.console);
+  std::optional<std::uint64_t> count;
+  const auto asked = [&](const Loss& loss) -> std::string {
+    page.clear.set_destroys(loss, [&] { return count; });
+    const auto box = web::question_before_click(installed.console, page.clear);
+    return box ? box->text : "";
+  };
+  count = 50'000;
+  EXPECT_EQ(asked(loss::log_rows), "Delete 50,000 rows of the logs? This cannot be taken back.");
+  EXPECT_EQ(asked(loss::asked_by_form), "");
+  count = 0;
+  EXPECT_EQ(asked(loss::log_rows), "");
+  count = {};
+  EXPECT_EQ(asked(loss::log_rows), "Delete these rows of the logs? This cannot be taken back.");
+  page.clear.set_destroys(loss::log_rows,
+                          []() -> std::optional<std::uint64_t> { throw std::runtime_error("no"); });
+  EXPECT_TRUE(web::question_before_click(installed.console, page.clear));
+  installed.console.localisation().translate("", "german");
+  count = 1'234'567;
+  EXPECT_EQ(asked(loss::log_rows),
+            "1.234.567 Zeilen der Protokolle löschen? Das lässt sich nicht rückgängig machen.");
+  EXPECT_EQ(web::question_before_removal(installed.console, page.rows, 2248)->text,
+            "2.248 Einträge aus „Black list“ entfernen?");
 }
 
 }  // namespace

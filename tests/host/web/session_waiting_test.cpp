@@ -105,6 +105,42 @@ TEST(SessionWaiting, TheAnswerGetsThroughHoweverMuchWaits) {
   until_caption(session, "handlers", "clicks", "256");
 }
 
+TEST(SessionWaiting, AClickThatDestroysIsAskedAboutFirst) {
+  SessionDriver session(test_pages());
+  session.open("handlers");
+  EXPECT_EQ(session.receive("form").at("controls").at("empty").at("destroys"), true);
+  const auto length = [&session] { return session.held("handlers", "list", "items").at("length"); };
+  const std::uint64_t refused = session.click("handlers", "empty");
+  const json::object box = session.receive("box");
+  EXPECT_EQ(box.at("title"), "Empty the list");
+  EXPECT_EQ(box.at("act"), "Empty the list");
+  EXPECT_EQ(box.at("text"), "Delete 3 rows of the logs? This cannot be taken back.");
+  session.answer(box, "cancel");
+  session.until_done(refused);
+  EXPECT_EQ(length(), 3);
+
+  // The number is that of the click; what nobody answered is not done.
+  session.until_done(session.click("handlers", "shorten"));
+  session.click("handlers", "empty");
+  EXPECT_EQ(session.receive("box").at("text"), "Delete 1 row of the logs? This cannot be taken back.");
+  session.connect();
+  const json::object again = session.receive("box");
+  session.answer(again, "ok");
+  while (length() != 0) session.receive("change");
+
+  // Where nothing is lost, nothing is asked.
+  session.until_done(session.click("handlers", "empty"));
+}
+
+TEST(SessionWaiting, AQuestionThatNobodyAnswersDestroysNothing) {
+  SessionDriver session(test_pages());
+  session.show("handlers");
+  session.click("handlers", "empty");
+  session.receive("box");
+  session.end(web::Incoming::Kind::ended);
+  EXPECT_EQ(read_file(session.folder() / "rows-left"), "3");
+}
+
 TEST(SessionWaiting, APageMayAskWhileItIsLoaded) {
   SessionDriver session(test_pages());
   const std::uint64_t opened = session.open("boxed");

@@ -9,7 +9,7 @@ import { viewText } from '../parts/text-viewer'
 import { Field, nameOf, naming } from './field'
 import { keyTarget, Row } from './list-row'
 import { FilterField, placeKey, restoreView } from './list-tools'
-import { askRemoval, SelectionBar } from './selection-bar'
+import { SelectionBar } from './selection-bar'
 import { VirtualList, type VirtualListHandle } from './virtual-list'
 
 export const rowHeight = (): number => (coarse.value ? 44 : 28)
@@ -136,7 +136,7 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
   /** Takes the keys that choose several rows and remove them; false for others. */
   const onSelectionKey = (event: KeyboardEvent, held: boolean, move: number | undefined): boolean => {
     if (event.key === 'Delete') {
-      if (chosen.count > 0) askRemoval(control, chosen)
+      if (chosen.count > 0) control.removeRows(chosen.ranges)
       else if (selected !== undefined && !restored) control.removeChosen()
       return true
     }

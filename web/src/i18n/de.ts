@@ -172,8 +172,6 @@ export const de: Messages = {
   chooseSeveral: 'Mehrere auswählen',
   chosenRows: count => `${number.format(count)} ausgewählt`,
   removeRows: 'Entfernen',
-  removalQuestion: (count, list) =>
-    list === '' ? `${plural(count, 'Eintrag', 'Einträge')} entfernen?` : `${plural(count, 'Eintrag', 'Einträge')} aus „${list}“ entfernen?`,
   missing: (name, isList, hasList) =>
     isList
       ? `Zuerst einen Eintrag aus „${name}“ auswählen.`

@@ -177,8 +177,6 @@ export const en = {
   chooseSeveral: 'Choose several',
   chosenRows: (count: number): string => `${number.format(count)} chosen`,
   removeRows: 'Remove',
-  removalQuestion: (count: number, list: string): string =>
-    list === '' ? `Remove ${plural(count, 'entry', 'entries')}?` : `Remove ${plural(count, 'entry', 'entries')} from “${list}”?`,
   missing: (name: string, isList: boolean, hasList: boolean): string =>
     isList ? `Choose an entry of “${name}” first.` : hasList ? `Fill in “${name}” or choose an entry first.` : `Fill in “${name}” first.`,
   emptyList: 'No entries',

@@ -131,7 +131,7 @@ export class ControlModel {
     this.remover()?.click()
   }
 
-  /** Removes the entries at these places on view. */
+  /** Removes the entries at these places on view; the host asks first. */
   removeRows(ranges: readonly Range[]): void {
     const { cache } = this.list ?? {}
     if (!cache) return
@@ -339,8 +339,9 @@ export class FormModel {
     return needed.some(control => control.holdsSomething) ? undefined : needed.find(control => control.visible.peek())
   }
 
-  /** What adds to lists stands out, most where one button does it for the whole form; what removes looks dangerous. */
+  /** What adds to lists stands out, most where one button does it for the whole form; what removes or destroys looks dangerous. */
   lookOf(button: ControlModel): '' | ' primary' | ' tinted' | ' danger' {
+    if (button.shown.peek().destroys) return ' danger'
     const adders = new Set<string>()
     for (const { shown } of this.controls.values()) {
       const { add, remove } = shown.peek()

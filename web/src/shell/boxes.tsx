@@ -19,7 +19,9 @@ function Box({ box }: { box: BoxMessage }) {
   const textId = useId()
   const m = messages.value
   // The style number also carries the buttons in its low bits; the icon is the part from 16 to 64.
-  const icon = icons[box.style & 0x70]
+  const icon = box.act ? 'warning' : icons[box.style & 0x70]
+  // Enter alone destroys nothing.
+  const safest = box.act ? 'cancel' : 'ok'
   const cancel = (): void => session.answer(box, box.buttons.includes('cancel') ? 'cancel' : 'ok')
   return (
     <Modal
@@ -39,11 +41,11 @@ function Box({ box }: { box: BoxMessage }) {
           <button
             key={reply}
             type="button"
-            class={`button${reply === 'ok' ? ' primary' : ''}`}
-            autoFocus={reply === 'ok'}
+            class={`button${reply === 'cancel' ? '' : box.act ? ' danger' : ' primary'}`}
+            autoFocus={reply === safest}
             onClick={() => session.answer(box, reply)}
           >
-            {reply === 'ok' ? m.ok : m.cancel}
+            {reply === 'ok' ? box.act || m.ok : m.cancel}
           </button>
         ))}
       </div>

@@ -1,6 +1,5 @@
 import { useEffect, useRef, useState } from 'preact/hooks'
 import { FormView } from '../controls/form-view'
-import { RemovalQuestion } from '../controls/selection-bar'
 import { messages } from '../i18n'
 import type { FormModel } from '../model/form'
 import { recall, remember } from '../model/preferences'
@@ -138,7 +137,6 @@ export function Shell() {
       <Palette />
       <PasswordDialog />
       <Boxes />
-      <RemovalQuestion />
       <GroupHelp />
       <TextViewer />
     </div>

@@ -99,6 +99,8 @@ export interface Control {
   needs?: string[]
   /** Of a button: what people come for. */
   primary?: boolean
+  /** Of a button: what it destroys cannot be taken back. The host asks before it runs the click. */
+  destroys?: boolean
   /** Of a label: whether what it says is good or bad. */
   tone?: Tone
 }
@@ -182,6 +184,8 @@ export interface BoxMessage {
   text: string
   style: number
   buttons: Reply[]
+  /** The act that the box asks about, if it destroys something. */
+  act?: string
 }
 
 export interface BusyMessage {

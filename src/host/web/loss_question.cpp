@@ -1,0 +1,62 @@
+#include "host/web/loss_question.h"
+
+#include <string_view>
+
+#include "core/form.h"
+
+namespace zrl::web {
+
+namespace {
+
+void replace(std::string& text, std::string_view place, std::string_view by) {
+  const std::size_t at = text.find(place);
+  if (at != text.npos) text.replace(at, place.size(), by);
+}
+
+// Nothing if the loss has no text for this count.
+std::optional<MessageBox> question(Console& console, const Loss& loss, std::optional<std::uint64_t> count,
+                                   const std::string& act) {
+  if (count == 0U) return {};
+  const std::string_view known = count == 1U || loss.many.empty() ? loss.one : loss.many;
+  const std::string_view english = count ? known : loss.unknown;
+  if (english.empty()) return {};
+  Localisation& localisation = console.localisation();
+  std::string text = localisation.translate(english);
+  if (count) replace(text, "%1", grouped(*count, localisation.current_language() == "german"));
+  return MessageBox{act, std::move(text), BoxStyle::question, act};
+}
+
+// What people call a list: the title of the frame around it, or else its label.
+std::string_view name_of(const ListBox& list) {
+  const Frame* frame = list.container();
+  if (frame != nullptr && !frame->caption().empty()) return frame->caption();
+  for (const Control* control : list.form().controls()) {
+    if (control->kind() != ControlKind::label) continue;
+    const auto* label = static_cast<const Label*>(control);
+    if (label->names() == &list) return label->caption();
+  }
+  return list.name();
+}
+
+}  // namespace
+
+std::string grouped(std::uint64_t number, bool german) {
+  std::string digits = std::to_string(number);
+  for (std::size_t end = digits.size(); end > 3; end -= 3) digits.insert(end - 3, 1, german ? '.' : ',');
+  return digits;
+}
+
+std::optional<MessageBox> question_before_click(Console& console, Button& button) {
+  if (button.destroys() == nullptr) return {};
+  return question(console, *button.destroys(), button.count_loss(), button.caption());
+}
+
+std::optional<MessageBox> question_before_removal(Console& console, const ListBox& list,
+                                                  std::uint64_t count) {
+  std::optional<MessageBox> box =
+      question(console, loss::list_entries, count, console.localisation().translate("Remove"));
+  if (box) replace(box->text, "%2", name_of(list));
+  return box;
+}
+
+}  // namespace zrl::web

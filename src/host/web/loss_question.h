@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "core/console.h"
+#include "core/controls.h"
+
+namespace zrl::web {
+
+// The question whether the click of a button shall destroy what the button declares, in the console's
+// language. Nothing if it destroys nothing now, or if its form asks by itself. Counts what would be lost.
+std::optional<MessageBox> question_before_click(Console& console, Button& button);
+
+// The same before this number of entries is removed from a list.
+std::optional<MessageBox> question_before_removal(Console& console, const ListBox& list, std::uint64_t count);
+
+// With the separators of the console's languages: 1234 is "1,234", in German "1.234".
+std::string grouped(std::uint64_t number, bool german);
+
+}  // namespace zrl::web
