@@ -374,7 +374,11 @@ void SessionConsole::remove_chosen(const std::shared_ptr<ShownForm>& shown, Cont
     throw Refused(control.name() + " has changed meanwhile");
   }
   const StringList entries = entries_at(shown->filter, list, {message.text, message.order}, message.ranges);
-  if (!agreed(*shown, question_before_removal(*console_, list, entries.size()))) return;
+  const Button* const button = list.acts().remove;
+  if (button != nullptr && button->usable() &&
+      !agreed(*shown, question_before_removal(*console_, list, entries.size()))) {
+    return;
+  }
   remove_entries(list, entries, [&](std::size_t done) {
     reporter_.progress({{}, done, entries.size()});
     return is_still_shown(*shown);
