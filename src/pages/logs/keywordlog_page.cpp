@@ -53,15 +53,20 @@ void KeywordlogPage::declare_losses() {
   });
   Command1.set_destroys(loss::log_rows,
                         [this] { return count_rows({log_table()}, "keyword", lower(keyw.text())); });
+  // The one row that a person is looking at needs no question.
+  using Rows = std::optional<std::uint64_t>;
+  const auto if_several = [](const Rows& rows) { return rows == 1 ? Rows(0) : rows; };
   for (Button* act : {&Command2, &Command3, &Command4, &Command5, &Command9, &Command10}) {
-    act->set_destroys(loss::log_rows, [this]() -> std::optional<std::uint64_t> {
+    act->set_destroys(loss::log_rows, [this, if_several] {
       const std::string sender = lower(mfrom.text());
-      if (!trim(sender).empty()) return count_rows({"subjectlog", "bodylog"}, "mailfrom", sender);
-      return logs.index() >= 0 ? 1 : 0;
+      if (trim(sender).empty()) return Rows(0);
+      return if_several(count_rows({"subjectlog", "bodylog"}, "mailfrom", sender));
     });
   }
   for (Button* act : {&Command6, &Command7}) {
-    deletes_rows(*act, {"subjectlog", "bodylog"}, "IPNumber", [this] { return lower(ip.text()); });
+    act->set_destroys(loss::log_rows, [this, if_several] {
+      return if_several(count_rows({"subjectlog", "bodylog"}, "IPNumber", lower(ip.text())));
+    });
   }
 }
 
