@@ -18,6 +18,7 @@ withConsole({ sample: true, signedIn: false, expected: ['status of 401'] }, star
 
 /** Fails on any finding on what is on view. */
 async function judge(name) {
+  await page.waitForFunction(() => document.querySelector('.row-waiting') === null)
   // Evaluated by the debugger, which the content security policy does not concern.
   await page.evaluate(axe)
   const { violations } = await page.evaluate(() =>

@@ -200,12 +200,19 @@ export async function signIn(page, secret = password) {
 
 /** Opens a page from the sidebar and waits until it is drawn. */
 export async function openPage(page, title, name) {
-  const navigation = page.getByRole('navigation')
-  const link = navigation.getByRole('link', { name: title, exact: true, includeHidden: true })
+  await follow(page, page.getByRole('navigation').getByRole('link', { name: title, exact: true, includeHidden: true }), name)
+}
+
+/** The same, whatever its title is in the language of the moment. */
+export async function openNamed(page, name) {
+  await follow(page, page.getByRole('navigation').locator(`a[href$="/${name}"]`), name)
+}
+
+async function follow(page, link, name) {
   await link.waitFor({ state: 'attached' })
   if (!(await link.isVisible())) {
     const group = await link.evaluate(element => element.closest('ul').id)
-    await navigation.locator(`[aria-controls="${group}"]`).click()
+    await page.getByRole('navigation').locator(`[aria-controls="${group}"]`).click()
   }
   await link.click()
   await page.locator(`main [data-control^="c-${name}-"]`).first().waitFor()

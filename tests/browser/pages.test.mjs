@@ -1,6 +1,6 @@
 // Every page of the product opens on the sample data, in every look, in English and in German.
 import { test } from 'node:test'
-import { openPage, picture, withConsole } from './console.mjs'
+import { openNamed, openPage, picture, withConsole } from './console.mjs'
 
 let console
 let page
@@ -22,10 +22,9 @@ test('every page opens in German, and nothing in it is cut off', async () => {
   console.run('do', 'general', 'Combo1=german')
   // The language takes effect with the next page.
   await openPage(page, 'Domains', 'domainbw')
-  await page.getByRole('link', { name: 'Allgemein' }).waitFor()
+  await page.getByRole('link', { name: 'Domänen', exact: true }).waitFor()
   for (const { name } of pages) {
-    await page.getByRole('navigation').locator(`a[href$="${name}"]`).click()
-    await page.locator(`main [data-control^="c-${name}-"]`).first().waitFor()
+    await openNamed(page, name)
     await picture(page, `german-${name}`)
   }
 })
