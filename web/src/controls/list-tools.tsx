@@ -36,17 +36,22 @@ export function FilterField({ list, name, control }: Props) {
   const [text, setText] = useState(list.cache.wanted.filter)
   const timer = useRef<ReturnType<typeof setTimeout> | undefined>(undefined)
   useEffect(() => () => clearTimeout(timer.current), [])
+  // At once: the page may be left before the list is filtered.
+  const keep = (filter: string): void => {
+    if (!control.form.dialog) remember(filterKey(control), filter, 'tab')
+  }
   const change = (filter: string, at = filterPause): void => {
     setText(filter)
+    keep(filter)
     clearTimeout(timer.current)
-    timer.current = setTimeout(() => {
-      if (!control.form.dialog) remember(filterKey(control), filter, 'tab')
-      list.setView({ filter })
-    }, at)
+    timer.current = setTimeout(() => list.setView({ filter }), at)
   }
   // A row that was looked for may have taken the filter away.
   const { filter } = list.cache.wanted
-  useEffect(() => setText(filter), [filter])
+  useEffect(() => {
+    setText(filter)
+    keep(filter)
+  }, [filter])
   const m = messages.value
   return (
     <div class="filter" role="search" aria-label={m.filterList(name)}>
