@@ -153,11 +153,10 @@ std::optional<StringList> DatabaseClient::ordered_rows(Literal table, Literal co
                                                        Failure failure) {
   std::optional<StringList> result;
   console_.writes().commit();
-  const auto read = [&] {
-    result = component_or_throw().get_db_array_ordered(conn, table, column, condition, order);
-  };
-  const std::string text = words({"get_db_array_ordered", table.text(), column.text()});
-  console_.attempt(Kind::component, text, Step::read, read, {}, failure);
+  attempt_read(
+      Kind::component, words({"get_db_array_ordered", table.text(), column.text()}),
+      [&] { result = component_or_throw().get_db_array_ordered(conn, table, column, condition, order); },
+      failure);
   return result;
 }
 
@@ -235,8 +234,9 @@ Connection& DatabaseClient::connection_or_throw() const {
   return *conn;
 }
 
-Outcome DatabaseClient::attempt_read(Kind kind, std::string_view text, const std::function<void()>& action) {
-  return console_.attempt(kind, text, Step::read, action);
+Outcome DatabaseClient::attempt_read(Kind kind, std::string_view text, const std::function<void()>& action,
+                                     Failure failure) {
+  return console_.attempt(kind, text, Step::read, action, {}, failure);
 }
 
 Outcome DatabaseClient::attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,

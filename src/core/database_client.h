@@ -158,7 +158,8 @@ class DatabaseClient : public Steps {
   bool store_number(std::string_view key, std::string_view text, const NumberType& type);
   Database& component_or_throw() const;
   Connection& connection_or_throw() const;
-  Outcome attempt_read(Kind kind, std::string_view text, const std::function<void()>& action);
+  Outcome attempt_read(Kind kind, std::string_view text, const std::function<void()>& action,
+                       Failure failure = Failure::unexpected);
   Outcome attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,
                         std::string_view public_text = {}, Failure failure = Failure::unexpected);
 

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "core/contracts/console_folder.h"
 #include "core/contracts/database.h"
 #include "core/text/error.h"
 #include "core/text/files.h"
@@ -32,8 +33,10 @@ class LayOut {
     }
     // Whoever only shares the folder leaves its permissions to its owner.
     if (is_our_folder(console_.folder())) secure_folder(console_.folder());
-    for (const char* name : {"lists", "download", "archive", "scripts"})
-      make_folder(console_.folder() / name);
+    for (const auto part : {console_folder::lists, console_folder::downloads, console_folder::archive,
+                            console_folder::scripts}) {
+      make_folder(part(console_.folder()));
+    }
     make_ini();
     if (update_product_version(console_)) note_value(settings_.product_version_path(), version);
     make_value(settings_.product_version_path(), version);

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "core/console.h"
+#include "core/contracts/console_folder.h"
 #include "core/text/error.h"
 #include "core/text/utf8.h"
 
@@ -44,7 +45,7 @@ constexpr std::size_t title_limit = 256;
 }  // namespace
 
 ConsoleScriptHost::ConsoleScriptHost(Console& console)
-    : console_(console), files_(console.folder() / "scripts"), lookups_(console) {}
+    : console_(console), files_(console_folder::scripts(console.folder())), lookups_(console) {}
 
 void ConsoleScriptHost::begin_operation() {
   boxes_ = 0;

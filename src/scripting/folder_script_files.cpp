@@ -1,6 +1,5 @@
 #include "scripting/folder_script_files.h"
 
-#include <algorithm>
 #include <system_error>
 
 #include "core/text/error.h"
@@ -24,8 +23,7 @@ std::filesystem::path FolderScriptFiles::place_of(const std::string& path) const
   if (failed) return {};
   const std::filesystem::path place = std::filesystem::weakly_canonical(root / to_file_path(path), failed);
   if (failed) return {};
-  const auto [end, rest] = std::mismatch(root.begin(), root.end(), place.begin(), place.end());
-  return end == root.end() ? place : std::filesystem::path();
+  return is_within(place, root) ? place : std::filesystem::path();
 }
 
 bool FolderScriptFiles::file_exists(const std::string& path) {

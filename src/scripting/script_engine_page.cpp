@@ -1,5 +1,6 @@
 #include "scripting/script_engine_page.h"
 
+#include "core/contracts/console_folder.h"
 #include "core/text/error.h"
 #include "core/text/paths.h"
 #include "core/text/text.h"
@@ -186,8 +187,8 @@ void ScriptEnginePage::save() {
 
 // A text that belongs to no script yet is kept too, in a file without a name.
 void ScriptEnginePage::write_copy() {
-  write_text_file(console(), to_product_path(console().folder()) + "\\scripts", current_script_ + ".vbs",
-                  scriptsource.text());
+  write_text_file(console(), to_product_path(console_folder::scripts(console().folder())),
+                  current_script_ + ".vbs", scriptsource.text());
 }
 
 bool ScriptEnginePage::store() {

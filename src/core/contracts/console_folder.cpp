@@ -3,17 +3,11 @@
 #include <algorithm>
 #include <system_error>
 
+#include "core/text/paths.h"
+
 namespace zrl::console_folder {
 
-namespace {
-
 namespace fs = std::filesystem;
-
-bool is_within(const fs::path& path, const fs::path& folder) {
-  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
-}
-
-}  // namespace
 
 fs::path lists(const fs::path& folder) {
   return folder / "lists";

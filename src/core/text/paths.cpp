@@ -16,4 +16,8 @@ std::string to_product_path(const std::filesystem::path& path) {
   return result;
 }
 
+bool is_within(const std::filesystem::path& path, const std::filesystem::path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
+}
+
 }  // namespace zrl

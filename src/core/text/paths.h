@@ -14,4 +14,7 @@ std::filesystem::path to_file_path(std::string_view product_path);
 // The inverse: "/" becomes "\".
 std::string to_product_path(const std::filesystem::path& path);
 
+// Whether `path` is `folder` or below it, by their parts alone: both must have been resolved before.
+bool is_within(const std::filesystem::path& path, const std::filesystem::path& folder);
+
 }  // namespace zrl

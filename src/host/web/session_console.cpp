@@ -28,25 +28,6 @@ std::string language_setting(Console& console) {
   return lower(trim(console.settings().regread(console.settings().language_path())));
 }
 
-// All acts but those that may destroy something.
-void act_on(ShownForm& shown, Control& control, const BrowserMessage& message) {
-  switch (message.act) {
-    case Act::type:
-      shown.changes.typed(control, message.text);
-      control.user_type(message.text);
-      break;
-    case Act::choose:
-      control.user_choose(message.number);
-      break;
-    case Act::scroll:
-      control.user_scroll(message.number);
-      break;
-    case Act::click:
-    case Act::remove:
-      break;
-  }
-}
-
 }  // namespace
 
 SessionConsole::SessionConsole(const ConsoleSettings& settings, std::string account, Inbox& inbox,
@@ -312,15 +293,7 @@ void SessionConsole::handle_event(const BrowserMessage& message) {
   }
   const std::uint64_t connection = reporter_.connection();
   try {
-    run_action([&] {
-      if (message.act == Act::remove) {
-        remove_chosen(shown, *control, message);
-      } else if (message.act == Act::click) {
-        click(shown, *control);
-      } else {
-        act_on(*shown, *control, message);
-      }
-    });
+    run_action([&] { act_on(shown, *control, message); });
   } catch (const Refused& refused) {
     refuse("refused", refused.what());
     return;
@@ -348,9 +321,31 @@ void SessionConsole::renew_console(std::string_view page) {
   reporter_.send(hello_message(*console_, account_, settings_.pages, page));
 }
 
-void SessionConsole::click(const std::shared_ptr<ShownForm>& shown, Control& control) {
+void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& control,
+                            const BrowserMessage& message) {
+  switch (message.act) {
+    case Act::click:
+      click(*shown, control);
+      break;
+    case Act::type:
+      shown->changes.typed(control, message.text);
+      control.user_type(message.text);
+      break;
+    case Act::choose:
+      control.user_choose(message.number);
+      break;
+    case Act::scroll:
+      control.user_scroll(message.number);
+      break;
+    case Act::remove:
+      remove_chosen(shown, control, message);
+      break;
+  }
+}
+
+void SessionConsole::click(const ShownForm& shown, Control& control) {
   if (control.kind() == ControlKind::button && control.usable()) {
-    if (!agreed(*shown, question_before_click(*console_, static_cast<Button&>(control)))) return;
+    if (!agreed(shown, question_before_click(*console_, static_cast<Button&>(control)))) return;
   }
   control.user_click();
 }

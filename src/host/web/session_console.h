@@ -72,8 +72,9 @@ class SessionConsole : public Host, private TurnHandler {
   void accept(BrowserMessage message);
   void use_terminal(const BrowserMessage& message);
   void handle_event(const BrowserMessage& message);
+  void act_on(const std::shared_ptr<ShownForm>& shown, Control& control, const BrowserMessage& message);
   // Asks first if the click destroys something.
-  void click(const std::shared_ptr<ShownForm>& shown, Control& control);
+  void click(const ShownForm& shown, Control& control);
   // True if the person agrees, or if there is nothing to ask. False also if the form is gone by then.
   bool agreed(const ShownForm& shown, const std::optional<MessageBox>& question);
   bool is_still_shown(const ShownForm& shown);

@@ -4,6 +4,7 @@
 #include <random>
 #include <utility>
 
+#include "core/contracts/console_folder.h"
 #include "core/html_text.h"
 #include "core/text/encoded_words.h"
 #include "core/text/paths.h"
@@ -248,7 +249,7 @@ void MonitorPage::export_mail(RecordSet& record) {
     constexpr unsigned least = 100'000;
     return std::to_string(least + std::random_device{}() % least) + "." + console().time_stamp() + ".eml";
   };
-  const std::string folder = to_product_path(console().folder()) + "\\archive\\";
+  const std::string folder = to_product_path(console_folder::archive(console().folder())) + "\\";
   const std::string name = write_new_file(console(), folder, next_name, source);
   if (name.empty()) return;
   const std::string path = folder + name;
