@@ -206,21 +206,21 @@ TEST_F(ControlsTest, PathListsLeaveOutTheConsolesOwnFiles) {
   std::filesystem::create_symlink("../registry.db", own / "lists" / "b.txt");
   std::filesystem::create_symlink("a.txt", own / "lists" / "c.txt");
   Console installed(own, host);
-  PathListForm form(installed);
+  PathListForm lists(installed);
   const auto items = [](const PathList& list) {
     std::string joined;
     for (std::size_t i = 0; i < list.items().size(); ++i) joined.append(list.items()[i]).append(" ");
     return joined;
   };
-  for (PathList* list : {static_cast<PathList*>(&form.Dir1), static_cast<PathList*>(&form.File1)}) {
+  for (PathList* list : {static_cast<PathList*>(&lists.Dir1), static_cast<PathList*>(&lists.File1)}) {
     list->set_path(to_product_path(own));
   }
-  EXPECT_EQ(items(form.Dir1), ".. lists ");
-  EXPECT_EQ(items(form.File1), "");
-  form.File1.set_path(to_product_path(own / "lists"));
-  EXPECT_EQ(items(form.File1), "a.txt c.txt ");
-  form.Dir1.set_path(to_product_path(folder.path()));
-  EXPECT_EQ(items(form.Dir1), ".. console ");
+  EXPECT_EQ(items(lists.Dir1), ".. lists ");
+  EXPECT_EQ(items(lists.File1), "");
+  lists.File1.set_path(to_product_path(own / "lists"));
+  EXPECT_EQ(items(lists.File1), "a.txt c.txt ");
+  lists.Dir1.set_path(to_product_path(folder.path()));
+  EXPECT_EQ(items(lists.Dir1), ".. console ");
 }
 
 // Paths are built on the console's folder and resolved later, when the working folder may be part of them

@@ -69,10 +69,10 @@ TEST_F(CommandTest, PagesAreListed) {
   EXPECT_EQ(run({"pages"}), 0);
   EXPECT_THAT(out, HasSubstr("general\tSettings\tGeneral\n"));
   EXPECT_EQ(run({"pages", "--json"}), 0);
-  const boost::json::value pages = boost::json::parse(out);
-  EXPECT_EQ(pages.at(0).at("name").as_string(), "general");
-  EXPECT_EQ(pages.at(0).at("destroys"), boost::json::array());
-  EXPECT_EQ(pages.at(3).at("destroys"), boost::json::array{"deletea"});
+  const boost::json::value listed = boost::json::parse(out);
+  EXPECT_EQ(listed.at(0).at("name").as_string(), "general");
+  EXPECT_EQ(listed.at(0).at("destroys"), boost::json::array());
+  EXPECT_EQ(listed.at(3).at("destroys"), boost::json::array{"deletea"});
   EXPECT_FALSE(std::filesystem::exists(folder.path() / "console"));  // looking makes nothing
 }
 
