@@ -9,6 +9,7 @@
 #include <lua.hpp>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <sys/resource.h>
 
@@ -106,28 +107,54 @@ End Function)");
   std::printf("%-12s %8.2f us (goal 2)\n", "call", time / calls * 1e6);
 }
 
-void measure_loading() {
-  std::vector<std::string> texts;
-  for (int i = 0; i < 100; ++i) {
-    const std::string n = std::to_string(i);
-    std::string text = "Function script" + n + "(data)\n  Dim parts, i, total\n  total = 0\n";
-    for (int line = 0; line < 24; ++line) {
-      text += "  If InStr(1, LCase(data), \"word" + std::to_string(line) +
-              "\") > 0 Then\n    total = total + " + std::to_string(line) +
-              "\n    parts = parts & \",\" & total\n  End If\n";
-    }
-    texts.push_back(text + "  script" + n + " = total\nEnd Function\n");
+// The same function in both languages: a hundred lines, as scripts of rules have them.
+struct RuleTexts {
+  std::string ours;
+  std::string lua;
+};
+
+RuleTexts rule_texts(const std::string& number) {
+  RuleTexts texts{"Function script" + number + "(data)\n  Dim parts, i, total\n  total = 0\n",
+                  "function script" + number + "(data)\n  local parts, i, total\n  total = 0\n"};
+  for (int i = 0; i < 24; ++i) {
+    const std::string word = std::to_string(i);
+    texts.ours += "  If InStr(1, LCase(data), \"word" + word + "\") > 0 Then\n    total = total + " + word +
+                  "\n    parts = parts & \",\" & total\n  End If\n";
+    texts.lua += "  if string.find(string.lower(data), \"word" + word +
+                 "\", 1, true) then\n    total = total + " + word +
+                 "\n    parts = parts .. \",\" .. total\n  end\n";
   }
+  texts.ours += "  script" + number + " = total\nEnd Function\n";
+  texts.lua += "  return total\nend\n";
+  return texts;
+}
+
+void load_lua(const std::vector<RuleTexts>& texts) {
+  lua_State* lua = luaL_newstate();
+  luaL_openlibs(lua);
+  for (const RuleTexts& text : texts) {
+    if (luaL_dostring(lua, text.lua.c_str()) != LUA_OK) throw std::runtime_error(lua_tostring(lua, -1));
+  }
+  lua_close(lua);
+}
+
+// The goal is above that of running: Lua compiles bytes in one pass, without a tree.
+void measure_loading() {
+  std::vector<RuleTexts> texts;
+  for (int i = 0; i < 100; ++i) texts.push_back(rule_texts(std::to_string(i)));
   BenchHost host;
   Engine engine(host);
-  double best = 1e9;
-  for (int round = 0; round < 10; ++round) {
+  double ours = 1e9;
+  double theirs = 1e9;
+  for (int round = 0; round < 20; ++round) {
     engine.reset();
-    best = std::min(best, seconds([&] {
-                      for (const std::string& text : texts) engine.add_code("t", text);
+    ours = std::min(ours, seconds([&] {
+                      for (const RuleTexts& text : texts) engine.add_code("t", text.ours);
                     }));
+    theirs = std::min(theirs, seconds([&] { load_lua(texts); }));
   }
-  std::printf("%-12s %8.2f ms for 100 scripts of 100 lines (goal 5)\n", "loading", best * 1e3);
+  std::printf("%-12s %8.2f ms   Lua %8.2f ms   ratio %.2f (goal 3.0): 100 scripts of 100 lines\n", "loading",
+              ours * 1e3, theirs * 1e3, ours / theirs);
 }
 
 std::size_t peak_bytes() {

@@ -59,7 +59,10 @@ std::string ScriptRunner::Problem::description() const {
 }
 
 ScriptRunner::ScriptRunner(Console& console, const vbs::Limits& limits)
-    : DatabaseClient(console), host_(console), script_host_(host_, limits, true) {
+    : DatabaseClient(console),
+      host_(console),
+      script_host_(host_, limits, true),
+      log_file_(console.folder() / "Scripts.log") {
   logger_ = component<Logger>();
 }
 
@@ -153,7 +156,7 @@ void ScriptRunner::log(std::string_view name, std::int32_t value) {
   line.append(name).append(".").append(current_position_).append(" = ").append(std::to_string(value));
   last_log_result_ = component_step("proto " + line, [&] {
     if (!logger_) throw Error(error_number::object_not_set, "no logging component");
-    if (!logger_->proto(line, console_.folder() / "Scripts.log")) {
+    if (!logger_->proto(line, log_file_)) {
       throw Error(error_number::invalid_call, std::string(logger_->problem()));
     }
   });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -86,6 +87,7 @@ class ScriptRunner final : private DatabaseClient {
   std::string current_position_;
   std::vector<Problem> problems_;
   bool loaded_ = false;
+  std::filesystem::path log_file_;
   bool last_log_result_ = false;
   bool in_use_ = false;
 };

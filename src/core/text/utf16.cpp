@@ -1,5 +1,6 @@
 #include "core/text/utf16.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "core/text/utf8.h"
@@ -10,11 +11,11 @@ std::u16string to_utf16(std::string_view utf8) {
   std::u16string result;
   result.reserve(utf8.size());
   while (!utf8.empty()) {
-    if (static_cast<unsigned char>(utf8[0]) < 0x80) {
-      result += static_cast<char16_t>(utf8[0]);
-      utf8.remove_prefix(1);
-      continue;
-    }
+    const auto ascii_end =
+        std::find_if(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+    result.append(utf8.begin(), ascii_end);
+    utf8.remove_prefix(static_cast<std::size_t>(ascii_end - utf8.begin()));
+    if (utf8.empty()) break;
     const char32_t character = take_character(utf8);
     if (character < 0x10000) {
       result += static_cast<char16_t>(character);
