@@ -38,6 +38,18 @@ Ref<Array> copy_of(const Array& original) {
   return copy;
 }
 
+Value storable(Value array) {
+  if (!array.array()->fixed && array.array()->locks == 0) return array;
+  Value own(copy_of(*array.array()));
+  own.array()->fixed = false;
+  if (array.array()->locks == 0) return own;
+  for (std::size_t i = 0; i < own.array()->count; ++i) {
+    Value& element = own.array()->elements[i];
+    if (element.is(Type::array) && element.array()->locks > 0) element = storable(element);
+  }
+  return own;
+}
+
 namespace {
 
 // Moves the elements that both have; all dimensions but the last are alike.

@@ -17,6 +17,10 @@ Ref<Array> make_array(Heap& heap, std::span<const std::int64_t> upper_bounds);
 Ref<Array> make_list(Heap& heap, std::size_t count);
 
 Ref<Array> copy_of(const Array& array);
+// What a variable or an element may hold of an array: the same, shared. Of a fixed array it is a copy without
+// fixed bounds. An array to whose elements something refers is copied too, and so are such arrays in it: what
+// is written by the reference must not reach the copy, nor make arrays that hold each other.
+Value storable(Value array);
 // The array of a variable, its own after this call: shared elements are copied.
 Array& writable(Value& variable);
 

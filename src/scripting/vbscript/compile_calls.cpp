@@ -13,6 +13,14 @@ bool ProcedureCompiler::indexes_variable(const Expr& expr) const {
          known.kind == Meaning::Kind::global || known.kind == Meaning::Kind::field;
 }
 
+// How many indexes lead from a variable to the element: 2 for v(i)(j), 0 if it is no element of a variable.
+std::size_t ProcedureCompiler::element_depth(const Expr& expr) const {
+  if (indexes_variable(expr)) return 1;
+  if (expr.kind != ExprKind::call || expr.left()->kind != ExprKind::call) return 0;
+  const std::size_t outer = element_depth(*expr.left());
+  return outer == 0 ? 0 : outer + 1;
+}
+
 // The name of the procedure itself is its result, but with arguments it is a call.
 bool ProcedureCompiler::is_own_name(const Meaning& known, SymbolId symbol) const {
   if (proc_.executed) {
@@ -31,7 +39,7 @@ bool ProcedureCompiler::is_own_result(const Expr& callee) const {
 std::size_t ProcedureCompiler::locks_of(std::span<Expr*> list) const {
   std::size_t count = 0;
   for (const Expr* argument : list) {
-    if (!argument->parenthesised && indexes_variable(*argument)) ++count;
+    if (!argument->parenthesised) count += element_depth(*argument);
   }
   return count;
 }
@@ -143,7 +151,7 @@ void ProcedureCompiler::argument(const Expr& expr, bool by_reference) {
   bool done = false;
   if (expr.kind == ExprKind::name && (!by_reference || !expr.parenthesised)) {
     done = reference_into(expr, target);
-  } else if (by_reference && !expr.parenthesised && indexes_variable(expr)) {
+  } else if (by_reference && !expr.parenthesised && element_depth(expr) > 0) {
     refer_index(expr, target);
     done = true;
   }
@@ -175,24 +183,29 @@ bool ProcedureCompiler::reference_into(const Expr& expr, Register target) {
   }
 }
 
-// A reference to what variable(indexes) is, or its value where that is no array's element.
+// A reference to what variable(indexes) is, or its value where that is no array's element. The arrays on the
+// way are locked, each by a register below the window, because the indexes stand directly behind the array.
 void ProcedureCompiler::refer_index(const Expr& expr, Register target) {
-  Register lock = 0;
+  const std::size_t depth = element_depth(expr);
   if (locks_.empty()) {
-    lock = code_.temp();
-  } else {
-    lock = locks_.back();
-    locks_.pop_back();
+    for (std::size_t i = 0; i < depth; ++i) locks_.push_back(code_.temp());
   }
-  const std::size_t outer_locks = locks_.size();
+  const Register lock = locks_.back();
+  locks_.pop_back();
+  const std::size_t others = locks_.size() - (depth - 1);
   const std::size_t inner = locks_of(expr.arguments());
   for (std::size_t i = 0; i < inner; ++i) locks_.push_back(code_.temp());
   const Register window = inner == 0 && target + std::size_t{1} == code_.top() ? target : code_.temp();
-  reference_into(*expr.left(), window);
+  if (depth > 1) {
+    refer_index(*expr.left(), window);
+    code_.release_to(window + std::size_t{1});
+  } else {
+    reference_into(*expr.left(), window);
+  }
   arguments(expr.arguments(), true);
   subject_of_index(*expr.left(), expr.arguments().size() == 1 ? expr.arguments()[0] : nullptr);
   code_.emit(Op::refer_index, window, static_cast<std::uint32_t>(expr.arguments().size()), lock);
-  locks_.resize(outer_locks);
+  locks_.resize(others);
   code_.holds(lock);
   code_.holds(window);
   if (window != target) {

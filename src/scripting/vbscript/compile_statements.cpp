@@ -301,7 +301,7 @@ void ProcedureCompiler::assign_call(const Expr& target, const Expr& value, bool 
   const Register window = code_.temp(count + 2);
   const std::size_t after = code_.top();
   if (of_variable || callee.kind != ExprKind::name) {
-    if (callee.kind == ExprKind::call && indexes_variable(callee)) {
+    if (element_depth(callee) > 0) {
       // An array in an array is changed in place.
       refer_index(callee, window);
     } else if (!reference_into(callee, window)) {
@@ -461,7 +461,7 @@ void ProcedureCompiler::erase(const Stmt& stmt) {
   for (const Expr* array : stmt.arguments) {
     const std::size_t top = code_.top();
     const Register target = code_.temp();
-    if (indexes_variable(*array)) {
+    if (element_depth(*array) > 0) {
       refer_index(*array, target);
     } else if (!reference_into(*array, target)) {
       into(*array, target);

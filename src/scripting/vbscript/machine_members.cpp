@@ -323,6 +323,8 @@ void Machine::put_index(Value* window, std::size_t count, bool set) {
   if (callee.is(Type::array)) {
     Value scalar = value.get();
     if (!set && scalar.is(Type::object)) scalar = default_value(scalar);
+    // Before the array is made writable: if it shares elements with the value, it is copied.
+    if (scalar.is(Type::array)) scalar = storable(std::move(scalar));
     Value& found = element(callee, window + 1, count);
     const std::size_t place = static_cast<std::size_t>(&found - callee.array()->elements);
     put_element(writable(callee).elements[place], scalar, set);

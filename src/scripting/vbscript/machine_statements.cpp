@@ -7,27 +7,15 @@
 
 namespace zrl::vbs {
 
-namespace {
-
-// A copy of a fixed array may be redimensioned. While something refers to elements, copies are not shared.
-Value unfixed(Value array) {
-  if (!array.array()->fixed && array.array()->locks == 0) return array;
-  Value own(copy_of(*array.array()));
-  own.array()->fixed = false;
-  return own;
-}
-
-}  // namespace
-
 // variable = value
 void Machine::let(Value& variable, const Value& value) {
   const Value& actual = value.get();
   if (actual.is(Type::object)) {
     Value scalar = default_value(actual);
-    if (scalar.is(Type::array)) scalar = unfixed(std::move(scalar));
+    if (scalar.is(Type::array)) scalar = storable(std::move(scalar));
     variable.get() = std::move(scalar);
   } else if (actual.is(Type::array)) {
-    variable.get() = unfixed(actual);
+    variable.get() = storable(actual);
   } else {
     Value copy = actual;
     variable.get() = std::move(copy);

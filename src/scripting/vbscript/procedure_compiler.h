@@ -102,6 +102,7 @@ class ProcedureCompiler {
   std::size_t locks_of(std::span<Expr*> list) const;
   bool is_own_name(const Meaning& known, SymbolId symbol) const;
   bool indexes_variable(const Expr& expr) const;
+  std::size_t element_depth(const Expr& expr) const;
   bool is_own_result(const Expr& callee) const;
   bool index_into(const Expr& expr, Register target);
   void arguments(std::span<Expr*> list, bool by_reference);

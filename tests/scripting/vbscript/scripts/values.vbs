@@ -34,3 +34,37 @@ first = Timer
 For i = 1 To 200000 : last = Timer : If last < first And first - last < 80000 Then back = back + 1
 first = last : Next
 WScript.Echo "back", CLng(back)           '=> back 0
+
+' An array that is stored in one of its own elements is a copy of what it was.
+Dim outer(1), inner(1), deep
+inner(0) = "inner"
+outer(0) = inner
+outer(1) = "outer"
+outer(0)(0) = outer
+WScript.Echo outer(0)(0)(0)(0), outer(0)(0)(1), TypeName(outer(0)(1))  '=> inner outer Empty
+deep = Array(Array(Array(1)))
+deep(0)(0)(0) = deep
+WScript.Echo deep(0)(0)(0)(0)(0)(0)  '=> 1
+
+' What is written by a reference to an element does not reach the copies taken meanwhile.
+Dim taken
+Sub take_and_write(ByRef element)
+  taken = deep
+  element = 2
+End Sub
+deep = Array(Array(1))
+take_and_write deep(0)(0)
+WScript.Echo deep(0)(0), taken(0)(0)  '=> 2 1
+WScript.Echo TypeName(taken(0)), UBound(taken(0))  '=> Variant() 0
+
+' At any depth, an element of an array in an array is itself, for assignments, ByRef parameters and Erase.
+Dim cube : cube = Array(Array(Array(1, 2), 3), 4)
+cube(0)(0)(1) = 5
+take_and_write cube(0)(0)(0)
+WScript.Echo cube(0)(0)(0), cube(0)(0)(1), cube(0)(1)  '=> 2 5 3
+Dim places : places = Array(Array(0, 1), 0)
+cube(places(0)(0))(places(1))(places(0)(1)) = places(0)
+take_and_write cube(places(0)(0))(places(1))(places(0)(1))(places(0)(0))
+WScript.Echo cube(0)(0)(1)(0), places(0)(0)  '=> 2 0
+Erase cube(0)(0)
+WScript.Echo TypeName(cube(0)(0)), cube(0)(1)  '=> Variant() 3
