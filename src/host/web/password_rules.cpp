@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/text/text.h"
@@ -48,6 +50,12 @@ constexpr std::string_view common_words[] = {
     "tigger",      "trustno",   "tweety",     "unknown",       "user",       "username",   "victoria",
     "vincent",     "welcome",   "whatever",   "william",       "willkommen", "windows",    "winner",
     "winter",      "yamaha",    "yankees",    "yellow",        "you",        "zaq"};
+
+// The long ones among the 10,000 commonest passwords that are not made of the pieces here.
+constexpr std::string_view common_passwords[] = {
+    "flvbybcnhfnjh",   "ghhh47hj7649",     "ghjcnjgfhjkm", "leavemealone",
+    "mailcreated5240", "polniypizdec0211", "sonyericsson", "sojdlg123aljg",
+};
 
 // Keys and letters in the order in which they are run through, in both directions.
 constexpr std::string_view runs[] = {"01234567890",
@@ -161,6 +169,7 @@ std::string_view password_fault(std::string_view password, std::string_view acco
   }
   const std::vector<std::string> names = names_of(account);
   const std::string text = lower(password);
+  if (std::ranges::find(common_passwords, text) != std::end(common_passwords)) return "common_password";
   const int cost = cost_of(text, {names.begin(), names.end()});
   // A word or phrase of the same few characters over and over is no better.
   const std::string doubled = text + text;

@@ -140,11 +140,15 @@ TEST(PasswordRules, CommonAndShortOnesAreRefused) {
   }
   EXPECT_EQ(web::password_fault(std::string(1025, 'a'), "admin"), "weak_password");
   for (const char* common :
-       {"123456789012", "password1234",  "Password2024!", "P4ssw0rd2024",  "passwordpassword",
-        "qwertyuiop12", "1q2w3e4r5t6y",  "1qaz2wsx3edc",  "administrator", "Administrator1",
-        "aaaaaaaaaaaa", "abcabcabcabc",  "letmein123456", "iloveyou1234",  "welcome12345",
-        "jmueller2024", "relleum-reteP", "PeterMueller1", "qwertzuiop123", "abcdefghijkl",
-        "987654321098", "sunshine1234!", "changeme1234",  "zxcvbnm12345"}) {
+       {"123456789012", "password1234", "Password2024!", "P4ssw0rd2024", "passwordpassword", "qwertyuiop12",
+        "1q2w3e4r5t6y", "1qaz2wsx3edc", "administrator", "Administrator1", "aaaaaaaaaaaa", "abcabcabcabc",
+        "letmein123456", "iloveyou1234", "welcome12345", "jmueller2024", "relleum-reteP", "PeterMueller1",
+        "qwertzuiop123", "abcdefghijkl", "987654321098", "sunshine1234!", "changeme1234", "zxcvbnm12345",
+        // The rest of those among the 10,000 commonest that are long enough.
+        "123qweasdzxc", "mailcreated5240", "qazwsxedcrfv", "123456qwerty", "qwerty123456", "polniypizdec0211",
+        "sojdlg123aljg", "LeaveMeAlone", "motherfucker", "123456654321", "gfhjkmgfhjkm", "qazwsxedc123",
+        "ghjcnjgfhjkm", "zxcasdqwe123", "sonyericsson", "ghhh47hj7649", "123456789qwe", "1qazxsw23edc",
+        "masterbating", "qwerasdfzxcv", "qweasdzxc123", "flvbybcnhfnjh"}) {
     EXPECT_EQ(web::password_fault(common, "peter.mueller"), "common_password") << common;
   }
   EXPECT_EQ(web::password_fault("jmueller2024", "jmueller"), "common_password");
