@@ -71,15 +71,19 @@ void BlockListPage::test() {
       is_address ? text : "mail from: adsf@" + text;
   auto listing = BlockLists::Listing::none;
   std::string zone;
+  bool refused = false;
   bool asked = false;
   const Outcome answered = ask(block_lists_, "look up " + text, [&](BlockLists& block_lists) {
-    if (!block_lists.initmodule(context)) {
+    refused = !block_lists.initmodule(context);
+    if (refused) {
       throw Error(error_number::invalid_call, "neither an IP number nor a domain");
     }
     asked = true;
     block_lists.Value(is_address ? BlockLists::connect : BlockLists::envelope, listing, zone);
   });
-  if (asked && !answered) {
+  if (refused) {
+    Label3.set_caption(text + translate(" is neither an IP number nor a domain"));
+  } else if (asked && !answered) {
     Label3.set_caption(text + translate(" could not be looked up: no RBL/RWL Server answered"));
   } else {
     Label3.set_caption(text + verdict(listing, zone));
