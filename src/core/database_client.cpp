@@ -62,7 +62,9 @@ Outcome DatabaseClient::write_row(std::string_view text, const std::function<voi
 
 Outcome DatabaseClient::delete_row(std::string_view text, const Statement& select) {
   return attempt_write(Kind::sql, text, [&] {
-    connection_or_throw().open(select, Connection::Access::updatable)->delete_current();
+    const auto rows = connection_or_throw().open(select, Connection::Access::updatable);
+    if (rows->at_end()) throw Error(error_number::subscript_out_of_range, "it was deleted meanwhile");
+    rows->delete_current();
   });
 }
 

@@ -128,6 +128,10 @@ TEST(DeviceCookies, ProveAnAccountOfThisHostForATime) {
                                    cookie.substr(0, cookie.size() - 1), cookie.substr(33), cookie + "0"}) {
     EXPECT_EQ(devices.device_of(wrong, "admin", now), "") << wrong;
   }
+  // A cookie of the account "12.admin", whose first part is moved into the signed text.
+  std::string moved = devices.issue("12.admin", {}, now);
+  moved.insert(moved.rfind('.'), ".12");
+  EXPECT_EQ(devices.device_of(moved, "admin", now), "");
   const web::DeviceCookies others(folder.path() / "another.key");
   EXPECT_EQ(others.device_of(cookie, "admin", now), "");
   std::ofstream(folder.path() / "device.key") << "short";

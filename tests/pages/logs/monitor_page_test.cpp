@@ -180,7 +180,12 @@ TEST_F(MonitorPageTest, AMailThatSomebodyElseDeletedIsNotShown) {
   execute("DELETE FROM marchive where mid='<a@x>'");
   page.HScroll1.user_scroll(1);
   EXPECT_EQ(page.mid.text(), "");
+  page.HScroll1.user_scroll(0);
+  EXPECT_EQ(page.mid.text(), "<b@x>");
   execute("DELETE FROM marchive");
+  page.Command5.user_click();
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].text, "it was deleted meanwhile");
   page.Timer1.user_tick();
   EXPECT_EQ(page.mid.text(), "");
   EXPECT_EQ(page.HScroll1.max(), 0);
