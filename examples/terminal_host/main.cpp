@@ -25,6 +25,9 @@ class TerminalHost : public zrl::Host {
   void wait(std::chrono::milliseconds time) override { std::this_thread::sleep_for(time); }
   void start_program(const zrl::ProgramStart& program) override { tell(program.command_line()); }
   void offer_file(const std::filesystem::path& path) override { tell(path.string()); }
+  void open_page(std::string_view page, std::string_view query) override {
+    tell("the page " + std::string(page) + " with \"" + std::string(query) + "\"");
+  }
   void show_progress(const zrl::Progress&) override {}
 
  private:

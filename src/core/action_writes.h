@@ -97,6 +97,7 @@ class CommittingHost final : public Host {
   void wait(std::chrono::milliseconds time) override;
   void start_program(const ProgramStart& program) override;
   void offer_file(const std::filesystem::path& path) override;
+  void open_page(std::string_view page, std::string_view query) override { host_.open_page(page, query); }
   void show_progress(const Progress& progress) override;
 
  private:

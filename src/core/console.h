@@ -114,6 +114,9 @@ class Console final : public ConsoleServices {
   // out.
   void wrote_to(const ConnectionHandle& conn);
 
+  // The user is to see another page, see Host::open_page().
+  void open(std::string_view page, std::string_view query = {}) { host().open_page(page, query); }
+
   // Opens the dialog, shows it, and keeps it alive until it is closed. Whether this returns at once or when
   // the dialog has been closed is up to the host, see Host::allows_modeless().
   void show(const std::shared_ptr<Form>& dialog);

@@ -10,13 +10,13 @@ namespace {
 
 using enum Property;
 
-constexpr std::array<std::string_view, 13> kind_names = {
-    "Frame",    "Label", "TextField", "CheckBox",  "OptionButton", "Button",  "ListBox",
-    "ComboBox", "Timer", "ScrollBar", "DriveList", "FolderList",   "FileList"};
+constexpr std::array<std::string_view, 15> kind_names = {
+    "Frame", "Label",     "TextField", "CheckBox",   "OptionButton", "Button", "ListBox", "ComboBox",
+    "Timer", "ScrollBar", "DriveList", "FolderList", "FileList",     "Table",  "Link"};
 
 constexpr std::array<std::string_view, property_count> property_names = {
-    "caption", "toolTip", "text",    "value",   "items", "index", "interval",
-    "min",     "max",     "enabled", "visible", "marks", "tone"};
+    "caption", "toolTip", "text",  "value", "items", "index", "interval", "min",    "max",   "enabled",
+    "visible", "page",    "query", "marks", "tone",  "rows",  "sort",     "filter", "chosen"};
 
 constexpr std::array captioned = {caption, tool_tip, enabled, visible};
 constexpr std::array text_field = {text, tool_tip, enabled, visible};
@@ -25,6 +25,7 @@ constexpr std::array list_box = {items, index, tool_tip, enabled, visible};
 constexpr std::array list_with_text = {text, items, index, tool_tip, enabled, visible};
 constexpr std::array timer = {interval, enabled};
 constexpr std::array scroll_bar = {value, min, max, tool_tip, enabled, visible};
+constexpr std::array link = {caption, page, query, tool_tip, enabled, visible};
 
 }  // namespace
 
@@ -41,6 +42,7 @@ std::span<const Property> properties_of(ControlKind kind) {
     case ControlKind::frame:
     case ControlKind::label:
     case ControlKind::button:
+    case ControlKind::table:
       return captioned;
     case ControlKind::text_field:
       return text_field;
@@ -58,6 +60,8 @@ std::span<const Property> properties_of(ControlKind kind) {
       return timer;
     case ControlKind::scroll_bar:
       return scroll_bar;
+    case ControlKind::link:
+      return link;
   }
   return {};
 }

@@ -15,7 +15,7 @@ namespace zrl {
 class Form;
 class Frame;
 
-// The kinds that hosts draw; each is a class in controls.h.
+// The kinds that hosts draw; each is a class in controls.h or table.h.
 enum class ControlKind : std::uint8_t {
   frame,
   label,
@@ -30,6 +30,8 @@ enum class ControlKind : std::uint8_t {
   drive_list,
   folder_list,
   file_list,
+  table,
+  link,
 };
 
 // "Frame", "TextField" and so on, as hosts print it.
@@ -47,10 +49,16 @@ enum class Property : std::uint8_t {
   max,
   enabled,
   visible,
-  marks,  // this and the next only for revisions: get() does not return them, see TextField::marks()
-  tone,   // and Label::tone()
+  page,
+  query,
+  marks,  // this and the next only for revisions: get() does not return them, see TextField::marks(),
+  tone,   // Label::tone(),
+  rows,   // and Table
+  sort,
+  filter,
+  chosen,
 };
-inline constexpr std::size_t property_count = 13;
+inline constexpr std::size_t property_count = 19;
 
 // "caption", "toolTip" and so on, as hosts print it.
 std::string_view name_of(Property property);

@@ -1,7 +1,9 @@
 #include "core/controls.h"
 
 #include <algorithm>
+#include <array>
 
+#include "core/console.h"
 #include "core/form.h"
 #include "core/text/error.h"
 
@@ -117,6 +119,33 @@ std::optional<std::uint64_t> Button::count_loss() {
 void Button::user_click() {
   require_usable();
   form().run(on_click);
+}
+
+void Link::set_target(std::string_view page, std::string_view query) {
+  if (page_ != page) {
+    page_ = page;
+    changed(Property::page);
+  }
+  if (query_ != query) {
+    query_ = query;
+    changed(Property::query);
+  }
+}
+
+void Link::user_click() {
+  require_usable();
+  if (page_.empty()) refuse("leads nowhere");
+  form().run([this] { form().console().host().open_page(page_, query_); });
+}
+
+PropertyValue Link::own(Property property) const {
+  return std::string_view(property == Property::page ? page_ : query_);
+}
+
+std::string_view name_of(EntryKind kind) {
+  static constexpr std::array<std::string_view, 6> names = {"other",  "address",      "network",
+                                                            "domain", "mail address", "word"};
+  return names[static_cast<std::size_t>(kind)];
 }
 
 ItemsControl::ItemsControl(Form& form, ControlKind kind, std::string_view name, std::string_view tool_tip)

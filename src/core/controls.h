@@ -158,6 +158,28 @@ class OptionButton : public CaptionedControl {
   bool chosen_ = false;
 };
 
+// A text that opens another page, with a query that fills it (Page::open_query()). A query never writes, so
+// links may be kept, shared, and opened beside the page that shows them.
+class Link : public CaptionedControl {
+ public:
+  Link(Form& form, std::string_view name, std::string_view caption, std::string_view tool_tip = {})
+      : CaptionedControl(form, ControlKind::link, name, caption, tool_tip) {}
+
+  const std::string& page() const { return page_; }
+  const std::string& query() const { return query_; }
+  // The name of a page, as in the catalogue. While it is empty the link leads nowhere and is refused.
+  void set_target(std::string_view page, std::string_view query);
+
+  // Asks the host to open the page, see Host::open_page().
+  void user_click() override;
+
+ private:
+  PropertyValue own(Property property) const override;
+
+  std::string page_;
+  std::string query_;
+};
+
 class ItemsControl;
 
 // Nothing disables a button while its event runs, so a second click may come in an event loop that the
@@ -199,6 +221,13 @@ class Button : public CaptionedControl {
   const Loss* loss_ = nullptr;
   LossCount count_;
 };
+
+// What the entries of a list, or the text of a field, are. Hosts offer to look up those that are anything but
+// `other`.
+enum class EntryKind : std::uint8_t { other, address, network, domain, mail_address, word };
+
+// "address", "mail address" and so on, as hosts print it.
+std::string_view name_of(EntryKind kind);
 
 // What the list-like kinds share: items in one arena, and the index of the chosen one. A list may have
 // millions of items.
@@ -247,6 +276,10 @@ class ListBox : public ItemsControl {
   // Makes both buttons need the entry, too. To be called before the form is shown.
   void set_acts(const Acts& acts);
 
+  // To be called before the form is shown.
+  void set_entries_are(EntryKind kind) { entries_ = kind; }
+  EntryKind entries() const { return entries_; }
+
   void clear() { put_items({}); }
   void add_item(std::string_view item) { append(item); }
   // Takes ownership of the list without copying its texts; nothing is chosen then.
@@ -260,6 +293,7 @@ class ListBox : public ItemsControl {
 
  private:
   Acts acts_;
+  EntryKind entries_ = EntryKind::other;
 };
 
 // A drop-down list, with or without an edit field. Its text need not be one of the items.

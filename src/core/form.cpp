@@ -1,6 +1,7 @@
 #include "core/form.h"
 
 #include "core/console.h"
+#include "core/table.h"
 #include "core/text/error.h"
 
 namespace zrl {
@@ -42,6 +43,12 @@ Form::Form(Console& console, std::string_view name, std::string_view caption)
 void Form::set_caption(std::string_view caption) {
   if (caption_ == caption) return;
   caption_ = caption;
+  next_revision();
+}
+
+void Form::set_query(std::string_view query) {
+  if (query_ == query) return;
+  query_ = query;
   next_revision();
 }
 
@@ -90,6 +97,13 @@ void Form::translate_controls() {
     } catch (const Error&) {  // NOLINT(bugprone-empty-catch)
     }
   };
+  for (Control* control : controls()) {
+    if (control->kind() != ControlKind::table) continue;
+    auto& table = static_cast<Table&>(*control);
+    for (std::size_t i = 0; i < table.columns_.size(); ++i) {
+      table.captions_[i] = translate(table.columns_[i].caption);
+    }
+  }
   for (std::size_t i = 0; i <= controls().size(); ++i) {
     translate_property(i, Property::caption);
     translate_property(i, Property::tool_tip);

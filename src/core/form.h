@@ -31,6 +31,11 @@ class Form {
   void set_caption(std::string_view caption);
   Console& console() const { return console_; }
 
+  // The query with which a page would show what it shows, empty if it needs none, see Page::show_query().
+  // Hosts with an address bar keep it there. Changes the form's revision, but none of a control.
+  const std::string& query() const { return query_; }
+  void set_query(std::string_view query);
+
   // In the order of their construction. The form owns none of them through these pointers.
   std::span<Control* const> controls() const { return controls_; }
   // Raises error 9 past the end.
@@ -59,8 +64,8 @@ class Form {
   // To be called once, at the end of the constructor: it also sets the frames that contain the controls.
   void set_layout(LayoutNode layout);
 
-  // Translates the captions and tool tips of all controls into the console's language. Never throws; a text
-  // that cannot be translated stays as it is. Not the form's own caption.
+  // Translates the captions and tool tips of all controls, and those of columns, into the console's language.
+  // Never throws; a text that cannot be translated stays as it is. Not the form's own caption.
   void translate_controls();
   // One text, for captions that are set later; see Localisation::translate().
   std::string translate(std::string_view text);
@@ -73,6 +78,7 @@ class Form {
   Console& console_;
   std::string name_;
   std::string caption_;
+  std::string query_;
   std::vector<Control*> controls_;
   std::optional<LayoutNode> layout_;
   Revision revision_ = 0;

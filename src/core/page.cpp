@@ -16,6 +16,13 @@ void Page::initialise() {
   run([this] { show(); });
 }
 
+void Page::show_query(std::string_view query) {
+  set_query(query);
+  if (!query.empty()) run([this, held = std::string(query)] { open_query(held); });
+}
+
+void Page::open_query(std::string_view) {}
+
 void Page::terminate() {
   run([this] { hide(); });
   drop_database();

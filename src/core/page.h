@@ -26,6 +26,8 @@ class Page : public DatabaseClient, public Form {
 
   // Runs show() as an event. Never throws; the page is shown whatever failed.
   void initialise();
+  // Sets the query and runs open_query() as an event; to be called after initialise().
+  void show_query(std::string_view query);
   // Runs hide(), then drops `database` and `conn`, in that order, then the held components. Nothing is
   // written back.
   void terminate();
@@ -36,6 +38,10 @@ class Page : public DatabaseClient, public Form {
   virtual void show();
   // Makes the held components and fills the controls.
   virtual void load() = 0;
+  // The page was opened by a link, or an address that someone kept: fills its controls from the query and
+  // reads what they ask for. It must not write, whatever the query is; it comes from strangers. Not called
+  // without a query. The default ignores it.
+  virtual void open_query(std::string_view query);
   // What a page drops besides the two handles and its held components.
   virtual void hide() {}
 

@@ -1,5 +1,6 @@
 #include "host/form_json.h"
 
+#include "core/text/text.h"
 #include "core/text/utf8.h"
 
 namespace zrl {
@@ -35,9 +36,65 @@ boost::json::array marks_json(const TextField& field) {
   return marks;
 }
 
-boost::json::object controls_json(const Form& form) {
+boost::json::array columns_json(const Table& table) {
+  boost::json::array columns;
+  for (std::size_t i = 0; i < table.columns().size(); ++i) {
+    const Column& column = table.columns()[i];
+    boost::json::object told{
+        {"name", column.name}, {"caption", text_json(table.caption_of(i))}, {"kind", name_of(column.kind)}};
+    if (column.sorts) told["sorts"] = true;
+    if (column.minor) told["minor"] = true;
+    if (!column.page.empty()) told["page"] = column.page;
+    columns.push_back(std::move(told));
+  }
+  return columns;
+}
+
+boost::json::object row_json(const Table& table, const TableRows& rows, std::size_t row) {
+  boost::json::object told{{"key", text_json(rows.key(row))}};
+  boost::json::object links;
+  for (std::size_t i = 0; i < table.columns().size(); ++i) {
+    const Column& column = table.columns()[i];
+    const std::string_view cell = rows.cell_at(row, i);
+    const auto number = column.kind == ColumnKind::number ? to_number(cell) : std::nullopt;
+    if (number) {
+      told[column.name] = *number;
+    } else {
+      told[column.name] = text_json(cell);
+    }
+    if (const auto link = rows.link_at(row, i)) {
+      links[column.name] = {{"page", text_json(link->page)}, {"query", text_json(link->query)}};
+    }
+  }
+  if (!links.empty()) told["links"] = std::move(links);
+  return told;
+}
+
+namespace {
+
+void add_table(Table& table, const RowWindow& window, boost::json::object& properties) {
+  properties["columns"] = columns_json(table);
+  // Windows first: reading them may find out more about the count.
+  const TableRows rows = table.read(window.first, window.count);
+  const RowCount count = table.count();
+  properties["total"] = count.rows;
+  if (!count.exact) properties["more"] = true;
+  properties["sort"] = table.sort();
+  properties["filter"] = text_json(table.filter());
+  boost::json::array chosen;
+  for (std::size_t i = 0; i < table.chosen().size(); ++i) chosen.push_back(text_json(table.chosen()[i]));
+  properties["chosen"] = std::move(chosen);
+  boost::json::array told;
+  for (std::size_t row = 0; row < rows.size(); ++row) told.push_back(row_json(table, rows, row));
+  properties["rows"] = std::move(told);
+  if (!table.problem().empty()) properties["problem"] = text_json(table.problem());
+}
+
+}  // namespace
+
+boost::json::object controls_json(const Form& form, const RowWindows& windows) {
   boost::json::object controls;
-  for (const Control* control : form.controls()) {
+  for (Control* control : form.controls()) {
     boost::json::object properties;
     properties["kind"] = name_of(control->kind());
     for (const Property property : properties_of(control->kind())) {
@@ -46,6 +103,11 @@ boost::json::object controls_json(const Form& form) {
     if (control->kind() == ControlKind::text_field) {
       const auto& field = static_cast<const TextField&>(*control);
       if (!field.marks().empty()) properties["marks"] = marks_json(field);
+    }
+    if (control->kind() == ControlKind::table) {
+      const auto window = windows.find(control);
+      add_table(static_cast<Table&>(*control), window == windows.end() ? RowWindow() : window->second,
+                properties);
     }
     controls[control->name()] = std::move(properties);
   }

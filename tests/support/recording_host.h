@@ -33,11 +33,15 @@ class RecordingHost : public Host {
   }
   void start_program(const ProgramStart& program) override { programs.push_back(program); }
   void offer_file(const std::filesystem::path& path) override { offered.push_back(path); }
+  void open_page(std::string_view page, std::string_view query) override {
+    opened.push_back(std::string(page) + "/" + std::string(query));
+  }
   void show_progress(const Progress&) override { ++progress_reports; }
 
   std::vector<MessageBox> boxes;
   std::vector<ProgramStart> programs;
   std::vector<std::filesystem::path> offered;
+  std::vector<std::string> opened;  // "page/query"
   std::function<void(Form&)> on_show;
   std::function<void()> on_process_events;
   std::function<void()> on_wait;

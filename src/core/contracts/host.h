@@ -86,6 +86,11 @@ class Host {
   // user's machine offers it for download; others have nothing to do.
   virtual void offer_file(const std::filesystem::path& path) = 0;
 
+  // The user is to see this page of the console, with a query that fills it (empty: none); names are those of
+  // the catalogue. The host leaves the page that asks when its event has ended, at the earliest. A host that
+  // shows no other pages only notes what was asked.
+  virtual void open_page(std::string_view page, std::string_view query) = 0;
+
   // May be called often; a host shows as many of the states as it likes.
   virtual void show_progress(const Progress& progress) = 0;
 };

@@ -20,6 +20,10 @@ Steps:
                   combo box: choose or type; list: choose the first item with that
                   text; scroll bar: move to that position
   NAME#I          list or combo box: choose the item at index I, from 0
+  NAME.key=KEYS   table: choose the rows with these keys (A,B,C); NAME#I the row at
+                  position I alone
+  NAME.sort=COLUMN, NAME.filter=TEXT, NAME.window=FROM,COUNT
+                  table: its order ("COLUMN desc" falls), its filter, the rows to print
   NAME.tick       a timer's tick
   FORM.close      close a dialog; FORM.NAME... is a control of a dialog
   answer=cancel   how the message boxes that follow are answered (default: ok)
@@ -108,6 +112,8 @@ struct Parser {
     act->add_flag("--json", arguments.json, "Print one JSON object");
     act->add_flag("--start-programs", arguments.start_programs,
                   "Start the programs that the page asks for; else they are only recorded");
+    act->add_option("--query", arguments.query, "Open the page with this query, as a link does")
+        ->type_name("TEXT");
     act->add_option("PAGE", arguments.page, "The page's name")->required();
     act->add_option("STEP", arguments.steps, "What to do on it, see below");
     act->positionals_at_end();

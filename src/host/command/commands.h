@@ -25,6 +25,7 @@ struct Arguments {
   bool sample = false;
   bool start_programs = false;
   std::string page;
+  std::string query;
   std::vector<std::string> steps;
   std::string path;
   std::string kind;

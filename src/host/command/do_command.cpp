@@ -76,8 +76,11 @@ int run_do(const Arguments& arguments, const Program& program, std::istream& in,
 
   const std::unique_ptr<Page> page = entry.make(console);
   Report report(console);
-  const bool finished =
-      runner.run(console, *page, [&] { page->initialise(); }, [&] { report.take_dialogs(); });
+  const auto show = [&] {
+    page->initialise();
+    if (!arguments.query.empty()) page->show_query(arguments.query);
+  };
+  const bool finished = runner.run(console, *page, show, [&] { report.take_dialogs(runner.windows()); });
   if (finished && arguments.json) {
     out << boost::json::serialize(report.json(*page, runner)) << '\n';
   } else if (finished) {

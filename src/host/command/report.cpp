@@ -1,10 +1,12 @@
 #include "host/command/report.h"
 
+#include <algorithm>
 #include <boost/json/array.hpp>
 #include <iomanip>
 #include <ostream>
 
 #include "core/controls.h"
+#include "core/table.h"
 #include "core/text/printable.h"
 #include "core/text/utf8.h"
 #include "host/form_json.h"
@@ -49,6 +51,14 @@ json::array programs_json(const StepRunner& runner) {
   return programs;
 }
 
+json::array opened_json(const StepRunner& runner) {
+  json::array opened;
+  for (const StepRunner::Opened& page : runner.opened()) {
+    opened.push_back({{"page", valid_utf8(page.page)}, {"query", valid_utf8(page.query)}});
+  }
+  return opened;
+}
+
 json::array activity_json(const ActivityRecord& activity) {
   json::array entries;
   for (std::uint64_t i = activity.first(); i < activity.total(); ++i) {
@@ -71,6 +81,23 @@ void print_items(std::ostream& out, const StringList& items, std::int64_t index)
   }
 }
 
+void print_rows(std::ostream& out, Table& table, const RowWindow& window) {
+  const TableRows rows = table.read(window.first, std::min<std::uint64_t>(window.count, rows_for_people));
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    const bool chosen = table.chosen().find(rows.key(row)) < table.chosen().size();
+    out << "      " << (chosen ? "> " : "  ");
+    for (std::size_t column = 0; column < table.columns().size(); ++column) {
+      out << (column == 0 ? "" : " | ") << short_text(rows.cell_at(row, column));
+    }
+    out << '\n';
+  }
+  const RowCount count = table.count();
+  if (count.rows > window.first + rows.size()) {
+    out << "        ... and more (--json prints them, NAME.window=FROM,COUNT others)\n";
+  }
+  if (!table.problem().empty()) out << "      ! " << short_text(table.problem()) << '\n';
+}
+
 // A password that is there.
 bool hides(const Control& control) {
   const auto& field = static_cast<const TextField&>(control);
@@ -86,7 +113,8 @@ void print_marks(std::ostream& out, const TextField& field) {
 }
 
 // What a control holds, in one line; lists follow it with their items.
-void print_control(std::ostream& out, const Control& control) {
+void print_control(std::ostream& out, Control& control, const RowWindows& windows) {
+  const auto table_of = [](Control& shown) -> Table& { return static_cast<Table&>(shown); };
   const auto text = [&](Property property) {
     return short_text(std::get<std::string_view>(control.get(property)));
   };
@@ -115,6 +143,14 @@ void print_control(std::ostream& out, const Control& control) {
     case ControlKind::label:
       out << text(Property::caption);
       break;
+    case ControlKind::link:
+      out << text(Property::caption) << " -> " << text(Property::page) << ' ' << text(Property::query);
+      break;
+    case ControlKind::table: {
+      const RowCount count = table_of(control).count();
+      out << text(Property::caption) << ", " << (count.exact ? "" : "more than ") << count.rows << " rows";
+      break;
+    }
     default:
       if (control.has(Property::text)) out << '"' << text(Property::text) << "\", ";
       out << std::get<const StringList*>(control.get(Property::items))->size() << " entries";
@@ -126,6 +162,9 @@ void print_control(std::ostream& out, const Control& control) {
   if (control.has(Property::items)) {
     print_items(out, *std::get<const StringList*>(control.get(Property::items)), number(Property::index));
   }
+  if (control.kind() != ControlKind::table) return;
+  const auto window = windows.find(&control);
+  print_rows(out, table_of(control), window == windows.end() ? RowWindow() : window->second);
 }
 
 void print_activity(std::ostream& out, const ActivityRecord& activity) {
@@ -142,27 +181,28 @@ void print_activity(std::ostream& out, const ActivityRecord& activity) {
 
 }  // namespace
 
-void Report::take_dialogs() {
+void Report::take_dialogs(const RowWindows& windows) {
   for (const auto& dialog : console_.dialogs()) {
     forms_[dialog->name()] = {{"caption", valid_utf8(dialog->caption())},
-                              {"controls", controls_json(*dialog)}};
+                              {"controls", controls_json(*dialog, windows)}};
   }
 }
 
 json::object Report::json(const Form& page, const StepRunner& runner) const {
   json::object result;
   result["page"] = page.name();
-  result["controls"] = controls_json(page);
+  result["controls"] = controls_json(page, runner.windows());
   result["forms"] = forms_;
   result["messages"] = messages_json(runner);
   result["programs"] = programs_json(runner);
+  result["opened"] = opened_json(runner);
   result["activity"] = activity_json(console_.activity());
   return result;
 }
 
 void Report::print(std::ostream& out, const Form& page, const StepRunner& runner) const {
   out << printable(console_.localisation().translate(page.caption())) << " (" << page.name() << ")\n\n";
-  for (const Control* control : page.controls()) print_control(out, *control);
+  for (Control* control : page.controls()) print_control(out, *control, runner.windows());
   for (const auto& form : forms_) out << "\nThe dialog " << form.key() << " was still open.\n";
   for (const StepRunner::Message& message : runner.messages()) {
     out << "\nMessage: " << printable(message.box.title) << "\n  " << printable(message.box.text, true)
@@ -170,6 +210,9 @@ void Report::print(std::ostream& out, const Form& page, const StepRunner& runner
   }
   for (const ProgramStart& program : runner.programs()) {
     out << "\nProgram: " << printable(program.command_line()) << '\n';
+  }
+  for (const StepRunner::Opened& opened : runner.opened()) {
+    out << "\nOpened: " << printable(opened.page) << ' ' << printable(opened.query) << '\n';
   }
   print_activity(out, console_.activity());
 }

@@ -15,7 +15,8 @@ class Report {
  public:
   explicit Report(Console& console) : console_(console) {}
 
-  void take_dialogs();
+  // With these windows of their tables.
+  void take_dialogs(const RowWindows& windows);
 
   boost::json::object json(const Form& page, const StepRunner& runner) const;
   // For people on a terminal; all texts are made printable.

@@ -32,6 +32,7 @@ class SilentHost final : public Host {
     throw Error(error_number::invalid_call, program.program + " is not started by scripts");
   }
   void offer_file(const std::filesystem::path&) override {}
+  void open_page(std::string_view, std::string_view) override {}
   void show_progress(const Progress&) override {}
 };
 

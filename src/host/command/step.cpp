@@ -44,4 +44,12 @@ Step parse_step(std::string_view written) {
   return step;
 }
 
+TablePart take_table_part(std::string& target) {
+  if (take_ending(target, ".key")) return TablePart::key;
+  if (take_ending(target, ".sort")) return TablePart::sort;
+  if (take_ending(target, ".filter")) return TablePart::filter;
+  if (take_ending(target, ".window")) return TablePart::window;
+  return TablePart::none;
+}
+
 }  // namespace zrl::command

@@ -1,8 +1,10 @@
 #include "host/command/step_runner.h"
 
+#include <algorithm>
 #include <thread>
 
 #include "core/controls.h"
+#include "core/table.h"
 #include "core/text/paths.h"
 #include "core/text/text.h"
 #include "host/program_starter.h"
@@ -15,6 +17,24 @@ namespace {
 const StringList* items_of(const Control& control) {
   if (!control.has(Property::items)) return nullptr;
   return std::get<const StringList*>(control.get(Property::items));
+}
+
+StringList keys_of(std::string_view text) {
+  StringList keys;
+  while (!text.empty()) {
+    const std::size_t comma = std::min(text.find(','), text.size());
+    if (const std::string_view key = trim(text.substr(0, comma)); !key.empty()) keys.push_back(key);
+    text.remove_prefix(std::min(comma + 1, text.size()));
+  }
+  return keys;
+}
+
+RowWindow window_of(const std::string& text) {
+  const std::size_t comma = text.find(',');
+  const auto first = to_number(text.substr(0, comma));
+  const auto count = comma == text.npos ? std::optional<std::int64_t>() : to_number(text.substr(comma + 1));
+  if (!first || !count || *first < 0 || *count < 0) throw BadStep("a window is FROM,COUNT: \"" + text + "\"");
+  return {static_cast<std::uint64_t>(*first), static_cast<std::uint64_t>(*count)};
 }
 
 // As a browser's fields of several lines end them.
@@ -113,6 +133,7 @@ void StepRunner::apply(const Step& step) {
     }
     throw Refused("no dialog " + name + " is open");
   }
+  if (step.kind == Step::Kind::text && apply_to_table(step)) return;
   Form& form = form_of(name);
   Control* control = form.find(name);
   if (control == nullptr) throw Refused("there is no control " + name + " on " + form.name());
@@ -129,6 +150,37 @@ void StepRunner::apply(const Step& step) {
     default:
       apply_text(*control, step.text);
   }
+}
+
+bool StepRunner::apply_to_table(const Step& step) {
+  std::string name = step.target;
+  const TablePart part = take_table_part(name);
+  if (part == TablePart::none) return false;
+  // "messages.filter" is the field of a form, unless a table is called messages.
+  const std::size_t dot = name.find('.');
+  const auto has_table = [&](const Form& form) {
+    if (dot != name.npos && form.name() != name.substr(0, dot)) return false;
+    const Control* found = form.find(dot == name.npos ? name : name.substr(dot + 1));
+    return found != nullptr && found->kind() == ControlKind::table;
+  };
+  const auto& dialogs = console_->dialogs();
+  if (!has_table(*page_) &&
+      std::ranges::none_of(dialogs, [&](const auto& dialog) { return has_table(*dialog); })) {
+    return false;
+  }
+  Control* control = form_of(name).find(name);
+  if (control == nullptr || control->kind() != ControlKind::table) return false;
+  auto& table = static_cast<Table&>(*control);
+  if (part == TablePart::window) {
+    windows_[control] = window_of(step.text);
+  } else if (part == TablePart::key) {
+    table.user_choose_keys(keys_of(step.text));
+  } else if (part == TablePart::sort) {
+    table.user_sort(step.text);
+  } else {
+    table.user_filter(step.text);
+  }
+  return true;
 }
 
 // The form that the target names first, whose name is then taken off; the page if it names none.

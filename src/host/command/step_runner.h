@@ -9,6 +9,7 @@
 #include "core/contracts/host.h"
 #include "core/form.h"
 #include "host/command/step.h"
+#include "host/form_json.h"
 
 namespace zrl::command {
 
@@ -37,6 +38,14 @@ class StepRunner : public Host {
   bool bad_step() const { return bad_step_; }
   const std::vector<Message>& messages() const { return messages_; }
   const std::vector<ProgramStart>& programs() const { return programs_; }
+  // The pages that were asked for, in this order; none of them is shown.
+  struct Opened {
+    std::string page;
+    std::string query;
+  };
+  const std::vector<Opened>& opened() const { return opened_; }
+  // The windows that steps have chosen.
+  const RowWindows& windows() const { return windows_; }
 
   BoxReply message_box(const MessageBox& box) override;
   bool allows_modeless() const override { return false; }
@@ -45,6 +54,9 @@ class StepRunner : public Host {
   void wait(std::chrono::milliseconds time) override;
   void start_program(const ProgramStart& program) override;
   void offer_file(const std::filesystem::path&) override {}
+  void open_page(std::string_view page, std::string_view query) override {
+    opened_.push_back({std::string(page), std::string(query)});
+  }
   void show_progress(const Progress&) override {}
 
  private:
@@ -53,6 +65,8 @@ class StepRunner : public Host {
   void apply(const Step& step);
   Form& form_of(std::string& target);
   void apply_text(Control& control, const std::string& text);
+  // False if the step is not about a table.
+  bool apply_to_table(const Step& step);
   void end();
 
   std::function<std::optional<Step>()> next_;
@@ -66,6 +80,8 @@ class StepRunner : public Host {
   BoxReply answer_ = BoxReply::ok;
   std::vector<Message> messages_;
   std::vector<ProgramStart> programs_;
+  std::vector<Opened> opened_;
+  RowWindows windows_;
 };
 
 }  // namespace zrl::command

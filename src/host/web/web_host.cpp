@@ -22,6 +22,7 @@ class NoHost : public Host {
   void wait(std::chrono::milliseconds) override {}
   void start_program(const ProgramStart&) override {}
   void offer_file(const std::filesystem::path&) override {}
+  void open_page(std::string_view, std::string_view) override {}
   void show_progress(const Progress&) override {}
 };
 

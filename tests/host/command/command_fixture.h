@@ -10,6 +10,7 @@
 
 #include "host/command/command_line.h"
 #include "support/all_controls_page.h"
+#include "support/tables_page.h"
 #include "support/temporary_folder.h"
 
 namespace zrl::command {
@@ -21,6 +22,7 @@ class CommandTest : public testing::Test {
     const auto product = page_catalogue();
     pages.assign(product.begin(), product.end());
     pages.push_back({"allcontrols", "Test", "All controls", make_page<test::AllControlsPage>});
+    pages.push_back({"tables", "Test", "Tables", make_page<test::TablesPage>});
   }
 
   int run(std::vector<std::string> arguments, const std::string& input = {}) {

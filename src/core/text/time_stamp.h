@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Times as the logs have them: the local time of the machine, "2026-09-01 08:15:00", without a zone. What the
+// clocks show twice in autumn, or not at all in spring, counts as one of the two hours.
+namespace zrl {
+
+// Seconds since 1970, UTC, of such a time, or of its fourteen digits "20260901081500"; nothing if the text is
+// neither, or no time of the calendar.
+std::optional<std::int64_t> seconds_of(std::string_view time);
+
+// The form that the logs have; empty if the time cannot be converted.
+std::string log_time(std::int64_t seconds);
+
+// What people type: one of the forms above, a time without its seconds, or a day. Of a day it is the first
+// second, or with `last` the last; the same with a minute. Nothing if it is none of these.
+std::optional<std::string> typed_time(std::string_view text, bool last);
+
+}  // namespace zrl
