@@ -32,6 +32,26 @@ json::value property_json(const Control& control, Property property) {
   return json::object{{"length", (*items)->size()}, {"revision", control.revision(property)}};
 }
 
+json::value rows_json(const Control& table) {
+  return json::object{{"revision", table.revision(Property::rows)}};
+}
+
+json::array chosen_json(const Table& table) {
+  json::array keys;
+  for (std::size_t i = 0; i < table.chosen().size(); ++i) keys.push_back(to_json(table.chosen()[i]));
+  return keys;
+}
+
+void add_table(const Table& table, json::object& object) {
+  object["columns"] = columns_json(table);
+  object["filters"] = table.filters();
+  if (table.filter_field() != nullptr) object["filterField"] = table.filter_field()->name();
+  object["rows"] = rows_json(table);
+  object["sort"] = table.sort();
+  object["filter"] = to_json(std::string_view(table.filter()));
+  object["chosen"] = chosen_json(table);
+}
+
 constexpr std::array<std::string_view, 4> tones = {"plain", "good", "waiting", "bad"};
 
 std::string_view tone_of(const Control& label) {
@@ -77,7 +97,11 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
   } else if (control.kind() == ControlKind::option_button) {
     object["group"] = control.container() == nullptr ? "" : control.container()->name();
   } else if (control.kind() == ControlKind::list_box) {
-    add_acts(static_cast<const ListBox&>(control), object);
+    const auto& list = static_cast<const ListBox&>(control);
+    add_acts(list, object);
+    if (list.entries() != EntryKind::other) object["entries"] = name_of(list.entries());
+  } else if (control.kind() == ControlKind::table) {
+    add_table(static_cast<const Table&>(control), object);
   } else if (control.kind() == ControlKind::button) {
     add_button_design(static_cast<const Button&>(control), object);
   } else if (control.kind() == ControlKind::label && control.revision(Property::tone) > 0) {
@@ -133,6 +157,7 @@ json::object ChangeCollector::whole() {
   }
   told_all();
   return {{"caption", to_json(std::string_view(caption_))},
+          {"query", to_json(std::string_view(query_))},
           {"layout", layout_of(form_)},
           {"controls", std::move(controls)}};
 }
@@ -146,10 +171,12 @@ std::optional<json::object> ChangeCollector::changes() {
     if (!changed.empty()) controls[control->name()] = std::move(changed);
   }
   const bool other_caption = caption_ != form_.caption();
+  const bool other_query = query_ != form_.query();
   told_all();
-  if (controls.empty() && !other_caption) return {};
+  if (controls.empty() && !other_caption && !other_query) return {};
   json::object message{{"controls", std::move(controls)}};
   if (other_caption) message["caption"] = to_json(std::string_view(caption_));
+  if (other_query) message["query"] = to_json(std::string_view(query_));
   return message;
 }
 
@@ -174,12 +201,24 @@ json::object ChangeCollector::changes_of(const Control& control) {
     changed[name_of(Property::marks)] = marks_json(static_cast<const TextField&>(control));
   }
   if (control.revision(Property::tone) > told_) changed["tone"] = tone_of(control);
+  if (control.kind() == ControlKind::table) add_table_changes(static_cast<const Table&>(control), changed);
   return changed;
+}
+
+void ChangeCollector::add_table_changes(const Table& table, json::object& changed) const {
+  const auto is_new = [&](Property property) {
+    return untold_.contains(&table) || table.revision(property) > told_;
+  };
+  if (is_new(Property::rows)) changed["rows"] = rows_json(table);
+  if (is_new(Property::sort)) changed["sort"] = table.sort();
+  if (is_new(Property::filter)) changed["filter"] = to_json(std::string_view(table.filter()));
+  if (is_new(Property::chosen)) changed["chosen"] = chosen_json(table);
 }
 
 void ChangeCollector::told_all() {
   told_ = form_.revision();
   caption_ = form_.caption();
+  query_ = form_.query();
   typed_.clear();
   untold_.clear();
 }

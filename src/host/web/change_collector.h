@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "core/form.h"
+#include "core/table.h"
 
 namespace zrl::web {
 
@@ -18,12 +19,12 @@ class ChangeCollector {
  public:
   explicit ChangeCollector(Form& form) : form_(form) {}
 
-  // The members `caption`, `layout` and `controls` of a form message; the browser knows the form
+  // The members `caption`, `query`, `layout` and `controls` of a form message; the browser knows the form
   // from then on.
   boost::json::object whole();
 
-  // The members `controls` and, if it is different, `caption` of a change message; nothing if the
-  // browser knows all.
+  // The members `controls` and, where they are different, `caption` and `query` of a change message; nothing
+  // if the browser knows all.
   std::optional<boost::json::object> changes();
 
   // The browser shows this text in the control already, because it was typed there; the text is sent only if
@@ -36,10 +37,12 @@ class ChangeCollector {
  private:
   bool is_news(const Control& control, Property property) const;
   boost::json::object changes_of(const Control& control);
+  void add_table_changes(const Table& table, boost::json::object& changed) const;
   void told_all();
 
   Form& form_;
   std::string caption_;
+  std::string query_;
   Revision told_ = 0;
   std::map<const Control*, std::string> typed_;
   std::set<const Control*> untold_;

@@ -17,11 +17,12 @@ using Act = BrowserMessage::Act;
 constexpr std::size_t max_depth = 8;
 constexpr std::int64_t longest_side = 1000;  // of a terminal
 
-constexpr std::array<std::pair<std::string_view, Type>, 12> types = {{{"open", Type::open},
+constexpr std::array<std::pair<std::string_view, Type>, 13> types = {{{"open", Type::open},
                                                                       {"event", Type::event},
                                                                       {"close", Type::close},
                                                                       {"answer", Type::answer},
                                                                       {"rows", Type::rows},
+                                                                      {"cells", Type::cells},
                                                                       {"record", Type::record},
                                                                       {"captions", Type::captions},
                                                                       {"input", Type::input},
@@ -29,11 +30,14 @@ constexpr std::array<std::pair<std::string_view, Type>, 12> types = {{{"open", T
                                                                       {"taken", Type::taken},
                                                                       {"end", Type::end},
                                                                       {"active", Type::active}}};
-constexpr std::array<std::pair<std::string_view, Act>, 5> acts = {{{"click", Act::click},
+constexpr std::array<std::pair<std::string_view, Act>, 8> acts = {{{"click", Act::click},
                                                                    {"text", Act::type},
                                                                    {"choose", Act::choose},
                                                                    {"scroll", Act::scroll},
-                                                                   {"remove", Act::remove}}};
+                                                                   {"remove", Act::remove},
+                                                                   {"keys", Act::keys},
+                                                                   {"sort", Act::sort},
+                                                                   {"filter", Act::filter}}};
 
 // Raised for a member that is missing or of the wrong kind.
 class BadMember : public std::runtime_error {
@@ -101,11 +105,24 @@ std::vector<BrowserMessage::Range> ranges_of(const json::object& object) {
   return ranges;
 }
 
+StringList keys_of(const json::object& object) {
+  const json::value* value = object.if_contains("keys");
+  if (value == nullptr || !value->is_array()) throw BadMember("keys", "a list of texts");
+  StringList keys;
+  for (const json::value& key : value->get_array()) {
+    if (!key.is_string()) throw BadMember("keys", "a list of texts");
+    keys.push_back(key.get_string());
+  }
+  return keys;
+}
+
 void read_event(const json::object& object, BrowserMessage& message) {
   message.form = text_of(object, "form");
   message.control = text_of(object, "control");
   message.act = one_of(acts, object, "event");
-  if (message.act == Act::type) message.text = text_of(object, "text");
+  const bool has_text = message.act == Act::type || message.act == Act::sort || message.act == Act::filter;
+  if (has_text) message.text = text_of(object, "text");
+  if (message.act == Act::keys) message.keys = keys_of(object);
   if (message.act == Act::choose) message.number = number_of(object, "index");
   if (message.act == Act::scroll) message.number = number_of(object, "value");
   if (message.act != Act::remove) return;
@@ -140,6 +157,7 @@ BrowserMessage read(const json::object& object) {
   switch (message.type) {
     case Type::open:
       message.page = text_of(object, "page");
+      if (object.contains("query")) message.query = text_of(object, "query");
       break;
     case Type::event:
       read_event(object, message);
@@ -157,6 +175,12 @@ BrowserMessage read(const json::object& object) {
       read_view(object, message);
       if (object.contains("index")) message.sought = count_of(object, "index");
       if (object.contains("find")) message.sought_text = text_of(object, "find");
+      break;
+    case Type::cells:
+      read_window(object, message);
+      message.form = text_of(object, "form");
+      message.control = text_of(object, "control");
+      if (object.contains("key")) message.sought_text = text_of(object, "key");
       break;
     case Type::record:
       read_window(object, message);

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "core/text/string_list.h"
 #include "host/web/list_order.h"
 
 namespace zrl::web {
@@ -23,6 +24,7 @@ struct BrowserMessage {
     close,
     answer,
     rows,
+    cells,
     record,
     captions,
     input,  // these and the next are about a terminal
@@ -32,7 +34,7 @@ struct BrowserMessage {
     active,  // nothing but that somebody is there
     upload,  // never a message: a file that was sent over HTTP waits among them for its turn
   };
-  enum class Act : std::uint8_t { click, type, choose, scroll, remove };
+  enum class Act : std::uint8_t { click, type, choose, scroll, remove, keys, sort, filter };
 
   // Positions in a view of a list, both included.
   struct Range {
@@ -43,7 +45,7 @@ struct BrowserMessage {
   Type type{};
   Act act{};
   std::uint64_t seq = 0;      // of open, event, close
-  std::uint64_t request = 0;  // of rows, record
+  std::uint64_t request = 0;  // of rows, cells, record
   std::uint64_t id = 0;       // of answer, and of a terminal
   std::uint64_t start = 0;
   std::uint64_t count = 0;
@@ -54,12 +56,14 @@ struct BrowserMessage {
   std::string form;
   std::string control;
   std::string page;
-  std::string text;  // what was typed, or the filter
+  std::string query;  // of open
+  std::string text;   // what was typed, the filter, or the order of a table
   ListOrder order = ListOrder::added;
   std::optional<std::uint64_t> sought;     // of rows: the index of a row whose place is asked for,
-  std::optional<std::string> sought_text;  // or its text
+  std::optional<std::string> sought_text;  // or its text; of cells: its key
   std::uint64_t revision = 0;              // of remove: of the list whose view the ranges are about
   std::vector<Range> ranges;               // ascending, without overlap
+  StringList keys;                         // of the rows of a table that are chosen
   bool ok = false;                         // the reply
   std::shared_ptr<PendingUpload> upload;
 

@@ -82,7 +82,7 @@ json::object offer_json(const Offer& offer) {
 }  // namespace
 
 std::string hello_message(Console& console, std::string_view account, std::span<const PageEntry> pages,
-                          std::string_view open) {
+                          std::string_view open, std::string_view query) {
   json::array entries;
   for (const PageEntry& page : pages) {
     entries.push_back(json::object{{"name", page.name},
@@ -98,6 +98,7 @@ std::string hello_message(Console& console, std::string_view account, std::span<
                        {"pages", std::move(entries)},
                        {"open", nullptr}};
   if (!open.empty()) message["open"] = open;
+  if (!query.empty()) message["query"] = valid(query);
   return json::serialize(message);
 }
 
@@ -235,6 +236,10 @@ std::string ended_message(std::uint64_t id, const Terminal::End& end) {
 
 std::string gone_message(std::uint64_t id) {
   return json::serialize(json::object{{"type", "gone"}, {"id", id}});
+}
+
+std::string go_message(std::string_view page, std::string_view query) {
+  return json::serialize(json::object{{"type", "go"}, {"page", valid(page)}, {"query", valid(query)}});
 }
 
 std::string file_message(const Offer& offer) {

@@ -32,9 +32,9 @@ struct WindowOf {
 
 inline constexpr std::uint64_t longest_window = 500;
 
-// `open` is the name of the page that is shown, or empty.
+// `open` is the name of the page that is shown, or empty, `query` what it was opened with.
 std::string hello_message(Console& console, std::string_view account, std::span<const PageEntry> pages,
-                          std::string_view open);
+                          std::string_view open, std::string_view query);
 // The form, or its changes; from then on they count as sent.
 std::string form_message(ShownForm& shown, std::string_view caption);
 std::optional<std::string> change_message(ShownForm& shown, std::uint64_t ack, std::string_view caption);
@@ -61,6 +61,7 @@ std::string terminal_message(std::uint64_t id, std::string_view title, bool fres
 std::string output_message(std::uint64_t id, std::uint64_t position, std::string_view bytes);
 std::string ended_message(std::uint64_t id, const Terminal::End& end);
 std::string gone_message(std::uint64_t id);
+std::string go_message(std::string_view page, std::string_view query);
 std::string file_message(const Offer& offer);
 std::string files_message(const std::vector<Offer>& offers);
 std::string done_message(std::uint64_t seq);

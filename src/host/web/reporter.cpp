@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/web/cells_message.h"
+
 namespace zrl::web {
 
 namespace {
@@ -84,6 +86,22 @@ void Reporter::rows(const BrowserMessage& asked) {
   if (asked.sought_text) sought = Sought{row_with(list.items(), *asked.sought_text)};
   send(rows_message(*shown, list, asked.request, {asked.start, asked.count}, {asked.text, asked.order},
                     sought));
+}
+
+void Reporter::cells(const BrowserMessage& asked) {
+  const MessageNumber number{.request = asked.request};
+  const std::shared_ptr<ShownForm> shown = forms_.find(asked.form);
+  if (!shown) {
+    refuse(number, "no_form", asked.form);
+    return;
+  }
+  Control* control = shown->form->find(asked.control);
+  if (control == nullptr || control->kind() != ControlKind::table) {
+    refuse(number, "refused", "no such table: " + asked.control);
+    return;
+  }
+  send(cells_message(shown->id, static_cast<Table&>(*control), asked.request, {asked.start, asked.count},
+                     asked.sought_text));
 }
 
 void Reporter::record(const BrowserMessage& asked) {

@@ -50,6 +50,7 @@ class Reporter {
   void all_gone();
   // Sends what is asked for, or refuses it.
   void rows(const BrowserMessage& asked);
+  void cells(const BrowserMessage& asked);
   void record(const BrowserMessage& asked);
 
   // An action has ended: sends forms and activity, and writes the audit log.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/contracts/registry.h"
+#include "core/table.h"
 #include "core/text/error.h"
 #include "core/text/paths.h"
 #include "core/text/text.h"
@@ -22,6 +23,11 @@ using Act = BrowserMessage::Act;
 constexpr int max_modal_depth = 8;
 constexpr std::string_view no_audit = "no_audit";
 constexpr std::string_view why_no_audit = "the audit log cannot be written";
+
+Table& table_of(Control& control) {
+  if (control.kind() != ControlKind::table) throw Refused(control.name() + " is no table");
+  return static_cast<Table&>(control);
+}
 
 std::string language_setting(Console& console) {
   if (!console.components().has(Registry::program_id)) return {};
@@ -118,6 +124,11 @@ void SessionConsole::offer_file(const std::filesystem::path& path) {
   if (const std::optional<Offer> offer = offered_.add(path)) reporter_.send(file_message(*offer));
 }
 
+// The browser asks for the page as if its user had: what is shown stays until then.
+void SessionConsole::open_page(std::string_view page, std::string_view query) {
+  reporter_.send(go_message(page, query));
+}
+
 void SessionConsole::show_progress(const Progress& progress) {
   reporter_.progress(progress);
 }
@@ -168,12 +179,16 @@ void SessionConsole::arrived(const Incoming& item) {
   }
 }
 
+std::string_view SessionConsole::shown_query() const {
+  return forms_.page() == nullptr ? std::string_view() : forms_.page()->query();
+}
+
 // What the browser is owed on the connection before is forgotten.
 void SessionConsole::greet(std::uint64_t connection) {
   reporter_.connected(connection);
   last_seq_ = 0;
   turns_.forget_waiting();
-  reporter_.send(hello_message(*console_, account_, settings_.pages, forms_.page_name()));
+  reporter_.send(hello_message(*console_, account_, settings_.pages, forms_.page_name(), shown_query()));
   reporter_.forms();
   if (box_) reporter_.send(box_message(box_->id, *box_->box));
   reporter_.send(files_message(offered_.unfetched()));
@@ -196,6 +211,9 @@ void SessionConsole::accept(BrowserMessage message) {
       return;
     case Type::rows:
       reporter_.rows(message);
+      return;
+    case Type::cells:
+      reporter_.cells(message);
       return;
     case Type::record:
       reporter_.record(message);
@@ -251,7 +269,7 @@ void SessionConsole::handle(const BrowserMessage& message) {
       close_dialog(message);
       break;
     case Type::open:
-      open_page(message);
+      change_page(message);
       break;
     case Type::captions:
       if (captions_.empty()) captions_ = captions_message(*console_, settings_.pages);
@@ -309,16 +327,17 @@ void SessionConsole::follow_language(std::uint64_t steps_before) {
     return;
   const PageEntry* entry = find_page(settings_.pages, forms_.page_name());
   if (entry == nullptr) return;
+  const std::string query(forms_.page()->query());
   leave_page();
   renew_console(entry->name);
-  show_page(*entry);
+  show_page(*entry, query);
 }
 
 void SessionConsole::renew_console(std::string_view page) {
   if (language_setting(*console_) == language_at_start_) return;
   console_.reset();
   start_console();
-  reporter_.send(hello_message(*console_, account_, settings_.pages, page));
+  reporter_.send(hello_message(*console_, account_, settings_.pages, page, {}));
 }
 
 void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& control,
@@ -339,6 +358,15 @@ void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& co
       break;
     case Act::remove:
       remove_chosen(shown, control, message);
+      break;
+    case Act::keys:
+      table_of(control).user_choose_keys(message.keys);
+      break;
+    case Act::sort:
+      table_of(control).user_sort(message.text);
+      break;
+    case Act::filter:
+      table_of(control).user_filter(message.text);
       break;
   }
 }
@@ -399,7 +427,7 @@ void SessionConsole::close_dialog(const BrowserMessage& message) {
   }
 }
 
-void SessionConsole::open_page(const BrowserMessage& message) {
+void SessionConsole::change_page(const BrowserMessage& message) {
   const MessageNumber number{.seq = message.seq};
   reporter_.event_began(message.seq);
   const PageEntry* entry = find_page(settings_.pages, message.page);
@@ -410,7 +438,7 @@ void SessionConsole::open_page(const BrowserMessage& message) {
   const std::uint64_t connection = reporter_.connection();
   leave_page();
   renew_console(entry->name);
-  show_page(*entry);
+  show_page(*entry, message.query);
   output_.send(connection, forms_.page() != nullptr
                                ? done_message(message.seq)
                                : error_message(number, "refused", "the page cannot be made"));
@@ -425,11 +453,12 @@ void SessionConsole::leave_page() {
   reporter_.all_gone();
 }
 
-void SessionConsole::show_page(const PageEntry& entry) {
+void SessionConsole::show_page(const PageEntry& entry, const std::string& query) {
   reporter_.set_showing(true);
   run_action([&] {
     forms_.show_page(entry.make(*console_));
     forms_.page()->initialise();
+    forms_.page()->show_query(query);
   });
   reporter_.set_showing(false);
 }

@@ -54,6 +54,7 @@ class SessionConsole : public Host, private TurnHandler {
   void wait(std::chrono::milliseconds time) override;
   void start_program(const ProgramStart& program) override;
   void offer_file(const std::filesystem::path& path) override;
+  void open_page(std::string_view page, std::string_view query) override;
   void show_progress(const Progress& progress) override;
 
  private:
@@ -69,6 +70,7 @@ class SessionConsole : public Host, private TurnHandler {
 
   void start_console();
   void greet(std::uint64_t connection);
+  std::string_view shown_query() const;
   void accept(BrowserMessage message);
   void use_terminal(const BrowserMessage& message);
   void handle_event(const BrowserMessage& message);
@@ -82,13 +84,13 @@ class SessionConsole : public Host, private TurnHandler {
   void remove_chosen(const std::shared_ptr<ShownForm>& shown, Control& control,
                      const BrowserMessage& message);
   void close_dialog(const BrowserMessage& message);
-  void open_page(const BrowserMessage& message);
+  void change_page(const BrowserMessage& message);
   // An event may have chosen another language: the page is shown anew in it.
   void follow_language(std::uint64_t steps_before);
   // A new console, in the language that is set now, if that is another one.
   void renew_console(std::string_view page);
   void leave_page();
-  void show_page(const PageEntry& entry);
+  void show_page(const PageEntry& entry, const std::string& query);
   void handle_upload(PendingUpload& upload);
   void take_upload(PendingUpload& upload, FileList& list);
   // Runs an action of a form and reports what it did. Passes on what it raises, for which the message is

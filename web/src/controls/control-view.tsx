@@ -6,8 +6,10 @@ import { Button } from './button'
 import { CheckBox, OptionButton } from './choices'
 import { ComboBox } from './combo-box'
 import { FileList } from './file-list'
+import { LinkView } from './link-view'
 import { ListBox } from './list-box'
 import { ScrollBar } from './scroll-bar'
+import { TableView } from './table-view'
 import { TextField } from './text-field'
 
 type View = ComponentType<{ control: ControlModel }>
@@ -35,6 +37,8 @@ const views: Partial<Record<Kind, View>> = {
   DriveList: ListBox,
   FolderList: ListBox,
   FileList,
+  Table: TableView,
+  Link: LinkView,
 }
 
 export function ControlView({ control }: { control: ControlModel }) {

@@ -90,7 +90,7 @@ export function Field({ control, shown, class: kind, labelFor, aside, rows, chil
       {control.form.missing.value === control && !control.holdsSomething && (
         <p class="field-missing" role="alert">
           <Icon name="info" />
-          {messages.value.missing(nameOf(control, shown), control.list !== null, control.form.feedsFrom(control))}
+          {messages.value.missing(nameOf(control, shown), control.list !== null || control.table !== null, control.form.feedsFrom(control))}
         </p>
       )}
       {!head && <Tip control={control} shown={shown} />}

@@ -8,6 +8,8 @@ export interface VirtualListHandle {
   /** Brings a row into view with the least movement. */
   reveal(row: number): void
   toTop(): void
+  /** Moves the view by so many rows. */
+  shift(rows: number): void
   /** Whole rows that fit the view. */
   pageSize(): number
 }
@@ -21,6 +23,9 @@ interface Props {
   handle: { current: VirtualListHandle | null }
   /** Under which name this tab remembers the place to which the list was scrolled. */
   place?: string | undefined
+  /** What stays above the rows, of this height. */
+  head?: ComponentChildren
+  headHeight?: number
   /** The attributes of the scrolled element. */
   [attribute: string]: unknown
 }
@@ -30,7 +35,7 @@ const settlingTime = 150
 const keepingTime = 300
 
 /** Draws only the rows that are on view, for any number of rows. */
-export function VirtualList({ count, rowHeight, row, onRange, handle, place, ...attributes }: Props) {
+export function VirtualList({ count, rowHeight, row, onRange, handle, place, head, headHeight = 0, ...attributes }: Props) {
   const element = useRef<HTMLDivElement>(null)
   const map = useRef(new ScrollMap()).current
   const settling = useRef<ReturnType<typeof setTimeout> | undefined>(undefined)
@@ -69,13 +74,14 @@ export function VirtualList({ count, rowHeight, row, onRange, handle, place, ...
       if (top !== map.virtualTop) moveTo(top)
     },
     toTop: () => moveTo(0),
+    shift: rows => moveTo(map.virtualTop + rows * rowHeight),
     pageSize: () => Math.max(1, Math.floor(viewHeight / rowHeight) - 1),
   }))
 
   useLayoutEffect(() => {
     const scrolled = element.current
     if (!scrolled) return undefined
-    const measure = (): void => setViewHeight(scrolled.clientHeight)
+    const measure = (): void => setViewHeight(Math.max(0, scrolled.clientHeight - headHeight))
     const observer = new ResizeObserver(measure)
     observer.observe(scrolled)
     measure()
@@ -84,7 +90,7 @@ export function VirtualList({ count, rowHeight, row, onRange, handle, place, ...
       clearTimeout(settling.current)
       clearTimeout(placing.current)
     }
-  }, [])
+  }, [headHeight])
 
   // A shorter list or a higher view can leave the scroll position beyond the end.
   useLayoutEffect(() => {
@@ -123,6 +129,7 @@ export function VirtualList({ count, rowHeight, row, onRange, handle, place, ...
   for (let position = first; position <= last; ++position) rows.push(row(position))
   return (
     <div ref={element} onScroll={onScroll} {...attributes}>
+      {head}
       <div class="rows-height" role="presentation" style={{ height: `${map.contentHeight}px` }}>
         <div class="rows-layer" role="presentation" style={{ transform: `translateY(${count === 0 ? 0 : map.offsetOf(first)}px)` }}>
           {rows}

@@ -1,9 +1,11 @@
 import type { Step } from '../model/toast-text'
 import type { UploadFailureCode } from '../wire/protocol'
 import type { Messages } from './en'
+import { clockLanguage } from './clock'
 import { sizeText } from './size'
 
 const number = new Intl.NumberFormat('de')
+const time = new Intl.DateTimeFormat(clockLanguage('de'), { dateStyle: 'medium', timeStyle: 'medium' })
 const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
 
 const counted = (kind: Step['kind'], count: number): string => {
@@ -180,6 +182,12 @@ export const de: Messages = {
         : `Zuerst „${name}“ ausfüllen.`,
   emptyList: 'Keine Einträge',
   noMatch: 'Nichts passt zum Filter',
+  time: (seconds: number): string => time.format(seconds * 1000),
+  verdicts: { rejected: 'Abgewiesen', allowed: 'Erlaubt', neutral: 'Neutral' },
+  sortBy: (column: string): string => `Nach ${column} ordnen`,
+  rowCount: (count: number, more: boolean): string => (more ? `mehr als ${plural(count, 'Zeile', 'Zeilen')}` : plural(count, 'Zeile', 'Zeilen')),
+  noRows: 'Keine Zeilen',
+  tooManyChosen: (most: number): string => `Höchstens ${number.format(most)} Zeilen können zugleich ausgewählt sein`,
   list: 'Liste',
   example: text => `z. B. ${text}`,
   emptyRow: '(leer)',

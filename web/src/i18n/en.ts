@@ -2,9 +2,11 @@ import type { Refusal } from '../model/session'
 import type { Step, Summary } from '../model/toast-text'
 import type { UploadProblem } from '../model/uploads'
 import type { FailureCode, UploadFailureCode } from '../wire/protocol'
+import { clockLanguage } from './clock'
 import { sizeText } from './size'
 
 const number = new Intl.NumberFormat('en')
+const time = new Intl.DateTimeFormat(clockLanguage('en'), { dateStyle: 'medium', timeStyle: 'medium' })
 const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
 
 const counted = (kind: Step['kind'], count: number): string => {
@@ -181,6 +183,12 @@ export const en = {
     isList ? `Choose an entry of “${name}” first.` : hasList ? `Fill in “${name}” or choose an entry first.` : `Fill in “${name}” first.`,
   emptyList: 'No entries',
   noMatch: 'Nothing matches the filter',
+  time: (seconds: number): string => time.format(seconds * 1000),
+  verdicts: { rejected: 'Rejected', allowed: 'Allowed', neutral: 'Neutral' },
+  sortBy: (column: string): string => `Order by ${column}`,
+  rowCount: (count: number, more: boolean): string => (more ? `more than ${plural(count, 'row', 'rows')}` : plural(count, 'row', 'rows')),
+  noRows: 'No rows',
+  tooManyChosen: (most: number): string => `No more than ${number.format(most)} rows can be chosen at once`,
   list: 'List',
   example: (text: string): string => `e.g. ${text}`,
   emptyRow: '(empty)',

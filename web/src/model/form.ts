@@ -4,6 +4,7 @@ import { framesAround } from './layout'
 import { ListModel } from './list'
 import { PendingText } from './pending-text'
 import type { Range } from './selection'
+import { TableModel } from './table'
 
 /** What a form needs of the session that it lives in. */
 export interface Link {
@@ -37,6 +38,7 @@ export class ControlModel {
   /** The text of a control in which people type. */
   readonly text
   readonly list: ListModel | null
+  readonly table: TableModel | null
   /** Clicks that the server has not finished. */
   readonly waiting = signal(0)
   private readonly pending: PendingText | null
@@ -67,10 +69,13 @@ export class ControlModel {
     this.list = listKinds.has(control.kind)
       ? new ListModel(form.name, name, control.items ?? { length: 0, revision: 0 }, message => form.link.send(message))
       : null
+    this.table =
+      control.kind === 'Table' ? new TableModel(form.name, name, control.rows?.revision ?? 0, message => form.link.send(message)) : null
   }
 
-  /** A text field with a text, a list with an item chosen. */
+  /** A text field with a text, a list with an item chosen, a table with a row chosen. */
   get holdsSomething(): boolean {
+    if (this.table) return (this.shown.value.chosen ?? []).length > 0
     return this.list && !this.pending ? (this.shown.value.index ?? -1) >= 0 : this.text.value.trim() !== ''
   }
 
@@ -168,6 +173,22 @@ export class ControlModel {
     this.sendChoice(index)
   }
 
+  /** Chooses rows of a table. */
+  chooseKeys(chosen: string[]): void {
+    const seq = this.form.link.event(this, { event: 'keys', keys: chosen })
+    if (seq > 0) this.overlay.value = { seq, values: { ...this.overlay.peek()?.values, chosen } }
+  }
+
+  sortBy(sort: string): void {
+    const seq = this.form.link.event(this, { event: 'sort', text: sort })
+    if (seq > 0) this.overlay.value = { seq, values: { ...this.overlay.peek()?.values, sort } }
+  }
+
+  filterBy(filter: string): void {
+    const seq = this.form.link.event(this, { event: 'filter', text: filter })
+    if (seq > 0) this.overlay.value = { seq, values: { ...this.overlay.peek()?.values, filter } }
+  }
+
   scroll(value: number): void {
     const seq = this.form.link.event(this, { event: 'scroll', value })
     if (seq > 0) this.overlay.value = { seq, values: { value } }
@@ -184,6 +205,8 @@ export class ControlModel {
         this.text.value = change.text
       } else if (!this.pending && change.text !== undefined) this.text.value = change.text
       if (change.items) this.list?.setItems(change.items)
+      if (change.sort !== undefined || change.filter !== undefined) this.table?.restart()
+      if (change.rows) this.table?.setRevision(change.rows.revision)
       this.settle(ack)
     })
   }
@@ -237,6 +260,7 @@ export class ControlModel {
         if (this.pending.dirty) this.form.link.later(this)
       } else this.text.value = control.text ?? ''
       this.list?.reconnected(control.items ?? { length: 0, revision: 0 })
+      this.table?.reconnected(control.rows?.revision ?? 0)
     })
   }
 
@@ -257,6 +281,8 @@ export class FormModel {
   readonly dialog: boolean
   readonly modal: boolean
   readonly caption
+  /** With which the page would show what it shows. */
+  readonly query
   readonly layout
   readonly controls = new Map<string, ControlModel>()
   /** Gone on the server, but kept on view until its successor arrives. */
@@ -274,6 +300,7 @@ export class FormModel {
     this.dialog = message.dialog
     this.modal = message.modal
     this.caption = signal(message.caption)
+    this.query = signal(message.query ?? '')
     this.layout = signal<LayoutNode>(message.layout)
     this.frames = framesAround(message.layout)
     for (const [name, control] of Object.entries(message.controls)) {
@@ -291,6 +318,7 @@ export class FormModel {
     }
     batch(() => {
       this.caption.value = message.caption
+      this.query.value = message.query ?? ''
       this.layout.value = message.layout
       this.frames = framesAround(message.layout)
       this.closed.value = false
@@ -302,6 +330,7 @@ export class FormModel {
   change(message: ChangeMessage): void {
     batch(() => {
       if (message.caption !== undefined) this.caption.value = message.caption
+      if (message.query !== undefined) this.query.value = message.query
       for (const [name, change] of Object.entries(message.controls)) this.controls.get(name)?.change(message.ack, change)
     })
   }

@@ -54,8 +54,8 @@ export function present(node: LayoutNode, facts: LayoutFacts): boolean {
   })
 }
 
-const narrow = new Set<Kind | undefined>(['Button', 'Label', 'CheckBox', 'OptionButton'])
-const lists = new Set<Kind | undefined>(['ListBox', 'DriveList', 'FolderList', 'FileList'])
+const narrow = new Set<Kind | undefined>(['Button', 'Label', 'CheckBox', 'OptionButton', 'Link'])
+const lists = new Set<Kind | undefined>(['ListBox', 'DriveList', 'FolderList', 'FileList', 'Table'])
 
 function isTall(name: string, facts: LayoutFacts): boolean {
   return lists.has(facts.kindOf(name)) || facts.multiLine(name)

@@ -40,6 +40,8 @@ export class Session implements Link {
   readonly busy = signal<BusyMessage | null>(null)
   /** The page that was asked for and has not come yet. */
   readonly opening = signal<string | null>(null)
+  /** The query that it was asked for with. */
+  openingQuery = ''
   readonly captions = signal<CaptionsMessage['pages'] | null>(null)
   /** The control that is to get the focus as soon as its page is there. */
   readonly wanted = signal<{ page: string; control: string } | null>(null)
@@ -49,6 +51,8 @@ export class Session implements Link {
   readonly files = new Files()
   onRefusal: (refusal: Refusal) => void = () => {}
   onFile: (file: OfferedFile) => void = () => {}
+  /** A page wants another one to be opened. */
+  onGo: (page: string, query: string) => void = () => {}
 
   private readonly connection: Connection
   private readonly activity: ActivityModel
@@ -73,12 +77,13 @@ export class Session implements Link {
     this.freshSocket = true
   }
 
-  open(page: string): void {
-    if (this.opening.peek() === page) return
+  open(page: string, query = ''): void {
+    if (this.opening.peek() === page && this.openingQuery === query) return
     this.flush()
-    const seq = this.connection.sendSequenced({ type: 'open', page })
+    const seq = this.connection.sendSequenced({ type: 'open', page, query })
     if (seq === 0) return this.onRefusal({ code: 'not_connected', text: '' })
     this.openSeq = seq
+    this.openingQuery = query
     this.opening.value = page
   }
 
@@ -203,6 +208,11 @@ export class Session implements Link {
       case 'rows':
         this.findForm(message.form)?.controls.get(message.control)?.list?.accept(message)
         return
+      case 'cells':
+        this.findForm(message.form)?.controls.get(message.control)?.table?.accept(message)
+        return
+      case 'go':
+        return this.onGo(message.page, message.query)
       case 'box':
         this.boxes.value = [...this.boxes.peek().filter(box => box.id !== message.id), message]
         return

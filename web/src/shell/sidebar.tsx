@@ -6,7 +6,8 @@ import { Icon, Logo } from '../parts/icon'
 import { session } from '../state/app-state'
 import type { PageEntry } from '../wire/protocol'
 import { openPasswordDialog } from './password-dialog'
-import { addressOf, goTo } from './router'
+import { addressOf } from '../model/address'
+import { goTo } from './router'
 
 function grouped(pages: readonly PageEntry[]): { group: string; pages: PageEntry[] }[] {
   const groups: { group: string; pages: PageEntry[] }[] = []

@@ -54,6 +54,8 @@ export type Kind =
   | 'DriveList'
   | 'FolderList'
   | 'FileList'
+  | 'Table'
+  | 'Link'
 
 /** Something that is wrong with a source text. */
 export interface Mark {
@@ -67,6 +69,30 @@ export interface Mark {
   /** In another text than the control's. */
   elsewhere: boolean
 }
+
+export type ColumnKind = 'text' | 'number' | 'time' | 'address' | 'verdict'
+
+export interface Column {
+  name: string
+  caption: string
+  kind: ColumnKind
+  sorts?: boolean
+  /** Left out first where there is no room. */
+  minor?: boolean
+  /** The page that each cell opens, with its text as query. */
+  page?: string
+}
+
+/** A text, or more: the seconds since 1970 of a time, the page and query of a link. */
+export type Cell = string | { text: string; at?: number; page?: string; query?: string }
+
+export interface TableRow {
+  key: string
+  cells: readonly Cell[]
+}
+
+/** What the entries of a list are, for looking them up. */
+export type EntryKind = 'address' | 'network' | 'domain' | 'mail address' | 'word'
 
 export interface Control {
   kind: Kind
@@ -103,6 +129,20 @@ export interface Control {
   destroys?: boolean
   /** Of a label: whether what it says is good or bad. */
   tone?: Tone
+  /** Of a list: what can be looked up in it. */
+  entries?: EntryKind
+  /** Of a table. */
+  columns?: Column[]
+  rows?: { revision: number }
+  sort?: string
+  filter?: string
+  filters?: boolean
+  /** The field of the form in which people type the filter; without one, the table has its own. */
+  filterField?: string
+  chosen?: string[]
+  /** Of a link. */
+  page?: string
+  query?: string
 }
 
 export type Tone = 'plain' | 'good' | 'waiting' | 'bad'
@@ -141,12 +181,15 @@ export interface Hello {
   version: string
   pages: PageEntry[]
   open: string | null
+  /** With which the open page shows what it shows. */
+  query?: string
 }
 
 export interface FormMessage {
   type: 'form'
   form: string
   caption: string
+  query?: string
   dialog: boolean
   modal: boolean
   layout: LayoutNode
@@ -158,6 +201,7 @@ export interface ChangeMessage {
   form: string
   ack: number
   caption?: string
+  query?: string
   controls: Record<string, Partial<Control>>
 }
 
@@ -175,6 +219,23 @@ export interface RowsMessage {
   indexes?: number[]
   /** Where the row that was sought is: in the list, and on view unless the filter hides it. */
   found?: { index: number; position: number | null } | null
+}
+
+export interface CellsMessage {
+  type: 'cells'
+  form: string
+  control: string
+  request: number
+  revision: number
+  length: number
+  /** There are more rows than `length`. */
+  more: boolean
+  start: number
+  rows: TableRow[]
+  /** Why the rows are not as asked for; empty if they are. */
+  problem: string
+  /** Where the row is whose key was sent along; null if that is not known. */
+  found?: number | null
 }
 
 export interface BoxMessage {
@@ -260,6 +321,8 @@ export type ServerMessage =
   | ChangeMessage
   | { type: 'closed'; form: string }
   | RowsMessage
+  | CellsMessage
+  | { type: 'go'; page: string; query: string }
   | BoxMessage
   | { type: 'unbox'; id: number | string }
   | BusyMessage
@@ -280,10 +343,13 @@ export type UserEvent =
   | { event: 'text'; text: string }
   | { event: 'choose'; index: number }
   | { event: 'scroll'; value: number }
+  | { event: 'keys'; keys: readonly string[] }
+  | { event: 'sort'; text: string }
+  | { event: 'filter'; text: string }
   | { event: 'remove'; revision: number; filter: string; order: ListOrder; ranges: readonly (readonly [number, number])[] }
 
 export type SequencedMessage =
-  | { type: 'open'; page: string }
+  | { type: 'open'; page: string; query: string }
   | ({ type: 'event'; form: string; control: string } & UserEvent)
   | { type: 'close'; form: string }
 
@@ -308,6 +374,7 @@ export type PlainMessage =
       index?: number
       find?: string
     }
+  | { type: 'cells'; form: string; control: string; request: number; start: number; count: number; key?: string }
   | { type: 'record'; request: number; start: number; count: number }
   | { type: 'captions' }
   /** Somebody is there, though nothing else says so. */

@@ -1,0 +1,127 @@
+import { messages } from '../i18n'
+import { addressOf } from '../model/address'
+import { visibleText } from '../model/visible-text'
+import type { Cell, Column, TableRow } from '../wire/protocol'
+
+const longestCell = 300
+const longestTitle = 3000
+
+const textOf = (cell: Cell | undefined): string => (cell === undefined ? '' : typeof cell === 'string' ? cell : cell.text)
+
+/** Where a cell leads; undefined if nowhere. */
+function targetOf(column: Column, cell: Cell | undefined): string | undefined {
+  if (typeof cell === 'object' && cell.page !== undefined) return addressOf(cell.page, cell.query)
+  const text = textOf(cell)
+  return column.page !== undefined && text !== '' ? addressOf(column.page, text) : undefined
+}
+
+/** Where the first link of a row leads. */
+export function linkOf(columns: readonly Column[], row: TableRow): string | undefined {
+  for (const [place, column] of columns.entries()) {
+    const target = targetOf(column, row.cells[place])
+    if (target !== undefined) return target
+  }
+  return undefined
+}
+
+const verdicts = ['rejected', 'allowed', 'neutral'] as const
+type Verdict = (typeof verdicts)[number]
+const isVerdict = (text: string): text is Verdict => (verdicts as readonly string[]).includes(text)
+
+/** "20260901081500" as people read it where its time is not known otherwise. */
+const exactTime = (text: string): string => text.replace(/^(\d{4})(\d\d)(\d\d)(\d\d)(\d\d)(\d\d)$/, '$1-$2-$3 $4:$5:$6')
+
+function Content({ column, cell }: { column: Column; cell: Cell | undefined }) {
+  const m = messages.value
+  const text = textOf(cell)
+  if (column.kind === 'time') {
+    const at = typeof cell === 'object' ? cell.at : undefined
+    return (
+      <time class="cell-text" title={exactTime(text)}>
+        {at === undefined ? visibleText(text, longestCell) : m.time(at)}
+      </time>
+    )
+  }
+  if (column.kind === 'verdict' && isVerdict(text)) {
+    return (
+      <span class="verdict" data-verdict={text}>
+        {m.verdicts[text]}
+      </span>
+    )
+  }
+  const number = column.kind === 'number' && /^-?\d{1,15}$/.test(text)
+  const shown = number ? m.number(Number(text)) : visibleText(text, longestCell)
+  const target = targetOf(column, cell)
+  return target === undefined ? (
+    <bdi class="cell-text" dir="auto">
+      {shown}
+    </bdi>
+  ) : (
+    <a class="cell-text link" href={target} tabIndex={-1} dir="auto">
+      {shown}
+    </a>
+  )
+}
+
+interface LineProps {
+  id: string
+  position: number
+  height: number
+  columns: readonly Column[]
+  template: string
+  cards: boolean
+  row: TableRow | undefined
+  chosen: boolean
+  active: boolean
+  onChoose: (event: MouseEvent) => void
+}
+
+export function TableLine({ id, position, height, columns, template, cards, row, chosen, active, onChoose }: LineProps) {
+  const cell = (column: Column, place: number) => (
+    <div
+      key={column.name}
+      role="gridcell"
+      aria-colindex={place + 1}
+      class={`table-cell kind-${column.kind}`}
+      data-empty={textOf(row?.cells[place]) === '' ? '' : undefined}
+      onPointerEnter={event => {
+        if (column.kind === 'time') return
+        const inner = event.currentTarget.querySelector<HTMLElement>('.cell-text')
+        if (!inner) return
+        event.currentTarget.title = inner.scrollWidth > inner.clientWidth ? visibleText(textOf(row?.cells[place]), longestTitle) : ''
+      }}
+    >
+      {row === undefined ? <span class="row-waiting" /> : <Content column={column} cell={row.cells[place]} />}
+    </div>
+  )
+  const cells = columns.map((column, place) => ({ column, place }))
+  const part = (texts: boolean) =>
+    cells.filter(({ column }) => (column.kind === 'text') === texts).map(({ column, place }) => cell(column, place))
+  return (
+    <div
+      id={id}
+      role="row"
+      aria-rowindex={position + 2}
+      aria-selected={chosen}
+      class={`table-line${cards ? ' card' : ''}${active ? ' active' : ''}`}
+      style={cards ? { height: `${height}px` } : { height: `${height}px`, gridTemplateColumns: template }}
+      onClick={event => {
+        // A link is followed; the row stays as it is.
+        if (!(event.target instanceof Element && event.target.closest('a'))) onChoose(event)
+      }}
+    >
+      {cards ? (
+        <>
+          <div role="presentation" class="card-line">
+            {part(false)}
+          </div>
+          <div role="presentation" class="card-line">
+            {part(true)}
+          </div>
+        </>
+      ) : (
+        cells.map(({ column, place }) => cell(column, place))
+      )}
+    </div>
+  )
+}
