@@ -1,5 +1,8 @@
 #include "service/service_control_page.h"
 
+#include <array>
+
+#include "core/list_changes.h"
 #include "core/text/error.h"
 #include "core/text/text.h"
 
@@ -87,8 +90,8 @@ void ServiceControlPage::save() {
   if (!Text1.text().empty()) {
     set_string("forwardaddress", Text1.text());
     add_to_whitehost(Text1.text());
-    execute(delete_from("myips", "IPNumber", Text1.text()));
-    execute(insert_into("myips", "IPNumber", Text1.text()));
+    run_entry_steps(*this, std::array{take_off(list::local_addresses), put_on(list::local_addresses)},
+                    Text1.text());
   }
   if (!console().regex_match(holds_ip_number, listenip.text()).empty()) {
     set_string("listenip", listenip.text());

@@ -14,21 +14,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t longest_text = std::size_t{16} << 20;
 constexpr std::size_t longest_answer = 200;
 
-void replace_all(std::string& text, std::string_view what, char by) {
-  for (std::size_t at = text.find(what); at != text.npos; at = text.find(what, at + 1)) {
-    text.replace(at, what.size(), 1, by);
-  }
-}
-
-// The words of an entry in lower case; lists store quotation marks as escapes.
-std::string words_of(std::string_view entry) {
-  std::string words = lower(entry);
-  if (words.find("\\x2") == words.npos) return words;
-  replace_all(words, "\\x22", '"');
-  replace_all(words, "\\x27", '\'');
-  return words;
-}
-
 std::string shortened(std::string_view text) {
   return valid_utf8(text.substr(0, longest_answer)) + (text.size() > longest_answer ? "..." : "");
 }
@@ -43,7 +28,7 @@ std::string KeywordSearch::find(const StringList& entries) const {
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const std::string_view entry = entries[i];
     if (entry.empty() || is_regex_entry(entry)) continue;
-    if (index_.contains(words_of(entry))) return shortened(entry);
+    if (index_.contains(keyword_text(entry))) return shortened(entry);
   }
   return find_regex(entries);
 }

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstddef>
 
+#include "core/text/text.h"
+
 namespace zrl {
 
 namespace {
@@ -15,6 +17,12 @@ bool is_address_part(std::string_view part) {
   const char* end = part.data() + part.size();
   const auto [stop, fault] = std::from_chars(part.data(), end, number);
   return part.size() <= 3 && fault == std::errc() && stop == end && number <= greatest;
+}
+
+void replace_all(std::string& text, std::string_view what, char by) {
+  for (std::size_t at = text.find(what); at != text.npos; at = text.find(what, at + 1)) {
+    text.replace(at, what.size(), 1, by);
+  }
 }
 
 }  // namespace
@@ -43,9 +51,29 @@ bool is_ip_address(std::string_view text) {
   return is_address_part(text);
 }
 
+std::string network_entry(std::string_view text) {
+  const std::string_view entry = trim(text);
+  const std::size_t slash = entry.find('/');
+  if (slash == entry.npos) return {};
+  // Cut off by the length of the trimmed address, so that a blank before the slash leaves the slash in it.
+  const std::string_view address = trim(entry.substr(0, slash));
+  const std::optional<std::int64_t> prefix_length = to_number(entry.substr(address.size() + 1));
+  constexpr int longest = 32;
+  if (!is_ip_address(address) || !prefix_length || *prefix_length < 1 || *prefix_length > longest) return {};
+  return std::string(address) + "/" + std::to_string(*prefix_length);
+}
+
 bool is_regex_entry(std::string_view entry) {
   const std::string_view mark = entry.substr(0, regex_mark_length);
   return (mark == "REGEX[" || mark == "regex[") && entry.back() == ']';
+}
+
+std::string keyword_text(std::string_view entry) {
+  std::string words = lower(entry);
+  if (words.find("\\x2") == words.npos) return words;
+  replace_all(words, "\\x22", '"');
+  replace_all(words, "\\x27", '\'');
+  return words;
 }
 
 std::string_view regex_of(std::string_view entry) {

@@ -19,10 +19,10 @@ BlockListPage::BlockListPage(Console& console) : ListPage(console, "rblists", "D
   bind_switches({{RBLcheck1, "RBLcheck"}});
   bind_transfer(oben, white_);
   bind_transfer(unten, black_);
-  wbladd.on_click = [this] { add(list::white_zones); };
-  wblremove.on_click = [this] { remove(list::white_zones); };
-  rbladd.on_click = [this] { add(list::black_zones); };
-  rblremove.on_click = [this] { remove(list::black_zones); };
+  wbladd.on_click = [this] { show_change(add_to(white_, Text1.text())); };
+  wblremove.on_click = [this] { show_change(remove_from(white_, Text1.text())); };
+  rbladd.on_click = [this] { show_change(add_to(black_, Text1.text())); };
+  rblremove.on_click = [this] { show_change(remove_from(black_, Text1.text())); };
   bind_busy(Command1, &BlockListPage::test);
   bind_busy(Command2, &BlockListPage::report_relays);
 
@@ -49,16 +49,8 @@ void BlockListPage::fill_lists() {
   load_switches();
 }
 
-void BlockListPage::add(const ListTable& list) {
-  Text1.set_text(trim(Text1.text()));
-  execute(delete_from(list, Text1.text()));
-  execute(insert_into(list, Text1.text()));
-  fill_lists();
-}
-
-void BlockListPage::remove(const ListTable& list) {
-  Text1.set_text(trim(Text1.text()));
-  execute(delete_from(list, Text1.text()));
+void BlockListPage::show_change(const EntryChange& change) {
+  Text1.set_text(change.entry);
   fill_lists();
 }
 

@@ -60,8 +60,7 @@ class BlockListPage : public ListPage {
   void load() override;
   void fill_lists() override;
 
-  void add(const ListTable& list);
-  void remove(const ListTable& list);
+  void show_change(const EntryChange& change);
   void test();
   // The outcome in the user's language, to be shown after the text that was tested.
   std::string verdict(BlockLists::Listing listing, const std::string& zone);

@@ -31,10 +31,10 @@ DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domain
   bind_update(remote, domain_list_files(), {"reloadblack", "reloadwhite"});
   refrall.on_click = [this] { fill_lists(); };
 
-  Command1.on_click = [this] { add(white_, black_); };
-  Command2.on_click = [this] { remove(white_); };
-  Command3.on_click = [this] { add(black_, white_); };
-  Command4.on_click = [this] { remove(black_); };
+  Command1.on_click = [this] { show_change(add_to(white_, Text1.text())); };
+  Command2.on_click = [this] { show_change(remove_from(white_, Text1.text())); };
+  Command3.on_click = [this] { show_change(add_to(black_, Text1.text())); };
+  Command4.on_click = [this] { show_change(remove_from(black_, Text1.text())); };
 
   bind_busy(findmx, &DomainPage::find_exchanger_address);
   Command6.on_click = [this] { find_exchanger_name(); };
@@ -67,28 +67,9 @@ void DomainPage::fill_lists() {
   publish_version();
 }
 
-// Every step reads the field again, so the entry is stored exactly as the field shows it.
-void DomainPage::add(const List& own, const List& other) {
-  Text1.set_text(trim(Text1.text()));
-  if (Text1.text().empty()) {
-    execute(insert_into(own.table, Text1.text()));  // records the refusal
-    fill_lists();
-    return;
-  }
-  Text1.set_text(escape_quotes(Text1.text()));
-  raise_flags(own);
-  execute(delete_from(own.table, Text1.text()));
-  execute(delete_from(other.table, Text1.text()));
-  execute(insert_into(own.table, Text1.text()));
-  own.box.add_item(Text1.text());
-  remove(other);
-}
-
-void DomainPage::remove(const List& list) {
-  Text1.set_text(trim(Text1.text()));
-  raise_flags(list);
-  execute(delete_from(list.table, Text1.text()));
-  execute(delete_from(list.table, "@*" + Text1.text()));
+// The field shows the entry as it is stored.
+void DomainPage::show_change(const EntryChange& change) {
+  Text1.set_text(change.entry);
   fill_lists();
 }
 

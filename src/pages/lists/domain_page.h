@@ -60,13 +60,12 @@ class DomainPage : public ListPage {
                        "Checks the client's greeting against the black list"};
 
  private:
-  const List white_{List1, list::white_domains, "Domain Whitelist", {"reloadwhite"}, Entries::without_at};
-  const List black_{List2, list::black_domains, "Domain Blacklist", {"reloadblack"}, Entries::without_at};
+  const List white_{List1, list::white_domains, "Domain Whitelist", Entries::without_at};
+  const List black_{List2, list::black_domains, "Domain Blacklist", Entries::without_at};
 
   void fill_lists() override;
 
-  void add(const List& own, const List& other);
-  void remove(const List& list);
+  void show_change(const EntryChange& change);
 
   void find_exchanger_address();
   void find_exchanger_name();

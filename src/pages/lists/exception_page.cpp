@@ -1,17 +1,6 @@
 #include "pages/lists/exception_page.h"
 
-#include "core/text/text.h"
-
 namespace zrl {
-
-namespace {
-
-// The list that an entry belongs to.
-const ListTable& list_of(std::string_view entry) {
-  return entry.find('@') != entry.npos ? list::exempt_mails : list::exempt_domains;
-}
-
-}  // namespace
 
 ExceptionPage::ExceptionPage(Console& console) : ListPage(console, "exceptions", "Exceptions") {
   bind_lists(Text1, Place::forgotten, {domains_, mails_});
@@ -19,8 +8,8 @@ ExceptionPage::ExceptionPage(Console& console) : ListPage(console, "exceptions",
   bind_transfer(imleft, domains_);
   bind_transfer(imright, mails_);
   Command1.on_click = [this] { fill_lists(); };
-  addex.on_click = [this] { add(); };
-  removeex.on_click = [this] { remove(); };
+  addex.on_click = [this] { add_text(); };
+  removeex.on_click = [this] { remove_text(); };
 
   exceptdomains.set_acts({&Text1, &addex, &removeex});
   exceptmails.set_acts({&Text1, &addex, &removeex});
@@ -38,17 +27,19 @@ void ExceptionPage::fill_lists() {
   load_switches();
 }
 
-// Nothing is deleted first, so an entry that is added twice is stored twice.
-void ExceptionPage::add() {
-  const std::string_view entry = trim(Text1.text());
-  if (!entry.empty()) execute(insert_into(list_of(entry), entry));
+// The list that the text in the field belongs to.
+const ListPage::List& ExceptionPage::own_list() const {
+  return Text1.text().find('@') != std::string::npos ? mails_ : domains_;
+}
+
+void ExceptionPage::add_text() {
+  add_to(own_list(), Text1.text());
   fill_lists();
 }
 
 // A field of blanks removes empty entries, which may exist in the table, from the list of domains.
-void ExceptionPage::remove() {
-  const std::string_view entry = trim(Text1.text());
-  if (!Text1.text().empty()) execute(delete_from(list_of(entry), entry));
+void ExceptionPage::remove_text() {
+  remove_from(own_list(), Text1.text());
   fill_lists();
 }
 

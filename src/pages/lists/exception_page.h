@@ -48,8 +48,9 @@ class ExceptionPage : public ListPage {
 
   void fill_lists() override;
 
-  void add();
-  void remove();
+  const List& own_list() const;
+  void add_text();
+  void remove_text();
 };
 
 }  // namespace zrl

@@ -1,7 +1,6 @@
 #include "pages/lists/file_page.h"
 
 #include "core/text/letter_case.h"
-#include "core/text/text.h"
 
 namespace zrl {
 
@@ -17,8 +16,8 @@ FilePage::FilePage(Console& console) : ListPage(console, "filescanner", "Attachm
   bind_update(remoteupdate, attachment_list_files());
   freshit.on_click = [this] { fill_lists(); };
 
-  bind_busy(addfiles, &FilePage::add_file);
-  bind_busy(addextension, &FilePage::add_extension);
+  bind_busy(addfiles, [this] { add(files_); });
+  bind_busy(addextension, [this] { add(extensions_); });
   deleteit.on_click = [this] { remove_text(); };
 
   files.set_acts({&Text1, &addfiles, &deleteit});
@@ -38,23 +37,8 @@ void FilePage::fill_lists() {
   fill_list_boxes();
 }
 
-void FilePage::add_file() {
-  Text1.set_text(lower_unicode(trim(Text1.text())));
-  if (!Text1.text().empty()) {
-    execute(delete_from(list::file_names, Text1.text()));
-    execute(insert_into(list::file_names, Text1.text()));
-  }
-  fill_lists();
-}
-
-// Extensions are listed without their dot; a text with one is only taken off the list.
-void FilePage::add_extension() {
-  Text1.set_text(lower_unicode(trim(Text1.text())));
-  const std::string& text = Text1.text();
-  if (!text.empty()) {
-    execute(delete_from(list::extensions, text));
-    if (text.find('.') == text.npos) execute(insert_into(list::extensions, text));
-  }
+void FilePage::add(const List& list) {
+  Text1.set_text(add_to(list, Text1.text()).entry);
   fill_lists();
 }
 
@@ -62,8 +46,7 @@ void FilePage::add_extension() {
 void FilePage::remove_text() {
   const std::string text = Text1.text();
   Text1.set_text(lower_unicode(text));
-  remove_lower(list::file_names, text);
-  remove_lower(list::extensions, text);
+  remove_from(files_, text);
   fill_lists();
 }
 

@@ -51,8 +51,7 @@ class FilePage : public ListPage {
 
   void fill_lists() override;
 
-  void add_file();
-  void add_extension();
+  void add(const List& list);
   void remove_text();
 };
 

@@ -1,5 +1,7 @@
 #include "pages/lists/ip_page.h"
 
+#include <array>
+
 #include "core/text/list_entry.h"
 #include "core/text/text.h"
 
@@ -23,9 +25,9 @@ IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
   bind_update(remote, address_list_files());
   refrall.on_click = [this] { fill_lists(); };
 
-  Command1.on_click = [this] { change(&IpPage::add_to_whitehost); };
-  Command3.on_click = [this] { change(&IpPage::add_to_blackhost); };
-  Command2.on_click = [this] { change(&IpPage::remove_from_iplist); };
+  Command1.on_click = [this] { show_change(add_to(white_, ip.text())); };
+  Command3.on_click = [this] { show_change(add_to(black_, ip.text())); };
+  Command2.on_click = [this] { show_change(remove_from(black_, ip.text())); };
 
   bind_busy(rlookup, &IpPage::find_host_name);
   adbl.on_click = [this] { list_domain(list::black_domains, list::white_domains); };
@@ -55,12 +57,8 @@ void IpPage::fill_lists() {
   fill_list_boxes();
 }
 
-void IpPage::change(bool (DatabaseClient::*operation)(std::string_view)) {
-  if (is_ip_address(ip.text())) {
-    (this->*operation)(ip.text());
-  } else {
-    ip.set_text(translate(not_an_ip_number));
-  }
+void IpPage::show_change(const EntryChange& change) {
+  if (!is_ip_address(ip.text())) ip.set_text(translate(change.reason));
   fill_lists();
 }
 
@@ -80,11 +78,9 @@ void IpPage::find_host_name() {
 void IpPage::list_domain(const ListTable& own, const ListTable& other) {
   if (domain.text().find('.') == std::string::npos) return;
   const std::string entry(trim(domain.text()));
-  for (const ListTable& list : {own, other}) {
-    execute(delete_from(list, entry));
-    execute(delete_from(list, "@*" + entry));
-  }
-  execute(insert_into(own, entry));
+  run_entry_steps(
+      *this, std::array{take_off(own), take_off_any(own), take_off(other), take_off_any(other), put_on(own)},
+      entry);
   domain.set_text("");
 }
 

@@ -70,7 +70,7 @@ class IpPage : public ListPage {
   void load() override;
   void fill_lists() override;
 
-  void change(bool (DatabaseClient::*operation)(std::string_view));
+  void show_change(const EntryChange& change);
   void click_autobl();
   void find_host_name();
   void list_domain(const ListTable& own, const ListTable& other);

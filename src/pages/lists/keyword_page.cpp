@@ -1,7 +1,6 @@
 #include "pages/lists/keyword_page.h"
 
 #include "core/text/list_entry.h"
-#include "core/text/text.h"
 
 namespace zrl {
 
@@ -37,8 +36,8 @@ KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keyw
   bind_update(remote, keyword_list_files());
 
   Command1.on_click = [this] { add_subject_keyword(); };
-  Command2.on_click = [this] { add_body_keyword(); };
-  Command7.on_click = [this] { add_subject_white_word(); };
+  Command2.on_click = [this] { add(bodies_); };
+  Command7.on_click = [this] { add(white_); };
   Command3.on_click = [this] { remove(subjects_); };
   Command4.on_click = [this] { remove(bodies_); };
   Command8.on_click = [this] { remove(white_); };
@@ -95,47 +94,21 @@ void KeywordPage::follow_subject_check() {
   Check3.set_enabled(Check1.checked());
 }
 
-// The word to add: the escaped text of the field, trimmed. It may be empty: it is then not stored, and the
-// failed step says so.
-std::string KeywordPage::escaped_word() {
-  Text1.set_text(escape_quotes(Text1.text()));
-  return std::string(trim(Text1.text()));
+void KeywordPage::add(const List& list) {
+  const std::string word = Text1.text();
+  Text1.set_text(escape_quotes(word));
+  add_to(list, word);
+  fill_lists();
 }
 
 // Unlike the others, this one does nothing at all while the field is empty.
 void KeywordPage::add_subject_keyword() {
-  if (Text1.text().empty()) return;
-  const std::string word = escaped_word();
-  add_to_swords(word);
-  execute(delete_from(list::white_subjects, word));
-  purge(white_);
-  fill_lists();
-}
-
-void KeywordPage::add_body_keyword() {
-  add_to_words(escaped_word());
-  fill_lists();
-}
-
-void KeywordPage::add_subject_white_word() {
-  const std::string word = escaped_word();
-  execute(delete_from(list::white_subjects, word));
-  execute(insert_into(list::white_subjects, word));
-  execute(delete_from(list::subject_keywords, word));
-  purge(subjects_);
-  fill_lists();
+  if (!Text1.text().empty()) add(subjects_);
 }
 
 void KeywordPage::remove(const List& list) {
-  execute(delete_from(list.table, trim(Text1.text())));
-  purge(list);
+  remove_from(list, Text1.text());
   fill_lists();
-}
-
-// The second statement never selects a row; it is kept because the sequence of statements is fixed.
-void KeywordPage::purge(const List& list) {
-  execute(delete_from(list.table, ""));
-  execute("DELETE FROM " + list.table.table + " where entry=NULL");
 }
 
 }  // namespace zrl

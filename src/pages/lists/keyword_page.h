@@ -74,16 +74,13 @@ class KeywordPage : public ListPage {
   void follow_subject_check();
   std::string header_check_path();
 
-  std::string escaped_word();
+  void add(const List& list);
   void add_subject_keyword();
-  void add_body_keyword();
-  void add_subject_white_word();
   void remove(const List& list);
-  void purge(const List& list);
 
-  const List subjects_{List1, list::subject_keywords, "Subject Keywords", {}, Entries::all, "entry<>''"};
-  const List bodies_{List2, list::body_keywords, "Body Keywords", {}, Entries::all, "entry<>''"};
-  const List white_{List3, list::white_subjects, "Subject Whitelist", {}, Entries::all, "entry<>''"};
+  const List subjects_{List1, list::subject_keywords, "Subject Keywords", Entries::all, "entry<>''"};
+  const List bodies_{List2, list::body_keywords, "Body Keywords", Entries::all, "entry<>''"};
+  const List white_{List3, list::white_subjects, "Subject Whitelist", Entries::all, "entry<>''"};
 };
 
 }  // namespace zrl

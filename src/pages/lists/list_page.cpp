@@ -3,8 +3,7 @@
 #include <limits>
 #include <memory>
 
-#include "core/text/letter_case.h"
-#include "core/text/text.h"
+#include "core/list_catalogue.h"
 #include "pages/lists/transfer_dialog.h"
 
 namespace zrl {
@@ -37,13 +36,17 @@ void ListPage::bind_update(Button& button, const std::vector<ListFile>& files,
 }
 
 void ListPage::raise_flags(const List& list) {
-  for (const std::string_view flag : list.flags) raise_flag(flag);
+  const KnownList* known = find_list(list.table.name);
+  if (known == nullptr) return;
+  for (const std::string_view flag : known->flags) raise_flag(flag);
 }
 
-void ListPage::remove_lower(const ListTable& list, std::string_view text) {
-  const std::string entry = lower_unicode(text);
-  execute(delete_from(list, entry));
-  if (lower(text) != entry) execute(delete_from(list, text));
+EntryChange ListPage::add_to(const List& list, std::string_view text) {
+  return add_entry(*this, console(), list.table, text);
+}
+
+EntryChange ListPage::remove_from(const List& list, std::string_view text) {
+  return remove_entry(*this, console(), list.table, text);
 }
 
 void ListPage::fill_list_boxes() {
@@ -81,14 +84,6 @@ void ListPage::update_lists(std::span<const ListFile> files) {
   std::string status;
   fetch_lists(*this, component<Downloader>(), status);
   merge_lists(*this, console(), files);
-}
-
-std::string domain_of_address(std::string_view address) {
-  const std::size_t at = address.find('@');
-  if (at == address.npos) return {};
-  const std::string_view domain = address.substr(at + 1);
-  const bool valid = domain.find('@') == domain.npos && domain.find('.') != domain.npos;
-  return valid ? lower_unicode(domain) : std::string();
 }
 
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons) {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/list_changes.h"
 #include "core/page.h"
 #include "pages/lists/remote_update.h"
 
@@ -17,9 +18,9 @@ namespace zrl {
 // holds the entry that is added or removed, and clicking an item copies it there. What a list box
 // shows comes from the database alone: every change is followed by fill_lists().
 //
-// A page declares each list as a member, binds its lists, transfer buttons and update button in its
-// constructor, and executes its own statements in its operations. As on every page, no step throws: what
-// fails is recorded, and the operation goes on.
+// A page declares each list as a member and binds its lists, transfer buttons and update button in its
+// constructor. Its operations add and remove entries as core/list_changes.h says for each list. As on every
+// page, no step throws: what fails is recorded, and the operation goes on.
 class ListPage : public Page {
  public:
   using Page::Page;
@@ -32,8 +33,7 @@ class ListPage : public Page {
   struct List {
     ListBox& box;
     ListTable table;
-    std::string_view title = {};               // of its transfer dialog, English
-    std::vector<std::string_view> flags = {};  // announce a change to the proxy, in the order of raising
+    std::string_view title = {};  // of its transfer dialog, English
     Entries entries = Entries::all;
     Literal condition = "";  // of the SELECT, without WHERE; empty selects all rows
   };
@@ -59,10 +59,9 @@ class ListPage : public Page {
   // Raises the list's flags, which makes the proxy read the list again.
   void raise_flags(const List& list);
 
-  // Takes an entry off a list whose page stores entries in lower case. One that came from a file may have
-  // capital letters; the database takes only those of ASCII for their small ones, so a text with others is
-  // also removed as it is.
-  void remove_lower(const ListTable& list, std::string_view text);
+  // add_entry() and remove_entry() of core/list_changes.h.
+  EntryChange add_to(const List& list, std::string_view text);
+  EntryChange remove_from(const List& list, std::string_view text);
 
   // Refills the list boxes, and whatever else the page reads along with them.
   virtual void fill_lists() = 0;
@@ -85,10 +84,6 @@ class ListPage : public Page {
   std::vector<BoundList> lists_;
   Place place_ = Place::forgotten;
 };
-
-// The domain of an e-mail address in the form of the domain lists: the text after the first "@", in lower
-// case. Empty if there is no "@", or if that text has another "@" or no dot.
-std::string domain_of_address(std::string_view address);
 
 // The layout of a list on every list page: a titled frame that grows, with a row of buttons, near the
 // field that they work on, and the list below. Several of them fit side by side in a row.

@@ -11,8 +11,8 @@ LocalPage::LocalPage(Console& console) : ListPage(console, "localstuff", "Local 
   bind_transfer(imleft, domains_);
   bind_transfer(imright, addresses_);
 
-  bind_busy(Command1, &LocalPage::add);
-  Command2.on_click = [this] { remove(); };
+  bind_busy(Command1, &LocalPage::add_text);
+  Command2.on_click = [this] { remove_text(); };
   Command3.on_click = [this] { fill_lists(); };
 
   List1.set_acts({&Text1, &Command1, &Command2});
@@ -32,23 +32,14 @@ void LocalPage::fill_lists() {
   load_switches();
 }
 
-void LocalPage::add() {
-  const std::string entry(trim(Text1.text()));
-  if (is_ip_address(entry)) {
-    execute(delete_from(list::local_addresses, entry));
-    execute(insert_into(list::local_addresses, entry));
-  } else if (!entry.empty()) {
-    execute(delete_from(list::local_domains, entry));
-    execute(insert_into(list::local_domains, entry));
-  }
+void LocalPage::add_text() {
+  add_to(is_ip_address(trim(Text1.text())) ? addresses_ : domains_, Text1.text());
   fill_lists();
 }
 
-void LocalPage::remove() {
-  const std::string entry(trim(Text1.text()));
-  if (entry.empty()) return;
-  execute(delete_from(list::local_addresses, entry));
-  execute(delete_from(list::local_domains, entry));
+void LocalPage::remove_text() {
+  if (trim(Text1.text()).empty()) return;
+  remove_from(domains_, Text1.text());
   fill_lists();
 }
 

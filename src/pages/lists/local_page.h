@@ -48,8 +48,8 @@ class LocalPage : public ListPage {
 
   void fill_lists() override;
 
-  void add();
-  void remove();
+  void add_text();
+  void remove_text();
 };
 
 }  // namespace zrl

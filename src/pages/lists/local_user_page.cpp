@@ -1,10 +1,19 @@
 #include "pages/lists/local_user_page.h"
 
+#include <array>
+
 #include "core/contracts/directory.h"
 #include "core/text/letter_case.h"
-#include "core/text/text.h"
 
 namespace zrl {
+
+namespace {
+
+bool has_at(std::string_view text) {
+  return text.find('@') != text.npos;
+}
+
+}  // namespace
 
 LocalUserPage::LocalUserPage(Console& console) : ListPage(console, "localuser", "Local users") {
   bind_lists(uemail, Place::forgotten, {users_});
@@ -38,27 +47,16 @@ void LocalUserPage::fill_lists() {
   load_switches();
 }
 
-// A user who is added twice is stored twice; the domain is stored once.
 void LocalUserPage::add_user() {
   uemail.set_text(lower_unicode(uemail.text()));
-  if (uemail.text().find('@') == std::string::npos) return;
-  const std::string address(trim(uemail.text()));
-  const Statement addition = insert_into(list::local_users, address);
-  // The flag also makes the proxy read the local users again.
-  if (addition.fault().empty()) raise_flag("reloadblack");
-  const bool stored = execute(addition);
-  if (const std::string domain = domain_of_address(address); stored && !domain.empty()) {
-    execute(delete_from(list::local_domains, domain));
-    execute(insert_into(list::local_domains, domain));
-  }
+  if (!has_at(uemail.text())) return;
+  add_to(users_, uemail.text());
   fill_lists();
 }
 
-// The address is used as written, and its domain stays local.
 void LocalUserPage::remove_user() {
-  if (uemail.text().find('@') == std::string::npos) return;
-  raise_flag("reloadblack");
-  execute(delete_from(list::local_users, trim(uemail.text())));
+  if (!has_at(uemail.text())) return;
+  remove_from(users_, uemail.text());
   fill_lists();
 }
 
@@ -81,7 +79,7 @@ void LocalUserPage::click_check_real_ad() {
   if (check_real_ad.checked()) root_domain = directory_root();
   check_real_ad.set_checked(!root_domain.empty());
   set_option("check_real_ad", check_real_ad.value());
-  if (!root_domain.empty()) execute(insert_into(list::local_domains, root_domain));
+  if (!root_domain.empty()) run_entry_steps(*this, std::array{put_on(list::local_domains)}, root_domain);
 }
 
 std::string LocalUserPage::directory_root() {

@@ -46,7 +46,7 @@ class LocalUserPage : public ListPage {
                            "Refuses senders from outside who claim the address of a local user"};
 
  private:
-  const List users_{List1, list::local_users, "Local User", {}, Entries::with_at};
+  const List users_{List1, list::local_users, "Local User", Entries::with_at};
 
   void load() override;
   void fill_lists() override;

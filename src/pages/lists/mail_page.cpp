@@ -1,5 +1,7 @@
 #include "pages/lists/mail_page.h"
 
+#include <array>
+
 #include "core/text/letter_case.h"
 #include "core/text/text.h"
 
@@ -20,8 +22,8 @@ MailPage::MailPage(Console& console) : ListPage(console, "wbuser", "E-mail addre
   bind_transfer(imright, white_);
   bind_update(remotelist, mail_list_files());
 
-  bind_busy(addwhite, [this] { add(white_, black_, list::black_domains); });
-  bind_busy(addblack, [this] { add(black_, white_, list::white_domains); });
+  bind_busy(addwhite, [this] { add_address(white_); });
+  bind_busy(addblack, [this] { add_address(black_); });
   remove.on_click = [this] { remove_address(); };
 
   whitel.set_acts({&mail, &addwhite, &remove});
@@ -45,34 +47,23 @@ void MailPage::fill_lists() {
   fill_list_boxes();
 }
 
-// Nothing is deleted first, so an address that is added twice is stored twice. The flags are raised
-// even if nothing was stored.
-void MailPage::add(const List& own, const List& other, const ListTable& other_domains) {
+void MailPage::add_address(const List& list) {
   mail.set_text(lower_unicode(mail.text()));
-  const std::string_view address = trim(mail.text());
-  if (has_at(address)) {
-    execute(insert_into(own.table, address));
-    execute(delete_from(other.table, address));
-    const std::string domain = domain_of_address(address);
-    if (!domain.empty()) execute(delete_from(other_domains, domain));
-    fill_lists();
-  }
-  raise_flags(own);
+  add_to(list, mail.text());
+  if (has_at(mail.text())) fill_lists();
 }
 
 void MailPage::remove_address() {
-  const std::string address(trim(mail.text()));
-  mail.set_text(lower_unicode(mail.text()));
-  remove_lower(list::black_mails, address);
-  remove_lower(list::white_mails, address);
-  for (const std::string_view flag : {"reloadwhite", "reloadblack", "reloadauto"}) raise_flag(flag);
+  const std::string address = mail.text();
+  mail.set_text(lower_unicode(address));
+  remove_from(black_, address);
   fill_lists();
 }
 
 void MailPage::remove_local_user() {
   run([this] {
     if (!has_at(mail.text())) return;
-    execute(delete_from(list::local_users, trim(mail.text())));
+    run_entry_steps(*this, std::array{take_off(list::local_users)}, trim(mail.text()));
     fill_lists();
   });
 }

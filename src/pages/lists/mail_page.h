@@ -47,16 +47,13 @@ class MailPage : public ListPage {
   void remove_local_user();
 
  private:
-  const List white_{
-      whitel, list::white_mails, "eMail Whitelist", {"reloadwhite", "reloadauto"}, Entries::with_at};
-  const List black_{
-      blackl, list::black_mails, "eMail Blacklist", {"reloadblack", "reloadauto"}, Entries::with_at};
+  const List white_{whitel, list::white_mails, "eMail Whitelist", Entries::with_at};
+  const List black_{blackl, list::black_mails, "eMail Blacklist", Entries::with_at};
 
   void load() override;
   void fill_lists() override;
 
-  // Adds the address to `own`; it leaves `other`, and its domain leaves `other_domains`.
-  void add(const List& own, const List& other, const ListTable& other_domains);
+  void add_address(const List& list);
   void remove_address();
 };
 

@@ -1,30 +1,8 @@
 #include "pages/lists/subnet_page.h"
 
-#include "core/text/list_entry.h"
 #include "core/text/text.h"
 
 namespace zrl {
-
-namespace {
-
-// Trims the field and writes the prefix length in digits alone, without a sign or zeros at its front; true if
-// the field holds a network. The prefix length is cut off by the trimmed address's length, so a blank before
-// the slash leaves the slash in it, and the text is refused.
-bool check_subnet(TextField& field) {
-  field.set_text(trim(field.text()));
-  const std::string text = field.text();
-  const std::size_t slash = text.find('/');
-  if (slash == text.npos) return false;
-  const std::string address(trim(std::string_view(text).substr(0, slash)));
-  const auto prefix_length = to_number(text.substr(address.size() + 1));
-  constexpr int longest = 32;
-  if (!is_ip_address(address) || !prefix_length || *prefix_length < 1 || *prefix_length > longest)
-    return false;
-  field.set_text(address + "/" + std::to_string(*prefix_length));
-  return true;
-}
-
-}  // namespace
 
 SubnetPage::SubnetPage(Console& console) : ListPage(console, "subnets", "Subnets") {
   bind_lists(subin, Place::kept, {black_, white_});
@@ -32,9 +10,9 @@ SubnetPage::SubnetPage(Console& console) : ListPage(console, "subnets", "Subnets
   bind_transfer(imleft, white_);
   bind_transfer(imright, black_);
 
-  addwhite.on_click = [this] { add(white_, black_); };
-  addblack.on_click = [this] { add(black_, white_); };
-  removeit.on_click = [this] { remove(); };
+  addwhite.on_click = [this] { add_network(white_); };
+  addblack.on_click = [this] { add_network(black_); };
+  removeit.on_click = [this] { remove_network(); };
 
   whitesub.set_acts({&subin, &addwhite, &removeit});
   blacksub.set_acts({&subin, &addblack, &removeit});
@@ -52,21 +30,19 @@ void SubnetPage::fill_lists() {
   fill_list_boxes();
 }
 
-// Nothing is deleted from the network's own list first, so a network that is added twice is stored twice.
-void SubnetPage::add(const List& own, const List& other) {
-  if (!check_subnet(subin)) {
+void SubnetPage::add_network(const List& list) {
+  subin.set_text(trim(subin.text()));
+  const EntryChange change = add_to(list, subin.text());
+  if (change.entry.empty()) {
     show_error("Please refer to your manual", "Incorrect Syntax");
     return;
   }
-  execute(insert_into(own.table, subin.text()));
-  own.box.add_item(subin.text());
-  execute(delete_from(other.table, subin.text()));
+  subin.set_text(change.entry);
   fill_lists();
 }
 
-void SubnetPage::remove() {
-  execute(delete_from(list::black_subnets, subin.text()));
-  execute(delete_from(list::white_subnets, subin.text()));
+void SubnetPage::remove_network() {
+  remove_from(black_, subin.text());
   fill_lists();
 }
 

@@ -44,8 +44,8 @@ class SubnetPage : public ListPage {
 
   void fill_lists() override;
 
-  void add(const List& own, const List& other);
-  void remove();
+  void add_network(const List& list);
+  void remove_network();
 };
 
 }  // namespace zrl

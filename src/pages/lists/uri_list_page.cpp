@@ -8,8 +8,8 @@ UriListPage::UriListPage(Console& console) : ListPage(console, "surbl", "URI blo
   bind_lists(Text1, Place::kept, {zones_});
   bind_switches({{enablesurbl, "enablesurbl"}});
   bind_transfer(Command3, zones_);
-  adduri.on_click = [this] { add(); };
-  removeuri.on_click = [this] { remove(); };
+  adduri.on_click = [this] { show_change(add_to(zones_, Text1.text())); };
+  removeuri.on_click = [this] { show_change(remove_from(zones_, Text1.text())); };
   bind_busy(testit, &UriListPage::test);
 
   List1.set_acts({&Text1, &adduri, &removeuri});
@@ -32,16 +32,8 @@ void UriListPage::fill_lists() {
   load_switches();
 }
 
-void UriListPage::add() {
-  Text1.set_text(trim(Text1.text()));
-  execute(delete_from(list::uri_zones, Text1.text()));
-  execute(insert_into(list::uri_zones, Text1.text()));
-  fill_lists();
-}
-
-void UriListPage::remove() {
-  Text1.set_text(trim(Text1.text()));
-  execute(delete_from(list::uri_zones, Text1.text()));
+void UriListPage::show_change(const EntryChange& change) {
+  Text1.set_text(change.entry);
   fill_lists();
 }
 

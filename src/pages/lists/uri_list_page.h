@@ -45,8 +45,7 @@ class UriListPage : public ListPage {
   void load() override;
   void fill_lists() override;
 
-  void add();
-  void remove();
+  void show_change(const EntryChange& change);
   void test();
 
   const List zones_{List1, list::uri_zones, "URI Realtime Blocklists "};

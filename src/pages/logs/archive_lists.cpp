@@ -1,5 +1,8 @@
 #include "pages/logs/archive_lists.h"
 
+#include <array>
+
+#include "core/list_changes.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -29,17 +32,16 @@ void ArchiveLists::fill() {
 // The second statement is executed for the address lists too, where it matches nothing.
 bool ArchiveLists::remove_entry() {
   if (entry_.text().empty() || touched_ == nullptr) return false;
-  steps_.execute(delete_from(touched_->list, entry_.text()));
-  if (touched_->second_removal) {
-    steps_.execute(delete_from(touched_->list, std::string(any_mailbox) + entry_.text()));
-  }
+  const std::string entry = entry_.text();
+  const auto remove = std::array{take_off(touched_->list)};
+  run_entry_steps(steps_, remove, entry);
+  if (touched_->second_removal) run_entry_steps(steps_, remove, std::string(any_mailbox) + entry);
   return true;
 }
 
 void ArchiveLists::list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite) {
   const std::string address(trim(sender));
-  steps_.execute(delete_from(opposite, address));
-  steps_.execute(insert_into(own, address));
+  run_entry_steps(steps_, std::array{take_off(opposite), put_on(own)}, address);
 }
 
 }  // namespace zrl

@@ -1,5 +1,8 @@
 #include "pages/logs/avlog_page.h"
 
+#include <array>
+
+#include "core/list_changes.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -97,12 +100,11 @@ void AvlogPage::click_sender() {
 
 void AvlogPage::list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite) {
   const std::string entry = lower(trim(sender));
-  execute(insert_into(own, entry));
-  execute(delete_from(opposite, entry));
+  run_entry_steps(*this, std::array{put_on(own), take_off(opposite)}, entry);
 }
 
 void AvlogPage::unlist_sender(std::string_view sender, const ListTable& first, const ListTable& second) {
-  for (const ListTable& list : {first, second}) execute(delete_from(list, lower(trim(sender))));
+  run_entry_steps(*this, std::array{take_off(first), take_off(second)}, lower(trim(sender)));
 }
 
 // The order of the steps differs from that for a single address, on purpose.

@@ -1,5 +1,8 @@
 #include "pages/logs/keywordlog_page.h"
 
+#include <array>
+
+#include "core/list_changes.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -100,7 +103,7 @@ void KeywordlogPage::remove_keyword() {
   const ListTable& keywords = body.chosen() ? list::body_keywords : list::subject_keywords;
   lower_case_once(keywords);
   execute(delete_from(log_table(), "keyword", keyword));
-  execute(delete_from(keywords, keyword));
+  run_entry_steps(*this, std::array{take_off(keywords)}, keyword);
   refresh_log();
 }
 
@@ -108,8 +111,7 @@ void KeywordlogPage::list_sender(const ListTable& own, const ListTable& opposite
   mfrom.set_text(lower(trim(mfrom.text())));
   lower_case_once(own);
   lower_case_once(opposite);
-  execute(insert_into(own, mfrom.text()));
-  execute(delete_from(opposite, mfrom.text()));
+  run_entry_steps(*this, std::array{put_on(own), take_off(opposite)}, mfrom.text());
   if (!mfrom.text().empty()) forget_sender();
 }
 
@@ -117,9 +119,7 @@ void KeywordlogPage::list_domain(std::string_view domain, const ListTable& own, 
   const std::string entry(trim(domain));
   lower_case_once(list::black_domains);
   lower_case_once(list::white_domains);
-  execute(delete_from(own, entry));
-  execute(delete_from(opposite, entry));
-  execute(insert_into(own, entry));
+  run_entry_steps(*this, std::array{take_off(own), take_off(opposite), put_on(own)}, entry);
   forget_sender();
 }
 

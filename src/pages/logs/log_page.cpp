@@ -1,7 +1,9 @@
 #include "pages/logs/log_page.h"
 
+#include <array>
 #include <utility>
 
+#include "core/list_changes.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -56,22 +58,19 @@ std::optional<std::uint64_t> LogPage::count_rows(const Statement& select) {
 void LogPage::blacklist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
   if (entry.empty()) return;
-  execute(delete_from(list::white_domains, entry));
-  execute(insert_into(list::black_domains, entry));
+  run_entry_steps(*this, std::array{take_off(list::white_domains), put_on(list::black_domains)}, entry);
 }
 
 void LogPage::whitelist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
   if (entry.empty()) return;
-  execute(delete_from(list::black_domains, entry));
-  execute(insert_into(list::white_domains, entry));
+  run_entry_steps(*this, std::array{take_off(list::black_domains), put_on(list::white_domains)}, entry);
 }
 
 void LogPage::unlist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
   if (entry.empty()) return;
-  execute(delete_from(list::white_domains, entry));
-  execute(delete_from(list::black_domains, entry));
+  run_entry_steps(*this, std::array{take_off(list::white_domains), take_off(list::black_domains)}, entry);
 }
 
 void LogPage::connect_by_telnet(const std::string& target) {

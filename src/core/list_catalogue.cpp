@@ -1,0 +1,233 @@
+#include "core/list_catalogue.h"
+
+#include <algorithm>
+
+namespace zrl {
+
+namespace {
+
+constexpr ListSwitch domains[] = {{"checkbw", "Use the domain lists"}};
+constexpr ListSwitch local_domains[] = {{"norelay", "Refuse relaying"},
+                                        {"checklocalhelo", "Check local HELO names"},
+                                        {"nofakedom", "Protect local domains"}};
+constexpr ListSwitch local_addresses[] = {{"norelay", "Refuse relaying"},
+                                          {"checklocalhelo", "Check local HELO names"}};
+constexpr ListSwitch exempt_domains[] = {{"exceptdomain", "Use the domain exceptions"}};
+constexpr ListSwitch exempt_mails[] = {{"exceptmail", "Use the address exceptions"}};
+constexpr ListSwitch addresses[] = {{"ip_checking", "Use the IP lists"}};
+constexpr ListSwitch subnets[] = {{"subnetcheck", "Use the subnet lists"}};
+constexpr ListSwitch mails[] = {{"checkmail", "Sender addresses"}};
+constexpr ListSwitch users[] = {{"localmail", "Check recipients"}, {"nofakemail", "Protect local users"}};
+constexpr ListSwitch subjects[] = {{"checksubject", "Subject"}};
+constexpr ListSwitch bodies[] = {{"checkbody", "Message body"}};
+// The white list of subjects works only while subjects are checked.
+constexpr ListSwitch white_subjects[] = {{"checksubject", "Subject"},
+                                         {"enablesubjectwhite", "Use the subject white list"}};
+constexpr ListSwitch zones[] = {{"RBLcheck", "Use the DNS block lists"}};
+constexpr ListSwitch uri_zones[] = {{"enablesurbl", "Use the URI block lists"}};
+constexpr ListSwitch files[] = {{"checkfiles", "File names of attachments"},
+                                {"checkfilesstream", "File names in the message stream"}};
+constexpr ListSwitch extensions[] = {{"checkextension", "Extensions of attachments"}};
+
+// Of domains, the proxy's rule for sub-domains is its own; the lists of domains hold e-mail addresses too.
+constexpr Matches of_domain{Match::same, Match::any_address, Match::parent_domain};
+constexpr Matches domain_decides{Match::same, Match::any_address};
+constexpr Matches of_entry{Match::same};
+constexpr Matches of_network{Match::same, Match::network};
+constexpr Matches of_mail{Match::same, Match::any_address};
+constexpr Matches of_words{Match::word, Match::expression};
+constexpr Matches of_extension{Match::same, Match::extension};
+
+constexpr std::string_view black[] = {"reloadblack"};
+constexpr std::string_view white[] = {"reloadwhite"};
+constexpr std::string_view black_mail[] = {"reloadblack", "reloadauto"};
+constexpr std::string_view white_mail[] = {"reloadwhite", "reloadauto"};
+
+constexpr KnownList lists[] = {
+    {.table = list::black_domains,
+     .title = "Domain black list",
+     .phrase = "%1 is on the domain black list",
+     .page = "domainbw",
+     .effect = Effect::rejects,
+     .matches = of_domain,
+     .decides = domain_decides,
+     .switches = domains,
+     .flags = black},
+    {.table = list::white_domains,
+     .title = "Domain white list",
+     .phrase = "%1 is on the domain white list",
+     .page = "domainbw",
+     .effect = Effect::allows,
+     .matches = of_domain,
+     .decides = domain_decides,
+     .switches = domains,
+     .flags = white},
+    {.table = list::local_domains,
+     .title = "Local domains",
+     .phrase = "%1 is a local domain",
+     .page = "localstuff",
+     .effect = Effect::makes_local,
+     .matches = of_domain,
+     .decides = of_entry,
+     .switches = local_domains},
+    {.table = list::exempt_domains,
+     .title = "Exempt domains",
+     .phrase = "%1 is an exempt domain",
+     .page = "exceptions",
+     .effect = Effect::exempts,
+     .matches = of_domain,
+     .decides = of_entry,
+     .switches = exempt_domains},
+    {.table = list::black_addresses,
+     .title = "IP black list",
+     .phrase = "%1 is on the IP black list",
+     .page = "ipbw",
+     .effect = Effect::rejects,
+     .matches = of_entry,
+     .decides = of_entry,
+     .switches = addresses},
+    {.table = list::white_addresses,
+     .title = "IP white list",
+     .phrase = "%1 is on the IP white list",
+     .page = "ipbw",
+     .effect = Effect::allows,
+     .matches = of_entry,
+     .decides = of_entry,
+     .switches = addresses},
+    {.table = list::local_addresses,
+     .title = "Local IP numbers",
+     .phrase = "%1 is a local IP number",
+     .page = "localstuff",
+     .effect = Effect::makes_local,
+     .matches = of_entry,
+     .decides = of_entry,
+     .switches = local_addresses},
+    {.table = list::black_subnets,
+     .title = "Subnet black list",
+     .phrase = "%1 is on the subnet black list",
+     .page = "subnets",
+     .effect = Effect::rejects,
+     .matches = of_network,
+     .decides = of_network,
+     .switches = subnets},
+    {.table = list::white_subnets,
+     .title = "Subnet white list",
+     .phrase = "%1 is on the subnet white list",
+     .page = "subnets",
+     .effect = Effect::allows,
+     .matches = of_network,
+     .decides = of_network,
+     .switches = subnets},
+    {.table = list::black_mails,
+     .title = "E-mail black list",
+     .phrase = "%1 is on the e-mail black list",
+     .page = "wbuser",
+     .effect = Effect::rejects,
+     .matches = of_mail,
+     .decides = of_entry,
+     .switches = mails,
+     .flags = black_mail},
+    {.table = list::white_mails,
+     .title = "E-mail white list",
+     .phrase = "%1 is on the e-mail white list",
+     .page = "wbuser",
+     .effect = Effect::allows,
+     .matches = of_mail,
+     .decides = of_entry,
+     .switches = mails,
+     .flags = white_mail},
+    {.table = list::exempt_mails,
+     .title = "Exempt e-mail addresses",
+     .phrase = "%1 is an exempt e-mail address",
+     .page = "exceptions",
+     .effect = Effect::exempts,
+     .matches = of_mail,
+     .decides = of_entry,
+     .switches = exempt_mails},
+    {.table = list::local_users,
+     .title = "Local users",
+     .phrase = "%1 is a local user",
+     .page = "localuser",
+     .effect = Effect::makes_local,
+     .matches = of_mail,
+     .decides = of_entry,
+     .switches = users},
+    {.table = list::subject_keywords,
+     .title = "Subject keywords",
+     .phrase = "%1 is a subject keyword",
+     .page = "keywords",
+     .effect = Effect::rejects,
+     .matches = of_words,
+     .decides = of_words,
+     .switches = subjects},
+    {.table = list::body_keywords,
+     .title = "Body keywords",
+     .phrase = "%1 is a body keyword",
+     .page = "keywords",
+     .effect = Effect::rejects,
+     .matches = of_words,
+     .decides = of_words,
+     .switches = bodies},
+    {.table = list::white_subjects,
+     .title = "Subject white list",
+     .phrase = "%1 is on the subject white list",
+     .page = "keywords",
+     .effect = Effect::allows,
+     .matches = of_words,
+     .decides = of_words,
+     .switches = white_subjects,
+     .all_switches = true},
+    {.table = list::black_zones,
+     .title = "DNS black lists",
+     .phrase = "%1 is one of the DNS black lists",
+     .page = "rblists",
+     .effect = Effect::is_asked,
+     .matches = of_entry,
+     .decides = {},
+     .switches = zones},
+    {.table = list::white_zones,
+     .title = "DNS white lists",
+     .phrase = "%1 is one of the DNS white lists",
+     .page = "rblists",
+     .effect = Effect::is_asked,
+     .matches = of_entry,
+     .decides = {},
+     .switches = zones},
+    {.table = list::uri_zones,
+     .title = "URI black lists",
+     .phrase = "%1 is one of the URI black lists",
+     .page = "surbl",
+     .effect = Effect::is_asked,
+     .matches = of_entry,
+     .decides = {},
+     .switches = uri_zones},
+    {.table = list::file_names,
+     .title = "Blocked file names",
+     .phrase = "%1 is a blocked file name",
+     .page = "filescanner",
+     .effect = Effect::rejects,
+     .matches = of_entry,
+     .decides = of_entry,
+     .switches = files},
+    {.table = list::extensions,
+     .title = "Blocked extensions",
+     .phrase = "%1 is a blocked extension",
+     .page = "filescanner",
+     .effect = Effect::rejects,
+     .matches = of_extension,
+     .decides = of_extension,
+     .switches = extensions},
+};
+
+}  // namespace
+
+std::span<const KnownList> known_lists() {
+  return lists;
+}
+
+const KnownList* find_list(std::string_view name) {
+  const auto found = std::ranges::find(lists, name, [](const KnownList& one) { return one.table.name; });
+  return found == std::end(lists) ? nullptr : found;
+}
+
+}  // namespace zrl
