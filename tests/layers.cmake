@@ -17,7 +17,7 @@ set(rules
                       pages/lists/list_page.h pages/lists/remote_update.h pages/lists/transfer_dialog.h
                       pages/tools/composer_dialog.h"
   "pages/logs/      : core/ core/contracts/ core/text/
-                      pages/logs/log_page.h pages/logs/archive_lists.h
+                      pages/logs/log_page.h pages/logs/archive_lists.h pages/logs/message_rows.h
                       pages/tools/composer_dialog.h"
   "pages/tools/     : core/ core/contracts/ core/text/"
   "scripting/vbscript/ : scripting/vbscript/ core/contracts/ core/text/"

@@ -17,6 +17,7 @@
 #include "pages/logs/avlog_page.h"
 #include "pages/logs/iplog_page.h"
 #include "pages/logs/keywordlog_page.h"
+#include "pages/logs/messages_page.h"
 #include "pages/logs/monitor_page.h"
 #include "pages/logs/predatalog_page.h"
 #include "pages/logs/stati_page.h"
@@ -49,6 +50,7 @@ std::span<const PageEntry> page_catalogue() {
       {"surbl", "Lists", "URI block lists", make_page<UriListPage>},
       {"wordreplace", "Lists", "Word replacement", make_page<ReplacementPage>},
       {"filescanner", "Lists", "Attachments", make_page<FilePage>},
+      {"messages", "Logs", "Messages", make_page<MessagesPage>},
       {"iplog", "Logs", "IP log", make_page<IplogPage>},
       {"predatalog", "Logs", "Header log", make_page<PredatalogPage>},
       {"keywordlog", "Logs", "Keyword log", make_page<KeywordlogPage>},

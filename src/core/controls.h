@@ -303,6 +303,7 @@ class ComboBox : public ItemsControl {
   struct Style {
     bool editable = false;
     std::string_view placeholder = {};  // shown while the text is empty
+    bool words = false;  // the items are English words, for machines; hosts translate them for people
   };
 
   ComboBox(Form& form, std::string_view name, std::string_view tool_tip, const Style& style);

@@ -8,7 +8,8 @@
 namespace zrl {
 
 std::string_view name_of(ColumnKind kind) {
-  static constexpr std::array<std::string_view, 5> names = {"text", "number", "time", "address", "verdict"};
+  static constexpr std::array<std::string_view, 6> names = {"text",    "number",  "time",
+                                                            "address", "verdict", "word"};
   return names[static_cast<std::size_t>(kind)];
 }
 

@@ -19,6 +19,7 @@ enum class ColumnKind : std::uint8_t {
   time,     // "2026-09-01 08:15:00" or its fourteen digits, in the local time of the machine
   address,  // an IP address or network, whose characters are best of one width
   verdict,  // "rejected", "allowed" or "neutral"
+  word,     // an English word of the page's own, for machines; hosts translate it for people
 };
 
 // "text", "number" and so on, as hosts print it.
@@ -116,6 +117,9 @@ class RowSource {
   // Appends the rows from position `first` on, at most `count`. Fewer come at the end of the rows, after a
   // problem, and where the source bounds the work of one call; none only if there are none there.
   virtual void read(std::uint64_t first, std::uint64_t count, TableRows& rows) = 0;
+  // Goes on with a search that read() has broken off because of the time, for a while; false if it is over. A
+  // page whose source breaks searches off calls it in a timer.
+  virtual bool read_on() { return false; }
   // Appends the row with the key; false if there is none, whatever the filter.
   virtual bool read_key(std::string_view key, TableRows& rows) = 0;
   // Where the row with the key is in the view; nothing if it is not, or that would cost too much.

@@ -123,6 +123,16 @@ TableRows Table::read(std::uint64_t first, std::uint64_t count) {
   return rows;
 }
 
+TableRows Table::read_on(std::uint64_t first, std::uint64_t count) {
+  TableRows rows = read(first, count);
+  bool more = source_ != nullptr && rows.size() < count;
+  while (more && rows.size() < count) {
+    form().run([&] { more = source_->read_on(); });
+    rows = read(first, count);
+  }
+  return rows;
+}
+
 TableRows Table::read_key(std::string_view key) {
   TableRows rows;
   if (source_ != nullptr) form().run([&] { source_->read_key(key, rows); });
@@ -212,8 +222,10 @@ void HeldRows::start(const TableView& view) {
     }
     return to_number(a).value_or(0) < to_number(b).value_or(0);
   };
-  std::ranges::stable_sort(order_, [&](std::uint32_t left, std::uint32_t right) {
-    return view.descending ? less(right, left) : less(left, right);
+  std::ranges::sort(order_, [&](std::uint32_t left, std::uint32_t right) {
+    if (less(left, right)) return !view.descending;
+    if (less(right, left)) return view.descending;
+    return left < right;
   });
 }
 

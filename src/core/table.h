@@ -70,6 +70,8 @@ class Table : public CaptionedControl {
   // What hosts and pages read; see RowSource.
   RowCount count();
   TableRows read(std::uint64_t first, std::uint64_t count);
+  // The same window, with the time it takes: for hosts in which nothing else happens meanwhile.
+  TableRows read_on(std::uint64_t first, std::uint64_t count);
   TableRows read_key(std::string_view key);
   std::optional<std::uint64_t> position_of(std::string_view key);
   // Why the rows are not as asked for, in the user's language; empty if all is well.

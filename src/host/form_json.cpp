@@ -75,7 +75,7 @@ namespace {
 void add_table(Table& table, const RowWindow& window, boost::json::object& properties) {
   properties["columns"] = columns_json(table);
   // Windows first: reading them may find out more about the count.
-  const TableRows rows = table.read(window.first, window.count);
+  const TableRows rows = table.read_on(window.first, window.count);
   const RowCount count = table.count();
   properties["total"] = count.rows;
   if (!count.exact) properties["more"] = true;

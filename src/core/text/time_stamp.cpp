@@ -82,4 +82,16 @@ std::optional<std::string> typed_time(std::string_view text, bool last) {
   return time;
 }
 
+std::optional<std::string> since_time(std::string_view text, std::int64_t now) {
+  text = trim(text);
+  constexpr std::pair<char, std::int64_t> units[] = {{'m', 60}, {'h', 3600}, {'d', 86'400}, {'w', 604'800}};
+  for (const auto& [unit, seconds] : units) {
+    if (text.empty() || text.back() != unit) continue;
+    const auto count = to_number(text.substr(0, text.size() - 1));
+    if (!count || *count < 0 || *count > now / seconds) return {};
+    return log_time(now - *count * seconds);
+  }
+  return typed_time(text, false);
+}
+
 }  // namespace zrl

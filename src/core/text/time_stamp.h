@@ -20,4 +20,8 @@ std::string log_time(std::int64_t seconds);
 // second, or with `last` the last; the same with a minute. Nothing if it is none of these.
 std::optional<std::string> typed_time(std::string_view text, bool last);
 
+// The same for the beginning of a period: also so many minutes, hours, days or weeks before `now` (seconds
+// since 1970), "90m", "24h", "7d", "2w".
+std::optional<std::string> since_time(std::string_view text, std::int64_t now);
+
 }  // namespace zrl

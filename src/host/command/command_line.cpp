@@ -34,6 +34,19 @@ Examples:
   zrlconsole do --json general Combo1=german
 )";
 
+constexpr const char* help_of_messages = R"(
+A filter has parts that must all hold: words that a row contains, and
+  from:ann@example.com   the sender; from:example.com those of a domain
+  to:bob                 a text of the recipient
+  ip:192.0.2.7           the client; also ip:192.0.2.0/24
+  reason:rbl             a text of the reason or keyword
+Values with blanks stand in quotes.
+
+Examples:
+  zrlconsole messages --since 24h --filter 'from:example.net'
+  zrlconsole messages --filter 'ip:192.0.2.0/24 reason:"your helo"' --csv --limit 1000
+)";
+
 constexpr const char* help_of_registry = R"(
 Examples:
   zrlconsole registry get 'HKLM\SOFTWARE\Mirvan\dataprovider'
@@ -67,6 +80,7 @@ struct Parser {
   CLI::App* serve;
   CLI::App* pages;
   CLI::App* act;
+  CLI::App* messages;
   CLI::App* script;
   CLI::App* registry;
   CLI::App* get;
@@ -119,6 +133,17 @@ struct Parser {
     act->positionals_at_end();
     act->footer(help_of_do);
 
+    messages = app.add_subcommand("messages", "Print what the proxy logged, the newest first");
+    messages->add_option("--since", arguments.messages.since, "From then on: 24h, 7d, 2026-01-31")
+        ->type_name("TIME");
+    messages->add_option("--filter", arguments.messages.filter, "As on the page messages, see below")
+        ->type_name("TEXT");
+    messages->add_option("--limit", arguments.messages.limit, "At most so many rows (default 100)")
+        ->type_name("N");
+    CLI::Option* json = messages->add_flag("--json", arguments.json, "Print an array of objects");
+    messages->add_flag("--csv", arguments.messages.csv, "Print comma-separated values")->excludes(json);
+    messages->footer(help_of_messages);
+
     script = app.add_subcommand("script", "Run script files");
     script->add_flag("--check", arguments.script.check, "Compile them only");
     script->add_option("--call", arguments.script.call, "Then call NAME with INPUT and print its result")
@@ -147,6 +172,7 @@ int run(const Parser& parser, const Program& program, std::istream& in, std::ost
   if (*parser.init) return run_init(arguments, out);
   if (*parser.pages) return run_pages(arguments, program, out);
   if (*parser.act) return run_do(arguments, program, in, out, err);
+  if (*parser.messages) return run_messages(arguments, program, out, err);
   if (*parser.script) {
     ScriptOptions options = arguments.script;
     options.folder = arguments.folder;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <iosfwd>
 #include <stdexcept>
@@ -18,6 +19,14 @@ struct ScriptOptions {
   std::filesystem::path folder;    // of the console whose look-ups scripts may use
 };
 
+// The options of `messages` on the command line.
+struct MessagesOptions {
+  std::string since;   // a time, or how long ago; empty: all
+  std::string filter;  // docs/messages.md
+  std::uint64_t limit = 100;
+  bool csv = false;
+};
+
 // The parsed command line of all commands; each command reads its own part.
 struct Arguments {
   std::filesystem::path folder;
@@ -32,6 +41,7 @@ struct Arguments {
   std::string value;
   ServeOptions serve;
   ScriptOptions script;
+  MessagesOptions messages;
 };
 
 // The command line is wrong; the exit status is then that of a usage error.
@@ -45,6 +55,8 @@ int run_init(const Arguments& arguments, std::ostream& out);
 int run_pages(const Arguments& arguments, const Program& program, std::ostream& out);
 int run_do(const Arguments& arguments, const Program& program, std::istream& in, std::ostream& out,
            std::ostream& err);
+// Prints rows of the logs, the newest first. 2 for a filter that means nothing, 1 if a log could not be read.
+int run_messages(const Arguments& arguments, const Program& program, std::ostream& out, std::ostream& err);
 int run_registry_get(const Arguments& arguments, std::ostream& out);
 int run_registry_set(const Arguments& arguments);
 int run_registry_delete(const Arguments& arguments);

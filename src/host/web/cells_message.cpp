@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <boost/json.hpp>
 
+#include "core/console.h"
+#include "core/form.h"
 #include "core/text/time_stamp.h"
 #include "core/text/utf8.h"
 
@@ -22,9 +24,15 @@ json::string part(std::string_view text, std::size_t& bytes) {
   return result;
 }
 
-json::value cell_json(const Column& column, const TableRows& rows, std::size_t row, std::size_t index,
+json::value cell_json(const Table& table, const TableRows& rows, std::size_t row, std::size_t index,
                       std::size_t& bytes) {
-  const std::string_view text = rows.cell_at(row, index);
+  const Column& column = table.columns()[index];
+  std::string_view text = rows.cell_at(row, index);
+  std::string translated;
+  if (column.kind == ColumnKind::word) {
+    translated = table.form().console().localisation().translate(text);
+    text = translated;
+  }
   json::object cell{{"text", part(text, bytes)}};
   if (column.kind == ColumnKind::time) {
     if (const auto seconds = seconds_of(text)) cell["at"] = *seconds;
@@ -49,7 +57,7 @@ std::string cells_message(std::string_view form, Table& table, std::uint64_t req
   for (std::size_t row = 0; row < rows.size() && bytes < longest_cells; ++row) {
     json::array cells;
     for (std::size_t i = 0; i < table.columns().size(); ++i) {
-      cells.push_back(cell_json(table.columns()[i], rows, row, i, bytes));
+      cells.push_back(cell_json(table, rows, row, i, bytes));
     }
     told.push_back(json::object{{"key", valid_utf8(rows.key(row))}, {"cells", std::move(cells)}});
   }

@@ -4,6 +4,7 @@
 #include <boost/json/array.hpp>
 #include <boost/json/value.hpp>
 
+#include "core/console.h"
 #include "core/text/text.h"
 #include "host/form_json.h"
 
@@ -25,8 +26,16 @@ LabelNames label_names(const Form& form) {
   return names;
 }
 
+bool has_words(const Control& control) {
+  return control.kind() == ControlKind::combo_box && static_cast<const ComboBox&>(control).style().words;
+}
+
 json::value property_json(const Control& control, Property property) {
   const PropertyValue value = control.get(property);
+  if (property == Property::text && has_words(control)) {
+    const auto word = std::get<std::string_view>(value);
+    return to_json(std::string_view(control.form().console().localisation().translate(word)));
+  }
   const auto* items = std::get_if<const StringList*>(&value);
   if (items == nullptr) return to_json(value);
   return json::object{{"length", (*items)->size()}, {"revision", control.revision(property)}};

@@ -127,6 +127,8 @@ std::string closed_message(std::string_view form) {
 std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64_t request, WindowOf window,
                          const ListView& view, const std::optional<Sought>& sought) {
   const StringList& items = list.items();
+  const bool words =
+      list.kind() == ControlKind::combo_box && static_cast<const ComboBox&>(list).style().words;
   const std::vector<std::uint32_t>* matches = view.is_whole() ? nullptr : &shown.filter.rows(list, view);
   const std::uint64_t length = matches == nullptr ? items.size() : matches->size();
   const std::uint64_t start = std::min(window.start, length);
@@ -136,7 +138,11 @@ std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64
   std::size_t bytes = 0;
   for (std::uint64_t i = start; i < end && bytes < longest_rows; ++i) {
     const std::uint64_t index = matches == nullptr ? i : (*matches)[i];
-    rows.push_back(valid_part(items[index], longest_row));
+    if (words) {
+      rows.push_back(valid(shown.form->console().localisation().translate(items[index])));
+    } else {
+      rows.push_back(valid_part(items[index], longest_row));
+    }
     bytes += rows.back().get_string().size();
     if (matches != nullptr) indexes.push_back(index);
   }

@@ -148,6 +148,7 @@ export class TableModel {
     if (message.rows.length === 0 || end >= this.length) {
       for (const position of this.rows.keys()) if (position >= Math.max(end, this.length)) this.rows.delete(position)
     }
+    if (message.rows.length === 0) this.barren = { revision: message.revision, start: asked.start }
     if (message.rows.length === 0) for (let i = asked.start; i < asked.start + asked.count; ++i) this.rows.delete(i)
     for (const position of this.rows.keys()) {
       if (this.rows.size <= keptRows) break
@@ -171,27 +172,27 @@ export class TableModel {
 
   private pump(): void {
     if (this.asked) return
-    const end = this.known && this.length > 0 ? Math.min(this.last, this.length - 1) : this.last
-    let start = this.first
-    while (start <= end && this.fresh(start)) ++start
-    if (start > end && this.known) {
-      if (this.length > 0 || this.freshlyEmpty === this.revision) return
-      start = 0
+    let start = 0
+    if (this.known && this.length > 0) {
+      const end = Math.min(this.last, this.length - 1)
+      start = Math.min(this.first, this.length - 1)
+      while (start <= end && this.fresh(start)) ++start
+      if (start > end) return
     }
+    if (this.barren.revision === this.revision && this.barren.start === start) return
     const held = this.rows.get(this.first)
     // Whoever is at the top sees what is new there; whoever reads further down keeps the place.
     const anchor =
       held && held.revision < this.revision && this.first > 0 ? { key: held.row.key, position: this.first } : undefined
     const request = TableModel.nextRequest++
     this.asked = { request, start, count: windowSize, ...(anchor ? { anchor } : {}) }
-    this.freshlyEmpty = this.revision
     const { form, control } = this
     const sent = this.send({ type: 'cells', form, control, request, start, count: windowSize, ...(anchor ? { key: anchor.key } : {}) })
     if (!sent) this.asked = null
   }
 
-  /** The revision for which an empty table was asked: it is not asked again and again. */
-  private freshlyEmpty = -1
+  /** Where nothing was found, which is not asked again and again. */
+  private barren = { revision: -1, start: -1 }
 
   private collectMore(): void {
     const wanted = this.collection

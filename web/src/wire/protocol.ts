@@ -70,7 +70,7 @@ export interface Mark {
   elsewhere: boolean
 }
 
-export type ColumnKind = 'text' | 'number' | 'time' | 'address' | 'verdict'
+export type ColumnKind = 'text' | 'number' | 'time' | 'address' | 'verdict' | 'word'
 
 export interface Column {
   name: string
@@ -349,7 +349,7 @@ export type UserEvent =
   | { event: 'remove'; revision: number; filter: string; order: ListOrder; ranges: readonly (readonly [number, number])[] }
 
 export type SequencedMessage =
-  | { type: 'open'; page: string; query: string }
+  | { type: 'open'; page: string; query?: string }
   | ({ type: 'event'; form: string; control: string } & UserEvent)
   | { type: 'close'; form: string }
 
