@@ -62,6 +62,12 @@ CREATE INDEX files_files                 ON files (files);
 CREATE TABLE extension    (extension TEXT COLLATE NOCASE);
 CREATE INDEX extension_extension         ON extension (extension);
 
+-- What people know of entries: why one is there, and until when (a local date, YYYY-MM-DD). "list" is the list's name,
+-- as in core/contracts/list_tables.h. The proxy needs none of it. A note stays when its entry is removed elsewhere,
+-- and says nothing while there is none.
+CREATE TABLE entry_notes  (list TEXT, entry TEXT COLLATE NOCASE, comment TEXT, expires TEXT);
+CREATE UNIQUE INDEX entry_notes_list_entry ON entry_notes (list, entry);
+
 CREATE TABLE rwords       (orig TEXT COLLATE NOCASE, repl TEXT); -- words and their replacements
 CREATE UNIQUE INDEX rwords_orig          ON rwords (orig);
 
