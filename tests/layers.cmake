@@ -20,12 +20,13 @@ set(rules
                       pages/logs/log_page.h pages/logs/archive_lists.h pages/logs/message_rows.h
                       pages/tools/composer_dialog.h"
   "pages/tools/     : core/ core/contracts/ core/text/"
+  "pages/traffic/   : core/ core/contracts/ core/text/ pages/traffic/"
   "scripting/vbscript/ : scripting/vbscript/ core/contracts/ core/text/"
   "scripting/       : scripting/ core/ core/contracts/ core/text/
                       scripting/vbscript/engine.h
                       pages/lists/remote_update.h"
   "service/         : core/ core/contracts/ core/text/"
-  "catalogue/       : core/ pages/settings/ pages/lists/ pages/logs/ pages/tools/ scripting/ service/"
+  "catalogue/       : core/ pages/settings/ pages/lists/ pages/logs/ pages/tools/ pages/traffic/ scripting/ service/"
   "components/block_lists/ : components/block_lists/ core/contracts/ core/text/
                       components/dns/dns_answers.h components/dns/ip_address.h"
   "components/      : components/"
