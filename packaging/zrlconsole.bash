@@ -19,7 +19,7 @@ _zrlconsole() {
   for ((i = 1; i < COMP_CWORD; i++)); do
     case ${COMP_WORDS[i]} in
       --folder) folder=(--folder "${COMP_WORDS[++i]}") ;;
-      --listen | --certificate | --key | --host) ((++i)) ;;
+      --listen | --certificate | --key | --host | --filter | --limit | --comment | --expires) ((++i)) ;;
       --call) ((i += 2)) ;;
       -*) ;;
       *) if [[ $command ]]; then ((++operands)); else command=${COMP_WORDS[i]}; fi ;;
@@ -29,11 +29,11 @@ _zrlconsole() {
   case $previous in
     --folder) _zrlconsole_files -d; return ;;
     --certificate | --key) _zrlconsole_files -f; return ;;
-    --listen | --host | --call) return ;;
+    --listen | --host | --call | --filter | --limit | --comment | --expires) return ;;
   esac
 
   if [[ ! $command ]]; then
-    _zrlconsole_words '--folder --help --version init serve pages do registry script'
+    _zrlconsole_words '--folder --help --version init serve pages do list lookup registry script'
     return
   fi
   if [[ $current == -* ]]; then
@@ -42,6 +42,8 @@ _zrlconsole() {
       serve) _zrlconsole_words '--listen --certificate --key --host --require-audit --allow-root --help' ;;
       pages) _zrlconsole_words '--json --help' ;;
       do) _zrlconsole_words '--json --start-programs --help' ;;
+      list) _zrlconsole_words '--json --filter --limit --comment --expires --overwrite --help' ;;
+      lookup) _zrlconsole_words '--dns --json --help' ;;
       script) _zrlconsole_words '--check --call --help' ;;
       registry) _zrlconsole_words '--help' ;;
     esac
@@ -50,6 +52,13 @@ _zrlconsole() {
   case $command in
     do) ((operands > 0)) || _zrlconsole_words "$("$program" "${folder[@]}" pages 2>/dev/null | cut -f 1)" ;;
     script) _zrlconsole_files -f ;;
+    list)
+      case $operands in
+        0) _zrlconsole_words 'show add remove import export' ;;
+        1) _zrlconsole_words "$("$program" "${folder[@]}" list 2>/dev/null | cut -d ' ' -f 1)" ;;
+        2) [[ " ${COMP_WORDS[*]} " != *' '@(import|export)' '* ]] || _zrlconsole_files -f ;;
+      esac
+      ;;
     registry)
       case $operands in
         0) _zrlconsole_words 'get set delete' ;;

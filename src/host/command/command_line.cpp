@@ -54,6 +54,19 @@ Examples:
   zrlconsole registry delete 'HKLM\SOFTWARE\Mirvan\language'
 )";
 
+constexpr const char* help_of_list = R"(
+Adding and removing does what the list's page does when its entry is typed and its
+button pressed: the same entries leave other lists, and the proxy is told. Pages that
+have one button for two lists take an entry off both. The exit status is 1 if an entry
+was refused or missing.
+
+Examples:
+  zrlconsole list
+  zrlconsole list add domains.black spam.example --comment "phishing wave" --expires 30d
+  zrlconsole list show ips.black --filter 198.51. --json
+  zrlconsole list export domains.black - | sort
+)";
+
 constexpr const char* help_of_script = R"(
 The files share one global module and run in their order. Scripts have the object
 WScript with Echo, Quit and Sleep, read files beside the first one, and may ask the
@@ -86,6 +99,12 @@ struct Parser {
   CLI::App* get;
   CLI::App* set;
   CLI::App* remove;
+  CLI::App* list;
+  CLI::App* list_show;
+  CLI::App* list_add;
+  CLI::App* list_remove;
+  CLI::App* list_import;
+  CLI::App* list_export;
 
   Parser() {
     app.set_version_flag("--version", std::string(version));
@@ -163,8 +182,56 @@ struct Parser {
     set->add_option("VALUE", arguments.value)->required();
     remove = registry->add_subcommand("delete", "Delete a value");
     remove->add_option("PATH", arguments.path)->required();
+
+    add_list();
+  }
+
+  void add_list() {
+    list = app.add_subcommand("list", "The lists by name, and their entries");
+    list->require_subcommand(0, 1);
+    list->add_flag("--json", arguments.json, "Print JSON");
+    list->footer(help_of_list);
+    const auto add = [this](const char* name, const char* help) {
+      CLI::App* command = list->add_subcommand(name, help);
+      command->add_option("NAME", arguments.list.name, "The list, domains.black for instance")->required();
+      return command;
+    };
+    list_show = add("show", "Print the entries");
+    list_show->add_option("--filter", arguments.list.filter, "Only those that contain this")
+        ->type_name("TEXT");
+    list_show->add_option("--limit", arguments.list.limit, "At most so many")->type_name("N");
+    list_add = add("add", "Put entries on the list");
+    list_add->add_option("--comment", arguments.list.comment, "Why they are there")->type_name("TEXT");
+    list_add
+        ->add_option("--expires", arguments.list.expires,
+                     "The last day, 2027-01-31, or in how many days, 30d")
+        ->type_name("DAY");
+    list_remove = add("remove", "Take entries off the list");
+    for (CLI::App* command : {list_add, list_remove}) {
+      command->add_option("ENTRY", arguments.list.entries, "As they would be typed on the list's page")
+          ->required();
+    }
+    for (CLI::App* command : {list_show, list_add, list_remove}) {
+      command->add_flag("--json", arguments.json, "Print JSON");
+    }
+    list_import = add("import", "Add the entries of a file, one a line");
+    list_export = add("export", "Write the entries into a file, one a line");
+    for (CLI::App* command : {list_import, list_export}) {
+      command->add_option("FILE", arguments.list.file, "A path; - is standard input or output")->required();
+    }
+    list_export->add_flag("--overwrite", arguments.list.overwrite, "Replace an existing file");
   }
 };
+
+int run_list(const Parser& parser, std::istream& in, std::ostream& out) {
+  const Arguments& arguments = parser.arguments;
+  if (*parser.list_show) return run_list_show(arguments, out);
+  if (*parser.list_add) return run_list_add(arguments, out);
+  if (*parser.list_remove) return run_list_remove(arguments, out);
+  if (*parser.list_import) return run_list_import(arguments, in, out);
+  if (*parser.list_export) return run_list_export(arguments, out);
+  return run_list_names(arguments, out);
+}
 
 int run(const Parser& parser, const Program& program, std::istream& in, std::ostream& out,
         std::ostream& err) {
@@ -172,6 +239,7 @@ int run(const Parser& parser, const Program& program, std::istream& in, std::ost
   if (*parser.init) return run_init(arguments, out);
   if (*parser.pages) return run_pages(arguments, program, out);
   if (*parser.act) return run_do(arguments, program, in, out, err);
+  if (*parser.list) return run_list(parser, in, out);
   if (*parser.messages) return run_messages(arguments, program, out, err);
   if (*parser.script) {
     ScriptOptions options = arguments.script;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -17,6 +18,24 @@ struct ScriptOptions {
   std::vector<std::string> call;   // empty, or a procedure's name and its input
   std::vector<std::string> files;  // at least one
   std::filesystem::path folder;    // of the console whose look-ups scripts may use
+};
+
+// The arguments of `list` and its commands.
+struct ListOptions {
+  std::string name;
+  std::vector<std::string> entries;
+  std::string filter;
+  std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
+  std::string comment;
+  std::string expires;
+  std::string file;  // "-" is standard input or output
+  bool overwrite = false;
+};
+
+// Those of `lookup`.
+struct LookupOptions {
+  std::string what;
+  bool dns = false;
 };
 
 // The options of `messages` on the command line.
@@ -41,6 +60,8 @@ struct Arguments {
   std::string value;
   ServeOptions serve;
   ScriptOptions script;
+  ListOptions list;
+  LookupOptions lookup;
   MessagesOptions messages;
 };
 
@@ -60,6 +81,15 @@ int run_messages(const Arguments& arguments, const Program& program, std::ostrea
 int run_registry_get(const Arguments& arguments, std::ostream& out);
 int run_registry_set(const Arguments& arguments);
 int run_registry_delete(const Arguments& arguments);
+
+// The lists by name. What one command changes is one transaction. Entries that were refused or missing make
+// the status a failure, and the others are changed all the same.
+int run_list_names(const Arguments& arguments, std::ostream& out);
+int run_list_show(const Arguments& arguments, std::ostream& out);
+int run_list_add(const Arguments& arguments, std::ostream& out);
+int run_list_remove(const Arguments& arguments, std::ostream& out);
+int run_list_import(const Arguments& arguments, std::istream& in, std::ostream& out);
+int run_list_export(const Arguments& arguments, std::ostream& out);
 
 // Runs script files in one global module. They may be in UTF-8, UTF-16 with a byte order mark, or
 // Windows-1252, of which a note on `err` warns. They can read files in the folder of the first one.

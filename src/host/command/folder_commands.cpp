@@ -8,26 +8,13 @@
 #include "core/text/printable.h"
 #include "core/text/text.h"
 #include "host/command/commands.h"
-#include "host/command/step_runner.h"
-#include "host/composition.h"
+#include "host/command/plain_console.h"
 #include "host/folder.h"
 #include "host/sample/sample_data.h"
 
 namespace zrl::command {
 
 namespace {
-
-// A console on the folder, for commands that show no page.
-struct PlainConsole {
-  explicit PlainConsole(const std::filesystem::path& folder) : console(folder, host) {
-    register_components(console);
-  }
-
-  std::shared_ptr<Registry> registry() { return console.components().create<Registry>(); }
-
-  StepRunner host{[] { return std::nullopt; }, false};
-  Console console;
-};
 
 std::uint32_t dword(const std::string& text) {
   const auto number = to_number(text);
