@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -74,6 +75,7 @@ class TextField : public Control {
     bool secret = false;  // a password; hosts do not show it
     bool counts = false;  // lines that begin with a count; hosts that can draw also show them as bars
     bool source = false;  // the source text of a script; hosts with an editor for such texts use it
+    bool path = false;    // a product path; hosts may show it as their file system writes paths
     std::string_view placeholder = {};
   };
 
@@ -279,6 +281,11 @@ class ListBox : public ItemsControl {
   // To be called before the form is shown.
   void set_entries_are(EntryKind kind) { entries_ = kind; }
   EntryKind entries() const { return entries_; }
+  // The button that opens a dialog in which the list is exchanged with files (FileList::Exchange): where a
+  // file leads that people drop on the list. To be called before the form is shown.
+  void set_transfer(Button& button) { transfer_ = &button; }
+  // Null if there is none.
+  const Button* transfer() const { return transfer_; }
 
   void clear() { put_items({}); }
   void add_item(std::string_view item) { append(item); }
@@ -294,6 +301,7 @@ class ListBox : public ItemsControl {
  private:
   Acts acts_;
   EntryKind entries_ = EntryKind::other;
+  const Button* transfer_ = nullptr;
 };
 
 // A drop-down list, with or without an edit field. Its text need not be one of the items.
@@ -436,8 +444,25 @@ class FileList : public PathList {
   Event on_click;
   void user_choose(std::int64_t index) override;
 
+  // What the form does with a file: clicking `run` writes the one that `path` names while `exports` is
+  // chosen, and reads it otherwise. Hosts on another machine than the user's send it files of theirs, and
+  // fetch what it writes for them. The controls belong to the same form.
+  struct Exchange {
+    TextField* path = nullptr;
+    Button* run = nullptr;
+    OptionButton* exports = nullptr;  // null if files are only read
+    OptionButton* imports = nullptr;  // what a file is for unless the user says otherwise; may be null
+    const Label* result = nullptr;    // says what came of it; may be null
+  };
+  // To be called before the form is shown; `path` and `run` are needed.
+  void set_exchange(const Exchange& exchange) { exchange_ = exchange; }
+  // Null if nothing was declared.
+  const Exchange* exchange() const { return exchange_ ? &*exchange_ : nullptr; }
+
  private:
   StringList read(const std::string& path) const override;
+
+  std::optional<Exchange> exchange_;
 };
 
 }  // namespace zrl

@@ -37,6 +37,11 @@ LayoutNode grow(LayoutNode node) {
   return node;
 }
 
+LayoutNode fold(LayoutNode node) {
+  node.folds = true;
+  return node;
+}
+
 Form::Form(Console& console, std::string_view name, std::string_view caption)
     : console_(console), name_(name), caption_(caption) {}
 

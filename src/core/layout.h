@@ -26,6 +26,7 @@ struct LayoutNode {
   Control* control;  // the control, or the frame of a frame node
   std::vector<LayoutNode> children;
   bool grows = false;
+  bool folds = false;
 };
 
 // One below the other.
@@ -40,5 +41,8 @@ LayoutNode frame(Frame& title, LayoutNode content);
 // The node takes the space that is left over, in the direction of its parent. Without effect for hosts that
 // do not draw.
 LayoutNode grow(LayoutNode node);
+// A frame that few people need: hosts that draw show its content on demand. Its controls can be used all the
+// same, so hosts without a screen need not care.
+LayoutNode fold(LayoutNode node);
 
 }  // namespace zrl

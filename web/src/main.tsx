@@ -1,6 +1,6 @@
 import { useSignalEffect } from '@preact/signals'
 import { render } from 'preact'
-import { catchStrayFiles } from './controls/file-list'
+import { catchStrayFiles } from './controls/upload'
 import { messages } from './i18n'
 import { followPointer, followTheme } from './model/preferences'
 import { listenForEscape } from './parts/popups'

@@ -12,7 +12,7 @@ const hello: Hello = {
   language: 'english',
   product: 'P',
   version: '1',
-  pages: [{ name: 'page', group: 'G', title: 'Page' }],
+  pages: [{ name: 'page', section: 'G', group: 'G', title: 'Page' }],
   open: 'page',
 }
 

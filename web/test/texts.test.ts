@@ -100,9 +100,9 @@ describe('foreign text', () => {
 
 describe('the search', () => {
   const pages = [
-    { name: 'general', group: 'Settings', title: 'General' },
-    { name: 'keywords', group: 'Lists', title: 'Keywords' },
-    { name: 'strasse', group: 'Lists', title: 'Straße Größe' },
+    { name: 'general', section: 'Settings', group: 'Settings', title: 'General' },
+    { name: 'keywords', section: 'Lists', group: 'Lists', title: 'Keywords' },
+    { name: 'strasse', section: 'Lists', group: 'Lists', title: 'Straße Größe' },
   ]
   const captions = {
     general: [

@@ -72,6 +72,15 @@ void add_acts(const ListBox& list, json::object& object) {
   if (acts.entry != nullptr) object["entry"] = acts.entry->name();
   if (acts.add != nullptr) object["add"] = acts.add->name();
   if (acts.remove != nullptr) object["remove"] = acts.remove->name();
+  if (list.transfer() != nullptr) object["transfer"] = list.transfer()->name();
+}
+
+json::object exchange_json(const FileList::Exchange& exchange) {
+  json::object object{{"path", exchange.path->name()}, {"run", exchange.run->name()}};
+  if (exchange.exports != nullptr) object["exports"] = exchange.exports->name();
+  if (exchange.imports != nullptr) object["imports"] = exchange.imports->name();
+  if (exchange.result != nullptr) object["result"] = exchange.result->name();
+  return object;
 }
 
 void add_button_design(const Button& button, json::object& object) {
@@ -94,6 +103,7 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
     object["fixedPitch"] = style.fixed_pitch;
     object["secret"] = style.secret;
     if (style.counts) object["counts"] = true;
+    if (style.path) object["path"] = true;
     if (style.source) {
       object["source"] = true;
       object["marks"] = marks_json(static_cast<const TextField&>(control));
@@ -111,6 +121,9 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
     if (list.entries() != EntryKind::other) object["entries"] = name_of(list.entries());
   } else if (control.kind() == ControlKind::table) {
     add_table(static_cast<const Table&>(control), object);
+  } else if (control.kind() == ControlKind::file_list) {
+    const FileList::Exchange* exchange = static_cast<const FileList&>(control).exchange();
+    if (exchange != nullptr) object["exchange"] = exchange_json(*exchange);
   } else if (control.kind() == ControlKind::button) {
     add_button_design(static_cast<const Button&>(control), object);
   } else if (control.kind() == ControlKind::label && control.revision(Property::tone) > 0) {
@@ -134,6 +147,7 @@ json::value layout_json(const LayoutNode& node) {
     object[names[static_cast<std::size_t>(node.kind)]] = std::move(children);
   }
   if (node.grows) object["grow"] = true;
+  if (node.folds) object["fold"] = true;
   return object;
 }
 

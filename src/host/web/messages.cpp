@@ -30,14 +30,15 @@ constexpr std::array<std::pair<std::string_view, Type>, 13> types = {{{"open", T
                                                                       {"taken", Type::taken},
                                                                       {"end", Type::end},
                                                                       {"active", Type::active}}};
-constexpr std::array<std::pair<std::string_view, Act>, 8> acts = {{{"click", Act::click},
+constexpr std::array<std::pair<std::string_view, Act>, 9> acts = {{{"click", Act::click},
                                                                    {"text", Act::type},
                                                                    {"choose", Act::choose},
                                                                    {"scroll", Act::scroll},
                                                                    {"remove", Act::remove},
                                                                    {"keys", Act::keys},
                                                                    {"sort", Act::sort},
-                                                                   {"filter", Act::filter}}};
+                                                                   {"filter", Act::filter},
+                                                                   {"fetch", Act::fetch}}};
 
 // Raised for a member that is missing or of the wrong kind.
 class BadMember : public std::runtime_error {

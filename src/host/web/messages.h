@@ -34,7 +34,7 @@ struct BrowserMessage {
     active,  // nothing but that somebody is there
     upload,  // never a message: a file that was sent over HTTP waits among them for its turn
   };
-  enum class Act : std::uint8_t { click, type, choose, scroll, remove, keys, sort, filter };
+  enum class Act : std::uint8_t { click, type, choose, scroll, remove, keys, sort, filter, fetch };
 
   // Positions in a view of a list, both included.
   struct Range {

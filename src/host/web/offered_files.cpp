@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -38,15 +39,17 @@ class FileSource : public BodySource {
 
 }  // namespace
 
-std::optional<Offer> OfferedFiles::add(const std::filesystem::path& path) {
+std::optional<Offer> OfferedFiles::add(const std::filesystem::path& path,
+                                       std::shared_ptr<const void> keeper) {
   std::error_code failure;
   if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(path, failure))) return {};
   const std::uint64_t size = std::filesystem::file_size(path, failure);
   if (failure) return {};
   const std::scoped_lock lock(mutex_);
+  if (keeper) drop_kept();
   const auto found =
       std::find_if(held_.begin(), held_.end(), [&](const Held& held) { return held.path == path; });
-  Held held{{{}, path.filename().string(), size}, path};
+  Held held{{{}, path.filename().string(), size}, path, std::move(keeper)};
   if (found != held_.end()) {
     held.offer.token = found->offer.token;
     held_.erase(found);
@@ -56,6 +59,12 @@ std::optional<Offer> OfferedFiles::add(const std::filesystem::path& path) {
   if (held_.size() == most) held_.pop_front();
   held_.push_back(std::move(held));
   return held_.back().offer;
+}
+
+void OfferedFiles::drop_kept() {
+  const auto kept = [](const Held& held) { return held.keeper != nullptr; };
+  if (std::cmp_less(std::count_if(held_.begin(), held_.end(), kept), most_kept)) return;
+  held_.erase(std::find_if(held_.begin(), held_.end(), kept));
 }
 
 std::optional<std::filesystem::path> OfferedFiles::fetch(std::string_view token, bool for_good) {

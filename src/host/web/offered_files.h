@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <deque>
 #include <filesystem>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -24,10 +25,12 @@ struct Offer {
 // I/O thread, which serves.
 class OfferedFiles {
  public:
-  static constexpr std::size_t most = 100;  // beyond, the oldest are forgotten
+  static constexpr std::size_t most = 100;     // beyond, the oldest are forgotten
+  static constexpr std::size_t most_kept = 8;  // of those that exist for the offer alone
 
-  // Offers a file; one that is offered again keeps its token. Nothing if it is no regular file.
-  std::optional<Offer> add(const std::filesystem::path& path);
+  // Offers a file; one that is offered again keeps its token. Nothing if it is no regular file. `keeper`, if
+  // there is one, is destroyed when the file is not offered any more.
+  std::optional<Offer> add(const std::filesystem::path& path, std::shared_ptr<const void> keeper = nullptr);
   // The file's path, or nothing for an unknown token. The file counts as fetched from then on if `for_good`.
   std::optional<std::filesystem::path> fetch(std::string_view token, bool for_good = true);
   // Those that have not been fetched, in the order in which they were offered.
@@ -37,8 +40,12 @@ class OfferedFiles {
   struct Held {
     Offer offer;
     std::filesystem::path path;
+    std::shared_ptr<const void> keeper;
     bool fetched = false;
   };
+
+  // Forgets the oldest of the files that exist for their offer alone, if there are too many.
+  void drop_kept();
 
   mutable std::mutex mutex_;
   std::deque<Held> held_;

@@ -86,6 +86,7 @@ std::string hello_message(Console& console, std::string_view account, std::span<
   json::array entries;
   for (const PageEntry& page : pages) {
     entries.push_back(json::object{{"name", page.name},
+                                   {"section", valid(page.group)},
                                    {"group", valid(console.localisation().translate(page.group))},
                                    {"title", valid(console.localisation().translate(page.title))}});
   }
@@ -248,9 +249,10 @@ std::string go_message(std::string_view page, std::string_view query) {
   return json::serialize(json::object{{"type", "go"}, {"page", valid(page)}, {"query", valid(query)}});
 }
 
-std::string file_message(const Offer& offer) {
+std::string file_message(const Offer& offer, bool awaited) {
   json::object message = offer_json(offer);
   message["type"] = "file";
+  if (awaited) message["awaited"] = true;
   return json::serialize(message);
 }
 

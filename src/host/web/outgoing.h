@@ -62,7 +62,8 @@ std::string output_message(std::uint64_t id, std::uint64_t position, std::string
 std::string ended_message(std::uint64_t id, const Terminal::End& end);
 std::string gone_message(std::uint64_t id);
 std::string go_message(std::string_view page, std::string_view query);
-std::string file_message(const Offer& offer);
+// `awaited` if the user has asked for just this file.
+std::string file_message(const Offer& offer, bool awaited);
 std::string files_message(const std::vector<Offer>& offers);
 std::string done_message(std::uint64_t seq);
 std::string error_message(const MessageNumber& number, std::string_view code, std::string_view text);

@@ -10,7 +10,6 @@
 #include "core/text/text.h"
 #include "host/web/entry_removal.h"
 #include "host/web/loss_question.h"
-#include "host/web/uploads.h"
 
 namespace zrl::web {
 
@@ -121,7 +120,10 @@ void SessionConsole::start_program(const ProgramStart& program) {
 
 void SessionConsole::offer_file(const std::filesystem::path& path) {
   // What is no file cannot be fetched; that is no reason for the page's action to fail.
-  if (const std::optional<Offer> offer = offered_.add(path)) reporter_.send(file_message(*offer));
+  const bool awaited = leaving_ && leaving_->path() == path;
+  if (const std::optional<Offer> offer = offered_.add(path, awaited ? leaving_ : nullptr)) {
+    reporter_.send(file_message(*offer, awaited));
+  }
 }
 
 // The browser asks for the page as if its user had: what is shown stays until then.
@@ -368,6 +370,9 @@ void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& co
     case Act::filter:
       table_of(control).user_filter(message.text);
       break;
+    case Act::fetch:
+      fetch(*shown, control);
+      break;
   }
 }
 
@@ -386,6 +391,30 @@ bool SessionConsole::agreed(const ShownForm& shown, const std::optional<MessageB
 bool SessionConsole::is_still_shown(const ShownForm& shown) {
   return !turns_.ending() && forms_.find(shown.id).get() == &shown &&
          (!shown.dialog || shown.form->is_open());
+}
+
+// The path that a person has typed is there again afterwards.
+void SessionConsole::fetch(const ShownForm& shown, Control& control) {
+  const FileList::Exchange* exchange =
+      control.kind() == ControlKind::file_list ? static_cast<FileList&>(control).exchange() : nullptr;
+  if (exchange == nullptr || exchange->exports == nullptr || !control.usable() || leaving_) {
+    throw Refused(control.name() + " gives no file now");
+  }
+  const std::string typed = exchange->path->text();
+  leaving_ = UploadFolder(settings_.folder).leave(typed);
+  const auto settle = [&] {
+    leaving_.reset();
+    if (is_still_shown(shown)) exchange->path->set_text(typed);
+  };
+  try {
+    exchange->exports->user_click();
+    exchange->path->user_type(to_product_path(leaving_->path()));
+    exchange->run->user_click();
+  } catch (const Refused&) {
+    settle();
+    throw;
+  }
+  settle();
 }
 
 void SessionConsole::remove_chosen(const std::shared_ptr<ShownForm>& shown, Control& control,

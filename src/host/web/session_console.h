@@ -21,6 +21,7 @@
 #include "host/web/session_output.h"
 #include "host/web/terminals.h"
 #include "host/web/turns.h"
+#include "host/web/uploads.h"
 
 namespace zrl::web {
 
@@ -80,6 +81,8 @@ class SessionConsole : public Host, private TurnHandler {
   // True if the person agrees, or if there is nothing to ask. False also if the form is gone by then.
   bool agreed(const ShownForm& shown, const std::optional<MessageBox>& question);
   bool is_still_shown(const ShownForm& shown);
+  // Has the form write the file to a place of its own, and offers it to the user.
+  void fetch(const ShownForm& shown, Control& control);
   // Ends early when the session does, or when the form is gone.
   void remove_chosen(const std::shared_ptr<ShownForm>& shown, Control& control,
                      const BrowserMessage& message);
@@ -113,6 +116,7 @@ class SessionConsole : public Host, private TurnHandler {
   std::string language_at_start_;
   std::string captions_;
   std::optional<OpenBox> box_;
+  std::shared_ptr<const LeavingFile> leaving_;  // what fetch() is having written
   std::uint64_t last_box_ = 0;
   std::uint64_t last_seq_ = 0;
   int modal_depth_ = 0;

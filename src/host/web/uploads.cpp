@@ -31,6 +31,7 @@ constexpr int most_of_a_name = 1000;
 // Before the server gives the browser up.
 constexpr std::chrono::seconds patience{45};
 constexpr std::chrono::hours arrives_within{24};
+constexpr std::chrono::hours leaves_within{24};
 
 std::optional<std::string> decoded(std::string_view text) {
   std::string result;
@@ -85,6 +86,18 @@ void remove_older(const fs::path& folder, std::chrono::hours age) {
     const bool is_file = fs::is_regular_file(entry->symlink_status(ignored));
     const auto written = fs::last_write_time(entry->path(), ignored);
     if (is_file && !ignored && written < oldest) fs::remove(entry->path(), ignored);
+  }
+}
+
+void remove_older_folders(const fs::path& folder, std::chrono::hours age) {
+  std::error_code failure;
+  const auto oldest = fs::file_time_type::clock::now() - age;
+  for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
+       entry.increment(failure)) {
+    std::error_code ignored;
+    const bool is_folder = fs::is_directory(entry->symlink_status(ignored));
+    const auto written = fs::last_write_time(entry->path(), ignored);
+    if (is_folder && !ignored && written < oldest) fs::remove_all(entry->path(), ignored);
   }
 }
 
@@ -181,9 +194,22 @@ std::unique_ptr<UploadedFile> UploadFolder::receive(std::uint64_t size) const {
   return std::make_unique<UploadedFile>(path_, name, std::move(file), size);
 }
 
+LeavingFile::~LeavingFile() {
+  std::error_code ignored;
+  fs::remove_all(path_.parent_path(), ignored);
+}
+
+std::shared_ptr<LeavingFile> UploadFolder::leave(std::string_view name) const {
+  if (!is_ours_alone(path_) || !is_ours_alone(leaving())) raise(errno);
+  std::string folder = (leaving() / "XXXXXX").string();
+  if (::mkdtemp(folder.data()) == nullptr) raise(errno);
+  return std::make_shared<LeavingFile>(fs::path(folder) / upload_name(name));
+}
+
 bool UploadFolder::sweep() const {
   if (!is_ours_alone(path_)) return false;
   remove_older(path_, kept);
+  if (is_ours_alone(leaving())) remove_older_folders(leaving(), leaves_within);
   if (!is_ours_alone(arriving())) return false;
   remove_older(arriving(), arrives_within);
   return true;

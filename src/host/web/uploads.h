@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/contracts/console_folder.h"
 #include "host/web/terminal.h"
@@ -55,6 +56,22 @@ class UploadedFile {
   int failure_ = 0;
 };
 
+// A place for one file that is written for the user's machine alone: a folder of its own, which is removed
+// together with the file.
+class LeavingFile {
+ public:
+  explicit LeavingFile(std::filesystem::path path) : path_(std::move(path)) {}
+  LeavingFile(const LeavingFile&) = delete;
+  LeavingFile& operator=(const LeavingFile&) = delete;
+  ~LeavingFile();
+
+  // Nothing is there yet.
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
 // The folder `upload` of a console: what browsers sent to it. It is the account's alone, for others who may
 // write into it could have files removed, and made, wherever the account may.
 class UploadFolder {
@@ -73,12 +90,15 @@ class UploadFolder {
   // Makes the folder if need be, and reserves that size, so that files that come at the same time are
   // counted. Raises zrl::Error, also where the folder is a link or somebody else's.
   std::unique_ptr<UploadedFile> receive(std::uint64_t size = 0) const;
+  // A place for a file of this name, made safe as that of an upload. Raises zrl::Error as receive() does.
+  std::shared_ptr<LeavingFile> leave(std::string_view name) const;
   // Makes the folder, and removes from it what is older than a week, and what broke off. False if the folder
   // cannot be used, because it is a link or somebody else's; then nothing is removed.
   bool sweep() const;
 
  private:
   std::filesystem::path arriving() const { return path_ / ".arriving"; }
+  std::filesystem::path leaving() const { return path_ / ".leaving"; }
 
   std::filesystem::path path_;
 };

@@ -19,6 +19,7 @@ void ListPage::bind_lists(TextField& entry, Place place,
 }
 
 void ListPage::bind_transfer(Button& button, const List& list) {
+  list.box.set_transfer(button);
   button.on_click = [this, &list] {
     open_transfer(list);
     raise_flags(list);

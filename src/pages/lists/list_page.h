@@ -48,7 +48,8 @@ class ListPage : public Page {
 
   // The button opens the transfer dialog of the list. Afterwards the list's flags are raised and all lists
   // filled again, whether or not anything was transferred. Where the host shows dialogs modeless, this
-  // happens at once. `list` must be a member of the page.
+  // happens at once. `list` must be a member of the page. Files that people drop on the list's box lead to
+  // the dialog, too.
   void bind_transfer(Button& button, const List& list);
 
   // The button fetches all published lists and merges `files`, the page's share of them; then the lists are

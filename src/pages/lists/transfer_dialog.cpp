@@ -40,11 +40,17 @@ TransferDialog::TransferDialog(Console& console, const ListTable& list, std::str
     return 0;
   });
 
+  File1.set_exchange(
+      {.path = &source, .run = &action, .exports = &export_, .imports = &import_, .result = &result});
+
   set_layout(column({
-      frame(Frame1, row({export_, import_, delete_, overwrite})),
-      row({grow(source), action}),
+      frame(Frame1, row({export_, import_, delete_})),
       result,
-      grow(row({grow(column({Drive1, grow(Dir1)})), grow(File1)})),
+      fold(frame(Frame2, column({
+                             row({grow(source), action}),
+                             overwrite,
+                             grow(row({grow(column({Drive1, grow(Dir1)})), grow(File1)})),
+                         }))),
   }));
   load();
 }

@@ -13,7 +13,9 @@ namespace zrl {
 // opens on the folder for lists in the console's folder, which is made if it is missing. The console's own
 // files are neither listed nor read nor written (core/contracts/console_folder.h). Import and deletion are
 // all or nothing; an export appears complete or not at all, and is offered to the user for download. A label
-// says what came of it; a failure is also a recorded step.
+// says what came of it; a failure is also a recorded step. Where the user sits at another machine, the
+// folders of the console's are what few people need: the host exchanges files with the user
+// (FileList::Exchange).
 class TransferDialog : public Form, public DatabaseClient {
  public:
   // `title` is English; its translation becomes the caption. The console must outlive the dialog. The
@@ -27,7 +29,8 @@ class TransferDialog : public Form, public DatabaseClient {
   CheckBox overwrite{*this, "overwrite", "Overwrite an existing file",
                      "An export leaves an existing file alone unless this is ticked"};
 
-  TextField source{*this, "source", "The full path, with folder and name, on the console's machine"};
+  TextField source{
+      *this, "source", "The full path, with folder and name, on the console's machine", {.path = true}};
   Label Label1{*this, "Label1", "File", source};
   DriveList Drive1{*this, "Drive1", "Where to look for folders"};
   Label Label2{*this, "Label2", "Drive", Drive1};
@@ -38,6 +41,7 @@ class TransferDialog : public Form, public DatabaseClient {
 
   Button action{*this, "action", "Export", "Does it with the file that is named above"};
   Label result{*this, "result", ""};
+  Frame Frame2{*this, "Frame2", "Files on the console's machine"};
 
   void close() override;
 

@@ -77,6 +77,33 @@ TEST(OfferedFiles, NamesAreSafeInAHeader) {
   for (const auto& [name, header] : cases) EXPECT_EQ(web::attachment_header(name), header);
 }
 
+TEST(OfferedFiles, WhatExistsForItsOfferAloneIsGoneWithTheOffer) {
+  const TemporaryFolder console;
+  const web::UploadFolder folder(console.path());
+  web::OfferedFiles files;
+  const auto offer = [&] {
+    auto place = folder.leave("..\\lists\\hosts.txt");
+    EXPECT_EQ(place->path().filename(), "hosts.txt");
+    std::ofstream(place->path()) << "content";
+    const fs::path path = place->path();
+    return std::pair(path, files.add(path, std::move(place)).value());
+  };
+  const auto [first, offered] = offer();
+  for (std::size_t more = 1; more < web::OfferedFiles::most_kept; ++more) offer();
+  EXPECT_TRUE(fs::exists(first));
+  EXPECT_TRUE(files.fetch(offered.token));
+  const auto [last, ignored] = offer();
+  EXPECT_FALSE(fs::exists(first.parent_path()));
+  EXPECT_FALSE(files.fetch(offered.token));
+  EXPECT_TRUE(fs::exists(last));
+
+  // What a host that was ended left behind goes with the next sweep, a day later.
+  const fs::path left = last.parent_path();
+  fs::last_write_time(left, fs::file_time_type::clock::now() - 30h);
+  EXPECT_TRUE(folder.sweep());
+  EXPECT_FALSE(fs::exists(left));
+}
+
 TEST(Uploads, NamesAreCleaned) {
   const std::pair<std::string, std::string> cases[] = {
       {"hosts.txt", "hosts.txt"},
@@ -195,6 +222,36 @@ TEST_F(SessionTransfers, AnUploadIsChosenInItsFileList) {
     EXPECT_EQ(error_of(session_.upload({"sample", control, "b.txt"}, "x")), "refused") << control;
   }
   EXPECT_FALSE(fs::exists(session_.folder() / "upload" / "b.txt"));
+}
+
+// The form writes to a place that only the host knows; people's own files and what they typed stay as they
+// are.
+TEST(SessionExchange, AListIsWrittenForTheUserAlone) {
+  SessionDriver session(page_catalogue());
+  session.show("localuser");
+  EXPECT_EQ(session.held("localuser", "List1", "transfer"), "imexfile");
+  session.event("localuser", "uemail", "text", {{"text", "user@mirvan.example"}});
+  session.until_done(session.click("localuser", "adduser"));
+  EXPECT_EQ(session.until_error(session.event("localuser", "List1", "fetch")), "refused");
+  session.click("localuser", "imexfile");
+  session.receive("form");
+  const std::string typed = std::string(session.held("transfer", "source", "text").as_string());
+  EXPECT_EQ(session.held("transfer", "File1", "exchange").at("run"), "action");
+
+  for (int again = 0; again < 2; ++again) {
+    session.event("transfer", "import", "click");
+    const std::uint64_t fetch = session.event("transfer", "File1", "fetch");
+    const json::object told = session.receive("file");
+    EXPECT_EQ(told.at("awaited"), true);
+    EXPECT_EQ(told.at("name"), "localmail.txt");
+    const auto path = session.offered().fetch(told.at("token").as_string());
+    ASSERT_TRUE(path);
+    EXPECT_EQ(read_file(*path), "user@mirvan.example\n");
+    session.until_done(fetch);
+    EXPECT_EQ(session.held("transfer", "source", "text"), typed);
+    EXPECT_EQ(session.held("transfer", "export", "value"), 1);
+  }
+  EXPECT_TRUE(fs::is_empty(session.folder() / "lists"));
 }
 
 TEST_F(SessionTransfers, AnUploadThatNobodyTakesIsAnswered) {

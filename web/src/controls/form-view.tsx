@@ -1,10 +1,13 @@
+import { useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import type { ControlModel, FormModel } from '../model/form'
-import { fills, grows, isLine, isNarrow, isRadioGroup, present, type LayoutFacts } from '../model/layout'
+import { fills, grows, isLine, isNarrow, isRadioGroup, leaves, present, type LayoutFacts } from '../model/layout'
+import { recall, remember } from '../model/preferences'
 import { explainGroup } from '../parts/group-help'
 import { Icon } from '../parts/icon'
 import type { LayoutNode } from '../wire/protocol'
 import { ControlView } from './control-view'
+import { Exchange } from './exchange'
 import { nameOf } from './field'
 
 function factsOf(form: FormModel): LayoutFacts {
@@ -38,10 +41,48 @@ function GroupTip({ controls, caption }: { controls: ControlModel[]; caption?: s
   )
 }
 
-function Frame({ form, node, depth }: NodeProps & { node: LayoutNode & { frame: string; content: LayoutNode } }) {
+type FrameNode = LayoutNode & { frame: string; content: LayoutNode; fold?: boolean }
+
+/** What few people need: its content is there once somebody has unfolded it, on this device. Where it is for files of the console's
+ *  machine, people exchange files of their own above it. */
+function FoldedFrame({ form, node, depth, control }: NodeProps & { node: FrameNode; control: ControlModel }) {
+  const key = `fold ${control.id}`
+  const [open, setOpen] = useState(() => recall(key, 'device') === 'open')
+  const fold = (): void => {
+    remember(key, open ? '' : 'open', 'device')
+    setOpen(!open)
+  }
+  const bodyId = `${control.id}-body`
+  const exchanges = leaves(node).flatMap(name => {
+    const files = form.controls.get(name)
+    const declared = files?.shown.value.exchange
+    return files && declared ? [<Exchange key={name} control={files} declared={declared} />] : []
+  })
+  return (
+    <>
+      {exchanges}
+      <div class="frame fold" role="group" aria-labelledby={`${control.id}-title`} data-control={control.id} data-open={open ? '' : undefined}>
+        <h2 class="fold-head">
+          <button type="button" id={`${control.id}-title`} aria-expanded={open} aria-controls={open ? bodyId : undefined} onClick={fold}>
+            <Icon name="chevron" />
+            {form.labelOf(control.shown.value)}
+          </button>
+        </h2>
+        {open && (
+          <div id={bodyId} class="fold-body">
+            <Node form={form} node={node.content} depth={depth + 1} />
+          </div>
+        )}
+      </div>
+    </>
+  )
+}
+
+function Frame({ form, node, depth }: NodeProps & { node: FrameNode }) {
   const control = form.controls.get(node.frame)
   const shown = control?.shown.value
   if (!control || !shown) return <Node form={form} node={node.content} depth={depth} />
+  if (node.fold) return <FoldedFrame form={form} node={node} depth={depth} control={control} />
   const titleId = `${control.id}-title`
   const inside = [...form.controls.values()].filter(other => form.frameAround(other.name) === control)
   const caption = form.labelOf(shown)

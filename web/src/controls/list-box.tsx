@@ -4,12 +4,15 @@ import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import type { ListModel } from '../model/list'
 import { coarse, recall } from '../model/preferences'
+import { systemPath } from '../model/product-path'
 import { RowSelection } from '../model/selection'
 import { viewText } from '../parts/text-viewer'
+import { droppedFile } from '../state/app-state'
 import { Field, nameOf, naming } from './field'
 import { keyTarget, Row } from './list-row'
 import { FilterField, placeKey, restoreView } from './list-tools'
 import { SelectionBar } from './selection-bar'
+import { useDrop } from './upload'
 import { VirtualList, type VirtualListHandle } from './virtual-list'
 
 export const rowHeight = (): number => (coarse.value ? 44 : 28)
@@ -48,6 +51,18 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
   const added = list.added.value
   const wantedRow = list.wanted.value
   const name = nameOf(control, shown)
+  const rowText = (row: string | undefined): string | undefined =>
+    shown.kind === 'DriveList' && row !== undefined ? systemPath(row) : row
+  // A file that is dropped here is asked about in the dialog for the list's files.
+  const transferrer = control.transferrer()
+  const { over, handlers } = useDrop(transferrer !== undefined && transferrer.waiting.value === 0, file => {
+    droppedFile.value = file
+    if (!transferrer?.click()) droppedFile.value = null
+  })
+  const transferring = transferrer?.waiting.value ?? 0
+  useEffect(() => {
+    if (transferring === 0) droppedFile.value = null
+  }, [transferring])
 
   const place = placeKey(control)
   // What a list comes back to is no change of the view, and its place is more than the row that the page has chosen.
@@ -183,7 +198,7 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
         </span>
       }
     >
-      <div class="list-frame" data-filtering={cache.filtering ? '' : undefined}>
+      <div class="list-frame" data-filtering={cache.filtering ? '' : undefined} data-over={over ? '' : undefined} {...handlers}>
         {filterable && <FilterField list={list} name={control.form.labelOf(shown)} control={control} />}
         <div class="list-view">
           <VirtualList
@@ -207,7 +222,7 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
                 id={`${control.id}-r${position}`}
                 position={position}
                 count={count}
-                text={cache.row(position)}
+                text={rowText(cache.row(position))}
                 selected={several ? chosen.has(position) : (position === selected && !restored) || waitingFor.current === position}
                 active={position === active && position !== selected}
                 restored={position === selected && restored}
@@ -217,6 +232,7 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
               />
             )}
           />
+          {over && <p class="drop-note">{m.dropOnList(name)}</p>}
           {count === 0 && <p class="list-empty">{cache.filter === '' ? m.emptyList : m.noMatch}</p>}
         </div>
         {bar}

@@ -2,6 +2,7 @@ import { useLayoutEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import { countsOf } from '../model/counts'
 import type { ControlModel } from '../model/form'
+import { productPath, systemPath } from '../model/product-path'
 import { Field, naming } from './field'
 import { SourceField } from './source-field'
 
@@ -51,7 +52,7 @@ export function TextField({ control }: { control: ControlModel }) {
 
 function PlainField({ control }: { control: ControlModel }) {
   const shown = control.shown.value
-  const text = control.text.value
+  const text = shown.path ? systemPath(control.text.value) : control.text.value
   const area = useRef<HTMLTextAreaElement>(null)
   const line = useRef<HTMLInputElement>(null)
   const [revealed, setRevealed] = useState(false)
@@ -67,7 +68,10 @@ function PlainField({ control }: { control: ControlModel }) {
     autocomplete: shown.secret ? 'new-password' : 'off',
     autocapitalize: 'off' as const,
     dir: 'auto' as const,
-    onInput: (event: Event) => control.type(textOf(event.currentTarget as HTMLInputElement | HTMLTextAreaElement)),
+    onInput: (event: Event) => {
+      const typed = textOf(event.currentTarget as HTMLInputElement | HTMLTextAreaElement)
+      control.type(shown.path ? productPath(typed) : typed)
+    },
     ...naming(control, shown),
   }
   const fixed = shown.fixedPitch ? ' fixed-pitch' : ''

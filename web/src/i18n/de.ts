@@ -80,6 +80,7 @@ const uploadProblems: Record<UploadFailureCode | 'unreachable', string> = {
 export const de: Messages = {
   code: 'de',
   number: value => number.format(value),
+  numbersIn: text => text.replace(/\b[1-9]\d{3,14}\b/g, digits => number.format(Number(digits))),
 
   skipToContent: 'Zum Inhalt springen',
   loading: 'Wird geladen…',
@@ -264,6 +265,12 @@ export const de: Messages = {
 
   upload: 'Hochladen…',
   uploadDrop: 'Datei hier ablegen',
+  fromMyComputer: 'Von meinem Rechner …',
+  fromMyComputerNote: 'Oder eine Textdatei hier ablegen: ein Eintrag je Zeile.',
+  toMyComputer: 'Auf meinen Rechner',
+  toMyComputerNote: name => `${name} wird gleich heruntergeladen: ein Eintrag je Zeile.`,
+  importDropped: (file, list) => `„${file}“ in „${list}“ importieren?`,
+  dropOnList: list => `Datei hier ablegen: ${list}`,
   uploading: name => `${name} wird gesendet`,
   uploadWaiting: name => `${name} wird übernommen`,
   uploadCancel: 'Senden abbrechen',
@@ -274,6 +281,7 @@ export const de: Messages = {
   uploadProblem: problem => ({ ...de.failures, ...uploadProblems })[problem],
 
   fileOffered: name => `Bereit: ${name}`,
+  fileSent: (name, size) => `Heruntergeladen: ${name} (${size})`,
   download: name => `${name} herunterladen`,
   downloadShort: 'Herunterladen',
   files: 'Dateien für Sie',

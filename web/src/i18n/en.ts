@@ -108,6 +108,8 @@ const refusals: Record<Refusal['code'], string> = {
 export const en = {
   code: 'en',
   number: (value: number): string => number.format(value),
+  /** The text with its long numbers as people write them. */
+  numbersIn: (text: string): string => text.replace(/\b[1-9]\d{3,14}\b/g, digits => number.format(Number(digits))),
 
   skipToContent: 'Skip to the page',
   loading: 'Loading…',
@@ -267,6 +269,12 @@ export const en = {
 
   upload: 'Upload…',
   uploadDrop: 'Drop the file here',
+  fromMyComputer: 'From my computer…',
+  fromMyComputerNote: 'Or drop a text file here: one entry a line.',
+  toMyComputer: 'To my computer',
+  toMyComputerNote: (name: string): string => `${name} is downloaded at once: one entry a line.`,
+  importDropped: (file: string, list: string): string => `Import “${file}” into “${list}”?`,
+  dropOnList: (list: string): string => `Drop the file here: ${list}`,
   uploading: (name: string): string => `Sending ${name}`,
   uploadWaiting: (name: string): string => `${name} is being taken over`,
   uploadCancel: 'Stop sending',
@@ -277,6 +285,7 @@ export const en = {
   uploadProblem: (problem: UploadProblem): string => ({ ...failures, ...uploadProblems })[problem],
 
   fileOffered: (name: string): string => `Ready: ${name}`,
+  fileSent: (name: string, size: string): string => `Downloaded: ${name} (${size})`,
   download: (name: string): string => `Download ${name}`,
   downloadShort: 'Download',
   files: 'Files for you',

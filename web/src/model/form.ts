@@ -131,6 +131,18 @@ export class ControlModel {
     return button?.visible.value && button.shown.value.enabled ? button : undefined
   }
 
+  /** The button that opens the dialog for this list's files, as long as it can be used. */
+  transferrer(): ControlModel | undefined {
+    const { transfer } = this.shown.value
+    const button = transfer === undefined ? undefined : this.form.controls.get(transfer)
+    return button?.visible.value && button.shown.value.enabled ? button : undefined
+  }
+
+  /** Of a file list: has the form write its file for the user. */
+  fetch(): void {
+    this.form.link.event(this, { event: 'fetch' })
+  }
+
   /** Removes the entry that stands in the field, as the button does. */
   removeChosen(): void {
     this.remover()?.click()
@@ -289,7 +301,7 @@ export class FormModel {
   readonly closed = signal(false)
   /** The control that was missing when a button was pressed, until it is there. */
   readonly missing = signal<ControlModel | null>(null)
-  /** The label controls that are drawn with the control that they name. */
+  /** The label controls that are drawn with the control that they name, or whose work they tell. */
   readonly usedLabels = new Set<string>()
   readonly link: Link
   private frames: ReadonlyMap<string, string>
@@ -306,6 +318,7 @@ export class FormModel {
     for (const [name, control] of Object.entries(message.controls)) {
       this.controls.set(name, new ControlModel(this, name, control))
       if (control.label !== undefined) this.usedLabels.add(control.label)
+      if (control.exchange?.result !== undefined) this.usedLabels.add(control.exchange.result)
     }
   }
 

@@ -50,9 +50,9 @@ export class Session implements Link {
   readonly terminals: Terminals
   readonly files = new Files()
   onRefusal: (refusal: Refusal) => void = () => {}
-  onFile: (file: OfferedFile) => void = () => {}
   /** A page wants another one to be opened. */
   onGo: (page: string, query: string) => void = () => {}
+  onFile: (file: OfferedFile, awaited: boolean) => void = () => {}
 
   private readonly connection: Connection
   private readonly activity: ActivityModel
@@ -128,7 +128,7 @@ export class Session implements Link {
       return 0
     }
     this.unsettled.add(control)
-    if (event.event === 'click') {
+    if (event.event === 'click' || event.event === 'fetch') {
       this.clicks.set(seq, control)
       control.waiting.value++
       if (control.shown.peek().kind === 'OptionButton') {
@@ -236,7 +236,7 @@ export class Session implements Link {
         return this.terminals.receive(message)
       case 'file':
         this.files.add(message)
-        this.onFile(message)
+        this.onFile(message, message.awaited === true)
         return
       case 'files':
         return this.files.told(message.files)

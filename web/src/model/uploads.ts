@@ -47,9 +47,13 @@ export class Upload {
     this.makeRequest = makeRequest
   }
 
-  async start(form: string, control: string, file: File): Promise<void> {
-    if (this.request) return
-    if (file.size > longestUpload) return this.onProblem('too_big', file.name)
+  /** True once the host has the file and has chosen it in the list. */
+  async start(form: string, control: string, file: File): Promise<boolean> {
+    if (this.request) return false
+    if (file.size > longestUpload) {
+      this.onProblem('too_big', file.name)
+      return false
+    }
     const request = this.makeRequest()
     this.request = request
     this.sending.value = { name: file.name, done: 0, total: file.size }
@@ -57,14 +61,18 @@ export class Upload {
       const answer = await request.send(targetOf(form, control, file.name), file, done => {
         if (this.request === request) this.sending.value = { name: file.name, done, total: file.size }
       })
-      if (this.request !== request) return
-      if (answer.status === 200) this.onDone(file.name, (JSON.parse(answer.body) as { name: string }).name)
-      else this.onProblem(problemIn(answer.status, answer.body), file.name)
+      if (this.request !== request) return false
+      if (answer.status === 200) {
+        this.onDone(file.name, (JSON.parse(answer.body) as { name: string }).name)
+        return true
+      }
+      this.onProblem(problemIn(answer.status, answer.body), file.name)
     } catch {
       if (this.request === request) this.onProblem('unreachable', file.name)
     } finally {
       if (this.request === request) this.finish()
     }
+    return false
   }
 
   cancel(): void {

@@ -9,26 +9,39 @@ import { openPasswordDialog } from './password-dialog'
 import { addressOf } from '../model/address'
 import { goTo } from './router'
 
-function grouped(pages: readonly PageEntry[]): { group: string; pages: PageEntry[] }[] {
-  const groups: { group: string; pages: PageEntry[] }[] = []
-  for (const page of pages) {
-    const group = groups.find(known => known.group === page.group)
-    if (group) group.pages.push(page)
-    else groups.push({ group: page.group, pages: [page] })
-  }
-  return groups
+interface Section {
+  name: string
+  title: string
+  pages: PageEntry[]
 }
 
-const foldKey = (group: string): string => `fold ${group}`
+function sectionsOf(pages: readonly PageEntry[]): Section[] {
+  const sections: Section[] = []
+  for (const page of pages) {
+    const section = sections.find(known => known.name === page.section)
+    if (section) section.pages.push(page)
+    else sections.push({ name: page.section, title: page.group, pages: [page] })
+  }
+  return sections
+}
+
+const foldKey = (section: string): string => `fold ${section}`
 /** Below this height the groups do not fit: only the one that is used is unfolded until somebody unfolds more. */
 const lowWindow = 980
 
-function Group({ name, id, holdsCurrent, children }: { name: string; id: string; holdsCurrent: boolean; children: ComponentChildren }) {
-  const [chosen, setChosen] = useState(() => recall(foldKey(name), 'device'))
+interface GroupProps {
+  section: Section
+  id: string
+  holdsCurrent: boolean
+  children: ComponentChildren
+}
+
+function Group({ section, id, holdsCurrent, children }: GroupProps) {
+  const [chosen, setChosen] = useState(() => recall(foldKey(section.name), 'device'))
   const open = chosen === null ? holdsCurrent || innerHeight >= lowWindow : chosen === 'open'
   const choose = (unfolded: boolean): void => {
     const state = unfolded ? 'open' : 'folded'
-    remember(foldKey(name), state, 'device')
+    remember(foldKey(section.name), state, 'device')
     setChosen(state)
   }
   // Whoever comes to a page by another way sees where it is.
@@ -39,7 +52,7 @@ function Group({ name, id, holdsCurrent, children }: { name: string; id: string;
     <section>
       <h2>
         <button type="button" class="group-fold" aria-expanded={open} aria-controls={id} onClick={() => choose(!open)}>
-          <span id={`${id}-name`}>{name}</span>
+          <span id={`${id}-name`}>{section.title}</span>
           <Icon name="chevron" />
         </button>
       </h2>
@@ -80,14 +93,14 @@ export function Sidebar({ drawn, onLeave }: { drawn: boolean; onLeave: () => voi
         </button>
       </div>
       <div class="sidebar-pages">
-        {grouped(hello?.pages ?? []).map((group, place) => (
+        {sectionsOf(hello?.pages ?? []).map((section, place) => (
           <Group
-            key={group.group}
-            name={group.group}
+            key={section.name}
+            section={section}
             id={`nav-${place}`}
-            holdsCurrent={group.pages.some(page => page.name === current)}
+            holdsCurrent={section.pages.some(page => page.name === current)}
           >
-              {group.pages.map(page => (
+              {section.pages.map(page => (
                 <li key={page.name}>
                   <a
                     href={addressOf(page.name)}

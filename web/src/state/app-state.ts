@@ -1,6 +1,7 @@
 import { effect, signal, untracked } from '@preact/signals'
 import { language, messages } from '../i18n'
 import { ActivityModel } from '../model/activity'
+import { addressOf } from '../model/files'
 import { Session } from '../model/session'
 import { forgetTab } from '../model/preferences'
 import { summarise, type Summary } from '../model/toast-text'
@@ -8,7 +9,7 @@ import { Toasts } from '../model/toasts'
 import { visibleText } from '../model/visible-text'
 import { askState, logOut } from '../wire/api'
 import { Connection } from '../wire/connection'
-import type { HostState } from '../wire/protocol'
+import type { HostState, OfferedFile } from '../wire/protocol'
 
 export type Screen = 'loading' | 'unreachable' | 'setup' | 'login' | 'console' | 'ended' | 'replaced'
 
@@ -53,8 +54,26 @@ activity.onAction = (message, steps) => {
 session.onRefusal = refusal =>
   toasts.add(messages.value.refusals[refusal.code], { detail: visibleText(refusal.text, longestDetail), failed: true })
 
-session.onFile = file =>
-  toasts.add(messages.value.fileOffered(visibleText(file.name, longestName)), { topic: `file ${file.token}`, file })
+session.onFile = (file, awaited) => {
+  const m = messages.value
+  const name = visibleText(file.name, longestName)
+  const topic = `file ${file.token}`
+  if (!awaited) return toasts.add(m.fileOffered(name), { topic, file })
+  download(file)
+  toasts.add(m.fileSent(name, m.size(file.size)), { topic })
+}
+
+/** Fetches a file as a click on its link would. */
+function download(file: OfferedFile): void {
+  const link = document.createElement('a')
+  link.href = addressOf(file)
+  link.download = file.name
+  link.click()
+  session.files.fetched(file.token)
+}
+
+/** The file that was dropped on a list, until the dialog for the list's files takes it. */
+export const droppedFile = signal<File | null>(null)
 
 effect(() => {
   const status = connection.status.value

@@ -108,6 +108,8 @@ export interface Control {
   multiLine?: boolean
   counts?: boolean
   source?: boolean
+  /** A product path, which separates folders by backslashes. */
+  path?: boolean
   marks?: Mark[]
   fixedPitch?: boolean
   secret?: boolean
@@ -121,6 +123,10 @@ export interface Control {
   entry?: string
   add?: string
   remove?: string
+  /** Of a list: the button that opens the dialog for its files. */
+  transfer?: string
+  /** Of a file list: how its form exchanges files. */
+  exchange?: Exchange
   /** Of a button: controls of which one must hold something. */
   needs?: string[]
   /** Of a button: what people come for. */
@@ -145,6 +151,15 @@ export interface Control {
   query?: string
 }
 
+/** Names of controls: `run` writes the file that `path` names while `exports` is chosen, and reads it otherwise. */
+export interface Exchange {
+  path: string
+  run: string
+  exports?: string
+  imports?: string
+  result?: string
+}
+
 export type Tone = 'plain' | 'good' | 'waiting' | 'bad'
 
 export type LayoutNode = { grow?: boolean } & (
@@ -152,11 +167,13 @@ export type LayoutNode = { grow?: boolean } & (
   | { column: LayoutNode[] }
   | { row: LayoutNode[] }
   | { grid: LayoutNode[] }
-  | { frame: string; content: LayoutNode }
+  | { frame: string; content: LayoutNode; fold?: boolean }
 )
 
 export interface PageEntry {
   name: string
+  /** Which group it belongs to, the same in every language. */
+  section: string
   group: string
   title: string
 }
@@ -333,7 +350,7 @@ export type ServerMessage =
   | OutputMessage
   | EndedMessage
   | { type: 'gone'; id: number }
-  | ({ type: 'file' } & OfferedFile)
+  | ({ type: 'file'; awaited?: boolean } & OfferedFile)
   | { type: 'files'; files: OfferedFile[] }
   | { type: 'done'; seq: number }
   | { type: 'error'; seq?: number; request?: number; code: ErrorCode; text: string }
@@ -346,6 +363,7 @@ export type UserEvent =
   | { event: 'keys'; keys: readonly string[] }
   | { event: 'sort'; text: string }
   | { event: 'filter'; text: string }
+  | { event: 'fetch' }
   | { event: 'remove'; revision: number; filter: string; order: ListOrder; ranges: readonly (readonly [number, number])[] }
 
 export type SequencedMessage =
