@@ -26,7 +26,8 @@ class BlockListPage : public ListPage {
   Label Label2{*this, "Label2", "Zones that let pass", List1};
   Button wbladd{*this, "wbladd", "Add", "Adds the zone to the white lists"};
   Button wblremove{*this, "wblremove", "Remove", "Takes the zone off the white lists"};
-  Button oben{*this, "oben", "Import and export...", "Moves the white-list zones from or to a text file"};
+  Button oben{*this, "oben", "Import and export...",
+              "Moves the zones of the white lists from or to a text file"};
 
   Frame Frame2{*this, "Frame2", "Black lists"};
   ListBox List2{
@@ -35,7 +36,8 @@ class BlockListPage : public ListPage {
   Label Label4{*this, "Label4", "Zones that reject", List2};
   Button rbladd{*this, "rbladd", "Add", "Adds the zone to the black lists"};
   Button rblremove{*this, "rblremove", "Remove", "Takes the zone off the black lists"};
-  Button unten{*this, "unten", "Import and export...", "Moves the black-list zones from or to a text file"};
+  Button unten{*this, "unten", "Import and export...",
+               "Moves the zones of the black lists from or to a text file"};
 
   Frame Frame3{*this, "Frame3", "Where the lists apply"};
   CheckBox RBLcheck1{*this, "RBLcheck1", "Use the DNS block lists",
@@ -54,7 +56,7 @@ class BlockListPage : public ListPage {
   Frame Frame5{*this, "Frame5", "Rejected clients"};
   Button Command2{*this, "Command2", "Report them...",
                   "Opens a mail to the operator of the default black list with the IP numbers of all "
-                  "black-listed clients in the IP log"};
+                  "blacklisted clients in the IP log"};
 
  private:
   void load() override;

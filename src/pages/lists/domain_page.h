@@ -48,8 +48,8 @@ class DomainPage : public ListPage {
                   "Finds the domain's mail exchanger with the least preference"};
   Button Command5{*this, "Command5", "Connect with telnet",
                   "Opens a connection to port 25 of the IP number found, or else of the domain"};
-  Button blip{*this, "blip", "Black-list address", "Puts the IP number found on the IP black list"};
-  Button wlip{*this, "wlip", "White-list address", "Puts the IP number found on the IP white list"};
+  Button blip{*this, "blip", "Blacklist address", "Puts the IP number found on the IP black list"};
+  Button wlip{*this, "wlip", "Whitelist address", "Puts the IP number found on the IP white list"};
 
   Frame Frame4{*this, "Frame4", "Where the lists apply"};
   CheckBox checkbw{*this, "checkbw", "Use the domain lists", "Checks domains against both lists at all"};

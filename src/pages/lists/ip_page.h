@@ -44,17 +44,17 @@ class IpPage : public ListPage {
   Label Label4{*this, "Label4", "Domain", domain};
   Button rlookup{*this, "rlookup", "Find host name",
                  "Looks up the host name of the IP number (PTR record) and puts it into the domain field"};
-  Button adbl{*this, "adbl", "Black-list domain",
+  Button adbl{*this, "adbl", "Blacklist domain",
               "Puts the domain on the domain black list and takes it off the domain white list"};
-  Button adwl{*this, "adwl", "White-list domain",
+  Button adwl{*this, "adwl", "Whitelist domain",
               "Puts the domain on the domain white list and takes it off the domain black list"};
 
   Frame Frame4{*this, "Frame4", "Where the lists apply"};
   CheckBox Check1{*this, "Check1", "Use the IP lists", "Checks the connecting IP number against both lists"};
   CheckBox hcheck{*this, "hcheck", "Message headers", "Checks IP numbers that occur in the headers"};
   CheckBox bcheck{*this, "bcheck", "Message body", "Checks IP numbers that occur in the body"};
-  CheckBox autobl{*this, "autobl", "Black-list automatically",
-                  "Lets the proxy black-list by what it finds in the headers; switches the blocking of "
+  CheckBox autobl{*this, "autobl", "Blacklist automatically",
+                  "Lets the proxy blacklist by what it finds in the headers; switches the blocking of "
                   "non-delivery reports off"};
   CheckBox acreject{*this, "acreject", "Reject actively", "Actively rejects senders on the black list"};
 

@@ -60,7 +60,7 @@ class GeneralPage : public Page {
   CheckBox checkheloip{*this, "checkheloip", "Refuse IP numbers as HELO",
                        "Refuses clients that greet with an IP number"};
   CheckBox blockndr{*this, "blockndr", "Block non-delivery reports",
-                    "Refuses all non-delivery reports; switches automatic black-listing from headers off"};
+                    "Refuses all non-delivery reports; switches automatic blacklisting from headers off"};
 
   CheckBox debugging{*this, "debugging", "Debug logging",
                      "Writes every step of the service to its log; slows it down"};
