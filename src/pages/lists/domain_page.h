@@ -46,7 +46,7 @@ class DomainPage : public ListPage {
       "Finds the domain's mail exchanger and its IP number; tries the parent domain if there is none"};
   Button Command6{*this, "Command6", "Find host name",
                   "Finds the domain's mail exchanger with the least preference"};
-  Button Command5{*this, "Command5", "Connect with telnet",
+  Button Command5{*this, "Command5", "Telnet",
                   "Opens a connection to port 25 of the IP number found, or else of the domain"};
   Button blip{*this, "blip", "Blacklist address", "Puts the IP number found on the IP black list"};
   Button wlip{*this, "wlip", "Whitelist address", "Puts the IP number found on the IP white list"};
