@@ -218,6 +218,20 @@ async function follow(page, link, name) {
   await page.locator(`main [data-control^="c-${name}-"]`).first().waitFor()
 }
 
+/** Drops a text file of this name on an element, as from the desktop. */
+export const drop = (page, selector, name, text) =>
+  page.evaluate(
+    ([where, called, content]) => {
+      const data = new DataTransfer()
+      data.items.add(new File([content], called))
+      const target = document.querySelector(where)
+      for (const kind of ['dragover', 'drop']) {
+        target.dispatchEvent(new DragEvent(kind, { dataTransfer: data, bubbles: true, cancelable: true }))
+      }
+    },
+    [selector, name, text],
+  )
+
 const looks = [
   ['light', 1440, 900],
   ['dark', 1440, 900],

@@ -164,6 +164,7 @@ test('notices lie above a dialog, and their files can be fetched there', async (
   const black = group('Black list')
   await black.getByRole('button', { name: 'Import and export...' }).click()
   const dialog = page.getByRole('dialog', { name: 'Domain Blacklist' })
+  await dialog.getByRole('button', { name: /^Files on the console/ }).click()
   await dialog.getByRole('button', { name: 'Export', exact: true }).click()
   const notice = page.getByRole('region', { name: 'Notices' })
   const [download] = await Promise.all([page.waitForEvent('download'), notice.getByRole('link', { name: /^Download/ }).click()])

@@ -3,7 +3,7 @@ import assert from 'node:assert/strict'
 import { existsSync, readFileSync } from 'node:fs'
 import { join } from 'node:path'
 import { test } from 'node:test'
-import { openPage, picture, withConsole } from './console.mjs'
+import { drop, openPage, picture, withConsole } from './console.mjs'
 
 // Greets, echoes, obeys a few words; and tries what a terminal must not do for a stranger.
 const talk = `
@@ -122,7 +122,7 @@ test('a file is sent into a file list and chosen there', async () => {
   const dialog = page.getByRole('dialog', { name: 'A dialog' })
   const source = dialog.getByRole('textbox', { name: 'File', exact: true })
   const send = async (name, content) => {
-    const [chooser] = await Promise.all([page.waitForEvent('filechooser'), dialog.getByRole('button', { name: 'Upload…' }).click()])
+    const [chooser] = await Promise.all([page.waitForEvent('filechooser'), dialog.getByRole('button', { name: 'From my computer…' }).click()])
     await chooser.setFiles({ name, mimeType: 'text/plain', buffer: Buffer.from(content) })
   }
   await send('hosts.txt', 'one\n')
@@ -134,21 +134,9 @@ test('a file is sent into a file list and chosen there', async () => {
   assert.equal(readFileSync(join(console.folder, 'upload/hosts (2).txt'), 'utf8'), 'two\n')
   await picture(page, 'uploaded')
   // Dropped onto the list; and dropped beside it, which must not replace the page.
-  const drop = (selector, name) =>
-    page.evaluate(
-      ([where, called]) => {
-        const data = new DataTransfer()
-        data.items.add(new File(['dropped\n'], called))
-        const target = document.querySelector(where)
-        for (const kind of ['dragover', 'drop']) {
-          target.dispatchEvent(new DragEvent(kind, { dataTransfer: data, bubbles: true, cancelable: true }))
-        }
-      },
-      [selector, name],
-    )
-  await drop('dialog .file-list .list-rows', 'dropped.txt')
+  await drop(page, 'dialog .file-list .list-rows', 'dropped.txt', 'dropped\n')
   await page.waitForFunction(() => [...document.querySelectorAll('dialog input')].some(i => i.value.endsWith('\\dropped.txt')))
-  await drop('dialog', 'beside.txt')
+  await drop(page, 'dialog', 'beside.txt', 'beside\n')
   assert.ok(!existsSync(join(console.folder, 'upload/beside.txt')))
   assert.match(await source.inputValue(), /dropped\.txt$/)
   await dialog.getByRole('button', { name: 'Cancel' }).click()

@@ -1,4 +1,4 @@
-import { useEffect, useState } from 'preact/hooks'
+import { useEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import { fileNameOf } from '../model/product-path'
@@ -30,6 +30,9 @@ export function Exchange({ control, declared }: { control: ControlModel; declare
     if (imports?.shown.peek().value !== 1) imports?.click()
   }, [])
 
+  const agree = useRef<HTMLButtonElement>(null)
+  useEffect(() => agree.current?.focus(), [asked])
+
   const sending = upload.sending.value
   const writes = exports?.shown.value.value === 1
   const waits = (run?.waiting.value ?? 0) > 0 || control.waiting.value > 0
@@ -54,7 +57,7 @@ export function Exchange({ control, declared }: { control: ControlModel; declare
             {m.importDropped(visibleText(asked.name, longestName), form.caption.value)} <span class="count">{m.size(asked.size)}</span>
           </p>
           <div class="exchange-acts">
-            <button type="button" class="button primary" autoFocus disabled={!usable} onClick={() => void use(asked)}>
+            <button type="button" ref={agree} class="button primary" disabled={!usable} onClick={() => void use(asked)}>
               {act}
             </button>
             <button type="button" class="button" onClick={() => setAsked(null)}>

@@ -19,7 +19,7 @@ export function FileList({ control }: { control: ControlModel }) {
         control={control}
         bar={sending && <UploadBar sending={sending} onCancel={() => upload.cancel()} />}
         // Where the form says what it does with files, people send them from there.
-        tool={!exchange && <FilePicker class="button quiet small" caption={m.upload} disabled={!usable} onChoose={send} />}
+        tool={!exchange && <FilePicker class="button quiet small" caption={m.fromMyComputer} disabled={!usable} onChoose={send} />}
       />
       {over && <p class="drop-note">{m.uploadDrop}</p>}
     </div>

@@ -19,7 +19,7 @@ export const rowHeight = (): number => (coarse.value ? 44 : 28)
 
 interface ListBoxProps {
   control: ControlModel
-  /** What stands below the rows, and a button in the last line. */
+  /** What stands below the rows, and a button beside the filter. */
   bar?: ComponentChildren
   tool?: ComponentChildren
 }
@@ -199,7 +199,7 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
       }
     >
       <div class="list-frame" data-filtering={cache.filtering ? '' : undefined} data-over={over ? '' : undefined} {...handlers}>
-        {filterable && <FilterField list={list} name={control.form.labelOf(shown)} control={control} />}
+        {filterable && <FilterField list={list} name={control.form.labelOf(shown)} control={control} tool={tool} />}
         <div class="list-view">
           <VirtualList
             handle={handle}
@@ -249,7 +249,6 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
               {m.chooseSeveral}
             </button>
           )}
-          {tool}
         </div>
       </div>
     </Field>

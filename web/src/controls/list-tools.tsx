@@ -1,3 +1,4 @@
+import type { ComponentChildren } from 'preact'
 import { useEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
@@ -12,6 +13,7 @@ interface Props {
   list: ListModel
   name: string
   control: ControlModel
+  tool?: ComponentChildren
 }
 
 const filterKey = (control: ControlModel): string => `filter ${control.form.name} ${control.name}`
@@ -31,7 +33,7 @@ export function restoreView(control: ControlModel, list: ListModel): boolean {
   return true
 }
 
-export function FilterField({ list, name, control }: Props) {
+export function FilterField({ list, name, control, tool }: Props) {
   void list.version.value
   const [text, setText] = useState(list.cache.wanted.filter)
   const timer = useRef<ReturnType<typeof setTimeout> | undefined>(undefined)
@@ -84,6 +86,7 @@ export function FilterField({ list, name, control }: Props) {
         </button>
       )}
       {control.kind === 'ListBox' && <OrderChoice list={list} name={name} control={control} />}
+      {tool}
     </div>
   )
 }

@@ -263,7 +263,6 @@ export const de: Messages = {
     'Selection deleted': 'Auswahl gelöscht',
   },
 
-  upload: 'Hochladen…',
   uploadDrop: 'Datei hier ablegen',
   fromMyComputer: 'Von meinem Rechner …',
   fromMyComputerNote: 'Oder eine Textdatei hier ablegen: ein Eintrag je Zeile.',

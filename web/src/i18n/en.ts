@@ -267,7 +267,6 @@ export const en = {
     'Selection deleted': 'Selection deleted',
   },
 
-  upload: 'Upload…',
   uploadDrop: 'Drop the file here',
   fromMyComputer: 'From my computer…',
   fromMyComputerNote: 'Or drop a text file here: one entry a line.',
