@@ -43,11 +43,11 @@ ServiceControlPage::ServiceControlPage(Console& console)
   stopservice.set_destroys(loss::service);
 
   set_layout(column({
+      frame(Frame3, column({Label1, Label2, row({starts, stopservice, rservice, Command2, Command3}),
+                            grid({dontstartproxy})})),
       frame(Frame1, grid({Text1, Text3})),
       frame(Frame2, grid({listenip, Text2})),
       row({Command1}),
-      frame(Frame3, column({Label1, Label2, grid({dontstartproxy}),
-                            row({starts, stopservice, rservice, Command2}), row({Command3})})),
   }));
 }
 

@@ -52,10 +52,9 @@ DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domain
   Command5.set_needs({&Text1, &mxip});
 
   set_layout(column({
-      Text1,
+      list_head(Text1, {refrall, remote}),
       grow(row({list_frame(Frame1, List1, {Command1, Command2, imexwhite}),
                 list_frame(Frame2, List2, {Command3, Command4, imexblack})})),
-      row({refrall, remote}),
       frame(Frame3, column({mxip, row({findmx, Command6, Command5, blip, wlip})})),
       frame(Frame4, grid({checkbw, RetunPath, hcheck, dcheck, checkblhelo})),
   }));

@@ -15,9 +15,8 @@ ExceptionPage::ExceptionPage(Console& console) : ListPage(console, "exceptions",
   exceptmails.set_acts({&Text1, &addex, &removeex});
 
   set_layout(column({
-      row({grow(Text1), addex, removeex}),
+      list_head(row({grow(Text1), addex, removeex}), {Command1}),
       grow(row({list_frame(Frame1, exceptdomains, {imleft}), list_frame(Frame2, exceptmails, {imright})})),
-      row({Command1}),
       frame(Frame3, grid({exceptdomain, exceptmail})),
   }));
 }

@@ -24,10 +24,9 @@ FilePage::FilePage(Console& console) : ListPage(console, "filescanner", "Attachm
   extension.set_acts({&Text1, &addextension, &deleteit});
 
   set_layout(column({
-      row({grow(Text1), deleteit}),
+      list_head(row({grow(Text1), deleteit}), {freshit, remoteupdate}),
       grow(row({list_frame(Frame1, files, {addfiles, leftim}),
                 list_frame(Frame2, extension, {addextension, rightim})})),
-      row({freshit, remoteupdate}),
       frame(Frame3, grid({checkfiles, checkfilesstream, checkextension})),
   }));
 }

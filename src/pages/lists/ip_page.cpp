@@ -37,10 +37,9 @@ IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
   blackl.set_acts({&ip, &Command3, &Command2});
 
   set_layout(column({
-      row({grow(ip), Command2}),
+      list_head(row({grow(ip), Command2}), {refrall, remote}),
       grow(row(
           {list_frame(Frame1, whitel, {Command1, imleft}), list_frame(Frame2, blackl, {Command3, imright})})),
-      row({refrall, remote}),
       frame(Frame3, column({domain, row({rlookup, adbl, adwl})})),
       frame(Frame4, grid({Check1, hcheck, bcheck, autobl, acreject})),
       frame(Frame5, grid({checkempty, blr, wlr})),

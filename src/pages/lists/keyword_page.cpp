@@ -47,11 +47,10 @@ KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keyw
   List3.set_acts({&Text1, &Command7, &Command8});
 
   set_layout(column({
-      Text1,
+      list_head(Text1, {remote}),
       grow(row({list_frame(Frame1, List1, {Command1, Command3, Command5}),
                 list_frame(Frame2, List2, {Command2, Command4, Command6}),
                 list_frame(Frame3, List3, {Command7, Command8, Command9})})),
-      row({remote}),
       frame(Frame4, grid({Check1, Check3, Check2, checkheader})),
       frame(Frame5, grid({checklongsubject, checkshortsubject, subjectspace})),
   }));

@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "core/list_catalogue.h"
 #include "pages/lists/transfer_dialog.h"
@@ -85,6 +86,10 @@ void ListPage::update_lists(std::span<const ListFile> files) {
   std::string status;
   fetch_lists(*this, component<Downloader>(), status);
   merge_lists(*this, console(), files);
+}
+
+LayoutNode list_head(LayoutNode entry, std::initializer_list<LayoutNode> tools) {
+  return row({grow(std::move(entry)), row(tools)});
 }
 
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons) {

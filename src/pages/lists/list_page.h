@@ -86,6 +86,10 @@ class ListPage : public Page {
   Place place_ = Place::forgotten;
 };
 
+// The first line of a list page: the field for entries, alone or in a row with what works on all lists, and
+// apart from it what concerns the lists as a whole.
+LayoutNode list_head(LayoutNode entry, std::initializer_list<LayoutNode> tools);
+
 // The layout of a list on every list page: a titled frame that grows, with a row of buttons, near the
 // field that they work on, and the list below. Several of them fit side by side in a row.
 LayoutNode list_frame(Frame& title, ListBox& box, std::initializer_list<LayoutNode> buttons);

@@ -19,9 +19,8 @@ LocalPage::LocalPage(Console& console) : ListPage(console, "localstuff", "Local 
   List2.set_acts({&Text1, &Command1, &Command2});
 
   set_layout(column({
-      row({grow(Text1), Command1, Command2}),
+      list_head(row({grow(Text1), Command1, Command2}), {Command3}),
       grow(row({list_frame(Frame1, List1, {imleft}), list_frame(Frame2, List2, {imright})})),
-      row({Command3}),
       frame(Frame3, grid({acheck, checklocalhelo, nofakedom})),
   }));
 }

@@ -30,10 +30,9 @@ MailPage::MailPage(Console& console) : ListPage(console, "wbuser", "E-mail addre
   blackl.set_acts({&mail, &addblack, &remove});
 
   set_layout(column({
-      row({grow(mail), remove}),
+      list_head(row({grow(mail), remove}), {remotelist}),
       grow(row(
           {list_frame(Frame1, whitel, {addwhite, imright}), list_frame(Frame2, blackl, {addblack, imleft})})),
-      row({remotelist}),
       frame(Frame3, grid({checkmail})),
   }));
 }

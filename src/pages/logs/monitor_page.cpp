@@ -70,8 +70,7 @@ MonitorPage::MonitorPage(Console& console) : Page(console, "monitor", "Mail arch
   Command5.set_destroys(loss::mail, [this] { return shown_ ? 1U : 0U; });
 
   set_layout(column({
-      grow(HScroll1),
-      row({Command1, Check1}),
+      row({grow(HScroll1), Command1, Check1}),
       frame(Frame1, column({
                         row({grow(msubject), grow(mid)}),
                         row({grow(sender), grow(sdom), grow(returnaddr), grow(sip)}),

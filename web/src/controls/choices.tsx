@@ -5,8 +5,14 @@ function Choice({ control, type }: { control: ControlModel; type: 'checkbox' | '
   const shown = control.shown.value
   const on = shown.value === 1
   const caption = control.form.labelOf(shown)
+  const explained = control.form.explains(control) && caption !== '' && Boolean(shown.toolTip)
   return (
-    <div class={`choice ${type}`} data-control={control.id} data-tip={shown.toolTip} data-disabled={shown.enabled ? undefined : ''}>
+    <div
+      class={`choice ${type}`}
+      data-control={control.id}
+      data-tip={explained ? undefined : shown.toolTip}
+      data-disabled={shown.enabled ? undefined : ''}
+    >
       <label class="choice-label">
         <input
           id={control.id}
@@ -15,14 +21,22 @@ function Choice({ control, type }: { control: ControlModel; type: 'checkbox' | '
           checked={on}
           disabled={!shown.enabled}
           aria-label={caption === '' ? nameOf(control, shown) : undefined}
+          aria-labelledby={explained ? `${control.id}-label` : undefined}
           aria-describedby={shown.toolTip ? tipId(control) : undefined}
           onClick={event => {
             if (!control.click()) event.currentTarget.checked = on
           }}
         />
-        <span class="choice-text">{caption}</span>
+        <span class="choice-text">
+          <span id={`${control.id}-label`}>{caption}</span>
+          {explained && (
+            <span id={tipId(control)} class="choice-note">
+              {shown.toolTip}
+            </span>
+          )}
+        </span>
       </label>
-      <Tip control={control} shown={shown} />
+      {!explained && <Tip control={control} shown={shown} />}
     </div>
   )
 }

@@ -159,7 +159,7 @@ export function ComboBox({ control }: { control: ControlModel }) {
               autocomplete="off"
               aria-autocomplete="none"
               spellcheck={false}
-              placeholder={shown.placeholder}
+              placeholder={shown.placeholder && m.example(shown.placeholder)}
               onInput={event => control.type(event.currentTarget.value)}
             />
             <button

@@ -60,18 +60,20 @@ interface FieldProps {
 export function Field({ control, shown, class: kind, labelFor, aside, rows, children }: FieldProps) {
   const label = control.form.labelOf(shown)
   const lines = rows === undefined ? undefined : Math.max(fewestRows, Math.min(rows, mostRows))
+  const tall = rows !== undefined || shown.multiLine === true
   const head = label !== '' || aside !== undefined
   return (
     <div
       class={`field ${kind}`}
       data-control={control.id}
-      data-tip={shown.toolTip}
+      // Over rows and over a text that is being written it would be in the way.
+      data-tip={tall ? undefined : shown.toolTip}
       data-disabled={shown.enabled ? undefined : ''}
       data-short={rows !== undefined && rows <= shortRows ? '' : undefined}
       style={lines === undefined ? undefined : { '--rows': String(lines) }}
     >
       {head && (
-        <div class="field-head">
+        <div class="field-head" data-tip={tall ? shown.toolTip : undefined}>
           {label !== '' &&
             (labelFor ? (
               <label class="field-label" id={labelId(control)} for={labelFor}>

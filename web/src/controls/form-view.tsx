@@ -30,7 +30,7 @@ interface NodeProps {
 /** What the controls of a group do, behind one button, where only a finger points. */
 function GroupTip({ controls, caption }: { controls: ControlModel[]; caption?: string }) {
   const entries = controls
-    .filter(control => control.visible.value && control.shown.value.toolTip)
+    .filter(control => control.visible.value && control.shown.value.toolTip && !control.form.explains(control))
     .map(control => ({ name: nameOf(control, control.shown.value), text: control.shown.value.toolTip ?? '' }))
   if (entries.length === 0) return null
   const title = caption ?? entries.map(entry => entry.name).join(', ')

@@ -235,6 +235,9 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
           {over && <p class="drop-note">{m.dropOnList(name)}</p>}
           {count === 0 && <p class="list-empty">{cache.filter === '' ? m.emptyList : m.noMatch}</p>}
         </div>
+        <p class="visually-hidden" role="status">
+          {added !== null && m.addedAt(added.index + 1, cache.wholeLength)}
+        </p>
         {bar}
         {several && <SelectionBar control={control} chosen={chosen} onEnd={leaveSelection} />}
         <div class="list-foot">

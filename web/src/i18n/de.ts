@@ -172,6 +172,7 @@ export const de: Messages = {
   orderOf: list => `Reihenfolge von ${list}`.trim(),
   orders: { listed: 'Unsortiert', added: 'Wie hinzugefügt', text: 'A bis Z', domain: 'Nach Domäne' },
   addedRow: 'hinzugefügt',
+  addedAt: (row, total) => `Als Zeile ${number.format(row)} von ${number.format(total)} hinzugefügt`,
   chooseSeveral: 'Mehrere auswählen',
   chosenRows: count => `${number.format(count)} ausgewählt`,
   removeRows: 'Entfernen',

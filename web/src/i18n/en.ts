@@ -178,6 +178,7 @@ export const en = {
   orderOf: (list: string): string => `Order of ${list}`.trim(),
   orders: { listed: 'Unsorted', added: 'As added', text: 'A to Z', domain: 'By domain' },
   addedRow: 'added',
+  addedAt: (row: number, total: number): string => `Added as row ${number.format(row)} of ${number.format(total)}`,
   chooseSeveral: 'Choose several',
   chosenRows: (count: number): string => `${number.format(count)} chosen`,
   removeRows: 'Remove',

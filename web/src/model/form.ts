@@ -1,6 +1,6 @@
 import { batch, computed, signal, type ReadonlySignal } from '@preact/signals'
 import type { ChangeMessage, Control, FormMessage, Kind, LayoutNode, PlainMessage, UserEvent } from '../wire/protocol'
-import { framesAround } from './layout'
+import { framesAround, gridded } from './layout'
 import { ListModel } from './list'
 import { PendingText } from './pending-text'
 import type { Range } from './selection'
@@ -305,6 +305,7 @@ export class FormModel {
   readonly usedLabels = new Set<string>()
   readonly link: Link
   private frames: ReadonlyMap<string, string>
+  private gridded: ReadonlySet<string>
 
   constructor(message: FormMessage, link: Link) {
     this.link = link
@@ -315,6 +316,7 @@ export class FormModel {
     this.query = signal(message.query ?? '')
     this.layout = signal<LayoutNode>(message.layout)
     this.frames = framesAround(message.layout)
+    this.gridded = new Set(gridded(message.layout))
     for (const [name, control] of Object.entries(message.controls)) {
       this.controls.set(name, new ControlModel(this, name, control))
       if (control.label !== undefined) this.usedLabels.add(control.label)
@@ -334,6 +336,7 @@ export class FormModel {
       this.query.value = message.query ?? ''
       this.layout.value = message.layout
       this.frames = framesAround(message.layout)
+      this.gridded = new Set(gridded(message.layout))
       this.closed.value = false
       for (const [name, control] of entries) this.controls.get(name)?.restore(control)
     })
@@ -412,6 +415,11 @@ export class FormModel {
     const needed = this.controls.get(button.shown.value.needs?.[0] ?? '')
     const about = needed ?? frame
     return about ? this.labelOf(about.shown.value) : ''
+  }
+
+  /** Whether what the control does is written below its caption rather than in a tool tip. */
+  explains(control: ControlModel): boolean {
+    return control.kind === 'CheckBox' && this.gridded.has(control.name)
   }
 
   frameAround(name: string): ControlModel | undefined {

@@ -33,6 +33,12 @@ export function framesAround(
   return found
 }
 
+/** The controls that stand in grids: settings, each with room for a line that explains it. */
+export function gridded(node: LayoutNode): string[] {
+  const own = 'grid' in node ? node.grid.flatMap(child => ('control' in child ? [child.control] : [])) : []
+  return [...own, ...children(node).flatMap(gridded)]
+}
+
 /** A container takes the space that is left when something inside it does: the space has to reach it. */
 export function grows(node: LayoutNode): boolean {
   return node.grow === true || children(node).some(grows)
@@ -66,9 +72,9 @@ export function isNarrow(node: LayoutNode, facts: LayoutFacts): boolean {
   return 'control' in node && narrow.has(facts.kindOf(node.control))
 }
 
-/** A row of single-line controls stands on one base line; one with lists or groups starts at the top. */
+/** A row of single-line controls, or of such rows, stands on one base line; one with lists or groups starts at the top. */
 export function isLine(nodes: readonly LayoutNode[], facts: LayoutFacts): boolean {
-  return nodes.every(node => 'control' in node && !isTall(node.control, facts))
+  return nodes.every(node => ('control' in node ? !isTall(node.control, facts) : 'row' in node && isLine(node.row, facts)))
 }
 
 /** True when the node holds the option buttons of one group and nothing else. */
