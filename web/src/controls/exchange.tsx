@@ -81,7 +81,7 @@ export function Exchange({ control, declared }: { control: ControlModel; declare
     return (
       <>
         <FilePicker
-          class={`button ${run?.shown.value.destroys && part(declared.imports)?.shown.value.value !== 1 ? 'danger' : 'primary'}`}
+          class={`button${(run && form.lookOf(run)) || ' primary'}`}
           caption={m.fromMyComputer}
           disabled={!usable}
           onChoose={file => void use(file)}

@@ -386,7 +386,7 @@ export class FormModel {
 
   /** What adds to lists stands out, most where one button does it for the whole form; what removes or destroys looks dangerous. */
   lookOf(button: ControlModel): '' | ' primary' | ' tinted' | ' danger' {
-    if (button.shown.peek().destroys) return ' danger'
+    if (button.shown.peek().destroys && !this.keepsFor(button)) return ' danger'
     const adders = new Set<string>()
     for (const { shown } of this.controls.values()) {
       const { add, remove } = shown.peek()
@@ -395,6 +395,16 @@ export class FormModel {
     }
     if (!adders.has(button.name)) return ''
     return adders.size === 1 ? ' primary' : ' tinted'
+  }
+
+  /** Whether a button that exchanges files destroys nothing this time: an export or an import is chosen. */
+  private keepsFor(button: ControlModel): boolean {
+    for (const { shown } of this.controls.values()) {
+      const { exchange } = shown.peek()
+      if (exchange?.run !== button.name) continue
+      return [exchange.exports, exchange.imports].some(name => this.controls.get(name ?? '')?.shown.value.value === 1)
+    }
+    return false
   }
 
   /** Whether choosing an entry of a list fills the field. */

@@ -106,6 +106,9 @@ export function Tooltip() {
       setShown(null)
       return undefined
     }
+    // At its old place the edge of the window could make it narrower than it is.
+    tip.style.left = '0'
+    tip.style.top = '0'
     tip.showPopover()
     const box = shown.anchor.getBoundingClientRect()
     const size = tip.getBoundingClientRect()
