@@ -54,8 +54,10 @@ export function Tooltip() {
       clearTimeout(timer)
       timer = setTimeout(() => setShown(null), delay)
     }
+    // What a click has moved under the pointer is not what somebody points at.
+    let clicked = { x: -1, y: -1 }
     const onOver = (event: PointerEvent): void => {
-      if (event.pointerType === 'touch') return
+      if (event.pointerType === 'touch' || (event.clientX === clicked.x && event.clientY === clicked.y)) return
       const anchor = anchorOf(event.target)
       if (anchor && anchor === current.current?.anchor) return clearTimeout(timer)
       const tip = element.current
@@ -73,6 +75,7 @@ export function Tooltip() {
       else hide(0)
     }
     const onDown = (event: PointerEvent): void => {
+      clicked = { x: event.clientX, y: event.clientY }
       const button = event.target instanceof Element ? event.target.closest('[data-tip-button]') : null
       if (!button) return hide(0)
     }
@@ -110,7 +113,8 @@ export function Tooltip() {
     tip.style.left = '0'
     tip.style.top = '0'
     tip.showPopover()
-    const box = shown.anchor.getBoundingClientRect()
+    // A choice is as wide as its column, its text is not.
+    const box = (shown.anchor.querySelector('.choice-label') ?? shown.anchor).getBoundingClientRect()
     const size = tip.getBoundingClientRect()
     const { left, top } = placeOf(shown.anchor, box, size)
     tip.style.left = `${left}px`
