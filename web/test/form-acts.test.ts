@@ -1,5 +1,6 @@
 import { beforeEach, describe, expect, it } from 'vitest'
 import { FormModel, type Link } from '../src/model/form'
+import { fileNameOf, productPath, systemPath } from '../src/model/product-path'
 import type { Control, PlainMessage, UserEvent } from '../src/wire/protocol'
 
 const usable = { enabled: true, visible: true }
@@ -125,5 +126,53 @@ describe('what a form knows of its lists', () => {
     expect(events.at(-1)).toEqual({ control: 'white', event: 'remove', revision: 4, filter: 'a', order: 'text', ranges: [[1, 3]] })
     control(form, 'white').change(1, { items: { length: 0, revision: 5 } })
     expect(white!.selection.value.count).toBe(0)
+  })
+})
+
+describe('a form that exchanges files', () => {
+  const option = (value: number): Control => ({ kind: 'OptionButton', ...usable, caption: 'Option', value })
+  const exchange = { path: 'path', run: 'run', exports: 'export', imports: 'import', result: 'result' }
+  const formWith = (chosen: string): FormModel =>
+    new FormModel(
+      {
+        type: 'form',
+        form: 'transfer',
+        caption: '',
+        dialog: true,
+        modal: true,
+        layout: { column: [{ grid: [{ control: 'overwrite' }, { grid: [{ control: 'inner' }] }] }, { control: 'result' }] },
+        controls: {
+          export: option(chosen === 'export' ? 1 : 0),
+          import: option(chosen === 'import' ? 1 : 0),
+          delete: option(chosen === 'delete' ? 1 : 0),
+          run: button({ destroys: true }),
+          path: { kind: 'TextField', ...usable, text: '', path: true },
+          result: { kind: 'Label', ...usable, caption: 'Added: 1' },
+          overwrite: { kind: 'CheckBox', ...usable, caption: 'Overwrite', value: 0 },
+          inner: { kind: 'CheckBox', ...usable, caption: 'Inner', value: 0 },
+          files: { kind: 'FileList', ...usable, items: { length: 0, revision: 1 }, index: -1, exchange },
+        },
+      },
+      link,
+    )
+
+  it('looks dangerous only while its act destroys something', () => {
+    const looks = ['export', 'import', 'delete'].map(chosen => {
+      const form = formWith(chosen)
+      return form.lookOf(control(form, 'run'))
+    })
+    expect(looks).toEqual(['', '', ' danger'])
+  })
+
+  it('draws the result with the exchange, and explains settings below them', () => {
+    const form = formWith('export')
+    expect(form.usedLabels.has('result')).toBe(true)
+    expect(['overwrite', 'inner', 'run'].map(name => form.explains(control(form, name)))).toEqual([true, true, false])
+  })
+
+  it('shows paths as its system writes them and keeps them as the console does', () => {
+    expect(systemPath('\\var\\lib\\list.txt')).toBe('/var/lib/list.txt')
+    expect(productPath(systemPath('\\var\\lib\\list.txt'))).toBe('\\var\\lib\\list.txt')
+    expect([fileNameOf('\\a\\b.txt'), fileNameOf('/a/b.txt'), fileNameOf('b.txt'), fileNameOf('\\a\\')]).toEqual(['b.txt', 'b.txt', 'b.txt', ''])
   })
 })

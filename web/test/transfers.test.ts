@@ -20,10 +20,10 @@ function start() {
   const upload = new Upload(() => request)
   upload.onProblem = (problem, name) => void told.push(`${problem}: ${name}`)
   upload.onDone = (name, kept) => void told.push(`${name} as ${kept}`)
-  const send = async (answer: { status: number; body: string }, name = 'a.txt'): Promise<void> => {
+  const send = async (answer: { status: number; body: string }, name = 'a.txt'): Promise<boolean> => {
     const sending = upload.start('transfer', 'File1', new File(['content'], name))
     settle(answer)
-    await sending
+    return sending
   }
   return { told, upload, send, report: (done: number) => report(done), settle: (answer: { status: number; body: string }) => settle(answer) }
 }
@@ -36,8 +36,9 @@ describe('uploads', () => {
 
   it('tell how they went', async () => {
     const { told, upload, send } = start()
-    await send({ status: 200, body: '{"name": "a (2).txt"}' })
-    await send({ status: 409, body: '{"error": "no_form"}' })
+    // What is done with a file waits for this answer.
+    expect(await send({ status: 200, body: '{"name": "a (2).txt"}' })).toBe(true)
+    expect(await send({ status: 409, body: '{"error": "no_form"}' })).toBe(false)
     await send({ status: 413, body: '' })
     await send({ status: 502, body: '<html>' })
     await send({ status: -1, body: '' })
