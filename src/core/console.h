@@ -17,6 +17,7 @@
 #include "core/localisation.h"
 #include "core/pattern_matcher.h"
 #include "core/settings.h"
+#include "core/text/list_pool.h"
 
 namespace zrl {
 
@@ -117,6 +118,13 @@ class Console final : public ConsoleServices {
   // The user is to see another page, see Host::open_page().
   void open(std::string_view page, std::string_view query = {}) { host().open_page(page, query); }
 
+  // Long lists of this console's controls share their memory with equal ones of other consoles that have the
+  // same pool. Without a pool, which is how a console begins, nothing is shared.
+  void share_lists(std::shared_ptr<ListPool> pool) { list_pool_ = std::move(pool); }
+  StringList shared(StringList list) {
+    return list_pool_ ? list_pool_->shared(std::move(list)) : std::move(list);
+  }
+
   // Opens the dialog, shows it, and keeps it alive until it is closed. Whether this returns at once or when
   // the dialog has been closed is up to the host, see Host::allows_modeless().
   void show(const std::shared_ptr<Form>& dialog);
@@ -139,6 +147,7 @@ class Console final : public ConsoleServices {
   std::shared_ptr<NameLookup> names_;
   PatternMatcher pattern_matcher_;
   HtmlText html_text_;
+  std::shared_ptr<ListPool> list_pool_;
   std::vector<std::weak_ptr<Connection>> unsettled_;
   std::vector<std::shared_ptr<Form>> dialogs_;
 };

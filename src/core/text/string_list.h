@@ -14,6 +14,9 @@ namespace zrl {
 // Limits: 4 GiB of text, 2^32 - 1 entries; going over raises std::length_error, a lack of memory
 // std::bad_alloc, and the list is then as it was. A view that operator[] returned is valid until the list is
 // next changed, moved or destroyed. A moved-from list is empty.
+//
+// A copy copies everything, unless the list has been frozen: copies of a frozen list share its arena, also
+// between threads, and whichever is changed first takes a copy of its own.
 class StringList {
  public:
   StringList() = default;
@@ -34,7 +37,7 @@ class StringList {
 
   // `text` must not be a view into this list, whose bytes may move.
   void push_back(std::string_view text) {
-    if (ends_capacity_ == size_ || text.size() > bytes_capacity_ - byte_count_) grow(text.size());
+    if (ends_capacity_ <= size_ || text.size() > bytes_capacity_ - byte_count_) grow(text.size());
     if (!text.empty()) {
       __builtin_memcpy(bytes_ + byte_count_, text.data(), text.size());  // NOLINT(clang-analyzer-*)
     }
@@ -59,13 +62,32 @@ class StringList {
   // Index of the first text equal to `text`, byte by byte, or size(). A linear search.
   std::size_t find(std::string_view text) const;
 
-  // Bytes that the list has asked the heap for.
-  std::size_t memory() const { return bytes_capacity_ + ends_capacity_ * sizeof(std::uint32_t); }
+  // Gives back what was kept for growing, and lets copies share the arena from now on.
+  void freeze();
+  // Whether both are views of one arena; false of lists that have never been frozen.
+  bool shares_with(const StringList& other) const { return arena_ != nullptr && arena_ == other.arena_; }
+  // How many lists share the arena; 0 for one that is not frozen. Others may change it meanwhile.
+  std::size_t sharers() const;
+  // Of the texts and their borders: equal lists have equal ones, others hardly ever.
+  std::uint64_t fingerprint() const;
+  bool operator==(const StringList& other) const;
+
+  // Bytes that the list has asked the heap for, shared or not.
+  std::size_t memory() const;
 
   void swap(StringList& other) noexcept;
 
  private:
+  struct Arena;
+
   void grow(std::size_t more_bytes);
+  // Before anything in the arena is changed.
+  void make_own() {
+    if (arena_ != nullptr) copy_arena();
+  }
+  void copy_arena();
+  void copy_texts();
+  void release();
 
   char* bytes_ = nullptr;
   std::uint32_t* ends_ = nullptr;
@@ -73,10 +95,12 @@ class StringList {
   std::size_t ends_capacity_ = 0;
   std::size_t bytes_capacity_ = 0;
   std::uint32_t byte_count_ = 0;
+  Arena* arena_ = nullptr;  // of a frozen list, whose capacities are 0: pushing finds no room in it
 };
 
 template <typename Predicate>
 void StringList::retain(Predicate keep) {
+  make_own();
   std::size_t kept = 0;
   std::uint32_t kept_bytes = 0;
   std::uint32_t begin = 0;

@@ -1,9 +1,12 @@
 #include "core/text/string_list.h"
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "core/text/list_pool.h"
 
 namespace zrl {
 namespace {
@@ -68,6 +71,82 @@ TEST(StringList, AMillionEntriesCostLittleMoreThanTheirTextAndOffsets) {
   }
   EXPECT_EQ(list[999'999], "host999999.example");
   EXPECT_LT(list.memory(), needed * 3 / 2);
+}
+
+TEST(StringList, FrozenListsShareTheirTextsUntilOneIsChanged) {
+  StringList list = {"one", "two", "three"};
+  EXPECT_FALSE(StringList(list).shares_with(list));
+  list.freeze();
+  // Whatever changes a copy, the others and the arena stay as they are.
+  const auto change = [&list](auto&& act) {
+    StringList copy = list;
+    EXPECT_TRUE(copy.shares_with(list));
+    EXPECT_EQ(list.sharers(), 2u);
+    act(copy);
+    EXPECT_EQ(texts(list), (Texts{"one", "two", "three"}));
+    return texts(copy);
+  };
+  EXPECT_EQ(change([](StringList& copy) { copy.push_back("four"); }), (Texts{"one", "two", "three", "four"}));
+  EXPECT_EQ(change([](StringList& copy) { copy.erase(0); }), (Texts{"two", "three"}));
+  EXPECT_EQ(change([](StringList& copy) { copy.clear(); }), Texts());
+  EXPECT_EQ(
+      change([](StringList& copy) { copy.retain([](std::string_view text) { return text != "two"; }); }),
+      (Texts{"one", "three"}));
+  EXPECT_EQ(change([](StringList& copy) {
+              copy.pop_back();
+              copy.push_back("");
+              copy.push_back("3");
+            }),
+            (Texts{"one", "two", "", "3"}));
+  EXPECT_EQ(list.sharers(), 1u);
+  StringList moved = std::move(list);
+  EXPECT_TRUE(list.empty());
+  list = moved;
+  moved = StringList();
+  EXPECT_EQ(texts(list), (Texts{"one", "two", "three"}));
+}
+
+TEST(StringList, EqualityTellsTextsAndTheirBordersApart) {
+  const StringList lists[] = {{}, {""}, {"ab", "c"}, {"a", "bc"}, {"ab", "d"}, {"abc"}, {"ab", "c", ""}};
+  for (const StringList& one : lists) {
+    for (const StringList& other : lists) {
+      EXPECT_EQ(one == other, &one == &other);
+      EXPECT_EQ(one.fingerprint() == other.fingerprint(), &one == &other);
+    }
+  }
+}
+
+TEST(ListPool, LetsEqualLongListsShareAndForgetsThemWithTheirHolders) {
+  ListPool pool;
+  const auto make = [](std::string_view last) {
+    StringList list;
+    for (int i = 0; i < 40'000; ++i) list.push_back("host" + std::to_string(i) + ".example");
+    list.push_back(last);
+    return list;
+  };
+  StringList first = pool.shared(make("end"));
+  StringList other = pool.shared(make("another end"));
+  EXPECT_FALSE(other.shares_with(first));
+  std::vector<std::thread> threads;
+  std::vector<StringList> held(4);
+  for (StringList& list : held) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < 20; ++i) {
+        list = pool.shared(make("end"));
+        StringList changed = list;
+        changed.push_back("more");
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const StringList& list : held) EXPECT_TRUE(list.shares_with(first));
+  EXPECT_EQ(first.sharers(), held.size() + 2);  // and the pool's own
+  const StringList copy = first;
+  held.clear();
+  first.clear();
+  pool.tidy();
+  EXPECT_EQ(copy.sharers(), 2u);
+  EXPECT_EQ(pool.shared({"short"}).sharers(), 0u);
 }
 
 }  // namespace
