@@ -98,6 +98,7 @@ class CommittingHost final : public Host {
   void start_program(const ProgramStart& program) override;
   void offer_file(const std::filesystem::path& path) override;
   void open_page(std::string_view page, std::string_view query) override { host_.open_page(page, query); }
+  bool guards_newer_values() const override { return host_.guards_newer_values(); }
   void show_progress(const Progress& progress) override;
 
  private:

@@ -16,7 +16,8 @@ constexpr std::array<std::string_view, 15> kind_names = {
 
 constexpr std::array<std::string_view, property_count> property_names = {
     "caption", "toolTip", "text",  "value", "items", "index", "interval", "min",    "max",   "enabled",
-    "visible", "page",    "query", "marks", "tone",  "rows",  "sort",     "filter", "chosen"};
+    "visible", "page",    "query", "marks", "tone",  "rows",  "sort",     "filter", "chosen", "unsaved",
+    "stale"};
 
 constexpr std::array captioned = {caption, tool_tip, enabled, visible};
 constexpr std::array text_field = {text, tool_tip, enabled, visible};
@@ -140,6 +141,23 @@ void Control::user_scroll(std::int64_t) {
 }
 void Control::user_tick() {
   refuse("is no timer");
+}
+
+void Control::typed(std::string_view before, std::string_view text) {
+  if (!unsaved_) before_typing_ = before;
+  put_unsaved(!text.empty() && text != before_typing_);
+}
+
+void Control::replaced() {
+  if (unsaved_) put_unsaved(false, true);
+}
+
+void Control::put_unsaved(bool unsaved, bool set_aside) {
+  if (unsaved_ == unsaved && set_aside_ == set_aside) return;
+  unsaved_ = unsaved;
+  set_aside_ = set_aside;
+  if (!unsaved) before_typing_.clear();
+  changed(Property::unsaved);
 }
 
 void Control::changed(Property property) {

@@ -2,11 +2,13 @@
 
 #include <array>
 #include <cstdint>
+#include <initializer_list>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "core/text/string_list.h"
 
@@ -57,8 +59,10 @@ enum class Property : std::uint8_t {
   sort,
   filter,
   chosen,
+  unsaved,  // Control::unsaved(),
+  stale,    // ListBox::stale()
 };
-inline constexpr std::size_t property_count = 19;
+inline constexpr std::size_t property_count = 21;
 
 // "caption", "toolTip" and so on, as hosts print it.
 std::string_view name_of(Property property);
@@ -130,6 +134,19 @@ class Control {
   // Whether it is enabled and visible, and so are the frames around it.
   bool usable() const;
 
+  // Whether the user has typed a text into it that no act has used yet, and that the program has not
+  // replaced: leaving the form would lose it. See Form::run_using().
+  bool unsaved() const { return unsaved_; }
+  // Whether the program has put another text in the place of an unsaved one since. Hosts that keep typed
+  // texts may offer it again.
+  bool set_aside() const { return set_aside_; }
+
+  // The fields whose texts the user's act on this control replaces: choosing another script, for example.
+  // Hosts with a screen ask before the act if one of them is unsaved. To be called before the form is shown;
+  // the controls belong to the same form.
+  void set_replaces(std::initializer_list<const Control*> fields) { replaces_ = fields; }
+  const std::vector<const Control*>& replaces() const { return replaces_; }
+
   // The user's acts, see above. The default raises Refused; the kinds override what they support. user_type()
   // replaces the whole text; `index` counts from 0.
   virtual void user_click();
@@ -147,18 +164,33 @@ class Control {
   // The properties that only some kinds have; called only for those of properties_of(kind()).
   virtual PropertyValue own(Property property) const;
 
+  // For the kinds that take typed texts. What the user types is unsaved unless it is `before`, the text that
+  // stood there first; what the program puts in its place is not.
+  void typed(std::string_view before, std::string_view text);
+  void replaced();
+  // A handler has read the text.
+  void used() const { used_ = true; }
+
   std::string caption_;
 
  private:
+  friend class Form;
+  void put_unsaved(bool unsaved, bool set_aside = false);
+
   Form& form_;
   std::string name_;
   std::string tool_tip_;
   Frame* container_ = nullptr;
+  std::vector<const Control*> replaces_;
+  std::string before_typing_;  // while it is unsaved
   std::array<Revision, property_count> revisions_{};
   Revision newest_ = 0;
   ControlKind kind_;
   bool enabled_ = true;
   bool visible_ = true;
+  bool unsaved_ = false;
+  bool set_aside_ = false;
+  mutable bool used_ = false;
 };
 
 }  // namespace zrl

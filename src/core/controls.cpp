@@ -38,6 +38,7 @@ TextField::TextField(Form& form, std::string_view name, std::string_view tool_ti
 void TextField::set_text(std::string_view text) {
   if (text_ == text) return;
   text_ = text;
+  if (!typing_) replaced();
   changed(Property::text);
   form().run(on_change);
 }
@@ -48,9 +49,14 @@ void TextField::set_marks(std::vector<Mark> marks) {
   changed(Property::marks);
 }
 
+// A handler that gives what is typed another form replaces nothing.
 void TextField::user_type(std::string_view text) {
   require_usable();
+  const std::string before = text_;
+  typing_ = true;
   set_text(text);
+  typing_ = false;
+  typed(before, text_);
 }
 
 PropertyValue TextField::own(Property) const {
@@ -164,7 +170,7 @@ PropertyValue ItemsControl::own(Property property) const {
 
 void ItemsControl::put_items(StringList items) {
   const bool both_empty = items_.empty() && items.empty();
-  items_ = std::move(items);
+  items_ = form().console().shared(std::move(items));
   if (!both_empty) changed(Property::items);
   put_index(-1);
 }
@@ -194,6 +200,22 @@ void ListBox::set_acts(const Acts& acts) {
   }
 }
 
+void ListBox::set_items(StringList items) {
+  put_items(std::move(items));
+  set_stale(false);
+}
+
+void ListBox::set_stale(bool stale) {
+  if (stale_ == stale) return;
+  stale_ = stale;
+  changed(Property::stale);
+}
+
+void ListBox::user_reload() {
+  require_usable();
+  form().run(on_reload);
+}
+
 void ListBox::set_index(std::int64_t index) {
   if (index < -1 || index >= static_cast<std::int64_t>(items().size())) invalid_value(*this);
   put_index(index);
@@ -214,8 +236,13 @@ ComboBox::ComboBox(Form& form, std::string_view name, std::string_view tool_tip,
     : ItemsControl(form, ControlKind::combo_box, name, tool_tip), style_(style) {}
 
 void ComboBox::set_text(std::string_view text) {
+  if (text_ != text) replaced();
   put_text(text);
-  const std::size_t found = items().find(text);
+  choose_text();
+}
+
+void ComboBox::choose_text() {
+  const std::size_t found = items().find(text_);
   put_index(found == items().size() ? -1 : static_cast<std::int64_t>(found));
 }
 
@@ -228,7 +255,10 @@ void ComboBox::user_type(std::string_view text) {
     return;
   }
   if (text == text_) return;
-  set_text(text);
+  const std::string before = text_;
+  put_text(text);
+  choose_text();
+  typed(before, text_);
   form().run(on_change);
 }
 
@@ -236,6 +266,7 @@ void ComboBox::user_choose(std::int64_t index) {
   require_item(index);
   put_index(index);
   put_text(std::string(chosen()));
+  replaced();
   form().run(on_click);
 }
 

@@ -97,8 +97,12 @@ class TextField : public Control {
   // The text has become different, whether the user or the program changed it.
   Event on_change;
 
-  // The reference is valid as long as the field, its content until the next change.
-  const std::string& text() const { return text_; }
+  // The reference is valid as long as the field, its content until the next change. Reading it is what makes
+  // a typed text used, see Form::run_using(); hosts read the property instead.
+  const std::string& text() const {
+    used();
+    return text_;
+  }
   void set_text(std::string_view text);
   const Style& style() const { return style_; }
 
@@ -115,6 +119,7 @@ class TextField : public Control {
   std::string text_;
   Style style_;
   std::vector<Mark> marks_;
+  bool typing_ = false;
 };
 
 // Checked or not. A user's click toggles it, then runs on_click; the program's setters run nothing.
@@ -287,21 +292,29 @@ class ListBox : public ItemsControl {
   // Null if there is none.
   const Button* transfer() const { return transfer_; }
 
-  void clear() { put_items({}); }
+  void clear() { set_items({}); }
   void add_item(std::string_view item) { append(item); }
   // Takes ownership of the list without copying its texts; nothing is chosen then.
-  void set_items(StringList items) { put_items(std::move(items)); }
+  void set_items(StringList items);
   // Raises error 380 if there is no such item; -1 chooses nothing.
   void set_index(std::int64_t index);
   // Chooses the item, as set_index() does, and runs on_click: for pages that act for the user.
   void click_item(std::int64_t index);
 
+  // Others have changed the rows that the box shows. Hosts tell people, who may have the box filled anew:
+  // on_reload. Filling it in any way ends that.
+  bool stale() const { return stale_; }
+  void set_stale(bool stale);
+  Event on_reload;
+
   void user_choose(std::int64_t index) override;
+  void user_reload();
 
  private:
   Acts acts_;
   EntryKind entries_ = EntryKind::other;
   const Button* transfer_ = nullptr;
+  bool stale_ = false;
 };
 
 // A drop-down list, with or without an edit field. Its text need not be one of the items.
@@ -326,7 +339,10 @@ class ComboBox : public ItemsControl {
   }
   void add_item(std::string_view item) { append(item); }
   void set_items(StringList items) { put_items(std::move(items)); }
-  const std::string& text() const { return text_; }
+  const std::string& text() const {
+    used();
+    return text_;
+  }
   // Sets the text and chooses the first item with this text; nothing is chosen if there is none. A list
   // without an edit field accepts any text too, because pages show stored values that are not among the
   // choices. Runs no event.
@@ -340,6 +356,7 @@ class ComboBox : public ItemsControl {
  private:
   PropertyValue own(Property property) const override;
   void put_text(std::string_view text);
+  void choose_text();
 
   std::string text_;
   Style style_;

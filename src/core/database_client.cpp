@@ -3,6 +3,7 @@
 #include "core/text/error.h"
 #include "core/text/secrets.h"
 #include "core/text/text.h"
+#include "core/text/utf8.h"
 
 namespace zrl {
 
@@ -42,6 +43,7 @@ bool DatabaseClient::connect_database(std::string_view box_title) {
 void DatabaseClient::drop_database() {
   console_.writes().commit();
   own_transaction_ = false;
+  loaded_.clear();
   database.reset();
   conn.reset();
 }
@@ -90,6 +92,7 @@ std::optional<OptionValue> DatabaseClient::read_option(std::string_view key) {
   std::optional<OptionValue> result;
   attempt_read(Kind::option, words({"read_option", key}),
                [&] { result = component_or_throw().read_option(key, conn); });
+  if (result) loaded(key, result->text);
   return result;
 }
 
@@ -97,13 +100,17 @@ std::optional<OptionValue> DatabaseClient::get_option(std::string_view key) {
   std::optional<OptionValue> result;
   attempt_read(Kind::option, words({"get_option", key}),
                [&] { result = component_or_throw().get_option(key, conn); });
+  if (result) loaded(key, result->text);
   return result;
 }
 
 std::optional<std::int16_t> DatabaseClient::read_number(std::string_view key) {
   std::optional<std::int16_t> result;
-  attempt_read(Kind::option, words({"read_option", key}),
-               [&] { result = component_or_throw().read_option(key, conn).to_int16(); });
+  attempt_read(Kind::option, words({"read_option", key}), [&] {
+    const OptionValue stored = component_or_throw().read_option(key, conn);
+    loaded(key, stored.text);
+    result = stored.to_int16();
+  });
   return result;
 }
 
@@ -111,7 +118,86 @@ std::optional<std::string> DatabaseClient::read_string(std::string_view key) {
   std::optional<std::string> result;
   attempt_read(Kind::option, words({"read_string", key}),
                [&] { result = component_or_throw().read_string(key, conn); });
+  if (result) loaded(key, *result);
   return result;
+}
+
+void DatabaseClient::loaded(std::string_view key, std::string_view text) {
+  loaded_.insert_or_assign(std::string(key), std::string(text));
+}
+
+// Unless the transaction is dropped: then the value of before is stored again.
+void DatabaseClient::now_stored(std::string_view key, std::string_view text) {
+  const auto held = loaded_.find(key);
+  std::optional<std::string> before;
+  if (held != loaded_.end()) before = held->second;
+  loaded(key, text);
+  console_.writes().if_dropped(this, [this, key = std::string(key), before] {
+    if (before) {
+      loaded(key, *before);
+    } else {
+      loaded_.erase(key);
+    }
+  });
+}
+
+// Whoever asked commits what was written, so the value is compared once more after the answer, with the lock
+// that the write needs.
+bool DatabaseClient::may_replace(std::string_view key, std::string_view text) {
+  if (!conn || !console_.host().guards_newer_values()) return true;
+  const std::string wanted(trim(text));
+  for (auto held = loaded_.find(key); held != loaded_.end(); held = loaded_.find(key)) {
+    std::string stored;
+    const bool read = attempt_read(Kind::option, words({"read_option", key}), [&] {
+      if (!own_transaction_) console_.writes().join(conn);
+      stored = component_or_throw().read_to_change(key, conn);
+    });
+    if (!read || stored.empty() || stored == held->second || trim(stored) == wanted) return true;
+    const bool unchanged = trim(held->second) == wanted;
+    if (unchanged) return give_way(key, stored);
+    switch (ask_about_newer(name_of_option(key), stored)) {
+      case Answer::overwrite:
+        loaded(key, stored);
+        break;
+      case Answer::keep_theirs:
+        return give_way(key, stored);
+      case Answer::cancel:
+        return failed(Kind::option, assignment("not stored", key, text),
+                      "somebody else has stored another value meanwhile", Step::write);
+    }
+  }
+  return true;
+}
+
+bool DatabaseClient::give_way(std::string_view key, std::string_view newer) {
+  loaded(key, newer);
+  show_newer(key);
+  return false;
+}
+
+DatabaseClient::Answer DatabaseClient::ask_about_newer(std::string_view what, std::string_view newer) {
+  constexpr std::size_t longest_shown = 2000;
+  Localisation& localisation = console_.localisation();
+  std::string text = localisation.translate(
+      "Somebody else has stored something else meanwhile. Overwrite it with what you have typed?");
+  text.append("\r\n\r\n").append(what).append(":\r\n").append(beginning_of(newer, longest_shown));
+  if (newer.size() > longest_shown) text += " ...";
+  const BoxReply reply = console_.host().message_box({.title = localisation.translate("Changed meanwhile"),
+                                                      .text = std::move(text),
+                                                      .style = BoxStyle::question,
+                                                      .act = localisation.translate("Overwrite"),
+                                                      .other = localisation.translate("Keep theirs")});
+  if (reply == BoxReply::cancel) return Answer::cancel;
+  return reply == BoxReply::ok ? Answer::overwrite : Answer::keep_theirs;
+}
+
+std::string DatabaseClient::change_mark(const ListTable& list) {
+  std::string mark;
+  if (!conn) return mark;
+  console_.writes().commit();
+  attempt_read(Kind::component, words({"change_mark", list.table.text()}),
+               [&] { mark = component_or_throw().change_mark(list, conn); });
+  return mark;
 }
 
 bool DatabaseClient::set_option(std::string_view key, std::int32_t value) {
@@ -119,6 +205,7 @@ bool DatabaseClient::set_option(std::string_view key, std::int32_t value) {
                                     [&] { component_or_throw().set_option(key, value, conn); });
   if (!conn) return stored;
   if (stored) {
+    now_stored(key, std::to_string(value));
     console_.writes().if_dropped(this, [this, held = std::string(key)] { not_stored(held); });
   } else {
     not_stored(key);
@@ -129,6 +216,7 @@ bool DatabaseClient::set_option(std::string_view key, std::int32_t value) {
 bool DatabaseClient::store_number(std::string_view key, std::string_view text, const NumberType& type) {
   const std::optional<std::int64_t> number = to_number(text);
   if (number && *number >= type.min && *number <= type.max) {
+    if (!may_replace(key, text)) return true;
     return set_option(key, static_cast<std::int32_t>(*number));
   }
   return failed(Kind::option, assignment("set_option", key, text),
@@ -136,8 +224,11 @@ bool DatabaseClient::store_number(std::string_view key, std::string_view text, c
 }
 
 bool DatabaseClient::set_string(std::string_view key, std::string_view text) {
-  return attempt_write(Kind::option, assignment("set_string", key, text),
-                       [&] { component_or_throw().set_string(key, text, conn); });
+  if (!may_replace(key, text)) return true;
+  const bool stored = attempt_write(Kind::option, assignment("set_string", key, text),
+                                    [&] { component_or_throw().set_string(key, text, conn); });
+  if (stored) now_stored(key, text);
+  return stored;
 }
 
 std::optional<StringList> DatabaseClient::rows(Literal table, Literal column, const Statement& condition) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -63,6 +64,13 @@ class DatabaseClient : public Steps {
 
   // Options. A missing option reads as the empty value; no value is returned if the read failed, in which
   // case a page leaves the control as it is.
+  //
+  // Two people may edit the same option. Where the host guards newer values (Host::guards_newer_values()),
+  // set_string() and store_number() compare what is stored now with what was read last over this connection.
+  // If somebody else has stored another value meanwhile, a text that is still as it was read is not written,
+  // and one that was changed only if the person says so. A write that gives way counts as done, and the page
+  // shows the newer value if the person wants that (show_newer()). Blanks around a text make no difference.
+  // An option that this page has not read, or that is empty now, is written without a question.
   std::optional<OptionValue> read_option(std::string_view key);
   std::optional<OptionValue> get_option(std::string_view key);
   // As a 16-bit integer, a missing option being 0. One that is no such number is a failed read.
@@ -77,6 +85,15 @@ class DatabaseClient : public Steps {
     using Limits = std::numeric_limits<Integer>;
     return store_number(key, text, {Limits::min(), Limits::max(), Limits::digits + 1});
   }
+
+  // That comparison by itself, for an operation that deletes the option before it stores it: false if the
+  // write has to give way. What is stored next under the key, by this page, is not asked about again.
+  bool may_replace(std::string_view key, std::string_view text);
+
+  // The question about a value that somebody else has stored meanwhile. `what` is what people call it,
+  // `newer` what is stored now. It commits what was written.
+  enum class Answer : std::uint8_t { overwrite, keep_theirs, cancel };
+  Answer ask_about_newer(std::string_view what, std::string_view newer);
 
   // Lists, one element per row: the additional last element of the component's arrays has been removed.
   std::optional<StringList> rows(Literal table, Literal column, const Statement& condition = {});
@@ -148,6 +165,13 @@ class DatabaseClient : public Steps {
   // The option that a step was to set is as it was: the step failed, or has been undone. There is a
   // connection. Pages show the stored value again.
   virtual void not_stored(std::string_view key) { (void)key; }
+  // Somebody else has stored another value, which stays: pages show it.
+  virtual void show_newer(std::string_view key) { (void)key; }
+  // What people call the option, in their language.
+  virtual std::string name_of_option(std::string_view key) { return std::string(key); }
+
+  // See Database::change_mark(); empty also if the step failed.
+  std::string change_mark(const ListTable& list);
 
  private:
   struct NumberType {
@@ -163,7 +187,12 @@ class DatabaseClient : public Steps {
   Outcome attempt_write(Kind kind, std::string_view text, const std::function<void()>& action,
                         std::string_view public_text = {}, Failure failure = Failure::unexpected);
 
+  void loaded(std::string_view key, std::string_view text);
+  void now_stored(std::string_view key, std::string_view text);
+  bool give_way(std::string_view key, std::string_view newer);
+
   bool own_transaction_ = false;
+  std::map<std::string, std::string, std::less<>> loaded_;  // options by their keys, as they were read last
 };
 
 }  // namespace zrl

@@ -80,6 +80,34 @@ void Form::run(const Event& event) {
   console_.end_action();
 }
 
+std::string Form::label_of(const Control& control) const {
+  if (control.has(Property::caption))
+    return std::string(std::get<std::string_view>(control.get(Property::caption)));
+  for (const Control* other : controls_) {
+    if (other->kind() != ControlKind::label) continue;
+    const auto* label = static_cast<const Label*>(other);
+    if (label->names() == &control && !label->caption().empty()) return label->caption();
+  }
+  const Frame* frame = control.container();
+  return frame != nullptr && !frame->caption().empty() ? frame->caption() : control.name();
+}
+
+void Form::run_using(const std::function<bool()>& act) {
+  for (const Control* control : controls_) control->used_ = false;
+  if (!act()) return;
+  for (Control* control : controls_) {
+    if (control->used_) control->put_unsaved(false);
+  }
+}
+
+std::vector<const Control*> Form::unsaved() const {
+  std::vector<const Control*> found;
+  for (const Control* control : controls_) {
+    if (control->unsaved()) found.push_back(control);
+  }
+  return found;
+}
+
 void Form::set_layout(LayoutNode layout) {
   layout_ = std::move(layout);
   put_into(nullptr, *layout_);

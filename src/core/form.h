@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -53,6 +54,17 @@ class Form {
   // recorded under the form's name and dropped. Events nest when a handler serves the event loop; the end of
   // the outermost one ends the user's action, see Console::begin_action().
   void run(const Event& event);
+
+  // What people call the control: its caption, that of the label that names it or of the frame around it, or
+  // else its name.
+  std::string label_of(const Control& control) const;
+
+  // Runs an act of the user's on the form; `act` is true if it did all that it meant to. The unsaved texts
+  // that its handlers read count as saved then, for whatever a page does with a text it reads it first.
+  // Passes on what `act` raises.
+  void run_using(const std::function<bool()>& act);
+  // The controls with unsaved texts.
+  std::vector<const Control*> unsaved() const;
 
   // A dialog is open from Console::show() until it is closed. A page is never open in this sense.
   bool is_open() const { return open_; }

@@ -69,6 +69,25 @@ void Page::not_stored(std::string_view key) {
   }
 }
 
+void Page::bind_text(TextField& field, std::string_view key) {
+  shown_texts_.push_back({field, key});
+}
+
+void Page::show_newer(std::string_view key) {
+  for (const ShownText& shown : shown_texts_) {
+    if (shown.key != key) continue;
+    if (const auto stored = read_string(key)) shown.field.set_text(*stored);
+  }
+  not_stored(key);
+}
+
+std::string Page::name_of_option(std::string_view key) {
+  for (const ShownText& shown : shown_texts_) {
+    if (shown.key == key) return label_of(shown.field);
+  }
+  return std::string(key);
+}
+
 void Page::load_registry_switch(CheckBox& box, std::string_view path) {
   const OptionValue value{settings().regread(path)};
   console().attempt(Kind::registry, path, Step::read, [&] { box.set_value(value.to_int16()); });

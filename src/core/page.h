@@ -32,6 +32,10 @@ class Page : public DatabaseClient, public Form {
   // written back.
   void terminate();
 
+  // Hosts call it every few seconds while somebody looks at the page: marks the list boxes whose rows others
+  // have changed (ListBox::stale()). It reads no list, and records nothing unless it fails.
+  virtual void look_for_changes() {}
+
  protected:
   // Translate, connect, load: the order of most pages. If connecting fails, a message box says so, and load()
   // runs all the same; its steps on the database then fail.
@@ -60,6 +64,9 @@ class Page : public DatabaseClient, public Form {
   // The same for a control that shows an option in another way: `show` reads it again if it could not be
   // written. `key` is a literal.
   void when_not_stored(std::string_view key, std::function<void()> show);
+  // A text field that shows the option `key`, a literal. Nothing is read or written by it: it tells which
+  // field is meant when somebody else has stored another value, and shows that if it stays.
+  void bind_text(TextField& field, std::string_view key);
   // The same for a value in the registry, under this full path. Nothing is bound to the click.
   void load_registry_switch(CheckBox& box, std::string_view path);
 
@@ -108,13 +115,21 @@ class Page : public DatabaseClient, public Form {
   void holds(HeldComponent& held) { held_.push_back(&held); }
 
   void not_stored(std::string_view key) override;
+  void show_newer(std::string_view key) override;
+  std::string name_of_option(std::string_view key) override;
 
   struct ShownOption {
     std::string_view key;
     std::function<void()> show;
   };
 
+  struct ShownText {
+    TextField& field;
+    std::string_view key;
+  };
+
   std::vector<Switch> switches_;
+  std::vector<ShownText> shown_texts_;
   std::vector<ShownOption> shown_options_;
   std::vector<HeldComponent*> held_;
 };

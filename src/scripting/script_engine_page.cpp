@@ -53,6 +53,7 @@ void ScriptEnginePage::wire() {
   scriptnamen.on_click = [this] { select(); };
   scriptnamen.on_change = [this] { insertnew.set_enabled(true); };
   scriptsource.on_change = [this] { changed(); };
+  scriptnamen.set_replaces({&scriptsource});
   sposition.on_click = [this] { changed(); };
   svisible.on_click = [this] {
     changed();
@@ -133,6 +134,7 @@ void ScriptEnginePage::select() {
   deletefromdb.set_enabled(true);
   scriptsource.set_text("");
   sposition.set_text("");
+  loaded_.reset();
   current_script_ = scriptnamen.text();
   if (!current_script_.empty()) read_script();
   savechunk.set_enabled(false);
@@ -146,6 +148,9 @@ void ScriptEnginePage::read_script() {
   read_rows("sposition", [&] {
     if (!record->is_null("sposition")) sposition.set_text(record->text("sposition"));
   });
+  read_rows("scriptcontent", [&] {
+    loaded_ = Loaded{from_utf16_bytes(record->bytes("scriptcontent")), upper(record->text("sposition"))};
+  });
   read_rows("svisible", [&] {
     const std::int64_t visible = record->number("svisible");
     if (visible != 0 && visible != 1) throw Error(error_number::invalid_property_value, "neither 0 nor 1");
@@ -154,7 +159,7 @@ void ScriptEnginePage::read_script() {
 }
 
 // The list need not show the script. No name that is stored holds an apostrophe.
-bool ScriptEnginePage::may_replace(const std::string& name) {
+bool ScriptEnginePage::agrees_to_replace(const std::string& name) {
   if (name.find('\'') != std::string::npos) return true;
   const auto found = open(script_row(name), Connection::Access::read_only);
   if (!found || found->at_end()) return true;
@@ -169,7 +174,8 @@ bool ScriptEnginePage::may_replace(const std::string& name) {
 void ScriptEnginePage::create() {
   if (scriptnamen.text().empty()) return;
   const std::string name = with_underscores(scriptnamen.text());
-  if (!may_replace(name)) return;
+  if (!agrees_to_replace(name)) return;
+  loaded_.reset();
   scriptnamen.set_text(name);
   const bool is_new = execute(insert_into("scriptengine", "scriptname", name), Failure::expected);
   current_script_ = name;
@@ -179,10 +185,11 @@ void ScriptEnginePage::create() {
 }
 
 void ScriptEnginePage::save() {
-  savechunk.set_enabled(!store());
+  const Stored stored = store();
+  savechunk.set_enabled(stored != Stored::yes);
   if (runner_) runner_->loaddb();
   mark_problems();
-  write_copy();
+  if (stored != Stored::not_decided) write_copy();
 }
 
 // A text that belongs to no script yet is kept too, in a file without a name.
@@ -191,11 +198,19 @@ void ScriptEnginePage::write_copy() {
                   current_script_ + ".vbs", scriptsource.text());
 }
 
-bool ScriptEnginePage::store() {
-  const bool begun = begin_transaction();
+ScriptEnginePage::Stored ScriptEnginePage::store() {
   const Statement select_row = script_row(current_script_);
-  auto record = open(select_row, Connection::Access::updatable);
-  const bool found = record && !record->at_end();
+  bool begun = false;
+  bool found = false;
+  std::unique_ptr<RecordSet> record;
+  Turn turn = Turn::again;
+  while (turn == Turn::again) {
+    begun = begin_transaction();
+    record = open(select_row, Connection::Access::updatable);
+    found = record && !record->at_end();
+    turn = begun && found ? compare(*record) : Turn::write;
+  }
+  if (turn == Turn::not_decided) return Stored::not_decided;
   bool stored = begun && record;
   const auto write = [&](std::string_view column, const auto& set) {
     const bool written = read_rows(column, [&] {
@@ -209,8 +224,46 @@ bool ScriptEnginePage::store() {
     write("sposition", [&] { record->set_text("sposition", upper(sposition.text())); });
     write("svisible", [&] { record->set_number("svisible", svisible.value()); });
   }
-  if (!begun) return false;
-  return commit(select_row.text(), found ? Step::write : Step::read) && stored;
+  if (!begun) return Stored::no;
+  stored = commit(select_row.text(), found ? Step::write : Step::read) && stored;
+  if (stored && found) loaded_ = Loaded{scriptsource.text(), upper(sposition.text())};
+  return stored ? Stored::yes : Stored::no;
+}
+
+// Within the transaction that is going to write, which ends if the person has to be asked: then everything is
+// compared once more. What is unchanged here takes the newer value instead of replacing it.
+ScriptEnginePage::Turn ScriptEnginePage::compare(RecordSet& stored) {
+  if (!loaded_ || !console().host().guards_newer_values()) return Turn::write;
+  Loaded newer;
+  const bool read = read_rows("scriptcontent", [&] {
+    newer = {from_utf16_bytes(stored.bytes("scriptcontent")), upper(stored.text("sposition"))};
+  });
+  if (!read) return Turn::write;
+  const auto is_other = [](const std::string& now, const std::string& before, const std::string& here) {
+    return now != before && now != here;
+  };
+  const bool other_source = is_other(newer.source, loaded_->source, scriptsource.text());
+  const bool other_position = is_other(newer.position, loaded_->position, upper(sposition.text()));
+  const bool typed = scriptsource.text() != loaded_->source;
+  const bool moved = upper(sposition.text()) != loaded_->position;
+  if (other_source && !typed) scriptsource.set_text(newer.source);
+  if (other_position && !moved) sposition.set_text(newer.position);
+  const bool ask_source = other_source && typed;
+  if (!ask_source && !(other_position && moved)) return Turn::write;
+  roll_back();
+  const Answer answer = ask_source ? ask_about_newer(current_script_, newer.source)
+                                   : ask_about_newer(label_of(sposition), newer.position);
+  if (answer == Answer::cancel) {
+    failed(Kind::sql, "not stored: " + current_script_, "somebody else has stored another script meanwhile",
+           Step::write);
+    return Turn::not_decided;
+  }
+  if (answer == Answer::keep_theirs) {
+    if (other_source) scriptsource.set_text(newer.source);
+    if (other_position) sposition.set_text(newer.position);
+  }
+  loaded_ = std::move(newer);
+  return Turn::again;
 }
 
 void ScriptEnginePage::remove() {
@@ -218,6 +271,7 @@ void ScriptEnginePage::remove() {
   if (console().host().message_box(question) != BoxReply::ok) return;
   execute(delete_from("scriptengine", "scriptname", current_script_));
   current_script_.clear();
+  loaded_.reset();
   scriptsource.set_text("");
   scriptsource.set_marks({});
   sposition.set_text("");

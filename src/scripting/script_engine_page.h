@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "core/page.h"
@@ -75,11 +77,15 @@ class ScriptEnginePage : public Page {
   void ensure_script_table();
   void select();
   void read_script();
-  bool may_replace(const std::string& name);
+  bool agrees_to_replace(const std::string& name);
   void create();
   void save();
-  // False if the database did not take it.
-  bool store();
+  // `no`: the database did not take it. `not_decided`: somebody else has stored another one, and the person
+  // has not said which is to stay.
+  enum class Stored : std::uint8_t { yes, no, not_decided };
+  Stored store();
+  enum class Turn : std::uint8_t { write, again, not_decided };
+  Turn compare(RecordSet& stored);
   void write_copy();
   void remove();
   void run_script();
@@ -93,6 +99,13 @@ class ScriptEnginePage : public Page {
 
   std::unique_ptr<ScriptRunner> runner_;  // null while the page is not shown
   std::string current_script_;            // empty if none is selected
+
+  // The selected script as it was read or stored last; nothing if whatever is stored may be overwritten.
+  struct Loaded {
+    std::string source;
+    std::string position;
+  };
+  std::optional<Loaded> loaded_;
 };
 
 }  // namespace zrl

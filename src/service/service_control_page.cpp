@@ -39,6 +39,11 @@ ServiceControlPage::ServiceControlPage(Console& console)
   rservice.on_click = [this] { begin(Pending::restart, "StopService", &ServiceManager::stop); };
   Timer1.on_tick = [this] { follow_service(); };
 
+  bind_text(Text1, "forwardaddress");
+  bind_text(listenip, "listenip");
+  bind_text(Text2, "listenport");
+  bind_text(Text3, "forwardport");
+
   Command1.set_primary();
   stopservice.set_destroys(loss::service);
 
@@ -86,8 +91,12 @@ void ServiceControlPage::load_start_switch() {
   if (const auto prevented = read_number("dontstartproxy")) dontstartproxy.set_checked(*prevented < 1);
 }
 
+// A value that gave way to a newer one is shown by then; one that waits for the person stays as it was typed.
 void ServiceControlPage::save() {
-  if (!Text1.text().empty()) {
+  const bool forward = may_replace("forwardaddress", Text1.text());
+  const bool listen_port = may_replace("listenport", Text2.text());
+  const bool forward_port = may_replace("forwardport", Text3.text());
+  if (forward && !Text1.text().empty()) {
     set_string("forwardaddress", Text1.text());
     add_to_whitehost(Text1.text());
     run_entry_steps(*this, std::array{take_off(list::local_addresses), put_on(list::local_addresses)},
@@ -96,11 +105,11 @@ void ServiceControlPage::save() {
   if (!console().regex_match(holds_ip_number, listenip.text()).empty()) {
     set_string("listenip", listenip.text());
   }
-  execute("DELETE FROM konf where ID='listenport'");
-  execute("DELETE FROM konf where ID='forwardport'");
-  if (!Text2.text().empty()) store_number<std::int32_t>("listenport", Text2.text());
-  if (!Text3.text().empty()) store_number<std::int32_t>("forwardport", Text3.text());
-  load_fields();
+  if (listen_port) execute("DELETE FROM konf where ID='listenport'");
+  if (forward_port) execute("DELETE FROM konf where ID='forwardport'");
+  if (listen_port && !Text2.text().empty()) store_number<std::int32_t>("listenport", Text2.text());
+  if (forward_port && !Text3.text().empty()) store_number<std::int32_t>("forwardport", Text3.text());
+  if (forward && listen_port && forward_port) load_fields();
 }
 
 // The option has the opposite meaning of the box.

@@ -30,6 +30,9 @@ constexpr std::string_view others[] = {
     // the activity record
     "begin transaction",
     "roll back",
+    "not stored",
+    "somebody else has stored another value meanwhile",
+    "somebody else has stored another script meanwhile",
     "look up ",
     "send to ",
     "export of a mail",

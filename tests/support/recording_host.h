@@ -37,6 +37,7 @@ class RecordingHost : public Host {
     opened.push_back(std::string(page) + "/" + std::string(query));
   }
   void show_progress(const Progress&) override { ++progress_reports; }
+  bool guards_newer_values() const override { return guards; }
 
   std::vector<MessageBox> boxes;
   std::vector<ProgramStart> programs;
@@ -47,6 +48,7 @@ class RecordingHost : public Host {
   std::function<void()> on_wait;
   BoxReply reply = BoxReply::ok;
   bool modeless = false;
+  bool guards = false;
   int yields = 0;
   int waits = 0;
   int progress_reports = 0;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <string>
 
 #include "components/sqlite/schema.h"
 #include "components/sqlite/sqlite.h"
@@ -18,6 +20,11 @@ struct Session {
 
   Engine engine;
   StatementCache statements;
+
+  // The marks of lists (Database::change_mark()) by their tables, of this state of the database.
+  std::map<std::string, std::string> marks;
+  std::int64_t marks_version = -1;
+  std::int64_t marks_changes = -1;
 };
 
 // What is reported while a database is opened or prepared, for the console.

@@ -151,8 +151,35 @@ std::string SqliteDatabase::read_string(std::string_view key, ConnectionHandle& 
   return read_value(key, conn);
 }
 
+std::string SqliteDatabase::read_to_change(std::string_view key, ConnectionHandle& conn) {
+  session_of(conn, Engine::Use::write);
+  return read_value(key, conn);
+}
+
 void SqliteDatabase::set_string(std::string_view key, std::string_view text, ConnectionHandle& conn) {
   write_value(key, text, conn);
+}
+
+// The number of rows, the newest key and the newest row: rows get ascending keys, so whatever is added or
+// removed changes one of the three.
+std::string SqliteDatabase::change_mark(const ListTable& list, ConnectionHandle& conn) {
+  Session& session = session_of(conn, Engine::Use::read);
+  const std::int64_t version = session.engine.number("PRAGMA data_version");
+  const std::int64_t changes = session.engine.total_changes();
+  if (version != session.marks_version || changes != session.marks_changes) session.marks.clear();
+  session.marks_version = version;
+  session.marks_changes = changes;
+  const std::string table = quoted_name(list.table.text());
+  std::string& mark = session.marks[table];
+  if (!mark.empty()) return mark;
+  const Loan count = session.statements.prepare("SELECT count(*) FROM " + table);
+  const std::int64_t rows = count->step() ? count->number(0) : 0;
+  const Loan newest = session.statements.prepare("SELECT rowid, " + quoted_name(list.column.text()) +
+                                                 " FROM " + table + " ORDER BY rowid DESC LIMIT 1");
+  mark = std::to_string(rows);
+  if (newest->step())
+    mark.append(" ").append(std::to_string(newest->number(0))).append(" ").append(newest->text(1));
+  return mark;
 }
 
 StringList SqliteDatabase::get_db_array(ConnectionHandle& conn, Literal table, Literal column,

@@ -24,6 +24,8 @@ class SqliteDatabase : public Database {
   std::string read_string(std::string_view key, ConnectionHandle& conn) override;
   void set_string(std::string_view key, std::string_view text, ConnectionHandle& conn) override;
 
+  std::string read_to_change(std::string_view key, ConnectionHandle& conn) override;
+  std::string change_mark(const ListTable& list, ConnectionHandle& conn) override;
   StringList get_db_array(ConnectionHandle& conn, Literal table, Literal column,
                           const Statement& condition) override;
   StringList get_db_array_ordered(ConnectionHandle& conn, Literal table, Literal column,

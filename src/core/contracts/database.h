@@ -152,11 +152,25 @@ class Database {
   virtual void set_option(std::string_view key, std::int32_t value, ConnectionHandle& conn) = 0;
   virtual std::string read_string(std::string_view key, ConnectionHandle& conn) = 0;
   virtual void set_string(std::string_view key, std::string_view text, ConnectionHandle& conn) = 0;
+  // The same value as read_string(), within the transaction that is going to change it: nobody else does
+  // until that has ended.
+  virtual std::string read_to_change(std::string_view key, ConnectionHandle& conn) {
+    return read_string(key, conn);
+  }
 
   // The column's values in the order of the rows' insertion. The condition is what follows "where"; the
   // empty one means all rows.
   virtual StringList get_db_array(ConnectionHandle& conn, Literal table, Literal column,
                                   const Statement& condition) = 0;
+
+  // A short text that is another one once the rows of the list have been changed, by whomever, found without
+  // reading them: two marks that are equal mean that a list box that shows the rows need not be filled anew.
+  // Fit for asking every few seconds. Empty if the component cannot tell.
+  virtual std::string change_mark(const ListTable& list, ConnectionHandle& conn) {
+    (void)list;
+    (void)conn;
+    return {};
+  }
 
   // One element per row, ascending by the column `order`; of the column `reason`, each value once, at the
   // place of its last row.

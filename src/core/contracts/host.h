@@ -20,7 +20,7 @@ enum class BoxStyle : std::uint8_t {
   question = 33,
   information = 64
 };
-enum class BoxReply : std::uint8_t { ok, cancel };
+enum class BoxReply : std::uint8_t { ok, cancel, other };
 
 // Title and text are UTF-8; lines of the text end with CRLF or a line feed. They may quote strangers.
 struct MessageBox {
@@ -29,6 +29,9 @@ struct MessageBox {
   BoxStyle style = BoxStyle::plain;  // its number is what hosts print
   // The act that the box asks about, if it destroys something: stands on the button that answers OK.
   std::string act = {};
+  // The text of a third button, which answers BoxReply::other; empty: there is none. Only a box that asks may
+  // have one, and only if the host guards newer values.
+  std::string other = {};
 
   bool asks() const { return style == BoxStyle::ok_cancel || style == BoxStyle::question; }
 };
@@ -90,6 +93,11 @@ class Host {
   // the catalogue. The host leaves the page that asks when its event has ended, at the earliest. A host that
   // shows no other pages only notes what was asked.
   virtual void open_page(std::string_view page, std::string_view query) = 0;
+
+  // Whether a value that somebody else has stored since it was shown is guarded: an unchanged field is not
+  // written back over it, and people are asked before a changed one is (see DatabaseClient). If false, as for
+  // programs that say all that they want in one go, everything is written as it is told.
+  virtual bool guards_newer_values() const { return false; }
 
   // May be called often; a host shows as many of the states as it likes.
   virtual void show_progress(const Progress& progress) = 0;

@@ -16,6 +16,7 @@ void ListPage::bind_lists(TextField& entry, Place place,
     const std::size_t number = lists_.size();
     lists_.push_back({list});
     list.box.on_click = [this, &entry, number] { click_item(entry, number); };
+    list.box.on_reload = [this] { fill_lists(); };
   }
 }
 
@@ -52,7 +53,7 @@ EntryChange ListPage::remove_from(const List& list, std::string_view text) {
 }
 
 void ListPage::fill_list_boxes() {
-  for (const BoundList& bound : lists_) fill_list(bound.list);
+  for (BoundList& bound : lists_) fill_list(bound);
   if (place_ == Place::forgotten) return;
   for (const BoundList& bound : lists_) {
     ListBox& box = bound.list.box;
@@ -73,7 +74,25 @@ void ListPage::click_item(TextField& entry, std::size_t list) {
   if (index <= std::numeric_limits<std::int16_t>::max()) bound.last_index = static_cast<std::int16_t>(index);
 }
 
-void ListPage::fill_list(const List& list) {
+// The looks at long lists take a hundredth of the time at most.
+void ListPage::look_for_changes() {
+  constexpr int times_its_length = 100;
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point begin = Clock::now();
+  if (begin < next_look_) return;
+  for (BoundList& bound : lists_) {
+    if (bound.mark.empty() || bound.list.box.stale()) continue;
+    const std::string mark = change_mark(bound.list.table);
+    if (!mark.empty() && mark != bound.mark) bound.list.box.set_stale(true);
+  }
+  const Clock::time_point end = Clock::now();
+  next_look_ = end + times_its_length * (end - begin);
+}
+
+// The mark comes first, so that what is changed between the two is not missed.
+void ListPage::fill_list(BoundList& bound) {
+  const List& list = bound.list;
+  bound.mark = console().host().guards_newer_values() ? change_mark(list.table) : std::string();
   StringList entries = rows(list.table, list.condition).value_or(StringList());
   if (list.entries != Entries::all) {
     const bool wanted = list.entries == Entries::with_at;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
@@ -24,6 +25,8 @@ namespace zrl {
 class ListPage : public Page {
  public:
   using Page::Page;
+
+  void look_for_changes() override;
 
  protected:
   // Which entries of its table a list box shows: all, or only those without or with an "@".
@@ -75,14 +78,16 @@ class ListPage : public Page {
   struct BoundList {
     const List& list;
     std::int16_t last_index = -1;  // the item that was clicked last
+    std::string mark = {};         // of the rows, when the box was filled; empty if that is not known
   };
 
   void click_item(TextField& entry, std::size_t list);
-  void fill_list(const List& list);
+  void fill_list(BoundList& bound);
   void open_transfer(const List& list);
   void update_lists(std::span<const ListFile> files);
 
   std::vector<BoundList> lists_;
+  std::chrono::steady_clock::time_point next_look_;
   Place place_ = Place::forgotten;
 };
 

@@ -37,6 +37,11 @@ PopConfigPage::PopConfigPage(Console& console) : Page(console, "pop_config", "PO
   deletea.on_click = [this] { delete_account(); };
   clearnew.on_click = [this] { start_account(); };
 
+  bind_text(poptime, "poptime");
+  for (Control* control : std::initializer_list<Control*>{&userlist, &clearnew}) {
+    control->set_replaces({&username, &server, &password, &maxsize, &subm, &forward, &spamforward, &badmail});
+  }
+
   addmod.set_primary();
   deletea.set_destroys(
       loss::account, [this] { return userlist.items().find(account()) < userlist.items().size() ? 1U : 0U; });

@@ -24,6 +24,8 @@ SpfPage::SpfPage(Console& console) : Page(console, "spf", "SPF and Caller-ID") {
   });
   updatespf.on_click = [this] { set_string("default_spf", default_spf.text()); };
   updatecid.on_click = [this] { set_string("default_cid", default_cid.text()); };
+  bind_text(default_spf, "default_spf");
+  bind_text(default_cid, "default_cid");
   bind_busy(getspf, &SpfPage::get_spf);
   bind_busy(getcid, &SpfPage::get_cid);
   bind_busy(checkspf, [this] { test(spf_, "check_spf", &DnsClient::check_spf); });

@@ -35,7 +35,10 @@ StringsPage::StringsPage(Console& console) : Page(console, "strings", "Reply tex
   Command1.on_click = [this] { load_strings(); };
   Command2.on_click = [this] { store_default_banner(); };
 
+  for (const ReplyText& reply : reply_texts) bind_text(this->*reply.field, reply.key);
+
   updatedb.set_primary();
+  Command1.set_replaces({&welcome, &hello, &bye, &queue});
   Command2.set_destroys(loss::banner);
 
   set_layout(column({

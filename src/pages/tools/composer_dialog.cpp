@@ -22,6 +22,7 @@ ComposerDialog::ComposerDialog(Console& console)
     : Form(console, "composer", "Write a mail"), DatabaseClient(console) {
   send.on_click = [this] { click_send(); };
   cancel.on_click = [this] { close(); };
+  cancel.set_replaces({&sender, &recipient, &subject, &textbody, &htmlbody});
   set_layout(column({
       row({grow(sender), grow(recipient)}),
       subject,
