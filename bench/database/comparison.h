@@ -70,5 +70,6 @@ void write_lines(const std::filesystem::path& path, const std::vector<std::strin
 void add_rows(Suite& suite);
 void add_imports(Suite& suite);
 void add_statements(Suite& suite);
+void add_search(Suite& suite);
 
 }  // namespace zrl::bench

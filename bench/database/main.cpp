@@ -8,6 +8,7 @@ int main(int argc, char** argv) {
   zrl::bench::Suite suite;
   zrl::bench::add_rows(suite);
   zrl::bench::add_statements(suite);
+  zrl::bench::add_search(suite);
   zrl::bench::add_imports(suite);
   return suite.run(5) ? 0 : 1;
 }

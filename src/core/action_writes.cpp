@@ -70,9 +70,11 @@ void ActionWrites::raise_flags_again() {
 ActionWrites::Wait::Wait(ActionWrites& writes) : writes_(writes) {
   writes_.commit();
   depth_before_ = std::exchange(writes_.waiting_depth_, writes_.depth_);
+  act_ = writes_.console_.acts().suspend();
 }
 
 ActionWrites::Wait::~Wait() {
+  writes_.console_.acts().resume(std::move(act_));
   writes_.waiting_depth_ = depth_before_;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/acts.h"
 #include "core/contracts/database.h"
 #include "core/contracts/host.h"
 
@@ -33,6 +34,8 @@ class ActionWrites {
   // the outermost.
   void begin() { ++depth_; }
   bool end();
+  // Whether no action runs, or those that run wait.
+  bool rests() const { return depth_ == waiting_depth_; }
 
   // Makes what is written over the connection next part of the transaction; called inside the step, before
   // its statement. A transaction on another connection is committed first, since that connection may be to
@@ -64,6 +67,7 @@ class ActionWrites {
    private:
     ActionWrites& writes_;
     int depth_before_;
+    Acts::State act_;
   };
 
  private:

@@ -27,6 +27,7 @@ void ActivityRecord::turn_into_failure(std::uint64_t number, std::string_view er
   Held& held = entries_[number - first_];
   if (!held.ok) return;
   held.ok = false;
+  held.undone = true;
   held.bytes.insert(held.text_length, error);
   held.error_length = static_cast<std::uint32_t>(error.size());
   held_bytes_ += error.size();
@@ -40,8 +41,17 @@ ActivityRecord::Entry ActivityRecord::operator[](std::uint64_t number) const {
   const std::string_view text = bytes.substr(0, held.text_length);
   const std::string_view error = bytes.substr(held.text_length, held.error_length);
   const std::string_view public_text = bytes.substr(text.size() + error.size());
-  return {held.kind,    held.ok, held.write, held.time, text, error, public_text.empty() ? text : public_text,
-          held.expected};
+  return {held.kind,
+          held.ok,
+          held.write,
+          held.time,
+          text,
+          error,
+          public_text.empty() ? text : public_text,
+          held.expected,
+          held.routine,
+          held.undone,
+          held.act};
 }
 
 void ActivityRecord::keep(const Entry& entry) {
@@ -51,8 +61,16 @@ void ActivityRecord::keep(const Entry& entry) {
   held_bytes_ += bytes.size() + sizeof(Held);
   entries_.push_back({std::move(bytes), static_cast<std::uint32_t>(entry.text.size()),
                       static_cast<std::uint32_t>(entry.error.size()), entry.kind, entry.ok, entry.write,
-                      entry.expected, entry.time});
+                      entry.expected, routine_, false, entry.time, act_});
   make_room();
+}
+
+void ActivityRecord::say(std::string text, SentenceTone tone) {
+  constexpr std::size_t most = 1000;
+  said_.push_back({std::move(text), tone});
+  if (said_.size() <= most) return;
+  said_.pop_front();
+  ++first_said_;
 }
 
 void ActivityRecord::make_room() {

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/sentence.h"
+
 namespace zrl {
 
 // The outcome of the steps of a console's actions: every write and every failed step, in order. A page goes
@@ -25,6 +27,9 @@ class ActivityRecord {
     std::string_view error = {};        // empty if ok
     std::string_view public_text = {};  // `text` with its secrets hidden: for files and screens
     bool expected = false;              // a failure that the step is prepared for; no reason for a notice
+    bool routine = false;   // no act of a person, see Acts::Routine; neither a notice nor an audit
+    bool undone = false;    // it worked, but did not last, see turn_into_failure()
+    std::uint64_t act = 0;  // of which it is a step, see Acts; 0 outside of all
   };
 
   // Keeps at most about `limit` bytes, which count the texts and a fixed cost per entry. The oldest entries
@@ -50,6 +55,23 @@ class ActivityRecord {
   // `number` from first() to total() - 1. The views are valid until the next entry is recorded.
   Entry operator[](std::uint64_t number) const;
 
+  // The entries that follow belong to this act, and are routine or not.
+  void set_act(std::uint64_t act, bool routine) {
+    act_ = act;
+    routine_ = routine;
+  }
+
+  // What acts said of themselves, in the language of the console; printable and of bounded length.
+  struct Said {
+    std::string text;
+    SentenceTone tone;
+  };
+  void say(std::string text, SentenceTone tone);
+  // Numbered as the entries are; the newest 1,000 are held.
+  std::uint64_t first_said() const { return first_said_; }
+  std::uint64_t total_said() const { return first_said_ + said_.size(); }
+  const Said& said(std::uint64_t number) const { return said_[number - first_said_]; }
+
   static constexpr std::size_t default_limit = std::size_t{64} << 20;
 
  private:
@@ -61,13 +83,20 @@ class ActivityRecord {
     bool ok;
     bool write;
     bool expected;
+    bool routine;
+    bool undone;
     std::int64_t time;
+    std::uint64_t act;
   };
 
   void keep(const Entry& entry);
   void make_room();
 
   std::deque<Held> entries_;
+  std::deque<Said> said_;
+  std::uint64_t first_said_ = 0;
+  std::uint64_t act_ = 0;
+  bool routine_ = false;
   std::uint64_t first_ = 0;
   std::uint64_t failures_ = 0;
   std::size_t held_bytes_ = 0;

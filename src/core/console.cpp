@@ -46,6 +46,7 @@ std::filesystem::path absolute_folder(const std::filesystem::path& folder) {
 Console::Console(const std::filesystem::path& folder, Host& host, Clock clock)
     : folder_(absolute_folder(folder)),
       clock_(std::move(clock)),
+      acts_(*this),
       writes_(*this),
       committing_host_(host, writes_),
       settings_(*this),
@@ -114,8 +115,17 @@ void Console::record_escaped(std::string_view where) {
   record_failure(where, current_error().problem);
 }
 
+void Console::begin_action() {
+  if (writes_.rests()) acts_.begin();
+  writes_.begin();
+}
+
 void Console::end_action() {
-  if (!writes_.end()) return;
+  if (writes_.end()) settle();
+  if (writes_.rests()) acts_.end();
+}
+
+void Console::settle() {
   const auto unsettled = std::move(unsettled_);
   unsettled_.clear();
   for (const std::weak_ptr<Connection>& held : unsettled) {

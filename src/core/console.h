@@ -10,6 +10,7 @@
 
 #include "core/action_writes.h"
 #include "core/activity.h"
+#include "core/acts.h"
 #include "core/contracts/console_services.h"
 #include "core/contracts/database.h"
 #include "core/contracts/name_lookup.h"
@@ -66,6 +67,8 @@ class Console final : public ConsoleServices {
   ActivityRecord& activity() { return activity_; }
   // The transaction of the user's action.
   ActionWrites& writes() { return writes_; }
+  // What the act that runs says of itself.
+  Acts& acts() { return acts_; }
   std::chrono::system_clock::time_point now() const { return clock_(); }
   // The clock in the local time of the machine, as fourteen digits: "20051104173005" is 17:30:05 on 4
   // November 2005. Empty if the time cannot be converted.
@@ -109,7 +112,7 @@ class Console final : public ConsoleServices {
   // run. The end of each commits what it wrote (see ActionWrites). When the outermost one ends, the
   // connections that were written to meanwhile are settled, which makes the writes durable
   // (Connection::settle()); a failure is recorded.
-  void begin_action() { writes_.begin(); }
+  void begin_action();
   void end_action();
   // Notes a connection for that. It is not kept alive: one that is dropped before the action ends is left
   // out.
@@ -135,10 +138,12 @@ class Console final : public ConsoleServices {
 
  private:
   std::int64_t seconds() const;
+  void settle();
 
   std::filesystem::path folder_;
   Clock clock_;
   ActivityRecord activity_;
+  Acts acts_;
   ActionWrites writes_;
   CommittingHost committing_host_;
   ComponentRegistry components_;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/control.h"
+#include "core/expectation.h"
 #include "core/loss.h"
 #include "core/text/string_list.h"
 
@@ -106,6 +107,11 @@ class TextField : public Control {
   void set_text(std::string_view text);
   const Style& style() const { return style_; }
 
+  // What the text is meant to be; hosts with a screen say what does not fit. To be called before the form is
+  // shown.
+  void set_expects(const Expectation& expected) { expected_ = expected; }
+  const Expectation& expects() const { return expected_; }
+
   // Hosts show the marks of a field with the style `source` until others are set. Changing the text does not
   // remove them, so their places may no longer fit.
   const std::vector<Mark>& marks() const { return marks_; }
@@ -118,6 +124,7 @@ class TextField : public Control {
 
   std::string text_;
   Style style_;
+  Expectation expected_;
   std::vector<Mark> marks_;
   bool typing_ = false;
 };
@@ -204,6 +211,15 @@ class Button : public CaptionedControl {
   void set_needs(std::initializer_list<const Control*> controls) { needs_ = controls; }
   const std::vector<const Control*>& needs() const { return needs_; }
 
+  // The act refuses every text of the field but such: hosts with a screen explain that in place of running
+  // the click; the button itself checks nothing. To be called before the form is shown.
+  struct Taken {
+    const TextField* field = nullptr;  // null: the act takes anything
+    Expectation text;
+  };
+  void set_takes(const TextField& field, const Expectation& text) { taken_ = {&field, text}; }
+  const Taken& takes() const { return taken_; }
+
   // The act for which people come to the form. Hosts make it stand out; to be called before the form is
   // shown.
   void set_primary() { primary_ = true; }
@@ -224,6 +240,7 @@ class Button : public CaptionedControl {
 
  private:
   std::vector<const Control*> needs_;
+  Taken taken_;
   bool primary_ = false;
   const Loss* loss_ = nullptr;
   LossCount count_;

@@ -260,7 +260,7 @@ std::string_view refusal(Takes takes, std::string_view text, std::string_view st
     case Takes::network:
       return network_entry(text).empty() ? not_a_network : std::string_view();
     case Takes::mail:
-      return has_at(text) ? std::string_view() : "Not an e-mail address: it has no at sign";
+      return has_at(text) ? std::string_view() : no_mail_address;
     case Takes::domain:
       if (has_at(text)) return "An e-mail address belongs on the list of exempt e-mail addresses";
       return entry.empty() ? empty : std::string_view();
@@ -299,7 +299,7 @@ class Execution {
         return accepted_ && insert_into(list::local_users, entry_).fault().empty();
       case When::without_dot:
         if (entry_.find('.') == entry_.npos) return accepted_;
-        refusal_ = "An extension is entered without its dot";
+        refusal_ = dotted_extension;
         stored_ = false;
         return false;
       case When::accepted:
@@ -365,18 +365,37 @@ class Execution {
   std::string_view refusal_;
 };
 
-// The rows of the list that the act removes.
-std::uint64_t rows_to_remove(DatabaseClient& client, const Rule& rule, std::string_view entry) {
+// The lists that the removal takes the entry off.
+std::vector<const ListTable*> lists_of(const Rule& rule) {
+  std::vector<const ListTable*> lists;
+  const auto add = [&lists](const ListTable& list) {
+    const auto same = [&list](const ListTable* known) { return known->name == list.name; };
+    if (std::ranges::none_of(lists, same)) lists.push_back(&list);
+  };
+  for (const EntryStep& step : rule.remove.steps) {
+    if (step.verb == Verb::call) {
+      add(list::black_addresses);
+      add(list::white_addresses);
+    } else if (step.list != nullptr) {
+      add(*step.list);
+    }
+  }
+  return lists;
+}
+
+// The rows of one of these lists that it removes.
+std::uint64_t rows_to_remove(DatabaseClient& client, const Rule& rule, const ListTable& list,
+                             std::string_view entry) {
   std::uint64_t rows = 0;
   for (const EntryStep& step : rule.remove.steps) {
-    if (step.verb == Verb::call) rows += rows_with(client, rule.list, entry);
-    if (step.list == nullptr || step.list->name != rule.list.name) continue;
-    if (step.verb == Verb::take_off) rows += rows_with(client, rule.list, entry);
-    if (step.verb == Verb::take_off_any) rows += rows_with(client, rule.list, "@*" + std::string(entry));
+    if (step.verb == Verb::call) rows += rows_with(client, list, entry);
+    if (step.list == nullptr || step.list->name != list.name) continue;
+    if (step.verb == Verb::take_off) rows += rows_with(client, list, entry);
+    if (step.verb == Verb::take_off_any) rows += rows_with(client, list, "@*" + std::string(entry));
     if (step.verb == Verb::take_lower_off) {
       const std::string small = lower_unicode(entry);
-      rows += rows_with(client, rule.list, small);
-      if (lower(entry) != small) rows += rows_with(client, rule.list, entry);
+      rows += rows_with(client, list, small);
+      if (lower(entry) != small) rows += rows_with(client, list, entry);
     }
   }
   return rows;
@@ -427,8 +446,13 @@ EntryChange remove_entry(DatabaseClient& client, Console& console, const ListTab
   const std::string entry = in_form(rule->remove.form, text);
   const std::string_view why_not = refusal(rule->remove.takes, text, entry);
   if (!why_not.empty()) return refused(entry, why_not);
-  const std::uint64_t rows = rows_to_remove(client, *rule, entry);
-  EntryChange change{EntryChange::State::missing, entry};
+  EntryChange change{.state = EntryChange::State::missing, .entry = entry, .searched = lists_of(*rule)};
+  std::uint64_t rows = 0;
+  for (const ListTable* searched : change.searched) {
+    const std::uint64_t found = rows_to_remove(client, *rule, *searched, entry);
+    if (found > 0) change.left.push_back(searched);
+    if (searched->name == list.name) rows = found;
+  }
   if (rows == 0 && if_missing == IfMissing::leave) return change;
   const std::uint64_t failures = console.activity().failures();
   Execution execution(client, entry, true);

@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/database_client.h"
 
@@ -58,6 +59,10 @@ constexpr EntryStep take_off_any(const ListTable& list) {
 // Whether every put_on worked. A step that fails is recorded, and the next one is executed.
 bool run_entry_steps(DatabaseClient& client, std::span<const EntryStep> steps, std::string_view entry);
 
+// Reasons of refusals, beside those of core/text/list_entry.h.
+inline constexpr std::string_view no_mail_address = "Not an e-mail address: it has no at sign";
+inline constexpr std::string_view dotted_extension = "An extension is entered without its dot";
+
 // What became of an entry.
 struct EntryChange {
   enum class State : std::uint8_t {
@@ -72,6 +77,9 @@ struct EntryChange {
   std::string entry;          // as it is stored, or looked for: trimmed, escaped, in lower case...
   std::string reason = {};    // of a refusal: English, a text of the catalogue or an error of the database
   std::uint64_t removed = 0;  // rows of this list that were taken off it
+  // Of a removal: all lists that the entry was looked for in, and those of them that had it. To constants.
+  std::vector<const ListTable*> searched = {};
+  std::vector<const ListTable*> left = {};
 
   bool done() const { return state != State::refused && state != State::missing; }
 };

@@ -68,6 +68,20 @@ std::string Localisation::translate(std::string_view text, std::string_view lang
   return result;
 }
 
+bool Localisation::store_language(std::string_view language) {
+  Settings& settings = console_.settings();
+  const bool german = language == "german";
+  const bool stored = german ? settings.regwrite_string(settings.language_path(), language)
+                             : settings.delete_value(settings.language_path());
+  if (stored) {
+    console_.acts().say(german ? "The language is German" : "The language is English", SentenceTone::good,
+                        {});
+  } else {
+    console_.acts().say("The language was not stored", SentenceTone::bad, {}, Acts::Reason::told);
+  }
+  return stored;
+}
+
 void Localisation::release_translator() {
   loaded_ = false;
   translator_.reset();

@@ -27,6 +27,10 @@ class Localisation {
   // given becomes current for this and all later calls.
   std::string translate(std::string_view text, std::string_view language = {});
 
+  // Stores the language for the consoles to come, this one keeps its own; says so. English is the default and
+  // is stored as the absence of the value. False if that failed, which is recorded and said.
+  bool store_language(std::string_view language);
+
   // The page framework drops the translator after every control, and the next translate() makes a new one.
   // That is cheap because components keep their catalogues outside their instances.
   void release_translator();

@@ -13,7 +13,10 @@ void Page::initialise() {
     if (control->kind() == ControlKind::list_box) static_cast<ListBox*>(control)->clear();
     if (control->kind() == ControlKind::combo_box) static_cast<ComboBox*>(control)->set_items({});
   }
-  run([this] { show(); });
+  run([this] {
+    const Acts::Routine routine(console().acts());
+    show();
+  });
 }
 
 void Page::show_query(std::string_view query) {
@@ -38,7 +41,11 @@ void Page::show() {
 void Page::bind_switches(std::initializer_list<Switch> switches) {
   for (const Switch& bound : switches) {
     switches_.push_back(bound);
-    bound.box.on_click = [this, &box = bound.box, key = bound.key] { set_option(key, box.value()); };
+    bound.box.on_click = [this, &box = bound.box, key = bound.key] {
+      const bool on = box.checked();
+      set_option(key, box.value());
+      say_switched(box, on);
+    };
   }
 }
 
@@ -98,6 +105,7 @@ void Page::set_interval(Timer& timer, std::string_view key, std::int64_t interva
 }
 
 void Page::publish_version() {
+  const Acts::Routine routine(console().acts());
   set_string("version", settings().product_version());
 }
 

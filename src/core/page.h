@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/contracts/dns_client.h"
+#include "core/contracts/entry_search.h"
 #include "core/database_client.h"
 #include "core/form.h"
 
@@ -35,6 +36,13 @@ class Page : public DatabaseClient, public Form {
   // Hosts call it every few seconds while somebody looks at the page: marks the list boxes whose rows others
   // have changed (ListBox::stale()). It reads no list, and records nothing unless it fails.
   virtual void look_for_changes() {}
+
+  // The lists that its boxes show as they are, for searches over the lists of all pages.
+  struct ListPlace {
+    const ListBox* box;
+    EntrySearch::List list;
+  };
+  virtual std::vector<ListPlace> list_places() const { return {}; }
 
  protected:
   // Translate, connect, load: the order of most pages. If connecting fails, a message box says so, and load()

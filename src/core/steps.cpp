@@ -1,6 +1,9 @@
 #include "core/steps.h"
 
+#include "core/controls.h"
 #include "core/text/error.h"
+#include "core/text/grouped_number.h"
+#include "core/text/text.h"
 
 namespace zrl {
 
@@ -18,6 +21,28 @@ bool Steps::raise_flag(std::string_view flag) const {
   const bool raised = console_.settings().regwrite_dword(path, 1);
   if (raised) console_.writes().flag_raised(std::move(path));
   return raised;
+}
+
+void Steps::say_switched(const CheckBox& box, bool on) const {
+  say(on ? said::switched_on : said::switched_off, {box.caption()});
+}
+
+void Steps::say_added(std::string_view entry, const ListTable& list) const {
+  if (trim(entry).empty()) return say_nothing(said::no_entry_to_add);
+  say(said::added, {entry, list_words(list)});
+}
+
+void Steps::say_added(std::string_view entry, const ListTable& list, bool stored) const {
+  if (trim(entry).empty()) return say_nothing(said::no_entry_to_add);
+  console_.acts().say_of(stored, said::added, {entry, list_words(list)});
+}
+
+std::string Steps::number_text(std::uint64_t number) const {
+  return grouped(number, console_.localisation().current_language() == "german");
+}
+
+std::string Steps::list_words(const ListTable& list) const {
+  return console_.localisation().translate(words_of(list));
 }
 
 void Steps::show_error(std::string_view text, std::string_view title) const {

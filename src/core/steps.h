@@ -7,9 +7,12 @@
 #include <vector>
 
 #include "core/console.h"
+#include "core/list_words.h"
+#include "core/sentence.h"
 
 namespace zrl {
 
+class CheckBox;
 template <typename Interface>
 class Held;
 
@@ -51,6 +54,36 @@ class Steps {
   // read a list again. The proxy resets it. If it does so before the action's statements are committed, the
   // flag is set once more after them, see ActionWrites.
   bool raise_flag(std::string_view flag) const;
+
+  // What the operation did, in the words of the page: see Acts::say(). All texts are literals of the
+  // catalogue. Where an operation says nothing, hosts tell of its entries in the record.
+  void say(const Sentence& sentence, SentenceValues values = {}) const {
+    console_.acts().say(sentence, values);
+  }
+  void say_counted(const Sentence& sentence, std::uint64_t count, SentenceValues values = {}) const {
+    console_.acts().say_counted(sentence, count, values);
+  }
+  // It worked; what may have failed beside it is told, too.
+  void say_done(std::string_view text, SentenceValues values = {}) const {
+    console_.acts().say(text, SentenceTone::good, values);
+  }
+  // "Added", or that there was nothing to add; to be called behind the write.
+  void say_added(std::string_view entry, const ListTable& list) const;
+  // The same if the insertion has other writes beside it; `stored` tells whether it worked.
+  void say_added(std::string_view entry, const ListTable& list, bool stored) const;
+  // Nothing was done, and why.
+  void say_nothing(std::string_view text, SentenceValues values = {}) const {
+    console_.acts().say(text, SentenceTone::neutral, values);
+  }
+  // It failed, for the reason of its last failing step.
+  void say_failed(std::string_view text, SentenceValues values = {}) const {
+    console_.acts().say(text, SentenceTone::bad, values, Acts::Reason::told);
+  }
+  // `on` as the person left the box: where the option was not stored, it shows the stored value again.
+  void say_switched(const CheckBox& box, bool on) const;
+  // The name of the list, and a number, for sentences in the language of the console.
+  std::string list_words(const ListTable& list) const;
+  std::string number_text(std::uint64_t number) const;
 
   // Shows a message box with the critical icon and returns when it has been answered; events run meanwhile.
   // Nothing is recorded.

@@ -22,6 +22,7 @@ void register_components(Console& console) {
   ComponentRegistry& components = console.components();
 
   components.add<Database>([&console] { return sqlite::make(console); });
+  components.add<EntrySearch>([&console] { return sqlite::make_entry_search(console); });
   // One for all: it has no state but the file, which every operation would open anew.
   components.add<Registry>([registry = sqlite::make_registry(console)] { return registry; });
   components.add<Translator>([&console] { return locale::make(console); });

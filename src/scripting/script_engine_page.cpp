@@ -15,6 +15,9 @@ namespace {
 constexpr std::string_view positions[] = {"Never",     "CONNECT",    "ENVELOPE", "HEADER",
                                           "HEADERENV", "BODYSTREAM", "BODY",     "AV"};
 
+constexpr Sentence script_deleted{"Script %1 deleted", "Script %1 not deleted"};
+constexpr Sentence scripts_taken{"Published scripts taken over", "Published scripts not taken over"};
+
 Statement script_row(std::string_view name) {
   return "SELECT * FROM scriptengine WHERE scriptname='" + value(name) + "'";
 }
@@ -69,7 +72,11 @@ void ScriptEnginePage::wire() {
   bind_busy(Command1, &ScriptEnginePage::run_position);
   bind_busy(download, [this] {
     std::string status;
-    fetch_lists(*this, component<Downloader>(), status);
+    if (fetch_lists(*this, component<Downloader>(), status)) {
+      say_done("Files fetched from the server");
+    } else {
+      say_failed("Nothing fetched from the server");
+    }
   });
   bind_busy(update, &ScriptEnginePage::update_database);
 }
@@ -172,7 +179,7 @@ bool ScriptEnginePage::agrees_to_replace(const std::string& name) {
 
 // A name that exists keeps the text in the editor, which is then saved under it.
 void ScriptEnginePage::create() {
-  if (scriptnamen.text().empty()) return;
+  if (scriptnamen.text().empty()) return say_nothing("Nothing stored: a script needs a name");
   const std::string name = with_underscores(scriptnamen.text());
   if (!agrees_to_replace(name)) return;
   loaded_.reset();
@@ -187,6 +194,13 @@ void ScriptEnginePage::create() {
 void ScriptEnginePage::save() {
   const Stored stored = store();
   savechunk.set_enabled(stored != Stored::yes);
+  if (current_script_.empty()) {
+    say_nothing("The text belongs to no script; it is kept in a file without a name");
+  } else if (stored == Stored::yes) {
+    say_done("Script %1 stored", {current_script_});
+  } else if (stored == Stored::no) {
+    say_failed("Script %1 not stored", {current_script_});
+  }
   if (runner_) runner_->loaddb();
   mark_problems();
   if (stored != Stored::not_decided) write_copy();
@@ -270,6 +284,7 @@ void ScriptEnginePage::remove() {
   const MessageBox question{translate("Delete Script"), translate("Are you sure?"), BoxStyle::ok_cancel};
   if (console().host().message_box(question) != BoxReply::ok) return;
   execute(delete_from("scriptengine", "scriptname", current_script_));
+  say(script_deleted, {current_script_});
   current_script_.clear();
   loaded_.reset();
   scriptsource.set_text("");
@@ -306,6 +321,11 @@ std::string ScriptEnginePage::echoed_text() const {
 void ScriptEnginePage::update_database() {
   const auto downloader = component<Downloader>();
   if (downloader) component_step("update_db", [&] { downloader->update_db(); });
+  if (downloader) {
+    say(scripts_taken);
+  } else {
+    say_failed(scripts_taken.failed);
+  }
   fill_script_list();
 }
 

@@ -17,6 +17,12 @@ constexpr std::string_view holds_ip_number =
 // How many times in a row the timer asks for the service without an answer before it takes an order for done.
 constexpr int most_unanswered = 20;
 
+constexpr Sentence addresses_stored{"Addresses and ports stored", "Addresses and ports not stored"};
+constexpr Sentence started{"The service is being started", "The service was not started"};
+constexpr Sentence manager_started{"The service's own manager has been started",
+                                   "The service's own manager was not started"};
+constexpr Sentence stopped{"The service is being stopped", "The service was not stopped"};
+
 bool is_missing(const TextField& port) {
   return port.text() == "-1" || port.text().empty();
 }
@@ -29,7 +35,10 @@ ServiceControlPage::ServiceControlPage(Console& console)
   when_not_stored("dontstartproxy", [this] { load_start_switch(); });
   Command1.on_click = [this] { save(); };
   Command2.on_click = [this] { refresh_status(); };
-  Command3.on_click = [this] { run_program("ProxyServiceControl.exe", {}); };
+  Command3.on_click = [this] {
+    run_program("ProxyServiceControl.exe", {});
+    say(manager_started);
+  };
   starts.on_click = [this] {
     dontstartproxy.set_checked(true);
     store_start_switch();
@@ -43,6 +52,9 @@ ServiceControlPage::ServiceControlPage(Console& console)
   bind_text(listenip, "listenip");
   bind_text(Text2, "listenport");
   bind_text(Text3, "forwardport");
+  Text1.set_expects(expects::host);
+  listenip.set_expects(expects::ip_number);
+  for (TextField* port : {&Text2, &Text3}) port->set_expects(expects::port);
 
   Command1.set_primary();
   stopservice.set_destroys(loss::service);
@@ -109,12 +121,16 @@ void ServiceControlPage::save() {
   if (forward_port) execute("DELETE FROM konf where ID='forwardport'");
   if (listen_port && !Text2.text().empty()) store_number<std::int32_t>("listenport", Text2.text());
   if (forward_port && !Text3.text().empty()) store_number<std::int32_t>("forwardport", Text3.text());
-  if (forward && listen_port && forward_port) load_fields();
+  if (!forward || !listen_port || !forward_port) return;
+  say(addresses_stored);
+  load_fields();
 }
 
 // The option has the opposite meaning of the box.
 void ServiceControlPage::store_start_switch() {
-  set_option("dontstartproxy", dontstartproxy.checked() ? 0 : 1);
+  const bool on = dontstartproxy.checked();
+  set_option("dontstartproxy", on ? 0 : 1);
+  say_switched(dontstartproxy, on);
 }
 
 void ServiceControlPage::begin(Pending pending, std::string_view name, ServiceCall call) {
@@ -129,6 +145,7 @@ void ServiceControlPage::give_order(std::string_view name, ServiceCall call) {
   const std::string service = settings().product_key();
   order(services_, std::string(name) + " " + service,
         [&](ServiceManager& manager) { (manager.*call)(service); });
+  say(call == &ServiceManager::start ? started : stopped);
 }
 
 // Nothing if the service manager did not answer.

@@ -56,7 +56,7 @@ test('a switch is stored at once, and is there after a reload', async () => {
   const wasOn = await box.isChecked()
   await page.getByText('Require a message identifier').click()
   await console.becomes("select value from konf where ID='checkmid'", wasOn ? '0' : '1')
-  await page.getByRole('region', { name: 'Notices' }).getByText(`Option checkmid set to ${wasOn ? 0 : 1}`).waitFor()
+  await page.getByRole('region', { name: 'Notices' }).getByText(`"Require a message identifier" switched ${wasOn ? 'off' : 'on'}`).waitFor()
   await page.reload()
   await page.getByText('Welcome to Mirvan').waitFor()
   assert.equal(await box.isChecked(), !wasOn)

@@ -2,7 +2,8 @@ import { describe, expect, it } from 'vitest'
 import printable from '../../src/core/text/printable.cpp?raw'
 import { de } from '../src/i18n/de'
 import { en } from '../src/i18n/en'
-import { search } from '../src/model/search'
+import { noticesOf } from '../src/model/notices'
+import { placeOf, search } from '../src/model/search'
 import { summarise } from '../src/model/toast-text'
 import { visibleText } from '../src/model/visible-text'
 
@@ -59,6 +60,34 @@ describe('what a toast says', () => {
     expect(told([...entries.slice(1), entry('component', 'import entry')], 10_000)[0]).toBe(
       'Done: import entry, 9,999 statements run',
     )
+  })
+})
+
+describe('a notice', () => {
+  const message = (entries: ReturnType<typeof entry>[], more = {}) => ({
+    type: 'activity' as const,
+    first: 0,
+    total: entries.length,
+    failed: entries.filter(e => !e.ok).length,
+    entries,
+    ...more,
+  })
+  const version = { ...entry('option', 'set_string version=1.0'), routine: true }
+
+  it('is what the act says, and else sums up what it wrote', () => {
+    const added = entry('sql', 'INSERT 1')
+    const said = [{ text: 'x added to the domain black list', tone: 'good' as const }]
+    expect(noticesOf(message([added, version], { said }), 2)).toEqual({ said, summary: null })
+    // Nothing was written, and nothing failed: it is told all the same.
+    expect(noticesOf(message([], { said }), 0).said).toEqual(said)
+    expect(en.toast(noticesOf(message([added, version]), 2).summary!)).toBe('1 statement run')
+  })
+
+  it('does not come of the showing of a page, unless that failed', () => {
+    expect(noticesOf(message([version]), 1).summary).toBeNull()
+    expect(noticesOf(message([entry('option', 'set_option autoimport=60')], { showing: true }), 1).summary).toBeNull()
+    const failing = { ...version, ok: false, error: 'locked' }
+    expect(noticesOf(message([failing], { showing: true }), 1).summary).toMatchObject({ failed: true, error: 'locked' })
   })
 })
 
@@ -123,6 +152,33 @@ describe('the search', () => {
   it('cares neither for case nor for accents', () => {
     expect(found('STRASSE grosse')).toEqual(['strasse/'])
     expect(found('größe')).toEqual(['strasse/'])
+  })
+
+  it('finds what means the same, phrases too, and what was typed first', () => {
+    const lists = {
+      domains: [
+        { control: 'add1', text: 'Add', frame: 'White list' },
+        { control: 'add2', text: 'Add', frame: 'Black list' },
+        { control: 'say', text: 'Blocked file names' },
+      ],
+    }
+    const pages = [{ name: 'domains', section: 'Settings', group: 'Settings', title: 'Domains' }]
+    const hits = (query: string) => search(query, pages, lists).map(hit => hit.control)
+    for (const query of ['add whitelist', 'add white list', 'allow add', 'weiße Liste add', 'erlauben add']) {
+      expect(hits(query), query).toEqual(['add1'])
+    }
+    for (const query of ['add blacklist', 'black list add', 'Sperrliste add']) expect(hits(query), query).toEqual(['add2'])
+    expect(hits('block')[0]).toBe('say')
+    expect(search('add', pages, lists).map(placeOf)).toEqual(['Domains › White list', 'Domains › Black list'])
+  })
+
+  it('offers commands, and entries of lists behind everything else', () => {
+    const entries = [{ page: 'keywords', control: 'List1', frame: 'Body', text: 'keyword-x.example' }]
+    const commands = [{ name: 'theme-dark', text: 'Appearance: Dark', words: 'theme Farben' }]
+    const hits = search('keyword', pages, captions, { entries, commands })
+    expect(hits.map(hit => hit.kind)).toEqual(['page', 'control', 'control', 'entry'])
+    expect(placeOf(hits[3]!)).toBe('Keywords › Body')
+    expect(search('farben', pages, captions, { commands })[0]).toMatchObject({ kind: 'command', control: 'theme-dark' })
   })
 
   it('lists all pages without words', () => {

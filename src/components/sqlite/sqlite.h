@@ -5,6 +5,7 @@
 
 #include "core/contracts/console_services.h"
 #include "core/contracts/database.h"
+#include "core/contracts/entry_search.h"
 #include "core/contracts/registry.h"
 
 // The database access component and the registry, on SQLite files in the console's folder.
@@ -27,6 +28,9 @@ struct Options {
 // Connections share their file with their record sets, and both may outlive the component. All of them belong
 // to the console's thread; the component must not outlive the console.
 std::shared_ptr<Database> make(ConsoleServices& console, Options options = {});
+
+// The search for entries, over a connection of its own that the console's database component opens.
+std::shared_ptr<EntrySearch> make_entry_search(ConsoleServices& console);
 
 // The registry values, in the file "registry.db" of the console's folder. Any number of processes may use the
 // file at the same time; each operation is atomic, and on the disk when it returns. The file is opened on

@@ -71,6 +71,15 @@ json::array activity_json(const ActivityRecord& activity) {
   return entries;
 }
 
+json::array said_json(const ActivityRecord& activity) {
+  json::array sentences;
+  for (std::uint64_t i = activity.first_said(); i < activity.total_said(); ++i) {
+    const ActivityRecord::Said& said = activity.said(i);
+    sentences.push_back({{"text", valid_utf8(said.text)}, {"tone", name_of(said.tone)}});
+  }
+  return sentences;
+}
+
 void print_items(std::ostream& out, const StringList& items, std::int64_t index) {
   for (std::size_t i = 0; i < items.size() && i < rows_for_people; ++i) {
     const bool chosen = static_cast<std::int64_t>(i) == index;
@@ -167,6 +176,13 @@ void print_control(std::ostream& out, Control& control, const RowWindows& window
   print_rows(out, table_of(control), window == windows.end() ? RowWindow() : window->second);
 }
 
+void print_said(std::ostream& out, const ActivityRecord& activity) {
+  if (activity.total_said() > 0) out << '\n';
+  for (std::uint64_t i = activity.first_said(); i < activity.total_said(); ++i) {
+    out << activity.said(i).text << '\n';
+  }
+}
+
 void print_activity(std::ostream& out, const ActivityRecord& activity) {
   if (activity.total() == 0) return;
   out << "\nActivity\n";
@@ -196,6 +212,7 @@ json::object Report::json(const Form& page, const StepRunner& runner) const {
   result["messages"] = messages_json(runner);
   result["programs"] = programs_json(runner);
   result["opened"] = opened_json(runner);
+  result["said"] = said_json(console_.activity());
   result["activity"] = activity_json(console_.activity());
   return result;
 }
@@ -214,6 +231,7 @@ void Report::print(std::ostream& out, const Form& page, const StepRunner& runner
   for (const StepRunner::Opened& opened : runner.opened()) {
     out << "\nOpened: " << printable(opened.page) << ' ' << printable(opened.query) << '\n';
   }
+  print_said(out, console_.activity());
   print_activity(out, console_.activity());
 }
 

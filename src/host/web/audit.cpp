@@ -37,7 +37,7 @@ std::uint64_t AuditLog::append(const ActivityRecord& record, std::uint64_t from,
   }
   for (; from < record.total(); ++from) {
     const ActivityRecord::Entry entry = record[from];
-    if (!entry.write) continue;
+    if (!entry.write || entry.routine) continue;
     lines += begin_line(entry.time, page);
     lines.append(name_of(entry.kind)).append("\t").append(entry.ok ? "ok" : "failed").append("\t");
     lines += field(entry.public_text);

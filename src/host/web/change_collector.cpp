@@ -67,6 +67,17 @@ std::string_view tone_of(const Control& label) {
   return tones[static_cast<std::size_t>(static_cast<const Label&>(label).tone())];
 }
 
+const Expectation* expectation_of(const Control& control) {
+  if (control.kind() != ControlKind::text_field) return nullptr;
+  const Expectation& expected = static_cast<const TextField&>(control).expects();
+  return expected.kind == Expectation::Kind::anything ? nullptr : &expected;
+}
+
+json::value hint_json(const InputHint& hint) {
+  if (hint.text.empty()) return nullptr;
+  return json::object{{"text", to_json(std::string_view(hint.text))}, {"unfinished", hint.unfinished}};
+}
+
 void add_acts(const ListBox& list, json::object& object) {
   const ListBox::Acts& acts = list.acts();
   if (acts.entry != nullptr) object["entry"] = acts.entry->name();
@@ -176,6 +187,7 @@ json::object ChangeCollector::whole() {
       object[name_of(property)] = property_json(*control, property);
     }
     add_design(*control, labels, object);
+    if (expectation_of(*control) != nullptr) object["hint"] = hint_json(hints_[control] = hint_of(*control));
     controls[control->name()] = std::move(object);
   }
   told_all();
@@ -203,6 +215,11 @@ std::optional<json::object> ChangeCollector::changes() {
   return message;
 }
 
+InputHint ChangeCollector::hint_of(const Control& control) const {
+  const auto& field = static_cast<const TextField&>(control);
+  return input_hint(form_.console(), field.expects(), field.text());
+}
+
 void ChangeCollector::typed(const Control& control, std::string_view text) {
   typed_.insert_or_assign(&control, std::string(text));
 }
@@ -225,6 +242,11 @@ json::object ChangeCollector::changes_of(const Control& control) {
   }
   if (control.revision(Property::tone) > told_) changed["tone"] = tone_of(control);
   if (control.kind() == ControlKind::table) add_table_changes(static_cast<const Table&>(control), changed);
+  if (expectation_of(control) != nullptr && control.revision(Property::text) > told_) {
+    InputHint hint = hint_of(control);
+    if (hint != hints_[&control] || untold_.contains(&control))
+      changed["hint"] = hint_json(hints_[&control] = std::move(hint));
+  }
   return changed;
 }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "core/form.h"
+#include "core/input_hint.h"
 #include "core/table.h"
 
 namespace zrl::web {
@@ -38,6 +39,7 @@ class ChangeCollector {
   bool is_news(const Control& control, Property property) const;
   boost::json::object changes_of(const Control& control);
   void add_table_changes(const Table& table, boost::json::object& changed) const;
+  InputHint hint_of(const Control& control) const;
   void told_all();
 
   Form& form_;
@@ -46,6 +48,7 @@ class ChangeCollector {
   Revision told_ = 0;
   std::map<const Control*, std::string> typed_;
   std::set<const Control*> untold_;
+  std::map<const Control*, InputHint> hints_;  // as they were sent
 };
 
 }  // namespace zrl::web

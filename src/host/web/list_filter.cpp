@@ -1,65 +1,12 @@
 #include "host/web/list_filter.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
+#include "core/text/folded_search.h"
 #include "core/text/text.h"
 
 namespace zrl::web {
-
-namespace {
-
-constexpr std::array<unsigned char, 256> make_folding() {
-  std::array<unsigned char, 256> table{};
-  for (unsigned i = 0; i < table.size(); ++i) {
-    table[i] = static_cast<unsigned char>(i >= 'A' && i <= 'Z' ? i + ('a' - 'A') : i);
-  }
-  return table;
-}
-
-constexpr std::array<unsigned char, 256> folding = make_folding();
-
-unsigned char folded(char c) {
-  return folding[static_cast<unsigned char>(c)];
-}
-
-// Looks for a text at falling cost the longer it is: a window that does not match is left behind
-// by as many bytes as its last byte allows.
-class Search {
- public:
-  explicit Search(std::string_view text) : text_(lower(text)) {
-    skips_.fill(text_.size());
-    for (std::size_t i = 0; i + 1 < text_.size(); ++i) skips_[folded(text_[i])] = text_.size() - 1 - i;
-  }
-
-  std::size_t length() const { return text_.size(); }
-
-  // The place of the first match from `at` on, or npos.
-  std::size_t find(std::string_view bytes, std::size_t at) const {
-    const std::size_t last = text_.size() - 1;
-    const auto wanted = static_cast<unsigned char>(text_[last]);
-    while (at + last < bytes.size()) {
-      const unsigned char found = folded(bytes[at + last]);
-      if (found == wanted && matches(bytes.data() + at)) return at;
-      at += skips_[found];
-    }
-    return std::string_view::npos;
-  }
-
- private:
-  bool matches(const char* bytes) const {
-    for (std::size_t i = 0; i + 1 < text_.size(); ++i) {
-      if (folded(bytes[i]) != static_cast<unsigned char>(text_[i])) return false;
-    }
-    return true;
-  }
-
-  std::string text_;
-  std::array<std::size_t, 256> skips_;
-};
-
-}  // namespace
 
 std::vector<std::uint32_t> matching_rows(const StringList& rows, std::string_view filter) {
   std::vector<std::uint32_t> found;
@@ -67,7 +14,7 @@ std::vector<std::uint32_t> matching_rows(const StringList& rows, std::string_vie
   const std::string_view last_row = rows[rows.size() - 1];
   const char* const begin = rows[0].data();
   const std::string_view bytes(begin, static_cast<std::size_t>(last_row.data() + last_row.size() - begin));
-  const Search search(filter);
+  const FoldedSearch search(filter);
   std::size_t row = 0;
   for (std::size_t at = search.find(bytes, 0); at != bytes.npos;) {
     const auto end_of_row = [&] {
@@ -87,10 +34,9 @@ std::vector<std::uint32_t> matching_rows(const StringList& rows, std::string_vie
 
 std::optional<std::uint64_t> row_with(const StringList& rows, std::string_view text) {
   text = trim(text);
-  const auto same = [](char a, char b) { return folded(a) == folded(b); };
   for (std::size_t i = rows.size(); i > 0; --i) {
     const std::string_view row = trim(rows[i - 1]);
-    if (row.size() == text.size() && std::equal(row.begin(), row.end(), text.begin(), same)) return i - 1;
+    if (equals_ignoring_case(row, text)) return i - 1;
   }
   return {};
 }

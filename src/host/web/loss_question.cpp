@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "core/form.h"
+#include "core/text/grouped_number.h"
 
 namespace zrl::web {
 
@@ -39,12 +40,6 @@ std::string_view name_of(const ListBox& list) {
 }
 
 }  // namespace
-
-std::string grouped(std::uint64_t number, bool german) {
-  std::string digits = std::to_string(number);
-  for (std::size_t end = digits.size(); end > 3; end -= 3) digits.insert(end - 3, 1, german ? '.' : ',');
-  return digits;
-}
 
 std::optional<MessageBox> question_before_click(Console& console, Button& button) {
   if (button.destroys() == nullptr) return {};

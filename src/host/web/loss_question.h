@@ -16,7 +16,4 @@ std::optional<MessageBox> question_before_click(Console& console, Button& button
 // The same before this number of entries is removed from a list.
 std::optional<MessageBox> question_before_removal(Console& console, const ListBox& list, std::uint64_t count);
 
-// With the separators of the console's languages: 1234 is "1,234", in German "1.234".
-std::string grouped(std::uint64_t number, bool german);
-
 }  // namespace zrl::web

@@ -17,7 +17,7 @@ using Act = BrowserMessage::Act;
 constexpr std::size_t max_depth = 8;
 constexpr std::int64_t longest_side = 1000;  // of a terminal
 
-constexpr std::array<std::pair<std::string_view, Type>, 13> types = {{{"open", Type::open},
+constexpr std::array<std::pair<std::string_view, Type>, 15> types = {{{"open", Type::open},
                                                                       {"event", Type::event},
                                                                       {"close", Type::close},
                                                                       {"answer", Type::answer},
@@ -25,6 +25,8 @@ constexpr std::array<std::pair<std::string_view, Type>, 13> types = {{{"open", T
                                                                       {"cells", Type::cells},
                                                                       {"record", Type::record},
                                                                       {"captions", Type::captions},
+                                                                      {"find", Type::find},
+                                                                      {"language", Type::language},
                                                                       {"input", Type::input},
                                                                       {"resize", Type::resize},
                                                                       {"taken", Type::taken},
@@ -145,6 +147,18 @@ void read_window(const json::object& object, BrowserMessage& message) {
   message.count = count_of(object, "count");
 }
 
+void read_search(const json::object& object, BrowserMessage& message) {
+  constexpr std::size_t longest = 256;
+  message.request = count_of(object, "request");
+  message.text = text_of(object, "text");
+  if (message.text.size() > longest) throw BadMember("text", "of 256 bytes at most");
+  const json::value* from = object.if_contains("from");
+  if (from == nullptr || from->is_null()) return;
+  if (!from->is_object()) throw BadMember("from", "a place");
+  message.from =
+      EntrySearch::Place{count_of(from->get_object(), "list"), number_of(from->get_object(), "row")};
+}
+
 std::uint16_t side_of(const json::object& object, std::string_view name) {
   const std::int64_t number = number_of(object, name);
   if (number < 1 || number > longest_side) throw BadMember(name, "a number from 1 to 1000");
@@ -185,6 +199,14 @@ BrowserMessage read(const json::object& object) {
       break;
     case Type::record:
       read_window(object, message);
+      break;
+    case Type::find:
+      read_search(object, message);
+      break;
+    case Type::language:
+      message.text = text_of(object, "language");
+      if (message.text != "english" && message.text != "german")
+        throw BadMember("language", "one that is known");
       break;
     case Type::input:
       message.id = count_of(object, "id");

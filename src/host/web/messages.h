@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "core/contracts/entry_search.h"
 #include "core/text/string_list.h"
 #include "host/web/list_order.h"
 
@@ -27,6 +28,8 @@ struct BrowserMessage {
     cells,
     record,
     captions,
+    find,  // entries of lists
+    language,
     input,  // these and the next are about a terminal
     resize,
     taken,
@@ -45,7 +48,7 @@ struct BrowserMessage {
   Type type{};
   Act act{};
   std::uint64_t seq = 0;      // of open, event, close
-  std::uint64_t request = 0;  // of rows, cells, record
+  std::uint64_t request = 0;  // of rows, cells, record, find
   std::uint64_t id = 0;       // of answer, and of a terminal
   std::uint64_t start = 0;
   std::uint64_t count = 0;
@@ -56,8 +59,9 @@ struct BrowserMessage {
   std::string form;
   std::string control;
   std::string page;
-  std::string query;  // of open
-  std::string text;   // what was typed, the filter, or the order of a table
+  std::string query;                       // of open
+  std::string text;                        // the language, what was typed, the filter or order, or what is sought
+  std::optional<EntrySearch::Place> from;  // of find: where it goes on
   ListOrder order = ListOrder::added;
   std::optional<std::uint64_t> sought;     // of rows: the index of a row whose place is asked for,
   std::optional<std::string> sought_text;  // or its text; of cells: its key
@@ -70,9 +74,11 @@ struct BrowserMessage {
   // Whether a person did something; browsers ask for rows by themselves whenever a list changes.
   bool is_by_person() const {
     return has_seq() || type == Type::answer || type == Type::input || type == Type::end ||
-           type == Type::active;
+           type == Type::active || type == Type::find;
   }
-  bool has_seq() const { return type == Type::open || type == Type::event || type == Type::close; }
+  bool has_seq() const {
+    return type == Type::open || type == Type::event || type == Type::close || type == Type::language;
+  }
 };
 
 // Why a message was not understood, with its number where that could be read.

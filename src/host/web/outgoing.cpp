@@ -50,9 +50,19 @@ json::array entries_json(const ActivityRecord& record, std::uint64_t from, std::
                       {"ok", entry.ok},
                       {"error", valid_part(entry.error, longest_entry)}};
     if (entry.expected) told["expected"] = true;
+    if (entry.routine) told["routine"] = true;
     entries.push_back(std::move(told));
   }
   return entries;
+}
+
+json::array said_json(const ActivityRecord& record, std::uint64_t from) {
+  json::array sentences;
+  for (from = std::max(from, record.first_said()); from < record.total_said(); ++from) {
+    const ActivityRecord::Said& said = record.said(from);
+    sentences.push_back(json::object{{"text", valid(said.text)}, {"tone", name_of(said.tone)}});
+  }
+  return sentences;
 }
 
 void add_captions(Console& console, const Form& form, json::array& captions) {
@@ -62,7 +72,11 @@ void add_captions(Console& console, const Form& form, json::array& captions) {
       const auto text = std::get<std::string_view>(control->get(property));
       if (text.empty()) continue;
       const std::string shown = console.localisation().translate(text);
-      captions.push_back(json::object{{"control", control->name()}, {"text", valid(shown)}});
+      json::object caption{{"control", control->name()}, {"text", valid(shown)}};
+      if (const Frame* frame = control->container(); frame != nullptr && frame->caption() != text) {
+        caption["frame"] = valid(console.localisation().translate(frame->caption()));
+      }
+      captions.push_back(std::move(caption));
     }
   }
 }
@@ -184,16 +198,17 @@ std::string busy_message(bool on, std::string_view text, std::uint64_t done, std
       json::object{{"type", "busy"}, {"on", on}, {"text", valid(text)}, {"done", done}, {"total", total}});
 }
 
-std::string activity_message(const ActivityRecord& record, std::uint64_t from, std::uint64_t failed,
-                             std::string_view page, bool showing) {
+std::string activity_message(const ActivityRecord& record, const Reported& reported, std::string_view page,
+                             bool showing) {
   const std::uint64_t total = record.total();
   const std::uint64_t newest = total - std::min(total, entries_an_action);
-  from = std::max({from, newest, record.first()});
+  const std::uint64_t from = std::max({reported.entries, newest, record.first()});
   return json::serialize(json::object{{"type", "activity"},
                                       {"first", from},
                                       {"total", total},
-                                      {"failed", failed},
+                                      {"failed", record.failures() - reported.failures},
                                       {"entries", entries_json(record, from, total)},
+                                      {"said", said_json(record, reported.said)},
                                       {"page", page},
                                       {"showing", showing}});
 }
@@ -271,6 +286,16 @@ std::string error_message(const MessageNumber& number, std::string_view code, st
   if (number.seq) message["seq"] = *number.seq;
   if (number.request) message["request"] = *number.request;
   return json::serialize(message);
+}
+
+std::string unfit_message(std::uint64_t seq, std::string_view form, std::string_view control,
+                          std::string_view text) {
+  return json::serialize(json::object{{"type", "error"},
+                                      {"seq", seq},
+                                      {"code", "unfit"},
+                                      {"text", valid(text)},
+                                      {"form", form},
+                                      {"control", control}});
 }
 
 }  // namespace zrl::web

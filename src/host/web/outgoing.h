@@ -49,10 +49,16 @@ std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64
 std::string box_message(std::uint64_t id, const MessageBox& box);
 std::string unbox_message(std::uint64_t id);
 std::string busy_message(bool on, std::string_view text, std::uint64_t done, std::uint64_t total);
-// The newest entries from number `from` on, `failed` of which are failures; `showing` if they come
-// of showing the page.
-std::string activity_message(const ActivityRecord& record, std::uint64_t from, std::uint64_t failed,
-                             std::string_view page, bool showing);
+// How much of the activity record has been told.
+struct Reported {
+  std::uint64_t entries = 0;
+  std::uint64_t failures = 0;
+  std::uint64_t said = 0;
+};
+// The newest of the entries that have not been told, and the sentences; `showing` if they come of showing the
+// page.
+std::string activity_message(const ActivityRecord& record, const Reported& reported, std::string_view page,
+                             bool showing);
 std::string record_message(const ActivityRecord& record, std::uint64_t request, WindowOf window);
 std::string captions_message(Console& console, std::span<const PageEntry> pages);
 // `fresh` if it has just been started.
@@ -67,5 +73,7 @@ std::string file_message(const Offer& offer, bool awaited);
 std::string files_message(const std::vector<Offer>& offers);
 std::string done_message(std::uint64_t seq);
 std::string error_message(const MessageNumber& number, std::string_view code, std::string_view text);
+std::string unfit_message(std::uint64_t seq, std::string_view form, std::string_view control,
+                          std::string_view text);
 
 }  // namespace zrl::web

@@ -23,7 +23,8 @@ Reporter::Reporter(SessionOutput& output, FormStack& forms, std::shared_ptr<Audi
 
 void Reporter::watch(Console& console) {
   console_ = &console;
-  reported_ = reported_failures_ = audited_ = 0;
+  reported_ = {};
+  audited_ = 0;
 }
 
 void Reporter::connected(std::uint64_t connection) {
@@ -111,11 +112,9 @@ void Reporter::record(const BrowserMessage& asked) {
 void Reporter::action() {
   forms();
   const ActivityRecord& record = console_->activity();
-  if (record.total() > reported_) {
-    send(activity_message(record, reported_, record.failures() - reported_failures_, forms_.page_name(),
-                          showing_));
-    reported_ = record.total();
-    reported_failures_ = record.failures();
+  if (record.total() > reported_.entries || record.total_said() > reported_.said) {
+    send(activity_message(record, reported_, forms_.page_name(), showing_));
+    reported_ = {record.total(), record.failures(), record.total_said()};
   }
   audit();
 }

@@ -38,6 +38,10 @@ class Reporter {
 
   void send(std::string message) { output_.send(connection_, std::move(message)); }
   void refuse(const MessageNumber& number, std::string_view code, std::string_view text);
+  // Refuses a click because of what stands in this field of the form.
+  void unfit(std::uint64_t seq, std::string_view form, std::string_view field, std::string_view hint) {
+    send(unfit_message(seq, form, field, hint));
+  }
   // Refuses the message; a browser that sends too many such is cut off.
   void malformed(const Malformed& problem);
 
@@ -85,8 +89,7 @@ class Reporter {
   std::uint64_t newest_event_ = 0;
   int malformed_ = 0;
 
-  std::uint64_t reported_ = 0;  // entries of the activity record
-  std::uint64_t reported_failures_ = 0;
+  Reported reported_;
   std::uint64_t audited_ = 0;
   bool showing_ = false;
   Clock::time_point forms_sent_{};

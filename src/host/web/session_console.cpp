@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/contracts/registry.h"
+#include "core/input_hint.h"
 #include "core/table.h"
 #include "core/text/error.h"
 #include "core/text/paths.h"
@@ -55,6 +56,7 @@ void SessionConsole::run() {
   start_console();
   turns_.run();
   leave_page();
+  entries_.reset();
   console_.reset();
 }
 
@@ -62,6 +64,7 @@ void SessionConsole::start_console() {
   console_ = std::make_unique<Console>(settings_.folder, *this);
   if (settings_.register_components) settings_.register_components(*console_);
   language_at_start_ = language_setting(*console_);
+  entries_ = std::make_unique<EntryFinder>(*console_, settings_.pages);
   reporter_.watch(*console_);
   captions_.clear();
   const std::string language = console_->localisation().current_language();
@@ -220,6 +223,9 @@ void SessionConsole::accept(BrowserMessage message) {
     case Type::record:
       reporter_.record(message);
       return;
+    case Type::find:
+      reporter_.send(entries_->message(message.request, message.text, message.from));
+      return;
     case Type::active:
       return;
     case Type::input:
@@ -273,6 +279,9 @@ void SessionConsole::handle(const BrowserMessage& message) {
     case Type::open:
       change_page(message);
       break;
+    case Type::language:
+      choose_language(message);
+      break;
     case Type::captions:
       if (captions_.empty()) captions_ = captions_message(*console_, settings_.pages);
       reporter_.send(captions_);
@@ -311,6 +320,17 @@ void SessionConsole::handle_event(const BrowserMessage& message) {
     refuse(no_audit, why_no_audit);
     return;
   }
+  if (message.act == Act::click && control->kind() == ControlKind::button && control->usable()) {
+    // The page would put its complaint in the place of what the person typed.
+    const Button::Taken& taken = static_cast<Button*>(control)->takes();
+    const InputHint hint =
+        taken.field == nullptr ? InputHint() : input_hint(*console_, taken.text, taken.field->text());
+    if (!hint.text.empty()) {
+      reporter_.forms();
+      reporter_.unfit(message.seq, shown->id, taken.field->name(), hint.text);
+      return;
+    }
+  }
   const std::uint64_t connection = reporter_.connection();
   try {
     run_action([&] { act_on(shown, *control, message); });
@@ -319,6 +339,19 @@ void SessionConsole::handle_event(const BrowserMessage& message) {
     return;
   }
   output_.send(connection, done_message(message.seq));
+}
+
+void SessionConsole::choose_language(const BrowserMessage& message) {
+  const std::uint64_t connection = reporter_.connection();
+  const std::uint64_t steps_before = console_->activity().total();
+  reporter_.event_began(message.seq);
+  if (!reporter_.permits_actions()) {
+    reporter_.refuse({.seq = message.seq}, no_audit, why_no_audit);
+    return;
+  }
+  run_action([&] { console_->localisation().store_language(message.text); });
+  output_.send(connection, done_message(message.seq));
+  follow_language(steps_before);
 }
 
 // Only what is recorded can have changed a setting. While a dialog is open, or a handler around this one
@@ -337,6 +370,7 @@ void SessionConsole::follow_language(std::uint64_t steps_before) {
 
 void SessionConsole::renew_console(std::string_view page) {
   if (language_setting(*console_) == language_at_start_) return;
+  entries_.reset();
   console_.reset();
   start_console();
   reporter_.send(hello_message(*console_, account_, settings_.pages, page, {}));

@@ -13,6 +13,7 @@
 #include "catalogue/catalogue.h"
 #include "core/console.h"
 #include "core/contracts/host.h"
+#include "host/web/entry_finder.h"
 #include "host/web/form_stack.h"
 #include "host/web/inbox.h"
 #include "host/web/messages.h"
@@ -88,6 +89,7 @@ class SessionConsole : public Host, private TurnHandler {
                      const BrowserMessage& message);
   void close_dialog(const BrowserMessage& message);
   void change_page(const BrowserMessage& message);
+  void choose_language(const BrowserMessage& message);
   // An event may have chosen another language: the page is shown anew in it.
   void follow_language(std::uint64_t steps_before);
   // A new console, in the language that is set now, if that is another one.
@@ -106,6 +108,7 @@ class SessionConsole : public Host, private TurnHandler {
   SessionOutput& output_;
 
   std::unique_ptr<Console> console_;
+  std::unique_ptr<EntryFinder> entries_;
   FormStack forms_;
   Reporter reporter_;
   Terminals terminals_;

@@ -28,6 +28,8 @@ BlockListPage::BlockListPage(Console& console) : ListPage(console, "rblists", "D
 
   List1.set_acts({&Text1, &wbladd, &wblremove});
   List2.set_acts({&Text1, &rbladd, &rblremove});
+  Text1.set_expects(expects::domain);
+  Text2.set_expects(expects::domain_or_ip_number);
 
   set_layout(column({
       Text1,
@@ -79,6 +81,11 @@ void BlockListPage::test() {
     Label3.set_caption(text + translate(" could not be looked up: no RBL/RWL Server answered"));
   } else {
     Label3.set_caption(text + verdict(listing, zone));
+  }
+  if (answered) {
+    say_done("%1", {Label3.caption()});
+  } else {
+    say_failed("%1 could not be looked up", {text});
   }
 }
 

@@ -50,6 +50,12 @@ DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domain
   List1.set_acts({&Text1, &Command1, &Command2});
   List2.set_acts({&Text1, &Command3, &Command4});
   Command5.set_needs({&Text1, &mxip});
+  Text1.set_expects(expects::domain);
+  mxip.set_expects(expects::host);
+  for (Button* act : {&blip, &wlip}) {
+    act->set_needs({&mxip});
+    act->set_takes(mxip, expects::ip_number);
+  }
 
   set_layout(column({
       list_head(Text1, {refrall, remote}),
@@ -84,20 +90,33 @@ void DomainPage::find_exchanger_address() {
     if (Text1.text() != asked) mxip.set_text(find_mail_exchanger(Text1.text()));
   }
   if (!mxip.text().empty()) mxip.set_text(address_of(mxip.text()));
+  say_exchanger(mxip.text());
 }
 
 void DomainPage::find_exchanger_name() {
   const StringList exchangers = mail_exchangers(Text1.text());
   if (!exchangers.empty()) mxip.set_text(exchangers[exchangers.size() - 1]);
+  say_exchanger(exchangers.empty() ? std::string() : mxip.text());
+}
+
+void DomainPage::say_exchanger(const std::string& found) {
+  if (found.empty()) {
+    say_failed("No mail exchanger found for %1", {Text1.text()});
+  } else {
+    say_done("The mail exchanger of %1 is %2", {Text1.text(), found});
+  }
 }
 
 void DomainPage::list_address(bool black) {
   if (!is_ip_address(mxip.text())) {
+    say_nothing(said::no_ip_number, {mxip.text()});
     mxip.set_text(translate(not_an_ip_number));
   } else if (black) {
     add_to_blackhost(mxip.text());
+    say_added(mxip.text(), list::black_addresses);
   } else {
     add_to_whitehost(mxip.text());
+    say_added(mxip.text(), list::white_addresses);
   }
 }
 
@@ -105,8 +124,10 @@ void DomainPage::connect_by_telnet() {
   const std::string target = is_ip_address(mxip.text()) ? mxip.text() : Text1.text();
   if (target.empty()) {
     Command5.set_enabled(false);
+    say_nothing(said::needs_text);
   } else {
     run_program("telnet.exe", {target, "25"});
+    say(said::program_started, {target});
   }
 }
 

@@ -69,6 +69,7 @@ class DomainPage : public ListPage {
 
   void find_exchanger_address();
   void find_exchanger_name();
+  void say_exchanger(const std::string& found);
   void list_address(bool black);
   void connect_by_telnet();
 };

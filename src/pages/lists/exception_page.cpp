@@ -13,6 +13,7 @@ ExceptionPage::ExceptionPage(Console& console) : ListPage(console, "exceptions",
 
   exceptdomains.set_acts({&Text1, &addex, &removeex});
   exceptmails.set_acts({&Text1, &addex, &removeex});
+  Text1.set_expects(expects::domain_or_mail);
 
   set_layout(column({
       list_head(row({grow(Text1), addex, removeex}), {Command1}),

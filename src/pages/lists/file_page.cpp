@@ -22,6 +22,7 @@ FilePage::FilePage(Console& console) : ListPage(console, "filescanner", "Attachm
 
   files.set_acts({&Text1, &addfiles, &deleteit});
   extension.set_acts({&Text1, &addextension, &deleteit});
+  Text1.set_expects(expects::file_name);
 
   set_layout(column({
       list_head(row({grow(Text1), deleteit}), {freshit, remoteupdate}),

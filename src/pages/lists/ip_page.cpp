@@ -35,6 +35,10 @@ IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
 
   whitel.set_acts({&ip, &Command1, &Command2});
   blackl.set_acts({&ip, &Command3, &Command2});
+  ip.set_expects(expects::ip_number);
+  domain.set_expects(expects::domain);
+  rlookup.set_needs({&ip});
+  for (Button* act : {&Command1, &Command2, &Command3, &rlookup}) act->set_takes(ip, expects::ip_number);
 
   set_layout(column({
       list_head(row({grow(ip), Command2}), {refrall, remote}),
@@ -64,22 +68,31 @@ void IpPage::show_change(const EntryChange& change) {
 // Black-listing from headers and blocking reports exclude each other; switching one off does not
 // change the other.
 void IpPage::click_autobl() {
+  const bool on = autobl.checked();
   set_option("autoBLheader", autobl.value());
   if (autobl.checked()) set_option("blockndr", 0);
+  say_switched(autobl, on);
 }
 
 void IpPage::find_host_name() {
-  if (!is_ip_address(ip.text())) return;
-  if (const auto name = host_name_of(dns_, ip.text())) domain.set_text(*name);
+  const std::string address = ip.text();
+  if (!is_ip_address(address)) return say_nothing(said::no_ip_number, {address});
+  const auto name = host_name_of(dns_, address);
+  if (name) domain.set_text(*name);
+  if (name) return say_done(said::host_found, {address, *name});
+  say_failed(said::host_not_found, {address});
 }
 
 // The text is not escaped and no flag is raised here, unlike on the page of the domain lists.
 void IpPage::list_domain(const ListTable& own, const ListTable& other) {
-  if (domain.text().find('.') == std::string::npos) return;
+  if (domain.text().find('.') == std::string::npos) {
+    return say_nothing("Nothing stored: %1 is no domain", {domain.text()});
+  }
   const std::string entry(trim(domain.text()));
-  run_entry_steps(
+  const bool stored = run_entry_steps(
       *this, std::array{take_off(own), take_off_any(own), take_off(other), take_off_any(other), put_on(own)},
       entry);
+  say_added(entry, own, stored);
   domain.set_text("");
 }
 

@@ -23,12 +23,19 @@ KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keyw
       {checkshortsubject, "checkshortsubject"},
   });
   Check1.on_click = [this] { click_subject_check(); };
-  subjectspace.on_click = [this] { set_option("subjectspace", subjectspace.checked() ? many_blanks : 0); };
+  subjectspace.on_click = [this] {
+    const bool on = subjectspace.checked();
+    set_option("subjectspace", on ? many_blanks : 0);
+    say_switched(subjectspace, on);
+  };
   when_not_stored("subjectspace", [this] { load_subjectspace(); });
   when_not_stored("checksubject", [this] { Check3.set_enabled(Check1.checked()); });
   checkheader.on_click = [this] {
-    const bool stored = settings().regwrite_string(header_check_path(), checkheader.checked() ? "1" : "0");
-    if (!stored) load_registry_switch(checkheader, header_check_path());
+    const bool on = checkheader.checked();
+    const bool stored = settings().regwrite_string(header_check_path(), on ? "1" : "0");
+    if (stored) return say_switched(checkheader, on);
+    say_failed(on ? said::switched_on.failed : said::switched_off.failed, {checkheader.caption()});
+    load_registry_switch(checkheader, header_check_path());
   };
   bind_transfer(Command5, subjects_);
   bind_transfer(Command6, bodies_);
@@ -45,6 +52,7 @@ KeywordPage::KeywordPage(Console& console) : ListPage(console, "keywords", "Keyw
   List1.set_acts({&Text1, &Command1, &Command3});
   List2.set_acts({&Text1, &Command2, &Command4});
   List3.set_acts({&Text1, &Command7, &Command8});
+  Text1.set_expects(expects::keyword);
 
   set_layout(column({
       list_head(Text1, {remote}),
@@ -80,7 +88,9 @@ void KeywordPage::load_subjectspace() {
 }
 
 void KeywordPage::click_subject_check() {
+  const bool on = Check1.checked();
   set_option("checksubject", Check1.value());
+  say_switched(Check1, on);
   follow_subject_check();
 }
 
@@ -102,7 +112,8 @@ void KeywordPage::add(const List& list) {
 
 // Unlike the others, this one does nothing at all while the field is empty.
 void KeywordPage::add_subject_keyword() {
-  if (!Text1.text().empty()) add(subjects_);
+  if (Text1.text().empty()) return say_nothing(said::no_entry_to_add);
+  add(subjects_);
 }
 
 void KeywordPage::remove(const List& list) {

@@ -27,10 +27,11 @@ class ListPage : public Page {
   using Page::Page;
 
   void look_for_changes() override;
+  std::vector<ListPlace> list_places() const override;
 
  protected:
   // Which entries of its table a list box shows: all, or only those without or with an "@".
-  enum class Entries : std::uint8_t { all, without_at, with_at };
+  using Entries = EntrySearch::Entries;
 
   // A list of the page: what its box shows, and what belongs to it. The texts are literals.
   struct List {
@@ -63,7 +64,7 @@ class ListPage : public Page {
   // Raises the list's flags, which makes the proxy read the list again.
   void raise_flags(const List& list);
 
-  // add_entry() and remove_entry() of core/list_changes.h.
+  // add_entry() and remove_entry() of core/list_changes.h; both say what became of the entry.
   EntryChange add_to(const List& list, std::string_view text);
   EntryChange remove_from(const List& list, std::string_view text);
 

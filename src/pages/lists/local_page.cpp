@@ -17,6 +17,7 @@ LocalPage::LocalPage(Console& console) : ListPage(console, "localstuff", "Local 
 
   List1.set_acts({&Text1, &Command1, &Command2});
   List2.set_acts({&Text1, &Command1, &Command2});
+  Text1.set_expects(expects::domain_or_ip_number);
 
   set_layout(column({
       list_head(row({grow(Text1), Command1, Command2}), {Command3}),
@@ -37,7 +38,7 @@ void LocalPage::add_text() {
 }
 
 void LocalPage::remove_text() {
-  if (trim(Text1.text()).empty()) return;
+  if (trim(Text1.text()).empty()) return say_nothing(said::no_entry_to_remove);
   remove_from(domains_, Text1.text());
   fill_lists();
 }

@@ -13,6 +13,8 @@ bool has_at(std::string_view text) {
   return text.find('@') != text.npos;
 }
 
+constexpr Sentence users_imported{"Users taken from the directory", "Users not taken from the directory"};
+
 }  // namespace
 
 LocalUserPage::LocalUserPage(Console& console) : ListPage(console, "localuser", "Local users") {
@@ -28,6 +30,7 @@ LocalUserPage::LocalUserPage(Console& console) : ListPage(console, "localuser", 
   bind_busy(importat, &LocalUserPage::import_users);
 
   List1.set_acts({&uemail, &adduser, &removeuser});
+  uemail.set_expects(expects::mail_address);
 
   set_layout(column({
       uemail,
@@ -49,26 +52,28 @@ void LocalUserPage::fill_lists() {
 
 void LocalUserPage::add_user() {
   uemail.set_text(lower_unicode(uemail.text()));
-  if (!has_at(uemail.text())) return;
+  if (!has_at(uemail.text())) return say_nothing(said::address_needs_at);
   add_to(users_, uemail.text());
   fill_lists();
 }
 
 void LocalUserPage::remove_user() {
-  if (!has_at(uemail.text())) return;
+  if (!has_at(uemail.text())) return say_nothing("Nothing removed: an address needs an at sign");
   remove_from(users_, uemail.text());
   fill_lists();
 }
 
 void LocalUserPage::import_from_server() {
-  if (Text1.text().empty()) return;
+  if (Text1.text().empty()) return say_nothing(said::needs_text);
   set_string("ldapserver", Text1.text());
   adad();
+  say(users_imported);
   fill_lists();
 }
 
 void LocalUserPage::import_users() {
   adad();
+  say(users_imported);
   raise_flag("reloadblack");
   fill_lists();
 }
@@ -76,10 +81,16 @@ void LocalUserPage::import_users() {
 // Without a directory there is nothing to check against, and the box does not stay ticked.
 void LocalUserPage::click_check_real_ad() {
   std::string root_domain;
-  if (check_real_ad.checked()) root_domain = directory_root();
+  const bool wanted = check_real_ad.checked();
+  if (wanted) root_domain = directory_root();
   check_real_ad.set_checked(!root_domain.empty());
   set_option("check_real_ad", check_real_ad.value());
   if (!root_domain.empty()) run_entry_steps(*this, std::array{put_on(list::local_domains)}, root_domain);
+  if (wanted && root_domain.empty()) {
+    say_failed(said::switched_on.failed, {check_real_ad.caption()});
+  } else {
+    say_switched(check_real_ad, wanted);
+  }
 }
 
 std::string LocalUserPage::directory_root() {

@@ -28,6 +28,7 @@ MailPage::MailPage(Console& console) : ListPage(console, "wbuser", "E-mail addre
 
   whitel.set_acts({&mail, &addwhite, &remove});
   blackl.set_acts({&mail, &addblack, &remove});
+  mail.set_expects(expects::mail_address);
 
   set_layout(column({
       list_head(row({grow(mail), remove}), {remotelist}),

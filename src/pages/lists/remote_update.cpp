@@ -107,18 +107,33 @@ bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& down
   return true;
 }
 
-void merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files) {
+MergedLists merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files) {
+  MergedLists merged;
   std::uint64_t done = 0;
   for (const ListFile& file : files) {
     console.host().show_progress({file.list.table.text(), done++, files.size()});
     const std::string path = (console.folder() / to_file_path(file.file.substr(1))).string();
-    const std::optional<ListFileResult> result = file.operation == ListFile::Operation::import_entries
-                                                     ? client.import_file(file.list, path)
-                                                     : client.delete_file(file.list, path);
+    const bool adds = file.operation == ListFile::Operation::import_entries;
+    const std::optional<ListFileResult> result =
+        adds ? client.import_file(file.list, path) : client.delete_file(file.list, path);
+    if (result) (adds ? merged.added : merged.removed) += result->changed;
+    if (!result) ++merged.failed;
     if (result && result->refused > 0) {
       client.noted(path + ": lines without an entry of the list: " + std::to_string(result->refused));
     }
   }
+  return merged;
+}
+
+void say_merged(const DatabaseClient& client, bool fetched, const MergedLists& merged) {
+  const std::string added = client.number_text(merged.added);
+  const std::string removed = client.number_text(merged.removed);
+  if (!fetched) return client.say_failed("The lists could not be fetched from the server");
+  if (merged.failed == 0) {
+    return client.say_done("Lists updated: %1 entries added, %2 removed", {added, removed});
+  }
+  client.say_failed("Lists updated: %1 entries added, %2 removed, %3 files not read",
+                    {added, removed, client.number_text(merged.failed)});
 }
 
 }  // namespace zrl

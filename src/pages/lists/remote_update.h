@@ -43,9 +43,19 @@ std::vector<PublishedFile> published_list_files();
 // false without a further record, because making it has been recorded already.
 bool fetch_lists(DatabaseClient& client, const std::shared_ptr<Downloader>& downloader, std::string& status);
 
+// Entries that were added and removed, and files that could not be merged.
+struct MergedLists {
+  std::uint64_t added = 0;
+  std::uint64_t removed = 0;
+  std::uint64_t failed = 0;
+};
+
 // Merges the files in their order and shows the progress. A file that is missing or unreadable makes its step
 // fail and leaves its list as it is; the other steps are carried out all the same. Lines without an entry are
 // noted.
-void merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files);
+MergedLists merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files);
+
+// Says in a sentence what came of fetching and merging.
+void say_merged(const DatabaseClient& client, bool fetched, const MergedLists& merged);
 
 }  // namespace zrl

@@ -11,6 +11,9 @@ namespace {
 // Between a word and its replacement in a line of the list.
 constexpr std::string_view separator = " ==>> ";
 
+constexpr Sentence replaced{"%1 is replaced by \"%2\" from now on", "Replacement for %1 not stored"};
+constexpr Sentence kept{"%1 is replaced no more", "Replacement for %1 not removed"};
+
 // The lines of the list. The table may change between the reading of its two columns; a value without
 // a counterpart is left out.
 StringList lines_of(const StringList& words, const StringList& replacements) {
@@ -71,18 +74,24 @@ void ReplacementPage::save_pair() {
     execute("INSERT INTO rwords (orig,repl) values ('" + value(word) + "','" + value(replacement) + "')",
             Failure::expected);
     execute("UPDATE rwords set repl='" + value(replacement) + "' where orig='" + value(word) + "'");
+    say(replaced, {word, replacement});
+  } else {
+    say_nothing("Nothing stored: no word is given");
   }
   fill_lists();
 }
 
 // Words in the table may have blanks around them, which clicking a line removes.
 void ReplacementPage::remove_pair() {
-  if (!Text1.text().empty()) {
+  if (Text1.text().empty()) {
+    say_nothing(said::no_entry_to_remove);
+  } else {
     for (const std::string_view word : {std::string_view(Text1.text()), trim(Text1.text())}) {
       execute(delete_from("rwords", "orig", word));
     }
     execute(delete_from("rwords", "orig", ""));
     execute(delete_from("rwords", "orig", " "));
+    say(kept, {trim(Text1.text())});
   }
   fill_lists();
 }

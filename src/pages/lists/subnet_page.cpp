@@ -16,6 +16,8 @@ SubnetPage::SubnetPage(Console& console) : ListPage(console, "subnets", "Subnets
 
   whitesub.set_acts({&subin, &addwhite, &removeit});
   blacksub.set_acts({&subin, &addblack, &removeit});
+  subin.set_expects(expects::network);
+  for (Button* act : {&addwhite, &addblack}) act->set_takes(subin, expects::network);
 
   set_layout(column({
       row({grow(subin), removeit}),

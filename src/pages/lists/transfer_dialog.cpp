@@ -93,15 +93,27 @@ void TransferDialog::run_action() {
     if (export_.chosen()) done = export_list(path);
     if (import_.chosen()) {
       const auto counts = import_file(list_, path);
-      if (counts) show_result("Added", "there already", *counts);
+      if (counts) {
+        show_result("Added", "there already", *counts);
+        say_counts("Merged into the %1: %2", *counts);
+      }
       done = counts.has_value();
     }
     if (delete_.chosen()) {
       const auto counts = delete_file(list_, path);
-      if (counts) show_result("Removed", {}, *counts);
+      if (counts) {
+        show_result("Removed", {}, *counts);
+        say_counts("Taken off the %1: %2", *counts);
+      }
       done = counts.has_value();
     }
-    if (!done) result.set_caption(translate("The reason stands under \"Activity\""));
+    if (!done) {
+      result.set_caption(translate("The reason stands under \"Activity\""));
+      say_failed(export_.chosen() ? "Nothing written from the %1" : "The %1 has not been changed",
+                 {list_words(list_)});
+    }
+  } else {
+    say_nothing("Nothing done: the path needs a folder and a name");
   }
   File1.refresh();
   action.set_enabled(true);
@@ -110,8 +122,14 @@ void TransferDialog::run_action() {
 bool TransferDialog::export_list(const std::string& path) {
   if (!export_file(list_, path, overwrite.checked())) return false;
   result.set_caption(translate("The file has been written"));
+  say_done("Written from the %1 to %2", {list_words(list_), path});
   console().host().offer_file(path);
   return true;
+}
+
+void TransferDialog::say_counts(std::string_view text, const ListFileResult& counts) {
+  const SentenceTone tone = counts.changed > 0 ? SentenceTone::good : SentenceTone::neutral;
+  console().acts().say(text, tone, {list_words(list_), result.caption()});
 }
 
 // "Added: 3, there already: 1, comments: 2, lines without an entry: 0". A removed entry may have had several

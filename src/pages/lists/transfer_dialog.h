@@ -51,6 +51,7 @@ class TransferDialog : public Form, public DatabaseClient {
   void choose(const OptionButton& option);
   void run_action();
   bool export_list(const std::string& path);
+  void say_counts(std::string_view text, const ListFileResult& counts);
   void show_result(std::string_view changed, std::string_view unchanged, const ListFileResult& counts);
 
   ListTable list_;

@@ -13,6 +13,7 @@ UriListPage::UriListPage(Console& console) : ListPage(console, "surbl", "URI blo
   bind_busy(testit, &UriListPage::test);
 
   List1.set_acts({&Text1, &adduri, &removeuri});
+  Text1.set_expects(expects::domain);
 
   set_layout(column({
       Text1,
@@ -41,11 +42,15 @@ void UriListPage::show_change(const EntryChange& change) {
 // so that it is not mistaken for the new one.
 void UriListPage::test() {
   uriresult.set_caption("");
-  ask(check_, "send to " + std::string(checks::surbl), [this, text = Text2.text()](CheckPlugin& check) {
-    if (check.info() > 0) check.initmodule({});
-    check.send("BODY", "SEND", text);
-    uriresult.set_caption(check.send());
-  });
+  const bool checked =
+      ask(check_, "send to " + std::string(checks::surbl), [this, text = Text2.text()](CheckPlugin& check) {
+        if (check.info() > 0) check.initmodule({});
+        check.send("BODY", "SEND", text);
+        uriresult.set_caption(check.send());
+      });
+  if (!checked) return say_failed("The text was not checked");
+  if (uriresult.caption().empty()) return say_done("No link in the text is listed");
+  say_done("%1", {uriresult.caption()});
 }
 
 }  // namespace zrl

@@ -31,11 +31,15 @@ void ArchiveLists::fill() {
 
 // The second statement is executed for the address lists too, where it matches nothing.
 bool ArchiveLists::remove_entry() {
-  if (entry_.text().empty() || touched_ == nullptr) return false;
+  if (entry_.text().empty() || touched_ == nullptr) {
+    steps_.say_nothing(said::no_entry_to_remove);
+    return false;
+  }
   const std::string entry = entry_.text();
   const auto remove = std::array{take_off(touched_->list)};
   run_entry_steps(steps_, remove, entry);
   if (touched_->second_removal) run_entry_steps(steps_, remove, std::string(any_mailbox) + entry);
+  steps_.say(said::removed, {entry, steps_.list_words(touched_->list)});
   return true;
 }
 

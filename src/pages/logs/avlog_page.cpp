@@ -7,29 +7,53 @@
 
 namespace zrl {
 
+namespace {
+
+constexpr Sentence senders_added{"%1 senders added to the %2", "Senders not added to the %2",
+                                 "1 sender added to the %2"};
+constexpr Sentence senders_removed{"%1 senders removed from both lists", "Senders not removed",
+                                   "1 sender removed from both lists"};
+
+}  // namespace
+
 AvlogPage::AvlogPage(Console& console) : LogPage(console, "avlog", "Attachment log") {
   control14.on_click = [this] { click_row(); };
   from.on_click = [this] { click_sender(); };
   ip.on_click = [this] { Text2.set_text(ip.chosen()); };
 
-  const auto bind_all = [&](Button& button, const std::function<void(std::string_view)>& action) {
-    bind_busy(button, [this, action] {
+  const auto bind_all = [&](Button& button, const ListTable* own,
+                            const std::function<void(std::string_view)>& action) {
+    bind_busy(button, [this, own, action] {
+      const std::size_t senders = from.items().size();
       lowercase_mail_lists();
       for_each_sender(action);
+      if (own == nullptr) return say_counted(senders_removed, senders);
+      say_counted(senders_added, senders, {list_words(*own)});
     });
   };
   const auto bind_one = [&](Button& button, const std::function<void(std::string_view)>& action) {
     bind_busy(button, [this, action] {
       lowercase_mail_lists();
-      if (!Text1.text().empty()) action(Text1.text());
+      if (Text1.text().empty()) return say_nothing(said::needs_text);
+      action(Text1.text());
     });
   };
-  bind_all(Command1, [this](std::string_view v) { list_sender(v, list::black_mails, list::white_mails); });
-  bind_all(Command2, [this](std::string_view v) { list_sender(v, list::white_mails, list::black_mails); });
-  bind_all(Command5, [this](std::string_view v) { unlist_sender(v, list::black_mails, list::white_mails); });
-  bind_one(Command7, [this](std::string_view v) { list_sender(v, list::black_mails, list::white_mails); });
-  bind_one(Command8, [this](std::string_view v) { list_sender(v, list::white_mails, list::black_mails); });
-  bind_one(Command9, [this](std::string_view v) { unlist_sender(v, list::white_mails, list::black_mails); });
+  const auto list_one = [this](std::string_view sender, const ListTable& own, const ListTable& opposite) {
+    list_sender(sender, own, opposite);
+    say_added(lower(trim(sender)), own);
+  };
+  bind_all(Command1, &list::black_mails,
+           [this](std::string_view v) { list_sender(v, list::black_mails, list::white_mails); });
+  bind_all(Command2, &list::white_mails,
+           [this](std::string_view v) { list_sender(v, list::white_mails, list::black_mails); });
+  bind_all(Command5, nullptr,
+           [this](std::string_view v) { unlist_sender(v, list::black_mails, list::white_mails); });
+  bind_one(Command7, [=](std::string_view v) { list_one(v, list::black_mails, list::white_mails); });
+  bind_one(Command8, [=](std::string_view v) { list_one(v, list::white_mails, list::black_mails); });
+  bind_one(Command9, [this](std::string_view v) {
+    unlist_sender(v, list::white_mails, list::black_mails);
+    say(said::removed_from_both, {lower(trim(v))});
+  });
 
   bind_busy(Command3, [this] { list_all_addresses(IpStatus::black); });
   bind_busy(Command4, [this] { list_all_addresses(IpStatus::white); });
@@ -116,26 +140,30 @@ void AvlogPage::list_all_addresses(IpStatus status) {
     set_status("iplog", status, addresses[i]);
     list_address(status, addresses[i]);
   }
+  say_listed(status, addresses.size());
 }
 
 void AvlogPage::list_one_address(IpStatus status) {
   const std::string address = Text2.text();
-  if (address.empty()) return;
+  if (address.empty()) return say_nothing(said::needs_text);
   list_address(status, address);
   set_status("iplog", status, address);
   set_status("predatalog", status, address);
+  say_listed(status, address);
 }
 
 void AvlogPage::clear_sender() {
-  if (from.index() < 0) return;
+  if (from.index() < 0) return say_nothing("Nothing deleted: no sender is chosen");
   delete_rows({"avlog", "predatalog", "subjectlog", "bodylog"}, "mailfrom", lower(trim(from.chosen())));
+  say(said::log_rows_of, {from.chosen()});
   refresh_log();
 }
 
 void AvlogPage::clear_address() {
-  if (ip.index() < 0) return;
+  if (ip.index() < 0) return say_nothing("Nothing deleted: no IP number is chosen");
   delete_rows({"avlog", "iplog", "predatalog", "subjectlog", "bodylog"}, "IPNumber",
               lower(trim(ip.chosen())));
+  say(said::log_rows_of, {ip.chosen()});
   refresh_log();
 }
 

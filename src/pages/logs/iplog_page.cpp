@@ -34,6 +34,9 @@ IplogPage::IplogPage(Console& console) : LogPage(console, "iplog", "IP log") {
   for (Button* act : {&Command1, &Command2, &Command3, &Command7, &delefrom, &reverse})
     act->set_needs({&IPNumber});
   for (Button* act : {&Command4, &Command5, &Command6, &Command8}) act->set_needs({&domain});
+  IPNumber.set_expects(expects::ip_number);
+  domain.set_expects(expects::domain);
+  for (Button* act : {&Command1, &Command2, &Command3}) act->set_takes(IPNumber, expects::ip_number);
 
   set_layout(row({
       grow(frame(Frame1, column({row({ipall, ipneutral, ipblack, ipwhite}), grow(iplist), row({Command9})}))),
@@ -87,8 +90,12 @@ void IplogPage::change_status(IpStatus status) {
     list_address(status, IPNumber.text());
     set_status("iplog", status, IPNumber.text());
     set_status("predatalog", status, IPNumber.text());
+    say_listed(status, IPNumber.text());
   } else if (!IPNumber.text().empty()) {
+    say_nothing(said::no_ip_number, {IPNumber.text()});
     IPNumber.set_text(translate(not_an_ip_number));
+  } else {
+    say_nothing(said::needs_text);
   }
   refresh_log();
 }
@@ -99,18 +106,21 @@ void IplogPage::look_up_host_name() {
 
 void IplogPage::delete_from_logs() {
   delete_rows({"iplog", "predatalog", "subjectlog", "bodylog", "avlog"}, "IPNumber", IPNumber.text());
+  say(said::log_rows_of, {IPNumber.text()});
   refresh_log();
 }
 
 // The table is emptied by statements of two SQL dialects, since a database may accept only one of them: the
 // second is expected to fail here.
 void IplogPage::clear_list() {
+  const std::size_t rows = iplist.items().size();
   if (status_filter_.empty()) {
     execute("DELETE FROM iplog");
     execute("DELETE * FROM iplog", Failure::expected);
   } else {
     execute("DELETE FROM iplog where " + status_filter_);
   }
+  say_counted(said::log_rows, rows);
   refresh_log();
 }
 

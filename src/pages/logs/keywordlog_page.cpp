@@ -18,7 +18,8 @@ KeywordlogPage::KeywordlogPage(Console& console) : LogPage(console, "keywordlog"
   const auto bind = [this](Button& button, TextField& source, const std::function<void()>& action) {
     button.set_needs({&source});
     button.on_click = [this, &button, &source, action] {
-      if (!source.text().empty()) busy(button, action);
+      if (source.text().empty()) return say_nothing(said::needs_text);
+      busy(button, action);
     };
   };
   bind(Command1, keyw, [this] { remove_keyword(); });
@@ -104,6 +105,7 @@ void KeywordlogPage::remove_keyword() {
   lower_case_once(keywords);
   execute(delete_from(log_table(), "keyword", keyword));
   run_entry_steps(*this, std::array{take_off(keywords)}, keyword);
+  say(said::removed, {keyword, list_words(keywords)});
   refresh_log();
 }
 
@@ -111,7 +113,8 @@ void KeywordlogPage::list_sender(const ListTable& own, const ListTable& opposite
   mfrom.set_text(lower(trim(mfrom.text())));
   lower_case_once(own);
   lower_case_once(opposite);
-  run_entry_steps(*this, std::array{put_on(own), take_off(opposite)}, mfrom.text());
+  const bool stored = run_entry_steps(*this, std::array{put_on(own), take_off(opposite)}, mfrom.text());
+  say_added(mfrom.text(), own, stored);
   if (!mfrom.text().empty()) forget_sender();
 }
 
@@ -119,12 +122,15 @@ void KeywordlogPage::list_domain(std::string_view domain, const ListTable& own, 
   const std::string entry(trim(domain));
   lower_case_once(list::black_domains);
   lower_case_once(list::white_domains);
-  run_entry_steps(*this, std::array{take_off(own), take_off(opposite), put_on(own)}, entry);
+  const bool stored =
+      run_entry_steps(*this, std::array{take_off(own), take_off(opposite), put_on(own)}, entry);
+  say_added(entry, own, stored);
   forget_sender();
 }
 
 void KeywordlogPage::list_client(IpStatus status) {
   list_address(status, ip.text());
+  say_listed(status, ip.text());
   set_status("iplog", status, ip.text());
   set_status("predatalog", status, ip.text());
   delete_rows({"subjectlog", "bodylog"}, "IPNumber", lower(ip.text()));
@@ -142,7 +148,7 @@ void KeywordlogPage::forget_sender() {
 
 // Enables the other button; this one stays disabled until the next look-up.
 void KeywordlogPage::whitelist_host() {
-  if (shost.text().empty()) return;
+  if (shost.text().empty()) return say_nothing(said::needs_text);
   Command10.set_enabled(false);
   list_domain(shost.text(), list::white_domains, list::black_domains);
   Command9.set_enabled(true);
@@ -157,13 +163,16 @@ void KeywordlogPage::look_up_host() {
 }
 
 void KeywordlogPage::clear_log() {
+  const std::size_t rows = rows_.size();
   execute(body.chosen() ? Literal("DELETE FROM bodylog") : Literal("DELETE FROM subjectlog"));
+  say_counted(said::log_rows, rows);
   refresh_log();
 }
 
 void KeywordlogPage::telnet() {
   const std::string& target = ip.text().empty() ? shost.text() : ip.text();
-  if (!target.empty()) connect_by_telnet(target);
+  if (target.empty()) return say_nothing(said::needs_text);
+  connect_by_telnet(target);
 }
 
 void KeywordlogPage::lower_case_once(const ListTable& list) {

@@ -27,6 +27,21 @@ void LogPage::list_address(IpStatus status, std::string_view address) {
   }
 }
 
+void LogPage::say_listed(IpStatus status, std::string_view address) {
+  if (status == IpStatus::neutral) return say(said::removed_from_both, {address});
+  say_added(address, status == IpStatus::black ? list::black_addresses : list::white_addresses);
+}
+
+void LogPage::say_listed(IpStatus status, std::size_t addresses) {
+  static constexpr Sentence removed{"%1 IP numbers removed from both lists", "IP numbers not removed",
+                                    "1 IP number removed from both lists"};
+  static constexpr Sentence added{"%1 IP numbers added to the %2", "IP numbers not added to the %2",
+                                  "1 IP number added to the %2"};
+  if (status == IpStatus::neutral) return say_counted(removed, addresses);
+  const ListTable& own = status == IpStatus::black ? list::black_addresses : list::white_addresses;
+  say_counted(added, addresses, {list_words(own)});
+}
+
 void LogPage::delete_rows(std::initializer_list<Literal> tables, Literal column, std::string_view text) {
   for (const Literal table : tables) execute(delete_from(table, column, text));
 }
@@ -57,24 +72,30 @@ std::optional<std::uint64_t> LogPage::count_rows(const Statement& select) {
 
 void LogPage::blacklist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
-  if (entry.empty()) return;
-  run_entry_steps(*this, std::array{take_off(list::white_domains), put_on(list::black_domains)}, entry);
+  if (entry.empty()) return say_nothing(said::no_entry_to_add);
+  const bool stored =
+      run_entry_steps(*this, std::array{take_off(list::white_domains), put_on(list::black_domains)}, entry);
+  say_added(entry, list::black_domains, stored);
 }
 
 void LogPage::whitelist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
-  if (entry.empty()) return;
-  run_entry_steps(*this, std::array{take_off(list::black_domains), put_on(list::white_domains)}, entry);
+  if (entry.empty()) return say_nothing(said::no_entry_to_add);
+  const bool stored =
+      run_entry_steps(*this, std::array{take_off(list::black_domains), put_on(list::white_domains)}, entry);
+  say_added(entry, list::white_domains, stored);
 }
 
 void LogPage::unlist_domain(std::string_view domain) {
   const std::string_view entry = trim(domain);
-  if (entry.empty()) return;
+  if (entry.empty()) return say_nothing(said::no_entry_to_remove);
   run_entry_steps(*this, std::array{take_off(list::white_domains), take_off(list::black_domains)}, entry);
+  say(said::removed_from_both, {entry});
 }
 
 void LogPage::connect_by_telnet(const std::string& target) {
   run_program("telnet.exe", {target, "25"});
+  say(said::program_started, {target});
 }
 
 void LogPage::show_host_name(const Held<DnsClient>& dns, const ListBox& rows,
@@ -82,6 +103,11 @@ void LogPage::show_host_name(const Held<DnsClient>& dns, const ListBox& rows,
   const std::int64_t row = rows.index();
   const std::string asked = address();
   const std::optional<std::string> name = host_name_of(dns, asked);
+  if (name) {
+    say_done(said::host_found, {asked, *name});
+  } else {
+    say_failed(said::host_not_found, {asked});
+  }
   if (name && rows.index() == row && address() == asked) field.set_text(*name);
 }
 

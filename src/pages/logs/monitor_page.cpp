@@ -17,6 +17,8 @@ namespace zrl {
 
 namespace {
 
+constexpr Sentence mail_deleted{"Mail deleted from the archive", "Mail not deleted"};
+
 // The text with "> " before every line.
 std::string quotation_of(std::string_view text) {
   std::string result;
@@ -51,15 +53,15 @@ MonitorPage::MonitorPage(Console& console) : Page(console, "monitor", "Mail arch
     refresh();
     read_counters();
   };
-  bind_action(Command2, subjects, [this] { add_to_swords(msubject.text()); });
-  bind_action(Command3, black_addresses, [this] { add_to_blackhost(sip.text()); });
-  bind_action(Command8, white_addresses, [this] { add_to_whitehost(sip.text()); });
-  bind_action(Command4, black_domains, [this] { add_to_blackdomain(sdom.text()); });
-  bind_action(Command9, black_domains, [this] { add_to_blackdomain(returnaddr.text()); });
-  bind_action(Command7, white_domains, [this] { add_to_whitedomain(sdom.text()); });
-  bind_action(blacklistsender, black_mails,
+  bind_action(Command2, msubject, subjects, [this] { add_to_swords(msubject.text()); });
+  bind_action(Command3, sip, black_addresses, [this] { add_to_blackhost(sip.text()); });
+  bind_action(Command8, sip, white_addresses, [this] { add_to_whitehost(sip.text()); });
+  bind_action(Command4, sdom, black_domains, [this] { add_to_blackdomain(sdom.text()); });
+  bind_action(Command9, returnaddr, black_domains, [this] { add_to_blackdomain(returnaddr.text()); });
+  bind_action(Command7, sdom, white_domains, [this] { add_to_whitedomain(sdom.text()); });
+  bind_action(blacklistsender, sender, black_mails,
               [this] { lists_.list_sender(sender.text(), list::black_mails, list::white_mails); });
-  bind_action(Command10, white_mails,
+  bind_action(Command10, sender, white_mails,
               [this] { lists_.list_sender(sender.text(), list::white_mails, list::black_mails); });
   Command6.on_click = [this] {
     if (lists_.remove_entry()) refresh();
@@ -205,10 +207,11 @@ MonitorPage::Body MonitorPage::body_of(const Mail& parsed) {
   return {console().html_text().html_to_text(parsed.html_body), "HTMLbody"};
 }
 
-void MonitorPage::bind_action(Button& button, const ArchiveLists::Touched& touched,
+void MonitorPage::bind_action(Button& button, const TextField& entry, const ArchiveLists::Touched& touched,
                               const std::function<void()>& operation) {
-  bind_busy(button, [this, &touched, operation] {
+  bind_busy(button, [this, &entry, &touched, operation] {
     operation();
+    say_added(trim(entry.text()), touched.list);
     lists_.touch(touched);
     refresh();
   });
@@ -220,19 +223,20 @@ std::unique_ptr<RecordSet> MonitorPage::open_shown_mail(Connection::Access acces
 
 // The mail that follows moves up to the position, and is shown.
 void MonitorPage::delete_mail() {
-  if (!shown_) return;
+  if (!shown_) return say_nothing("Nothing deleted: no mail is shown");
   const std::string key = std::to_string(*shown_);
   empty_fields();
   const Outcome deleted =
       delete_row("delete from marchive ID " + key, "SELECT * FROM marchive where ID=" + number(key));
   if (!deleted)
     console().host().message_box({translate("Database Problem"), deleted.problem, BoxStyle::plain});
+  say(mail_deleted);
   refresh();
   show_position();
 }
 
 void MonitorPage::save_mail() {
-  if (!shown_) return;
+  if (!shown_) return say_nothing("Nothing exported: no mail is shown");
   const auto record = open_shown_mail(Connection::Access::updatable);
   if (record) export_mail(*record);
 }
@@ -243,20 +247,21 @@ void MonitorPage::export_mail(RecordSet& record) {
   read_rows("marchive", [&] {
     if (!record.at_end() && record.text("mpath").empty()) source = record.bytes("email");
   });
-  if (source.empty()) return;
+  if (source.empty()) return say_nothing("Nothing exported: the mail has no source, or was exported before");
   const auto next_name = [this] {
     constexpr unsigned least = 100'000;
     return std::to_string(least + std::random_device{}() % least) + "." + console().time_stamp() + ".eml";
   };
   const std::string folder = to_product_path(console_folder::archive(console().folder())) + "\\";
   const std::string name = write_new_file(console(), folder, next_name, source);
-  if (name.empty()) return;
+  if (name.empty()) return say_failed("The mail was not exported");
   const std::string path = folder + name;
   const Outcome marked = write_row("update marchive ID " + std::to_string(*shown_) + " mpath " + path, [&] {
     record.set_text("mpath", path);
     record.update();
   });
-  if (!marked || !console().writes().commit()) return;
+  if (!marked || !console().writes().commit()) return say_failed("The mail was not exported");
+  say_done("Mail exported to %1", {path});
   console().host().offer_file(to_file_path(path));
   console().host().message_box(
       {translate("Email Export"), translate("Your Email got exported to ") + path, BoxStyle::plain});

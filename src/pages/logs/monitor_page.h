@@ -115,7 +115,8 @@ class MonitorPage : public Page {
   };
   Body body_of(const Mail& parsed);
 
-  void bind_action(Button& button, const ArchiveLists::Touched& touched,
+  // `entry` is what the operation puts on the list.
+  void bind_action(Button& button, const TextField& entry, const ArchiveLists::Touched& touched,
                    const std::function<void()>& operation);
   void delete_mail();
   std::unique_ptr<RecordSet> open_shown_mail(Connection::Access access);

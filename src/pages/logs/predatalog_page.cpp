@@ -6,6 +6,16 @@
 
 namespace zrl {
 
+namespace {
+
+constexpr Sentence reason_changed{"Status of all rows with the reason \"%1\" changed", "Status not changed"};
+constexpr Sentence view_deleted{"The rows on view deleted from the header log", "Rows not deleted"};
+constexpr Sentence addresses_deleted{"Rows of %1 IP numbers deleted from the logs",
+                                     "Rows not deleted from the logs",
+                                     "Rows of 1 IP number deleted from the logs"};
+
+}  // namespace
+
 PredatalogPage::PredatalogPage(Console& console) : LogPage(console, "predatalog", "Header log") {
   for (OptionButton* option : {&blacklist, &whitelist, &showall}) {
     option->on_click = [this] { choose_view(); };
@@ -34,6 +44,9 @@ PredatalogPage::PredatalogPage(Console& console) : LogPage(console, "predatalog"
   for (Button* act : {&delip, &Command3}) act->set_needs({&IPNumber});
   for (Button* act : {&Command4, &Command5, &Command6}) act->set_needs({&reversedom});
   Command7.set_needs({&IPNumber, &reversedom});
+  IPNumber.set_expects(expects::ip_number);
+  reversedom.set_expects(expects::domain);
+  for (Button* act : {&ipaction, &Command3}) act->set_takes(IPNumber, expects::ip_number);
 
   declare_losses();
   showall.choose();
@@ -162,11 +175,14 @@ void PredatalogPage::change_all() {
     const std::string digit = std::to_string(static_cast<int>(chosen.status));
     execute("UPDATE predatalog set status=" + number(digit) + " where reason='" + value(rtext.text()) + "'");
   }
+  if (!rtext.text().empty()) say(reason_changed, {rtext.text()});
+  const std::size_t addresses = ip.items().size();
   for_each_address([&](std::string_view address) {
     set_status("predatalog", chosen.status, address);
     set_status("iplog", chosen.status, address);
     list_address(chosen.list_for_all, address);
   });
+  if (addresses > 0 || rtext.text().empty()) say_listed(chosen.list_for_all, addresses);
   refresh();
 }
 
@@ -176,8 +192,10 @@ void PredatalogPage::change_address() {
     list_address(view().list_for_one, address);
     set_status("iplog", view().status, address);
     set_status("predatalog", view().status, address);
+    say_listed(view().list_for_one, address);
   } else if (!address.empty()) {
     ipaction.set_enabled(false);
+    say_nothing(said::no_ip_number, {address});
   }
   refresh();
 }
@@ -186,19 +204,26 @@ void PredatalogPage::delete_view() {
   const Literal condition = view().condition;
   execute(condition.empty() ? Statement("DELETE FROM predatalog")
                             : "DELETE FROM predatalog where " + condition);
+  say(view_deleted);
   refresh();
 }
 
 void PredatalogPage::delete_listed() {
+  const std::size_t addresses = ip.items().size();
   for_each_address([&](std::string_view address) {
     delete_rows({"predatalog", "avlog", "iplog", "subjectlog", "bodylog"}, "IPNumber", address);
   });
-  if (!rtext.text().empty()) execute(delete_from("predatalog", "reason", rtext.text()));
+  say_counted(addresses_deleted, addresses);
+  if (!rtext.text().empty()) {
+    execute(delete_from("predatalog", "reason", rtext.text()));
+    say(said::log_rows_of, {rtext.text()});
+  }
   refresh();
 }
 
 void PredatalogPage::delete_address() {
   delete_rows({"iplog", "predatalog", "subjectlog", "bodylog", "avlog"}, "IPNumber", IPNumber.text());
+  say(said::log_rows_of, {IPNumber.text()});
   refresh();
 }
 
@@ -207,13 +232,15 @@ void PredatalogPage::look_up_host_name() {
   if (is_ip_address(IPNumber.text())) {
     busy(Command3, [this] { show_host_name(dns_, ip, [this] { return IPNumber.text(); }, reversedom); });
   } else {
+    say_nothing(said::no_ip_number, {IPNumber.text()});
     IPNumber.set_text("");
   }
 }
 
 void PredatalogPage::telnet() {
   const std::string& target = IPNumber.text().empty() ? reversedom.text() : IPNumber.text();
-  if (!target.empty()) connect_by_telnet(target);
+  if (target.empty()) return say_nothing(said::needs_text);
+  connect_by_telnet(target);
 }
 
 // Works on a copy of the list, which the user's actions in the meantime do not affect.

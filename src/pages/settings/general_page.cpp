@@ -34,7 +34,11 @@ GeneralPage::GeneralPage(Console& console) : Page(console, "general", "General")
       {blockndr, "blockndr"},
   });
   mx.on_click = [this] { click_mx(); };
-  autoimport.on_click = [this] { set_option("autoimport", autoimport.checked() ? import_interval : 0); };
+  autoimport.on_click = [this] {
+    const bool on = autoimport.checked();
+    set_option("autoimport", on ? import_interval : 0);
+    say_switched(autoimport, on);
+  };
   when_not_stored("debug", [this] { load_debugging(); });
   when_not_stored("autoimport", [this] { show_autoimport(); });
   blockndr.on_click = [this] { click_blockndr(); };
@@ -104,30 +108,30 @@ void GeneralPage::load_debugging() {
   debugging.set_checked(registry_value == 1 && option == 1);
 }
 
-// English is the default and is stored as the absence of the value.
 void GeneralPage::choose_language() {
-  const std::string language = lower(trim(Combo1.text()));
-  if (language == "german") {
-    settings().regwrite_string(settings().language_path(), language);
-  } else {
-    settings().delete_value(settings().language_path());
-  }
+  console().localisation().store_language(lower(trim(Combo1.text())));
 }
 
 void GeneralPage::click_mx() {
+  const bool on = mx.checked();
   set_option("checkmx", mx.value());
   set_option("checksmtpmx", mx.value());
   set_option("checkmimemx", mx.value());
+  say_switched(mx, on);
 }
 
 void GeneralPage::click_blockndr() {
+  const bool on = blockndr.checked();
   set_option("blockndr", blockndr.value());
   if (blockndr.checked()) set_option("autoBLheader", 0);
+  say_switched(blockndr, on);
 }
 
 void GeneralPage::click_debugging() {
+  const bool on = debugging.checked();
   set_option("debug", debugging.value());
   settings().regwrite_dword(settings().debug_path(), debugging.checked() ? 1 : 0);
+  say_switched(debugging, on);
 }
 
 void GeneralPage::update_all() {
@@ -136,9 +140,9 @@ void GeneralPage::update_all() {
   std::string status = "0";
   const auto downloader = component<Downloader>();
   process_events();
-  fetch_lists(*this, downloader, status);
+  const bool fetched = fetch_lists(*this, downloader, status);
   process_events();
-  merge_lists(*this, console(), all_list_files());
+  say_merged(*this, fetched, merge_lists(*this, console(), all_list_files()));
   process_events();
   process_events();
   load_settings();

@@ -11,6 +11,11 @@ constexpr std::string_view spam_tag = "[SPAM]";
 // The mail server's instance whose folders replace missing ones.
 constexpr unsigned mail_server_instance = 1;
 
+constexpr Sentence account_stored{"Account %1 stored", "Account %1 not stored"};
+constexpr Sentence account_deleted{"Account %1 deleted", "Account %1 not deleted"};
+constexpr Sentence interval_stored{"Mail is collected every %1 minutes",
+                                   "The interval \"%1\" was not stored"};
+
 // A value that the service cannot use is stored as empty, which switches that kind of delivery off.
 
 std::string_view accepted_pickup(std::string_view folder) {
@@ -43,6 +48,12 @@ PopConfigPage::PopConfigPage(Console& console) : Page(console, "pop_config", "PO
   }
 
   addmod.set_primary();
+  constexpr std::int64_t longest_interval = 32'767;
+  constexpr std::int64_t largest_limit = 2'147'483'647;
+  poptime.set_expects({Expectation::Kind::number, 1, longest_interval});
+  maxsize.set_expects({Expectation::Kind::number, 0, largest_limit});
+  server.set_expects(expects::host);
+  for (TextField* address : {&forward, &spamforward}) address->set_expects(expects::mail_address);
   deletea.set_destroys(
       loss::account, [this] { return userlist.items().find(account()) < userlist.items().size() ? 1U : 0U; });
 
@@ -109,7 +120,9 @@ void PopConfigPage::show_account() {
 // The table refuses a second row of the same name, so for an account that is there the first
 // statement fails and the others update the row.
 void PopConfigPage::save_account() {
-  if (username.text().empty() || server.text().empty()) return;
+  if (username.text().empty() || server.text().empty()) {
+    return say_nothing("Nothing stored: an account needs a user name and a server");
+  }
   const std::string entry = account();
   const auto set_number = [&](Literal column, std::string_view text) {
     execute("UPDATE pop3 set " + column + "=" + number(text) + " where entry='" + value(entry) + "'");
@@ -138,6 +151,7 @@ void PopConfigPage::save_account() {
   set_text("[password]", secret(password.text()));
   set_text("tag", value(tagging.checked() ? spam_tag : std::string_view()));
   store_directories();
+  say(account_stored, {entry});
   show_accepted(subm, pickup, "a pick-up folder needs a colon");
   show_accepted(forward, recipient, "an address needs an at sign");
   show_accepted(spamforward, spam_recipient, "an address needs an at sign");
@@ -161,6 +175,7 @@ void PopConfigPage::store_directories() {
 
 void PopConfigPage::delete_account() {
   execute(delete_from("pop3", "entry", account()));
+  say(account_deleted, {account()});
   fill_list();
 }
 
@@ -178,7 +193,10 @@ void PopConfigPage::empty_form() {
 }
 
 void PopConfigPage::store_interval() {
-  if (!store_number<std::int16_t>("poptime", poptime.text())) load_interval();
+  const std::string minutes = poptime.text();
+  const bool stored = store_number<std::int16_t>("poptime", minutes);
+  say(interval_stored, {minutes});
+  if (!stored) load_interval();
 }
 
 }  // namespace zrl

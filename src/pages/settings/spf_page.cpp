@@ -8,6 +8,8 @@ namespace {
 
 constexpr int most_redirects = 3;
 
+constexpr Sentence best_guess_stored{"The best guess is stored", "The best guess was not stored"};
+
 bool is_redirect(std::string_view record) {
   return lower(record).find("redirect=") != std::string::npos;
 }
@@ -22,10 +24,18 @@ SpfPage::SpfPage(Console& console) : Page(console, "spf", "SPF and Caller-ID") {
       {check_cid, "check_cid"},
       {use_default_cid, "use_default_cid"},
   });
-  updatespf.on_click = [this] { set_string("default_spf", default_spf.text()); };
-  updatecid.on_click = [this] { set_string("default_cid", default_cid.text()); };
+  updatespf.on_click = [this] {
+    set_string("default_spf", default_spf.text());
+    say(best_guess_stored);
+  };
+  updatecid.on_click = [this] {
+    set_string("default_cid", default_cid.text());
+    say(best_guess_stored);
+  };
   bind_text(default_spf, "default_spf");
   bind_text(default_cid, "default_cid");
+  for (TextField* domain : {&spfdom, &ciddom}) domain->set_expects(expects::domain);
+  for (TextField* address : {&spfip, &cidip}) address->set_expects(expects::ip_number);
   bind_busy(getspf, &SpfPage::get_spf);
   bind_busy(getcid, &SpfPage::get_cid);
   bind_busy(checkspf, [this] { test(spf_, "check_spf", &DnsClient::check_spf); });
@@ -49,7 +59,7 @@ void SpfPage::load() {
 }
 
 void SpfPage::get_spf() {
-  if (spfdom.text().empty()) return;
+  if (spfdom.text().empty()) return say_nothing(said::needs_text);
   if (ciddom.text().empty()) ciddom.set_text(spfdom.text());
   spfresult.set_caption("");
   // A record that stayed after a failure would be checked as that of another domain.
@@ -59,15 +69,25 @@ void SpfPage::get_spf() {
     // A redirect that could not be followed would fail again.
     if (!fetch(spfrec, "get_redirect", &DnsClient::get_redirect, spfrec.text())) break;
   }
+  say_fetched(spfrec, spfdom);
 }
 
 void SpfPage::get_cid() {
   cidrec.set_text("");
   fetch(cidrec, "get_cid_records", &DnsClient::get_cid_records, ciddom.text());
+  say_fetched(cidrec, ciddom);
+}
+
+void SpfPage::say_fetched(const TextField& record, const TextField& domain) {
+  if (record.text().empty()) {
+    say_failed("No record found for %1", {domain.text()});
+  } else {
+    say_done("Record of %1 found", {domain.text()});
+  }
 }
 
 void SpfPage::test(const Panel& panel, std::string_view operation, Check check) {
-  if (panel.address.text().empty()) return;
+  if (panel.address.text().empty()) return say_nothing(said::needs_text);
   if (panel.record.text().empty() && !panel.best_guess.text().empty()) {
     panel.record.set_text(panel.best_guess.text());
   }
@@ -96,8 +116,16 @@ bool SpfPage::is_authorised(const Panel& panel, std::string_view operation, Chec
 
   SenderCheck found;
   const auto call = [&](DnsClient& dns) { found = (dns.*check)(address, domain, record, sender); };
-  if (!ask(dns_, text, call)) return false;
+  if (!ask(dns_, text, call)) {
+    say_failed("%1 was not checked", {address});
+    return false;
+  }
   noted(text + ": " + found.reason);
+  if (found.authorised) {
+    say_done("%1 is authenticated for %2", {address, domain});
+  } else {
+    say_nothing("%1 is NOT authenticated for %2", {address, domain});
+  }
   return found.authorised;
 }
 

@@ -109,6 +109,7 @@ class SpfPage : public Page {
   void get_cid();
   void test(const Panel& panel, std::string_view operation, Check check);
   bool fetch(TextField& record, std::string_view operation, Fetch look_up, const std::string& argument);
+  void say_fetched(const TextField& record, const TextField& domain);
   bool is_authorised(const Panel& panel, std::string_view operation, Check check);
 
   Held<DnsClient> dns_{*this, "DNS component"};

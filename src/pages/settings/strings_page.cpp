@@ -8,6 +8,9 @@ namespace zrl {
 
 namespace {
 
+constexpr Sentence texts_stored{"Reply texts stored", "Reply texts not stored"};
+constexpr Sentence banner_stored{"The default banner is stored", "The default banner was not stored"};
+
 struct ReplyText {
   TextField StringsPage::* field;
   std::string_view key;
@@ -36,6 +39,7 @@ StringsPage::StringsPage(Console& console) : Page(console, "strings", "Reply tex
   Command2.on_click = [this] { store_default_banner(); };
 
   for (const ReplyText& reply : reply_texts) bind_text(this->*reply.field, reply.key);
+  for (TextField* reply : {&welcome, &hello, &bye, &queue}) reply->set_expects(expects::reply);
 
   updatedb.set_primary();
   Command1.set_replaces({&welcome, &hello, &bye, &queue});
@@ -66,11 +70,13 @@ void StringsPage::store_strings() {
     const std::string_view text = trim((this->*reply.field).text());
     if (!text.empty()) set_string(reply.key, text);
   }
+  say(texts_stored);
 }
 
 void StringsPage::store_default_banner() {
   welcome.set_text(default_banner);
   set_string("welcome", default_banner);
+  say(banner_stored);
 }
 
 }  // namespace zrl

@@ -23,6 +23,8 @@ ComposerDialog::ComposerDialog(Console& console)
   send.on_click = [this] { click_send(); };
   cancel.on_click = [this] { close(); };
   cancel.set_replaces({&sender, &recipient, &subject, &textbody, &htmlbody});
+  server.set_expects(expects::host);
+  port.set_expects(expects::port);
   set_layout(column({
       row({grow(sender), grow(recipient)}),
       subject,
@@ -97,6 +99,11 @@ void ComposerDialog::deliver() {
     sending_ = console().components().create<MailMessage>();
     sending_->send(mail, to);
   });
+  if (sent) {
+    say_done("The server has taken the mail over");
+  } else {
+    say_failed("The mail was not sent");
+  }
   show_status(sent ? "The server has taken the mail over" : "The mail was not sent: " + sent.problem);
 }
 

@@ -7,6 +7,7 @@ namespace zrl {
 RegexTesterPage::RegexTesterPage(Console& console) : Page(console, "regEx", "Regular expression tester") {
   Command1.on_click = [this] { test_expression(); };
 
+  reguex.set_expects(expects::expression);
   Command1.set_primary();
   set_layout(column({row({grow(reguex)}), grow(searchtext), row({Command1}), frame(Frame1, rresult)}));
 }

@@ -32,6 +32,9 @@ TEST_F(CommandTest, APageIsShownAndItsWritesAreTold) {
   EXPECT_EQ(texts_of(result, "activity", "text"),
             "set_option autoimport=0\nset_string version=" + std::string(version) +
                 "\nset_option checkmid=1\nset_option blockndr=1\nset_option autoBLheader=0\n");
+  EXPECT_EQ(texts_of(result, "said", "text"),
+            "\"Require a message identifier\" switched on\n\"Block non-delivery reports\" switched on\n");
+  EXPECT_EQ(texts_of(result, "said", "tone"), "good\ngood\n");
   EXPECT_TRUE(result.at("forms").as_object().empty());
   EXPECT_TRUE(result.at("messages").as_array().empty());
   EXPECT_EQ(run_do({"general"}).at("controls").at("checkmid").at("value").as_int64(), 1);

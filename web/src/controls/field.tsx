@@ -9,6 +9,7 @@ const shortRows = 10
 const mostRows = 1000
 
 export const tipId = (control: ControlModel): string => `${control.id}-tip`
+const hintId = (control: ControlModel): string => `${control.id}-hint`
 const labelId = (control: ControlModel): string => `${control.id}-label`
 
 /** What a control is called when nothing on the form names it. */
@@ -22,8 +23,28 @@ export function naming(control: ControlModel, shown: Control): Record<string, st
   return {
     'aria-labelledby': labelled ? labelId(control) : undefined,
     'aria-label': labelled ? undefined : nameOf(control, shown),
-    'aria-describedby': shown.toolTip ? tipId(control) : undefined,
+    'aria-describedby': describing(control, shown),
   }
+}
+
+/** What a field expects comes first: it is about what somebody does now. */
+function describing(control: ControlModel, shown: Control): string | undefined {
+  const ids = [shown.hint === undefined ? '' : hintId(control), shown.toolTip ? tipId(control) : '']
+  return ids.filter(Boolean).join(' ') || undefined
+}
+
+/** Why the text does not fit, below the field, in the space between it and what follows: nothing moves when it comes. A button that
+ *  would refuse the text has it said aloud. */
+function Hint({ control, shown }: { control: ControlModel; shown: Control }) {
+  const unfit = control.form.unfit.value
+  const told = unfit?.control === control && unfit.text === control.text.value ? unfit.hint : ''
+  const hint = told || (shown.hint && !(shown.hint.unfinished && control.typing.value) ? shown.hint.text : '')
+  return (
+    <p class="field-hint" id={hintId(control)} role={told ? 'alert' : undefined} data-on={hint === '' ? undefined : ''} dir="auto" title={hint || undefined}>
+      {hint !== '' && <Icon name="warning" />}
+      <span>{hint}</span>
+    </p>
+  )
 }
 
 /** The text that describes a control: read aloud with it, and shown by hover and focus. Where only a finger points, a button shows it, or
@@ -95,6 +116,7 @@ export function Field({ control, shown, class: kind, labelFor, aside, rows, chil
           {messages.value.missing(nameOf(control, shown), control.list !== null || control.table !== null, control.form.feedsFrom(control))}
         </p>
       )}
+      {shown.hint !== undefined && <Hint control={control} shown={shown} />}
       {!head && <Tip control={control} shown={shown} />}
     </div>
   )

@@ -68,6 +68,8 @@ function PlainField({ control }: { control: ControlModel }) {
     autocomplete: shown.secret ? 'new-password' : 'off',
     autocapitalize: 'off' as const,
     dir: 'auto' as const,
+    onFocus: () => (control.typing.value = true),
+    onBlur: () => (control.typing.value = false),
     onInput: (event: Event) => {
       const typed = textOf(event.currentTarget as HTMLInputElement | HTMLTextAreaElement)
       control.type(shown.path ? productPath(typed) : typed)

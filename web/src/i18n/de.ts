@@ -92,6 +92,7 @@ export const de: Messages = {
   signedInAs: account => `Angemeldet als ${account}`,
   version: version => `Version ${version}`,
   theme: 'Darstellung',
+  languages: { english: 'Sprache: Englisch (English)', german: 'Sprache: Deutsch' },
   themes: { auto: 'Automatisch', light: 'Hell', dark: 'Dunkel' },
 
   signIn: 'Anmelden',
@@ -145,6 +146,7 @@ export const de: Messages = {
   reconnect: 'Jetzt versuchen',
   refusals: {
     refused: 'Das ist im Moment nicht möglich',
+    unfit: 'Etwas im Formular passt nicht',
     no_form: 'Dieser Dialog ist nicht mehr geöffnet',
     malformed: 'Die Konsole hat den letzten Schritt nicht verstanden',
     unknown_page: 'Diese Seite gibt es nicht',
@@ -155,8 +157,9 @@ export const de: Messages = {
     too_long: 'Der Text ist zu lang und wurde nicht gesendet (höchstens 1 MB)',
   },
 
-  palette: 'Seiten und Einstellungen durchsuchen',
-  palettePlaceholder: 'Seiten und Einstellungen durchsuchen…',
+  palette: 'Seiten, Einstellungen und Einträge durchsuchen',
+  paletteSearching: 'Die Listen werden durchsucht …',
+  palettePlaceholder: 'Seiten, Einstellungen und Einträge durchsuchen …',
   paletteEmpty: query => `Nichts gefunden für „${query}“`,
   paletteHits: count => plural(count, 'Treffer', 'Treffer'),
   paletteHint: { move: 'bewegen', open: 'öffnen', close: 'schließen' },

@@ -95,6 +95,7 @@ const failures: Record<FailureCode, string> = {
 
 const refusals: Record<Refusal['code'], string> = {
   refused: 'This can’t be done right now',
+  unfit: 'Something in the form does not fit',
   no_form: 'This dialog is no longer open',
   malformed: 'The console did not understand the last step',
   unknown_page: 'There is no such page',
@@ -121,6 +122,7 @@ export const en = {
   signedInAs: (account: string): string => `Signed in as ${account}`,
   version: (version: string): string => `Version ${version}`,
   theme: 'Appearance',
+  languages: { english: 'Language: English', german: 'Language: German (Deutsch)' },
   themes: { auto: 'Automatic', light: 'Light', dark: 'Dark' },
 
   signIn: 'Sign in',
@@ -161,8 +163,9 @@ export const en = {
   reconnect: 'Try now',
   refusals,
 
-  palette: 'Search pages and settings',
-  palettePlaceholder: 'Search pages and settings…',
+  palette: 'Search pages, settings and entries',
+  palettePlaceholder: 'Search pages, settings and entries…',
+  paletteSearching: 'Searching the lists…',
   paletteEmpty: (query: string): string => `Nothing found for “${query}”`,
   paletteHits: (count: number): string => plural(count, 'result', 'results'),
   paletteHint: { move: 'move', open: 'open', close: 'close' },

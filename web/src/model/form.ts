@@ -39,6 +39,8 @@ export class ControlModel {
   readonly text
   readonly list: ListModel | null
   readonly table: TableModel | null
+  /** Somebody is in the field, and may not have finished. */
+  readonly typing = signal(false)
   /** Clicks that the server has not finished. */
   readonly waiting = signal(0)
   private readonly pending: PendingText | null
@@ -201,6 +203,19 @@ export class ControlModel {
     if (seq > 0) this.overlay.value = { seq, values: { ...this.overlay.peek()?.values, filter } }
   }
 
+  /** Chooses the entry with this text as soon as it is known where it is, and brings it into view. */
+  chooseEntry(text: string): void {
+    const { list } = this
+    list?.seek({ find: text }, found => {
+      if (!found) return
+      if (found.position === null) list.setView({ filter: '' })
+      this.choose(found.index)
+      list.seek({ index: found.index }, again => {
+        list.wanted.value = again
+      })
+    })
+  }
+
   scroll(value: number): void {
     const seq = this.form.link.event(this, { event: 'scroll', value })
     if (seq > 0) this.overlay.value = { seq, values: { value } }
@@ -301,6 +316,8 @@ export class FormModel {
   readonly closed = signal(false)
   /** The control that was missing when a button was pressed, until it is there. */
   readonly missing = signal<ControlModel | null>(null)
+  /** The field whose text a button would have refused, with the reason; about this text only. */
+  readonly unfit = signal<{ control: ControlModel; text: string; hint: string } | null>(null)
   /** The label controls that are drawn with the control that they name, or whose work they tell. */
   readonly usedLabels = new Set<string>()
   readonly link: Link

@@ -7,6 +7,7 @@ import type {
   ErrorCode,
   FormMessage,
   Hello,
+  Language,
   OfferedFile,
   PlainMessage,
   Reply,
@@ -14,6 +15,7 @@ import type {
   UserEvent,
 } from '../wire/protocol'
 import type { ActivityModel } from './activity'
+import { EntryFinder } from './entry-search'
 import { Files } from './files'
 import { FormModel, type ControlModel, type Link } from './form'
 import { Terminals } from './terminals'
@@ -44,7 +46,8 @@ export class Session implements Link {
   openingQuery = ''
   readonly captions = signal<CaptionsMessage['pages'] | null>(null)
   /** The control that is to get the focus as soon as its page is there. */
-  readonly wanted = signal<{ page: string; control: string } | null>(null)
+  readonly wanted = signal<{ page: string; control: string; entry?: string | undefined } | null>(null)
+  readonly entries: EntryFinder
   /** True while something must be answered before the page can be used. */
   readonly blocked = computed(() => this.boxes.value.length > 0 || this.dialogs.value.some(dialog => dialog.modal))
   readonly terminals: Terminals
@@ -53,6 +56,7 @@ export class Session implements Link {
   /** A page wants another one to be opened. */
   onGo: (page: string, query: string) => void = () => {}
   onFile: (file: OfferedFile, awaited: boolean) => void = () => {}
+  onUnfit: (control: ControlModel) => void = () => {}
 
   private readonly connection: Connection
   private readonly activity: ActivityModel
@@ -70,6 +74,7 @@ export class Session implements Link {
     this.connection = connection
     this.activity = activity
     this.terminals = new Terminals(message => connection.send(message))
+    this.entries = new EntryFinder(message => connection.send(message))
   }
 
   /** A new socket was opened. */
@@ -87,10 +92,18 @@ export class Session implements Link {
     this.opening.value = page
   }
 
-  /** Opens the page if need be and puts the focus on a control of it. */
-  find(page: string, control: string): void {
-    this.wanted.value = { page, control }
+  /** Opens the page if need be and puts the focus on a control of it; of a list, chooses this entry. */
+  find(page: string, control: string, entry?: string): void {
+    this.wanted.value = { page, control, entry }
     if (this.page.peek()?.name !== page) this.open(page)
+  }
+
+  /** Changes the language of the console. */
+  speak(language: Language): void {
+    this.flush()
+    if (this.connection.sendSequenced({ type: 'language', language }) === 0) {
+      this.onRefusal({ code: 'not_connected', text: '' })
+    }
   }
 
   close(form: FormModel): void {
@@ -229,6 +242,8 @@ export class Session implements Link {
       case 'captions':
         this.captions.value = message.pages
         return
+      case 'entries':
+        return this.entries.accept(message)
       case 'terminal':
       case 'output':
       case 'ended':
@@ -299,14 +314,25 @@ export class Session implements Link {
     for (const control of this.holding) if (control.form.name === name) this.holding.delete(control)
   }
 
-  private refused(seq: number, error: { code: ErrorCode; text: string; request?: number }): void {
+  private refused(seq: number, error: { code: ErrorCode; text: string; request?: number; form?: string; control?: string }): void {
     if (seq > 0 && seq === this.openSeq) {
       this.opening.value = null
       this.wanted.value = null
     }
     this.finished(seq, control => control.refused(seq))
+    if (error.code === 'unfit' && this.explain(error)) return
     // A form that is gone is gone from view too; rows that it was asked for before need no word.
     if (error.code !== 'no_form' && error.request === undefined) this.onRefusal(error)
+  }
+
+  /** The button would refuse what stands in the field: the field says why, and gets the focus. */
+  private explain(error: { text: string; form?: string; control?: string }): boolean {
+    const form = this.findForm(error.form ?? '')
+    const control = form?.controls.get(error.control ?? '')
+    if (!form || !control) return false
+    form.unfit.value = { control, text: control.text.peek(), hint: error.text }
+    this.onUnfit(control)
+    return true
   }
 
   private finished(seq: number, settle: (control: ControlModel) => void): void {

@@ -8,6 +8,8 @@ interface Toast {
   text: string
   detail: string
   failed: boolean
+  /** Neither done nor failed. */
+  neutral: boolean
   count: number
   /** What it offers; such a notice stays until it is used. */
   file?: OfferedFile | undefined
@@ -24,18 +26,18 @@ export class Toasts {
   private readonly timers = new Map<number, ReturnType<typeof setTimeout>>()
   private held = false
 
-  add(text: string, more: { detail?: string; failed?: boolean; topic?: string; file?: OfferedFile } = {}): void {
-    const { detail = '', failed = false } = more
+  add(text: string, more: { detail?: string; failed?: boolean; neutral?: boolean; topic?: string; file?: OfferedFile } = {}): void {
+    const { detail = '', failed = false, neutral = false } = more
     const topic = more.topic ?? `${failed} ${text} ${detail}`
     const same = this.shown.peek().find(toast => toast.topic === topic)
     if (same) {
       const repeated = same.text === text && same.detail === detail && same.failed === failed
       const count = repeated ? same.count + 1 : 1
-      this.shown.value = this.shown.peek().map(toast => (toast === same ? { ...toast, text, detail, failed, count, file: more.file } : toast))
+      this.shown.value = this.shown.peek().map(toast => (toast === same ? { ...toast, text, detail, failed, neutral, count, file: more.file } : toast))
       this.start({ ...same, failed })
       return
     }
-    const toast = { id: this.nextId++, topic, text, detail, failed, count: 1, file: more.file }
+    const toast = { id: this.nextId++, topic, text, detail, failed, neutral, count: 1, file: more.file }
     const kept = this.shown.peek().slice(1 - shownAtMost)
     for (const old of this.shown.peek()) if (!kept.includes(old)) this.stop(old.id)
     this.shown.value = [...kept, toast]

@@ -19,6 +19,8 @@ const paths = {
   expand: 'M4 9V4h5M20 15v5h-5M4 4l6 6M20 20l-6-6',
   page: 'M6 3h8l4 4v14H6zM14 3v4h4',
   control: 'M4 8h9M17 8h3M15 6v4M4 16h3M11 16h9M9 14v4',
+  entry: 'M4 6h16M4 12h10M4 18h13',
+  command: 'm5 8 4 4-4 4M12 17h7',
   offline: 'M3 3l18 18M8.5 15.5a5 5 0 0 1 7 0M5.5 12.2a9.5 9.5 0 0 1 4-2.3M14 9.8a9.5 9.5 0 0 1 4.5 2.4M12 19v.2M2.6 9a14 14 0 0 1 4-2.6M10.5 5.6A14 14 0 0 1 21.4 9',
 } as const
 

@@ -2,14 +2,16 @@ import { signal } from '@preact/signals'
 import { useEffect, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks'
 import { keyTarget } from '../controls/list-row'
 import { messages } from '../i18n'
-import { search, type Hit } from '../model/search'
+import { placeOf, search, type Hit } from '../model/search'
 import { visibleText } from '../model/visible-text'
 import { Icon } from '../parts/icon'
 import { enterTopLayer } from '../parts/top-layer'
 import { session } from '../state/app-state'
+import { commands } from './commands'
 import { goTo } from './router'
 
 const open = signal(false)
+const icons = { page: 'page', control: 'control', entry: 'entry', command: 'command' } as const
 
 export function openPalette(): void {
   // What must be answered first would be hidden by it.
@@ -39,7 +41,10 @@ function OpenPalette() {
   const [active, setActive] = useState(0)
   const pages = session.hello.value?.pages ?? []
   const captions = session.captions.value
-  const hits = useMemo(() => search(query, pages, captions), [query, pages, captions])
+  const { entries: finder } = session
+  const entries = finder.hits.value
+  const known = commands()
+  const hits = useMemo(() => search(query, pages, captions, { entries, commands: known }), [query, pages, captions, entries])
   const m = messages.value
 
   useLayoutEffect(() => {
@@ -53,6 +58,8 @@ function OpenPalette() {
       if (before instanceof HTMLElement && before.isConnected) before.focus({ preventScroll: true })
     }
   }, [])
+  useEffect(() => finder.look(query), [query])
+  useEffect(() => () => finder.look(''), [])
   useEffect(() => {
     if (session.blocked.value) close()
   }, [session.blocked.value])
@@ -66,11 +73,9 @@ function OpenPalette() {
   const choose = (hit: Hit | undefined): void => {
     if (!hit) return
     close()
-    if (hit.control === '') goTo(hit.page)
-    else {
-      session.find(hit.page, hit.control)
-      goTo(hit.page)
-    }
+    if (hit.kind === 'command') return known.find(command => command.name === hit.control)?.run()
+    if (hit.kind !== 'page') session.find(hit.page, hit.control, hit.kind === 'entry' ? hit.text : undefined)
+    goTo(hit.page)
   }
   const onKeyDown = (event: KeyboardEvent): void => {
     if (event.key === 'Enter') {
@@ -129,7 +134,7 @@ function OpenPalette() {
         <div ref={results} id="palette-results" class="palette-results" role="listbox" aria-label={m.palette}>
           {hits.map((hit, place) => (
             <div
-              key={`${hit.page}/${hit.control}`}
+              key={`${hit.kind}/${hit.page}/${hit.control}/${hit.kind === 'entry' ? hit.text : ''}`}
               id={`palette-${place}`}
               role="option"
               class="palette-hit"
@@ -137,14 +142,14 @@ function OpenPalette() {
               onPointerMove={() => setActive(place)}
               onClick={() => choose(hit)}
             >
-              <Icon name={hit.control === '' ? 'page' : 'control'} />
+              <Icon name={icons[hit.kind]} />
               <span class="palette-text" dir="auto">
                 {visibleText(hit.text, 200)}
               </span>
-              <span class="palette-place">{hit.control === '' ? hit.group : hit.title}</span>
+              <span class="palette-place">{placeOf(hit)}</span>
             </div>
           ))}
-          {hits.length === 0 && <p class="palette-none">{m.paletteEmpty(query)}</p>}
+          {hits.length === 0 && <p class="palette-none">{finder.searching.value ? m.paletteSearching : m.paletteEmpty(query)}</p>}
         </div>
         <footer class="palette-foot">
           <span>
@@ -158,7 +163,7 @@ function OpenPalette() {
             <kbd>Esc</kbd> {m.paletteHint.close}
           </span>
           <span class="palette-count" aria-live="polite">
-            {query !== '' && m.paletteHits(hits.length)}
+            {query !== '' && (finder.searching.value ? m.paletteSearching : m.paletteHits(hits.length))}
           </span>
         </footer>
       </div>

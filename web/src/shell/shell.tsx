@@ -20,10 +20,11 @@ import { TerminalPanel } from './terminal-panel'
 const flashTime = 1800
 
 /** Brings a control into view, gives it the focus and makes it stand out for a moment. A label leads to the control that it names. */
-function focusWanted(page: FormModel, name: string): void {
+function focusWanted(page: FormModel, name: string, entry: string | undefined): void {
   const named = [...page.controls.values()].find(control => control.shown.peek().label === name)
   const target = named ?? page.controls.get(name)
   if (!target) return
+  if (entry !== undefined) target.chooseEntry(entry)
   // The page has just been drawn; its lists still find their height.
   requestAnimationFrame(() => {
     const element = document.querySelector<HTMLElement>(`[data-control="${CSS.escape(target.id)}"]`)
@@ -67,7 +68,7 @@ function Page() {
   useEffect(() => {
     if (!wanted || wanted.page !== page?.name || page.closed.peek()) return
     session.wanted.value = null
-    focusWanted(page, wanted.control)
+    focusWanted(page, wanted.control, wanted.entry)
   }, [page, wanted])
   return (
     <main

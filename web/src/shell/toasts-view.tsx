@@ -58,8 +58,8 @@ export function ToastsView() {
       onPointerLeave={() => toasts.hold(false)}
     >
       {shown.map(toast => (
-        <div key={toast.id} class={`toast${toast.failed ? ' failed' : ''}${toast.file ? '' : ' passing'}`}>
-          <Icon name={toast.failed ? 'warning' : toast.file ? 'page' : 'check'} />
+        <div key={toast.id} class={`toast${toast.failed ? ' failed' : toast.neutral ? ' neutral' : ''}${toast.file ? '' : ' passing'}`}>
+          <Icon name={toast.failed ? 'warning' : toast.file ? 'page' : toast.neutral ? 'info' : 'check'} />
           <div class="toast-text">
             <p dir="auto">
               {toast.text} {toast.count > 1 && <span class="toast-count">{m.times(toast.count)}</span>}

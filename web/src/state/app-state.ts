@@ -4,7 +4,8 @@ import { ActivityModel } from '../model/activity'
 import { addressOf } from '../model/files'
 import { Session } from '../model/session'
 import { forgetTab } from '../model/preferences'
-import { summarise, type Summary } from '../model/toast-text'
+import { noticesOf } from '../model/notices'
+import type { Summary } from '../model/toast-text'
 import { Toasts } from '../model/toasts'
 import { visibleText } from '../model/visible-text'
 import { askState, logOut } from '../wire/api'
@@ -29,6 +30,7 @@ export const session = new Session(connection, activity)
 export const toasts = new Toasts()
 
 const longestDetail = 300
+const longestSentence = 1000
 const longestName = 100
 
 /** Notices about the same thing take each other's place. */
@@ -41,10 +43,11 @@ connection.onMessage = message => session.receive(message)
 connection.onOpened = () => session.opened()
 activity.send = message => connection.send(message)
 activity.onAction = (message, steps) => {
-  if (message.entries.every(entry => entry.expected)) return
-  // What a page writes when it is shown is in the record; nobody asked for it.
-  if (message.showing && message.failed === 0) return
-  const summary = summarise(message.entries, steps, message.failed)
+  const { said, summary } = noticesOf(message, steps)
+  for (const { text, tone } of said) {
+    toasts.add(visibleText(text, longestSentence), { failed: tone === 'bad', neutral: tone === 'neutral' })
+  }
+  if (!summary) return
   toasts.add(visibleText(messages.value.toast(summary), longestDetail), {
     detail: visibleText(summary.error, longestDetail),
     failed: summary.failed,
@@ -53,6 +56,8 @@ activity.onAction = (message, steps) => {
 }
 session.onRefusal = refusal =>
   toasts.add(messages.value.refusals[refusal.code], { detail: visibleText(refusal.text, longestDetail), failed: true })
+
+session.onUnfit = control => document.getElementById(control.id)?.focus()
 
 session.onFile = (file, awaited) => {
   const m = messages.value

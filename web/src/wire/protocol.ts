@@ -149,6 +149,14 @@ export interface Control {
   /** Of a link. */
   page?: string
   query?: string
+  /** Of a text field that expects something: why its text does not fit; null where it does. */
+  hint?: Hint | null
+}
+
+export interface Hint {
+  text: string
+  /** More text may mend it. */
+  unfinished: boolean
 }
 
 /** Names of controls: `run` writes the file that `path` names while `exports` is chosen, and reads it otherwise. */
@@ -186,6 +194,14 @@ export interface ActivityEntry {
   error: string
   /** A failure that the step was prepared for: nothing to tell anybody. */
   expected?: boolean
+  /** Written by the showing of a page or beside an act: nobody asked for it. */
+  routine?: boolean
+}
+
+/** What an act says of itself. */
+export interface Said {
+  text: string
+  tone: 'good' | 'neutral' | 'bad'
 }
 
 export type Reply = 'ok' | 'cancel'
@@ -280,6 +296,7 @@ export interface ActivityMessage {
   total: number
   failed: number
   entries: ActivityEntry[]
+  said?: Said[]
   page?: string
   /** It was the showing of a page, not something that the user did on it. */
   showing?: boolean
@@ -293,9 +310,38 @@ export interface RecordMessage {
   entries: ActivityEntry[]
 }
 
+export interface Caption {
+  control: string
+  text: string
+  /** The title around the control. */
+  frame?: string
+}
+
 export interface CaptionsMessage {
   type: 'captions'
-  pages: Record<string, { control: string; text: string }[]>
+  pages: Record<string, Caption[]>
+}
+
+/** An entry of a list, and where it is shown. */
+export interface EntryHit {
+  page: string
+  control: string
+  frame: string
+  text: string
+}
+
+/** Where a search for entries goes on. */
+export interface SearchPlace {
+  list: number
+  row: number
+}
+
+export interface EntriesMessage {
+  type: 'entries'
+  request: number
+  text: string
+  hits: EntryHit[]
+  next: SearchPlace | null
 }
 
 /** A program that runs on a terminal. */
@@ -330,7 +376,7 @@ export interface OfferedFile {
   size: number
 }
 
-export type ErrorCode = 'refused' | 'no_form' | 'malformed' | 'unknown_page' | 'busy' | 'no_audit' | 'not_recorded'
+export type ErrorCode = 'refused' | 'unfit' | 'no_form' | 'malformed' | 'unknown_page' | 'busy' | 'no_audit' | 'not_recorded'
 
 export type ServerMessage =
   | Hello
@@ -346,6 +392,7 @@ export type ServerMessage =
   | ActivityMessage
   | RecordMessage
   | CaptionsMessage
+  | EntriesMessage
   | TerminalMessage
   | OutputMessage
   | EndedMessage
@@ -353,7 +400,7 @@ export type ServerMessage =
   | ({ type: 'file'; awaited?: boolean } & OfferedFile)
   | { type: 'files'; files: OfferedFile[] }
   | { type: 'done'; seq: number }
-  | { type: 'error'; seq?: number; request?: number; code: ErrorCode; text: string }
+  | { type: 'error'; seq?: number; request?: number; code: ErrorCode; text: string; form?: string; control?: string }
 
 export type UserEvent =
   | { event: 'click' }
@@ -368,6 +415,7 @@ export type UserEvent =
 
 export type SequencedMessage =
   | { type: 'open'; page: string; query?: string }
+  | { type: 'language'; language: Language }
   | ({ type: 'event'; form: string; control: string } & UserEvent)
   | { type: 'close'; form: string }
 
@@ -395,6 +443,7 @@ export type PlainMessage =
   | { type: 'cells'; form: string; control: string; request: number; start: number; count: number; key?: string }
   | { type: 'record'; request: number; start: number; count: number }
   | { type: 'captions' }
+  | { type: 'find'; request: number; text: string; from?: SearchPlace }
   /** Somebody is there, though nothing else says so. */
   | { type: 'active' }
   | TerminalAct
