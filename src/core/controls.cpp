@@ -150,7 +150,7 @@ PropertyValue Link::own(Property property) const {
 
 std::string_view name_of(EntryKind kind) {
   static constexpr std::array<std::string_view, 6> names = {"other",  "address",      "network",
-                                                            "domain", "mail address", "word"};
+                                                            "domain", "mail",    "word"};
   return names[static_cast<std::size_t>(kind)];
 }
 

@@ -250,7 +250,7 @@ class Button : public CaptionedControl {
 // `other`.
 enum class EntryKind : std::uint8_t { other, address, network, domain, mail_address, word };
 
-// "address", "mail address" and so on, as hosts print it.
+// "address", "mail" and so on, as hosts print it.
 std::string_view name_of(EntryKind kind);
 
 // What the list-like kinds share: items in one arena, and the index of the chosen one. A list may have

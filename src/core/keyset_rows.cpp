@@ -161,7 +161,7 @@ bool KeysetRows::read_on() {
   const std::uint64_t before = here.position;
   const Found found = advance(here, look_ahead, nullptr);
   if (here.position != before && found != Found::end) table_.rows_changed();
-  return found == Found::stopped;
+  return found != Found::end;
 }
 
 std::optional<std::uint64_t> KeysetRows::position_of(std::string_view key) {

@@ -124,11 +124,14 @@ TableRows Table::read(std::uint64_t first, std::uint64_t count) {
 }
 
 TableRows Table::read_on(std::uint64_t first, std::uint64_t count) {
-  TableRows rows = read(first, count);
-  bool more = source_ != nullptr && rows.size() < count;
-  while (more && rows.size() < count) {
-    form().run([&] { more = source_->read_on(); });
-    rows = read(first, count);
+  TableRows rows;
+  bool over = source_ == nullptr;
+  while (rows.size() < count) {
+    const TableRows part = read(first + rows.size(), count - rows.size());
+    for (std::size_t i = 0; i < part.size(); ++i) rows.append(part, i);
+    if (!part.empty()) continue;
+    if (over) break;
+    form().run([&] { over = !source_->read_on(); });
   }
   return rows;
 }

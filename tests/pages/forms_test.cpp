@@ -88,6 +88,7 @@ TEST_F(FormsTest, ActsThatCannotBeTakenBackAreDeclared) {
         "Command10", "Command11"}},
       {"avlog",
        {"Command1", "Command2", "Command3", "Command4", "Command5", "Command6", "Command13", "Command14"}},
+      {"messages", {"delete_rows"}},
       {"monitor", {"Command5"}},
       {"ScriptEngine", {"deletefromdb", "update"}},
       {"ServiceControl", {"stopservice"}},

@@ -383,7 +383,7 @@ Statement MessageRows::page_of(const Stream& stream, std::uint64_t limit, bool c
 
 // Brings the stream to its next row, or over its end, or as far as one search goes.
 bool MessageRows::fill(Stream& stream, std::uint64_t limit, bool cells) {
-  const std::uint64_t fetched = std::clamp(limit / 3, fewest_fetched, most_fetched);
+  const std::uint64_t fetched = std::clamp(wanted_.scans ? limit : limit / 3, fewest_fetched, most_fetched);
   const Statement select = page_of(stream, fetched, cells);
   bool read = false;
   stream.set = client_.open(select, Connection::Access::read_only);

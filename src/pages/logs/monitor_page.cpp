@@ -117,6 +117,20 @@ void MonitorPage::hide() {
   archive_.reset();
 }
 
+void MonitorPage::open_query(std::string_view query) {
+  const std::optional<std::int64_t> key = to_number(query);
+  if (!key || !archive_) return;
+  read_rows("marchive", [&] {
+    std::int64_t position = 0;
+    for (archive_->move_first(); !archive_->at_end(); archive_->move_next(), ++position) {
+      if (archive_->is_null("ID") || archive_->number("ID") != *key) continue;
+      HScroll1.set_value(position);
+      show_mail(position);
+      return;
+    }
+  });
+}
+
 void MonitorPage::prepare_database() {
   const std::string flag = settings().path_of("prepdb");
   if (settings().regread(flag) != "1") return;

@@ -95,6 +95,8 @@ class MonitorPage : public Page {
   static constexpr ArchiveLists::Touched white_mails{list::white_mails, false, false};
 
   void load() override;
+  // The key of a mail: shows it, if the archive still has it.
+  void open_query(std::string_view query) override;
   void hide() override;
 
   void prepare_database();

@@ -8,6 +8,7 @@
 
 #include "core/text/text.h"
 #include "support/all_controls_page.h"
+#include "support/tables_page.h"
 
 namespace zrl::test {
 
@@ -134,10 +135,11 @@ void BoxedPage::load() {
 }
 
 std::span<const PageEntry> test_pages() {
-  static constexpr std::array<PageEntry, 4> pages = {
+  static constexpr std::array<PageEntry, 5> pages = {
       {{"handlers", "Test", "Handlers", make_page<HandlerPage>},
        {"boxed", "Test", "Boxed", make_page<BoxedPage>},
        {"allcontrols", "Test", "All controls", make_page<AllControlsPage>},
+       {"tables", "Test", "Tables", make_page<TablesPage>},
        {"broken", "Test", "Broken",
         [](Console&) -> std::unique_ptr<Page> { throw std::runtime_error("cannot be made"); }}}};
   return pages;

@@ -94,6 +94,18 @@ TEST_F(MonitorPageTest, WalksFromTheNewestAndShowsTheBodyAsText) {
   EXPECT_EQ(page.mail.text(), "");
 }
 
+TEST_F(MonitorPageTest, AQueryLeadsToAMail) {
+  archive("<old@x>", "20051104120001", text_mail);
+  archive("<new@x>", "20051104120002", text_mail);
+  MonitorPage& page = shown();
+  page.show_query("1");
+  EXPECT_EQ(page.mid.text(), "<old@x>");
+  EXPECT_EQ(page.HScroll1.value(), 1);
+  for (const char* nothing : {"3", "x", "-1"}) page.show_query(nothing);
+  EXPECT_EQ(page.mid.text(), "<old@x>");
+  EXPECT_THAT(activity(), IsEmpty());
+}
+
 TEST_F(MonitorPageTest, AMailThatIsShownIsNotLoadedAgain) {
   archive("<a@x>", "20051104120001", text_mail);
   archive("<b@x>", "20051104120002", text_mail);

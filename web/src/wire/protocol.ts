@@ -92,7 +92,7 @@ export interface TableRow {
 }
 
 /** What the entries of a list are, for looking them up. */
-export type EntryKind = 'address' | 'network' | 'domain' | 'mail address' | 'word'
+export type EntryKind = 'address' | 'network' | 'domain' | 'mail' | 'word'
 
 export interface Control {
   kind: Kind

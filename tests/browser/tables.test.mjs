@@ -1,0 +1,104 @@
+// Tables and links: a million rows, the keyboard, addresses that can be kept, and the page of all logs.
+import assert from 'node:assert/strict'
+import { test } from 'node:test'
+import { openPage, picture, withConsole } from './console.mjs'
+
+let page
+
+withConsole({ sample: true }, async started => {
+  ;({ page } = started)
+  await openPage(page, 'Tables', 'tables')
+})
+
+const grid = name => page.getByRole('grid', { name, exact: true })
+const chosen = name => grid(name).locator('[aria-selected=true]')
+
+test('a million rows are there at once, to their end', async () => {
+  const table = grid('A million rows')
+  await table.getByText('row 1000000', { exact: true }).waitFor()
+  assert.equal(await table.getAttribute('aria-rowcount'), '1000001')
+  assert.ok((await table.getByRole('row').count()) < 100)
+  const begun = Date.now()
+  await table.focus()
+  await page.keyboard.press('End')
+  await table.getByText('row 1', { exact: true }).waitFor()
+  assert.ok(Date.now() - begun < 2000)
+  await page.getByText('Chosen: 1', { exact: true }).waitFor()
+  await page.keyboard.press('Shift+ArrowUp')
+  await page.keyboard.press('Shift+ArrowUp')
+  await page.getByText('Chosen: 3', { exact: true }).waitFor()
+  await page.keyboard.press('Control+Home')
+  await table.getByText('row 1000000', { exact: true }).waitFor()
+  await page.keyboard.press('Shift+Space')
+  await page.getByText('No more than 10,000 rows can be chosen at once').first().waitFor()
+  await picture(page, 'tables')
+})
+
+test('rows that come first do not move those on view', async () => {
+  const table = grid('A million rows')
+  await page.keyboard.press('Escape')
+  for (let i = 0; i < 3; ++i) await page.keyboard.press('PageDown')
+  const top = () => table.evaluate(element => element.querySelector('.table-line.active')?.textContent)
+  const before = await top()
+  await page.getByRole('button', { name: 'Three more rows' }).click()
+  await page.getByText('1,000,003 rows').waitFor()
+  assert.equal(await top(), before)
+})
+
+test('several rows are chosen and taken away, and a filter says what is wrong', async () => {
+  const table = grid('A million rows')
+  await table.getByRole('row').nth(3).click()
+  await table.getByRole('row').nth(5).click({ modifiers: ['Control'] })
+  await page.getByText('Chosen: 2', { exact: true }).waitFor()
+  await page.getByRole('button', { name: 'Take the chosen rows away' }).click()
+  await page.getByText('1,000,001 rows').waitFor()
+  assert.equal(await chosen('A million rows').count(), 0)
+  await page.getByRole('textbox', { name: 'Filter', exact: true }).fill('?')
+  await page.getByRole('alert').getByText('"?" at character 1').waitFor()
+  await page.getByRole('textbox', { name: 'Filter', exact: true }).fill('123456')
+  await table.getByText('row 123456', { exact: true }).waitFor()
+})
+
+test('short tables sort, show each kind as it is, and lead on', async () => {
+  const table = grid('Mails')
+  await table.getByRole('button', { name: 'Count' }).click()
+  await page.waitForFunction(() => document.querySelector('.table-line .kind-number')?.textContent === '101')
+  assert.equal(await table.getByRole('columnheader', { name: 'Count' }).getAttribute('aria-sort'), 'descending')
+  await table.getByText('Rejected').waitFor()
+  await table.locator('time').getByText(/2026/).first().waitFor()
+  assert.equal(await table.locator('b').count(), 0)
+  await table.getByText('Minutes').click()
+  await page.getByText('Chosen: Minutes').waitFor()
+  const link = table.getByRole('link', { name: '<b>Win</b> "now"' })
+  assert.equal(await link.getAttribute('href'), '#/allcontrols/a%2Fb%20c')
+  await page.getByRole('link', { name: 'Look up 198.51.100.7' }).click()
+  await page.getByText('Every kind of control').waitFor()
+  assert.match(page.url(), /#\/allcontrols\/198\.51\.100\.7$/)
+  await page.goBack()
+  await table.getByText('Minutes').waitFor()
+})
+
+test('an address with a query can be kept', async () => {
+  await page.evaluate(() => (location.hash = '#/tables/4711'))
+  await page.getByText('Opened with 4711').waitFor()
+  await page.reload()
+  await page.getByText('Opened with 4711').waitFor()
+  await page.evaluate(() => (location.hash = '#/tables/12345%2F'))
+  await page.getByText('Opened with 12345/').waitFor()
+  await page.goBack()
+  await page.getByText('Opened with 4711').waitFor()
+})
+
+test('all logs are on the page of messages', async () => {
+  await openPage(page, 'Messages', 'messages')
+  const table = grid('Messages')
+  await table.locator('.table-line time').first().waitFor()
+  await picture(page, 'messages')
+  await page.getByRole('textbox', { name: 'Filter', exact: true }).fill('reason:rbl')
+  await page.waitForFunction(() => /rows/.test(document.querySelector('.table-field .count')?.textContent ?? ''))
+  await table.getByText(/RBL/).first().click()
+  await grid('Chosen row').getByText(/RBL/).waitFor()
+  await page.getByRole('textbox', { name: 'Filter', exact: true }).fill('foo:bar')
+  await page.getByRole('alert').getByText('"foo:" is no field (character 1)').waitFor()
+  await page.getByRole('textbox', { name: 'Filter', exact: true }).fill('')
+})
