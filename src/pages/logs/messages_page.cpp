@@ -94,7 +94,7 @@ MessagesPage::MessagesPage(Console& console) : Page(console, "messages", "Messag
   delete_rows.set_destroys(loss::log_rows, [this] { return rows.chosen().size(); });
 
   set_layout(column({
-      frame(Frame1, column({row({period, kind, verdict, since, until}), row({grow(filter), follow})})),
+      frame(Frame1, column({row({grow(filter), follow}), row({period, kind, verdict}), row({since, until})})),
       grow(rows),
       row({block_sender, allow_sender, block_domain, allow_domain, block_address, allow_address, neutral,
            delete_rows, look_up, open_mail, export_csv, export_json}),

@@ -46,7 +46,7 @@ class MessagesPage : public Page {
   Table rows{*this,
              "rows",
              "Messages",
-             "What the proxy logged; choosing a row shows below what belongs to it",
+             "",
              {{.name = "time", .caption = "Time", .kind = ColumnKind::time, .sorts = true},
               {.name = "verdict", .caption = "Verdict", .kind = ColumnKind::verdict},
               {.name = "kind", .caption = "Kind", .kind = ColumnKind::word, .minor = true},

@@ -22,7 +22,7 @@ const wideWidth = 900
 const lineHeight = (): number => (coarse.value ? 44 : 32)
 const cardHeight = (): number => (coarse.value ? 76 : 60)
 
-const widths = { time: '11.5em', verdict: '7.5em', number: '6.5em', address: '9.5em', word: '8em', text: 'minmax(0, 1fr)' } as const
+const widths = { time: '12.5rem', verdict: '7rem', number: '6.5rem', address: '9rem', word: '7rem', text: 'minmax(0, 1fr)' } as const
 export const columnsOf = (columns: readonly Column[]): string => columns.map(column => widths[column.kind]).join(' ')
 
 /** The order that a click on the column's head asks for: rising, then falling, then the table's own. */

@@ -1,11 +1,11 @@
 import type { Step } from '../model/toast-text'
 import type { UploadFailureCode } from '../wire/protocol'
 import type { Messages } from './en'
-import { clockLanguage } from './clock'
+import { clockForm, clockLanguage } from './clock'
 import { sizeText } from './size'
 
 const number = new Intl.NumberFormat('de')
-const time = new Intl.DateTimeFormat(clockLanguage('de'), { dateStyle: 'medium', timeStyle: 'medium' })
+const time = new Intl.DateTimeFormat(clockLanguage('de'), clockForm)
 const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
 
 const counted = (kind: Step['kind'], count: number): string => {

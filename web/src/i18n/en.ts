@@ -2,11 +2,11 @@ import type { Refusal } from '../model/session'
 import type { Step, Summary } from '../model/toast-text'
 import type { UploadProblem } from '../model/uploads'
 import type { FailureCode, UploadFailureCode } from '../wire/protocol'
-import { clockLanguage } from './clock'
+import { clockForm, clockLanguage } from './clock'
 import { sizeText } from './size'
 
 const number = new Intl.NumberFormat('en')
-const time = new Intl.DateTimeFormat(clockLanguage('en'), { dateStyle: 'medium', timeStyle: 'medium' })
+const time = new Intl.DateTimeFormat(clockLanguage('en'), clockForm)
 const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
 
 const counted = (kind: Step['kind'], count: number): string => {
