@@ -97,8 +97,9 @@ MessagesPage::MessagesPage(Console& console) : Page(console, "messages", "Messag
       frame(Frame1, column({row({grow(filter), follow}), row({period, kind, verdict}), row({since, until})})),
       grow(rows),
       row({block_sender, allow_sender, block_domain, allow_domain, block_address, allow_address, neutral,
-           delete_rows, look_up, open_mail, export_csv, export_json}),
-      row({details, grow(related)}),
+           delete_rows, look_up, open_mail}),
+      row({grow(details), grow(related)}),
+      row({export_csv, export_json}),
   }));
 }
 

@@ -15,10 +15,16 @@ function targetOf(column: Column, cell: Cell | undefined): string | undefined {
   return column.page !== undefined && text !== '' ? addressOf(column.page, text) : undefined
 }
 
+/** A column that is shown, and which of a row's cells is in it. */
+export interface ShownColumn {
+  column: Column
+  index: number
+}
+
 /** Where the first link of a row leads. */
-export function linkOf(columns: readonly Column[], row: TableRow): string | undefined {
-  for (const [place, column] of columns.entries()) {
-    const target = targetOf(column, row.cells[place])
+export function linkOf(columns: readonly ShownColumn[], row: TableRow): string | undefined {
+  for (const { column, index } of columns) {
+    const target = targetOf(column, row.cells[index])
     if (target !== undefined) return target
   }
   return undefined
@@ -67,7 +73,7 @@ interface LineProps {
   id: string
   position: number
   height: number
-  columns: readonly Column[]
+  columns: readonly ShownColumn[]
   template: string
   cards: boolean
   row: TableRow | undefined
@@ -77,26 +83,25 @@ interface LineProps {
 }
 
 export function TableLine({ id, position, height, columns, template, cards, row, chosen, active, onChoose }: LineProps) {
-  const cell = (column: Column, place: number) => (
+  const cell = ({ column, index }: ShownColumn, place: number) => (
     <div
       key={column.name}
       role="gridcell"
       aria-colindex={place + 1}
       class={`table-cell kind-${column.kind}`}
-      data-empty={textOf(row?.cells[place]) === '' ? '' : undefined}
+      data-empty={textOf(row?.cells[index]) === '' ? '' : undefined}
       onPointerEnter={event => {
         if (column.kind === 'time') return
         const inner = event.currentTarget.querySelector<HTMLElement>('.cell-text')
         if (!inner) return
-        event.currentTarget.title = inner.scrollWidth > inner.clientWidth ? visibleText(textOf(row?.cells[place]), longestTitle) : ''
+        event.currentTarget.title = inner.scrollWidth > inner.clientWidth ? visibleText(textOf(row?.cells[index]), longestTitle) : ''
       }}
     >
-      {row === undefined ? <span class="row-waiting" /> : <Content column={column} cell={row.cells[place]} />}
+      {row === undefined ? <span class="row-waiting" /> : <Content column={column} cell={row.cells[index]} />}
     </div>
   )
-  const cells = columns.map((column, place) => ({ column, place }))
   const part = (texts: boolean) =>
-    cells.filter(({ column }) => (column.kind === 'text') === texts).map(({ column, place }) => cell(column, place))
+    columns.flatMap((shown, place) => ((shown.column.kind === 'text') === texts ? [cell(shown, place)] : []))
   return (
     <div
       id={id}
@@ -120,7 +125,7 @@ export function TableLine({ id, position, height, columns, template, cards, row,
           </div>
         </>
       ) : (
-        cells.map(({ column, place }) => cell(column, place))
+        columns.map(cell)
       )}
     </div>
   )

@@ -8,22 +8,23 @@ import { toasts } from '../state/app-state'
 import type { Column } from '../wire/protocol'
 import { Field, nameOf, naming } from './field'
 import { keyTarget } from './list-row'
-import { linkOf, TableLine } from './table-row'
+import { linkOf, TableLine, type ShownColumn } from './table-row'
 import { VirtualList, type VirtualListHandle } from './virtual-list'
 
 const filterPause = 250
 /** The host refuses to choose more. */
 const mostChosen = 10_000
-/** Narrower tables show each row as a card. */
-const cardWidth = 640
-/** Narrower ones leave minor columns out. */
-const wideWidth = 900
+const wideWidth = 1200
 
 const lineHeight = (): number => (coarse.value ? 44 : 32)
 const cardHeight = (): number => (coarse.value ? 76 : 60)
 
-const widths = { time: '12.5rem', verdict: '7rem', number: '6.5rem', address: '9rem', word: '7rem', text: 'minmax(0, 1fr)' } as const
-export const columnsOf = (columns: readonly Column[]): string => columns.map(column => widths[column.kind]).join(' ')
+const widths = { time: '13.5rem', verdict: '7rem', number: '6.5rem', address: '9rem', word: '7rem', text: 'minmax(0, 1fr)' } as const
+/** The least width, in pixels, at which a column can be read. */
+const leastWidths = { time: 215, verdict: 105, number: 90, address: 130, word: 100, text: 110 } as const
+const leastWidth = (columns: readonly ShownColumn[]): number => columns.reduce((sum, { column }) => sum + leastWidths[column.kind], 0)
+
+const templateOf = (columns: readonly ShownColumn[]): string => columns.map(({ column }) => widths[column.kind]).join(' ')
 
 /** The order that a click on the column's head asks for: rising, then falling, then the table's own. */
 export function nextSort(sort: string, column: Column): string {
@@ -32,12 +33,12 @@ export function nextSort(sort: string, column: Column): string {
   return sort === first ? second : sort === second ? '' : first
 }
 
-function Head({ control, columns, template }: { control: ControlModel; columns: readonly Column[]; template: string }) {
+function Head({ control, columns, template }: { control: ControlModel; columns: readonly ShownColumn[]; template: string }) {
   const { sort = '', enabled } = control.shown.value
   const m = messages.value
   return (
     <div role="row" aria-rowindex={1} class="table-head" style={{ gridTemplateColumns: template }}>
-      {columns.map((column, place) => {
+      {columns.map(({ column }, place) => {
         const order = sort === column.name ? 'ascending' : sort === `${column.name} desc` ? 'descending' : undefined
         return (
           <div
@@ -139,10 +140,12 @@ export function TableView({ control }: { control: ControlModel }) {
   const count = table.length
   const chosen = new Set(shown.chosen ?? [])
   const active = cursor < count ? cursor : count - 1
-  const all = shown.columns ?? []
-  const cards = width < cardWidth
-  const columns = width < wideWidth && !cards ? all.filter(column => !column.minor) : all
-  const template = columnsOf(columns)
+  const all = (shown.columns ?? []).map((column, index) => ({ column, index }))
+  // Where there is no room for all columns, the minor ones are left out; where there is none for the others, rows are cards.
+  const major = all.filter(({ column }) => !column.minor)
+  const cards = width < leastWidth(major)
+  const columns = cards || width >= leastWidth(all) ? all : major
+  const template = templateOf(columns)
   const rowHeight = cards ? cardHeight() : lineHeight()
 
   useEffect(() => {
