@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <utility>
 
 namespace zrl {
@@ -11,7 +12,7 @@ namespace {
 // Rows that are passed over on the way to a position, at a time.
 constexpr std::uint64_t stride = 5000;
 // What looks for new rows gives up beyond that many and begins anew.
-constexpr std::uint64_t most_new = 1000;
+constexpr std::uint64_t most_new = 200;
 // Farther away, nobody is led to a row.
 constexpr std::uint64_t farthest = 20'000;
 // Where the end is not known, so many rows beyond those that were read.
@@ -113,7 +114,6 @@ void KeysetRows::correct(const Known& from, const std::vector<Place>& places, co
   };
   std::int64_t shift = 0;
   bool lost = false;
-  std::vector<Known> kept;
   for (Known& known : known_) {
     if (passed(known)) {
       const std::uint64_t position = true_position(known);
@@ -121,24 +121,34 @@ void KeysetRows::correct(const Known& from, const std::vector<Place>& places, co
       known.position = position;
     } else if (precedes(*reached.place, *known.place)) {
       known.position += static_cast<std::uint64_t>(shift);
-      // So many rows have come that nobody knows how far away it is.
-      if (known.position < reached.position) {
-        lost = true;
-        continue;
-      }
+      lost = lost || known.position < reached.position;
     }
-    kept.push_back(std::move(known));
   }
-  known_ = std::move(kept);
-  const auto after = std::ranges::partition_point(
-      known_, [&](const Known& known) { return !precedes(*reached.place, *known.place); });
-  if (after == known_.begin() || *std::prev(after)->place != *reached.place) known_.insert(after, reached);
+  // So many rows have come that nobody knows how far away the others are.
+  if (lost) std::erase_if(known_, [&](const Known& known) { return precedes(*reached.place, *known.place); });
+  know(reached);
+  if (!from.place && !places.empty()) know({0, before(places.front())});
   if (lost) {
     counted_ = false;
   } else if (counted_) {
     count_.rows += static_cast<std::uint64_t>(shift);
   }
   if (lost || shift != 0) table_.rows_changed();
+}
+
+void KeysetRows::know(const Known& reached) {
+  const auto after = std::ranges::partition_point(
+      known_, [&](const Known& known) { return !precedes(*reached.place, *known.place); });
+  if (after == known_.begin() || *std::prev(after)->place != *reached.place) known_.insert(after, reached);
+}
+
+// Nothing that is there stands between it and the row. So the view begins where it began, whatever comes
+// before it later, until somebody looks for that.
+KeysetRows::Place KeysetRows::before(Place place) const {
+  using Limits = std::numeric_limits<std::int64_t>;
+  if (descending_ && place.id < Limits::max()) ++place.id;
+  if (!descending_ && place.id > Limits::min()) --place.id;
+  return place;
 }
 
 void KeysetRows::found_end(std::uint64_t position) {
@@ -170,8 +180,9 @@ std::optional<std::uint64_t> KeysetRows::position_of(std::string_view key) {
   if (!wanted) return {};
   Known here;
   for (const Known& known : known_) {
-    if (precedes(*known.place, *wanted) && known.position >= here.position) here = known;
+    if (precedes(*known.place, *wanted)) here = known;
   }
+  if (!here.place && !known_.empty()) return {};  // it has come since
   for (std::uint64_t passed = 0; passed < farthest; passed += stride) {
     const std::uint64_t base = here.position;
     std::vector<Place> places;

@@ -74,6 +74,8 @@ class KeysetRows : public RowSource {
   // Finds rows behind a known place, and knows their end then.
   Found advance(Known& from, std::uint64_t limit, TableRows* rows);
   void correct(const Known& from, const std::vector<Place>& places, const Known& reached);
+  void know(const Known& reached);
+  Place before(Place place) const;
   void found_end(std::uint64_t position);
 
   Table& table_;

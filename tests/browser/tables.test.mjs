@@ -94,6 +94,14 @@ test('all logs are on the page of messages', async () => {
   const table = grid('Messages')
   await table.locator('.table-line time').first().waitFor()
   await picture(page, 'messages')
+  // Whatever columns are left out, each cell is in its own.
+  for (const width of [1440, 1150, 900, 390]) {
+    await page.setViewportSize({ width, height: 900 })
+    await page.waitForTimeout(200)
+    const addresses = await table.locator('.table-line .kind-address').allTextContents()
+    assert.ok(addresses.length > 5 && addresses.every(text => /^[\da-f.:]+$/.test(text)), `${width}: ${addresses}`)
+  }
+  await page.setViewportSize({ width: 1440, height: 900 })
   await page.getByRole('textbox', { name: 'Filter', exact: true }).fill('reason:rbl')
   await page.waitForFunction(() => /rows/.test(document.querySelector('.table-field .count')?.textContent ?? ''))
   await table.getByText(/RBL/).first().click()

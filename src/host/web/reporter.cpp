@@ -101,8 +101,11 @@ void Reporter::cells(const BrowserMessage& asked) {
     refuse(number, "refused", "no such table: " + asked.control);
     return;
   }
+  const Revision before = shown->form->revision();
   send(cells_message(shown->id, static_cast<Table&>(*control), asked.request, {asked.start, asked.count},
                      asked.sought_text));
+  // Reading may find that rows have moved.
+  if (shown->form->revision() != before) forms();
 }
 
 void Reporter::record(const BrowserMessage& asked) {
