@@ -3,6 +3,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "core/contracts/console_folder.h"
 #include "core/list_changes.h"
@@ -238,11 +239,12 @@ TableRows MessagesPage::rows_around(const TableRows& row) {
 
 StringList MessagesPage::chosen_texts(std::string_view name) {
   StringList texts;
+  std::set<std::string> known;  // the lists ignore case
   const std::size_t place = rows.find_column(name);
   for (std::size_t i = 0; i < rows.chosen().size(); ++i) {
     const TableRows row = rows.read_key(rows.chosen()[i]);
     if (row.empty() || row.cell_at(0, place).empty()) continue;
-    if (texts.find(row.cell_at(0, place)) == texts.size()) texts.push_back(row.cell_at(0, place));
+    if (known.insert(lower(row.cell_at(0, place))).second) texts.push_back(row.cell_at(0, place));
   }
   return texts;
 }
