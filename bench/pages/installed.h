@@ -66,5 +66,6 @@ void add_iplog(Suite& suite);
 void add_message_logs(Suite& suite);
 void add_archive(Suite& suite);
 void add_header_log(Suite& suite);
+void add_lookup(Suite& suite);
 
 }  // namespace zrl::bench

@@ -12,5 +12,6 @@ int main(int argc, char** argv) {
   zrl::bench::add_message_logs(suite);
   zrl::bench::add_archive(suite);
   zrl::bench::add_header_log(suite);
+  zrl::bench::add_lookup(suite);
   return suite.run(5) ? 0 : 1;
 }

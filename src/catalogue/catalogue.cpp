@@ -27,6 +27,7 @@
 #include "pages/settings/strings_page.h"
 #include "pages/tools/keyword_tester_page.h"
 #include "pages/tools/regex_tester_page.h"
+#include "pages/traffic/lookup_page.h"
 #include "scripting/script_engine_page.h"
 #include "service/service_control_page.h"
 
@@ -34,6 +35,7 @@ namespace zrl {
 
 std::span<const PageEntry> page_catalogue() {
   static constexpr PageEntry entries[] = {
+      {"lookup", "Traffic", "Look up", make_page<LookupPage>},
       {"general", "Settings", "General", make_page<GeneralPage>},
       {"strings", "Settings", "Reply texts", make_page<StringsPage>},
       {"spf", "Settings", "SPF and Caller-ID", make_page<SpfPage>},

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "core/contracts/list_tables.h"
+#include "core/controls.h"
 
 // What is known of the proxy's lists besides their tables: what people call them, which page edits them,
 // which switches make them effective, and how the proxy finds an entry in them. All of it is data, for
@@ -48,6 +49,7 @@ struct KnownList {
   std::string_view title;   // English, a text of the catalogue; so is the next
   std::string_view phrase;  // says of the entry "%1" that it is on the list
   std::string_view page;    // that edits it, and has its switches
+  EntryKind entries;        // what they can be looked up as
   Effect effect;
   // By which of its entries a look-up finds a text touched.
   Matches matches;

@@ -67,6 +67,12 @@ Examples:
   zrlconsole list export domains.black - | sort
 )";
 
+constexpr const char* help_of_lookup = R"(
+Examples:
+  zrlconsole lookup 198.51.100.7
+  zrlconsole lookup --dns --json bob@example.net
+)";
+
 constexpr const char* help_of_script = R"(
 The files share one global module and run in their order. Scripts have the object
 WScript with Echo, Quit and Sleep, read files beside the first one, and may ask the
@@ -105,6 +111,7 @@ struct Parser {
   CLI::App* list_remove;
   CLI::App* list_import;
   CLI::App* list_export;
+  CLI::App* lookup;
 
   Parser() {
     app.set_version_flag("--version", std::string(version));
@@ -220,6 +227,14 @@ struct Parser {
       command->add_option("FILE", arguments.list.file, "A path; - is standard input or output")->required();
     }
     list_export->add_flag("--overwrite", arguments.list.overwrite, "Replace an existing file");
+
+    lookup = app.add_subcommand("lookup", "Say where an address, a domain or a word stands, and why");
+    lookup->add_flag("--json", arguments.json, "Print one JSON object");
+    lookup->add_flag("--dns", arguments.lookup.dns, "Ask the DNS too");
+    lookup
+        ->add_option("WHAT", arguments.lookup.what, "An IP number, network, domain, e-mail address or words")
+        ->required();
+    lookup->footer(help_of_lookup);
   }
 };
 
@@ -241,6 +256,7 @@ int run(const Parser& parser, const Program& program, std::istream& in, std::ost
   if (*parser.act) return run_do(arguments, program, in, out, err);
   if (*parser.list) return run_list(parser, in, out);
   if (*parser.messages) return run_messages(arguments, program, out, err);
+  if (*parser.lookup) return run_lookup(arguments, program, out);
   if (*parser.script) {
     ScriptOptions options = arguments.script;
     options.folder = arguments.folder;

@@ -91,6 +91,9 @@ int run_list_remove(const Arguments& arguments, std::ostream& out);
 int run_list_import(const Arguments& arguments, std::istream& in, std::ostream& out);
 int run_list_export(const Arguments& arguments, std::ostream& out);
 
+// What the page "lookup" shows of the text.
+int run_lookup(const Arguments& arguments, const Program& program, std::ostream& out);
+
 // Runs script files in one global module. They may be in UTF-8, UTF-16 with a byte order mark, or
 // Windows-1252, of which a note on `err` warns. They can read files in the folder of the first one.
 // WScript.Echo, MsgBox and the result of the call go to `out`, errors to `err` as FILE(LINE, COLUMN) and

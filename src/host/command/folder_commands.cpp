@@ -4,7 +4,6 @@
 #include <ostream>
 
 #include "core/console.h"
-#include "core/contracts/registry.h"
 #include "core/text/printable.h"
 #include "core/text/text.h"
 #include "host/command/commands.h"

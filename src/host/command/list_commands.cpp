@@ -58,13 +58,7 @@ class ListSession {
     return std::move(*rows);
   }
 
-  std::string last_failure() {
-    const ActivityRecord& record = plain.console.activity();
-    for (std::uint64_t i = record.total(); i > record.first(); --i) {
-      if (!record[i - 1].ok) return printable(record[i - 1].error);
-    }
-    return "unknown error";
-  }
+  std::string last_failure() { return plain.last_failure(); }
 
   PlainConsole plain;
   struct Client final : DatabaseClient {

@@ -3,6 +3,8 @@
 #include <filesystem>
 
 #include "core/console.h"
+#include "core/contracts/registry.h"
+#include "core/text/printable.h"
 #include "host/command/step_runner.h"
 #include "host/composition.h"
 #include "host/folder.h"
@@ -15,6 +17,8 @@ struct PlainConsole {
     register_components(console);
   }
 
+  std::shared_ptr<Registry> registry() { return console.components().create<Registry>(); }
+
   // Lays the folder out if there is none.
   void prepare_folder() {
     if (std::filesystem::exists(console.folder())) {
@@ -22,6 +26,15 @@ struct PlainConsole {
     } else {
       lay_out_folder(console);
     }
+  }
+
+  // Why the last step that failed did.
+  std::string last_failure() {
+    const ActivityRecord& record = console.activity();
+    for (std::uint64_t i = record.total(); i > record.first(); --i) {
+      if (!record[i - 1].ok) return printable(record[i - 1].error);
+    }
+    return "unknown error";
   }
 
   StepRunner host{[] { return std::nullopt; }, false};

@@ -38,6 +38,7 @@ void ListPage::bind_lists(TextField& entry, Place place,
     lists_.push_back({list});
     list.box.on_click = [this, &entry, number] { click_item(entry, number); };
     list.box.on_reload = [this] { fill_lists(); };
+    if (const KnownList* known = find_list(list.table.name)) list.box.set_entries_are(known->entries);
   }
 }
 

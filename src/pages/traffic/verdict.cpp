@@ -65,7 +65,12 @@ class Sentence {
     }
     if (const ListFinding* on = first([](const ListFinding& one) { return one.switched_off == nullptr; }))
       return {Word::listed, told("Listed: %1.", on)};
-    const ListFinding& off = findings_.entries.front();
+    const ListFinding* of_its_kind = first([](const ListFinding&) { return true; });
+    if (of_its_kind == nullptr) {
+      return {Word::not_listed, with_doubt(filled(translate("No list of its kind has it, but %1."),
+                                                  {clause(findings_.entries.front())}))};
+    }
+    const ListFinding& off = *of_its_kind;
     return {Word::not_in_effect,
             with_doubt(filled(translate("Listed, but not in effect: %1, and %2 is switched off."),
                               {clause(off), in_quotes(translate(off.switched_off->caption))}))};
@@ -82,9 +87,28 @@ class Sentence {
            rejects->list->table.name == list::subject_keywords.name;
   }
 
+  // A keyword that occurs in the name of a domain, say, decides nothing about the domain's mail.
+  bool concerns(const ListFinding& finding) const {
+    const EntryKind entries = finding.list->entries;
+    switch (subject_.kind) {
+      case Subject::Kind::address:
+      case Subject::Kind::network:
+        return entries == EntryKind::address || entries == EntryKind::network;
+      case Subject::Kind::mail:
+        return entries == EntryKind::mail_address || entries == EntryKind::domain;
+      case Subject::Kind::domain:
+        return entries == EntryKind::domain;
+      case Subject::Kind::nothing:
+      case Subject::Kind::text:
+        break;
+    }
+    return entries == EntryKind::word;
+  }
+
   template <typename Condition>
   const ListFinding* first(const Condition& condition) const {
-    const auto found = std::ranges::find_if(findings_.entries, condition);
+    const auto found = std::ranges::find_if(
+        findings_.entries, [&](const ListFinding& one) { return concerns(one) && condition(one); });
     return found == findings_.entries.end() ? nullptr : &*found;
   }
 

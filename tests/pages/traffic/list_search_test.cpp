@@ -111,6 +111,15 @@ TEST_F(ListSearchTest, TheSentenceSaysOnlyWhatIsKnown) {
             "list, and "
             "\"Use the subnet lists\" is switched off.");
 
+  // What is listed as something else decides nothing.
+  put("extensions", {"com"});
+  put("keywords.body", {"evil"});
+  EXPECT_EQ(verdict("evil.com"),
+            "No list of its kind has it, but \"evil\", which occurs in \"evil.com\", is a body keyword.");
+  put("domains.white", {"evil.com"});
+  EXPECT_EQ(verdict("evil.com"),
+            "Allowed: \"evil.com\" is on the domain white list. 2 more entries touch it.");
+
   // An exemption is not known to win, a white subject is.
   put("domains.except", {"spam.example"});
   EXPECT_THAT(verdict("spam.example"), StartsWith("Listed: "));

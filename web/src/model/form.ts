@@ -390,9 +390,16 @@ export class FormModel {
       const { entry, add } = shown.peek()
       if (entry === field.name && add !== undefined) names.add(add)
     }
-    const [name] = names
+    const [name = this.mainButtonOf(field)] = names
     const button = name === undefined || names.size > 1 ? undefined : this.controls.get(name)
     return button?.visible.peek() && button.shown.peek().enabled ? button : undefined
+  }
+
+  /** The form's main button, if it works on this field. */
+  private mainButtonOf(field: ControlModel): string | undefined {
+    const main = [...this.controls.values()].filter(({ shown }) => shown.peek().primary)
+    const [button] = main
+    return main.length === 1 && button?.shown.peek().needs?.includes(field.name) ? button.name : undefined
   }
 
   /** The control that has to be filled in or chosen from before the button makes sense; undefined if nothing is missing. */
