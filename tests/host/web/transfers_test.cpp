@@ -235,7 +235,7 @@ TEST(SessionExchange, AListIsWrittenForTheUserAlone) {
   EXPECT_EQ(session.until_error(session.event("localuser", "List1", "fetch")), "refused");
   session.click("localuser", "imexfile");
   session.receive("form");
-  const std::string typed = std::string(session.held("transfer", "source", "text").as_string());
+  const json::string typed = session.held("transfer", "source", "text").as_string();
   EXPECT_EQ(session.held("transfer", "File1", "exchange").at("run"), "action");
 
   for (int again = 0; again < 2; ++again) {
