@@ -83,7 +83,7 @@ MonitorPage::MonitorPage(Console& console) : Page(console, "monitor", "Mail arch
       frame(Frame2, column({row({Command2, blacklistsender, Command10, Command4, Command7, Command9, Command3,
                                  Command8}),
                             grow(List1), row({grow(wert), Command6})})),
-      frame(Frame3, row({Label18, Label12, Label19, Label13, Label20, Label14})),
+      frame(Frame3, row({row({Label18, Label12}), row({Label19, Label13}), row({Label20, Label14})})),
   }));
 }
 

@@ -55,7 +55,8 @@ PredatalogPage::PredatalogPage(Console& console) : LogPage(console, "predatalog"
 
   set_layout(column({
       row({grow(frame(Frame1, row({blacklist, whitelist, showall}))),
-           grow(frame(Frame5, row({Label9, Label4, Label10, Label5, Label11, Label6})))}),
+           grow(
+               frame(Frame5, row({row({Label9, Label4}), row({Label10, Label5}), row({Label11, Label6})})))}),
       grow(row({
           grow(frame(Frame2, column({grow(reason), rtext, row({cchange, Command2, Command1})}))),
           grow(frame(Frame3, column({grow(ip), ipcount, IPNumber, row({ipaction, delip, Command3})}))),
