@@ -91,7 +91,7 @@ test('a mail is read, exported, and answered to a mail server', async () => {
   const box = page.getByRole('alertdialog', { name: 'Email Export' })
   await box.waitFor()
   const told = await box.getByText('exported to').textContent()
-  const path = /exported to (.*)$/.exec(told)[1].trim().replaceAll('\\', '/')
+  const path = /exported to (.*)$/.exec(told)[1].trim()
   assert.ok(existsSync(path), path)
   await box.getByRole('button', { name: 'OK' }).click()
 

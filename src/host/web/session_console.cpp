@@ -34,6 +34,19 @@ std::string language_setting(Console& console) {
   return lower(trim(console.settings().regread(console.settings().language_path())));
 }
 
+// People know the console's folder under the name that the system gives it, not as a product path. A path
+// ends with its line.
+std::string with_system_paths(std::string text, const std::filesystem::path& folder) {
+  const std::string product = to_product_path(folder);
+  if (product.find('\\') == product.npos) return text;
+  for (std::size_t at = text.find(product); at != text.npos; at = text.find(product, at)) {
+    const std::size_t end = std::min(text.find_first_of("\r\n", at), text.size());
+    std::replace(text.begin() + static_cast<std::ptrdiff_t>(at),
+                 text.begin() + static_cast<std::ptrdiff_t>(end), '\\', '/');
+  }
+  return text;
+}
+
 }  // namespace
 
 SessionConsole::SessionConsole(const ConsoleSettings& settings, std::string account, Inbox& inbox,
@@ -76,8 +89,10 @@ BoxReply SessionConsole::message_box(const MessageBox& box) {
   if (turns_.ending()) return unanswered;
   reporter_.forms();
   const Turns::Pause pause(turns_);
-  box_ = OpenBox{++last_box_, &box, {}};
-  reporter_.send(box_message(box_->id, box));
+  MessageBox told = box;
+  told.text = with_system_paths(box.text, settings_.folder);
+  box_ = OpenBox{++last_box_, &told, {}};
+  reporter_.send(box_message(box_->id, told));
   turns_.serve_until_answered(box_->reply);
   const OpenBox answered = *std::exchange(box_, std::nullopt);
   reporter_.send(unbox_message(answered.id));
