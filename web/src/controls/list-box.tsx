@@ -233,7 +233,7 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
             )}
           />
           {over && <p class="drop-note">{m.dropOnList(name)}</p>}
-          {count === 0 && <p class="list-empty">{cache.filter === '' ? m.emptyList : m.noMatch}</p>}
+          {count === 0 && <p class="list-empty">{cache.filter !== '' ? m.noMatch : transferrer ? m.emptyListDrop : m.emptyList}</p>}
         </div>
         <p class="visually-hidden" role="status">
           {added !== null && m.addedAt(added.index + 1, cache.wholeLength)}

@@ -186,6 +186,7 @@ export const de: Messages = {
         ? `Zuerst „${name}“ ausfüllen oder einen Eintrag auswählen.`
         : `Zuerst „${name}“ ausfüllen.`,
   emptyList: 'Keine Einträge',
+  emptyListDrop: 'Keine Einträge. Fügen Sie einen hinzu, oder legen Sie eine Textdatei hier ab.',
   noMatch: 'Nichts passt zum Filter',
   time: (seconds: number): string => time.format(seconds * 1000),
   verdicts: { rejected: 'Abgewiesen', allowed: 'Erlaubt', neutral: 'Neutral' },

@@ -188,6 +188,7 @@ export const en = {
   missing: (name: string, isList: boolean, hasList: boolean): string =>
     isList ? `Choose an entry of “${name}” first.` : hasList ? `Fill in “${name}” or choose an entry first.` : `Fill in “${name}” first.`,
   emptyList: 'No entries',
+  emptyListDrop: 'No entries. Add one, or drop a text file here.',
   noMatch: 'Nothing matches the filter',
   time: (seconds: number): string => time.format(seconds * 1000),
   verdicts: { rejected: 'Rejected', allowed: 'Allowed', neutral: 'Neutral' },
