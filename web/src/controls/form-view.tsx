@@ -41,6 +41,9 @@ function GroupTip({ controls, caption }: { controls: ControlModel[]; caption?: s
   )
 }
 
+const insideOf = (frame: ControlModel): ControlModel[] =>
+  [...frame.form.controls.values()].filter(other => frame.form.frameAround(other.name) === frame)
+
 type FrameNode = LayoutNode & { frame: string; content: LayoutNode; fold?: boolean }
 
 /** What few people need: its content is there once somebody has unfolded it, on this device. Where it is for files of the console's
@@ -53,6 +56,7 @@ function FoldedFrame({ form, node, depth, control }: NodeProps & { node: FrameNo
     setOpen(!open)
   }
   const bodyId = `${control.id}-body`
+  const caption = form.labelOf(control.shown.value)
   const exchanges = leaves(node).flatMap(name => {
     const files = form.controls.get(name)
     const declared = files?.shown.value.exchange
@@ -62,12 +66,15 @@ function FoldedFrame({ form, node, depth, control }: NodeProps & { node: FrameNo
     <>
       {exchanges}
       <div class="frame fold" role="group" aria-labelledby={`${control.id}-title`} data-control={control.id} data-open={open ? '' : undefined}>
-        <h2 class="fold-head">
-          <button type="button" id={`${control.id}-title`} aria-expanded={open} aria-controls={open ? bodyId : undefined} onClick={fold}>
-            <Icon name="chevron" />
-            {form.labelOf(control.shown.value)}
-          </button>
-        </h2>
+        <div class="fold-head">
+          <h2>
+            <button type="button" id={`${control.id}-title`} aria-expanded={open} aria-controls={open ? bodyId : undefined} onClick={fold}>
+              <Icon name="chevron" />
+              {caption}
+            </button>
+          </h2>
+          {open && <GroupTip controls={insideOf(control)} caption={caption} />}
+        </div>
         {open && (
           <div id={bodyId} class="fold-body">
             <Node form={form} node={node.content} depth={depth + 1} />
@@ -84,7 +91,7 @@ function Frame({ form, node, depth }: NodeProps & { node: FrameNode }) {
   if (!control || !shown) return <Node form={form} node={node.content} depth={depth} />
   if (node.fold) return <FoldedFrame form={form} node={node} depth={depth} control={control} />
   const titleId = `${control.id}-title`
-  const inside = [...form.controls.values()].filter(other => form.frameAround(other.name) === control)
+  const inside = insideOf(control)
   const caption = form.labelOf(shown)
   const facts = factsOf(form)
   const radio = isRadioGroup(node.content, facts)
