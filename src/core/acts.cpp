@@ -84,13 +84,14 @@ void Acts::say_of(bool worked, const Sentence& sentence, SentenceValues values) 
   add(sentence.done, sentence.failed, SentenceTone::good, {values.begin(), values.size()}, worked);
 }
 
-void Acts::say_counted(const Sentence& sentence, std::uint64_t count, SentenceValues values) {
+void Acts::say_counted(const Sentence& sentence, std::uint64_t count, SentenceValues values,
+                       std::optional<bool> worked) {
   const std::string number = grouped(count, console_.localisation().current_language() == "german");
   std::vector<std::string_view> all{number};
   all.insert(all.end(), values.begin(), values.end());
   const bool single = count == 1 && !sentence.one.empty();
   add(single ? sentence.one : sentence.done, sentence.failed,
-      count == 0 ? SentenceTone::neutral : SentenceTone::good, all);
+      count == 0 ? SentenceTone::neutral : SentenceTone::good, all, worked);
 }
 
 void Acts::say(std::string_view text, SentenceTone tone, SentenceValues values, Reason reason) {

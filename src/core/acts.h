@@ -36,8 +36,10 @@ class Acts {
   // The same where one write of them is the sentence's, and the others belong to it: `worked` tells whether
   // that one did.
   void say_of(bool worked, const Sentence& sentence, SentenceValues values);
-  // The same with a number as its first value; an act that concerned nothing is neutral.
-  void say_counted(const Sentence& sentence, std::uint64_t count, SentenceValues values);
+  // The same with a number as its first value, of what was done; one that did nothing is neutral. Where an
+  // act goes on after a failure, `worked` tells whether it did anything.
+  void say_counted(const Sentence& sentence, std::uint64_t count, SentenceValues values,
+                   std::optional<bool> worked = {});
   // Says this text, a literal, whatever failed before. With `reason`, that of the act's last failure follows.
   enum class Reason : bool { none, told };
   void say(std::string_view text, SentenceTone tone, SentenceValues values, Reason reason = Reason::none);

@@ -37,7 +37,6 @@ inline constexpr Sentence not_on_list{"Nothing removed: %1 is not in the %2", "%
 inline constexpr Sentence on_neither_list{"Nothing removed: %1 is in neither list", "%1 not removed"};
 inline constexpr Sentence proxy_told{"The proxy is to read the %1 again",
                                      "The proxy was not told to read the %1 again"};
-inline constexpr Sentence stored{"%1 stored", "%1 not stored"};
 inline constexpr Sentence switched_on{"\"%1\" switched on", "\"%1\" not switched on"};
 inline constexpr Sentence switched_off{"\"%1\" switched off", "\"%1\" not switched off"};
 inline constexpr Sentence log_rows_of{"Rows of %1 deleted from the logs", "Rows of %1 not deleted"};

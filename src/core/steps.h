@@ -63,6 +63,11 @@ class Steps {
   void say_counted(const Sentence& sentence, std::uint64_t count, SentenceValues values = {}) const {
     console_.acts().say_counted(sentence, count, values);
   }
+  // The same for an act on each of several: `done` counts those for which it worked, `count` all of them.
+  void say_of_each(const Sentence& sentence, std::uint64_t done, std::uint64_t count,
+                   SentenceValues values = {}) const {
+    console_.acts().say_counted(sentence, done, values, done > 0 || count == 0);
+  }
   // It worked; what may have failed beside it is told, too.
   void say_done(std::string_view text, SentenceValues values = {}) const {
     console_.acts().say(text, SentenceTone::good, values);

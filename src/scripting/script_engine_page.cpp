@@ -130,6 +130,7 @@ void ScriptEnginePage::fill_script_list() {
 }
 
 void ScriptEnginePage::ensure_script_table() {
+  const Acts::Routine routine(console().acts());
   create_table("scriptengine",
                "scriptname nvarchar (255) NOT NULL Primary Key, scriptcontent image NULL, sposition "
                "nvarchar(255) null, prio int default 0, svisible int default 0");

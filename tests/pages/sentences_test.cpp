@@ -11,6 +11,7 @@
 #include <sys/resource.h>
 
 #include "catalogue/catalogue.h"
+#include "core/input_hint.h"
 #include "pages/settings/general_page.h"
 #include "support/dns_environment.h"
 #include "support/installed_console.h"
@@ -183,6 +184,19 @@ TEST_F(SentencesTest, OfFailedActsSayWhyAndAreNeverGood) {
               ElementsAre(StartsWith("bad: The lists could not be fetched from the server: ")));
 }
 
+// A stranger's text stops none of the others.
+TEST_F(SentencesTest, OfManyCountThoseThatWorked) {
+  for (const char* sender : {"a@spam.example", "b@spam.example"}) {
+    execute("INSERT INTO avlog (mailfrom, reason) VALUES ('" + value(sender) + "','x')");
+  }
+  EXPECT_THAT(said_after("avlog", {"Command1"}),
+              ElementsAre("good: 2 senders added to the address black list"));
+  execute("INSERT INTO avlog (mailfrom, reason) SELECT char(39)||'c', 'x'");
+  EXPECT_THAT(
+      said_after("avlog", {"Command1"}),
+      ElementsAre(StartsWith("bad: 2 senders added to the address black list. A step of it failed: ")));
+}
+
 // The statement works; only the end of the act finds the disk full.
 TEST_F(SentencesTest, OfAnActThatDidNotLastSayTheOpposite) {
   Page& page = shown("general");
@@ -203,7 +217,7 @@ TEST_F(SentencesTest, ValuesArePrintableBoundedAndNotReadAgain) {
   act(page, "ip=%2 \x1B[31m\xE2\x80\xAE" + std::string(10'000, 'x'));
   act(page, "Command1");
   ASSERT_EQ(said().size(), 1u);
-  EXPECT_THAT(said().front(), StartsWith("neutral: Nothing changed: %2 \\x1B[31m\\xE2\\x80\\xAExxx"));
+  EXPECT_THAT(said().front(), StartsWith("neutral: Nothing changed: %2 \\x1b[31m\\xe2\\x80\\xaexxx"));
   EXPECT_LT(said().front().size(), 300u);
 }
 
@@ -213,6 +227,15 @@ TEST_F(SentencesTest, AreInTheLanguageOfTheConsole) {
               ElementsAre("good: spam.example zur schwarzen Liste der Dom\xC3\xA4nen hinzugef\xC3\xBCgt"));
   EXPECT_THAT(said_after("wbuser", {"mail=nobody", "addwhite"}),
               ElementsAre("neutral: Nichts gespeichert: Eine Adresse braucht ein @"));
+}
+
+// Hints come while people type: they are no steps.
+TEST_F(SentencesTest, HintsLeaveNoTrace) {
+  EXPECT_EQ(input_hint(console, expects::keyword, "REGEX[a(b]").text,
+            "The regular expression is broken: Expected ')' in regular expression");
+  EXPECT_EQ(input_hint(console, expects::domain, "http://spam.example").unfinished, false);
+  EXPECT_THAT(activity(), IsEmpty());
+  EXPECT_THAT(said(), IsEmpty());
 }
 
 // Whoever adds an act gives it words.

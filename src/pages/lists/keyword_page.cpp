@@ -72,7 +72,10 @@ void KeywordPage::load() {
 void KeywordPage::fill_lists() {
   fill_list_boxes();
   load_switches({&Check3, &Check2, &Check1});
-  follow_subject_check();
+  {
+    const Acts::Routine routine(console().acts());
+    follow_subject_check();
+  }
   load_switches({&checklongsubject, &checkshortsubject});
   load_subjectspace();
   checkheader.set_enabled(Check2.checked());

@@ -46,7 +46,8 @@ std::vector<Page::ListPlace> ListPage::list_places() const {
   std::vector<ListPlace> places;
   for (const BoundList& bound : lists_) {
     const List& list = bound.list;
-    if (list.condition.empty()) places.push_back({&list.box, {list.table, list.entries}});
+    // A condition hides empty entries only, which no search finds.
+    places.push_back({&list.box, {list.table, list.entries}});
   }
   return places;
 }
@@ -156,7 +157,9 @@ void ListPage::fill_list(BoundList& bound) {
 void ListPage::update_lists(std::span<const ListFile> files) {
   std::string status;
   const bool fetched = fetch_lists(*this, component<Downloader>(), status);
-  say_merged(*this, fetched, merge_lists(*this, console(), files));
+  if (!fetched) say_not_fetched(*this);
+  const MergedLists merged = merge_lists(*this, console(), files);
+  if (fetched) say_merged(*this, merged);
 }
 
 LayoutNode list_head(LayoutNode entry, std::initializer_list<LayoutNode> tools) {

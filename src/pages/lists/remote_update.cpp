@@ -125,10 +125,13 @@ MergedLists merge_lists(DatabaseClient& client, Console& console, std::span<cons
   return merged;
 }
 
-void say_merged(const DatabaseClient& client, bool fetched, const MergedLists& merged) {
+void say_not_fetched(const DatabaseClient& client) {
+  client.say_failed("The lists could not be fetched from the server");
+}
+
+void say_merged(const DatabaseClient& client, const MergedLists& merged) {
   const std::string added = client.number_text(merged.added);
   const std::string removed = client.number_text(merged.removed);
-  if (!fetched) return client.say_failed("The lists could not be fetched from the server");
   if (merged.failed == 0) {
     return client.say_done("Lists updated: %1 entries added, %2 removed", {added, removed});
   }

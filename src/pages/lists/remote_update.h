@@ -55,7 +55,8 @@ struct MergedLists {
 // noted.
 MergedLists merge_lists(DatabaseClient& client, Console& console, std::span<const ListFile> files);
 
-// Says in a sentence what came of fetching and merging.
-void say_merged(const DatabaseClient& client, bool fetched, const MergedLists& merged);
+// Say in a sentence what came of it: that nothing was fetched, right after that failed, or what was merged.
+void say_not_fetched(const DatabaseClient& client);
+void say_merged(const DatabaseClient& client, const MergedLists& merged);
 
 }  // namespace zrl

@@ -22,13 +22,13 @@ AvlogPage::AvlogPage(Console& console) : LogPage(console, "avlog", "Attachment l
   ip.on_click = [this] { Text2.set_text(ip.chosen()); };
 
   const auto bind_all = [&](Button& button, const ListTable* own,
-                            const std::function<void(std::string_view)>& action) {
+                            const std::function<bool(std::string_view)>& action) {
     bind_busy(button, [this, own, action] {
       const std::size_t senders = from.items().size();
       lowercase_mail_lists();
-      for_each_sender(action);
-      if (own == nullptr) return say_counted(senders_removed, senders);
-      say_counted(senders_added, senders, {list_words(*own)});
+      const std::size_t done = for_each_sender(action);
+      if (own == nullptr) return say_of_each(senders_removed, done, senders);
+      say_of_each(senders_added, done, senders, {list_words(*own)});
     });
   };
   const auto bind_one = [&](Button& button, const std::function<void(std::string_view)>& action) {
@@ -39,15 +39,15 @@ AvlogPage::AvlogPage(Console& console) : LogPage(console, "avlog", "Attachment l
     });
   };
   const auto list_one = [this](std::string_view sender, const ListTable& own, const ListTable& opposite) {
-    list_sender(sender, own, opposite);
-    say_added(lower(trim(sender)), own);
+    const bool stored = list_sender(sender, own, opposite);
+    say_added(lower(trim(sender)), own, stored);
   };
   bind_all(Command1, &list::black_mails,
-           [this](std::string_view v) { list_sender(v, list::black_mails, list::white_mails); });
+           [this](std::string_view v) { return list_sender(v, list::black_mails, list::white_mails); });
   bind_all(Command2, &list::white_mails,
-           [this](std::string_view v) { list_sender(v, list::white_mails, list::black_mails); });
+           [this](std::string_view v) { return list_sender(v, list::white_mails, list::black_mails); });
   bind_all(Command5, nullptr,
-           [this](std::string_view v) { unlist_sender(v, list::black_mails, list::white_mails); });
+           [this](std::string_view v) { return unlist_sender(v, list::black_mails, list::white_mails); });
   bind_one(Command7, [=](std::string_view v) { list_one(v, list::black_mails, list::white_mails); });
   bind_one(Command8, [=](std::string_view v) { list_one(v, list::white_mails, list::black_mails); });
   bind_one(Command9, [this](std::string_view v) {
@@ -122,25 +122,28 @@ void AvlogPage::click_sender() {
   Text2.set_text("");
 }
 
-void AvlogPage::list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite) {
+bool AvlogPage::list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite) {
   const std::string entry = lower(trim(sender));
-  run_entry_steps(*this, std::array{put_on(own), take_off(opposite)}, entry);
+  return run_entry_steps(*this, std::array{put_on(own), take_off(opposite)}, entry);
 }
 
-void AvlogPage::unlist_sender(std::string_view sender, const ListTable& first, const ListTable& second) {
+bool AvlogPage::unlist_sender(std::string_view sender, const ListTable& first, const ListTable& second) {
+  const std::uint64_t failures = console().activity().failures();
   run_entry_steps(*this, std::array{take_off(first), take_off(second)}, lower(trim(sender)));
+  return console().activity().failures() == failures;
 }
 
 // The order of the steps differs from that for a single address, on purpose.
 void AvlogPage::list_all_addresses(IpStatus status) {
   const StringList addresses = ip.items();
+  std::size_t listed = 0;
   for (std::size_t i = 0; i < addresses.size(); ++i) {
     keep_alive(addresses[i], i, addresses.size());
     set_status("predatalog", status, addresses[i]);
     set_status("iplog", status, addresses[i]);
-    list_address(status, addresses[i]);
+    if (list_address(status, addresses[i])) ++listed;
   }
-  say_listed(status, addresses.size());
+  say_listed(status, listed, addresses.size());
 }
 
 void AvlogPage::list_one_address(IpStatus status) {
@@ -174,12 +177,14 @@ void AvlogPage::lowercase_mail_lists() {
   lcase_table(list::white_mails);
 }
 
-void AvlogPage::for_each_sender(const std::function<void(std::string_view)>& action) {
+std::size_t AvlogPage::for_each_sender(const std::function<bool(std::string_view)>& action) {
   const StringList senders = from.items();
+  std::size_t done = 0;
   for (std::size_t i = 0; i < senders.size(); ++i) {
     keep_alive(senders[i], i, senders.size());
-    action(senders[i]);
+    if (action(senders[i])) ++done;
   }
+  return done;
 }
 
 }  // namespace zrl

@@ -52,8 +52,8 @@ class AvlogPage : public LogPage {
   void click_row();
   void click_sender();
 
-  void list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite);
-  void unlist_sender(std::string_view sender, const ListTable& first, const ListTable& second);
+  bool list_sender(std::string_view sender, const ListTable& own, const ListTable& opposite);
+  bool unlist_sender(std::string_view sender, const ListTable& first, const ListTable& second);
   void list_all_addresses(IpStatus status);
   void list_one_address(IpStatus status);
   void clear_sender();
@@ -61,7 +61,8 @@ class AvlogPage : public LogPage {
   void lowercase_mail_lists();
 
   // Runs the action for each sender that is listed; progress is shown and events run in between.
-  void for_each_sender(const std::function<void(std::string_view)>& action);
+  // How many of them it worked for.
+  std::size_t for_each_sender(const std::function<bool(std::string_view)>& action);
 
   LogRows rows_;
   bool mail_lists_lower_cased_ = false;

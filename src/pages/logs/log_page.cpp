@@ -13,18 +13,16 @@ void LogPage::set_status(Literal table, IpStatus status, std::string_view addres
   execute("UPDATE " + table + " set status=" + number(digit) + " where IPNumber='" + value(address) + "'");
 }
 
-void LogPage::list_address(IpStatus status, std::string_view address) {
+bool LogPage::list_address(IpStatus status, std::string_view address) {
   switch (status) {
-    case IpStatus::neutral:
-      remove_from_iplist(address);
-      break;
     case IpStatus::white:
-      add_to_whitehost(address);
-      break;
+      return add_to_whitehost(address);
     case IpStatus::black:
-      add_to_blackhost(address);
+      return add_to_blackhost(address);
+    case IpStatus::neutral:
       break;
   }
+  return remove_from_iplist(address);
 }
 
 void LogPage::say_listed(IpStatus status, std::string_view address) {
@@ -32,14 +30,14 @@ void LogPage::say_listed(IpStatus status, std::string_view address) {
   say_added(address, status == IpStatus::black ? list::black_addresses : list::white_addresses);
 }
 
-void LogPage::say_listed(IpStatus status, std::size_t addresses) {
+void LogPage::say_listed(IpStatus status, std::size_t listed, std::size_t addresses) {
   static constexpr Sentence removed{"%1 IP numbers removed from both lists", "IP numbers not removed",
                                     "1 IP number removed from both lists"};
   static constexpr Sentence added{"%1 IP numbers added to the %2", "IP numbers not added to the %2",
                                   "1 IP number added to the %2"};
-  if (status == IpStatus::neutral) return say_counted(removed, addresses);
+  if (status == IpStatus::neutral) return say_of_each(removed, listed, addresses);
   const ListTable& own = status == IpStatus::black ? list::black_addresses : list::white_addresses;
-  say_counted(added, addresses, {list_words(own)});
+  say_of_each(added, listed, addresses, {list_words(own)});
 }
 
 void LogPage::delete_rows(std::initializer_list<Literal> tables, Literal column, std::string_view text) {

@@ -32,10 +32,10 @@ class LogPage : public Page {
   void set_status(Literal table, IpStatus status, std::string_view address);
   // Puts the address on the list that belongs to the status, which takes it off the other one; a neutral
   // address is taken off both.
-  void list_address(IpStatus status, std::string_view address);
+  bool list_address(IpStatus status, std::string_view address);
   // Says to which list these went, or that they left both.
   void say_listed(IpStatus status, std::string_view address);
-  void say_listed(IpStatus status, std::size_t addresses);
+  void say_listed(IpStatus status, std::size_t listed, std::size_t addresses);
 
   // Deletes from each table, in this order, the rows with the value in the column.
   void delete_rows(std::initializer_list<Literal> tables, Literal column, std::string_view value);

@@ -178,12 +178,13 @@ void PredatalogPage::change_all() {
   }
   if (!rtext.text().empty()) say(reason_changed, {rtext.text()});
   const std::size_t addresses = ip.items().size();
+  std::size_t listed = 0;
   for_each_address([&](std::string_view address) {
     set_status("predatalog", chosen.status, address);
     set_status("iplog", chosen.status, address);
-    list_address(chosen.list_for_all, address);
+    if (list_address(chosen.list_for_all, address)) ++listed;
   });
-  if (addresses > 0 || rtext.text().empty()) say_listed(chosen.list_for_all, addresses);
+  if (addresses > 0 || rtext.text().empty()) say_listed(chosen.list_for_all, listed, addresses);
   refresh();
 }
 

@@ -141,8 +141,10 @@ void GeneralPage::update_all() {
   const auto downloader = component<Downloader>();
   process_events();
   const bool fetched = fetch_lists(*this, downloader, status);
+  if (!fetched) say_not_fetched(*this);
   process_events();
-  say_merged(*this, fetched, merge_lists(*this, console(), all_list_files()));
+  const MergedLists merged = merge_lists(*this, console(), all_list_files());
+  if (fetched) say_merged(*this, merged);
   process_events();
   process_events();
   load_settings();

@@ -96,8 +96,8 @@ TEST_F(SessionWordsTest, AClickThatThePageWouldRefuseIsExplainedAndTheTextStays)
 
 TEST_F(SessionWordsTest, EntriesAreFoundWhereTheyAreShown) {
   for (const auto& [page, field, text, button] :
-       {std::array{"domainbw", "Text1", "needle.example", "Command3"},
-        std::array{"wbuser", "mail", "a@needle.example", "addwhite"},
+       {std::array{"wbuser", "mail", "a@needle.example", "addwhite"},
+        std::array{"domainbw", "Text1", "needle.example", "Command3"},
         std::array{"keywords", "Text1", "the <b>needle</b>", "Command2"}}) {
     session.show(page);
     session.until_done(type(page, field, text));
@@ -120,7 +120,7 @@ TEST_F(SessionWordsTest, EntriesAreFoundWhereTheyAreShown) {
 TEST_F(SessionWordsTest, TheLanguageChangesAtOnceAndIsAudited) {
   session.show("domainbw");
   session.send(json::parse(R"({"type": "language", "language": "german", "seq": 100})"));
-  EXPECT_EQ(session.receive("activity").at("said").at(0).at("text"), "The language is German");
+  EXPECT_EQ(session.receive("activity").at("said").at(0).at("text"), "Die Sprache ist Deutsch");
   EXPECT_EQ(session.receive("hello").at("language"), "german");
   session.receive("form");
   EXPECT_EQ(found("x").at("hits"), json::array());

@@ -17,8 +17,11 @@ const within = (box: DOMRect, x: number, y: number): boolean =>
 function placeOf(anchor: Element, box: DOMRect, size: DOMRect): { left: number; top: number } {
   const within = (value: number, length: number, whole: number): number => Math.max(gap, Math.min(value, whole - length - gap))
   const left = within(box.left, size.width, innerWidth)
+  // What does not fit in a field stands right below it.
+  const hint = anchor.querySelector('.field-hint[data-on]')?.getBoundingClientRect()
+  const bottom = Math.max(box.bottom, hint?.bottom ?? box.bottom)
   const places = [
-    { left, top: box.bottom + gap },
+    { left, top: bottom + gap },
     { left: box.right + gap, top: within(box.top, size.height, innerHeight) },
     { left, top: box.top - size.height - gap },
   ].filter(({ left, top }) => top >= gap && top + size.height <= innerHeight - gap && left + size.width <= innerWidth - gap)
@@ -31,7 +34,7 @@ function placeOf(anchor: Element, box: DOMRect, size: DOMRect): { left: number; 
       return left < used.right && used.left < left + size.width && top < used.bottom && used.top < top + size.height
     }).length
   const [best] = places.map(place => ({ ...place, covered: covers(place) })).sort((a, b) => a.covered - b.covered)
-  return best ?? { left, top: within(box.bottom + gap, size.height, innerHeight) }
+  return best ?? { left, top: within(bottom + gap, size.height, innerHeight) }
 }
 
 /** The one tool tip of the page. It belongs to whatever carries data-tip, stays while the pointer is on it, and goes with Escape. */
