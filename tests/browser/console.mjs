@@ -136,6 +136,8 @@ export class Browser {
     })
     page.on('pageerror', error => this.problems.push(error.stack))
     page.on('dialog', dialog => {
+      // The browser's own question about unsaved texts; a test that is about it answers it by itself.
+      if (dialog.type() === 'beforeunload') return void dialog.accept().catch(() => {})
       this.problems.push(`a script of a stranger ran: ${dialog.message()}`)
       void dialog.dismiss()
     })
@@ -215,7 +217,12 @@ async function follow(page, link, name) {
     await page.getByRole('navigation').locator(`[aria-controls="${group}"]`).click()
   }
   await link.click()
-  await page.locator(`main [data-control^="c-${name}-"]`).first().waitFor()
+  // What a test has typed and not saved is of no use to it any more.
+  const leave = page.getByRole('alertdialog').getByRole('button', { name: /^(Leave|Verlassen)$/ })
+  const shown = page.locator(`main [data-control^="c-${name}-"]`).first()
+  await shown.or(leave).first().waitFor()
+  if (await leave.isVisible()) await leave.click()
+  await shown.waitFor()
 }
 
 /** Drops a text file of this name on an element, as from the desktop. */

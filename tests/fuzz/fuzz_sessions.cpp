@@ -54,6 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   inbox.push({Incoming::Kind::message, 1, std::move(line)});
   inbox.push({Incoming::Kind::stopping, 0, {}});
-  zrl::web::SessionConsole(settings, "fuzz", inbox, offered, output).run();
+  zrl::web::TerminalPlaces terminals;
+  zrl::web::SessionConsole(settings, {"fuzz", "tab"}, terminals, inbox, offered, output).run();
   return 0;
 }

@@ -12,10 +12,11 @@ import { Shell } from './shell/shell'
 import { followUse, ToastsView } from './shell/toasts-view'
 import { Door } from './sign-in/sign-in'
 import { begin, connection, screen } from './state/app-state'
-import { watchPresence } from './wire/presence'
+import { watchChanges, watchPresence } from './wire/presence'
 import './styles/tokens.css'
 import './styles/base.css'
 import './styles/controls.css'
+import './styles/drafts.css'
 import './styles/lists.css'
 import './styles/table.css'
 import './styles/counts.css'
@@ -43,6 +44,7 @@ function App() {
 followTheme()
 followPointer()
 watchPresence(window, () => connection.send({ type: 'active' }))
+watchChanges(document, () => connection.status.peek() === 'open' && connection.send({ type: 'look' }))
 followUse()
 catchStrayFiles()
 listenForEscape()

@@ -1,5 +1,6 @@
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest'
 import { ActivityModel } from '../src/model/activity'
+import { Drafts } from '../src/model/drafts'
 import { Session } from '../src/model/session'
 import type { Connection } from '../src/wire/connection'
 import type { Control, FormMessage, Hello, SequencedMessage } from '../src/wire/protocol'
@@ -9,6 +10,7 @@ const usable = { enabled: true, visible: true }
 const hello: Hello = {
   type: 'hello',
   account: 'admin',
+  tab: 'a tab',
   language: 'english',
   product: 'P',
   version: '1',
@@ -29,7 +31,7 @@ const controls = (): Record<string, Control> => ({
   go: { kind: 'Button', caption: 'Go', ...usable },
 })
 
-function start() {
+function start(drafts?: Drafts) {
   const line = { up: true, seq: 0, sent: [] as (SequencedMessage & { seq: number })[] }
   const connection = {
     sendSequenced: (message: SequencedMessage) => {
@@ -39,7 +41,7 @@ function start() {
     },
     send: () => line.up,
   } as unknown as Connection
-  const session = new Session(connection, new ActivityModel())
+  const session = new Session(connection, new ActivityModel(), drafts)
   session.opened()
   session.receive(hello)
   session.receive(formOf(controls()))
@@ -237,5 +239,66 @@ describe('forms', () => {
     session.receive(hello)
     session.receive(formOf(controls()))
     expect(session.page.value).toBe(before)
+  })
+})
+
+describe('unsaved texts', () => {
+  function typing() {
+    const kept = new Map<string, string>()
+    const storage = {
+      get length() {
+        return kept.size
+      },
+      key: (index: number) => [...kept.keys()][index] ?? null,
+      getItem: (name: string) => kept.get(name) ?? null,
+      setItem: (name: string, value: string) => void kept.set(name, value),
+      removeItem: (name: string) => void kept.delete(name),
+    }
+    return { ...start(new Drafts(storage)), storage }
+  }
+
+  it('are kept until an act has used them, and offered again when the page put something else in their place', () => {
+    const { session, control, change } = typing()
+    control('text').type('mine')
+    expect(session.unsaved).toBe(true)
+    vi.advanceTimersByTime(250)
+    change(1, { text: { unsaved: true } })
+    session.receive({ type: 'done', seq: 1 })
+    expect([session.unsaved, session.drafts.count]).toEqual([true, 1])
+    change(2, { text: { unsaved: false, setAside: true, text: 'chosen' } })
+    expect([session.unsaved, session.drafts.count, control('text').draft.value?.text]).toEqual([false, 1, 'mine'])
+    control('text').restoreDraft()
+    expect(control('text').text.value).toBe('mine')
+    vi.advanceTimersByTime(250)
+    change(3, { text: { unsaved: true } })
+    change(4, { text: { unsaved: false, setAside: false } })
+    expect([session.unsaved, session.drafts.count, control('text').draft.value]).toEqual([false, 0, null])
+  })
+
+  it('are offered in the console that takes the place of a lost one, passwords never', () => {
+    const { session, control, storage } = typing()
+    const secret = { kind: 'TextField' as const, text: '', secret: true, ...usable }
+    session.receive(formOf({ ...controls(), secret }))
+    control('text').type('mine')
+    control('secret').type('hidden')
+    vi.advanceTimersByTime(250)
+    let renewed = 0
+    session.onRenewed = () => ++renewed
+    session.opened()
+    session.receive({ ...hello, tab: 'another tab' })
+    expect([renewed, session.page.value]).toEqual([1, null])
+    session.receive(formOf({ ...controls(), secret }))
+    expect([control('text').text.value, control('text').draft.value?.text]).toEqual(['old', 'mine'])
+    expect([control('secret').draft.value, [...Array(storage.length).keys()].some(i => storage.getItem(storage.key(i)!)!.includes('hidden'))]).toEqual([null, false])
+    control('text').discardDraft()
+    expect(session.drafts.count).toBe(0)
+  })
+
+  it('keep the page where the person did not want to leave it', () => {
+    const { session } = start()
+    session.open('other')
+    expect(session.opening.value).toBe('other')
+    session.receive({ type: 'done', seq: 1 })
+    expect([session.opening.value, session.page.value?.name]).toEqual([null, 'page'])
   })
 })

@@ -139,6 +139,9 @@ struct Parser {
         ->type_name("NAME")
         ->expected(1)
         ->take_all();
+    serve->add_option("--tabs", arguments.serve.tabs, "How many tabs somebody may have open (default 64)")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, 1000));
     serve->add_flag(
         "--require-audit", arguments.serve.audit_required,
         "Refuse actions while the audit log cannot be written; else only report that they are lost");

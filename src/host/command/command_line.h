@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <iosfwd>
@@ -18,6 +19,7 @@ struct ServeOptions {
   std::string certificate;                // PEM files; TLS if both are given
   std::string key;
   bool allow_root = false;
+  std::size_t tabs = 64;           // of a session
   bool audit_required = false;     // actions are refused while the audit log cannot be written
   std::vector<std::string> hosts;  // names under which browsers may reach the host besides its address
 };

@@ -79,6 +79,10 @@ int serve(const ServeOptions& options, std::span<const PageEntry> pages) {
   host_options.pages = pages;
   host_options.register_components = register_components;
   host_options.audit_required = options.audit_required;
+  host_options.session_limits.tabs = options.tabs;
+  // Each tab has a connection; requests need some beside them.
+  constexpr std::size_t beside = 32;
+  host_options.server_limits.connections_a_network = options.tabs + beside;
   host_options.notify = notify_operator;
   web::WebHost host(std::move(host_options));
   for (const std::string& warning : host.warnings()) notify_operator(warning);

@@ -28,6 +28,19 @@ constexpr std::size_t max_json_depth = 4;
 constexpr std::size_t longest_noted = 64;  // of what strangers send
 constexpr std::string_view api_path = "/api";
 
+// A value in the query, in which nothing that we understand needs an encoding; empty without it.
+std::string_view query_value(const Request& request, std::string_view name) {
+  std::string_view rest = request.query;
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find('&'), rest.size());
+    const std::string_view item = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    const std::size_t sign = std::min(item.find('='), item.size());
+    if (item.substr(0, sign) == name) return item.substr(std::min(sign + 1, item.size()));
+  }
+  return {};
+}
+
 Response too_many_tries(std::chrono::seconds wait) {
   Response response = json_response(429, {{"error", "too_many_tries"}, {"retryAfter", wait.count()}});
   response.headers.emplace_back("Retry-After", std::to_string(wait.count()));
@@ -131,7 +144,7 @@ std::variant<std::monostate, Response, std::shared_ptr<BodySink>> Application::r
   if (!is_ours(request)) return error_response(403, "forbidden");
   const std::shared_ptr<Session> session = sessions_.find(session_token(request));
   if (!session) return error_response(401, "signed_out");
-  return session->receive_upload(request);
+  return session->receive_upload(request, query_value(request, "tab"));
 }
 
 std::variant<Response, std::shared_ptr<ChannelListener>> Application::upgrade(const Request& request) {
@@ -139,7 +152,9 @@ std::variant<Response, std::shared_ptr<ChannelListener>> Application::upgrade(co
   if (!is_ours(request)) return error_response(403, "forbidden");
   const std::shared_ptr<Session> session = sessions_.find(session_token(request));
   if (!session) return error_response(401, "signed_out");
-  return session->new_listener();
+  const bool may_be_a_copy = query_value(request, "copy") == "1";
+  return session->new_listener(query_value(request, "tab"),
+                               may_be_a_copy ? Session::Claim::maybe_a_copy : Session::Claim::own);
 }
 
 Response Application::asset(const Request& request) const {

@@ -129,6 +129,7 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
   } else if (control.kind() == ControlKind::list_box) {
     const auto& list = static_cast<const ListBox&>(control);
     add_acts(list, object);
+    if (list.stale()) object["stale"] = true;
     if (list.entries() != EntryKind::other) object["entries"] = name_of(list.entries());
   } else if (control.kind() == ControlKind::table) {
     add_table(static_cast<const Table&>(control), object);
@@ -139,6 +140,13 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
     add_button_design(static_cast<const Button&>(control), object);
   } else if (control.kind() == ControlKind::label && control.revision(Property::tone) > 0) {
     object["tone"] = tone_of(control);
+  }
+  if (control.unsaved()) object["unsaved"] = true;
+  if (control.set_aside()) object["setAside"] = true;
+  if (!control.replaces().empty()) {
+    json::array names;
+    for (const Control* field : control.replaces()) names.push_back(json::value(field->name()));
+    object["replaces"] = std::move(names);
   }
   const auto label = labels.find(&control);
   if (label != labels.end()) object["label"] = label->second;
@@ -246,6 +254,13 @@ json::object ChangeCollector::changes_of(const Control& control) {
     InputHint hint = hint_of(control);
     if (hint != hints_[&control] || untold_.contains(&control))
       changed["hint"] = hint_json(hints_[&control] = std::move(hint));
+  }
+  if (control.revision(Property::unsaved) > told_) {
+    changed["unsaved"] = control.unsaved();
+    if (control.set_aside()) changed["setAside"] = true;
+  }
+  if (control.revision(Property::stale) > told_) {
+    changed["stale"] = static_cast<const ListBox&>(control).stale();
   }
   return changed;
 }

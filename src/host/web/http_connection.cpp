@@ -56,7 +56,9 @@ Request to_request(const RequestHead& head, std::string remote_address, bool ove
   request.head_only = message.method() == http::verb::head;
   request.method = request.head_only ? "GET" : as_string(message.method_string());
   request.path = as_string(message.target());
-  request.path.resize(std::min(request.path.find('?'), request.path.size()));
+  const std::size_t path_end = std::min(request.path.find('?'), request.path.size());
+  if (path_end < request.path.size()) request.query = request.path.substr(path_end + 1);
+  request.path.resize(path_end);
   request.host = field(http::field::host);
   request.origin = field(http::field::origin);
   request.content_type = field(http::field::content_type);

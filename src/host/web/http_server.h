@@ -17,7 +17,8 @@ namespace zrl::web {
 struct ServerLimits {
   // Both give way as ConnectionSlots says. The first is lower where the system grants fewer open files.
   std::size_t connections = 1024;
-  std::size_t connections_a_network = 32;  // an IPv4 address, or 64 bits of an IPv6 one
+  // Of an IPv4 address, or 64 bits of an IPv6 one: all tabs of a session, and some requests beside them.
+  std::size_t connections_a_network = 96;
   std::size_t header_bytes = 16 << 10;
   std::size_t body_bytes = 64 << 10;
   std::size_t message_bytes = 1 << 20;      // a WebSocket message from the browser

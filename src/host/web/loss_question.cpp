@@ -39,11 +39,33 @@ std::string_view name_of(const ListBox& list) {
   return list.name();
 }
 
+std::optional<MessageBox> question_about_typed(Console& console, std::string_view english,
+                                               std::string_view act, const std::vector<std::string>& fields) {
+  if (fields.empty()) return {};
+  Localisation& localisation = console.localisation();
+  std::string text = localisation.translate(english) + "\r\n";
+  for (const std::string& field : fields) text += "\r\n" + field;
+  return MessageBox{localisation.translate("Unsaved text"), std::move(text), BoxStyle::question,
+                    localisation.translate(act)};
+}
+
 }  // namespace
 
 std::optional<MessageBox> question_before_click(Console& console, Button& button) {
   if (button.destroys() == nullptr) return {};
   return question(console, *button.destroys(), button.count_loss(), button.caption());
+}
+
+std::optional<MessageBox> question_before_leaving(Console& console, const std::vector<std::string>& fields) {
+  return question_about_typed(
+      console, "What you have typed here is not saved. It is offered to you again when you come back. Leave?",
+      "Leave", fields);
+}
+
+std::optional<MessageBox> question_before_replacing(Console& console,
+                                                    const std::vector<std::string>& fields) {
+  return question_about_typed(console, "What you have typed here is not saved. Discard it?", "Discard",
+                              fields);
 }
 
 std::optional<MessageBox> question_before_removal(Console& console, const ListBox& list,

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/console.h"
 #include "core/controls.h"
@@ -15,5 +16,11 @@ std::optional<MessageBox> question_before_click(Console& console, Button& button
 
 // The same before this number of entries is removed from a list.
 std::optional<MessageBox> question_before_removal(Console& console, const ListBox& list, std::uint64_t count);
+
+// The question whether what people have typed and not saved, in the fields of these names, may be left.
+// Nothing without names. The browser keeps such texts for a while.
+std::optional<MessageBox> question_before_leaving(Console& console, const std::vector<std::string>& fields);
+// The same before an act puts other texts into them.
+std::optional<MessageBox> question_before_replacing(Console& console, const std::vector<std::string>& fields);
 
 }  // namespace zrl::web

@@ -17,7 +17,7 @@ using Act = BrowserMessage::Act;
 constexpr std::size_t max_depth = 8;
 constexpr std::int64_t longest_side = 1000;  // of a terminal
 
-constexpr std::array<std::pair<std::string_view, Type>, 15> types = {{{"open", Type::open},
+constexpr std::array<std::pair<std::string_view, Type>, 16> types = {{{"open", Type::open},
                                                                       {"event", Type::event},
                                                                       {"close", Type::close},
                                                                       {"answer", Type::answer},
@@ -31,8 +31,9 @@ constexpr std::array<std::pair<std::string_view, Type>, 15> types = {{{"open", T
                                                                       {"resize", Type::resize},
                                                                       {"taken", Type::taken},
                                                                       {"end", Type::end},
-                                                                      {"active", Type::active}}};
-constexpr std::array<std::pair<std::string_view, Act>, 9> acts = {{{"click", Act::click},
+                                                                      {"active", Type::active},
+                                                                      {"look", Type::look}}};
+constexpr std::array<std::pair<std::string_view, Act>, 10> acts = {{{"click", Act::click},
                                                                    {"text", Act::type},
                                                                    {"choose", Act::choose},
                                                                    {"scroll", Act::scroll},
@@ -40,7 +41,10 @@ constexpr std::array<std::pair<std::string_view, Act>, 9> acts = {{{"click", Act
                                                                    {"keys", Act::keys},
                                                                    {"sort", Act::sort},
                                                                    {"filter", Act::filter},
-                                                                   {"fetch", Act::fetch}}};
+                                                                   {"fetch", Act::fetch},
+                                                                   {"reload", Act::reload}}};
+constexpr std::array<std::pair<std::string_view, BoxReply>, 3> replies = {
+    {{"ok", BoxReply::ok}, {"cancel", BoxReply::cancel}, {"other", BoxReply::other}}};
 
 // Raised for a member that is missing or of the wrong kind.
 class BadMember : public std::runtime_error {
@@ -136,9 +140,7 @@ void read_event(const json::object& object, BrowserMessage& message) {
 
 void read_reply(const json::object& object, BrowserMessage& message) {
   message.id = count_of(object, "id");
-  const std::string reply = text_of(object, "reply");
-  if (reply != "ok" && reply != "cancel") throw BadMember("reply", "ok or cancel");
-  message.ok = reply == "ok";
+  message.reply = one_of(replies, object, "reply");
 }
 
 void read_window(const json::object& object, BrowserMessage& message) {
@@ -226,6 +228,7 @@ BrowserMessage read(const json::object& object) {
       break;
     case Type::captions:
     case Type::active:
+    case Type::look:
     case Type::upload:
       break;
   }

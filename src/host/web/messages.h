@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/contracts/entry_search.h"
+#include "core/contracts/host.h"
 #include "core/text/string_list.h"
 #include "host/web/list_order.h"
 
@@ -35,9 +36,10 @@ struct BrowserMessage {
     taken,
     end,
     active,  // nothing but that somebody is there
+    look,    // for what others have changed
     upload,  // never a message: a file that was sent over HTTP waits among them for its turn
   };
-  enum class Act : std::uint8_t { click, type, choose, scroll, remove, keys, sort, filter, fetch };
+  enum class Act : std::uint8_t { click, type, choose, scroll, remove, keys, sort, filter, fetch, reload };
 
   // Positions in a view of a list, both included.
   struct Range {
@@ -68,7 +70,7 @@ struct BrowserMessage {
   std::uint64_t revision = 0;              // of remove: of the list whose view the ranges are about
   std::vector<Range> ranges;               // ascending, without overlap
   StringList keys;                         // of the rows of a table that are chosen
-  bool ok = false;                         // the reply
+  BoxReply reply = BoxReply::cancel;
   std::shared_ptr<PendingUpload> upload;
 
   // Whether a person did something; browsers ask for rows by themselves whenever a list changes.

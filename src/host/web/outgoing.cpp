@@ -95,7 +95,7 @@ json::object offer_json(const Offer& offer) {
 
 }  // namespace
 
-std::string hello_message(Console& console, std::string_view account, std::span<const PageEntry> pages,
+std::string hello_message(Console& console, const TabIdentity& identity, std::span<const PageEntry> pages,
                           std::string_view open, std::string_view query) {
   json::array entries;
   for (const PageEntry& page : pages) {
@@ -106,7 +106,8 @@ std::string hello_message(Console& console, std::string_view account, std::span<
   }
   const std::string language = console.localisation().current_language();
   json::object message{{"type", "hello"},
-                       {"account", valid(account)},
+                       {"account", valid(identity.account)},
+                       {"tab", identity.tab},
                        {"language", language.empty() ? json::string("english") : valid(language)},
                        {"product", product_name},
                        {"version", valid(console.settings().product_version())},
@@ -178,6 +179,7 @@ std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64
 
 std::string box_message(std::uint64_t id, const MessageBox& box) {
   json::array buttons{"ok"};
+  if (!box.other.empty()) buttons.push_back("other");
   if (box.asks()) buttons.push_back("cancel");
   json::object message{{"type", "box"},
                        {"id", id},
@@ -186,6 +188,7 @@ std::string box_message(std::uint64_t id, const MessageBox& box) {
                        {"style", static_cast<int>(box.style)},
                        {"buttons", std::move(buttons)}};
   if (!box.act.empty()) message["act"] = valid(box.act);
+  if (!box.other.empty()) message["other"] = valid(box.other);
   return json::serialize(message);
 }
 

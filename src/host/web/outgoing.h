@@ -13,6 +13,7 @@
 #include "core/controls.h"
 #include "host/web/list_filter.h"
 #include "host/web/offered_files.h"
+#include "host/web/session_output.h"
 #include "host/web/shown_form.h"
 #include "host/web/terminal.h"
 
@@ -33,7 +34,7 @@ struct WindowOf {
 inline constexpr std::uint64_t longest_window = 500;
 
 // `open` is the name of the page that is shown, or empty, `query` what it was opened with.
-std::string hello_message(Console& console, std::string_view account, std::span<const PageEntry> pages,
+std::string hello_message(Console& console, const TabIdentity& identity, std::span<const PageEntry> pages,
                           std::string_view open, std::string_view query);
 // The form, or its changes; from then on they count as sent.
 std::string form_message(ShownForm& shown, std::string_view caption);

@@ -1,7 +1,10 @@
 #include "host/web/session.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "core/text/error.h"
-#include "host/web/outgoing.h"
+#include "host/web/random_token.h"
 #include "host/web/responses.h"
 #include "host/web/uploads.h"
 
@@ -9,92 +12,93 @@ namespace zrl::web {
 
 namespace {
 
-constexpr int close_replaced = 4001;
-constexpr int close_over = 4002;
-constexpr int close_going_away = 1001;
-constexpr int close_violated = 1008;
+constexpr int close_too_many_tabs = 4003;
+
+// A browser learns why only from an open WebSocket.
+class Refusal : public ChannelListener {
+ public:
+  void on_open(std::shared_ptr<Channel> channel) override { channel->close(close_too_many_tabs); }
+  bool on_text(std::string) override { return true; }
+  void on_close(bool) override {}
+};
 
 }  // namespace
 
-// Knows which of the session's WebSockets it listens to: the end of an old one may come after the
-// beginning of the next.
-class Session::Listener : public ChannelListener {
- public:
-  explicit Listener(std::shared_ptr<Session> session) : session_(std::move(session)) {}
-
-  void on_open(std::shared_ptr<Channel> channel) override {
-    connection_ = session_->connected(std::move(channel));
-  }
-  bool on_text(std::string text) override { return session_->received(connection_, std::move(text)); }
-  void on_close() override { session_->disconnected(connection_); }
-
- private:
-  std::shared_ptr<Session> session_;
-  std::uint64_t connection_ = 0;
-};
-
-// A file on its way from a browser to a file list of the session's.
+// A file on its way from a browser to a file list of a tab's.
 class Session::UploadSink : public BodySink {
  public:
-  UploadSink(std::shared_ptr<Session> session, UploadTarget target, std::unique_ptr<UploadedFile> file)
-      : session_(std::move(session)), target_(std::move(target)), file_(std::move(file)) {
-    ++session_->uploads_;
+  UploadSink(std::shared_ptr<Tab> tab, std::shared_ptr<int> uploads, UploadTarget target,
+             std::unique_ptr<UploadedFile> file)
+      : tab_(std::move(tab)),
+        uploads_(std::move(uploads)),
+        target_(std::move(target)),
+        file_(std::move(file)) {
+    ++*uploads_;
   }
   UploadSink(const UploadSink&) = delete;
   UploadSink& operator=(const UploadSink&) = delete;
-  ~UploadSink() override { --session_->uploads_; }
+  ~UploadSink() override { --*uploads_; }
 
   std::uint64_t limit() const override { return UploadFolder::longest_file; }
   void take(std::string_view piece) override { file_->write(piece); }
-
   void finish(Reply reply) override {
-    if (session_->ended_ || !session_->thread_.joinable()) return reply(error_response(409, "no_form"));
-    auto on_loop = [&loop = session_->loop_, reply = std::move(reply)](Response response) {
-      loop.post([reply, response = std::move(response)] { reply(response); });
-    };
-    session_->last_act_ = Clock::now();
-    session_->inbox_.push(
-        {Incoming::Kind::upload,
-         0,
-         {},
-         std::make_shared<PendingUpload>(std::move(target_), std::move(file_), std::move(on_loop))});
+    tab_->take_upload(std::move(target_), std::move(file_), std::move(reply));
   }
 
  private:
-  std::shared_ptr<Session> session_;
+  std::shared_ptr<Tab> tab_;
+  std::shared_ptr<int> uploads_;
   UploadTarget target_;
   std::unique_ptr<UploadedFile> file_;
 };
 
-Session::Session(IoLoop& loop, const ConsoleSettings& settings, const Times& times, std::string account,
-                 Callbacks callbacks)
+Session::Session(IoLoop& loop, const ConsoleSettings& settings, const Times& times, std::size_t most_tabs,
+                 std::string account, Callbacks callbacks)
     : loop_(loop),
       settings_(settings),
       times_(times),
+      most_tabs_(most_tabs),
       account_(std::move(account)),
       callbacks_(std::move(callbacks)),
-      inbox_([this] {
-        post([](Session& self) {
-          if (self.channel_) self.channel_->resume();
-        });
-      }),
       audit_log_(settings.audit, account_) {}
 
-Session::~Session() {
-  if (!thread_.joinable()) return;
-  if (thread_.get_id() == std::this_thread::get_id()) {
-    thread_.detach();
-  } else {
-    thread_.join();
+std::shared_ptr<ChannelListener> Session::new_listener(std::string_view tab, Claim claim) {
+  const auto found = tabs_.find(tab);
+  if (found != tabs_.end() && (claim == Claim::own || !found->second->is_connected())) {
+    return found->second->new_listener();
   }
+  if (!make_room()) return std::make_shared<Refusal>();
+  return new_tab()->new_listener();
 }
 
-std::shared_ptr<ChannelListener> Session::new_listener() {
-  return std::make_shared<Listener>(shared_from_this());
+bool Session::make_room() {
+  if (tabs_.size() + ending_.size() < most_tabs_) return true;
+  auto oldest = tabs_.end();
+  for (auto it = tabs_.begin(); it != tabs_.end(); ++it) {
+    if (!it->second->was_left()) continue;
+    if (oldest == tabs_.end() || it->second->lost_since() < oldest->second->lost_since()) oldest = it;
+  }
+  if (oldest == tabs_.end()) return false;
+  end_tab(oldest, Reason::over);
+  return true;
+}
+
+std::shared_ptr<Tab> Session::new_tab() {
+  std::string id = random_token();
+  auto tab = std::make_shared<Tab>(loop_, settings_, times_, terminals_, TabIdentity{account_, id},
+                                   Tab::Callbacks{.ended = [this](Tab& ended) { forget(ended); },
+                                                  .finished = [this](Tab& over) { finished(over); },
+                                                  .person_acted = [this] { acted(); },
+                                                  .language_is = callbacks_.language_is});
+  tabs_[std::move(id)] = tab;
+  return tab;
 }
 
 Response Session::download(std::string_view token, bool head_only) {
-  const std::optional<std::filesystem::path> path = offered_.fetch(token, !head_only);
+  std::optional<std::filesystem::path> path;
+  for (const auto& [id, tab] : tabs_) {
+    if (!path) path = tab->offered().fetch(token, !head_only);
+  }
   if (!path) return error_response(404, "no_file");
   Response response = file_response(*path);
   if (head_only) return response;
@@ -103,12 +107,14 @@ Response Session::download(std::string_view token, bool head_only) {
 }
 
 std::variant<std::monostate, Response, std::shared_ptr<BodySink>> Session::receive_upload(
-    const Request& request) {
+    const Request& request, std::string_view tab) {
   if (request.content_length > UploadFolder::longest_file) return error_response(413, "too_big");
-  if (uploads_ >= most_uploads) return error_response(503, "busy");
+  if (*uploads_ >= most_uploads) return error_response(503, "busy");
   std::optional<UploadTarget> target = parse_upload_target(request.upload);
   if (!target || request.content_type != "application/octet-stream")
     return error_response(400, "bad_request");
+  const auto found = tabs_.find(tab);
+  if (found == tabs_.end()) return error_response(409, "no_form");
   const UploadFolder folder(settings_.folder);
   try {
     folder.sweep();
@@ -119,7 +125,8 @@ std::variant<std::monostate, Response, std::shared_ptr<BodySink>> Session::recei
       audit_log_.note("", "upload", upload_name(target->name), "there is no room for more files");
       return error_response(507, "no_room");
     }
-    return std::make_shared<UploadSink>(shared_from_this(), std::move(*target), folder.receive(size));
+    acted();
+    return std::make_shared<UploadSink>(found->second, uploads_, std::move(*target), folder.receive(size));
   } catch (const Error& failure) {
     audit_log_.note("", "upload", upload_name(target->name), failure.what());
     return error_response(500, "not_saved");
@@ -129,131 +136,53 @@ std::variant<std::monostate, Response, std::shared_ptr<BodySink>> Session::recei
 std::optional<std::string_view> Session::expiry(Clock::time_point now) const {
   if (now - began_ >= times_.longest) return "the longest time of a session is over";
   if (now - last_act_ >= times_.idle) return "nobody used it";
-  if (lost_ && now - *lost_ >= times_.lost) return "the browser was gone";
   return {};
 }
 
+void Session::end_lost_tabs(Clock::time_point now) {
+  for (auto it = tabs_.begin(); it != tabs_.end();) {
+    const auto next = std::next(it);
+    const auto lost = it->second->lost_since();
+    if (lost && now - *lost >= times_.lost) end_tab(it, Reason::over);
+    it = next;
+  }
+}
+
 void Session::end(Reason reason) {
-  if (channel_) channel_->close(reason == Reason::stopping ? close_going_away : close_over);
-  channel_.reset();
+  // Those that are ending already may be in the middle of a long action.
+  for (const auto& tab : std::list(ending_)) {
+    if (reason == Reason::stopping) tab->end(reason);
+  }
+  while (!tabs_.empty()) end_tab(tabs_.begin(), reason);
   ended_ = true;
-  if (thread_.joinable()) {
-    inbox_.push({reason == Reason::stopping ? Incoming::Kind::stopping : Incoming::Kind::ended, 0, {}});
-  } else {
-    callbacks_.finished(*this);
-  }
+  finish_if_over();
 }
 
-std::uint64_t Session::connected(std::shared_ptr<Channel> channel) {
-  if (ended_) {
-    channel->close(close_over);
-    return 0;
-  }
-  if (channel_) channel_->close(close_replaced);
-  channel_ = std::move(channel);
-  lost_.reset();
-  greeted_ = false;
-  inbox_.push({Incoming::Kind::connected, ++connection_, {}});
-  if (!thread_.joinable()) start_thread();
-  return connection_;
+void Session::end_tab(Tabs::iterator found, Reason reason) {
+  const std::shared_ptr<Tab> tab = std::move(found->second);
+  tabs_.erase(found);
+  emptied_ = Clock::now();
+  ending_.push_back(tab);
+  tab->end(reason);
 }
 
-bool Session::received(std::uint64_t connection, std::string text) {
-  if (ended_ || connection != connection_) return true;
-  return inbox_.push({Incoming::Kind::message, connection, std::move(text)});
+void Session::forget(const Tab& tab) {
+  const auto found =
+      std::find_if(tabs_.begin(), tabs_.end(), [&](const auto& entry) { return entry.second.get() == &tab; });
+  if (found == tabs_.end()) return;
+  ending_.push_back(std::move(found->second));
+  tabs_.erase(found);
+  emptied_ = Clock::now();
 }
 
-void Session::disconnected(std::uint64_t connection) {
-  if (ended_ || connection != connection_) return;
-  channel_.reset();
-  lost_ = Clock::now();
+void Session::finished(const Tab& tab) {
+  ending_.remove_if([&](const std::shared_ptr<Tab>& ending) { return ending.get() == &tab; });
+  finish_if_over();
 }
 
-void Session::start_thread() {
-  thread_ = std::thread([self = shared_from_this()] { self->run_console(); });
-}
-
-void Session::run_console() {
-  bool failed = false;
-  try {
-    SessionConsole(settings_, account_, inbox_, offered_, *this).run();
-  } catch (const std::exception&) {
-    failed = true;
-  }
-  loop_.post([self = shared_from_this(), failed] {
-    if (failed && !self->ended_) {
-      if (self->channel_) self->channel_->close(close_over);
-      self->channel_.reset();
-      self->ended_ = true;
-      self->callbacks_.ended(*self);
-    }
-    self->thread_.join();
-    self->callbacks_.finished(*self);
-  });
-}
-
-void Session::post(std::function<void(Session&)> task) {
-  loop_.post([self = shared_from_this(), task = std::move(task)] { task(*self); });
-}
-
-void Session::send(std::uint64_t connection, std::string message) {
-  post([connection, text = std::move(message)](Session& self) mutable {
-    if (!self.channel_ || self.connection_ != connection) return;
-    self.channel_->send(std::move(text));
-    if (!self.greeted_) {
-      self.greeted_ = true;
-      if (self.busy_ && self.busy_->is_long) self.tell_busy();
-    }
-  });
-}
-
-void Session::violated(std::uint64_t connection) {
-  post([connection](Session& self) {
-    if (self.channel_ && self.connection_ == connection) self.channel_->close(close_violated);
-  });
-}
-
-void Session::person_acted() {
-  post([](Session& self) { self.last_act_ = Clock::now(); });
-}
-
-void Session::action_began() {
-  post([](Session& self) {
-    self.busy_ = Busy();
-    const std::uint64_t action = ++self.action_;
-    self.loop_.after(self.times_.busy_after, [weak = self.weak_from_this(), action] {
-      const auto session = weak.lock();
-      if (session && session->busy_ && session->action_ == action) session->tell_busy();
-    });
-  });
-}
-
-void Session::action_ended() {
-  post([](Session& self) { self.tell_no_longer_busy(); });
-}
-
-void Session::progress(std::string text, std::uint64_t done, std::uint64_t total) {
-  post([text = std::move(text), done, total](Session& self) {
-    if (!self.busy_) return;
-    self.busy_->text = text;
-    self.busy_->done = done;
-    self.busy_->total = total;
-    if (self.busy_->is_long) self.tell_busy();
-  });
-}
-
-void Session::language_is(std::string language) {
-  post([language = std::move(language)](Session& self) { self.callbacks_.language_is(language); });
-}
-
-void Session::tell_busy() {
-  busy_->is_long = true;
-  if (channel_ && greeted_) channel_->send(busy_message(true, busy_->text, busy_->done, busy_->total));
-}
-
-void Session::tell_no_longer_busy() {
-  if (busy_ && busy_->is_long && channel_ && greeted_) channel_->send(busy_message(false, {}, 0, 0));
-  busy_.reset();
+void Session::finish_if_over() {
+  if (!ended_ || !ending_.empty() || std::exchange(finished_, true)) return;
+  callbacks_.finished(*this);
 }
 
 }  // namespace zrl::web

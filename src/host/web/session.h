@@ -1,118 +1,99 @@
 #pragma once
 
-#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <list>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
+#include <string_view>
 #include <variant>
 
 #include "host/web/audit.h"
-#include "host/web/inbox.h"
-#include "host/web/offered_files.h"
-#include "host/web/session_console.h"
+#include "host/web/tab.h"
 #include "host/web/transport.h"
 
 namespace zrl::web {
 
-// A signed-in session as the I/O thread sees it: its WebSocket, its time limits, and the thread that runs its
-// console, which starts with the first WebSocket. All calls are made on the I/O thread, except those of
-// SessionOutput, which the session's thread makes.
-class Session : public SessionOutput, public std::enable_shared_from_this<Session> {
+// A sign-in, with the tabs of the browser that it was made in: its time limits, and what holds for all tabs
+// together. It lives on while no tab is connected. All calls are made on the I/O thread.
+class Session {
  public:
-  using Clock = std::chrono::steady_clock;
-
-  struct Times {
-    std::chrono::milliseconds idle{30 * 60 * 1000};          // without anything that a person did
-    std::chrono::milliseconds longest{12 * 60 * 60 * 1000};  // since the log-in
-    std::chrono::milliseconds lost{60 * 1000};               // without a WebSocket
-    std::chrono::milliseconds busy_after{150};  // until the browser shows that an action takes long
-  };
+  using Clock = Tab::Clock;
+  using Times = SessionTimes;
 
   // Called on the I/O thread.
   struct Callbacks {
-    std::function<void(Session&)> ended;     // by itself, with an error; not by end()
-    std::function<void(Session&)> finished;  // its thread is over, the session can go
+    std::function<void(Session&)> finished;  // end() was called, and all threads are over: the session can go
     std::function<void(std::string)> language_is;
   };
 
-  // `loop` and `settings` must outlive the session.
-  Session(IoLoop& loop, const ConsoleSettings& settings, const Times& times, std::string account,
-          Callbacks callbacks);
-  ~Session() override;
+  // What is passed by reference must outlive the session.
+  Session(IoLoop& loop, const ConsoleSettings& settings, const Times& times, std::size_t most_tabs,
+          std::string account, Callbacks callbacks);
 
   const std::string& account() const { return account_; }
 
-  // The listener for a new WebSocket, which replaces the one before.
-  std::shared_ptr<ChannelListener> new_listener();
+  // How sure a browser is that a tab is its own: a browser that duplicates a tab gives both the same id.
+  enum class Claim : std::uint8_t { own, maybe_a_copy };
+  // The listener for a WebSocket of the tab with this id. A tab that is not known, and a copy of one that is
+  // connected, gets a console of its own, and an id, with the greeting. If there are too many tabs, the
+  // listener closes the WebSocket with the code 4003.
+  std::shared_ptr<ChannelListener> new_listener(std::string_view tab, Claim claim);
 
-  // An offered file, by its token. It stays on offer if only the head of the answer is asked for.
+  // A file that one of the tabs offers, by its token. It stays on offer if only the head of the answer is
+  // asked for.
   Response download(std::string_view token, bool head_only = false);
-  // What receives the file that a browser sends, or the response that refuses it.
-  std::variant<std::monostate, Response, std::shared_ptr<BodySink>> receive_upload(const Request& request);
+  // What receives the file that a browser sends to the tab, or the response that refuses it.
+  std::variant<std::monostate, Response, std::shared_ptr<BodySink>> receive_upload(const Request& request,
+                                                                                   std::string_view tab);
 
   // Why the session's time is over; nothing while it is not.
   std::optional<std::string_view> expiry(Clock::time_point now) const;
+  // Ends the tabs whose line was lost too long ago.
+  void end_lost_tabs(Clock::time_point now);
+  // Since when there has been no tab any more; nothing while there are some, or have been none yet.
+  std::optional<Clock::time_point> empty_since() const { return tabs_.empty() ? emptied_ : std::nullopt; }
 
-  enum class Reason { over, stopping };
-  // Closes the WebSocket and lets the thread end. `finished` is called, at once or later.
+  using Reason = Tab::Reason;
+  // Ends all tabs. `finished` is called, at once or later.
   void end(Reason reason);
 
-  void send(std::uint64_t connection, std::string message) override;
-  void violated(std::uint64_t connection) override;
-  void person_acted() override;
-  void action_began() override;
-  void action_ended() override;
-  void progress(std::string text, std::uint64_t done, std::uint64_t total) override;
-  void language_is(std::string language) override;
-
  private:
-  class Listener;
   class UploadSink;
+  using Tabs = std::map<std::string, std::shared_ptr<Tab>, std::less<>>;
 
-  static constexpr int most_uploads = 4;  // at a time
+  static constexpr int most_uploads = 4;  // at a time, of all tabs
 
-  struct Busy {
-    std::string text;
-    std::uint64_t done = 0;
-    std::uint64_t total = 0;
-    bool is_long = false;
-  };
-
-  // The number of the connection.
-  std::uint64_t connected(std::shared_ptr<Channel> channel);
-  bool received(std::uint64_t connection, std::string text);
-  void disconnected(std::uint64_t connection);
-
-  // Runs the task on the I/O thread, unless the session has been destroyed by then. From any thread.
-  void post(std::function<void(Session&)> task);
-  void start_thread();
-  void run_console();
-  void tell_busy();
-  void tell_no_longer_busy();
+  // Whether there is room for one more, made if need be by the end of a page that the browser has left.
+  bool make_room();
+  std::shared_ptr<Tab> new_tab();
+  void end_tab(Tabs::iterator found, Reason reason);
+  void forget(const Tab& tab);
+  void finished(const Tab& tab);
+  void finish_if_over();
+  void acted() { last_act_ = Clock::now(); }
 
   IoLoop& loop_;
   const ConsoleSettings& settings_;
   const Times& times_;
+  const std::size_t most_tabs_;
   const std::string account_;
   const Callbacks callbacks_;
-  Inbox inbox_;
-  OfferedFiles offered_;
   AuditLog audit_log_;  // of downloads
-  int uploads_ = 0;
-  std::thread thread_;
+  TerminalPlaces terminals_;
+  // Of uploads that are under way: their number may outlive the session.
+  std::shared_ptr<int> uploads_ = std::make_shared<int>(0);
 
-  std::shared_ptr<Channel> channel_;
-  std::uint64_t connection_ = 0;
-  bool greeted_ = false;  // something has been sent on this connection, a hello first
+  Tabs tabs_;                               // by id
+  std::list<std::shared_ptr<Tab>> ending_;  // whose threads have still to end
+  std::optional<Clock::time_point> emptied_;
   const Clock::time_point began_ = Clock::now();
   Clock::time_point last_act_ = began_;
-  std::optional<Clock::time_point> lost_ = began_;
-  std::optional<Busy> busy_;
-  std::uint64_t action_ = 0;
   bool ended_ = false;
+  bool finished_ = false;
 };
 
 }  // namespace zrl::web

@@ -1,6 +1,7 @@
 #include "host/web/session_console.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "core/contracts/registry.h"
@@ -49,15 +50,16 @@ std::string with_system_paths(std::string text, const std::filesystem::path& fol
 
 }  // namespace
 
-SessionConsole::SessionConsole(const ConsoleSettings& settings, std::string account, Inbox& inbox,
-                               OfferedFiles& offered, SessionOutput& output)
+SessionConsole::SessionConsole(const ConsoleSettings& settings, TabIdentity identity,
+                               TerminalPlaces& terminals, Inbox& inbox, OfferedFiles& offered,
+                               SessionOutput& output)
     : settings_(settings),
-      account_(std::move(account)),
+      identity_(std::move(identity)),
       offered_(offered),
       output_(output),
-      reporter_(output, forms_, settings.audit, account_),
+      reporter_(output, forms_, settings.audit, identity_.account),
       terminals_(
-          settings.folder,
+          settings.folder, terminals,
           [&output](std::uint64_t connection, std::string message) {
             output.send(connection, std::move(message));
           },
@@ -71,10 +73,12 @@ void SessionConsole::run() {
   leave_page();
   entries_.reset();
   console_.reset();
+  settings_.lists->tidy();
 }
 
 void SessionConsole::start_console() {
   console_ = std::make_unique<Console>(settings_.folder, *this);
+  console_->share_lists(settings_.lists);
   if (settings_.register_components) settings_.register_components(*console_);
   language_at_start_ = language_setting(*console_);
   entries_ = std::make_unique<EntryFinder>(*console_, settings_.pages);
@@ -166,6 +170,14 @@ void SessionConsole::run_action(const std::function<void()>& action) {
   reporter_.action();
 }
 
+void SessionConsole::use(Form& form, const std::function<void()>& act) {
+  form.run_using([&] {
+    const std::uint64_t failures = console_->activity().failures();
+    act();
+    return console_->activity().failures() == failures;
+  });
+}
+
 void SessionConsole::tick(Timer& timer) {
   run_action([&timer] { timer.user_tick(); });
 }
@@ -208,7 +220,7 @@ void SessionConsole::greet(std::uint64_t connection) {
   reporter_.connected(connection);
   last_seq_ = 0;
   turns_.forget_waiting();
-  reporter_.send(hello_message(*console_, account_, settings_.pages, forms_.page_name(), shown_query()));
+  reporter_.send(hello_message(*console_, identity_, settings_.pages, forms_.page_name(), shown_query()));
   reporter_.forms();
   if (box_) reporter_.send(box_message(box_->id, *box_->box));
   reporter_.send(files_message(offered_.unfetched()));
@@ -226,8 +238,8 @@ void SessionConsole::accept(BrowserMessage message) {
   }
   switch (message.type) {
     case Type::answer:
-      // Another tab may have answered.
-      if (box_ && box_->id == message.id) box_->reply = message.ok ? BoxReply::ok : BoxReply::cancel;
+      // It may have been answered before the line was lost.
+      if (box_ && box_->id == message.id) box_->reply = message.reply;
       return;
     case Type::rows:
       reporter_.rows(message);
@@ -304,6 +316,9 @@ void SessionConsole::handle(const BrowserMessage& message) {
     case Type::upload:
       handle_upload(*message.upload);
       break;
+    case Type::look:
+      look_for_changes();
+      break;
     default:
       break;
   }
@@ -369,14 +384,14 @@ void SessionConsole::choose_language(const BrowserMessage& message) {
   follow_language(steps_before);
 }
 
-// Only what is recorded can have changed a setting. While a dialog is open, or a handler around this one
-// runs, the language stays as it is, until a page is opened.
+// Only what is recorded can have changed a setting. While a dialog is open, a text is unsaved, or a handler
+// around this one runs, the language stays as it is, until a page is opened.
 void SessionConsole::follow_language(std::uint64_t steps_before) {
   if (!turns_.idle() || turns_.ending() || forms_.forms().size() != 1) return;
   if (console_->activity().total() == steps_before || language_setting(*console_) == language_at_start_)
     return;
   const PageEntry* entry = find_page(settings_.pages, forms_.page_name());
-  if (entry == nullptr) return;
+  if (entry == nullptr || !forms_.page()->unsaved().empty()) return;
   const std::string query(forms_.page()->query());
   leave_page();
   renew_console(entry->name);
@@ -388,7 +403,7 @@ void SessionConsole::renew_console(std::string_view page) {
   entries_.reset();
   console_.reset();
   start_console();
-  reporter_.send(hello_message(*console_, account_, settings_.pages, page, {}));
+  reporter_.send(hello_message(*console_, identity_, settings_.pages, page, {}));
 }
 
 void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& control,
@@ -399,10 +414,15 @@ void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& co
       break;
     case Act::type:
       shown->changes.typed(control, message.text);
-      control.user_type(message.text);
+      // The handlers of combo boxes act on what is typed; those of text fields only look at it.
+      if (control.kind() == ControlKind::combo_box) {
+        use(*shown->form, [&] { control.user_type(message.text); });
+      } else {
+        control.user_type(message.text);
+      }
       break;
     case Act::choose:
-      control.user_choose(message.number);
+      choose(*shown, control, message.number);
       break;
     case Act::scroll:
       control.user_scroll(message.number);
@@ -422,19 +442,59 @@ void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& co
     case Act::fetch:
       fetch(*shown, control);
       break;
+    case Act::reload:
+      if (control.kind() != ControlKind::list_box) throw Refused(control.name() + " is no list");
+      static_cast<ListBox&>(control).user_reload();
+      break;
   }
 }
 
 void SessionConsole::click(const ShownForm& shown, Control& control) {
+  if (control.usable() && !agrees_to_lose(shown, control.replaces())) return;
   if (control.kind() == ControlKind::button && control.usable()) {
     if (!agreed(shown, question_before_click(*console_, static_cast<Button&>(control)))) return;
   }
-  control.user_click();
+  use(*shown.form, [&] { control.user_click(); });
+}
+
+void SessionConsole::choose(ShownForm& shown, Control& control, std::int64_t index) {
+  if (control.usable() && !agrees_to_lose(shown, control.replaces())) {
+    shown.changes.tell_again(control);  // the browser shows the choice already
+    return;
+  }
+  control.user_choose(index);
 }
 
 bool SessionConsole::agreed(const ShownForm& shown, const std::optional<MessageBox>& question) {
   if (!question) return true;
   return message_box(*question) == BoxReply::ok && is_still_shown(shown);
+}
+
+bool SessionConsole::agrees_to_lose(const ShownForm& shown, std::span<const Control* const> fields) {
+  std::vector<std::string> unsaved;
+  for (const Control* field : fields) {
+    if (field->unsaved()) unsaved.push_back(shown.form->label_of(*field));
+  }
+  return agreed(shown, question_before_replacing(*console_, unsaved));
+}
+
+bool SessionConsole::agrees_to_leave(std::span<const std::shared_ptr<ShownForm>> left) {
+  std::vector<std::string> unsaved;
+  for (const std::shared_ptr<ShownForm>& shown : left) {
+    for (const Control* field : shown->form->unsaved()) unsaved.push_back(shown->form->label_of(*field));
+  }
+  return left.empty() || agreed(*left.back(), question_before_leaving(*console_, unsaved));
+}
+
+// Nobody did anything, so there is nothing to report but what has changed.
+void SessionConsole::look_for_changes() {
+  if (forms_.page() == nullptr) return;
+  try {
+    forms_.page()->look_for_changes();
+  } catch (...) {
+    console_->record_escaped(forms_.page_name());
+  }
+  reporter_.forms();
 }
 
 bool SessionConsole::is_still_shown(const ShownForm& shown) {
@@ -500,7 +560,9 @@ void SessionConsole::close_dialog(const BrowserMessage& message) {
     reporter_.refuse(number, no_audit, why_no_audit);
   } else {
     const std::uint64_t connection = reporter_.connection();
-    run_action([&] { shown->form->run([&] { shown->form->close(); }); });
+    run_action([&] {
+      if (agrees_to_leave({&shown, 1})) shown->form->run([&] { shown->form->close(); });
+    });
     output_.send(connection, done_message(message.seq));
   }
 }
@@ -514,6 +576,12 @@ void SessionConsole::change_page(const BrowserMessage& message) {
     return;
   }
   const std::uint64_t connection = reporter_.connection();
+  bool leaves = false;
+  run_action([&] { leaves = agrees_to_leave(std::vector(forms_.forms())); });
+  if (!leaves) {
+    output_.send(connection, done_message(message.seq));
+    return;
+  }
   leave_page();
   renew_console(entry->name);
   show_page(*entry, message.query);
@@ -529,6 +597,7 @@ void SessionConsole::leave_page() {
     forms_.page()->terminate();
   });
   reporter_.all_gone();
+  settings_.lists->tidy();
 }
 
 void SessionConsole::show_page(const PageEntry& entry, const std::string& query) {

@@ -34,16 +34,18 @@ struct ConsoleSettings {
   std::shared_ptr<AuditFile> audit;
   // Whether dialogs stay open beside their page while its handler goes on.
   bool modeless_dialogs = false;
+  // Of all consoles.
+  std::shared_ptr<ListPool> lists = std::make_shared<ListPool>();
 };
 
-// A signed-in session's console with the page that it shows: the host of that console. It is driven by the
+// A tab's console with the page that it shows: the host of that console. It is driven by the
 // inbox alone, and works on the thread that calls run(). FormStack has the open forms, Turns decides when a
 // message is handled, and Reporter sends the results.
 class SessionConsole : public Host, private TurnHandler {
  public:
-  // All but `account` must outlive it.
-  SessionConsole(const ConsoleSettings& settings, std::string account, Inbox& inbox, OfferedFiles& offered,
-                 SessionOutput& output);
+  // All but `identity` must outlive it.
+  SessionConsole(const ConsoleSettings& settings, TabIdentity identity, TerminalPlaces& terminals,
+                 Inbox& inbox, OfferedFiles& offered, SessionOutput& output);
 
   // Returns when the session has ended and its page has been terminated. Raises std::exception if the console
   // cannot be made.
@@ -57,6 +59,7 @@ class SessionConsole : public Host, private TurnHandler {
   void start_program(const ProgramStart& program) override;
   void offer_file(const std::filesystem::path& path) override;
   void open_page(std::string_view page, std::string_view query) override;
+  bool guards_newer_values() const override { return true; }
   void show_progress(const Progress& progress) override;
 
  private:
@@ -77,8 +80,13 @@ class SessionConsole : public Host, private TurnHandler {
   void use_terminal(const BrowserMessage& message);
   void handle_event(const BrowserMessage& message);
   void act_on(const std::shared_ptr<ShownForm>& shown, Control& control, const BrowserMessage& message);
-  // Asks first if the click destroys something.
+  // Ask first if the act destroys something, or replaces what somebody has typed.
   void click(const ShownForm& shown, Control& control);
+  void choose(ShownForm& shown, Control& control, std::int64_t index);
+  // Whether the person agrees to lose what stands unsaved in the fields, or nothing does.
+  bool agrees_to_lose(const ShownForm& shown, std::span<const Control* const> fields);
+  bool agrees_to_leave(std::span<const std::shared_ptr<ShownForm>> left);
+  void look_for_changes();
   // True if the person agrees, or if there is nothing to ask. False also if the form is gone by then.
   bool agreed(const ShownForm& shown, const std::optional<MessageBox>& question);
   bool is_still_shown(const ShownForm& shown);
@@ -101,9 +109,12 @@ class SessionConsole : public Host, private TurnHandler {
   // Runs an action of a form and reports what it did. Passes on what it raises, for which the message is
   // refused.
   void run_action(const std::function<void()>& action);
+  // An act on a control of the form, within an action: what its handlers read counts as saved if nothing
+  // failed.
+  void use(Form& form, const std::function<void()>& act);
 
   const ConsoleSettings& settings_;
-  const std::string account_;
+  const TabIdentity identity_;
   OfferedFiles& offered_;
   SessionOutput& output_;
 

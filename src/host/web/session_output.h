@@ -5,7 +5,13 @@
 
 namespace zrl::web {
 
-// Where a session's thread sends what concerns the browser. All calls are made on that thread; none of them
+// Whose console it is.
+struct TabIdentity {
+  std::string account;
+  std::string tab;  // what the browser asks for it by once its WebSocket was lost; no credential
+};
+
+// Where a tab's thread sends what concerns the browser. All calls are made on that thread; none of them
 // waits.
 class SessionOutput {
  public:

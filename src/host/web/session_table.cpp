@@ -25,15 +25,29 @@ SessionTable::SessionTable(IoLoop& loop, const ConsoleSettings& settings, const 
     : loop_(loop), settings_(settings), limits_(limits), on_language_(std::move(on_language)) {}
 
 std::string SessionTable::begin(const std::string& account) {
-  if (stopping_ || sessions_.size() + ending_.size() >= limits_.sessions) return {};
+  if (stopping_ || !make_room()) return {};
   std::string token = random_token();
   sessions_[digest(token)] = std::make_shared<Session>(
-      loop_, settings_, limits_.times, account,
-      Session::Callbacks{.ended = [this](Session& session) { forget(session); },
-                         .finished = [this](Session& session) { finished(session); },
+      loop_, settings_, limits_.times, limits_.tabs, account,
+      Session::Callbacks{.finished = [this](Session& session) { finished(session); },
                          .language_is = on_language_});
   sweep_later();
   return token;
+}
+
+// Sign-ins outlive their tabs, so those that nobody signed out of would fill the table.
+bool SessionTable::make_room() {
+  if (sessions_.size() + ending_.size() < limits_.sessions) return true;
+  const auto long_ago = Session::Clock::now() - limits_.times.lost;
+  auto oldest = sessions_.end();
+  for (auto it = sessions_.begin(); it != sessions_.end(); ++it) {
+    const auto empty = it->second->empty_since();
+    if (!empty || *empty > long_ago) continue;
+    if (oldest == sessions_.end() || *empty < *oldest->second->empty_since()) oldest = it;
+  }
+  if (oldest == sessions_.end()) return false;
+  expire(oldest, "another one needed its place");
+  return true;
 }
 
 std::shared_ptr<Session> SessionTable::find(std::string_view token) {
@@ -92,7 +106,11 @@ void SessionTable::sweep() {
   const auto now = Session::Clock::now();
   for (auto it = sessions_.begin(); it != sessions_.end();) {
     const auto next = std::next(it);
-    if (const auto why = it->second->expiry(now)) expire(it, *why);
+    if (const auto why = it->second->expiry(now)) {
+      expire(it, *why);
+    } else {
+      it->second->end_lost_tabs(now);
+    }
     it = next;
   }
   if (!sessions_.empty()) sweep_later();
@@ -109,14 +127,6 @@ void SessionTable::leave(Sessions::iterator found, Session::Reason reason) {
   sessions_.erase(found);
   ending_.push_back(session);
   session->end(reason);
-}
-
-void SessionTable::forget(const Session& session) {
-  const auto found = std::find_if(sessions_.begin(), sessions_.end(),
-                                  [&](const auto& entry) { return entry.second.get() == &session; });
-  if (found == sessions_.end()) return;
-  ending_.push_back(std::move(found->second));
-  sessions_.erase(found);
 }
 
 void SessionTable::finished(const Session& session) {

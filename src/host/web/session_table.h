@@ -17,7 +17,8 @@ namespace zrl::web {
 class SessionTable {
  public:
   struct Limits {
-    std::size_t sessions = 32;  // those whose thread has not ended yet included
+    std::size_t sessions = 32;  // those whose threads have not ended yet included
+    std::size_t tabs = 64;      // of a session; each has a console
     Session::Times times;
     std::chrono::milliseconds sweep{1000};  // how often expired sessions are looked for
   };
@@ -26,7 +27,8 @@ class SessionTable {
   SessionTable(IoLoop& loop, const ConsoleSettings& settings, const Limits& limits,
                std::function<void(std::string)> on_language);
 
-  // A new session's token; empty if there are too many sessions.
+  // A new session's token; empty if there are too many sessions. One that has had no tab for as long as a
+  // lost tab is kept gives way first.
   std::string begin(const std::string& account);
   // Null if there is no such session, or no longer.
   std::shared_ptr<Session> find(std::string_view token);
@@ -44,11 +46,11 @@ class SessionTable {
  private:
   using Sessions = std::map<std::string, std::shared_ptr<Session>, std::less<>>;
 
+  bool make_room();
   void sweep_later();
   void sweep();
   void expire(Sessions::iterator found, std::string_view why);
   void leave(Sessions::iterator found, Session::Reason reason);
-  void forget(const Session& session);
   void finished(const Session& session);
 
   IoLoop& loop_;

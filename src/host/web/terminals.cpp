@@ -43,8 +43,9 @@ bool Terminals::Open::wants_reading() const {
   return terminal && !drained && (closing || produced - taken < window);
 }
 
-Terminals::Terminals(std::filesystem::path folder, Send send, Note note)
+Terminals::Terminals(std::filesystem::path folder, TerminalPlaces& places, Send send, Note note)
     : folder_(std::move(folder)),
+      places_(places),
       send_(std::move(send)),
       note_(std::move(note)),
       wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
@@ -67,11 +68,11 @@ void Terminals::start(const ProgramStart& program) {
   const std::scoped_lock lock(mutex_);
   if (!wake_) throw Error(error_number::cannot_create_object, "too many files are open");
   if (stopping_) throw Error(error_number::cannot_create_object, "the session has ended");
-  make_room();
+  TerminalPlaces::Place place = make_room();
   auto terminal = std::make_unique<Terminal>(program, folder_);
   if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
   const std::uint64_t id = ++last_id_;
-  Open& open = table_[id];
+  Open& open = table_.emplace(id, Open{.place = std::move(place)}).first->second;
   open.title = typed_[id].title = program.command_line();
   open.withheld = confinement_of(program).withheld;
   open.terminal = std::move(terminal);
@@ -79,18 +80,22 @@ void Terminals::start(const ProgramStart& program) {
   wake();
 }
 
-// The oldest terminal whose program has ended gives way.
-void Terminals::make_room() {
-  if (table_.size() < most) return;
-  const auto ended =
-      std::find_if(table_.begin(), table_.end(), [](const auto& entry) { return !entry.second.terminal; });
-  if (ended == table_.end()) {
-    throw Error(error_number::cannot_create_object, "too many programs are running");
+// The oldest terminal whose program has ended gives way; one of another tab stays on view there.
+TerminalPlaces::Place Terminals::make_room() {
+  std::optional<TerminalPlaces::Place> place = places_.take();
+  while (!place) {
+    const auto ended =
+        std::find_if(table_.begin(), table_.end(), [](const auto& entry) { return !entry.second.terminal; });
+    if (ended == table_.end()) {
+      throw Error(error_number::cannot_create_object, "too many terminals are open, here and in other tabs");
+    }
+    tell(gone_message(ended->first));
+    note_rest(ended->first);
+    typed_.erase(ended->first);
+    table_.erase(ended);
+    place = places_.take();
   }
-  tell(gone_message(ended->first));
-  note_rest(ended->first);
-  typed_.erase(ended->first);
-  table_.erase(ended);
+  return std::move(*place);
 }
 
 void Terminals::connected(std::uint64_t connection) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <poll.h>
@@ -20,7 +22,40 @@
 
 namespace zrl::web {
 
-// The programs that a session's pages have started, each on a terminal that its browser shows. A
+// How many terminals there may be in all tabs of a session, ended ones included. From any thread.
+class TerminalPlaces {
+ public:
+  static constexpr std::size_t most = 8;
+
+  // One of them, until it is destroyed.
+  class Place {
+   public:
+    explicit Place(TerminalPlaces& places) : places_(&places) {}
+    Place(Place&& other) noexcept : places_(std::exchange(other.places_, nullptr)) {}
+    Place& operator=(Place&& other) noexcept {
+      std::swap(places_, other.places_);
+      return *this;
+    }
+    ~Place() {
+      if (places_ != nullptr) --places_->taken_;
+    }
+
+   private:
+    TerminalPlaces* places_;
+  };
+
+  // Nothing if all are taken.
+  std::optional<Place> take() {
+    if (++taken_ <= most) return Place(*this);
+    --taken_;
+    return {};
+  }
+
+ private:
+  std::atomic<std::size_t> taken_ = 0;
+};
+
+// The programs that the pages of a tab have started, each on a terminal that its browser shows. A
 // thread of its own, which begins with the first program, carries bytes both ways, so that neither
 // the console nor a program waits for the other. All calls are made on the session's thread.
 //
@@ -28,7 +63,6 @@ namespace zrl::web {
 // held up, as by a slow line. The latest output is kept for a browser that reconnects.
 class Terminals {
  public:
-  static constexpr std::size_t most = 8;  // terminals of one session, ended ones included
   static constexpr std::size_t window = 256 << 10;
   static constexpr std::size_t most_input = 1 << 20;    // typed, and not read yet
   static constexpr std::size_t longest_line = 4 << 10;  // a longer one is noted in pieces
@@ -40,8 +74,8 @@ class Terminals {
   // closed: the program's command line, a colon, and the bytes. On the session's thread.
   using Note = std::function<void(std::string_view text)>;
 
-  // Programs run in `folder` unless they name one.
-  Terminals(std::filesystem::path folder, Send send, Note note);
+  // Programs run in `folder` unless they name one. `places` must outlive this object.
+  Terminals(std::filesystem::path folder, TerminalPlaces& places, Send send, Note note);
   Terminals(const Terminals&) = delete;
   Terminals& operator=(const Terminals&) = delete;
   // Ends all programs and returns when they have ended.
@@ -71,14 +105,15 @@ class Terminals {
   enum class Closing : std::uint8_t { ask, kill, leave };
 
   struct Open {
-    std::string title;
-    std::string withheld;                // bytes that never reach it
-    std::unique_ptr<Terminal> terminal;  // none once all has been read of a program that ended
-    std::string input;
-    std::string history;         // the end of its output
+    TerminalPlaces::Place place;
+    std::string title = {};
+    std::string withheld = {};                // bytes that never reach it
+    std::unique_ptr<Terminal> terminal = {};  // none once all has been read of a program that ended
+    std::string input = {};
+    std::string history = {};    // the end of its output
     std::uint64_t produced = 0;  // bytes of output ever
     std::uint64_t taken = 0;
-    std::optional<Terminal::End> end;
+    std::optional<Terminal::End> end = {};
     bool closing = false;  // the browser wants no more of it
     bool drained = false;
     Clock::time_point next_read{};
@@ -101,7 +136,7 @@ class Terminals {
     int timeout = -1;
   };
 
-  void make_room();
+  TerminalPlaces::Place make_room();
   void note_typed(std::uint64_t id, std::string_view text);
   void note_rest(std::uint64_t id);
   void run();
@@ -114,6 +149,7 @@ class Terminals {
   void wake();
 
   const std::filesystem::path folder_;
+  TerminalPlaces& places_;
   const Send send_;
   const Note note_;
   std::map<std::uint64_t, Typed> typed_;  // of open terminals; only for the session's thread

@@ -27,7 +27,8 @@ class IoLoop {
 
 struct Request {
   std::string method;
-  std::string path;  // without the query
+  std::string path;   // without the query
+  std::string query;  // what follows the "?"
   std::string host;
   std::string origin;
   std::string content_type;
@@ -97,8 +98,9 @@ class ChannelListener {
   virtual void on_open(std::shared_ptr<Channel> channel) = 0;
   // False: no more is read until Channel::resume().
   virtual bool on_text(std::string text) = 0;
-  // The last call, also after Channel::close().
-  virtual void on_close() = 0;
+  // The last call, also after Channel::close(). `left` is true if the browser said that the page has been
+  // left or loaded anew; a line that was lost does not.
+  virtual void on_close(bool left) = 0;
 };
 
 class HttpHandler {

@@ -31,6 +31,7 @@ struct WebHostOptions {
   // Gets lines for the operator while the host runs, from any thread, at the same time.
   std::function<void(std::string_view)> notify = {};
 
+  // There is a connection for each tab, so `connections_a_network` should exceed the tabs of a session.
   ServerLimits server_limits = {};
   SessionTable::Limits session_limits = {};
   PasswordCost password_cost = {};

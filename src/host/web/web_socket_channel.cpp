@@ -86,7 +86,7 @@ class WebSocketChannel : public Channel, public std::enable_shared_from_this<Web
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the connection is over
     }
     cut();
-    if (opened) listener->on_close();
+    if (opened) listener->on_close(socket_.reason().code == websocket::close_code::going_away);
   }
 
  private:

@@ -35,7 +35,7 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
     register_components(console);
     lay_out_folder(console);
     thread_ = std::thread([this] {
-      web::SessionConsole(settings_, "admin", inbox_, offered_, *this).run();
+      web::SessionConsole(settings_, {"admin", "tab"}, terminals_, inbox_, offered_, *this).run();
       ended_ = true;
     });
     connect();
@@ -132,6 +132,7 @@ class SessionDriver : public BrowserEnd, private web::SessionOutput {
   web::ConsoleSettings settings_;
   web::Inbox inbox_{[] {}};
   web::OfferedFiles offered_;
+  web::TerminalPlaces terminals_;
   std::mutex mutex_;
   std::condition_variable arrived_;
   std::deque<std::string> messages_;

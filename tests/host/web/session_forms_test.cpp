@@ -69,7 +69,7 @@ TEST(SessionForms, OnlyWhatChangesIsSentAndNothingThatTheBrowserKnows) {
   SessionDriver session(test_pages());
   session.show("allcontrols");
   EXPECT_EQ(changes_of(session, session.event("allcontrols", "Text1", "text", {{"text", "héllo"}})),
-            json::parse(R"({"echo": {"caption": "You typed: héllo"}})"));
+            json::parse(R"({"Text1": {"unsaved": true}, "echo": {"caption": "You typed: héllo"}})"));
   EXPECT_EQ(changes_of(session, session.click("allcontrols", "Check1")),
             json::parse(R"({"Check1": {"value": 0}, "Frame3": {"enabled": false}})"));
   EXPECT_EQ(changes_of(session, session.event("allcontrols", "HScroll1", "scroll", {{"value", 0}})),
@@ -85,7 +85,7 @@ TEST(SessionForms, TextThatAHandlerChangesComesBack) {
   const auto type = [&](std::string_view control, std::string_view text) {
     return changes_of(session, session.event("handlers", control, "text", {{"text", text}}));
   };
-  EXPECT_EQ(type("shouted", "abc"), json::parse(R"({"shouted": {"text": "ABC"}})"));
+  EXPECT_EQ(type("shouted", "abc"), json::parse(R"({"shouted": {"text": "ABC", "unsaved": true}})"));
   EXPECT_EQ(type("shouted", "ABC"), json::object());
   // The text is what it was before, but not what the browser shows.
   EXPECT_EQ(type("reset", "gone"), json::parse(R"({"reset": {"text": ""}})"));
@@ -101,7 +101,7 @@ TEST(SessionForms, MarksOfASourceTextAreToldWhenTheyChange) {
     return changes_of(session, session.event("handlers", "code", "text", {{"text", text}}));
   };
   EXPECT_EQ(type("wrong"), json::parse(R"({"code": {"marks": [{"name": "code", "line": 1, "column": 2,
-                                          "text": "wröng", "elsewhere": false}]}})"));
+                                          "text": "wröng", "elsewhere": false}], "unsaved": true}})"));
   EXPECT_EQ(type("wrong again"), json::object());
   EXPECT_EQ(type("right"), json::parse(R"({"code": {"marks": []}})"));
 }

@@ -114,8 +114,9 @@ class TerminalsTest : public ::testing::Test {
   std::size_t received_ = 0;
   int scripts_ = 0;
   std::vector<std::string> notes_;
+  web::TerminalPlaces places_;
   std::unique_ptr<web::Terminals> terminals_ = std::make_unique<web::Terminals>(
-      folder_.path(),
+      folder_.path(), places_,
       [this](std::uint64_t connection, const std::string& text) { receive(connection, text); },
       [this](std::string_view text) { notes_.emplace_back(text); });
 };
@@ -270,7 +271,7 @@ TEST_F(TerminalsTest, OnlySoManyRunAndEndedOnesGiveWay) {
   EXPECT_THROW(terminals_->start({"", {}, ""}), Error);
   EXPECT_THROW(start("true", {}, "\\no\\such\\folder"), Error);
   start("true");
-  for (std::size_t i = 1; i < web::Terminals::most; ++i) start("sleep 60");
+  for (std::size_t i = 1; i < web::TerminalPlaces::most; ++i) start("sleep 60");
   ASSERT_TRUE(becomes([&] { return has_ended(1); }));
   start("sleep 60");
   EXPECT_TRUE(shown(1).gone);

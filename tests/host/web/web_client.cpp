@@ -129,8 +129,8 @@ HttpAnswer WebClient::post(std::string_view path, const json::value& body) {
   return answer;
 }
 
-WebSocket::WebSocket(WebClient& client) : connection_(client.port()) {
-  connection_.write(client.head("GET", "/ws",
+WebSocket::WebSocket(WebClient& client, std::string_view query) : connection_(client.port()) {
+  connection_.write(client.head("GET", "/ws" + std::string(query),
                                 "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
                                 "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n"));
   status = read_answer(connection_, buffer_).status;

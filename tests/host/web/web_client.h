@@ -66,8 +66,8 @@ class WebClient {
 // The browser's end of a WebSocket.
 class WebSocket : public BrowserEnd {
  public:
-  // Opens it with the client's cookie; `status` tells whether that worked (101).
-  explicit WebSocket(WebClient& client);
+  // Opens it with the client's cookie; `status` tells whether that worked (101). The query names the tab.
+  explicit WebSocket(WebClient& client, std::string_view query = {});
 
   int status = 0;
   bool broken = false;  // something could not be sent

@@ -281,39 +281,6 @@ TEST(WebHost, RulesOfTheWebSocket) {
   socket.until_done(socket.open("handlers"));
 }
 
-TEST(WebHost, ANewWebSocketTakesThePlaceOfTheOldOne) {
-  RunningHost host(with_pages());
-  WebClient client = host.sign_in();
-  WebSocket first(client);
-  first.until_done(first.open("handlers"));
-  first.until_done(first.event("handlers", "shouted", "text", {{"text", "kept"}}));
-  WebSocket second(client);
-  EXPECT_EQ(second.receive("hello").at("open"), "handlers");
-  second.receive("form");
-  EXPECT_EQ(second.held("handlers", "shouted", "text"), "KEPT");
-  EXPECT_EQ(first.close_code(), 4001);
-  second.until_done(second.click("handlers", "count"));
-}
-
-TEST(WebHost, ALostPageIsKeptForAWhile) {
-  web::WebHostOptions options = with_pages();
-  options.session_limits.times.lost = 500ms;
-  options.session_limits.sweep = 20ms;
-  RunningHost host(std::move(options));
-  WebClient client = host.sign_in();
-  {
-    WebSocket socket(client);
-    socket.until_done(socket.open("handlers"));
-  }
-  {
-    WebSocket socket(client);
-    EXPECT_EQ(socket.receive("hello").at("open"), "handlers");
-  }
-  EXPECT_FALSE(std::filesystem::exists(host.folder() / "handlers-left"));
-  while (!std::filesystem::exists(host.folder() / "handlers-left")) std::this_thread::sleep_for(10ms);
-  EXPECT_EQ(WebSocket(client).status, 401);
-}
-
 // What browsers send by themselves is not what a person does.
 TEST(WebHost, OnlyAPersonKeepsASessionAlive) {
   web::WebHostOptions options = with_pages();
@@ -410,6 +377,7 @@ TEST(WebHost, ABrowserThatDoesNotReadIsCutOff) {
   RunningHost host(std::move(options));
   WebClient lazy_client = host.sign_in();
   WebSocket lazy(lazy_client);
+  const std::string tab(lazy.receive("hello").at("tab").as_string());
   lazy.until_done(lazy.open("allcontrols"));
   lazy.until_done(lazy.click("allcontrols", "fill"));
   WebClient other_client = host.sign_in();
@@ -424,7 +392,7 @@ TEST(WebHost, ABrowserThatDoesNotReadIsCutOff) {
   EXPECT_TRUE(lazy.broken);
   EXPECT_GT(asked, 100);
   // It may come back.
-  WebSocket again(lazy_client);
+  WebSocket again(lazy_client, "?tab=" + tab);
   EXPECT_EQ(again.receive("hello").at("open"), "allcontrols");
 }
 
@@ -480,8 +448,9 @@ TEST(WebHost, StoppingEndsWhatRuns) {
   EXPECT_TRUE(std::filesystem::exists(host.folder() / "handlers-left"));
 }
 
-std::string upload_of(const WebClient& client, const std::string& target, const std::string& content) {
-  return client.head("POST", "/upload",
+std::string upload_of(const WebClient& client, const std::string& target, const std::string& content,
+                      const std::string& tab) {
+  return client.head("POST", "/upload?tab=" + tab,
                      "Content-Type: application/octet-stream\r\nUpload-To: " + target +
                          "\r\nContent-Length: " + std::to_string(content.size()) + "\r\n\r\n" + content);
 }
@@ -489,35 +458,35 @@ std::string upload_of(const WebClient& client, const std::string& target, const 
 TEST(WebHost, FilesComeAndGo) {
   RunningHost host(with_pages());
   WebClient client = host.sign_in();
-  EXPECT_EQ(error_of(client.raw(upload_of(client, "sample/File1/a.txt", "x"))), "no_form");
+  EXPECT_EQ(error_of(client.raw(upload_of(client, "sample/File1/a.txt", "x", "none"))), "no_form");
   WebSocket socket(client);
-  socket.receive("hello");
+  const std::string tab(socket.receive("hello").at("tab").as_string());
   socket.until_done(socket.open("allcontrols"));
   socket.click("allcontrols", "open");
   while (!socket.forms.contains("sample")) socket.receive("form");
   // More than a piece, and more than an ordinary request may bring.
   std::string content;
   while (content.size() < 3'000'000) content += "line " + std::to_string(content.size()) + "\n";
-  const HttpAnswer uploaded = client.raw(upload_of(client, "sample/File1/a.txt", content));
+  const HttpAnswer uploaded = client.raw(upload_of(client, "sample/File1/a.txt", content, tab));
   EXPECT_EQ(uploaded.status, 200);
   EXPECT_EQ(uploaded.object().at("name"), "a.txt");
   EXPECT_EQ(read_file(host.folder() / "upload" / "a.txt", content.size()), content);
-  EXPECT_EQ(client.raw(upload_of(client, "sample/File1/empty", "")).object().at("name"), "empty");
+  EXPECT_EQ(client.raw(upload_of(client, "sample/File1/empty", "", tab)).object().at("name"), "empty");
 
-  EXPECT_EQ(error_of(client.raw(upload_of(client, "sample", "x"))), "bad_request");
+  EXPECT_EQ(error_of(client.raw(upload_of(client, "sample", "x", tab))), "bad_request");
   EXPECT_EQ(client
-                .raw(client.head("POST", "/upload",
+                .raw(client.head("POST", "/upload?tab=" + tab,
                                  "Content-Type: application/octet-stream\r\nUpload-To: a/b/c\r\n"
                                  "Content-Length: 67108865\r\n\r\n"))
                 .status,
             413);
   EXPECT_EQ(client.raw(client.head("POST", "/api/login", "Content-Length: 65537\r\n\r\n")).status, 413);
   WebClient stranger(host.port());
-  EXPECT_EQ(error_of(stranger.raw(upload_of(stranger, "sample/File1/a.txt", "x"))), "signed_out");
+  EXPECT_EQ(error_of(stranger.raw(upload_of(stranger, "sample/File1/a.txt", "x", tab))), "signed_out");
   {
     // Broken off in the middle.
     TcpConnection connection(host.port());
-    std::string request = upload_of(client, "sample/File1/broken.txt", content);
+    std::string request = upload_of(client, "sample/File1/broken.txt", content, tab);
     request.resize(request.size() - 1'000'000);
     connection.write(request);
   }
@@ -529,16 +498,16 @@ TEST(WebHost, FilesComeAndGo) {
   // All together have a limit, too: of files that are there, and of those that are on their way.
   std::filesystem::resize_file(host.folder() / "upload" / "a.txt", web::UploadFolder::all_files - (70 << 20));
   TcpConnection slow(host.port());
-  slow.write(client.head("POST", "/upload",
+  slow.write(client.head("POST", "/upload?tab=" + tab,
                          "Content-Type: application/octet-stream\r\nUpload-To: sample/File1/slow\r\n"
                          "Content-Length: 60000000\r\n\r\nx"));
   while (std::filesystem::is_empty(arriving)) std::this_thread::sleep_for(10ms);
   EXPECT_EQ(
-      error_of(client.raw(client.head("POST", "/upload",
+      error_of(client.raw(client.head("POST", "/upload?tab=" + tab,
                                       "Content-Type: application/octet-stream\r\n"
                                       "Upload-To: sample/File1/more\r\nContent-Length: 20000000\r\n\r\n"))),
       "no_room");
-  EXPECT_EQ(client.raw(upload_of(client, "sample/File1/small", "x")).status, 200);
+  EXPECT_EQ(client.raw(upload_of(client, "sample/File1/small", "x", tab)).status, 200);
 
   socket.close_form("sample");
   socket.click("allcontrols", "offer");

@@ -3,6 +3,7 @@ import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import { Icon } from '../parts/icon'
 import type { Control } from '../wire/protocol'
+import { DraftOffer } from './draft-offer'
 
 const fewestRows = 3
 const shortRows = 10
@@ -110,6 +111,7 @@ export function Field({ control, shown, class: kind, labelFor, aside, rows, chil
         </div>
       )}
       {children}
+      <DraftOffer control={control} />
       {control.form.missing.value === control && !control.holdsSomething && (
         <p class="field-missing" role="alert">
           <Icon name="info" />

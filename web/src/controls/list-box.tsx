@@ -12,6 +12,7 @@ import { Field, nameOf, naming } from './field'
 import { keyTarget, Row } from './list-row'
 import { FilterField, placeKey, restoreView } from './list-tools'
 import { SelectionBar } from './selection-bar'
+import { StaleNote } from './stale-note'
 import { useDrop } from './upload'
 import { VirtualList, type VirtualListHandle } from './virtual-list'
 
@@ -199,6 +200,7 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
       }
     >
       <div class="list-frame" data-filtering={cache.filtering ? '' : undefined} data-over={over ? '' : undefined} {...handlers}>
+        <StaleNote control={control} />
         {filterable && <FilterField list={list} name={control.form.labelOf(shown)} control={control} tool={tool} />}
         <div class="list-view">
           <VirtualList

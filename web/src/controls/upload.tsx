@@ -3,7 +3,7 @@ import { messages } from '../i18n'
 import { browserRequest, Upload, type Sending } from '../model/uploads'
 import { visibleText } from '../model/visible-text'
 import { Icon } from '../parts/icon'
-import { toasts } from '../state/app-state'
+import { session, toasts } from '../state/app-state'
 
 const longestName = 100
 
@@ -22,7 +22,7 @@ export function catchStrayFiles(): void {
 
 /** The upload of one place that files can be put on. `quiet`: what becomes of the file is told there. */
 export function useUpload(quiet = false): Upload {
-  const [upload] = useState(() => new Upload(browserRequest))
+  const [upload] = useState(() => new Upload(() => browserRequest(session.hello.peek()?.tab ?? '')))
   upload.onProblem = (problem, name) =>
     toasts.add(messages.value.uploadFailed(visibleText(name, longestName)), {
       detail: messages.value.uploadProblem(problem),

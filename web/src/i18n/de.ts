@@ -3,6 +3,7 @@ import type { UploadFailureCode } from '../wire/protocol'
 import type { Messages } from './en'
 import { clockForm, clockLanguage } from './clock'
 import { sizeText } from './size'
+import { timeText } from './time'
 
 const number = new Intl.NumberFormat('de')
 const time = new Intl.DateTimeFormat(clockLanguage('de'), clockForm)
@@ -139,8 +140,11 @@ export const de: Messages = {
   sessionEndedText: 'Sie wurden abgemeldet, oder es ist längere Zeit nichts geschehen. Gespeichertes ist sicher.',
   signInAgain: 'Wieder anmelden',
   replaced: 'Die Konsole ist anderswo geöffnet',
-  replacedText: 'Sie wurde mit derselben Sitzung in einem anderen Tab oder Fenster geöffnet. Nur eines davon lässt sich benutzen.',
+  replacedText: 'Die Konsole dieses Tabs wurde in einem anderen Tab oder Fenster geöffnet. Nur eines davon kann sie benutzen.',
   useHere: 'Hier benutzen',
+  tooManyTabs: 'Zu viele Tabs sind offen',
+  tooManyTabsText: 'Diese Konsole hat so viele Tabs, wie sie erlaubt. Schließen Sie einen der anderen; Tabs, deren Verbindung verloren ist, werden nach 15 Minuten aufgegeben.',
+  renewedConsole: 'Dieser Tab war zu lange fort und wurde neu eingerichtet. Was Sie getippt hatten, wird an seinem Feld wieder angeboten.',
 
   connectionLost: 'Verbindung unterbrochen. Neuer Versuch läuft…',
   reconnect: 'Jetzt versuchen',
@@ -185,6 +189,13 @@ export const de: Messages = {
       : hasList
         ? `Zuerst „${name}“ ausfüllen oder einen Eintrag auswählen.`
         : `Zuerst „${name}“ ausfüllen.`,
+  listChanged: 'Jemand anders hat diese Liste geändert.',
+  reloadList: 'Neu laden',
+  draft: (at, of) =>
+    of === '' ? `Sie haben ungespeicherten Text von ${timeText('de', at)}:` : `Sie haben ungespeicherten Text zu „${of}“ von ${timeText('de', at)}; wählen Sie das, um ihn zurückzuholen:`,
+  restoreDraft: 'Wiederherstellen',
+  discardDraft: 'Verwerfen',
+  forgetDrafts: count => `${plural(count, 'ungespeicherten Text', 'ungespeicherte Texte')} auf diesem Gerät vergessen`,
   emptyList: 'Keine Einträge',
   emptyListDrop: 'Keine Einträge. Fügen Sie einen hinzu, oder legen Sie eine Textdatei hier ab.',
   noMatch: 'Nichts passt zum Filter',

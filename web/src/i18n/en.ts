@@ -4,6 +4,7 @@ import type { UploadProblem } from '../model/uploads'
 import type { FailureCode, UploadFailureCode } from '../wire/protocol'
 import { clockForm, clockLanguage } from './clock'
 import { sizeText } from './size'
+import { timeText } from './time'
 
 const number = new Intl.NumberFormat('en')
 const time = new Intl.DateTimeFormat(clockLanguage('en'), clockForm)
@@ -156,8 +157,11 @@ export const en = {
   sessionEndedText: 'You were signed out, or nothing happened for a while. What was saved is safe.',
   signInAgain: 'Sign in again',
   replaced: 'The console is open elsewhere',
-  replacedText: 'It was opened in another tab or window with the same session. Only one of them can be used at a time.',
+  replacedText: 'The console of this tab was opened in another tab or window. Only one of them can use it at a time.',
   useHere: 'Use it here',
+  tooManyTabs: 'Too many tabs are open',
+  tooManyTabsText: 'This console has as many tabs as it allows. Close one of the others; tabs whose line was lost are given up after 15 minutes.',
+  renewedConsole: 'This tab was away for too long and has been set up anew. What you had typed is offered again at its field.',
 
   connectionLost: 'Connection lost. Trying again…',
   reconnect: 'Try now',
@@ -187,6 +191,13 @@ export const en = {
   removeRows: 'Remove',
   missing: (name: string, isList: boolean, hasList: boolean): string =>
     isList ? `Choose an entry of “${name}” first.` : hasList ? `Fill in “${name}” or choose an entry first.` : `Fill in “${name}” first.`,
+  listChanged: 'Somebody else has changed this list.',
+  reloadList: 'Reload',
+  draft: (at: Date, of: string): string =>
+    of === '' ? `You have unsaved text of ${timeText('en', at)}:` : `You have unsaved text for “${of}” of ${timeText('en', at)}; choose that to get it back:`,
+  restoreDraft: 'Restore',
+  discardDraft: 'Discard',
+  forgetDrafts: (count: number): string => `Forget ${plural(count, 'unsaved text', 'unsaved texts')} on this device`,
   emptyList: 'No entries',
   emptyListDrop: 'No entries. Add one, or drop a text file here.',
   noMatch: 'Nothing matches the filter',

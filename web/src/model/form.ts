@@ -1,5 +1,6 @@
 import { batch, computed, signal, type ReadonlySignal } from '@preact/signals'
 import type { ChangeMessage, Control, FormMessage, Kind, LayoutNode, PlainMessage, UserEvent } from '../wire/protocol'
+import type { Draft, DraftPlace, Drafts } from './drafts'
 import { framesAround, gridded } from './layout'
 import { ListModel } from './list'
 import { PendingText } from './pending-text'
@@ -13,6 +14,8 @@ export interface Link {
   send(message: PlainMessage): boolean
   /** Asks that what the control still holds back is sent soon. */
   later(control: ControlModel): void
+  /** Where typed texts are kept until they are saved. */
+  readonly drafts?: Drafts
 }
 
 interface Overlay {
@@ -50,6 +53,11 @@ export class ControlModel {
   private chosenHere: { index: number; revision: number } | null = null
   private chooseSeq = 0
   private queuedChoice: number | null = null
+  /** A text that was typed here before and not saved. */
+  readonly draft = signal<Draft | null>(null)
+  private readonly keepsDrafts: boolean
+  /** Where what is being typed is kept, from its first letter on. */
+  private draftPlace: DraftPlace | null = null
 
   constructor(form: FormModel, name: string, control: Control) {
     this.form = form
@@ -68,6 +76,7 @@ export class ControlModel {
     const typed = control.kind === 'TextField' || (control.kind === 'ComboBox' && control.editable === true)
     this.pending = typed ? new PendingText(control.text ?? '') : null
     this.text = signal(control.text ?? '')
+    this.keepsDrafts = control.kind === 'TextField' && control.secret !== true
     this.list = listKinds.has(control.kind)
       ? new ListModel(form.name, name, control.items ?? { length: 0, revision: 0 }, message => form.link.send(message))
       : null
@@ -100,8 +109,56 @@ export class ControlModel {
 
   flushText(): void {
     if (!this.pending?.dirty) return
+    this.keepDraft()
     const seq = this.form.link.event(this, { event: 'text', text: this.pending.text })
     if (seq > 0) this.pending.sent(seq)
+  }
+
+  /** Whether leaving the form would lose what was typed. */
+  get unsaved(): boolean {
+    return this.shown.value.unsaved === true || this.pending?.dirty === true
+  }
+
+  /** The name of what the field shows, where the form shows one of several things in it. */
+  get draftOf(): string {
+    for (const other of this.form.controls.values()) {
+      if (other.kind === 'ComboBox' && other.shown.value.replaces?.includes(this.name)) return other.comboText
+    }
+    return ''
+  }
+
+  private get comboText(): string {
+    return this.pending ? this.text.value : (this.shown.value.text ?? '')
+  }
+
+  private keepDraft(): void {
+    if (!this.keepsDrafts) return
+    this.draftPlace ??= { form: this.form.name, field: this.name, of: this.draftOf }
+    // Typed and taken back within a moment.
+    if (this.pending?.asServer && !this.shown.peek().unsaved) this.form.link.drafts?.drop(this.draftPlace)
+    else this.form.link.drafts?.keep(this.draftPlace, this.text.peek())
+  }
+
+  lookForDraft(): void {
+    if (this.keepsDrafts) this.draft.value = this.form.link.drafts?.find(this.form.name, this.name, this.text.peek()) ?? null
+  }
+
+  restoreDraft(): void {
+    const draft = this.draft.peek()
+    if (!draft) return
+    this.discardDraft()
+    this.type(draft.text)
+  }
+
+  discardDraft(): void {
+    const draft = this.draft.peek()
+    if (draft) this.form.link.drafts?.discard(draft)
+    this.draft.value = null
+  }
+
+  /** Has the list read again. */
+  reload(): void {
+    this.form.link.event(this, { event: 'reload' })
   }
 
   get holdsBack(): boolean {
@@ -235,7 +292,16 @@ export class ControlModel {
       if (change.sort !== undefined || change.filter !== undefined) this.table?.restart()
       if (change.rows) this.table?.setRevision(change.rows.revision)
       this.settle(ack)
+      if (change.unsaved === false) this.noLongerUnsaved(change.setAside === true)
     })
+  }
+
+  /** An act has used what was typed, or the page has put something else in its place: then it can be had back. */
+  private noLongerUnsaved(setAside: boolean): void {
+    if (this.pending?.dirty) return
+    if (this.draftPlace && !setAside) this.form.link.drafts?.drop(this.draftPlace)
+    this.draftPlace = null
+    this.lookForDraft()
   }
 
   /** The server has handled every event up to this one. */
@@ -288,6 +354,7 @@ export class ControlModel {
       } else this.text.value = control.text ?? ''
       this.list?.reconnected(control.items ?? { length: 0, revision: 0 })
       this.table?.reconnected(control.rows?.revision ?? 0)
+      this.lookForDraft()
     })
   }
 
@@ -339,6 +406,11 @@ export class FormModel {
       if (control.label !== undefined) this.usedLabels.add(control.label)
       if (control.exchange?.result !== undefined) this.usedLabels.add(control.exchange.result)
     }
+    for (const control of this.controls.values()) control.lookForDraft()
+  }
+
+  get unsaved(): boolean {
+    return [...this.controls.values()].some(control => control.unsaved)
   }
 
   /** Takes the same form again, told anew; false when it is no longer the same set of controls. */

@@ -49,6 +49,11 @@ export class PendingText {
     this.serverText = this.sentText
   }
 
+  /** The server has this text, or is going to get it back. */
+  get asServer(): boolean {
+    return this.text === this.serverText
+  }
+
   get unsettled(): boolean {
     return this.dirty || this.sentSeq > 0
   }

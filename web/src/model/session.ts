@@ -15,6 +15,7 @@ import type {
   UserEvent,
 } from '../wire/protocol'
 import type { ActivityModel } from './activity'
+import { Drafts } from './drafts'
 import { EntryFinder } from './entry-search'
 import { Files } from './files'
 import { FormModel, type ControlModel, type Link } from './form'
@@ -57,6 +58,8 @@ export class Session implements Link {
   onGo: (page: string, query: string) => void = () => {}
   onFile: (file: OfferedFile, awaited: boolean) => void = () => {}
   onUnfit: (control: ControlModel) => void = () => {}
+  /** The tab has another console than the one that it had. */
+  onRenewed: () => void = () => {}
 
   private readonly connection: Connection
   private readonly activity: ActivityModel
@@ -70,9 +73,12 @@ export class Session implements Link {
   private untold = new Set<FormModel>()
   private purgeTimer: ReturnType<typeof setTimeout> | undefined
 
-  constructor(connection: Connection, activity: ActivityModel) {
+  readonly drafts: Drafts
+
+  constructor(connection: Connection, activity: ActivityModel, drafts = new Drafts(null)) {
     this.connection = connection
     this.activity = activity
+    this.drafts = drafts
     this.terminals = new Terminals(message => connection.send(message))
     this.entries = new EntryFinder(message => connection.send(message))
   }
@@ -118,6 +124,19 @@ export class Session implements Link {
       return this.onRefusal({ code: 'not_connected', text: '' })
     }
     this.boxes.value = this.boxes.peek().filter(other => other.id !== box.id)
+  }
+
+  /** Takes what this account has typed and not saved off the device; what stands in the fields stays there. */
+  forgetDrafts(): void {
+    this.drafts.clear()
+    for (const form of [this.page.peek(), ...this.dialogs.peek()]) {
+      for (const control of form?.controls.values() ?? []) control.lookForDraft()
+    }
+  }
+
+  /** Whether leaving the console would lose something that was typed. */
+  get unsaved(): boolean {
+    return this.page.peek()?.unsaved === true || this.dialogs.peek().some(dialog => dialog.unsaved)
   }
 
   askCaptions(): void {
@@ -177,6 +196,8 @@ export class Session implements Link {
 
   /** The session is over: nothing of it stays on view. */
   reset(): void {
+    // What was typed in the last moment is kept as a draft at least.
+    this.flushTexts()
     batch(() => {
       this.hello.value = null
       this.page.value = null
@@ -195,6 +216,7 @@ export class Session implements Link {
     this.holding.clear()
     this.unsettled.clear()
     this.activity.reset()
+    this.drafts.belongTo('', '')
   }
 
   /** A pause in typing sends the texts; a choice that waits for its predecessor goes on waiting. */
@@ -256,6 +278,7 @@ export class Session implements Link {
       case 'files':
         return this.files.told(message.files)
       case 'done':
+        if (message.seq === this.openSeq) this.stayed()
         return this.finished(message.seq, control => control.done(message.seq))
       case 'error':
         return this.refused(message.seq ?? 0, message)
@@ -265,9 +288,11 @@ export class Session implements Link {
   private welcome(message: Hello): void {
     const previous = this.hello.peek()
     this.hello.value = message
+    this.drafts.belongTo(message.account, message.tab)
     if (previous?.language !== message.language) this.captions.value = null
     if (!this.freshSocket) return this.activity.restarted()
     this.freshSocket = false
+    if (previous && previous.tab !== message.tab) this.renewed()
     this.opening.value = null
     this.boxes.value = []
     this.busy.value = null
@@ -279,6 +304,15 @@ export class Session implements Link {
     this.untold = new Set([...(page ? [page] : []), ...this.dialogs.peek()])
     clearTimeout(this.purgeTimer)
     this.purgeTimer = setTimeout(() => this.purge(), retellingTime)
+  }
+
+  /** The console of before is gone, and its forms with it. */
+  private renewed(): void {
+    this.page.value = null
+    this.dialogs.value = []
+    this.holding.clear()
+    this.files.told([])
+    this.onRenewed()
   }
 
   private purge(): void {
@@ -312,6 +346,13 @@ export class Session implements Link {
     if (page?.name === name) page.closed.value = true
     else this.dialogs.value = this.dialogs.peek().filter(dialog => dialog.name !== name)
     for (const control of this.holding) if (control.form.name === name) this.holding.delete(control)
+  }
+
+  /** The person did not leave the page after all. */
+  private stayed(): void {
+    this.openSeq = 0
+    this.opening.value = null
+    if (this.wanted.peek()?.page !== this.page.peek()?.name) this.wanted.value = null
   }
 
   private refused(seq: number, error: { code: ErrorCode; text: string; request?: number; form?: string; control?: string }): void {

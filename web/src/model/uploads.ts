@@ -87,13 +87,13 @@ export class Upload {
   }
 }
 
-/** The real one. A fetch would not tell how far it has come. */
-export function browserRequest(): Request {
+/** The real one, for the console of this tab. A fetch would not tell how far it has come. */
+export function browserRequest(tab: string): Request {
   const request = new XMLHttpRequest()
   return {
     send: (target, file, progress) =>
       new Promise((resolve, reject) => {
-        request.open('POST', '/upload')
+        request.open('POST', `/upload?tab=${encodeURIComponent(tab)}`)
         request.setRequestHeader('Content-Type', 'application/octet-stream')
         request.setRequestHeader('Upload-To', target)
         request.upload.onprogress = event => progress(event.loaded)

@@ -41,11 +41,11 @@ function Box({ box }: { box: BoxMessage }) {
           <button
             key={reply}
             type="button"
-            class={`button${reply === 'cancel' ? '' : box.act ? ' danger' : ' primary'}`}
+            class={`button${reply !== 'ok' ? '' : box.act ? ' danger' : ' primary'}`}
             autoFocus={reply === safest}
             onClick={() => session.answer(box, reply)}
           >
-            {reply === 'ok' ? box.act || m.ok : m.cancel}
+            {reply === 'ok' ? box.act || m.ok : reply === 'other' ? box.other : m.cancel}
           </button>
         ))}
       </div>

@@ -63,6 +63,32 @@ function Group({ section, id, holdsCurrent, children }: GroupProps) {
   )
 }
 
+/** Takes the unsaved texts of this account off the device. */
+function ForgetDrafts() {
+  const m = messages.value
+  const [count, setCount] = useState(0)
+  // Texts come and go with every page and every act; asking for them costs little.
+  useEffect(() => {
+    const look = (): void => setCount(session.drafts.count)
+    look()
+    const timer = setInterval(look, 2000)
+    return () => clearInterval(timer)
+  }, [session.page.value])
+  if (count === 0) return null
+  return (
+    <button
+      type="button"
+      class="link"
+      onClick={() => {
+        session.forgetDrafts()
+        setCount(0)
+      }}
+    >
+      {m.forgetDrafts(count)}
+    </button>
+  )
+}
+
 export function Sidebar({ drawn, onLeave }: { drawn: boolean; onLeave: () => void }) {
   const hello = session.hello.value
   const current = session.opening.value ?? session.page.value?.name
@@ -133,6 +159,7 @@ export function Sidebar({ drawn, onLeave }: { drawn: boolean; onLeave: () => voi
           >
             {m.changePassword}
           </button>
+          <ForgetDrafts />
           <p>{m.version(hello.version)}</p>
         </div>
       )}

@@ -162,6 +162,8 @@ export function Door() {
           }}
         />
       )
+    case 'full':
+      return <Notice icon="expand" title={m.tooManyTabs} text={m.tooManyTabsText} action={m.tryNow} onAction={() => void begin()} />
     case 'replaced':
       return <Notice icon="expand" title={m.replaced} text={m.replacedText} action={m.useHere} onAction={() => void begin()} />
     default:

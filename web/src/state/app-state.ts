@@ -1,6 +1,7 @@
 import { effect, signal, untracked } from '@preact/signals'
 import { language, messages } from '../i18n'
 import { ActivityModel } from '../model/activity'
+import { deviceStorage, Drafts } from '../model/drafts'
 import { addressOf } from '../model/files'
 import { Session } from '../model/session'
 import { forgetTab } from '../model/preferences'
@@ -11,14 +12,17 @@ import { visibleText } from '../model/visible-text'
 import { askState, logOut } from '../wire/api'
 import { Connection } from '../wire/connection'
 import type { HostState, OfferedFile } from '../wire/protocol'
+import { TabIdentity, tabStorage } from '../wire/tab'
 
-export type Screen = 'loading' | 'unreachable' | 'setup' | 'login' | 'console' | 'ended' | 'replaced'
+export type Screen = 'loading' | 'unreachable' | 'setup' | 'login' | 'console' | 'ended' | 'replaced' | 'full'
 
 export const screen = signal<Screen>('loading')
 export const hostState = signal<HostState | null>(null)
 
+const tab = new TabIdentity(tabStorage())
+
 export const connection = new Connection({
-  openSocket: () => new WebSocket(`${location.protocol === 'https:' ? 'wss:' : 'ws:'}//${location.host}/ws`),
+  openSocket: () => new WebSocket(`${location.protocol === 'https:' ? 'wss:' : 'ws:'}//${location.host}${tab.path}`),
   askState,
   later: (run, ms) => {
     const timer = setTimeout(run, ms)
@@ -26,12 +30,14 @@ export const connection = new Connection({
   },
 })
 export const activity = new ActivityModel()
-export const session = new Session(connection, activity)
+export const session = new Session(connection, activity, new Drafts(deviceStorage()))
 export const toasts = new Toasts()
 
 const longestDetail = 300
 const longestSentence = 1000
 const longestName = 100
+/** Far more often than other tabs take this one for gone. */
+const beatInterval = 20_000
 
 /** Notices about the same thing take each other's place. */
 function topicOf(summary: Summary): string | undefined {
@@ -39,7 +45,11 @@ function topicOf(summary: Summary): string | undefined {
   return summary.failed || summary.lead ? undefined : 'statements'
 }
 
-connection.onMessage = message => session.receive(message)
+connection.onMessage = message => {
+  if (message.type === 'hello') tab.greeted(message.tab)
+  session.receive(message)
+}
+session.onRenewed = () => toasts.add(messages.value.renewedConsole, { failed: true })
 connection.onOpened = () => session.opened()
 activity.send = message => connection.send(message)
 activity.onAction = (message, steps) => {
@@ -82,7 +92,7 @@ export const droppedFile = signal<File | null>(null)
 
 effect(() => {
   const status = connection.status.value
-  if (status === 'ended' || status === 'replaced') {
+  if (status === 'ended' || status === 'replaced' || status === 'full') {
     untracked(() => {
       screen.value = status
       session.reset()
@@ -102,7 +112,18 @@ effect(() => {
 })
 
 // What was typed in the last moment before the tab is closed or loaded anew.
-addEventListener('pagehide', () => session.flush())
+addEventListener('pagehide', () => {
+  session.flush()
+  session.drafts.release()
+  tab.release()
+})
+addEventListener('pageshow', event => {
+  if (event.persisted) tab.hold()
+})
+addEventListener('beforeunload', event => {
+  if (screen.peek() === 'console' && session.unsaved) event.preventDefault()
+})
+setInterval(() => session.drafts.beat(), beatInterval)
 addEventListener('online', () => connection.hurry())
 document.addEventListener('visibilitychange', () => {
   if (!document.hidden) connection.hurry()
@@ -137,6 +158,7 @@ export async function leave(): Promise<void> {
   connection.stop()
   session.reset()
   toasts.clear()
+  tab.forget()
   forgetTab()
   await begin()
 }

@@ -1,7 +1,7 @@
 import { signal } from '@preact/signals'
 import { closeCodes, type HostState, type PlainMessage, type SequencedMessage, type ServerMessage } from './protocol'
 
-export type Status = 'idle' | 'connecting' | 'open' | 'lost' | 'ended' | 'replaced'
+export type Status = 'idle' | 'connecting' | 'open' | 'lost' | 'ended' | 'replaced' | 'full'
 
 interface ConnectionPorts {
   openSocket(): WebSocket
@@ -90,6 +90,7 @@ export class Connection {
       this.openedAt = 0
       if (event.code === closeCodes.replaced) this.status.value = 'replaced'
       else if (event.code === closeCodes.ended) this.status.value = 'ended'
+      else if (event.code === closeCodes.tooManyTabs) this.status.value = 'full'
       else this.scheduleRetry()
     }
   }

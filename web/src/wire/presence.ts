@@ -10,3 +10,14 @@ export function watchPresence(target: EventTarget, tell: () => boolean, now: () 
     target.addEventListener(event, moved, { passive: true })
   }
 }
+
+const lookInterval = 10_000
+
+/** Lets the host look for what others have changed: now and then, and when somebody comes back to the tab. A tab that nobody sees asks for nothing. */
+export function watchChanges(page: Document, ask: () => void): void {
+  const look = (): void => {
+    if (!page.hidden) ask()
+  }
+  setInterval(look, lookInterval)
+  page.addEventListener('visibilitychange', look)
+}

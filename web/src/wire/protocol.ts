@@ -151,6 +151,14 @@ export interface Control {
   query?: string
   /** Of a text field that expects something: why its text does not fit; null where it does. */
   hint?: Hint | null
+  /** Somebody has typed a text into it that no act has used yet. */
+  unsaved?: boolean
+  /** The page has put another text in the place of an unsaved one. */
+  setAside?: boolean
+  /** The fields whose texts an act on this control replaces. */
+  replaces?: string[]
+  /** Of a list: others have changed what it shows. */
+  stale?: boolean
 }
 
 export interface Hint {
@@ -204,11 +212,13 @@ export interface Said {
   tone: 'good' | 'neutral' | 'bad'
 }
 
-export type Reply = 'ok' | 'cancel'
+export type Reply = 'ok' | 'other' | 'cancel'
 
 export interface Hello {
   type: 'hello'
   account: string
+  /** By which the tab comes back to this console. */
+  tab: string
   language: Language
   product: string
   version: string
@@ -280,6 +290,8 @@ export interface BoxMessage {
   buttons: Reply[]
   /** The act that the box asks about, if it destroys something. */
   act?: string
+  /** The text of a third button. */
+  other?: string
 }
 
 export interface BusyMessage {
@@ -411,6 +423,7 @@ export type UserEvent =
   | { event: 'sort'; text: string }
   | { event: 'filter'; text: string }
   | { event: 'fetch' }
+  | { event: 'reload' }
   | { event: 'remove'; revision: number; filter: string; order: ListOrder; ranges: readonly (readonly [number, number])[] }
 
 export type SequencedMessage =
@@ -446,6 +459,8 @@ export type PlainMessage =
   | { type: 'find'; request: number; text: string; from?: SearchPlace }
   /** Somebody is there, though nothing else says so. */
   | { type: 'active' }
+  /** Look whether others have changed the lists of the page. */
+  | { type: 'look' }
   | TerminalAct
 
-export const closeCodes = { tooBig: 1009, rulesBroken: 1008, replaced: 4001, ended: 4002 } as const
+export const closeCodes = { tooBig: 1009, rulesBroken: 1008, replaced: 4001, ended: 4002, tooManyTabs: 4003 } as const
