@@ -10,14 +10,14 @@ namespace {
 
 using enum Property;
 
-constexpr std::array<std::string_view, 15> kind_names = {
+constexpr std::array<std::string_view, 16> kind_names = {
     "Frame", "Label",     "TextField", "CheckBox",   "OptionButton", "Button", "ListBox", "ComboBox",
-    "Timer", "ScrollBar", "DriveList", "FolderList", "FileList",     "Table",  "Link"};
+    "Timer", "ScrollBar", "DriveList", "FolderList", "FileList",     "Table",  "Link",    "Chart"};
 
 constexpr std::array<std::string_view, property_count> property_names = {
-    "caption", "toolTip", "text",  "value", "items", "index", "interval", "min",    "max",   "enabled",
+    "caption", "toolTip", "text",  "value", "items", "index", "interval", "min",    "max",    "enabled",
     "visible", "page",    "query", "marks", "tone",  "rows",  "sort",     "filter", "chosen", "unsaved",
-    "stale"};
+    "stale",   "series"};
 
 constexpr std::array captioned = {caption, tool_tip, enabled, visible};
 constexpr std::array text_field = {text, tool_tip, enabled, visible};
@@ -44,6 +44,7 @@ std::span<const Property> properties_of(ControlKind kind) {
     case ControlKind::label:
     case ControlKind::button:
     case ControlKind::table:
+    case ControlKind::chart:
       return captioned;
     case ControlKind::text_field:
       return text_field;

@@ -17,7 +17,7 @@ namespace zrl {
 class Form;
 class Frame;
 
-// The kinds that hosts draw; each is a class in controls.h or table.h.
+// The kinds that hosts draw; each is a class in controls.h, table.h or chart.h.
 enum class ControlKind : std::uint8_t {
   frame,
   label,
@@ -34,6 +34,7 @@ enum class ControlKind : std::uint8_t {
   file_list,
   table,
   link,
+  chart,
 };
 
 // "Frame", "TextField" and so on, as hosts print it.
@@ -55,14 +56,15 @@ enum class Property : std::uint8_t {
   query,
   marks,  // this and the next only for revisions: get() does not return them, see TextField::marks(),
   tone,   // Label::tone(),
-  rows,   // and Table
+  rows,   // Table
   sort,
   filter,
   chosen,
   unsaved,  // Control::unsaved(),
   stale,    // ListBox::stale()
+  series,   // and Chart, with its labels
 };
-inline constexpr std::size_t property_count = 21;
+inline constexpr std::size_t property_count = 22;
 
 // "caption", "toolTip" and so on, as hosts print it.
 std::string_view name_of(Property property);

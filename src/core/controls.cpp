@@ -30,6 +30,11 @@ void Label::set_tone(Tone tone) {
   changed(Property::tone);
 }
 
+std::string_view name_of(Label::Tone tone) {
+  static constexpr std::string_view names[] = {"plain", "good", "waiting", "bad"};
+  return names[static_cast<std::size_t>(tone)];
+}
+
 TextField::TextField(Form& form, std::string_view name, std::string_view tool_tip, const Style& style)
     : Control(form, ControlKind::text_field, name), style_(style) {
   set_tool_tip(tool_tip);

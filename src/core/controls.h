@@ -65,6 +65,9 @@ class Label : public CaptionedControl {
   Tone tone_ = Tone::plain;
 };
 
+// "plain", "good" and so on, as hosts print it.
+std::string_view name_of(Label::Tone tone);
+
 // A text that the user may edit, of one line or several; its length is not limited here. What the page sets
 // is kept byte for byte; hosts make it printable.
 class TextField : public Control {

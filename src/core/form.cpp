@@ -1,5 +1,6 @@
 #include "core/form.h"
 
+#include "core/chart.h"
 #include "core/console.h"
 #include "core/table.h"
 #include "core/text/error.h"
@@ -135,6 +136,13 @@ void Form::translate_controls() {
     auto& table = static_cast<Table&>(*control);
     for (std::size_t i = 0; i < table.columns_.size(); ++i) {
       table.captions_[i] = translate(table.columns_[i].caption);
+    }
+  }
+  for (Control* control : controls()) {
+    if (control->kind() != ControlKind::chart) continue;
+    auto& chart = static_cast<Chart&>(*control);
+    for (std::size_t i = 0; i < chart.series_.size(); ++i) {
+      chart.captions_[i] = translate(chart.series_[i].caption);
     }
   }
   for (std::size_t i = 0; i <= controls().size(); ++i) {

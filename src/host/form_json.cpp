@@ -36,6 +36,22 @@ boost::json::array marks_json(const TextField& field) {
   return marks;
 }
 
+void add_numbers(const Chart& chart, ForWhom reader, boost::json::object& properties) {
+  boost::json::array labels;
+  for (std::size_t i = 0; i < chart.labels().size(); ++i) labels.push_back(text_json(chart.labels()[i]));
+  properties["labels"] = std::move(labels);
+  boost::json::array all;
+  for (std::size_t i = 0; i < chart.series().size(); ++i) {
+    boost::json::object series{{"name", chart.series()[i].name}};
+    if (reader == ForWhom::people) series["caption"] = text_json(chart.caption_of(i));
+    if (reader == ForWhom::people) series["tone"] = name_of(chart.series()[i].tone);
+    const auto& values = chart.values_of(i);
+    series["values"] = boost::json::array(values.begin(), values.end());
+    all.push_back(std::move(series));
+  }
+  properties["series"] = std::move(all);
+}
+
 boost::json::array columns_json(const Table& table) {
   boost::json::array columns;
   for (std::size_t i = 0; i < table.columns().size(); ++i) {
@@ -56,7 +72,9 @@ boost::json::object row_json(const Table& table, const TableRows& rows, std::siz
   for (std::size_t i = 0; i < table.columns().size(); ++i) {
     const Column& column = table.columns()[i];
     const std::string_view cell = rows.cell_at(row, i);
-    const auto number = column.kind == ColumnKind::number ? to_number(cell) : std::nullopt;
+    const auto number = column.kind == ColumnKind::number || column.kind == ColumnKind::check
+                            ? to_number(cell)
+                            : std::nullopt;
     if (number) {
       told[column.name] = *number;
     } else {
@@ -108,6 +126,9 @@ boost::json::object controls_json(const Form& form, const RowWindows& windows) {
       const auto window = windows.find(control);
       add_table(static_cast<Table&>(*control), window == windows.end() ? RowWindow() : window->second,
                 properties);
+    }
+    if (control->kind() == ControlKind::chart) {
+      add_numbers(static_cast<const Chart&>(*control), ForWhom::programs, properties);
     }
     controls[control->name()] = std::move(properties);
   }

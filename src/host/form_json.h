@@ -5,6 +5,7 @@
 #include <boost/json/value.hpp>
 #include <map>
 
+#include "core/chart.h"
 #include "core/controls.h"
 #include "core/form.h"
 #include "core/table.h"
@@ -30,6 +31,10 @@ struct RowWindow {
   std::uint64_t count = 100;
 };
 using RowWindows = std::map<const Control*, RowWindow>;
+// Adds what a chart holds: `labels` and `series`, each with `name` and `values`; for people with `caption`
+// and `tone` too.
+enum class ForWhom : std::uint8_t { programs, people };
+void add_numbers(const Chart& chart, ForWhom reader, boost::json::object& properties);
 
 // One object for each control, by its name: `kind` and the properties of that kind, and `marks` for a source
 // text that has some. Copies all items of all lists; of tables the rows of the window, the first hundred if

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/chart.h"
 #include "core/console.h"
 #include "core/form.h"
 #include "core/text/error.h"
@@ -158,6 +159,27 @@ TEST_F(ControlsTest, ValuesOutsideTheirRangeRaiseAnError) {
   EXPECT_EQ(form.Scroll1.value(), 4);
   EXPECT_THROW(form.Scroll1.user_scroll(5), Refused);
   EXPECT_THROW(form.Timer1.set_interval(-1), Error);
+}
+
+TEST_F(ControlsTest, AChartHasAValueForEachLabelAndItsMarksCanBeClicked) {
+  Chart chart(form, "chart", "Chart", "", {}, {{"a", "A"}, {"b", "B"}});
+  std::vector<std::int64_t> clicks;
+  chart.on_click = [&] { clicks.push_back(chart.clicked()); };
+  chart.set({"1", "2"}, {{1, 2}, {3, 4}});
+  const Revision before = chart.revision();
+  chart.user_choose(1);
+  chart.user_choose(1);
+  EXPECT_EQ(clicks, (std::vector<std::int64_t>{1, 1}));
+  chart.set({"1", "2"}, {{1, 2}, {3, 4}});  // nothing new: hosts draw nothing, and the click stays
+  EXPECT_EQ(chart.revision(), before);
+  EXPECT_EQ(chart.clicked(), 1);
+  for (const std::int64_t index : {-1, 2}) EXPECT_THROW(chart.user_choose(index), Refused);
+  EXPECT_THROW(chart.set({"1"}, {{1}}), Error);
+  EXPECT_THROW(chart.set({"1"}, {{1}, {1, 2}}), Error);
+  EXPECT_EQ(chart.labels().size(), 2U);
+  chart.set({"1"}, {{1}, {2}});
+  EXPECT_GT(chart.revision(), before);
+  EXPECT_EQ(chart.clicked(), -1);
 }
 
 TEST_F(ControlsTest, AnEventThatFailsIsRecordedAndEndsThere) {

@@ -121,6 +121,25 @@ void print_marks(std::ostream& out, const TextField& field) {
   }
 }
 
+// A line for each label, beneath the names of the series.
+void print_chart(std::ostream& out, const Chart& chart) {
+  constexpr int label_width = 18;
+  constexpr int number_width = 12;
+  const auto cell = [&](std::string_view text) {
+    out << std::right << std::setw(number_width) << short_text(text);
+  };
+  out << "      " << std::left << std::setw(label_width) << "";
+  for (std::size_t i = 0; i < chart.series().size(); ++i) cell(chart.caption_of(i));
+  out << '\n';
+  for (std::size_t label = 0; label < chart.labels().size(); ++label) {
+    out << "      " << std::left << std::setw(label_width) << short_text(chart.labels()[label]);
+    for (std::size_t i = 0; i < chart.series().size(); ++i) {
+      cell(std::to_string(chart.values_of(i)[label]));
+    }
+    out << '\n';
+  }
+}
+
 // What a control holds, in one line; lists follow it with their items.
 void print_control(std::ostream& out, Control& control, const RowWindows& windows) {
   const auto table_of = [](Control& shown) -> Table& { return static_cast<Table&>(shown); };
@@ -148,6 +167,9 @@ void print_control(std::ostream& out, Control& control, const RowWindows& window
     case ControlKind::scroll_bar:
       out << number(Property::value) << " of " << number(Property::min) << " to " << number(Property::max);
       break;
+    case ControlKind::chart:
+      out << text(Property::caption);
+      break;
     case ControlKind::frame:
     case ControlKind::label:
       out << text(Property::caption);
@@ -168,6 +190,7 @@ void print_control(std::ostream& out, Control& control, const RowWindows& window
   if (!control.enabled()) out << "  (disabled)";
   out << '\n';
   if (control.kind() == ControlKind::text_field) print_marks(out, static_cast<const TextField&>(control));
+  if (control.kind() == ControlKind::chart) print_chart(out, static_cast<const Chart&>(control));
   if (control.has(Property::items)) {
     print_items(out, *std::get<const StringList*>(control.get(Property::items)), number(Property::index));
   }

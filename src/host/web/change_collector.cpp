@@ -61,10 +61,8 @@ void add_table(const Table& table, json::object& object) {
   object["chosen"] = chosen_json(table);
 }
 
-constexpr std::array<std::string_view, 4> tones = {"plain", "good", "waiting", "bad"};
-
 std::string_view tone_of(const Control& label) {
-  return tones[static_cast<std::size_t>(static_cast<const Label&>(label).tone())];
+  return name_of(static_cast<const Label&>(label).tone());
 }
 
 const Expectation* expectation_of(const Control& control) {
@@ -147,6 +145,13 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
     json::array names;
     for (const Control* field : control.replaces()) names.push_back(json::value(field->name()));
     object["replaces"] = std::move(names);
+  }
+  if (control.kind() == ControlKind::chart) {
+    const auto& chart = static_cast<const Chart&>(control);
+    object["shape"] = chart.style().shape == Chart::Shape::bars ? "bars" : "lines";
+    if (chart.style().stacked) object["stacked"] = true;
+    if (chart.style().times) object["times"] = true;
+    add_numbers(chart, ForWhom::people, object);
   }
   const auto label = labels.find(&control);
   if (label != labels.end()) object["label"] = label->second;
@@ -247,6 +252,9 @@ json::object ChangeCollector::changes_of(const Control& control) {
   }
   if (control.revision(Property::marks) > told_) {
     changed[name_of(Property::marks)] = marks_json(static_cast<const TextField&>(control));
+  }
+  if (control.revision(Property::series) > told_) {
+    add_numbers(static_cast<const Chart&>(control), ForWhom::people, changed);
   }
   if (control.revision(Property::tone) > told_) changed["tone"] = tone_of(control);
   if (control.kind() == ControlKind::table) add_table_changes(static_cast<const Table&>(control), changed);

@@ -3,6 +3,7 @@ import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
 import type { Kind } from '../wire/protocol'
 import { Button } from './button'
+import { ChartView } from './chart'
 import { CheckBox, OptionButton } from './choices'
 import { ComboBox } from './combo-box'
 import { FileList } from './file-list'
@@ -39,6 +40,7 @@ const views: Partial<Record<Kind, View>> = {
   FileList,
   Table: TableView,
   Link: LinkView,
+  Chart: ChartView,
 }
 
 export function ControlView({ control }: { control: ControlModel }) {

@@ -56,6 +56,15 @@ export type Kind =
   | 'FileList'
   | 'Table'
   | 'Link'
+  | 'Chart'
+
+/** One row of numbers in a chart, a value for each label. */
+export interface ChartSeries {
+  name: string
+  caption: string
+  tone?: Tone
+  values: number[]
+}
 
 /** Something that is wrong with a source text. */
 export interface Mark {
@@ -70,7 +79,7 @@ export interface Mark {
   elsewhere: boolean
 }
 
-export type ColumnKind = 'text' | 'number' | 'time' | 'address' | 'verdict' | 'word'
+export type ColumnKind = 'text' | 'number' | 'time' | 'address' | 'verdict' | 'word' | 'severity' | 'check'
 
 export interface Column {
   name: string
@@ -133,6 +142,13 @@ export interface Control {
   primary?: boolean
   /** Of a button: what it destroys cannot be taken back. The host asks before it runs the click. */
   destroys?: boolean
+  /** Of a chart: how it is drawn, what stands below its marks, and the numbers. */
+  shape?: 'bars' | 'lines'
+  stacked?: boolean
+  /** The labels are times. */
+  times?: boolean
+  labels?: string[]
+  series?: ChartSeries[]
   /** Of a label: whether what it says is good or bad. */
   tone?: Tone
   /** Of a list: what can be looked up in it. */
