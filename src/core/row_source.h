@@ -20,6 +20,8 @@ enum class ColumnKind : std::uint8_t {
   address,  // an IP address or network, whose characters are best of one width
   verdict,  // "rejected", "allowed" or "neutral"
   word,     // an English word of the page's own, for machines; hosts translate it for people
+  severity,  // "bad", "warning" or "unknown"
+  check,     // 1 or 0: done or not
 };
 
 // "text", "number" and so on, as hosts print it.

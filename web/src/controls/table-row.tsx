@@ -1,6 +1,7 @@
 import { messages } from '../i18n'
 import { addressOf } from '../model/address'
 import { visibleText } from '../model/visible-text'
+import { Icon } from '../parts/icon'
 import type { Cell, Column, TableRow } from '../wire/protocol'
 
 const longestCell = 300
@@ -34,6 +35,10 @@ const verdicts = ['rejected', 'allowed', 'neutral'] as const
 type Verdict = (typeof verdicts)[number]
 const isVerdict = (text: string): text is Verdict => (verdicts as readonly string[]).includes(text)
 
+const severityIcons = { bad: 'critical', warning: 'warning', unknown: 'question' } as const
+type Severity = keyof typeof severityIcons
+const isSeverity = (text: string): text is Severity => text in severityIcons
+
 /** "20260901081500" as people read it where its time is not known otherwise. */
 const exactTime = (text: string): string => text.replace(/^(\d{4})(\d\d)(\d\d)(\d\d)(\d\d)(\d\d)$/, '$1-$2-$3 $4:$5:$6')
 
@@ -52,6 +57,22 @@ function Content({ column, cell }: { column: Column; cell: Cell | undefined }) {
     return (
       <span class="verdict" data-verdict={text}>
         {m.verdicts[text]}
+      </span>
+    )
+  }
+  if (column.kind === 'severity' && isSeverity(text)) {
+    return (
+      <span class="severity" data-severity={text}>
+        <Icon name={severityIcons[text]} />
+        {m.severities[text]}
+      </span>
+    )
+  }
+  if (column.kind === 'check') {
+    return (
+      <span class="checked" data-checked={text === '1' ? '' : undefined}>
+        {text === '1' ? <Icon name="check" /> : null}
+        <span class={text === '1' ? 'visually-hidden' : 'check-open'}>{text === '1' ? m.done : m.open}</span>
       </span>
     )
   }

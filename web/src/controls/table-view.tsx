@@ -19,9 +19,18 @@ const wideWidth = 1200
 const lineHeight = (): number => (coarse.value ? 44 : 32)
 const cardHeight = (): number => (coarse.value ? 76 : 60)
 
-const widths = { time: '13.5rem', verdict: '7rem', number: '6.5rem', address: '9rem', word: '7rem', text: 'minmax(0, 1fr)' } as const
+const widths = {
+  time: '13.5rem',
+  verdict: '7rem',
+  number: '6.5rem',
+  address: '9rem',
+  word: '7rem',
+  severity: '8rem',
+  check: '5.5rem',
+  text: 'minmax(0, 1fr)',
+} as const
 /** The least width, in pixels, at which a column can be read. */
-const leastWidths = { time: 215, verdict: 105, number: 90, address: 130, word: 100, text: 110 } as const
+const leastWidths = { time: 215, verdict: 105, number: 90, address: 130, word: 100, severity: 110, check: 80, text: 110 } as const
 const leastWidth = (columns: readonly ShownColumn[]): number => columns.reduce((sum, { column }) => sum + leastWidths[column.kind], 0)
 
 const templateOf = (columns: readonly ShownColumn[]): string => columns.map(({ column }) => widths[column.kind]).join(' ')
