@@ -1,7 +1,9 @@
 #include "components/sqlite/schema.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,7 +29,7 @@ constexpr std::uint32_t checksum(std::string_view text) {
 }
 
 struct Object {
-  std::string kind;  // "table" or "index"
+  std::string kind;  // "table", "index" or "trigger"
   std::string name;
   std::string table;
   std::string sql;
@@ -85,18 +87,69 @@ bool has_all(Engine& engine, Engine& model, const std::vector<Object>& objects) 
   return true;
 }
 
-void add_missing(Engine& engine, Engine& model, const std::vector<Object>& objects) {
+bool lacks(Engine& engine, const Object& wanted) {
+  return !kind_of(engine, wanted.name) && kind_of(engine, wanted.table) == "table";
+}
+
+// Missing tables and columns, and whatever belongs to a table that is new.
+void add_tables(Engine& engine, Engine& model, const std::vector<Object>& objects) {
   Atomic atomic(engine);
+  std::set<std::string, std::less<>> made;
   for (const Object& wanted : objects) {
     const std::optional<std::string> present = kind_of(engine, wanted.name);
     if (wanted.kind == "table") {
       if (!present) engine.run(wanted.sql.c_str());
+      if (!present) made.insert(wanted.table);
       if (present == "table") add_missing_columns(engine, model, wanted.name);
-    } else if (!present && kind_of(engine, wanted.table) == "table") {
-      create_index(engine, wanted.sql);
+    } else if (!present && made.contains(wanted.table)) {
+      engine.run(wanted.sql.c_str());
     }
   }
   atomic.commit();
+}
+
+// Indexes of earlier versions that others have taken the place of. Each costs every insertion its time.
+constexpr const char* superseded[] = {"iplog_IPNumber",      "predatalog_IPNumber", "predatalog_mailfrom",
+                                      "subjectlog_IPNumber", "subjectlog_mailfrom", "subjectlog_keyword",
+                                      "bodylog_IPNumber",    "bodylog_mailfrom",    "bodylog_keyword",
+                                      "avlog_IPNumber",      "avlog_mailfrom"};
+
+void drop_superseded(Engine& engine) {
+  for (const char* index : superseded) {
+    if (kind_of(engine, index) != "index") continue;
+    try {
+      engine.run(("DROP INDEX IF EXISTS " + quoted_name(index)).c_str());
+    } catch (const EngineFailure&) {  // it does no harm, and the next opening with other tables drops it
+      return;
+    }
+  }
+}
+
+// Indexes and triggers of tables that were there already, which may be large: each in a transaction of its
+// own. False if something is left to the next opening.
+bool add_indexes(Engine& engine, const std::vector<Object>& objects, const SchemaReport& report) {
+  std::vector<const Object*> missing;
+  for (const Object& wanted : objects) {
+    if (wanted.kind != "table" && lacks(engine, wanted)) missing.push_back(&wanted);
+  }
+  if (missing.empty()) return true;
+  const LargeCache cache(engine);
+  for (std::size_t i = 0; i < missing.size(); ++i) {
+    const Object& wanted = *missing[i];
+    report.progress(wanted.name, i, missing.size());
+    try {
+      Atomic atomic(engine);
+      if (lacks(engine, wanted)) create_index(engine, wanted.sql);
+      atomic.commit();
+    } catch (const EngineFailure& failure) {
+      // Whoever keeps the file locked may be a console that does the same.
+      if (failure.number() == SQLITE_BUSY && !lacks(engine, wanted)) continue;
+      report.failure(wanted.name, failure.what());
+      return false;
+    }
+  }
+  report.progress(missing.back()->name, missing.size(), missing.size());
+  return true;
 }
 
 // The tables with columns that compare by case and should not. That of the scripts is made by its page.
@@ -159,9 +212,12 @@ void ensure_schema(Engine& engine, SchemaCheck check, const SchemaReport& report
   Engine model;
   model.run(zrl_schema_begin);
   const std::vector<Object> objects = objects_of(model);
-  if (!has_all(engine, model, objects)) add_missing(engine, model, objects);
-  const std::vector<TableColumns> tables = tables_to_bring_over(engine, model, objects);
-  if (!bring_over(engine, tables, report) || engine.number("PRAGMA user_version") == schema_stamp()) return;
+  if (!has_all(engine, model, objects)) add_tables(engine, model, objects);
+  // Before the indexes, which would be made anew.
+  if (!bring_over(engine, tables_to_bring_over(engine, model, objects), report)) return;
+  if (!add_indexes(engine, objects, report)) return;
+  drop_superseded(engine);
+  if (engine.number("PRAGMA user_version") == schema_stamp()) return;
   try {
     engine.run(("PRAGMA user_version=" + std::to_string(schema_stamp())).c_str());
   } catch (const EngineFailure& failure) {

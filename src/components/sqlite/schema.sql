@@ -1,10 +1,11 @@
 -- The tables of the database, which the proxy and any number of consoles share. A console creates what is missing
 -- of the tables, columns and indexes when it opens a database that was last opened with another text than this one.
 -- So a new table needs no more than its statement here; what is there already is left alone: a column or an index that
--- is to be another one needs another name.
+-- is to be another one needs another name; an index that is no longer needed is listed in schema.cpp.
 --
 -- Entries of the list tables are not unique. Every column by which statements choose or order rows has an index;
--- where both happen together, the index serves both. Texts are UTF-8. The table of the scripts, `scriptengine`, is
+-- where both happen together, the index serves both. Those of the logs end with the time, in whose order their rows are
+-- asked for. Texts are UTF-8. The table of the scripts, `scriptengine`, is
 -- made by its page.
 --
 -- The columns by which entries and rows of the logs are found ignore the case of A to Z; texts are kept as they come.
@@ -97,9 +98,9 @@ CREATE TABLE iplog (
   status        INTEGER DEFAULT 0,
   servertime    TEXT
 );
-CREATE INDEX iplog_IPNumber              ON iplog (IPNumber);
-CREATE INDEX iplog_servertime            ON iplog (servertime);
-CREATE INDEX iplog_status_servertime     ON iplog (status, servertime);
+CREATE INDEX iplog_IPNumber_servertime      ON iplog (IPNumber, servertime);
+CREATE INDEX iplog_servertime               ON iplog (servertime);
+CREATE INDEX iplog_status_servertime        ON iplog (status, servertime);
 
 CREATE TABLE predatalog (
   ID            INTEGER PRIMARY KEY,
@@ -109,11 +110,11 @@ CREATE TABLE predatalog (
   status        INTEGER DEFAULT 0,
   servertime    TEXT
 );
-CREATE INDEX predatalog_IPNumber          ON predatalog (IPNumber);
-CREATE INDEX predatalog_mailfrom          ON predatalog (mailfrom);
-CREATE INDEX predatalog_servertime        ON predatalog (servertime);
-CREATE INDEX predatalog_reason_servertime ON predatalog (reason, servertime);
-CREATE INDEX predatalog_status_servertime ON predatalog (status, servertime);
+CREATE INDEX predatalog_IPNumber_servertime ON predatalog (IPNumber, servertime);
+CREATE INDEX predatalog_mailfrom_servertime ON predatalog (mailfrom, servertime);
+CREATE INDEX predatalog_servertime          ON predatalog (servertime);
+CREATE INDEX predatalog_reason_servertime   ON predatalog (reason, servertime);
+CREATE INDEX predatalog_status_servertime   ON predatalog (status, servertime);
 
 CREATE TABLE subjectlog (
   ID            INTEGER PRIMARY KEY,
@@ -123,10 +124,10 @@ CREATE TABLE subjectlog (
   keyword       TEXT COLLATE NOCASE,
   servertime    TEXT
 );
-CREATE INDEX subjectlog_IPNumber         ON subjectlog (IPNumber);
-CREATE INDEX subjectlog_mailfrom         ON subjectlog (mailfrom);
-CREATE INDEX subjectlog_keyword          ON subjectlog (keyword);
-CREATE INDEX subjectlog_servertime       ON subjectlog (servertime);
+CREATE INDEX subjectlog_IPNumber_servertime ON subjectlog (IPNumber, servertime);
+CREATE INDEX subjectlog_mailfrom_servertime ON subjectlog (mailfrom, servertime);
+CREATE INDEX subjectlog_keyword_servertime  ON subjectlog (keyword, servertime);
+CREATE INDEX subjectlog_servertime          ON subjectlog (servertime);
 
 CREATE TABLE bodylog (
   ID            INTEGER PRIMARY KEY,
@@ -136,10 +137,10 @@ CREATE TABLE bodylog (
   keyword       TEXT COLLATE NOCASE,
   servertime    TEXT
 );
-CREATE INDEX bodylog_IPNumber            ON bodylog (IPNumber);
-CREATE INDEX bodylog_mailfrom            ON bodylog (mailfrom);
-CREATE INDEX bodylog_keyword             ON bodylog (keyword);
-CREATE INDEX bodylog_servertime          ON bodylog (servertime);
+CREATE INDEX bodylog_IPNumber_servertime    ON bodylog (IPNumber, servertime);
+CREATE INDEX bodylog_mailfrom_servertime    ON bodylog (mailfrom, servertime);
+CREATE INDEX bodylog_keyword_servertime     ON bodylog (keyword, servertime);
+CREATE INDEX bodylog_servertime             ON bodylog (servertime);
 
 CREATE TABLE avlog (
   ID            INTEGER PRIMARY KEY,
@@ -149,9 +150,10 @@ CREATE TABLE avlog (
   reason        TEXT,
   servertime    TEXT
 );
-CREATE INDEX avlog_IPNumber              ON avlog (IPNumber);
-CREATE INDEX avlog_mailfrom              ON avlog (mailfrom);
-CREATE INDEX avlog_servertime            ON avlog (servertime);
+CREATE INDEX avlog_IPNumber_servertime      ON avlog (IPNumber, servertime);
+CREATE INDEX avlog_mailfrom_servertime      ON avlog (mailfrom, servertime);
+CREATE INDEX avlog_reason_servertime        ON avlog (reason, servertime);
+CREATE INDEX avlog_servertime               ON avlog (servertime);
 
 -- The archive. The source of the mail comes last: rows are read without it until it is shown. Keys
 -- are never given twice, so that who deletes the mail on the screen can't hit one that came later.
@@ -173,3 +175,36 @@ CREATE TABLE marchive (
 );
 CREATE INDEX marchive_mid                ON marchive (mid);
 CREATE INDEX marchive_servertime         ON marchive (servertime, tstamp);
+
+-- What the overview has counted of the logs, so that it counts nothing twice. A unit is a finished hour
+-- ("2026-11-21 14") or day ("2026-11-21") of the column servertime. It is complete if log_units has a row for each
+-- log, with the number of that log's rows. A row of a log that is changed takes its units out of log_units, and
+-- log_marks tells by which the consoles notice rows that were deleted, or came late. Names are percent-encoded. All
+-- three tables may be emptied at any time.
+CREATE TABLE log_units    (unit TEXT, log TEXT, amount INTEGER);
+CREATE UNIQUE INDEX log_units_unit_log   ON log_units (unit, log);
+CREATE TABLE log_counts   (unit TEXT, kind TEXT, name TEXT, amount INTEGER);
+CREATE INDEX log_counts_unit_kind        ON log_counts (unit, kind);
+CREATE TABLE log_marks    (log TEXT, last_id INTEGER, last_time TEXT, amount INTEGER, counted_until TEXT);
+CREATE UNIQUE INDEX log_marks_log        ON log_marks (log);
+
+CREATE TRIGGER iplog_changed AFTER UPDATE ON iplog BEGIN
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 13) AND log='iplog';
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 10) AND log='iplog';
+END;
+CREATE TRIGGER predatalog_changed AFTER UPDATE ON predatalog BEGIN
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 13) AND log='predatalog';
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 10) AND log='predatalog';
+END;
+CREATE TRIGGER subjectlog_changed AFTER UPDATE ON subjectlog BEGIN
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 13) AND log='subjectlog';
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 10) AND log='subjectlog';
+END;
+CREATE TRIGGER bodylog_changed AFTER UPDATE ON bodylog BEGIN
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 13) AND log='bodylog';
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 10) AND log='bodylog';
+END;
+CREATE TRIGGER avlog_changed AFTER UPDATE ON avlog BEGIN
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 13) AND log='avlog';
+  DELETE FROM log_units WHERE unit=substr(OLD.servertime, 1, 10) AND log='avlog';
+END;

@@ -36,12 +36,17 @@ TEST_F(SchemaTest, AnEmptyFileGetsAllOfIt) {
 }
 
 // Whatever joins the schema later: it reaches the databases of the first installations, and nothing that they
-// have goes.
+// have goes but indexes whose columns others begin with.
 TEST_F(SchemaTest, TheFirstDatabasesAreBroughtUpToDate) {
   OtherProgram old(path("old.db"));
   old.run(zrl::read_file(ZRL_TEST_FILES "/first_schema.sql") + "PRAGMA user_version=1;");
   old.run("INSERT INTO konf VALUES ('checkmx', '1'); INSERT INTO blacklist VALUES ('spam.example')");
-  const std::vector<std::string> before = contents(old);
+  std::vector<std::string> before = contents(old);
+  std::erase_if(before, [](const std::string& line) {
+    const bool of_log = line.find("log_") != line.npos;
+    return of_log &&
+           (line.ends_with("_IPNumber") || line.ends_with("_mailfrom") || line.ends_with("_keyword"));
+  });
   conn = database->open_database("sqlite:old.db");
   EXPECT_THAT(contents(old), ::testing::UnorderedElementsAreArray(contents(other)));
   EXPECT_THAT(contents(old), ::testing::IsSupersetOf(before));
@@ -80,6 +85,11 @@ TEST_F(SchemaTest, StatementsFindTheirRowsByIndex) {
       "DELETE FROM predatalog where mailfrom='a'",
       "UPDATE predatalog set status=1 where reason='a'",
       "SELECT IPNumber FROM predatalog WHERE reason='a' ORDER BY servertime, rowid",
+      "SELECT ID FROM iplog WHERE IPNumber='a' ORDER BY servertime DESC, ID DESC",
+      "SELECT ID FROM predatalog WHERE mailfrom='a' AND servertime<'b' ORDER BY servertime DESC, ID DESC",
+      "SELECT ID FROM bodylog WHERE keyword='a' ORDER BY servertime DESC, ID DESC",
+      "SELECT ID FROM avlog WHERE reason='a' ORDER BY servertime DESC, ID DESC",
+      "SELECT count(*) FROM iplog WHERE servertime>='a' AND servertime<'b'",
       "DELETE FROM subjectlog where keyword='a'",
       "DELETE FROM bodylog where mailfrom='a'",
       "SELECT rowid FROM bodylog order by servertime desc",

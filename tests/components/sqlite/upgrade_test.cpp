@@ -69,6 +69,7 @@ TEST_F(UpgradeTest, RowsKeysAndPlacesAreKept) {
         << tables[i];
   }
   EXPECT_THAT(reported, ::testing::Contains(HasSubstr("blacklist")));
+  EXPECT_THAT(reported, ::testing::Contains(HasSubstr("iplog_IPNumber_servertime")));
   EXPECT_EQ(old.ask("SELECT count(*) FROM blacklist WHERE entry='spam.example'"), "2");
   EXPECT_EQ(old.ask("SELECT count(*) FROM scriptengine WHERE scriptname='check_it'"), "1");
   EXPECT_EQ(old.ask("SELECT name FROM sqlite_schema WHERE name IN ('added', 'mine') ORDER BY 1"),
