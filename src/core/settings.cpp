@@ -59,6 +59,13 @@ std::string Settings::regread(std::string_view path) {
   return result;
 }
 
+std::optional<std::int64_t> Settings::changed_at(std::string_view path) {
+  std::optional<std::int64_t> result;
+  console_.attempt(Kind::registry, join("read", " ", path), Step::read,
+                   [&] { result = console_.components().create<Registry>()->changed_at(path); });
+  return result;
+}
+
 bool Settings::regwrite_string(std::string_view path, std::string_view text) {
   return console_.attempt(Kind::registry, join(path, "=", without_secrets(text)), Step::write,
                           [&] { console_.components().create<Registry>()->write_string(path, text); });

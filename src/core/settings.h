@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -40,6 +41,8 @@ class Settings {
 
   // These take full paths. A value reads as text, a double word in decimal; empty if there is none.
   std::string regread(std::string_view path);
+  // See Registry::changed_at().
+  std::optional<std::int64_t> changed_at(std::string_view path);
   bool regwrite_string(std::string_view path, std::string_view text);
   bool regwrite_dword(std::string_view path, std::uint32_t number);
   // Sets the double word to 1 unless it is; recorded only if it fails.

@@ -11,9 +11,18 @@ namespace {
 constexpr std::string_view string_kind = "REG_SZ";
 constexpr std::string_view dword_kind = "REG_DWORD";
 
-// `value` has no type of its own: a REG_SZ is kept as text, a REG_DWORD as a number.
-constexpr const char* registry_table =
-    "CREATE TABLE IF NOT EXISTS registry (path TEXT PRIMARY KEY COLLATE NOCASE, kind TEXT, value)";
+// `value` has no type of its own: a REG_SZ is kept as text, a REG_DWORD as a number. The triggers note when a
+// value has become another one, whichever program wrote it.
+constexpr const char* registry_tables =
+    "CREATE TABLE IF NOT EXISTS registry (path TEXT PRIMARY KEY COLLATE NOCASE, kind TEXT, value);"
+    "CREATE TABLE IF NOT EXISTS registry_times (path TEXT PRIMARY KEY COLLATE NOCASE, changed INTEGER);"
+    "CREATE TRIGGER IF NOT EXISTS registry_added AFTER INSERT ON registry BEGIN"
+    "  REPLACE INTO registry_times (path, changed) VALUES (NEW.path, strftime('%s', 'now'));"
+    " END;"
+    "CREATE TRIGGER IF NOT EXISTS registry_changed AFTER UPDATE OF value ON registry"
+    " WHEN OLD.value IS NOT NEW.value BEGIN"
+    "  REPLACE INTO registry_times (path, changed) VALUES (NEW.path, strftime('%s', 'now'));"
+    " END";
 
 class SqliteRegistry : public Registry {
  public:
@@ -26,6 +35,15 @@ class SqliteRegistry : public Registry {
     query.bind(1, path);
     if (!query.step()) return std::nullopt;
     return std::string(query.text(0));
+  }
+
+  std::optional<std::int64_t> changed_at(std::string_view path) override {
+    constexpr const char* has_times = "SELECT count(*) FROM sqlite_schema WHERE name='registry_times'";
+    if (!open_for_reading() || engine_->number(has_times) == 0) return std::nullopt;
+    Query query(*engine_, "SELECT changed FROM registry_times WHERE path=?1");
+    query.bind(1, path);
+    if (!query.step()) return std::nullopt;
+    return query.number(0);
   }
 
   void write_string(std::string_view path, std::string_view text) override {
@@ -62,8 +80,8 @@ class SqliteRegistry : public Registry {
   Query upsert() {
     forget_moved_file();
     open();
-    if (!has_table_) engine_->run(registry_table);
-    has_table_ = true;
+    if (!is_complete_) engine_->run(registry_tables);
+    has_table_ = is_complete_ = true;
     return {*engine_,
             "INSERT INTO registry (path, kind, value) VALUES (?1, ?2, ?3)"
             " ON CONFLICT (path) DO UPDATE SET kind=excluded.kind, value=excluded.value"};
@@ -71,7 +89,7 @@ class SqliteRegistry : public Registry {
 
   void open() {
     if (engine_) return;
-    has_table_ = false;
+    has_table_ = is_complete_ = false;
     Engine::Options options;
     options.busy_timeout = options_.busy_timeout;
     options.synchronous = Engine::Synchronous::full;
@@ -82,6 +100,7 @@ class SqliteRegistry : public Registry {
   Options options_;
   std::optional<Engine> engine_;
   bool has_table_ = false;
+  bool is_complete_ = false;  // its times are noted
 };
 
 }  // namespace

@@ -19,6 +19,12 @@ class Registry {
 
   // The value as text (a double word in decimal); nothing if there is none.
   virtual std::optional<std::string> regread(std::string_view path) = 0;
+  // When the value became what it is, in seconds since 1970 (UTC), whichever program wrote it; writing the
+  // same value again does not count. Nothing if that is not known. Stores without such times know none.
+  virtual std::optional<std::int64_t> changed_at(std::string_view path) {
+    (void)path;
+    return std::nullopt;
+  }
   // A write replaces the value and its kind.
   virtual void write_string(std::string_view path, std::string_view text) = 0;  // REG_SZ
   virtual void write_dword(std::string_view path, std::uint32_t number) = 0;    // REG_DWORD

@@ -50,6 +50,27 @@ TEST_F(RegistryTest, LooksLikeOneTableToOthers) {
   EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\reloadwhite"), "0");
 }
 
+// Whoever writes a value: how long it has been what it is can be told, as flags wait to be read.
+TEST_F(RegistryTest, KnowsWhenAValueBecameWhatItIs) {
+  registry->write_dword("HKLM\\SOFTWARE\\Mirvan\\reloadwhite", 1);
+  const auto first = registry->changed_at("hklm\\software\\mirvan\\reloadwhite");
+  ASSERT_TRUE(first.has_value());
+  EXPECT_NEAR(static_cast<double>(*first), static_cast<double>(std::time(nullptr)), 60);
+  OtherProgram proxy(file());
+  proxy.run("UPDATE registry_times SET changed=1000");
+  registry->write_dword("HKLM\\SOFTWARE\\Mirvan\\reloadwhite", 1);
+  EXPECT_EQ(registry->changed_at("HKLM\\SOFTWARE\\Mirvan\\reloadwhite"), 1000);
+  proxy.run("UPDATE registry SET value=0");
+  EXPECT_GT(registry->changed_at("HKLM\\SOFTWARE\\Mirvan\\reloadwhite").value_or(0), 1000);
+  EXPECT_EQ(registry->changed_at("HKLM\\SOFTWARE\\Mirvan\\never"), std::nullopt);
+  // A file of an older console knows nothing until it is next written.
+  proxy.run("DROP TRIGGER registry_added; DROP TRIGGER registry_changed; DROP TABLE registry_times");
+  EXPECT_EQ(registry->changed_at("HKLM\\SOFTWARE\\Mirvan\\reloadwhite"), std::nullopt);
+  registry = sqlite::make_registry(console, {std::chrono::milliseconds(200)});
+  registry->write_dword("HKLM\\SOFTWARE\\Mirvan\\reloadwhite", 1);
+  EXPECT_GT(registry->changed_at("HKLM\\SOFTWARE\\Mirvan\\reloadwhite").value_or(0), 1000);
+}
+
 TEST_F(RegistryTest, ReadingMakesNoFile) {
   EXPECT_EQ(read("HKLM\\SOFTWARE\\Mirvan\\debug"), "(none)");
   registry->delete_value("HKLM\\SOFTWARE\\Mirvan\\debug");
