@@ -1,14 +1,17 @@
 #include "components/downloader/http_downloader.h"
 
 #include <cerrno>
+#include <chrono>
 #include <memory>
 
 #include "components/downloader/downloaded_file.h"
 #include "core/contracts/console_folder.h"
 #include "core/contracts/database.h"
+#include "core/contracts/last_update.h"
 #include "core/contracts/statement.h"
 #include "core/text/error.h"
 #include "core/text/files.h"
+#include "core/text/secrets.h"
 #include "core/text/utf16.h"
 
 namespace zrl::downloader {
@@ -95,6 +98,24 @@ std::shared_ptr<Downloader> make(ConsoleServices& console, std::vector<Published
 }
 
 std::string HttpDownloader::updateall() {
+  LastUpdate update;
+  const auto note = [&](std::string problem) {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    update.time = std::chrono::duration_cast<std::chrono::seconds>(now).count();
+    update.problem = std::move(problem);
+    write_last_update(console_.folder(), update);
+  };
+  try {
+    std::string status = fetch_lists();
+    note(failures_.empty() ? std::string() : failures_.front().file + ": " + failures_.front().reason);
+    return status;
+  } catch (const Error& error) {
+    note(without_secrets(error.what()));
+    throw;
+  }
+}
+
+std::string HttpDownloader::fetch_lists() {
   failures_.clear();
   const UpdateAddress address(this->address());
   const fs::path folder = console_folder::downloads(console_.folder());

@@ -22,6 +22,7 @@ class HttpDownloader : public Downloader {
   void update_db() override;
 
  private:
+  std::string fetch_lists();
   void run(const UpdateAddress& address, std::span<FetchJob> jobs, std::string_view what) const;
   std::string conclude(const UpdateAddress& address, const std::vector<FetchJob>& jobs);
   std::vector<PublishedScript> fetch_scripts() const;

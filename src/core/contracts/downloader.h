@@ -26,7 +26,8 @@ class Downloader {
   // Fetches all list files into the folder "download" of the console's folder and returns a status text
   // (UTF-8): how many were fetched, and the result for each file on a line of its own. A file that the server
   // does not publish, that does not arrive complete, or that is no list file (but a web page, XML, JSON or
-  // binary) stays as it is on the disk. Raises zrl::Error if none was fetched.
+  // binary) stays as it is on the disk. Raises zrl::Error if none was fetched. Notes when it ended, and how,
+  // see last_update.h.
   virtual std::string updateall() = 0;
 
   // The files that the last updateall() did not fetch although they may be published, with the reason as

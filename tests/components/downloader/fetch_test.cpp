@@ -1,3 +1,4 @@
+#include "core/contracts/last_update.h"
 #include "downloader_fixture.h"
 
 namespace zrl::downloader {
@@ -44,6 +45,10 @@ TEST_F(FetchTest, WhatIsPublishedArrivesAndTheRestStaysAsItWas) {
   EXPECT_EQ(read("delblack.txt"), "old\n");
   EXPECT_EQ(read("addextension"), "");
   EXPECT_THAT(names(), ElementsAre("addblack.txt", "addextension", "delblack.txt"));
+  const auto noted = read_last_update(folder.path());
+  ASSERT_TRUE(noted.has_value());
+  EXPECT_NEAR(static_cast<double>(noted->time), static_cast<double>(std::time(nullptr)), 60);
+  EXPECT_EQ(noted->problem, "");
 }
 
 TEST_F(FetchTest, FilesArriveInAnyFormThatServersUse) {
@@ -141,6 +146,8 @@ TEST_F(FetchTest, WithoutAServerTheUpdateFailsWithTheReasonAndOldFilesStay) {
   EXPECT_THAT(update(), testing::AllOf(StartsWith("error: no list file could be fetched from " + address),
                                        HasSubstr("onnect")));
   EXPECT_EQ(read("addblack.txt"), "old\n");
+  EXPECT_THAT(read_last_update(folder.path()).value_or(LastUpdate()).problem,
+              StartsWith("no list file could be fetched from " + address));
 }
 
 TEST_F(FetchTest, AServerThatNeverAnswersIsNotTriedForEveryFile) {
