@@ -168,6 +168,7 @@ int FakeServiceManager::answer(sd_bus_message* call) {
   if (manner_ == Manner::babbling) return sd_bus_reply_method_return(call, "a(su)", 1, "x", 1U);
   if (manner_ == Manner::vanishing) return sd_bus_close(bus_), 1;
   settle();
+  if (member == "Get") return sd_bus_reply_method_return(call, "v", "t", state_time);
   if (member == "StartUnit" || member == "StopUnit") return order(call, member);
 
   const bool by_name = member == "ListUnitsByNames";

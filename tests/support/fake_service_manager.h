@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -28,6 +29,9 @@ class FakeServiceManager {
     vanishing,  // leaves the bus instead of answering
     babbling,   // answers with something else
   };
+
+  // Since when units are in their state, in microseconds since 1970.
+  static constexpr std::uint64_t state_time = 1'700'000'000'000'000;
 
   // Starting and stopping take this time, or until finish().
   explicit FakeServiceManager(std::chrono::milliseconds takes = std::chrono::hours(1));

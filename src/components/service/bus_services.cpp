@@ -30,7 +30,7 @@ Unit read_unit(const BusMessage& reply) {
   unit.active = read_text(reply);
   unit.sub = read_text(reply);
   read_text(reply);  // the unit that it follows
-  read_text(reply, SD_BUS_TYPE_OBJECT_PATH);
+  unit.path = read_text(reply, SD_BUS_TYPE_OBJECT_PATH);
   std::uint32_t job = 0;
   check_bus(sd_bus_message_read_basic(reply.get(), SD_BUS_TYPE_UINT32, &job), answer);
   unit.has_job = job != 0;
@@ -97,7 +97,10 @@ Unit unit_of(const SystemBus& bus, std::string_view service) {
 }  // namespace
 
 ServiceState BusServices::inspect(std::string_view service) {
-  return state_of(unit_of(SystemBus(time_limit_), service));
+  const SystemBus bus(time_limit_);
+  Unit unit = unit_of(bus, service);
+  if (unit.exists()) unit.since = bus.read_time(unit.path, "StateChangeTimestamp");
+  return state_of(unit);
 }
 
 void BusServices::order(const char* method, std::string_view service) const {

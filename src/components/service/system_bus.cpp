@@ -84,6 +84,24 @@ BusMessage SystemBus::call(const BusMessage& message) const {
   throw Error(-result, (failure.denies() ? "no permission: " : "") + method + ": " + excerpt(told));
 }
 
+std::int64_t SystemBus::read_time(const std::string& unit_path, const char* property) const {
+  constexpr std::uint64_t microseconds = 1'000'000;
+  sd_bus_message* message = nullptr;
+  check_bus(sd_bus_message_new_method_call(bus_.get(), &message, manager_name, unit_path.c_str(),
+                                           "org.freedesktop.DBus.Properties", "Get"),
+            property);
+  const BusMessage request(message);
+  check_bus(sd_bus_message_append(message, "ss", "org.freedesktop.systemd1.Unit", property), property);
+  std::uint64_t time = 0;
+  try {
+    const BusMessage reply = call(request);
+    if (sd_bus_message_read(reply.get(), "v", "t", &time) < 0) return 0;
+  } catch (const Error&) {  // the state is worth more than its time
+    return 0;
+  }
+  return static_cast<std::int64_t>(time / microseconds);
+}
+
 void append_texts(const BusMessage& message, const std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   pointers.reserve(texts.size() + 1);

@@ -23,6 +23,8 @@ class SystemBus {
 
   BusMessage new_call(const char* method) const;
   BusMessage call(const BusMessage& message) const;
+  // A moment that the manager notes of a unit, in seconds since 1970; 0 if it does not tell.
+  std::int64_t read_time(const std::string& unit_path, const char* property) const;
 
  private:
   struct Close {

@@ -15,6 +15,9 @@ void take_property(std::string_view line, Unit& unit) {
   if (name == "LoadState") unit.load = value;
   if (name == "ActiveState") unit.active = value;
   if (name == "SubState") unit.sub = value;
+  if (name == "StateChangeTimestamp" && value.starts_with('@')) {
+    unit.since = to_number(value.substr(1)).value_or(0);
+  }
   if (name == "Job") unit.has_job = to_number(value).value_or(0) != 0;
 }
 
@@ -41,9 +44,9 @@ Unit first_unit(std::string_view text) {
 // The pattern finds loaded units only; others are looked for under the service's name as given.
 Unit SystemctlServices::unit_of(std::string_view service) const {
   if (!can_be_unit(service)) return {};
-  return first_unit(
-      run({"show", "--property=Id,LoadState,ActiveState,SubState,Job", "--", unit_pattern(service),
-           lower(service) + ".service", std::string(service) + ".service"}));
+  return first_unit(run(
+      {"show", "--timestamp=unix", "--property=Id,LoadState,ActiveState,SubState,Job,StateChangeTimestamp",
+       "--", unit_pattern(service), lower(service) + ".service", std::string(service) + ".service"}));
 }
 
 void SystemctlServices::order(const char* verb, std::string_view service) const {

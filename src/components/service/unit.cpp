@@ -24,7 +24,7 @@ bool can_stand_in_name(char c) {
 ServiceState state_of(const Unit& unit) {
   if (!unit.exists()) return {};
   const bool changes = unit.has_job || unit.active == "activating" || unit.active == "deactivating";
-  return {unit.load == "loaded" ? unit.active : unit.load, unit.sub, changes ? 1U : 0U};
+  return {unit.load == "loaded" ? unit.active : unit.load, unit.sub, changes ? 1U : 0U, unit.since};
 }
 
 bool can_be_unit(std::string_view service) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -11,10 +12,12 @@ namespace zrl::service {
 // A unit as systemd describes it.
 struct Unit {
   std::string name;    // "mirvan.service"
+  std::string path;    // of its object on the bus; empty if it was not found there
   std::string load;    // "loaded", "not-found", "masked", "bad-setting"
   std::string active;  // "active", "inactive", "failed", "activating", "deactivating"
   std::string sub;     // "running", "dead"
   bool has_job = false;
+  std::int64_t since = 0;  // of its state, in seconds since 1970; 0 if that is not known
 
   bool exists() const { return !name.empty() && load != "not-found"; }
 };

@@ -12,6 +12,7 @@ struct ServiceState {
   std::string status;            // "active", "failed", or why it cannot be started, "masked" for example
   std::string state;             // in more detail: "running", "dead", "stop-sigterm"
   std::uint32_t checkpoint = 0;  // not 0 while the service is being started or stopped
+  std::int64_t since = 0;        // when the state began, in seconds since 1970 (UTC); 0 if that is not known
 };
 
 // Starts, stops and inspects the services of this machine. The case of a service's name is ignored.

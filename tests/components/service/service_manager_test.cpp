@@ -71,6 +71,7 @@ TEST_F(ServiceManagerTest, AUnitIsFoundInAnyCaseWhetherItIsLoadedOrNot) {
   manager().add("hidden.service", false, "masked");
   manager().add("mirvan2.service", true);
   EXPECT_EQ(text_of(services->inspect("MIRVAN")), "active/running");
+  EXPECT_EQ(services->inspect("MIRVAN").since, 1'700'000'000);
   EXPECT_EQ(text_of(services->inspect("Acme-1")), "inactive/dead");
   EXPECT_EQ(text_of(services->inspect("hidden")), "masked/dead");
   services->stop("mirvan");
@@ -153,9 +154,13 @@ TEST_F(ServiceManagerTest, WithoutABusTheProgramIsAsked) {
     program = {0, output};
     EXPECT_EQ(text_of(services->inspect("Mirvan")), state) << output;
     EXPECT_EQ(program_calls.back(),
-              "systemctl --no-pager show --property=Id,LoadState,ActiveState,SubState,Job -- "
+              "systemctl --no-pager show --timestamp=unix "
+              "--property=Id,LoadState,ActiveState,SubState,Job,StateChangeTimestamp -- "
               "[Mm][Ii][Rr][Vv][Aa][Nn].service mirvan.service Mirvan.service");
   }
+  program = {0, "Id=m.service\nLoadState=loaded\nActiveState=active\nStateChangeTimestamp=@1700000000\n"};
+  EXPECT_EQ(services->inspect("Mirvan").since, 1'700'000'000);
+  program = {0, ""};
   EXPECT_THAT(problem_of([&] { services->start("Mirvan"); }),
               HasSubstr("systemctl: no such service: Mirvan"));
   program = {0, cases[0].output};
