@@ -28,6 +28,7 @@
 #include "pages/tools/keyword_tester_page.h"
 #include "pages/tools/regex_tester_page.h"
 #include "pages/traffic/lookup_page.h"
+#include "pages/traffic/overview_page.h"
 #include "scripting/script_engine_page.h"
 #include "service/service_control_page.h"
 
@@ -35,6 +36,7 @@ namespace zrl {
 
 std::span<const PageEntry> page_catalogue() {
   static constexpr PageEntry entries[] = {
+      {"overview", "Traffic", "Overview", make_page<OverviewPage>},
       {"lookup", "Traffic", "Look up", make_page<LookupPage>},
       {"general", "Settings", "General", make_page<GeneralPage>},
       {"strings", "Settings", "Reply texts", make_page<StringsPage>},

@@ -1,0 +1,94 @@
+// The start page: what an administrator sees after signing in, and where it leads.
+import assert from 'node:assert/strict'
+import { test } from 'node:test'
+import { openNamed, picture, withConsole } from './console.mjs'
+
+let console
+let page
+
+const logs = ['iplog', 'predatalog', 'subjectlog', 'bodylog', 'avlog']
+
+/** The sample's rows end in the past; here the newest is of this minute. */
+function bringUpToNow() {
+  const newest = "(select max(servertime) from iplog)"
+  const seconds = console.sql(`select strftime('%s','now','localtime')-strftime('%s',${newest})`)
+  for (const log of logs) console.sql(`update ${log} set servertime=datetime(servertime,'+${seconds} seconds')`)
+}
+
+withConsole({ sample: true }, started => {
+  ;({ console, page } = started)
+  bringUpToNow()
+})
+
+const chart = () => page.locator('.chart')
+const plot = () => page.getByRole('slider', { name: 'Mails over time' })
+const drawn = () => page.waitForFunction(() => document.querySelector('.chart-plot canvas')?.width > 300 && !document.querySelector('.chart-plot .spinner'))
+
+test('the overview is what opens after signing in', async () => {
+  await page.waitForURL(/#\/overview$/)
+  assert.equal(await page.getByRole('navigation').getByRole('link').first().textContent(), 'Overview')
+  await page.reload()
+  await drawn()
+  const rejected = console.sql(
+    logs
+      .map(log => {
+        const status = log === 'iplog' || log === 'predatalog' ? 'status=2 and' : ''
+        return `select count(*) from ${log} where ${status} servertime>=strftime('%Y-%m-%d %H:','now','localtime','-23 hours')`
+      })
+      .join(' union all ')
+      .replace(/^/, 'select sum(c) from (select 0 as c union all ')
+      .concat(')'),
+  )
+  await chart().getByText(`Rejected${Number(rejected).toLocaleString('en')}`).waitFor()
+  await page.getByText('has entries without effect').first().waitFor({ state: 'attached' }).catch(() => {})
+  await picture(page, 'overview')
+})
+
+test('the chart is read and followed by keyboard, and has its numbers as a table', async () => {
+  await drawn()
+  await plot().focus()
+  await page.keyboard.press('End')
+  const last = await plot().getAttribute('aria-valuetext')
+  assert.match(last, /Rejected \d+, Allowed \d+, Neutral \d+$/)
+  await page.keyboard.press('ArrowLeft')
+  assert.notEqual(await plot().getAttribute('aria-valuetext'), last)
+  const rows = page.locator('.chart table tbody tr')
+  assert.equal(await rows.count(), 24)
+  await page.getByRole('button', { name: 'As a table' }).click()
+  await rows.first().waitFor({ state: 'visible' })
+  const height = async () => (await page.locator('.chart').boundingBox()).height
+  const asTable = await height()
+  await page.getByRole('button', { name: 'As a table' }).click()
+  await plot().waitFor()
+  assert.equal(await height(), asTable)
+  await plot().focus()
+  await page.keyboard.press('End')
+  await page.keyboard.press('Enter')
+  await page.waitForURL(/#\/messages\/since/)
+  await page.locator('main [data-control^="c-messages-"]').first().waitFor()
+  await page.goBack()
+  await page.waitForURL(/#\/overview$/)
+})
+
+test('a leader leads to its messages, and the page refreshes itself', async () => {
+  await openNamed(page, 'overview')
+  const network = page.locator('[data-control="c-overview-clients"] a').first()
+  const name = await network.textContent()
+  await network.click()
+  await page.waitForURL(url => decodeURIComponent(url.hash).endsWith(`ip:${name}`))
+  await openNamed(page, 'overview')
+  await page.getByLabel('Period').click()
+  await page.getByRole('option', { name: 'week' }).click()
+  await page.waitForFunction(() => document.querySelectorAll('.chart table tbody tr').length === 7)
+  await drawn()
+  await picture(page, 'overview-week')
+})
+
+test('in German', async () => {
+  console.run('do', 'general', 'Combo1=german')
+  await page.reload()
+  await openNamed(page, 'overview')
+  await page.getByText('Mails im Lauf der Zeit').first().waitFor()
+  await drawn()
+  await picture(page, 'overview-german')
+})
