@@ -19,7 +19,7 @@ _zrlconsole() {
   for ((i = 1; i < COMP_CWORD; i++)); do
     case ${COMP_WORDS[i]} in
       --folder) folder=(--folder "${COMP_WORDS[++i]}") ;;
-      --listen | --certificate | --key | --host | --filter | --limit | --comment | --expires) ((++i)) ;;
+      --listen | --certificate | --key | --host | --filter | --limit | --comment | --expires | --period) ((++i)) ;;
       --call) ((i += 2)) ;;
       -*) ;;
       *) if [[ $command ]]; then ((++operands)); else command=${COMP_WORDS[i]}; fi ;;
@@ -29,11 +29,12 @@ _zrlconsole() {
   case $previous in
     --folder) _zrlconsole_files -d; return ;;
     --certificate | --key) _zrlconsole_files -f; return ;;
+    --period) _zrlconsole_words 'day week month'; return ;;
     --listen | --host | --call | --filter | --limit | --comment | --expires) return ;;
   esac
 
   if [[ ! $command ]]; then
-    _zrlconsole_words '--folder --help --version init serve pages do list lookup registry script'
+    _zrlconsole_words '--folder --help --version init serve pages do overview list lookup registry script'
     return
   fi
   if [[ $current == -* ]]; then
@@ -42,6 +43,7 @@ _zrlconsole() {
       serve) _zrlconsole_words '--listen --certificate --key --host --require-audit --allow-root --help' ;;
       pages) _zrlconsole_words '--json --help' ;;
       do) _zrlconsole_words '--json --start-programs --help' ;;
+      overview) _zrlconsole_words '--period --json --help' ;;
       list) _zrlconsole_words '--json --filter --limit --comment --expires --overwrite --help' ;;
       lookup) _zrlconsole_words '--dns --json --help' ;;
       script) _zrlconsole_words '--check --call --help' ;;

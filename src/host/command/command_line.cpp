@@ -100,6 +100,7 @@ struct Parser {
   CLI::App* pages;
   CLI::App* act;
   CLI::App* messages;
+  CLI::App* overview;
   CLI::App* script;
   CLI::App* registry;
   CLI::App* get;
@@ -172,6 +173,12 @@ struct Parser {
     CLI::Option* json = messages->add_flag("--json", arguments.json, "Print an array of objects");
     messages->add_flag("--csv", arguments.messages.csv, "Print comma-separated values")->excludes(json);
     messages->footer(help_of_messages);
+
+    overview = app.add_subcommand("overview", "What the logs count, and what needs an eye");
+    overview->add_option("--period", arguments.period, "day (the default), week or month")
+        ->check(CLI::IsMember({"day", "week", "month"}))
+        ->type_name("PERIOD");
+    overview->add_flag("--json", arguments.json, "Print JSON");
 
     script = app.add_subcommand("script", "Run script files");
     script->add_flag("--check", arguments.script.check, "Compile them only");
@@ -260,6 +267,7 @@ int run(const Parser& parser, const Program& program, std::istream& in, std::ost
   if (*parser.list) return run_list(parser, in, out);
   if (*parser.messages) return run_messages(arguments, program, out, err);
   if (*parser.lookup) return run_lookup(arguments, program, out);
+  if (*parser.overview) return run_overview(arguments, program, out);
   if (*parser.script) {
     ScriptOptions options = arguments.script;
     options.folder = arguments.folder;

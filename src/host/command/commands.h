@@ -53,6 +53,7 @@ struct Arguments {
   bool sample = false;
   bool start_programs = false;
   std::string page;
+  std::string period = "day";  // of overview
   std::string query;
   std::vector<std::string> steps;
   std::string path;
@@ -78,6 +79,7 @@ int run_do(const Arguments& arguments, const Program& program, std::istream& in,
            std::ostream& err);
 // Prints rows of the logs, the newest first. 2 for a filter that means nothing, 1 if a log could not be read.
 int run_messages(const Arguments& arguments, const Program& program, std::ostream& out, std::ostream& err);
+int run_overview(const Arguments& arguments, const Program& program, std::ostream& out);
 int run_registry_get(const Arguments& arguments, std::ostream& out);
 int run_registry_set(const Arguments& arguments);
 int run_registry_delete(const Arguments& arguments);
