@@ -56,8 +56,7 @@ void ListPage::bind_transfer(Button& button, const List& list) {
   list.box.set_transfer(button);
   button.on_click = [this, &list] {
     open_transfer(list);
-    raise_flags(list);
-    if (!list.flags.empty()) say(said::proxy_told, {list_words(list.table)});
+    tell_proxy(list);
     fill_lists();
   };
 }
@@ -71,10 +70,12 @@ void ListPage::bind_update(Button& button, const std::vector<ListFile>& files,
   });
 }
 
-void ListPage::raise_flags(const List& list) {
+// Not every list has a flag by which the proxy is told.
+void ListPage::tell_proxy(const List& list) {
   const KnownList* known = find_list(list.table.name);
-  if (known == nullptr) return;
+  if (known == nullptr || known->flags.empty()) return;
   for (const std::string_view flag : known->flags) raise_flag(flag);
+  say(said::proxy_told, {list_words(list.table)});
 }
 
 EntryChange ListPage::add_to(const List& list, std::string_view text) {

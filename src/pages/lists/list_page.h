@@ -62,7 +62,7 @@ class ListPage : public Page {
                    std::initializer_list<std::string_view> flags = {});
 
   // Raises the list's flags, which makes the proxy read the list again.
-  void raise_flags(const List& list);
+  void tell_proxy(const List& list);
 
   // add_entry() and remove_entry() of core/list_changes.h; both say what became of the entry.
   EntryChange add_to(const List& list, std::string_view text);

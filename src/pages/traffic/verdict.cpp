@@ -39,9 +39,9 @@ std::string_view relation(Match match) {
   return "%1";
 }
 
-class Sentence {
+class VerdictText {
  public:
-  Sentence(Console& console, const Subject& subject, const ListFindings& findings)
+  VerdictText(Console& console, const Subject& subject, const ListFindings& findings)
       : console_(console), subject_(subject), findings_(findings) {}
 
   Verdict verdict() {
@@ -162,7 +162,7 @@ Label::Tone Verdict::tone() const {
 }
 
 Verdict verdict_on(Console& console, const Subject& subject, const ListFindings& findings) {
-  return Sentence(console, subject, findings).verdict();
+  return VerdictText(console, subject, findings).verdict();
 }
 
 std::string_view name_of(Match match) {
