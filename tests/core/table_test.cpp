@@ -56,7 +56,7 @@ TEST(TableRows, KeepAnyCellsAndTheirLinks) {
   ASSERT_TRUE(rows.link_at(2, 0));
   EXPECT_EQ(rows.link_at(2, 0)->query, "x y");
   TableRows copy;
-  for (const std::size_t row : {2, 1, 0}) copy.append(rows, row);
+  for (const std::size_t row : {2U, 1U, 0U}) copy.append(rows, row);
   EXPECT_EQ(copy.link_at(0, 0)->page, "lookup");
   EXPECT_EQ(copy.cell_at(1, 0), "");
   EXPECT_EQ(copy.cell_at(2, 1), "-7");
