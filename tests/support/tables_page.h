@@ -40,7 +40,7 @@ class TablesPage : public Page {
  public:
   explicit TablesPage(Console& console);
 
-  Label echo{*this, "echo", ""};
+  Label echo{*this, "echo", "Nothing is chosen"};
   Link Link1{*this, "Link1", "Look up 198.51.100.7", "Opens another page"};
   Table Table1{*this,
                "Table1",
