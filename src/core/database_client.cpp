@@ -179,14 +179,16 @@ DatabaseClient::Answer DatabaseClient::ask_about_newer(std::string_view what, st
   constexpr std::size_t longest_shown = 2000;
   Localisation& localisation = console_.localisation();
   std::string text = localisation.translate(
-      "Somebody else has stored something else meanwhile. Overwrite it with what you have typed?");
+      "Something else has been stored meanwhile, by somebody else or in another tab. Overwrite it with what "
+      "you have "
+      "typed?");
   text.append("\r\n\r\n").append(what).append(":\r\n").append(beginning_of(newer, longest_shown));
   if (newer.size() > longest_shown) text += " ...";
   const BoxReply reply = console_.host().message_box({.title = localisation.translate("Changed meanwhile"),
                                                       .text = std::move(text),
                                                       .style = BoxStyle::question,
                                                       .act = localisation.translate("Overwrite"),
-                                                      .other = localisation.translate("Keep theirs")});
+                                                      .other = localisation.translate("Keep the other")});
   if (reply == BoxReply::cancel) return Answer::cancel;
   return reply == BoxReply::ok ? Answer::overwrite : Answer::keep_theirs;
 }

@@ -109,7 +109,7 @@ test('two people in five tabs lose nothing of each other', async () => {
   )
   assert.equal(console.sql("SELECT count(*) FROM blacklist WHERE entry LIKE 'tab%'"), '20')
   // A tab that is looked at says that the list has changed, and keeps it until it is asked.
-  const stale = page.locator('[data-control="c-domainbw-List2"]').getByText('Somebody else has changed this list.')
+  const stale = page.locator('[data-control="c-domainbw-List2"]').getByText('This list has been changed elsewhere.')
   await press(fifth, 'domainbw', 'refrall')
   await field(fifth, 'domainbw', 'Text1').fill('latest.example')
   await press(fifth, 'domainbw', 'Command3')
@@ -137,7 +137,7 @@ test('two people in five tabs lose nothing of each other', async () => {
   await press(page, 'strings', 'updatedb')
   await box(page).getByText('221 theirs').waitFor()
   await picture(page, 'newer-text')
-  await answer(page, 'Keep theirs')
+  await answer(page, 'Keep the other')
   await box(page).waitFor({ state: 'detached' })
   assert.equal(await field(page, 'strings', 'bye').inputValue(), '221 theirs')
 

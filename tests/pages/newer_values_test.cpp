@@ -61,7 +61,7 @@ TEST_F(NewerTexts, AChangedFieldAsks) {
     ASSERT_THAT(host.boxes, SizeIs(1));
     EXPECT_THAT(host.boxes[0].text, HasSubstr("Reply to HELO and EHLO:\r\n" + std::string(theirs)));
     EXPECT_EQ(host.boxes[0].act, "Overwrite");
-    EXPECT_EQ(host.boxes[0].other, "Keep theirs");
+    EXPECT_EQ(host.boxes[0].other, "Keep the other");
   };
   both_change("250 first", BoxReply::ok);
   EXPECT_EQ(text_option("hello"), mine);

@@ -275,6 +275,33 @@ describe('unsaved texts', () => {
     expect([session.unsaved, session.drafts.count, control('text').draft.value]).toEqual([false, 0, null])
   })
 
+  it('are no longer kept when they are saved after the page was loaded anew', () => {
+    const { session, control, storage } = typing()
+    control('text').type('mine')
+    vi.advanceTimersByTime(250)
+    session.drafts.release()
+    const again = start(new Drafts(storage))
+    again.session.receive(formOf({ ...controls(), text: { kind: 'TextField', text: 'mine', unsaved: true, ...usable } }))
+    expect([again.session.unsaved, again.control('text').draft.value]).toEqual([true, null])
+    again.change(1, { text: { unsaved: false } })
+    expect(again.session.drafts.count).toBe(0)
+  })
+
+  it('of a form that is closed are kept if nothing has used them', () => {
+    const { session, control } = typing()
+    control('text').type('mine')
+    vi.advanceTimersByTime(250)
+    session.receive({ type: 'closed', form: 'page', unsaved: ['text'] })
+    expect(session.drafts.count).toBe(1)
+    session.receive({ ...formOf(controls()), form: 'dialog', dialog: true })
+    const field = session.dialogs.value[0]!.controls.get('text')!
+    field.type('sent')
+    vi.advanceTimersByTime(250)
+    expect(session.drafts.count).toBe(2)
+    session.receive({ type: 'closed', form: 'dialog' })
+    expect(session.drafts.count).toBe(1)
+  })
+
   it('are offered in the console that takes the place of a lost one, passwords never', () => {
     const { session, control, storage } = typing()
     const secret = { kind: 'TextField' as const, text: '', secret: true, ...usable }

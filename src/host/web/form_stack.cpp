@@ -52,8 +52,8 @@ std::optional<FormStack::DueTimer> FormStack::take_due(Clock::time_point now) co
   return {};
 }
 
-std::vector<std::string> FormStack::drop_closed() {
-  std::vector<std::string> known;
+std::vector<std::shared_ptr<ShownForm>> FormStack::drop_closed() {
+  std::vector<std::shared_ptr<ShownForm>> dropped;
   for (std::size_t i = 0; i < shown_.size();) {
     const std::shared_ptr<ShownForm> shown = shown_[i];
     if (!shown->dialog || shown->form->is_open()) {
@@ -62,9 +62,9 @@ std::vector<std::string> FormStack::drop_closed() {
     }
     shown_.erase(shown_.begin() + static_cast<std::ptrdiff_t>(i));
     closed_.push_back(shown);
-    if (shown->announced) known.push_back(shown->id);
+    if (shown->announced) dropped.push_back(shown);
   }
-  return known;
+  return dropped;
 }
 
 void FormStack::close_dialogs() {

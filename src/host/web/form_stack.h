@@ -49,8 +49,8 @@ class FormStack {
   std::optional<DueTimer> take_due(Clock::time_point now) const;
 
   // Takes closed dialogs off the stack. They stay alive until forget_closed(), because their handlers may
-  // still run. Returns the ids of those that the browser knows.
-  std::vector<std::string> drop_closed();
+  // still run. Returns those that the browser knows.
+  std::vector<std::shared_ptr<ShownForm>> drop_closed();
   // Releases the closed dialogs. To be called when no handler is running.
   void forget_closed() { closed_.clear(); }
 

@@ -136,8 +136,14 @@ std::optional<std::string> change_message(ShownForm& shown, std::uint64_t ack, s
   return json::serialize(message);
 }
 
-std::string closed_message(std::string_view form) {
-  return json::serialize(json::object{{"type", "closed"}, {"form", form}});
+std::string closed_message(const ShownForm& shown) {
+  json::array unsaved;
+  for (const Control* control : shown.form->controls()) {
+    if (control->unsaved() || control->set_aside()) unsaved.push_back(json::value(control->name()));
+  }
+  json::object message{{"type", "closed"}, {"form", shown.id}};
+  if (!unsaved.empty()) message["unsaved"] = std::move(unsaved);
+  return json::serialize(message);
 }
 
 std::string rows_message(ShownForm& shown, const ItemsControl& list, std::uint64_t request, WindowOf window,

@@ -39,7 +39,7 @@ std::string hello_message(Console& console, const TabIdentity& identity, std::sp
 // The form, or its changes; from then on they count as sent.
 std::string form_message(ShownForm& shown, std::string_view caption);
 std::optional<std::string> change_message(ShownForm& shown, std::uint64_t ack, std::string_view caption);
-std::string closed_message(std::string_view form);
+std::string closed_message(const ShownForm& shown);
 // Where a row that was asked for is; nothing if the view lacks it.
 struct Sought {
   std::optional<std::uint64_t> row;

@@ -60,12 +60,12 @@ void Reporter::forms() {
 }
 
 void Reporter::closed_forms() {
-  for (const std::string& id : forms_.drop_closed()) send(closed_message(id));
+  for (const std::shared_ptr<ShownForm>& shown : forms_.drop_closed()) send(closed_message(*shown));
   (void)console_->dialogs();  // drops its own hold on them
 }
 
 void Reporter::all_gone() {
-  for (const std::shared_ptr<ShownForm>& shown : forms_.forms()) send(closed_message(shown->id));
+  for (const std::shared_ptr<ShownForm>& shown : forms_.forms()) send(closed_message(*shown));
   forms_.clear();
 }
 

@@ -22,6 +22,7 @@ using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 using Type = web::BrowserMessage::Type;
 using Kind = ActivityRecord::Kind;
 
@@ -118,7 +119,7 @@ TEST_F(FormStackTest, AClosedDialogLivesUntilNoHandlerRuns) {
   std::weak_ptr<TestDialog> dialog = show_dialog();
   forms.find("dialog")->announced = true;
   dialog.lock()->close();
-  EXPECT_THAT(forms.drop_closed(), ElementsAre("dialog"));
+  EXPECT_THAT(forms.drop_closed(), SizeIs(1));
   (void)console.dialogs();
   EXPECT_FALSE(dialog.expired());
   forms.forget_closed();

@@ -43,8 +43,15 @@ TEST(UnsavedTexts, ArePartOfTheQuestionBeforeAPageOrADialogIsLeft) {
   type(session, "sample", "source", "typed");
   answered(session, session.close_form("sample"), "cancel");
   EXPECT_TRUE(session.forms.contains("sample"));
-  answered(session, session.close_form("sample"), "ok");
-  EXPECT_FALSE(session.forms.contains("sample"));
+  session.close_form("sample");
+  session.answer(session.receive("box"), "ok");
+  EXPECT_EQ(session.receive("closed").at("unsaved"), json::parse(R"(["source"])"));
+
+  session.click("allcontrols", "open");
+  while (!session.forms.contains("sample")) session.receive("form");
+  type(session, "sample", "source", "used");
+  session.click("sample", "apply");
+  EXPECT_FALSE(session.receive("closed").contains("unsaved"));
 }
 
 TEST(UnsavedTexts, AreUsedByAnActThatReadsThemAndWorks) {

@@ -192,7 +192,7 @@ export const de: Messages = {
       : hasList
         ? `Zuerst „${name}“ ausfüllen oder einen Eintrag auswählen.`
         : `Zuerst „${name}“ ausfüllen.`,
-  listChanged: 'Jemand anders hat diese Liste geändert.',
+  listChanged: 'Diese Liste wurde anderswo geändert.',
   reloadList: 'Neu laden',
   draft: (at, of) =>
     of === '' ? `Sie haben ungespeicherten Text von ${timeText('de', at)}:` : `Sie haben ungespeicherten Text zu „${of}“ von ${timeText('de', at)}; wählen Sie das, um ihn zurückzuholen:`,

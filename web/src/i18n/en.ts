@@ -194,7 +194,7 @@ export const en = {
   removeRows: 'Remove',
   missing: (name: string, isList: boolean, hasList: boolean): string =>
     isList ? `Choose an entry of “${name}” first.` : hasList ? `Fill in “${name}” or choose an entry first.` : `Fill in “${name}” first.`,
-  listChanged: 'Somebody else has changed this list.',
+  listChanged: 'This list has been changed elsewhere.',
   reloadList: 'Reload',
   draft: (at: Date, of: string): string =>
     of === '' ? `You have unsaved text of ${timeText('en', at)}:` : `You have unsaved text for “${of}” of ${timeText('en', at)}; choose that to get it back:`,

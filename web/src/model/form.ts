@@ -131,9 +131,13 @@ export class ControlModel {
     return this.pending ? this.text.value : (this.shown.value.text ?? '')
   }
 
+  private get placeNow(): DraftPlace {
+    return { form: this.form.name, field: this.name, of: this.draftOf }
+  }
+
   private keepDraft(): void {
     if (!this.keepsDrafts) return
-    this.draftPlace ??= { form: this.form.name, field: this.name, of: this.draftOf }
+    this.draftPlace ??= this.placeNow
     // Typed and taken back within a moment.
     if (this.pending?.asServer && !this.shown.peek().unsaved) this.form.link.drafts?.drop(this.draftPlace)
     else this.form.link.drafts?.keep(this.draftPlace, this.text.peek())
@@ -299,9 +303,16 @@ export class ControlModel {
   /** An act has used what was typed, or the page has put something else in its place: then it can be had back. */
   private noLongerUnsaved(setAside: boolean): void {
     if (this.pending?.dirty) return
-    if (this.draftPlace && !setAside) this.form.link.drafts?.drop(this.draftPlace)
+    // It may have been typed before the page was loaded anew.
+    if (this.keepsDrafts && !setAside) this.form.link.drafts?.drop(this.draftPlace ?? this.placeNow)
     this.draftPlace = null
     this.lookForDraft()
+  }
+
+  /** The form has been closed; an act may have used what was typed just before. */
+  gone(unsaved: boolean): void {
+    if (this.keepsDrafts && !unsaved && (this.draftPlace || this.unsaved)) this.form.link.drafts?.drop(this.draftPlace ?? this.placeNow)
+    this.draftPlace = null
   }
 
   /** The server has handled every event up to this one. */

@@ -239,7 +239,7 @@ export class Session implements Link {
         this.findForm(message.form)?.change(message)
         return
       case 'closed':
-        return this.formClosed(message.form)
+        return this.formClosed(message.form, message.unsaved)
       case 'rows':
         this.findForm(message.form)?.controls.get(message.control)?.list?.accept(message)
         return
@@ -341,7 +341,8 @@ export class Session implements Link {
     }
   }
 
-  private formClosed(name: string): void {
+  private formClosed(name: string, unsaved: readonly string[] = []): void {
+    for (const control of this.findForm(name)?.controls.values() ?? []) control.gone(unsaved.includes(control.name))
     const page = this.page.peek()
     if (page?.name === name) page.closed.value = true
     else this.dialogs.value = this.dialogs.peek().filter(dialog => dialog.name !== name)

@@ -410,7 +410,7 @@ export type ServerMessage =
   | Hello
   | FormMessage
   | ChangeMessage
-  | { type: 'closed'; form: string }
+  | { type: 'closed'; form: string; unsaved?: string[] }
   | RowsMessage
   | CellsMessage
   | { type: 'go'; page: string; query: string }
