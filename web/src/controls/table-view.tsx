@@ -155,6 +155,8 @@ export function TableView({ control }: { control: ControlModel }) {
   const cards = width < leastWidth(major)
   const columns = cards || width >= leastWidth(all) ? all : major
   const template = templateOf(columns)
+  // Cards have no columns to name: only what orders them is left.
+  const heads = cards ? columns.filter(({ column }) => column.sorts) : columns
   const rowHeight = cards ? cardHeight() : lineHeight()
 
   useEffect(() => {
@@ -288,8 +290,8 @@ export function TableView({ control }: { control: ControlModel }) {
             count={count}
             rowHeight={rowHeight}
             onRange={(from, to) => table.show(from, to < from ? from : to)}
-            head={<Head control={control} columns={columns} template={template} />}
-            headHeight={lineHeight()}
+            head={heads.length > 0 && <Head control={control} columns={heads} template={template} />}
+            headHeight={heads.length > 0 ? lineHeight() : 0}
             id={control.id}
             class="list-rows table-rows"
             role="grid"
