@@ -20,7 +20,7 @@ class MessagesPage : public Page {
   explicit MessagesPage(Console& console);
 
   Frame Frame1{*this, "Frame1", "Which messages"};
-  ComboBox period{*this, "period", "Rows of the last hour, day, week or month, or all", {}};
+  ComboBox period{*this, "period", "Rows of the last hour, day, week or month, or all", {.words = true}};
   Label period_label{*this, "period_label", "Period", period};
   TextField since{*this,
                   "since",
@@ -32,9 +32,9 @@ class MessagesPage : public Page {
                   "Only rows up to this day or time; the period does not count then",
                   {.placeholder = "2026-01-31"}};
   Label until_label{*this, "until_label", "To", until};
-  ComboBox kind{*this, "kind", "Where the proxy decided", {}};
+  ComboBox kind{*this, "kind", "Where the proxy decided", {.words = true}};
   Label kind_label{*this, "kind_label", "Kind", kind};
-  ComboBox verdict{*this, "verdict", "What it decided", {}};
+  ComboBox verdict{*this, "verdict", "What it decided", {.words = true}};
   Label verdict_label{*this, "verdict_label", "Verdict", verdict};
   TextField filter{*this,
                    "filter",

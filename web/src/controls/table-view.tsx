@@ -153,7 +153,7 @@ export function TableView({ control }: { control: ControlModel }) {
   // Where there is no room for all columns, the minor ones are left out; where there is none for the others, rows are cards.
   const major = all.filter(({ column }) => !column.minor)
   const cards = width < leastWidth(major)
-  const columns = cards || width >= leastWidth(all) ? all : major
+  const columns = !cards && width >= leastWidth(all) ? all : major
   const template = templateOf(columns)
   // Cards have no columns to name: only what orders them is left.
   const heads = cards ? columns.filter(({ column }) => column.sorts) : columns
