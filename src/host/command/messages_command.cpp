@@ -6,6 +6,7 @@
 
 #include "core/console.h"
 #include "core/table.h"
+#include "core/text/csv.h"
 #include "core/text/printable.h"
 #include "core/text/time_stamp.h"
 #include "core/text/utf8.h"
@@ -22,14 +23,6 @@ namespace {
 constexpr std::uint64_t read_at_once = 200;
 constexpr std::size_t longest_cell = 60;
 
-// What stands before a formula of a spreadsheet makes it a text.
-std::string csv_cell(std::string_view text) {
-  std::string cell = "\"";
-  if (!text.empty() && std::string_view("=+-@\t\r").find(text.front()) != text.npos) cell += '\'';
-  for (const char c : valid_utf8(text)) cell.append(c == '"' ? 2 : 1, c);
-  return cell + '"';
-}
-
 std::string readable_cell(std::string_view text) {
   if (text.size() <= longest_cell) return printable(text);
   return printable(cut_between_characters(text, longest_cell)) + "...";
@@ -41,15 +34,16 @@ void print_row(std::ostream& out, const Arguments& arguments, const Table& table
     out << (first ? "" : ",\n") << boost::json::serialize(row_json(table, rows, row));
     return;
   }
+  std::string line;
   for (std::size_t column = 0; column < table.columns().size(); ++column) {
     const std::string_view cell = rows.cell_at(row, column);
     if (arguments.messages.csv) {
-      out << (column == 0 ? "" : ",") << csv_cell(cell);
+      append_csv(line, cell);
     } else {
-      out << (column == 0 ? "" : "  ") << (cell.empty() ? "-" : readable_cell(cell));
+      line += (column == 0 ? "" : "  ") + (cell.empty() ? "-" : readable_cell(cell));
     }
   }
-  out << (arguments.messages.csv ? "\r\n" : "\n");
+  out << line << (arguments.messages.csv ? "\r\n" : "\n");
 }
 
 // The number of rows that were printed.
@@ -95,10 +89,9 @@ int run_messages(const Arguments& arguments, const Program& program, std::ostrea
         }
         if (arguments.json) out << '[';
         if (options.csv) {
-          for (const Column& column : table.columns()) {
-            out << (&column == table.columns().data() ? "" : ",") << csv_cell(column.name);
-          }
-          out << "\r\n";
+          std::string names;
+          for (const Column& column : table.columns()) append_csv(names, column.name);
+          out << names << "\r\n";
         }
         const std::uint64_t printed = print_rows(out, arguments, table);
         if (arguments.json) out << "]\n";

@@ -8,6 +8,7 @@
 #include "core/contracts/console_folder.h"
 #include "core/list_changes.h"
 #include "core/text/ascii.h"
+#include "core/text/csv.h"
 #include "core/text/error.h"
 #include "core/text/text.h"
 #include "core/text/time_stamp.h"
@@ -27,20 +28,6 @@ constexpr std::uint64_t most_related = 50;
 
 std::int64_t seconds_now(Console& console) {
   return std::chrono::duration_cast<std::chrono::seconds>(console.now().time_since_epoch()).count();
-}
-
-// Spreadsheets take a text that begins so for a formula.
-bool is_formula(std::string_view cell) {
-  return !cell.empty() && std::string_view("=+-@\t\r").find(cell.front()) != std::string_view::npos;
-}
-
-// RFC 4180.
-void append_csv(std::string& line, std::string_view cell) {
-  if (!line.empty()) line += ',';
-  line += '"';
-  if (is_formula(cell)) line += '\'';
-  for (const char c : cell) line.append(c == '"' ? 2 : 1, c);
-  line += '"';
 }
 
 // RFC 8259; `text` is well-formed UTF-8.

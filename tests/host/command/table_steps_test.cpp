@@ -1,4 +1,5 @@
 #include <boost/json/serialize.hpp>
+#include <cstdlib>
 
 #include "command_fixture.h"
 
@@ -86,6 +87,33 @@ TEST_F(CommandTest, LinksAndQueries) {
       out, HasSubstr(
                "A million rows, 1000000 rows\n        1000000 | row 1000000\n      > 999999 | row 999999\n"));
   EXPECT_THAT(out, HasSubstr("Opened: allcontrols 198.51.100.7\n"));
+}
+
+TEST_F(CommandTest, MessagesArePrintedInThreeForms) {
+  run({"init"});
+  const auto database = (folder.path() / "console/proxy.db").string();
+  ASSERT_EQ(std::system(("sqlite3 " + database +
+                         " \"INSERT INTO predatalog VALUES (1,'192.0.2.1','=1@x.example','say \"\"no\"\"',2,"
+                         "'2026-09-01 08:00:00')\"")
+                            .c_str()),
+            0);
+  EXPECT_EQ(run({"messages"}), success);
+  EXPECT_THAT(out, HasSubstr("2026-09-01 08:00:00  rejected  header  192.0.2.1  =1@x.example  -  say"));
+  EXPECT_EQ(run({"messages", "--json", "--filter", "from:x.example"}), success);
+  const json::value rows = json::parse(out);
+  ASSERT_EQ(rows.as_array().size(), 1u);
+  EXPECT_EQ(rows.at(0).at("key"), "h1");
+  EXPECT_EQ(rows.at(0).at("sender"), "=1@x.example");
+  EXPECT_EQ(run({"messages", "--csv", "--since", "2026-09-01"}), success);
+  EXPECT_THAT(out, HasSubstr("\"verdict\",\"kind\",\"address\",\"sender\",\"recipient\",\"reason\"\r\n"));
+  EXPECT_THAT(out, HasSubstr(",\"'=1@x.example\",\"\","));
+  EXPECT_EQ(run({"messages", "--json", "--since", "2026-09-02"}), success);
+  EXPECT_EQ(out, "[]\n");
+  EXPECT_EQ(run({"messages", "--limit", "0"}), success);
+  EXPECT_EQ(run({"messages", "--filter", "foo:x"}), usage_error);
+  EXPECT_THAT(err, HasSubstr("\"foo:\" is no field (character 1)"));
+  EXPECT_EQ(run({"messages", "--since", "tomorrow"}), usage_error);
+  EXPECT_EQ(run({"messages", "--csv", "--json"}), usage_error);
 }
 
 }  // namespace
