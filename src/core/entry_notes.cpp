@@ -79,11 +79,12 @@ bool save_note(DatabaseClient& client, const ListTable& list, std::string_view e
                       value(entry) + "','" + value(note.expires) + "')"))
     return false;
   if (note.comment.empty()) return true;
-  return client.write_row("comment on " + std::string(list.name) + " " + std::string(entry), [&] {
-    const auto row = client.conn->open(of_entry("SELECT *", list, entry), Connection::Access::updatable);
-    row->set_text("comment", note.comment);
-    row->update();
-  });
+  return client.write_row(
+      "update entry_notes comment " + std::string(list.name) + " " + std::string(entry), [&] {
+        const auto row = client.conn->open(of_entry("SELECT *", list, entry), Connection::Access::updatable);
+        row->set_text("comment", note.comment);
+        row->update();
+      });
 }
 
 }  // namespace zrl

@@ -55,6 +55,10 @@ constexpr std::string_view others[] = {
     // components, by their names in errors
     "create mirvan.html",
     "create mirvan_locale.translate",
+    // parts of statements
+    "' and entry='",
+    "' order by ID desc limit ",
+    "' limit ",
     // what is sent and stored
     "mail from: adsf@",
     " relay report",

@@ -19,6 +19,7 @@ std::string_view last_two_labels(std::string_view name) {
 
 DomainPage::DomainPage(Console& console) : ListPage(console, "domainbw", "Domains") {
   bind_lists(Text1, Place::kept, {white_, black_});
+  for (ListBox* box : {&List1, &List2}) box->set_entries_are(EntryKind::domain);
   bind_switches({
       {RetunPath, "ReturnPath"},
       {dcheck, "checkbodydom"},

@@ -9,6 +9,7 @@ namespace zrl {
 
 IpPage::IpPage(Console& console) : ListPage(console, "ipbw", "IP numbers") {
   bind_lists(ip, Place::kept, {black_, white_});
+  for (ListBox* box : {&blackl, &whitel}) box->set_entries_are(EntryKind::address);
   bind_switches({
       {Check1, "ip_checking"},
       {bcheck, "checkbodyip"},

@@ -17,6 +17,7 @@ bool has_at(std::string_view text) {
 
 MailPage::MailPage(Console& console) : ListPage(console, "wbuser", "E-mail addresses") {
   bind_lists(mail, Place::kept, {white_, black_});
+  for (ListBox* box : {&blackl, &whitel}) box->set_entries_are(EntryKind::mail_address);
   bind_switches({{checkmail, "checkmail"}});
   bind_transfer(imleft, black_);
   bind_transfer(imright, white_);

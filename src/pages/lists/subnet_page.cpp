@@ -6,6 +6,7 @@ namespace zrl {
 
 SubnetPage::SubnetPage(Console& console) : ListPage(console, "subnets", "Subnets") {
   bind_lists(subin, Place::kept, {black_, white_});
+  for (ListBox* box : {&blacksub, &whitesub}) box->set_entries_are(EntryKind::network);
   bind_switches({{subnetcheck, "subnetcheck"}});
   bind_transfer(imleft, white_);
   bind_transfer(imright, black_);

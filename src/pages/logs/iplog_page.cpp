@@ -10,6 +10,7 @@ IplogPage::IplogPage(Console& console) : LogPage(console, "iplog", "IP log") {
   ipneutral.on_click = [this] { choose_view("status=0"); };
   ipblack.on_click = [this] { choose_view("status=2"); };
   ipwhite.on_click = [this] { choose_view("status=1"); };
+  iplist.set_entries_are(EntryKind::address);
   iplist.on_click = [this] { click_address(); };
   bind_busy(Command9, &IplogPage::clear_list);
 

@@ -17,6 +17,7 @@ constexpr Sentence addresses_deleted{"Rows of %1 IP numbers deleted from the log
 }  // namespace
 
 PredatalogPage::PredatalogPage(Console& console) : LogPage(console, "predatalog", "Header log") {
+  ip.set_entries_are(EntryKind::address);
   for (OptionButton* option : {&blacklist, &whitelist, &showall}) {
     option->on_click = [this] { choose_view(); };
   }

@@ -48,7 +48,7 @@ OverviewPage::OverviewPage(Console& console) : Page(console, "overview", "Overvi
 
   set_layout(column({
       row({period, service}),
-      row({grow(frame(Frame1, attention)), frame(Frame2, first_steps)}),
+      row({frame(Frame1, attention), frame(Frame2, first_steps)}),
       frame(Frame3, mails),
       row({frame(Frame4, reasons), frame(Frame5, clients), frame(Frame6, domains)}),
   }));

@@ -25,7 +25,8 @@ class OverviewPage : public Page {
   Label service{*this, "service", "",
                 "The proxy's service, as the service manager of the machine reports it"};
 
-  Frame Frame1{*this, "Frame1", "Needs an eye"};
+  // The tables and the chart have captions of their own.
+  Frame Frame1{*this, "Frame1", ""};
   Table attention{*this,
                   "attention",
                   "What needs an eye",
@@ -33,7 +34,7 @@ class OverviewPage : public Page {
                   {{.name = "severity", .caption = "Severity", .kind = ColumnKind::severity},
                    {.name = "text", .caption = "Finding"},
                    {.name = "page", .caption = "Page", .minor = true}}};
-  Frame Frame2{*this, "Frame2", "First steps"};
+  Frame Frame2{*this, "Frame2", ""};
   Table first_steps{
       *this,
       "first_steps",
@@ -41,7 +42,7 @@ class OverviewPage : public Page {
       "What a new console needs; a step that is done ticks itself off",
       {{.name = "text", .caption = "Step"}, {.name = "done", .caption = "Done", .kind = ColumnKind::check}}};
 
-  Frame Frame3{*this, "Frame3", "Mails"};
+  Frame Frame3{*this, "Frame3", ""};
   Chart mails{*this,
               "mails",
               "Mails over time",
@@ -51,21 +52,21 @@ class OverviewPage : public Page {
                {"allowed", "Allowed", Label::Tone::good},
                {"neutral", "Neutral"}}};
 
-  Frame Frame4{*this, "Frame4", "Reasons"};
+  Frame Frame4{*this, "Frame4", ""};
   Table reasons{*this,
                 "reasons",
                 "Most frequent reasons",
                 "Reasons and keywords; each leads to its messages",
                 {{.name = "text", .caption = "Reason"},
                  {.name = "count", .caption = "Count", .kind = ColumnKind::number}}};
-  Frame Frame5{*this, "Frame5", "Client networks"};
+  Frame Frame5{*this, "Frame5", ""};
   Table clients{*this,
                 "clients",
                 "Most frequent client networks",
                 "Networks of 256 addresses; each leads to its messages",
                 {{.name = "text", .caption = "Network", .kind = ColumnKind::address},
                  {.name = "count", .caption = "Count", .kind = ColumnKind::number}}};
-  Frame Frame6{*this, "Frame6", "Sender domains"};
+  Frame Frame6{*this, "Frame6", ""};
   Table domains{*this,
                 "domains",
                 "Most frequent sender domains",

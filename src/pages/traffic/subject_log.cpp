@@ -45,7 +45,7 @@ std::string hours_ago(const Console& console, int hours) {
   std::tm local{};
   if (localtime_r(&seconds, &local) == nullptr) return {};
   char text[32];
-  return {text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local)};
+  return {text, std::strftime(text, sizeof text, "%F %T", &local)};
 }
 
 std::string_view verdict_of(const Log& log, std::int64_t status) {

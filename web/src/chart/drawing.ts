@@ -133,6 +133,8 @@ export class ChartDrawing {
   /** What custom properties yield here: the canvas knows neither them nor light-dark(). */
   private colours(): (name: string) => string {
     const probe = document.createElement('span')
+    // With a transition it would have the colour before for a moment.
+    probe.style.setProperty('transition', 'none', 'important')
     this.canvas.after(probe)
     const found = new Map<string, string>()
     const colour = (name: string): string => {

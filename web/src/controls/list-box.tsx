@@ -1,13 +1,14 @@
 import type { ComponentChildren } from 'preact'
 import { useEffect, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
+import { addressOf } from '../model/address'
 import type { ControlModel } from '../model/form'
 import type { ListModel } from '../model/list'
 import { coarse, recall } from '../model/preferences'
 import { systemPath } from '../model/product-path'
 import { RowSelection } from '../model/selection'
 import { viewText } from '../parts/text-viewer'
-import { droppedFile } from '../state/app-state'
+import { droppedFile, session } from '../state/app-state'
 import { Field, nameOf, naming } from './field'
 import { keyTarget, Row } from './list-row'
 import { FilterField, placeKey, restoreView } from './list-tools'
@@ -248,6 +249,11 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
             <button type="button" class="button quiet small" onClick={() => viewText(name, selectedText)}>
               {m.fullText}
             </button>
+          )}
+          {shown.entries && selectedText !== undefined && !several && session.hello.value?.pages.some(page => page.name === 'lookup') && (
+            <a class="link" href={addressOf('lookup', selectedText)}>
+              {m.lookUp}
+            </a>
           )}
           {remover && count > 1 && !several && (
             <button type="button" class="button quiet small" onClick={() => setChoosing(true)}>

@@ -210,6 +210,7 @@ export const de: Messages = {
   sortBy: (column: string): string => `Nach ${column} ordnen`,
   rowCount: (count: number, more: boolean): string => (more ? `mehr als ${plural(count, 'Zeile', 'Zeilen')}` : plural(count, 'Zeile', 'Zeilen')),
   noRows: 'Keine Zeilen',
+  lookUp: 'Nachschlagen',
   tooManyChosen: (most: number): string => `Höchstens ${number.format(most)} Zeilen können zugleich ausgewählt sein`,
   list: 'Liste',
   example: text => `z. B. ${text}`,

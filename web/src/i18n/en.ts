@@ -212,6 +212,7 @@ export const en = {
   sortBy: (column: string): string => `Order by ${column}`,
   rowCount: (count: number, more: boolean): string => (more ? `more than ${plural(count, 'row', 'rows')}` : plural(count, 'row', 'rows')),
   noRows: 'No rows',
+  lookUp: 'Look up',
   tooManyChosen: (most: number): string => `No more than ${number.format(most)} rows can be chosen at once`,
   list: 'List',
   example: (text: string): string => `e.g. ${text}`,
