@@ -170,8 +170,8 @@ class Control {
   // stood there first; what the program puts in its place is not.
   void typed(std::string_view before, std::string_view text);
   void replaced();
-  // A handler has read the text.
-  void used() const { used_ = true; }
+  // A handler has read the text. What it reads after it has replaced the typed text is its own.
+  void used() const { used_ = used_ || unsaved_; }
 
   std::string caption_;
 

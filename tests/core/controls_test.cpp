@@ -150,6 +150,35 @@ TEST_F(ControlsTest, ComboBoxesTakeTextAsTheirStyleSays) {
   EXPECT_EQ(form.Combo2.text(), "english");
 }
 
+TEST_F(ControlsTest, ATypedTextIsUnsavedUntilAnActUsesIt) {
+  const auto act = [this](bool worked, auto&& read) {
+    form.Text1.user_type("typed");
+    form.run_using([&] {
+      read();
+      return worked;
+    });
+    return std::pair(form.Text1.unsaved(), form.Text1.set_aside());
+  };
+  const auto look = [this] { return form.Text1.text().size(); };
+  EXPECT_EQ(act(true, [] {}), std::pair(true, false));
+  EXPECT_EQ(act(false, look), std::pair(true, false));
+  EXPECT_EQ(act(true, look), std::pair(false, false));
+  // Pages empty a field that they have used; what they put in and read themselves uses nothing.
+  form.Text1.set_text("");
+  EXPECT_EQ(act(true, [&] { form.Text1.set_text(std::to_string(look())); }), std::pair(false, false));
+  form.Text1.set_text("");
+  EXPECT_EQ(act(true,
+                [&] {
+                  form.Text1.set_text("a template");
+                  look();
+                }),
+            std::pair(false, true));
+  // Taken back, it is as it was.
+  form.Text1.user_type("typed");
+  form.Text1.user_type("a template");
+  EXPECT_FALSE(form.Text1.unsaved());
+}
+
 TEST_F(ControlsTest, ValuesOutsideTheirRangeRaiseAnError) {
   EXPECT_THROW(form.Check1.set_value(2), Error);
   EXPECT_THROW(form.Scroll1.set_value(1), Error);
