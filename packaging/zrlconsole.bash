@@ -34,16 +34,17 @@ _zrlconsole() {
   esac
 
   if [[ ! $command ]]; then
-    _zrlconsole_words '--folder --help --version init serve pages do overview list lookup registry script'
+    _zrlconsole_words '--folder --help --version init serve pages do overview messages list lookup registry script'
     return
   fi
   if [[ $current == -* ]]; then
     case $command in
       init) _zrlconsole_words '--sample --help' ;;
-      serve) _zrlconsole_words '--listen --certificate --key --host --require-audit --allow-root --help' ;;
+      serve) _zrlconsole_words '--listen --certificate --key --host --require-audit --allow-root --tabs --help' ;;
       pages) _zrlconsole_words '--json --help' ;;
-      do) _zrlconsole_words '--json --start-programs --help' ;;
+      do) _zrlconsole_words '--json --start-programs --query --help' ;;
       overview) _zrlconsole_words '--period --json --help' ;;
+      messages) _zrlconsole_words '--since --filter --limit --json --csv --help' ;;
       list) _zrlconsole_words '--json --filter --limit --comment --expires --overwrite --help' ;;
       lookup) _zrlconsole_words '--dns --json --help' ;;
       script) _zrlconsole_words '--check --call --help' ;;

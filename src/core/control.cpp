@@ -15,9 +15,9 @@ constexpr std::array<std::string_view, 16> kind_names = {
     "Timer", "ScrollBar", "DriveList", "FolderList", "FileList",     "Table",  "Link",    "Chart"};
 
 constexpr std::array<std::string_view, property_count> property_names = {
-    "caption", "toolTip", "text",  "value", "items", "index", "interval", "min",    "max",    "enabled",
-    "visible", "page",    "query", "marks", "tone",  "rows",  "sort",     "filter", "chosen", "unsaved",
-    "stale",   "series"};
+    "caption", "toolTip", "text",    "value",   "items", "index", "interval", "min",
+    "max",     "enabled", "visible", "page",    "query", "marks", "tone",     "rows",
+    "sort",    "filter",  "chosen",  "unsaved", "stale", "series"};
 
 constexpr std::array captioned = {caption, tool_tip, enabled, visible};
 constexpr std::array text_field = {text, tool_tip, enabled, visible};

@@ -154,7 +154,7 @@ PropertyValue Link::own(Property property) const {
 }
 
 std::string_view name_of(EntryKind kind) {
-  static constexpr std::array<std::string_view, 6> names = {"other",  "address",      "network",
+  static constexpr std::array<std::string_view, 6> names = {"other",  "address", "network",
                                                             "domain", "mail",    "word"};
   return names[static_cast<std::size_t>(kind)];
 }

@@ -414,6 +414,21 @@ EntryChange refused(std::string_view entry, std::string_view reason) {
   return {.entry = std::string(entry), .reason = std::string(reason)};
 }
 
+// What is said of an entry that its list does not take; empty for the others.
+std::string_view sentence_of(const EntryChange& change) {
+  constexpr std::pair<std::string_view, std::string_view> sentences[] = {
+      {not_an_ip_number, said::no_ip_number},
+      {not_a_network, "Nothing stored: %1 is no network"},
+      {no_mail_address, said::address_needs_at},
+      {dotted_extension, "Nothing stored: an extension is listed without its dot"},
+  };
+  if (change.state != EntryChange::State::refused) return {};
+  for (const auto& [reason, sentence] : sentences) {
+    if (reason == change.reason) return sentence;
+  }
+  return {};
+}
+
 constexpr std::string_view not_a_list = "there is no list of this name";
 
 }  // namespace
@@ -462,6 +477,35 @@ EntryChange remove_entry(DatabaseClient& client, Console& console, const ListTab
   change.state = EntryChange::State::removed;
   change.removed = rows;
   return change;
+}
+
+void say_addition(const Steps& steps, const ListTable& list, std::string_view text,
+                  const EntryChange& change) {
+  if (trim(text).empty()) {
+    steps.say_nothing(said::no_entry_to_add);
+  } else if (const std::string_view sentence = sentence_of(change); !sentence.empty()) {
+    steps.say_nothing(sentence, {text});
+  } else {
+    steps.say_added(change.entry, list, change.done());
+  }
+}
+
+void say_removal(const Steps& steps, Console& console, const ListTable& list, std::string_view text,
+                 const EntryChange& change) {
+  if (trim(text).empty()) {
+    steps.say_nothing(said::no_entry_to_remove);
+  } else if (const std::string_view sentence = sentence_of(change); !sentence.empty()) {
+    steps.say_nothing(sentence, {text});
+  } else if (change.left.empty()) {
+    const std::string words = steps.list_words(list);
+    const bool single = change.searched.size() == 1;
+    // Not said to be nothing: if a step failed, that is told.
+    console.acts().say(single ? said::not_on_list : said::on_neither_list, {change.entry, words},
+                       SentenceTone::neutral);
+  } else {
+    for (const ListTable* left : change.left)
+      steps.say(said::removed, {change.entry, steps.list_words(*left)});
+  }
 }
 
 std::string entry_for(const ListTable& list, std::string_view text) {

@@ -97,6 +97,12 @@ enum class IfMissing : std::uint8_t { act, leave };
 EntryChange remove_entry(DatabaseClient& client, Console& console, const ListTable& list,
                          std::string_view text, IfMissing if_missing = IfMissing::act);
 
+// Say what became of an entry, which is what list pages do. `text` is what was typed.
+void say_addition(const Steps& steps, const ListTable& list, std::string_view text,
+                  const EntryChange& change);
+void say_removal(const Steps& steps, Console& console, const ListTable& list, std::string_view text,
+                 const EntryChange& change);
+
 // The text as add_entry() would store it, if the list takes it.
 std::string entry_for(const ListTable& list, std::string_view text);
 

@@ -15,11 +15,11 @@ namespace zrl {
 // whatever the kind, and hosts show what is not of the kind as it stands.
 enum class ColumnKind : std::uint8_t {
   text,
-  number,   // a whole number of 64 bits
-  time,     // "2026-09-01 08:15:00" or its fourteen digits, in the local time of the machine
-  address,  // an IP address or network, whose characters are best of one width
-  verdict,  // "rejected", "allowed" or "neutral"
-  word,     // an English word of the page's own, for machines; hosts translate it for people
+  number,    // a whole number of 64 bits
+  time,      // "2026-09-01 08:15:00" or its fourteen digits, in the local time of the machine
+  address,   // an IP address or network, whose characters are best of one width
+  verdict,   // "rejected", "allowed" or "neutral"
+  word,      // an English word of the page's own, for machines; hosts translate it for people
   severity,  // "bad", "warning" or "unknown"
   check,     // 1 or 0: done or not
 };

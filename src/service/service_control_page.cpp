@@ -147,7 +147,7 @@ void ServiceControlPage::give_order(std::string_view name, ServiceCall call) {
   const std::string service = settings().product_key();
   order(services_, std::string(name) + " " + service,
         [&](ServiceManager& manager) { (manager.*call)(service); });
-  say(call == &ServiceManager::start ? started : stopped);
+  say(name == "StartService" ? started : stopped);
 }
 
 // Nothing if the service manager did not answer.

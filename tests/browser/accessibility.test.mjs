@@ -97,7 +97,7 @@ test('dialogs, boxes, the search and the drawer', async () => {
   await transfer.waitFor({ state: 'detached' })
   await openPage(page, 'All controls', 'allcontrols')
   await page.keyboard.press('Control+k')
-  await page.getByRole('combobox', { name: 'Search pages and settings' }).fill('list')
+  await page.getByRole('combobox', { name: 'Search pages, settings and entries' }).fill('list')
   await judge('search')
   await page.keyboard.press('Escape')
   await page.getByRole('button', { name: 'Offer a file' }).click()

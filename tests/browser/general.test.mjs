@@ -16,8 +16,7 @@ test('the first start asks for the secret and a good password', async () => {
   await page.getByText('This is not the set-up secret').waitFor()
   await picture(page, 'set-up')
   await setUp(page, console)
-  await page.getByRole('heading', { name: 'General' }).waitFor()
-  await page.getByText('Welcome to Mirvan').waitFor()
+  await page.getByRole('heading', { name: 'Overview' }).waitFor()
 })
 
 test('signing out and in again, with the wrong password first', async () => {
@@ -28,7 +27,7 @@ test('signing out and in again, with the wrong password first', async () => {
   await page.getByText('The account or the password is wrong.').waitFor()
   await picture(page, 'sign-in')
   await signIn(page)
-  await page.getByRole('heading', { name: 'General' }).waitFor()
+  await page.getByRole('heading', { name: 'Overview' }).waitFor()
 })
 
 test('another password is chosen', async () => {
@@ -48,10 +47,11 @@ test('another password is chosen', async () => {
   await page.getByRole('region', { name: 'Notices' }).getByText('The password has been changed').waitFor()
   await page.getByRole('button', { name: 'Sign out' }).click()
   await signIn(page, 'staple battery')
-  await page.getByRole('heading', { name: 'General' }).waitFor()
+  await page.getByRole('heading', { name: 'Overview' }).waitFor()
 })
 
 test('a switch is stored at once, and is there after a reload', async () => {
+  await openPage(page, 'General', 'general')
   const box = page.getByRole('checkbox', { name: 'Require a message identifier' })
   const wasOn = await box.isChecked()
   await page.getByText('Require a message identifier').click()
@@ -74,7 +74,7 @@ test('what another console wrote is there on the next showing', async () => {
 
 test('the activity drawer tells what was written and what failed', async () => {
   await page.getByRole('button', { name: 'Update all lists' }).click()
-  await page.getByText('updateall').first().waitFor()
+  await page.getByText('The lists could not be fetched from the server').first().waitFor()
   await page.getByRole('button', { name: 'Activity' }).click()
   const record = page.getByRole('listbox', { name: 'Activity' })
   await record.getByText('delete entry blackmail').waitFor()

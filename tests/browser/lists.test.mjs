@@ -70,26 +70,30 @@ test('a list goes to the own computer and comes back from there, with counts', a
   await dialog.getByRole('radio', { name: 'Delete' }).click()
   await send('less.txt', 'sent7.example\n')
   await page.getByRole('alertdialog').getByRole('button', { name: 'Delete' }).click()
-  await dialog.getByText('Removed: 1, comments: 0').waitFor()
+  await dialog.getByText('Removed: 1, comments: 0, lines without an entry: 0', { exact: true }).waitFor()
   assert.equal(console.sql("select count(*) from blacklist where entry like 'sent%'"), '1199')
   await page.keyboard.press('Escape')
   await dialog.waitFor({ state: 'detached' })
 })
 
 test('a file that is dropped on a list is imported once somebody has agreed', async () => {
+  // A list takes no file while its dialog is still being closed.
+  await page.locator('#c-domainbw-imexblack[aria-busy="false"]').waitFor()
   await drop(page, '#c-domainbw-List2', 'dropped.txt', 'dropped.example\n')
   const dialog = page.getByRole('dialog', { name: 'Domain Blacklist' })
   await dialog.getByText('Import “dropped.txt” into “Domain Blacklist”?').waitFor()
   await picture(page, 'dropped')
   assert.equal(console.sql("select count(*) from blacklist where entry='dropped.example'"), '0')
   await dialog.getByRole('button', { name: 'Import', exact: true }).click()
-  await dialog.getByText('Added: 1, there already: 0').waitFor()
+  await dialog.getByText('Added: 1, there already: 0, comments: 0, lines without an entry: 0', { exact: true }).waitFor()
   await page.keyboard.press('Escape')
   await dialog.waitFor({ state: 'detached' })
   await page.getByRole('group', { name: 'Black list' }).getByRole('textbox', { name: /^Filter/ }).fill('dropped.example')
   await page.getByRole('option', { name: 'dropped.example' }).waitFor()
 
   // One that nobody agreed to is not asked about again.
+  // A list takes no file while its dialog is still being closed.
+  await page.locator('#c-domainbw-imexblack[aria-busy="false"]').waitFor()
   await drop(page, '#c-domainbw-List2', 'unwanted.txt', 'unwanted.example\n')
   await dialog.getByText('unwanted.txt').waitFor()
   await page.keyboard.press('Escape')
@@ -117,7 +121,7 @@ test('the folders of the console stand behind a button that stays as it was left
   await dialog.getByRole('radio', { name: 'Import' }).click()
   await source.fill(other)
   await dialog.getByRole('button', { name: 'Import', exact: true }).click()
-  await dialog.getByText('Added: 1, there already: 0').waitFor()
+  await dialog.getByText('Added: 1, there already: 0, comments: 0, lines without an entry: 0', { exact: true }).waitFor()
   assert.equal(await source.inputValue(), other)
   await page.keyboard.press('Escape')
   await dialog.waitFor({ state: 'detached' })

@@ -39,6 +39,8 @@ constexpr std::string_view others[] = {
     "a script is still running",
     "regex_match ",
     "create a regular expression",
+    "count the logs",
+    "keep the counts of the logs",
     "no database component",
     // rules that the record quotes
     "a pick-up folder needs a colon",
@@ -69,6 +71,9 @@ constexpr std::string_view others[] = {
     "On Error Resume Next",
     "=0\t\t\t'set return value (always Integer)",
     "220-****",
+    // parts of times and of queries
+    "%Y-%m-%d %H",
+    "00 until:",
     // examples in empty fields
     "v=spf1 a/24 mx/24 ptr ~all",
     "<ep xmlns=",
@@ -128,7 +133,7 @@ bool is_statement(std::string_view text) {
   for (const std::string_view word :
        {"servertime", "mailfrom", "mailto", "IPNumber", " status=", " and ID", " order by ID", "escape '!'",
         " like '%", " as integer) between ", " limit 1 offset ", "||coalesce(", "' and sip='",
-        "' then 1 else 0 end"}) {
+        "' then 1 else 0 end", " WHERE ", " GROUP BY ", "' AND ", " AS "}) {
     if (text.find(word) != text.npos) return true;
   }
   const std::string start = lower(text.substr(0, text.find(' ')));

@@ -21,6 +21,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* manager_name = "org.freedesktop.systemd1";
 constexpr const char* manager_path = "/org/freedesktop/systemd1";
+constexpr const char* unit_path = "/org/freedesktop/systemd1/unit/any";
 
 void require(int result, const char* what) {
   if (result < 0) throw std::runtime_error(std::string(what) + " failed: " + std::to_string(-result));
@@ -93,7 +94,7 @@ void FakeServiceManager::join_bus() {
   const auto answer_call = [](sd_bus_message* call, void* self, sd_bus_error*) {
     return static_cast<FakeServiceManager*>(self)->answer(call);
   };
-  require(sd_bus_add_object(bus_, nullptr, manager_path, answer_call, this), "adding an object");
+  require(sd_bus_add_fallback(bus_, nullptr, manager_path, answer_call, this), "adding objects");
   require(sd_bus_request_name(bus_, manager_name, 0), "taking the manager's name");
 }
 
@@ -185,7 +186,7 @@ int FakeServiceManager::answer(sd_bus_message* call) {
       sd_bus_message_append(reply, "(ss)", ("/lib/systemd/system/" + unit.name).c_str(), "enabled");
     } else {
       sd_bus_message_append(reply, "(ssssssouso)", unit.name.c_str(), "", unit.load.c_str(), unit.active(),
-                            unit.sub(), "", "/unit", unit.changed ? 1U : 0U, "", "/");
+                            unit.sub(), "", unit_path, unit.changed ? 1U : 0U, "", "/");
     }
   }
   sd_bus_message_close_container(reply);

@@ -12,16 +12,19 @@ constexpr std::string_view string_kind = "REG_SZ";
 constexpr std::string_view dword_kind = "REG_DWORD";
 
 // `value` has no type of its own: a REG_SZ is kept as text, a REG_DWORD as a number. The triggers note when a
-// value has become another one, whichever program wrote it.
+// value has become another one, whichever program wrote it. They delete first, because a REPLACE in a trigger
+// follows the conflict clause of the statement that fires it.
 constexpr const char* registry_tables =
     "CREATE TABLE IF NOT EXISTS registry (path TEXT PRIMARY KEY COLLATE NOCASE, kind TEXT, value);"
     "CREATE TABLE IF NOT EXISTS registry_times (path TEXT PRIMARY KEY COLLATE NOCASE, changed INTEGER);"
     "CREATE TRIGGER IF NOT EXISTS registry_added AFTER INSERT ON registry BEGIN"
-    "  REPLACE INTO registry_times (path, changed) VALUES (NEW.path, strftime('%s', 'now'));"
+    "  DELETE FROM registry_times WHERE path=NEW.path;"
+    "  INSERT INTO registry_times (path, changed) VALUES (NEW.path, strftime('%s', 'now'));"
     " END;"
     "CREATE TRIGGER IF NOT EXISTS registry_changed AFTER UPDATE OF value ON registry"
     " WHEN OLD.value IS NOT NEW.value BEGIN"
-    "  REPLACE INTO registry_times (path, changed) VALUES (NEW.path, strftime('%s', 'now'));"
+    "  DELETE FROM registry_times WHERE path=NEW.path;"
+    "  INSERT INTO registry_times (path, changed) VALUES (NEW.path, strftime('%s', 'now'));"
     " END";
 
 class SqliteRegistry : public Registry {

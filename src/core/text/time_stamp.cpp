@@ -75,7 +75,7 @@ std::optional<std::string> typed_time(std::string_view text, bool last) {
   }
   if (!seconds_of_digits(digits)) return {};
   std::string time = digits.substr(0, 4);
-  for (const auto [begin, mark] : {std::pair{4, '-'}, {6, '-'}, {8, ' '}, {10, ':'}, {12, ':'}}) {
+  for (const auto& [begin, mark] : {std::pair{4, '-'}, {6, '-'}, {8, ' '}, {10, ':'}, {12, ':'}}) {
     time += mark;
     time += digits.substr(static_cast<std::size_t>(begin), 2);
   }

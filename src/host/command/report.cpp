@@ -168,8 +168,6 @@ void print_control(std::ostream& out, Control& control, const RowWindows& window
       out << number(Property::value) << " of " << number(Property::min) << " to " << number(Property::max);
       break;
     case ControlKind::chart:
-      out << text(Property::caption);
-      break;
     case ControlKind::frame:
     case ControlKind::label:
       out << text(Property::caption);

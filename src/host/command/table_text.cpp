@@ -22,7 +22,7 @@ std::string time_text(std::string_view cell) {
 }
 
 std::string cell_text(ColumnKind kind, std::string_view cell) {
-  const std::string text = kind == ColumnKind::time ? time_text(cell) : printable(cell);
+  std::string text = kind == ColumnKind::time ? time_text(cell) : printable(cell);
   if (character_count(text) <= widest_cell) return text;
   std::string_view rest = text;
   for (std::size_t i = 0; i + 3 < widest_cell; ++i) take_character(rest);

@@ -65,7 +65,8 @@ std::string DeviceCookies::device_of(std::string_view cookie, std::string_view a
   if (given.size() != mac.size() || ::sodium_memcmp(given.data(), mac.data(), mac.size()) != 0) return {};
   std::int64_t expiry = 0;
   const std::string_view digits = signed_text.substr(id_end + 1);
-  // Nothing but digits: else a part of the account's name could stand here, and the cookie be another account's.
+  // Nothing but digits: else a part of the account's name could stand here, and the cookie be another
+  // account's.
   const char* const digits_end = digits.data() + digits.size();
   if (std::from_chars(digits.data(), digits_end, expiry).ptr != digits_end) return {};
   if (expiry <= seconds_of(now)) return {};

@@ -170,7 +170,11 @@ class HttpServer::Implementation {
 HttpServer::HttpServer(const ServerOptions& options)
     : implementation_(std::make_unique<Implementation>(options)) {}
 
-HttpServer::~HttpServer() = default;
+// Tasks that never ran hold sessions, which end with them and may want to post: there is no loop any more
+// then.
+HttpServer::~HttpServer() {
+  const std::unique_ptr<Implementation> last = std::move(implementation_);
+}
 
 std::uint16_t HttpServer::port() const {
   return implementation_->port();
@@ -201,10 +205,11 @@ void HttpServer::stop() {
 }
 
 void HttpServer::post(std::function<void()> task) {
-  asio::post(implementation_->io(), std::move(task));
+  if (implementation_) asio::post(implementation_->io(), std::move(task));
 }
 
 void HttpServer::after(milliseconds time, std::function<void()> task) {
+  if (!implementation_) return;
   auto timer = std::make_shared<asio::steady_timer>(implementation_->io(), time);
   timer->async_wait([timer, task = std::move(task)](error_code cancelled) {
     if (!cancelled) task();

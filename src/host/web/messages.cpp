@@ -34,15 +34,15 @@ constexpr std::array<std::pair<std::string_view, Type>, 16> types = {{{"open", T
                                                                       {"active", Type::active},
                                                                       {"look", Type::look}}};
 constexpr std::array<std::pair<std::string_view, Act>, 10> acts = {{{"click", Act::click},
-                                                                   {"text", Act::type},
-                                                                   {"choose", Act::choose},
-                                                                   {"scroll", Act::scroll},
-                                                                   {"remove", Act::remove},
-                                                                   {"keys", Act::keys},
-                                                                   {"sort", Act::sort},
-                                                                   {"filter", Act::filter},
-                                                                   {"fetch", Act::fetch},
-                                                                   {"reload", Act::reload}}};
+                                                                    {"text", Act::type},
+                                                                    {"choose", Act::choose},
+                                                                    {"scroll", Act::scroll},
+                                                                    {"remove", Act::remove},
+                                                                    {"keys", Act::keys},
+                                                                    {"sort", Act::sort},
+                                                                    {"filter", Act::filter},
+                                                                    {"fetch", Act::fetch},
+                                                                    {"reload", Act::reload}}};
 constexpr std::array<std::pair<std::string_view, BoxReply>, 3> replies = {
     {{"ok", BoxReply::ok}, {"cancel", BoxReply::cancel}, {"other", BoxReply::other}}};
 

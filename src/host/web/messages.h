@@ -61,8 +61,8 @@ struct BrowserMessage {
   std::string form;
   std::string control;
   std::string page;
-  std::string query;                       // of open
-  std::string text;                        // the language, what was typed, the filter or order, or what is sought
+  std::string query;  // of open
+  std::string text;   // the language, what was typed, the filter or order, or what is sought
   std::optional<EntrySearch::Place> from;  // of find: where it goes on
   ListOrder order = ListOrder::added;
   std::optional<std::uint64_t> sought;     // of rows: the index of a row whose place is asked for,

@@ -5,30 +5,9 @@
 #include <utility>
 
 #include "core/list_catalogue.h"
-#include "core/text/list_entry.h"
-#include "core/text/text.h"
 #include "pages/lists/transfer_dialog.h"
 
 namespace zrl {
-
-namespace {
-
-// What is said of an entry that its list does not take; empty for the others.
-std::string_view sentence_of(const EntryChange& change) {
-  constexpr std::pair<std::string_view, std::string_view> sentences[] = {
-      {not_an_ip_number, said::no_ip_number},
-      {not_a_network, "Nothing stored: %1 is no network"},
-      {no_mail_address, said::address_needs_at},
-      {dotted_extension, "Nothing stored: an extension is listed without its dot"},
-  };
-  if (change.state != EntryChange::State::refused) return {};
-  for (const auto& [reason, sentence] : sentences) {
-    if (reason == change.reason) return sentence;
-  }
-  return {};
-}
-
-}  // namespace
 
 void ListPage::bind_lists(TextField& entry, Place place,
                           std::initializer_list<std::reference_wrapper<const List>> lists) {
@@ -80,29 +59,13 @@ void ListPage::tell_proxy(const List& list) {
 
 EntryChange ListPage::add_to(const List& list, std::string_view text) {
   EntryChange change = add_entry(*this, console(), list.table, text);
-  if (trim(text).empty()) {
-    say_nothing(said::no_entry_to_add);
-  } else if (const std::string_view sentence = sentence_of(change); !sentence.empty()) {
-    say_nothing(sentence, {text});
-  } else {
-    say_added(change.entry, list.table, change.done());
-  }
+  say_addition(*this, list.table, text, change);
   return change;
 }
 
 EntryChange ListPage::remove_from(const List& list, std::string_view text) {
   EntryChange change = remove_entry(*this, console(), list.table, text);
-  if (trim(text).empty()) {
-    say_nothing(said::no_entry_to_remove);
-  } else if (const std::string_view sentence = sentence_of(change); !sentence.empty()) {
-    say_nothing(sentence, {text});
-  } else if (change.left.empty()) {
-    const bool single = change.searched.size() == 1;
-    console().acts().say(single ? said::not_on_list : said::on_neither_list,
-                         {change.entry, list_words(list.table)}, SentenceTone::neutral);
-  } else {
-    for (const ListTable* left : change.left) say(said::removed, {change.entry, list_words(*left)});
-  }
+  say_removal(*this, console(), list.table, text, change);
   return change;
 }
 

@@ -19,7 +19,8 @@ namespace zrl {
 namespace {
 
 constexpr std::string_view periods[] = {"hour", "day", "week", "month", "all"};
-constexpr std::int64_t lengths[] = {3600, 86'400, 7 * 86'400, 30 * 86'400};
+constexpr std::int64_t day_length = 86'400;
+constexpr std::int64_t lengths[] = {3600, day_length, 7 * day_length, 30 * day_length};
 constexpr std::string_view verdicts[] = {"all", "rejected", "allowed", "neutral"};
 constexpr int stati[] = {-1, 2, 1, 0};
 // Of the other rows, and of the mail.
@@ -29,6 +30,11 @@ constexpr std::uint64_t most_related = 50;
 std::int64_t seconds_now(Console& console) {
   return std::chrono::duration_cast<std::chrono::seconds>(console.now().time_since_epoch()).count();
 }
+
+constexpr Sentence marked_neutral{"%1 addresses taken off the lists and marked neutral",
+                                  "Addresses not marked neutral",
+                                  "1 address taken off the lists and marked neutral"};
+constexpr Sentence rows_exported{"Rows exported to %1", "Rows not exported"};
 
 // RFC 8259; `text` is well-formed UTF-8.
 void append_json(std::string& line, std::string_view text) {
@@ -252,6 +258,7 @@ void MessagesPage::change_lists(const ListTable& list, const StringList& entries
   if (entries.empty()) refused = translate("The chosen rows have nothing that could be put on this list.");
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const EntryChange change = add_entry(*this, console(), list, entries[i]);
+    say_addition(*this, list, entries[i], change);
     if (change.state != EntryChange::State::refused || refused.size() > 1000) continue;
     refused += (refused.empty() ? "" : "\n") + std::string(entries[i]) + ": " + translate(change.reason);
   }
@@ -267,6 +274,7 @@ void MessagesPage::mark_neutral() {
     execute("UPDATE iplog set status=0 where IPNumber='" + value(address) + "'");
     execute("UPDATE predatalog set status=0 where IPNumber='" + value(address) + "'");
   }
+  say_counted(marked_neutral, addresses.size());
   rows.reload();
   show_chosen();
 }
@@ -277,6 +285,7 @@ void MessagesPage::delete_chosen() {
     if (key.log == nullptr) continue;
     execute("DELETE FROM " + key.log->table + " where ID=" + number(std::to_string(key.id)));
   }
+  say_counted(said::log_rows, rows.chosen().size());
   rows.reload();
   show_chosen();
 }
@@ -327,6 +336,7 @@ void MessagesPage::export_rows(Format format) {
     file.close();
     if (!file) throw Error(error_number::invalid_call, "The file could not be written");
   });
+  say(rows_exported, {name});
   if (written) console().host().offer_file(path);
 }
 

@@ -279,24 +279,23 @@ void LogCounts::keep(const TimeUnit& unit, const Counted& counted) {
                        "', '" + value(kind) + "', '" + value(name) + "', " + number(std::to_string(amount)) +
                        ")");
   };
-  const bool written =
-      claimed && write([&](Connection& connection) {
-        connection.execute("DELETE FROM log_counts WHERE unit='" + value(unit.name) + "'");
-        for (std::size_t i = 0; i < verdict_count; ++i) {
-          add(connection, verdict_kind, std::to_string(i), counted.totals.verdicts[i]);
-        }
-        for (const Kind& kind : kinds) {
-          for (const auto& [name, amount] : counted.totals.*kind.counts) {
-            add(connection, kind.name, encoded(name), amount);
-          }
-        }
-        for (std::size_t i = 0; i < log_count; ++i) {
-          connection.execute("UPDATE log_units SET amount=" + number(std::to_string(counted.rows[i])) +
-                             " WHERE unit='" + value(unit.name) + "' AND log='" +
-                             value(logs[i].table.text()) + "'");
-        }
-      });
-  if (!written) held_.insert_or_assign(unit.name, counted.totals);
+  const auto keep = [&](Connection& connection) {
+    connection.execute("DELETE FROM log_counts WHERE unit='" + value(unit.name) + "'");
+    for (std::size_t i = 0; i < verdict_count; ++i) {
+      add(connection, verdict_kind, std::to_string(i), counted.totals.verdicts[i]);
+    }
+    for (const Kind& kind : kinds) {
+      for (const auto& [name, amount] : counted.totals.*kind.counts) {
+        add(connection, kind.name, encoded(name), amount);
+      }
+    }
+    for (std::size_t i = 0; i < log_count; ++i) {
+      connection.execute("UPDATE log_units SET amount=" + number(std::to_string(counted.rows[i])) +
+                         " WHERE unit='" + value(unit.name) + "' AND log='" + value(logs[i].table.text()) +
+                         "'");
+    }
+  };
+  if (!claimed || !write(keep)) held_.insert_or_assign(unit.name, counted.totals);
 }
 
 // Nothing asks any more for hours before yesterday, and for days before the month.

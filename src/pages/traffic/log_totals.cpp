@@ -69,8 +69,8 @@ std::vector<TimeUnit> last_days(std::int64_t now, int days) {
   const std::size_t place = units.size();
   const std::string date = written(today, "%Y-%m-%d ");
   for (int hour = 0; hour <= today.tm_hour; ++hour) {
-    const std::string digits = std::to_string(hour);
-    TimeUnit unit = hour_unit(date + (hour < 10 ? "0" + digits : digits), place, hour < today.tm_hour);
+    const std::string start = date + (hour < 10 ? "0" : "");
+    TimeUnit unit = hour_unit(start + std::to_string(hour), place, hour < today.tm_hour);
     unit.label = date.substr(0, date.size() - 1);
     units.push_back(std::move(unit));
   }

@@ -230,7 +230,9 @@ void LookupPage::add_subject() {
   const auto note = typed_note();
   if (!note) return;
   if (known == nullptr) return complain("Not added: %1", "there is no list of this name");
-  const EntryChange change = add_entry(*this, console(), known->table, subject_of(what.text()).text);
+  const std::string text(subject_of(what.text()).text);
+  const EntryChange change = add_entry(*this, console(), known->table, text);
+  say_addition(*this, known->table, text, change);
   if (!change.done()) return complain("Not added: %1", change.reason);
   // A note that was left behind by an entry that went elsewhere is none of this one's.
   if (change.state == EntryChange::State::added || !note->empty())
@@ -243,6 +245,7 @@ void LookupPage::remove_targets() {
   if (chosen.empty()) return complain("Not removed: %1", "there is no list of this name");
   for (const Target& one : chosen) {
     const EntryChange change = remove_entry(*this, console(), one.list->table, one.entry, IfMissing::leave);
+    say_removal(*this, console(), one.list->table, one.entry, change);
     if (change.state == EntryChange::State::refused) return complain("Not removed: %1", change.reason);
     if (!change.done()) return complain("Not removed: %1", "it is not on this list");
     if (!note_of(*this, one.list->table, one.entry).empty())

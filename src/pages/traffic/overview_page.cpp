@@ -40,8 +40,6 @@ std::string local_minute(std::int64_t seconds) {
 }  // namespace
 
 OverviewPage::OverviewPage(Console& console) : Page(console, "overview", "Overview") {
-  period.set_items({"day", "week", "month"});
-  period.set_text("day");
   period.on_click = [this] { count(); };
   mails.on_click = [this] { open_mark(); };
   Timer1.on_tick = [this] { refresh(); };
@@ -55,6 +53,8 @@ OverviewPage::OverviewPage(Console& console) : Page(console, "overview", "Overvi
 }
 
 void OverviewPage::load() {
+  for (const PeriodWord& one : periods) period.add_item(one.item);
+  period.set_text(periods[0].item);
   attention_.show_again();
   checked_ = {};
   count();
@@ -98,6 +98,7 @@ void OverviewPage::count() {
 void OverviewPage::show_mails(LogCounts::Result result) {
   const auto values = [&](LogVerdict verdict) {
     std::vector<std::int64_t> numbers;
+    numbers.reserve(result.verdicts.size());
     for (const auto& label : result.verdicts) numbers.push_back(label[static_cast<std::size_t>(verdict)]);
     return numbers;
   };

@@ -58,7 +58,7 @@ TEST_F(SchemaTest, TheFirstDatabasesAreBroughtUpToDate) {
 // As if the text had had no such table when the file was last opened.
 TEST_F(SchemaTest, WhatJoinedTheTextSinceReachesTheFile) {
   other.run(
-      "DROP TABLE swords; DROP INDEX words_entry; ALTER TABLE avlog DROP COLUMN reason; "
+      "DROP TABLE swords; DROP INDEX words_entry; ALTER TABLE avlog DROP COLUMN mailto; "
       "PRAGMA user_version=2000000000");
   conn = database->open_database("sqlite:zrl.db");
   OtherProgram model(path("model.db"));

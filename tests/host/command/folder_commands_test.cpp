@@ -1,4 +1,5 @@
 #include <fstream>
+#include <map>
 
 #include "command_fixture.h"
 #include "core/text/files.h"
@@ -70,9 +71,12 @@ TEST_F(CommandTest, PagesAreListed) {
   EXPECT_THAT(out, HasSubstr("general\tSettings\tGeneral\n"));
   EXPECT_EQ(run({"pages", "--json"}), 0);
   const boost::json::value listed = boost::json::parse(out);
-  EXPECT_EQ(listed.at(0).at("name").as_string(), "general");
-  EXPECT_EQ(listed.at(0).at("destroys"), boost::json::array());
-  EXPECT_EQ(listed.at(3).at("destroys"), boost::json::array{"deletea"});
+  std::map<std::string_view, const boost::json::value*> destroys;
+  for (const boost::json::value& page : listed.as_array())
+    destroys[page.at("name").as_string()] = &page.at("destroys");
+  EXPECT_EQ(listed.at(0).at("name"), "overview");
+  EXPECT_EQ(*destroys.at("general"), boost::json::array());
+  EXPECT_EQ(*destroys.at("pop_config"), boost::json::array{"deletea"});
   EXPECT_FALSE(std::filesystem::exists(folder.path() / "console"));  // looking makes nothing
 }
 

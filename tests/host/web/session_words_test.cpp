@@ -28,7 +28,6 @@ class SessionWordsTest : public testing::Test {
       session.send(asked);
       const json::object answer = session.receive("entries");
       EXPECT_EQ(answer.at("request"), 7);
-      EXPECT_EQ(std::string_view(answer.at("text").as_string()), text);
       for (const json::value& hit : answer.at("hits").as_array()) hits.push_back(hit);
       if (answer.at("next").is_null()) return hits;
       asked["from"] = answer.at("next");

@@ -63,7 +63,8 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
   })
   const transferring = transferrer?.waiting.value ?? 0
   useEffect(() => {
-    if (transferring === 0) droppedFile.value = null
+    // Where the click has opened the dialog, the dialog takes the file.
+    if (transferring === 0 && session.dialogs.peek().length === 0) droppedFile.value = null
   }, [transferring])
 
   const place = placeKey(control)
