@@ -17,8 +17,7 @@ test('a new entry is brought into view and marked, also under a filter and in an
   await page.getByLabel('Domain', { exact: true }).fill(' Newcomer.example ')
   await black.getByRole('button', { name: 'Add' }).click()
   const added = black.locator('.list-row.added')
-  await added.waitFor()
-  assert.match(await added.textContent(), /newcomer\.example/i)
+  await added.getByText(/newcomer\.example/i).waitFor()
   assert.ok(await added.evaluate(row => row.getBoundingClientRect().bottom <= row.closest('.list-rows').getBoundingClientRect().bottom + 1))
   await picture(page, 'added')
 
