@@ -127,7 +127,7 @@ test('an error is marked in its line, listed, and jumped to', async () => {
   const entry = button('broken, line 3, column 3 Division by zero')
   await entry.waitFor()
   assert.match(await page.locator('.cm-marked-line').textContent(), /broken - 1/)
-  await page.getByRole('alert').or(page.getByText('Failed: Run broken')).first().waitFor()
+  await page.getByText('A step of it failed: broken(3, 3): Division by zero').first().waitFor()
   await editor().click()
   await page.keyboard.press('Control+Home')
   await page.keyboard.type('\n\n')
