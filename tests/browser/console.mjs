@@ -15,6 +15,8 @@ const { chromium } = createRequire(fromWeb)('playwright-core')
 /** A program of the build's tests. The variable names another build folder, such as one with sanitizers. */
 export const built = name => join(top, process.env.ZRL_BUILD ?? 'build/release', 'tests', name)
 const program = built('zrlconsole_with_test_page')
+/** How long anything may take, in milliseconds: no measure, but the end of waiting for what will not come, on any machine. */
+const patience = 60_000
 const pictures = join(top, 'build/screenshots')
 
 export const account = 'admin'
@@ -89,7 +91,7 @@ export class Console {
   /** Asks until the database answers as expected, because the browser does not wait for it. */
   async becomes(statement, expected, database = 'proxy.db') {
     let found
-    for (let i = 0; i < 100; ++i) {
+    for (const end = Date.now() + patience; Date.now() < end; ) {
       found = this.sql(statement, database)
       if (found === expected) return
       await new Promise(resolve => setTimeout(resolve, 50))
@@ -129,7 +131,7 @@ export class Browser {
       ...options,
     })
     const page = await context.newPage()
-    page.setDefaultTimeout(10_000)
+    page.setDefaultTimeout(patience)
     page.on('console', message => {
       if (message.type() !== 'warning' && message.type() !== 'error') return
       if (!this.expected.some(text => message.text().includes(text))) this.problems.push(message.text())

@@ -104,7 +104,7 @@ test('a mail is read, exported, and answered to a mail server', async t => {
   assert.equal(await composer.getByLabel('Subject', { exact: true }).inputValue(), 'Re: Grüße')
   await composer.getByLabel('Sender', { exact: true }).fill('admin@here.example')
   await composer.getByRole('button', { name: 'Send', exact: true }).click()
-  for (let i = 0; i < 100 && !existsSync(mails); ++i) await page.waitForTimeout(50)
+  for (let i = 0; i < 1200 && !existsSync(mails); ++i) await page.waitForTimeout(50)
   assert.match(readFileSync(mails, 'utf8'), /ann@spam\.example/)
   await composer.getByRole('button', { name: 'Cancel' }).click()
 })

@@ -24,7 +24,7 @@ const loaded = chunk =>
 /** What the row holds, in 16-bit characters. */
 const stored = name => Buffer.from(console.sql(`select hex(scriptcontent) from scriptengine where scriptname='${name}'`), 'hex').toString('utf16le')
 const becomes = async (name, text) => {
-  for (let i = 0; i < 100 && stored(name) !== text; ++i) await page.waitForTimeout(50)
+  for (let i = 0; i < 1200 && stored(name) !== text; ++i) await page.waitForTimeout(50)
   assert.equal(stored(name), text)
 }
 const focused = () => page.evaluate(() => document.activeElement.closest('[data-control]')?.dataset.control)

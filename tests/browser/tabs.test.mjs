@@ -87,6 +87,26 @@ test('a lost line loses nothing that was typed, before it or meanwhile', async (
   browser.expected.pop()
 })
 
+test('an address that is entered while a page arrives is followed', async () => {
+  const tab = await page.context().newPage()
+  await tab.addInitScript(() => {
+    const { set } = Object.getOwnPropertyDescriptor(WebSocket.prototype, 'onmessage')
+    let entered = false
+    const before = deliver => event => {
+      if (!entered && event.data.includes('"type":"form"')) {
+        entered = true
+        location.hash = '#/strings'
+      }
+      deliver(event)
+    }
+    Object.defineProperty(WebSocket.prototype, 'onmessage', { set(deliver) { set.call(this, before(deliver)) } })
+  })
+  await tab.goto(`${console.address}#/domainbw`)
+  await field(tab, 'strings', 'bye').waitFor()
+  assert.equal(new URL(tab.url()).hash, '#/strings')
+  await tab.close()
+})
+
 test('two people in five tabs lose nothing of each other', async () => {
   const theirs = await browser.open(console)
   await signIn(theirs)

@@ -207,7 +207,7 @@ export function ComboBox({ control }: { control: ControlModel }) {
                   text={cache.row(position)}
                   selected={position === shown.index}
                   active={position === active}
-                  onChoose={() => choose(position)}
+                  choosing={{ onClick: () => choose(position) }}
                 />
               )}
             />

@@ -10,7 +10,7 @@ import { RowSelection } from '../model/selection'
 import { viewText } from '../parts/text-viewer'
 import { droppedFile, session } from '../state/app-state'
 import { Field, nameOf, naming } from './field'
-import { keyTarget, Row } from './list-row'
+import { choosingByPress, keyTarget, Row } from './list-row'
 import { FilterField, placeKey, restoreView } from './list-tools'
 import { SelectionBar } from './selection-bar'
 import { StaleNote } from './stale-note'
@@ -232,7 +232,7 @@ export function ListBox({ control, bar, tool }: ListBoxProps) {
                 restored={position === selected && restored}
                 added={added !== null && cache.indexAt(position) === added.index}
                 ticks={several}
-                onChoose={event => onRowClick(event, position)}
+                choosing={choosingByPress(event => onRowClick(event, position))}
               />
             )}
           />

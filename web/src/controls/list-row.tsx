@@ -18,10 +18,25 @@ interface RowProps {
   added?: boolean
   /** Shows a box that is ticked while the row is selected. */
   ticks?: boolean
-  onChoose: (event: MouseEvent) => void
+  /** What chooses the row. */
+  choosing: { onClick: (event: MouseEvent) => void; onMouseDown?: (event: MouseEvent) => void }
 }
 
-export function Row({ id, position, count, text, selected, active, restored, added, ticks, onChoose }: RowProps) {
+/** The press chooses a row, as in the system's own lists: rows are drawn anew while a list scrolls, and the browser drops a click whose row
+ *  went between the press and the release. Assistive technology clicks without pressing. */
+export const choosingByPress = (choose: (event: MouseEvent) => void): Required<RowProps['choosing']> => ({
+  onMouseDown: event => {
+    if (event.button !== 0) return
+    // Else the browser would mark the text in between.
+    if (event.shiftKey) event.preventDefault()
+    choose(event)
+  },
+  onClick: event => {
+    if (event.detail === 0) choose(event)
+  },
+})
+
+export function Row({ id, position, count, text, selected, active, restored, added, ticks, choosing }: RowProps) {
   const shown = text === undefined ? '' : visibleText(text)
   return (
     <div
@@ -36,7 +51,7 @@ export function Row({ id, position, count, text, selected, active, restored, add
         if (!inner) return
         event.currentTarget.title = inner.scrollWidth > inner.clientWidth ? visibleText(text ?? '', longestTitle) : ''
       }}
-      onClick={onChoose}
+      {...choosing}
     >
       {ticks && <span class="row-tick" aria-hidden="true" />}
       {text === undefined ? (

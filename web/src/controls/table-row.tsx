@@ -3,6 +3,7 @@ import { addressOf } from '../model/address'
 import { visibleText } from '../model/visible-text'
 import { Icon } from '../parts/icon'
 import type { Cell, Column, TableRow } from '../wire/protocol'
+import { choosingByPress } from './list-row'
 
 const longestCell = 300
 const longestTitle = 3000
@@ -131,10 +132,10 @@ export function TableLine({ id, position, height, columns, template, cards, row,
       aria-selected={chosen}
       class={`table-line${cards ? ' card' : ''}${active ? ' active' : ''}`}
       style={cards ? { height: `${height}px` } : { height: `${height}px`, gridTemplateColumns: template }}
-      onClick={event => {
+      {...choosingByPress(event => {
         // A link is followed; the row stays as it is.
         if (!(event.target instanceof Element && event.target.closest('a'))) onChoose(event)
-      }}
+      })}
     >
       {cards ? (
         <>

@@ -5,6 +5,14 @@ import { connection, session } from '../state/app-state'
 const named = (): Address => parseAddress(location.hash)
 const same = (one: Address, other: Address | undefined): boolean => one.page === other?.page && one.query === other.query
 
+/** The address as it was when it was last read or written here. Any other one is news that `hashchange` has yet to bring. */
+let known = location.hash
+
+function write(change: 'pushState' | 'replaceState', address: string): void {
+  history[change](null, '', address)
+  known = location.hash
+}
+
 export function goTo(page: string, query = ''): void {
   if (same(named(), { page, query })) follow()
   else location.hash = addressOf(page, query)
@@ -20,6 +28,7 @@ function shownAddress(): Address | undefined {
 
 /** The address has changed: the page that it names is opened, unless something must be answered first. */
 function follow(): void {
+  known = location.hash
   const hello = session.hello.peek()
   if (!hello) return
   const wanted = named()
@@ -34,7 +43,7 @@ function restore(): void {
   const page = session.page.peek()
   if (!page) return
   const shown = { page: page.name, query: page.query.peek() }
-  if (!same(named(), shown)) history.replaceState(null, '', addressOf(shown.page, shown.query))
+  if (!same(named(), shown)) write('replaceState', addressOf(shown.page, shown.query))
 }
 
 /** The page shows something else than before: the address names it, and going back leads to what was there. */
@@ -42,7 +51,7 @@ function keepUp(): void {
   const page = session.page.peek()
   if (!page) return
   const { page: name, query } = named()
-  if (name === page.name && query !== page.query.peek()) history.pushState(null, '', addressOf(page.name, page.query.peek()))
+  if (name === page.name && query !== page.query.peek()) write('pushState', addressOf(page.name, page.query.peek()))
   else restore()
 }
 
@@ -54,7 +63,8 @@ export function startRouter(): void {
     const page = session.page.value
     const opening = session.opening.value
     void page?.query.value
-    if (page && opening === null && !page.closed.value) untracked(page === last ? keepUp : restore)
+    const told = location.hash === known
+    if (page && opening === null && !page.closed.value && told) untracked(page === last ? keepUp : restore)
     if (opening === null) last = page
   })
   // The first greeting decides: an address that names a page wins over the page that the session left open.
