@@ -16,14 +16,21 @@ withConsole({ sample: true, signedIn: false, expected: ['status of 401'] }, star
   pages = JSON.parse(console.run('pages', '--json'))
 })
 
+const everything = ['wcag2a', 'wcag2aa', 'wcag21a', 'wcag21aa', 'wcag22aa', 'best-practice']
+/** What another scheme, and another language, can break in a page that is right otherwise. */
+const ofColours = ['color-contrast', 'link-in-text-block']
+const ofWords = [
+  'aria-command-name', 'aria-dialog-name', 'aria-input-field-name', 'aria-meter-name', 'aria-progressbar-name', 'aria-toggle-field-name',
+  'button-name', 'document-title', 'empty-heading', 'empty-table-header', 'html-has-lang', 'html-lang-valid', 'image-alt', 'input-button-name',
+  'label', 'label-title-only', 'link-name', 'region', 'select-name', 'summary-name', 'valid-lang',
+]
+
 /** Fails on any finding on what is on view. */
-async function judge(name) {
+async function judge(name, rules = everything) {
   await page.waitForFunction(() => document.querySelector('.row-waiting') === null)
   // Evaluated by the debugger, which the content security policy does not concern.
-  await page.evaluate(axe)
-  const { violations } = await page.evaluate(() =>
-    axe.run(document, { runOnly: ['wcag2a', 'wcag2aa', 'wcag21a', 'wcag21aa', 'wcag22aa', 'best-practice'] }),
-  )
+  if (!(await page.evaluate(() => 'axe' in window))) await page.evaluate(axe)
+  const { violations } = await page.evaluate(runOnly => axe.run(document, { runOnly, resultTypes: ['violations'] }), rules)
   const found = violations.map(({ id, nodes }) => `${id}: ${nodes.map(node => node.html.slice(0, 160)).join('\n    ')}`)
   assert.deepEqual(found, [], name)
 }
@@ -61,7 +68,7 @@ test('every page', async () => {
   await inBothSchemes(async scheme => {
     for (const { name, title } of pages) {
       await openPage(page, title, name)
-      await judge(`${name}, ${scheme}`)
+      await judge(`${name}, ${scheme}`, scheme === 'light' ? everything : ofColours)
     }
   })
 })
@@ -116,6 +123,6 @@ test('every page in German', async () => {
   for (const { name } of pages) {
     await page.goto(`${console.address}#/${name}`)
     await page.locator(`main [data-control^="c-${name}-"]`).first().waitFor()
-    await judge(`${name} in German`)
+    await judge(`${name} in German`, ofWords)
   }
 })
