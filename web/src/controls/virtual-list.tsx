@@ -33,6 +33,7 @@ interface Props {
 const overscan = 6
 const settlingTime = 150
 const keepingTime = 300
+const mostFrames = 30
 
 /** Draws only the rows that are on view, for any number of rows. */
 export function VirtualList({ count, rowHeight, row, onRange, handle, place, head, headHeight = 0, ...attributes }: Props) {
@@ -41,6 +42,8 @@ export function VirtualList({ count, rowHeight, row, onRange, handle, place, hea
   const settling = useRef<ReturnType<typeof setTimeout> | undefined>(undefined)
   const [, redraw] = useReducer<number, void>(n => n + 1, 0)
   const [viewHeight, setViewHeight] = useState(0)
+  // Where the view has to stand, until it does; -1 otherwise.
+  const target = useRef(-1)
   // A row that was to be revealed before the height of the view was known.
   const waiting = useRef(-1)
   const returned = useRef(false)
@@ -54,10 +57,21 @@ export function VirtualList({ count, rowHeight, row, onRange, handle, place, hea
   }
   map.configure(count, rowHeight, viewHeight)
 
+  // A busy browser may lay a list that has just become longer out some frames later, even where it is asked to at once, and does not scroll
+  // beyond the end that the list had before.
+  const stand = (frames: number): void => {
+    const scrolled = element.current
+    if (!scrolled || target.current < 0) return
+    scrolled.scrollTop = target.current
+    const reached = Math.abs(scrolled.scrollTop - target.current) < 1 || scrolled.scrollHeight + 1 >= map.contentHeight
+    if (reached || frames === 0) target.current = -1
+    else requestAnimationFrame(() => stand(frames - 1))
+  }
   const moveTo = (top: number): void => {
     const scrolled = element.current
     if (!scrolled) return
-    scrolled.scrollTop = map.moveTo(top)
+    target.current = map.moveTo(top)
+    stand(mostFrames)
     redraw()
   }
 
@@ -107,7 +121,7 @@ export function VirtualList({ count, rowHeight, row, onRange, handle, place, hea
 
   const onScroll = (): void => {
     const scrolled = element.current
-    if (!scrolled) return
+    if (!scrolled || target.current >= 0) return
     map.onScroll(scrolled.scrollTop)
     redraw()
     keepPlace()
