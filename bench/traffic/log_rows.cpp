@@ -15,9 +15,12 @@ struct Log {
   int last;
 };
 
-// h and g are numbers that look random; few addresses and domains have most of the rows.
-constexpr const char* address = "'10.'||(h%997*(h%997)/24850)||'.'||(h/997%256)||'.'||(g%256)";
-constexpr const char* sender = "'user'||(g%5000)||'@'||(h%809*(h%809)/13)||'.example'";
+// h and g are numbers that look random; few addresses and domains have most of the rows, and one sender many.
+constexpr const char* address =
+    "CASE WHEN h%60=0 THEN '10.99.9.9' ELSE '10.'||(h%997*(h%997)/24850)||'.'||(h/997%256)||'.'||(g%256) END";
+constexpr const char* sender =
+    "CASE WHEN h%60=0 THEN 'news@letters.example' ELSE 'user'||(g%5000)||'@'||(h%809*(h%809)/13)||'.example' "
+    "END";
 constexpr const char* recipient = "'person'||(g%300)||'@mirvan.example'";
 constexpr const char* reason = "'554 5.1.0 rejected - for the reason '||(h%97*(h%97)/250)";
 

@@ -16,6 +16,7 @@ Installed& busy_console();
 void fill_logs(const Installed& installed, int rows, int last_day);
 
 void add_overview(Suite& suite);
+void add_messages(Suite& suite);
 void add_insertions(Suite& suite);
 
 }  // namespace zrl::bench

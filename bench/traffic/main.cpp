@@ -8,5 +8,6 @@ int main(int argc, char** argv) {
   zrl::bench::Suite suite;
   zrl::bench::add_insertions(suite);
   zrl::bench::add_overview(suite);
+  zrl::bench::add_messages(suite);
   return suite.run(3) ? 0 : 1;
 }
