@@ -25,29 +25,9 @@ constexpr std::uint64_t exported_at_once = 1000;
 // A statement has room for so many values of the filter beside those of period, status and place.
 constexpr std::size_t most_values = 9;
 
-constexpr MessageLog logs[message_log_count] = {
-    {'c', "connection", "iplog",
-     "select ID, servertime, status, substr(IPNumber,1,4096) as IPNumber, '' as mailfrom, '' as mailto, "
-     "'' as reason from iplog",
-     "", true, false, false},
-    {'h', "header", "predatalog",
-     "select ID, servertime, status, substr(IPNumber,1,4096) as IPNumber, substr(mailfrom,1,4096) as "
-     "mailfrom, "
-     "'' as mailto, substr(reason,1,4096) as reason from predatalog",
-     "reason", true, true, false},
-    {'s', "subject", "subjectlog",
-     "select ID, servertime, 2 as status, substr(IPNumber,1,4096) as IPNumber, substr(mailfrom,1,4096) as "
-     "mailfrom, substr(mailto,1,4096) as mailto, substr(keyword,1,4096) as reason from subjectlog",
-     "keyword", false, true, true},
-    {'b', "body", "bodylog",
-     "select ID, servertime, 2 as status, substr(IPNumber,1,4096) as IPNumber, substr(mailfrom,1,4096) as "
-     "mailfrom, substr(mailto,1,4096) as mailto, substr(keyword,1,4096) as reason from bodylog",
-     "keyword", false, true, true},
-    {'a', "attachment", "avlog",
-     "select ID, servertime, 2 as status, substr(IPNumber,1,4096) as IPNumber, substr(mailfrom,1,4096) as "
-     "mailfrom, substr(mailto,1,4096) as mailto, substr(reason,1,4096) as reason from avlog",
-     "reason", false, true, true},
-};
+char letter_of(const LogTable& log) {
+  return log.kind.front();
+}
 
 void replace(std::string& text, std::string_view mark, std::string_view by) {
   if (const std::size_t place = text.find(mark); place != text.npos) text.replace(place, mark.size(), by);
@@ -102,27 +82,18 @@ std::optional<Network> parse_network(std::string_view text) {
 
 }  // namespace
 
-const MessageLog& message_log(std::size_t index) {
-  return logs[index];
-}
-
 MessageKey message_key(std::string_view key) {
   if (key.empty()) return {};
   const auto id = to_number(key.substr(1));
-  const auto log = std::ranges::find(logs, key.front(), &MessageLog::letter);
-  if (!id || log == std::end(logs)) return {};
+  const auto log = std::ranges::find(log_tables, key.front(), letter_of);
+  if (!id || log == std::end(log_tables)) return {};
   return {log, *id};
-}
-
-std::string_view verdict_of(std::int64_t status) {
-  if (status == 2) return "rejected";
-  return status == 1 ? "allowed" : "neutral";
 }
 
 // The rows of one log on their way; those without a time are a stream of their own, because no comparison
 // finds them.
 struct MessageRows::Stream {
-  const MessageLog* log = nullptr;
+  const LogTable* log = nullptr;
   std::uint32_t rank = 0;
   bool timeless = false;
   bool over = false;   // there are no more rows behind `searched`
@@ -197,8 +168,8 @@ class MessageRows::Instead {
   Wanted& wanted_;
 };
 
-void MessageRows::could_not_read(const MessageLog& log) {
-  wanted_.unreadable.insert(log.letter);
+void MessageRows::could_not_read(const LogTable& log) {
+  wanted_.unreadable.insert(letter_of(log));
   const ActivityRecord& record = console_.activity();
   std::string text = console_.localisation().translate("The log %1 could not be read: %2");
   replace(text, "%1", log.table.text());
@@ -206,7 +177,7 @@ void MessageRows::could_not_read(const MessageLog& log) {
   set_problem(text);
 }
 
-bool MessageRows::add_terms(const MessageLog& log, Statement& where) const {
+bool MessageRows::add_terms(const LogTable& log, Statement& where) const {
   for (const FilterTerm& term : wanted_.terms) {
     const std::string pattern = like_pattern(term.value);
     if (term.field == "from") {
@@ -247,9 +218,9 @@ bool MessageRows::add_terms(const MessageLog& log, Statement& where) const {
       where.append(number(std::to_string(network->low))).append(" and ");
       where.append(number(std::to_string(network->high)));
     } else if (term.field == "reason") {
-      if (log.what.empty()) return false;
+      if (log.reason.empty()) return false;
       where.append(" and ")
-          .append(log.what)
+          .append(log.reason)
           .append(" like '%")
           .append(value(pattern))
           .append("%' escape '!'");
@@ -257,7 +228,7 @@ bool MessageRows::add_terms(const MessageLog& log, Statement& where) const {
       where.append(" and (coalesce(IPNumber,'')");
       if (log.has_sender) where.append("||' '||coalesce(mailfrom,'')");
       if (log.has_recipient) where.append("||' '||coalesce(mailto,'')");
-      if (!log.what.empty()) where.append("||' '||coalesce(").append(log.what).append(",'')");
+      if (!log.reason.empty()) where.append("||' '||coalesce(").append(log.reason).append(",'')");
       where.append(") like '%").append(value(pattern)).append("%' escape '!'");
     }
   }
@@ -265,7 +236,7 @@ bool MessageRows::add_terms(const MessageLog& log, Statement& where) const {
 }
 
 bool MessageRows::may_have_rows(const Stream& stream) const {
-  const MessageLog& log = *stream.log;
+  const LogTable& log = *stream.log;
   if (stream.timeless && !(wanted_.choice.since.empty() && wanted_.choice.until.empty())) return false;
   if (wanted_.choice.status >= 0 && !log.has_status && wanted_.choice.status != 2) return false;
   Statement unused;
@@ -273,7 +244,7 @@ bool MessageRows::may_have_rows(const Stream& stream) const {
 }
 
 void MessageRows::add_condition(const Stream& stream, Statement& where) const {
-  const MessageLog& log = *stream.log;
+  const LogTable& log = *stream.log;
   where.append(stream.timeless ? Literal(" where servertime is null")
                                : Literal(" where servertime is not null"));
   if (!wanted_.choice.since.empty())
@@ -315,12 +286,12 @@ void MessageRows::add_behind(const Stream& stream, const Place& behind, Statemen
 std::vector<MessageRows::Stream> MessageRows::streams() const {
   std::vector<Stream> found;
   for (const bool timeless : {false, true}) {
-    for (std::size_t i = 0; i < message_log_count; ++i) {
+    for (std::size_t i = 0; i < log_count; ++i) {
       if (wanted_.choice.log >= 0 && wanted_.choice.log != static_cast<int>(i)) continue;
-      if (wanted_.unreadable.contains(logs[i].letter)) continue;
+      if (wanted_.unreadable.contains(letter_of(log_tables[i]))) continue;
       Stream stream;
-      stream.log = &logs[i];
-      stream.rank = static_cast<std::uint32_t>(i + (timeless ? message_log_count : 0));
+      stream.log = &log_tables[i];
+      stream.rank = static_cast<std::uint32_t>(i + (timeless ? log_count : 0));
       stream.timeless = timeless;
       if (may_have_rows(stream)) found.push_back(std::move(stream));
     }
@@ -340,27 +311,11 @@ Literal order_by(bool timeless, bool descending, bool sorted) {
   return descending ? Literal(" order by servertime desc, ID desc") : Literal(" order by servertime, ID");
 }
 
-Literal head_of(const MessageLog& log, bool cells) {
-  if (cells) return log.select;
-  switch (log.letter) {
-    case 'c':
-      return "select ID, servertime from iplog";
-    case 'h':
-      return "select ID, servertime from predatalog";
-    case 's':
-      return "select ID, servertime from subjectlog";
-    case 'b':
-      return "select ID, servertime from bodylog";
-    default:
-      return "select ID, servertime from avlog";
-  }
-}
-
 }  // namespace
 
 Statement MessageRows::page_of(const Stream& stream, std::uint64_t limit, bool cells) const {
-  const MessageLog& log = *stream.log;
-  Statement select(head_of(log, cells));
+  const LogTable& log = *stream.log;
+  Statement select = cells ? select_log_rows(log) : select_log_keys(log);
   const auto append_range = [&](Statement& to) {
     add_condition(stream, to);
     if (stream.searched) add_behind(stream, *stream.searched, to);
@@ -399,7 +354,7 @@ bool MessageRows::fill(Stream& stream, std::uint64_t limit, bool cells) {
         return;
       }
       // Nothing was found: on behind the last row that was searched.
-      Statement last("select ID, servertime from " + stream.log->table);
+      Statement last = select_log_keys(*stream.log);
       add_condition(stream, last);
       if (stream.searched) add_behind(stream, *stream.searched, last);
       last.append(order_by(stream.timeless, descending(), false)).append(" limit 1 offset ");
@@ -471,20 +426,17 @@ MessageRows::Found MessageRows::find(const std::optional<Place>& behind, std::ui
   return Found::full;
 }
 
-void MessageRows::add_row(const MessageLog& log, RecordSet& set, TableRows& rows) const {
-  rows.row(log.letter + std::to_string(set.number("ID")));
-  rows.cell(set.text("servertime")).cell(verdict_of(set.number("status"))).cell(log.kind);
-  rows.cell(set.text("IPNumber"))
-      .cell(set.text("mailfrom"))
-      .cell(set.text("mailto"))
-      .cell(set.text("reason"));
+void MessageRows::add_row(const LogTable& log, RecordSet& set, TableRows& rows) const {
+  const LogRow row = log_row(set);
+  rows.row(letter_of(log) + std::to_string(row.id)).cell(row.time).cell(name_of(row.verdict)).cell(log.kind);
+  rows.cell(row.address).cell(row.sender).cell(row.recipient).cell(row.reason);
 }
 
 bool MessageRows::read_key(std::string_view key, TableRows& rows) {
   const MessageKey wanted = message_key(key);
   if (wanted.log == nullptr) return false;
   const std::size_t before = rows.size();
-  Statement select(wanted.log->select);
+  Statement select = select_log_rows(*wanted.log);
   select.append(" where ID=").append(number(std::to_string(wanted.id)));
   if (const auto set = client_.open(select, Connection::Access::read_only)) {
     client_.read_rows(select.text(), [&] {
@@ -499,7 +451,7 @@ std::optional<RowCount> MessageRows::tally() {
   std::uint64_t sum = 0;
   for (const Stream& stream : streams()) {
     if (sum > most_counted) break;
-    Statement select(head_of(*stream.log, false));
+    Statement select = select_log_keys(*stream.log);
     add_condition(stream, select);
     add_terms(*stream.log, select);
     select.append(" limit ").append(number(std::to_string(most_counted + 1 - sum)));
@@ -514,16 +466,16 @@ std::optional<KeysetRows::Place> MessageRows::place_of(std::string_view key) {
   const MessageKey wanted = message_key(key);
   if (wanted.log == nullptr) return {};
   std::optional<Place> place;
-  Statement select(head_of(*wanted.log, false));
+  Statement select = select_log_keys(*wanted.log);
   select.append(" where ID=").append(number(std::to_string(wanted.id)));
   const auto set = client_.open(select, Connection::Access::read_only);
   if (!set) return {};
   client_.read_rows(select.text(), [&] {
     if (set->at_end()) return;
-    const auto rank = static_cast<std::uint32_t>(wanted.log - logs);
+    const auto rank = static_cast<std::uint32_t>(wanted.log - log_tables);
     const bool timeless = set->is_null("servertime");
     place = Place{std::string(set->text("servertime")),
-                  rank + (timeless ? static_cast<std::uint32_t>(message_log_count) : 0), wanted.id};
+                  rank + (timeless ? static_cast<std::uint32_t>(log_count) : 0), wanted.id};
   });
   return place;
 }

@@ -8,46 +8,30 @@
 #include <string_view>
 #include <vector>
 
+#include "core/contracts/log_tables.h"
 #include "core/database_client.h"
 #include "core/keyset_rows.h"
 #include "core/text/row_filter.h"
 
 namespace zrl {
 
-// A log of the proxy, as one kind of message.
-struct MessageLog {
-  char letter;  // of the keys of its rows: "h12" is row 12 of predatalog
-  std::string_view kind;
-  Literal table;
-  Literal select;  // ID, servertime, status, IPNumber, mailfrom, mailto, reason, from this table
-  Literal what;    // its column of the reason or keyword; empty if it has none
-  bool has_status;
-  bool has_sender;
-  bool has_recipient;
-};
-
-// In the order in which rows of the same second are shown.
-inline constexpr std::size_t message_log_count = 5;
-const MessageLog& message_log(std::size_t index);
-
-// A key of MessageRows, taken apart; null and 0 if it is none.
+// A key of MessageRows, taken apart; null and 0 if it is none. Keys begin with the first letter of the log's
+// kind: "h12" is row 12 of predatalog.
 struct MessageKey {
-  const MessageLog* log = nullptr;
+  const LogTable* log = nullptr;
   std::int64_t id = 0;
 };
 MessageKey message_key(std::string_view key);
 
-// "rejected", "allowed" or "neutral" for the column `status`; the rows of logs without it are rejected.
-std::string_view verdict_of(std::int64_t status);
-
-// The rows of all logs, the newest first, or the oldest. The columns of the table are time, verdict, kind,
-// address, sender, recipient and reason. A log that cannot be read is left out, and told by problem().
+// The rows of all logs, the newest first, or the oldest; those of the same second in the order of log_tables.
+// The columns of the table are time, verdict, kind, address, sender, recipient and reason. A log that cannot
+// be read is left out, and told by problem().
 class MessageRows : public KeysetRows {
  public:
   struct Choice {
     std::string since;  // times as the logs have them, both included; empty: no bound
     std::string until;
-    int log = -1;       // an index of message_log(); -1: all
+    int log = -1;       // an index of log_tables; -1: all
     int status = -1;    // 0 to 2; -1: any
     std::string fault;  // why the choice makes no sense, in the user's language; then there are no rows
   };
@@ -79,7 +63,7 @@ class MessageRows : public KeysetRows {
   struct Stream;
 
   // The conditions of the filter; false if no row of the log can meet them.
-  bool add_terms(const MessageLog& log, Statement& where) const;
+  bool add_terms(const LogTable& log, Statement& where) const;
   bool may_have_rows(const Stream& stream) const;
   void add_condition(const Stream& stream, Statement& where) const;
   void add_behind(const Stream& stream, const Place& behind, Statement& where) const;
@@ -87,8 +71,8 @@ class MessageRows : public KeysetRows {
   bool fill(Stream& stream, std::uint64_t limit, bool cells);
   Statement page_of(const Stream& stream, std::uint64_t limit, bool cells) const;
   std::string told(const FilterFault& fault) const;
-  void could_not_read(const MessageLog& log);
-  void add_row(const MessageLog& log, RecordSet& set, TableRows& rows) const;
+  void could_not_read(const LogTable& log);
+  void add_row(const LogTable& log, RecordSet& set, TableRows& rows) const;
 
   // What is wanted, of the table or for the moment.
   struct Wanted {

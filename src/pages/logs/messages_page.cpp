@@ -100,7 +100,7 @@ MessagesPage::MessagesPage(Console& console) : Page(console, "messages", "Messag
 void MessagesPage::load() {
   for (const std::string_view word : periods) period.add_item(word);
   kind.add_item("all");
-  for (std::size_t i = 0; i < message_log_count; ++i) kind.add_item(message_log(i).kind);
+  for (const LogTable& log : log_tables) kind.add_item(log.kind);
   for (const std::string_view word : verdicts) verdict.add_item(word);
   period.set_text("all");
   kind.set_text("all");

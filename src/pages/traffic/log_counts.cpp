@@ -10,20 +10,6 @@ namespace zrl {
 
 namespace {
 
-struct Log {
-  Literal table;
-  bool has_status = false;  // otherwise its rows are rejected mails
-  bool has_sender = false;
-  Literal reason = "";  // the column that tells why; none if empty
-};
-
-constexpr Log logs[] = {{"iplog", true},
-                        {"predatalog", true, true, "reason"},
-                        {"subjectlog", false, true, "keyword"},
-                        {"bodylog", false, true, "keyword"},
-                        {"avlog", false, true, "reason"}};
-constexpr std::size_t log_count = std::size(logs);
-
 constexpr std::size_t leaders_of_hour = 200;
 constexpr std::size_t leaders_of_day = 1000;
 constexpr std::size_t longest_domain = 255;
@@ -90,8 +76,8 @@ std::string domain_of(std::string_view sender) {
   return domain.size() > longest_domain ? std::string() : lower(domain);
 }
 
-std::size_t verdict_of(std::int64_t status) {
-  return status == 1 || status == 2 ? static_cast<std::size_t>(status) : 0;
+std::size_t place_of_status(std::int64_t status) {
+  return static_cast<std::size_t>(verdict_of(status));
 }
 
 void each_row(Connection& connection, const Statement& select, const std::function<void(RecordSet&)>& take) {
@@ -158,7 +144,7 @@ LogCounts::Result LogCounts::count(Period period, Check check) {
 
 std::string LogCounts::newest_rows() {
   std::string result;
-  for (const Log& log : logs) {
+  for (const LogTable& log : log_tables) {
     if (!is_readable(log.table)) continue;
     const bool read = client_.read_rows(step, [&] {
       each_row(*client_.conn, "SELECT max(ID) AS newest FROM " + log.table,
@@ -199,7 +185,7 @@ std::set<std::string, std::less<>> LogCounts::read_kept(const std::vector<TimeUn
                const std::string_view kind = row.text("kind");
                const std::int64_t amount = row.number("amount");
                if (kind == verdict_kind) {
-                 const std::size_t verdict = verdict_of(row.number("name"));
+                 const std::size_t verdict = place_of_status(row.number("name"));
                  verdicts[unit->second->place][verdict] += amount;
                  totals.verdicts[verdict] += amount;
                  return;
@@ -221,13 +207,13 @@ LogCounts::Counted LogCounts::count_unit(const TimeUnit& unit) {
   for (std::size_t log = 0; log < log_count; ++log) {
     if (count_log(log, unit, counted)) continue;
     counted.complete = false;
-    if (is_readable(logs[log].table)) unread_.push_back(logs[log].table.text());
+    if (is_readable(log_tables[log].table)) unread_.push_back(log_tables[log].table.text());
   }
   return counted;
 }
 
 bool LogCounts::count_log(std::size_t index, const TimeUnit& unit, Counted& counted) {
-  const Log& log = logs[index];
+  const LogTable& log = log_tables[index];
   // A log that failed for one unit would fail for all; it is tried again some minutes later.
   if (!is_readable(log.table)) return false;
   return client_.read_rows(std::string(step) + " " + std::string(log.table.text()), [&] {
@@ -240,7 +226,7 @@ bool LogCounts::count_log(std::size_t index, const TimeUnit& unit, Counted& coun
     each_row(*client_.conn, select, [&](RecordSet& row) {
       const std::int64_t amount = row.number("amount");
       counted.rows[index] += amount;
-      counted.totals.verdicts[verdict_of(row.number("status"))] += amount;
+      counted.totals.verdicts[place_of_status(row.number("status"))] += amount;
       std::string network = network_of(row.text("name"));
       if (!network.empty()) counted.totals.clients[std::move(network)] += amount;
     });
@@ -268,7 +254,7 @@ bool LogCounts::count_log(std::size_t index, const TimeUnit& unit, Counted& coun
 void LogCounts::keep(const TimeUnit& unit, const Counted& counted) {
   const bool claimed = write([&](Connection& connection) {
     connection.execute("DELETE FROM log_units WHERE unit='" + value(unit.name) + "'");
-    for (const Log& log : logs) {
+    for (const LogTable& log : log_tables) {
       connection.execute("INSERT INTO log_units (unit, log, amount) VALUES ('" + value(unit.name) + "', '" +
                          value(log.table.text()) + "', -1)");
     }
@@ -291,8 +277,8 @@ void LogCounts::keep(const TimeUnit& unit, const Counted& counted) {
     }
     for (std::size_t i = 0; i < log_count; ++i) {
       connection.execute("UPDATE log_units SET amount=" + number(std::to_string(counted.rows[i])) +
-                         " WHERE unit='" + value(unit.name) + "' AND log='" + value(logs[i].table.text()) +
-                         "'");
+                         " WHERE unit='" + value(unit.name) + "' AND log='" +
+                         value(log_tables[i].table.text()) + "'");
     }
   };
   if (!claimed || !write(keep)) held_.insert_or_assign(unit.name, counted.totals);

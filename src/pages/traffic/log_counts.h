@@ -12,13 +12,10 @@
 #include <unordered_map>
 #include <vector>
 
+#include "core/contracts/log_tables.h"
 #include "core/database_client.h"
 
 namespace zrl {
-
-// What became of a connection or mail that is in a log, by the number in the column `status`.
-enum class LogVerdict : std::uint8_t { neutral = 0, allowed = 1, rejected = 2 };
-inline constexpr std::size_t verdict_count = 3;
 
 // How often each name occurs. Names are texts of strangers: any bytes, cut to some hundred.
 using NameCounts = std::unordered_map<std::string, std::int64_t>;

@@ -9,8 +9,6 @@ namespace zrl {
 
 namespace {
 
-constexpr Literal log_tables[] = {"iplog", "predatalog", "subjectlog", "bodylog", "avlog"};
-
 struct Mark {
   std::string last_id = "9223372036854775807";  // no row is newer: a log that is new is not read
   std::string last_time;
@@ -75,13 +73,13 @@ std::string plain(std::string text) {
 void LogCounts::check_marks() {
   const std::vector<TimeUnit> month = units_of(Period::month, console_.now());
   const auto unfinished = std::ranges::find(month, false, &TimeUnit::finished);
-  for (std::size_t log = 0; log < std::size(log_tables); ++log) {
+  for (std::size_t log = 0; log < log_count; ++log) {
     check_mark(log, month.front().name, unfinished->name);
   }
 }
 
 void LogCounts::check_mark(std::size_t log, const std::string& oldest, const std::string& until) {
-  const Literal table = log_tables[log];
+  const Literal table = log_tables[log].table;
   Mark mark;
   Present present;
   const bool looked = client_.conn && client_.read_rows("count the logs " + std::string(table.text()), [&] {
@@ -119,7 +117,7 @@ void LogCounts::check_mark(std::size_t log, const std::string& oldest, const std
 
 // Units whose number of rows is another one are counted again. False if that cannot be noted.
 bool LogCounts::compare_units(std::size_t log, const std::string& oldest) {
-  const Literal table = log_tables[log];
+  const Literal table = log_tables[log].table;
   StringList changed;
   const bool compared = client_.read_rows("count the logs " + std::string(table.text()), [&] {
     const auto units =

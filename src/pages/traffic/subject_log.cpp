@@ -4,25 +4,11 @@
 #include <ctime>
 #include <tuple>
 
-#include "core/text/text.h"
+#include "core/contracts/log_tables.h"
 
 namespace zrl {
 
 namespace {
-
-struct Log {
-  Literal table;
-  std::string_view kind;
-  bool has_status;
-  bool has_recipient;
-  std::string_view reason;  // its column; empty if there is none
-};
-
-constexpr Log logs[] = {
-    {"iplog", "connection", true, false, {}},          {"predatalog", "header", true, false, "reason"},
-    {"subjectlog", "subject", false, true, "keyword"}, {"bodylog", "body", false, true, "keyword"},
-    {"avlog", "attachment", false, true, "reason"},
-};
 
 struct HitColumn {
   std::string_view list;
@@ -48,11 +34,6 @@ std::string hours_ago(const Console& console, int hours) {
   return {text, std::strftime(text, sizeof text, "%F %T", &local)};
 }
 
-std::string_view verdict_of(const Log& log, std::int64_t status) {
-  if (!log.has_status || status == 2) return "rejected";
-  return status == 1 ? "allowed" : "neutral";
-}
-
 class Reading {
  public:
   Reading(DatabaseClient& client, Console& console, const Subject& subject)
@@ -63,9 +44,8 @@ class Reading {
   SubjectLog run() {
     const bool by_address = subject_.kind == Subject::Kind::address;
     if (!by_address && subject_.kind != Subject::Kind::mail) return {};
-    for (const Log& log : logs) {
-      if (by_address || log.kind != "connection")
-        read(log, by_address ? Literal("IPNumber") : Literal("mailfrom"));
+    for (const LogTable& log : log_tables) {
+      if (by_address || log.has_sender) read(log, by_address ? Literal("IPNumber") : Literal("mailfrom"));
     }
     std::ranges::sort(found_.rows, [](const SubjectLog::Row& left, const SubjectLog::Row& right) {
       return std::tie(right.time, right.key) < std::tie(left.time, left.key);
@@ -76,9 +56,10 @@ class Reading {
 
  private:
   // Keys rise as rows come in, and the index of the column has them, so that nothing is sorted.
-  void read(const Log& log, Literal column) {
-    const Statement select = "SELECT * from " + log.table + " where " + column + "='" + value(subject_.text) +
-                             "' order by ID desc limit 5000";
+  void read(const LogTable& log, Literal column) {
+    Statement select = select_log_rows(log);
+    select.append(" where ").append(column).append("='").append(value(subject_.text));
+    select.append("' order by ID desc limit 5000");
     if (!select.fault().empty()) return;
     const auto set = client_.open(select, Connection::Access::read_only);
     if (!set) {
@@ -92,30 +73,28 @@ class Reading {
     if (!read || count >= SubjectLog::most_rows) found_.complete = false;
   }
 
-  void take(const Log& log, RecordSet& set, std::size_t number) {
-    const std::string time(set.text("servertime").substr(0, 40));
-    const std::string_view verdict = verdict_of(log, log.has_status ? set.number("status") : 2);
+  void take(const LogTable& log, RecordSet& set, std::size_t number) {
+    const LogRow row = log_row(set);
+    const std::string time(row.time.substr(0, 40));
     if (found_.first_seen.empty() || time < found_.first_seen) found_.first_seen = time;
     if (time > found_.last_seen) found_.last_seen = time;
     for (std::size_t period = 0; period < since_.size(); ++period) {
       if (time < since_[period]) continue;
       SubjectLog::Counts& counts = found_.counts[period];
-      ++(verdict == "rejected" ? counts.rejected : verdict == "allowed" ? counts.allowed : counts.neutral);
+      ++(row.verdict == LogVerdict::rejected  ? counts.rejected
+         : row.verdict == LogVerdict::allowed ? counts.allowed
+                                              : counts.neutral);
     }
     if (number >= SubjectLog::most_shown) return;
-    SubjectLog::Row row{.log = std::string(log.table.text()),
-                        .key = set.number("ID"),
-                        .time = time,
-                        .kind = log.kind,
-                        .verdict = verdict,
-                        .address = std::string(set.text("IPNumber")),
-                        .sender = {},
-                        .recipient = {},
-                        .reason = {}};
-    if (log.kind != "connection") row.sender = set.text("mailfrom");
-    if (log.has_recipient) row.recipient = set.text("mailto");
-    if (!log.reason.empty()) row.reason = set.text(log.reason);
-    found_.rows.push_back(std::move(row));
+    found_.rows.push_back({.log = std::string(log.table.text()),
+                           .key = row.id,
+                           .time = time,
+                           .kind = log.kind,
+                           .verdict = name_of(row.verdict),
+                           .address = std::string(row.address),
+                           .sender = std::string(row.sender),
+                           .recipient = std::string(row.recipient),
+                           .reason = std::string(row.reason)});
   }
 
   DatabaseClient& client_;
