@@ -46,7 +46,8 @@ struct ListSwitch {
 
 struct KnownList {
   ListTable table;
-  std::string_view title;   // English, a text of the catalogue; so is the next
+  std::string_view title;   // English, a text of the catalogue; so are the next two
+  std::string_view words;   // what it is called in the middle of a sentence, behind "the"
   std::string_view phrase;  // says of the entry "%1" that it is on the list
   std::string_view page;    // that edits it, and has its switches
   EntryKind entries;        // what they can be looked up as

@@ -1,6 +1,7 @@
 #include "core/steps.h"
 
 #include "core/controls.h"
+#include "core/list_catalogue.h"
 #include "core/text/error.h"
 #include "core/text/grouped_number.h"
 #include "core/text/text.h"
@@ -42,7 +43,8 @@ std::string Steps::number_text(std::uint64_t number) const {
 }
 
 std::string Steps::list_words(const ListTable& list) const {
-  return console_.localisation().translate(words_of(list));
+  const KnownList* known = find_list(list.name);
+  return console_.localisation().translate(known == nullptr ? list.name : known->words);
 }
 
 void Steps::show_error(std::string_view text, std::string_view title) const {

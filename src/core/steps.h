@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/console.h"
-#include "core/list_words.h"
+#include "core/contracts/list_tables.h"
 #include "core/sentence.h"
 
 namespace zrl {
@@ -86,7 +86,7 @@ class Steps {
   }
   // `on` as the person left the box: where the option was not stored, it shows the stored value again.
   void say_switched(const CheckBox& box, bool on) const;
-  // The name of the list, and a number, for sentences in the language of the console.
+  // What the list is called in sentences (KnownList::words), and a number, in the language of the console.
   std::string list_words(const ListTable& list) const;
   std::string number_text(std::uint64_t number) const;
 

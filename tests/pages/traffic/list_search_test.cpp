@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "catalogue/catalogue.h"
 #include "core/entry_notes.h"
 #include "pages/traffic/subject_log.h"
 #include "pages/traffic/verdict.h"
@@ -49,6 +50,29 @@ class ListSearchTest : public testing::Test, public test::InstalledConsole {
 
   Client client{console};
 };
+
+// People who are told of a switch look for it on the list's page.
+TEST_F(ListSearchTest, SwitchesOfListsAreCheckBoxesOfTheirPages) {
+  for (const KnownList& list : known_lists()) {
+    for (const ListSwitch& one : list.switches) {
+      SCOPED_TRACE(one.option);
+      for (const ListSwitch& each : list.switches) set_option(each.option, 1);
+      const std::unique_ptr<Page> page = find_page(page_catalogue(), list.page)->make(console);
+      page->initialise();
+      CheckBox* box = nullptr;
+      for (Control* control : page->controls()) {
+        if (control->kind() != ControlKind::check_box) continue;
+        auto* candidate = static_cast<CheckBox*>(control);
+        if (candidate->caption() == one.caption) box = candidate;
+      }
+      ASSERT_NE(box, nullptr) << one.caption << " on " << list.page;
+      EXPECT_TRUE(box->checked());
+      box->user_click();
+      EXPECT_EQ(option(one.option), "0");
+      page->terminate();
+    }
+  }
+}
 
 TEST_F(ListSearchTest, EveryEntryThatTouchesItIsFoundOnce) {
   put("domains.black", {"Example.NET", "example.net", "@*sub.example.net", "example.ne", "net.example.net"});
