@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/console.h"
+#include "core/text/filled.h"
 #include "core/text/grouped_number.h"
 #include "core/text/printable.h"
 #include "core/text/utf8.h"
@@ -28,18 +29,10 @@ bool is_unexpected(const ActivityRecord::Entry& entry) {
 }  // namespace
 
 std::string with_values(std::string_view text, std::span<const std::string_view> values) {
-  std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool is_place = text[i] == '%' && i + 1 < text.size() && text[i + 1] >= '1' && text[i + 1] <= '9';
-    const auto number = is_place ? static_cast<std::size_t>(text[i + 1] - '1') : values.size();
-    if (number >= values.size()) {
-      result += text[i];
-    } else {
-      result += bounded(values[number], longest_value);
-      ++i;
-    }
-  }
-  return result;
+  std::vector<std::string> shown;
+  shown.reserve(values.size());
+  for (const std::string_view value : values) shown.push_back(bounded(value, longest_value));
+  return filled(text, std::vector<std::string_view>(shown.begin(), shown.end()));
 }
 
 void Acts::begin() {

@@ -91,8 +91,8 @@ class Acts {
   std::uint64_t last_ = 0;
 };
 
-// The text with the values in the places "%1" to "%9". A value that holds such a place is not read again.
-// Values are made printable; those of more than 160 bytes are cut.
+// filled() (core/text/filled.h) for sentences: values are made printable, and those of more than 160 bytes
+// are cut.
 std::string with_values(std::string_view text, std::span<const std::string_view> values);
 
 }  // namespace zrl

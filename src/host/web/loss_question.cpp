@@ -3,28 +3,24 @@
 #include <string_view>
 
 #include "core/form.h"
+#include "core/text/filled.h"
 #include "core/text/grouped_number.h"
 
 namespace zrl::web {
 
 namespace {
 
-void replace(std::string& text, std::string_view place, std::string_view by) {
-  const std::size_t at = text.find(place);
-  if (at != text.npos) text.replace(at, place.size(), by);
-}
-
 // Nothing if the loss has no text for this count.
 std::optional<MessageBox> question(Console& console, const Loss& loss, std::optional<std::uint64_t> count,
-                                   const std::string& act) {
+                                   const std::string& act, std::string_view list = {}) {
   if (count == 0U) return {};
   const std::string_view known = count == 1U || loss.many.empty() ? loss.one : loss.many;
   const std::string_view english = count ? known : loss.unknown;
   if (english.empty()) return {};
   Localisation& localisation = console.localisation();
-  std::string text = localisation.translate(english);
-  if (count) replace(text, "%1", grouped(*count, localisation.current_language() == "german"));
-  return MessageBox{act, std::move(text), BoxStyle::question, act};
+  const std::string number =
+      count ? grouped(*count, localisation.current_language() == "german") : std::string();
+  return MessageBox{act, filled(localisation.translate(english), {number, list}), BoxStyle::question, act};
 }
 
 // What people call a list: the title of the frame around it, or else its label.
@@ -70,10 +66,8 @@ std::optional<MessageBox> question_before_replacing(Console& console,
 
 std::optional<MessageBox> question_before_removal(Console& console, const ListBox& list,
                                                   std::uint64_t count) {
-  std::optional<MessageBox> box =
-      question(console, loss::list_entries, count, console.localisation().translate("Remove"));
-  if (box) replace(box->text, "%2", name_of(list));
-  return box;
+  return question(console, loss::list_entries, count, console.localisation().translate("Remove"),
+                  name_of(list));
 }
 
 }  // namespace zrl::web

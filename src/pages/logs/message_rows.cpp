@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/console.h"
+#include "core/text/filled.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -27,10 +28,6 @@ constexpr std::size_t most_values = 9;
 
 char letter_of(const LogTable& log) {
   return log.kind.front();
-}
-
-void replace(std::string& text, std::string_view mark, std::string_view by) {
-  if (const std::size_t place = text.find(mark); place != text.npos) text.replace(place, mark.size(), by);
 }
 
 // "192.0.2.0/24", "192.0.2." or "192.0.2.*" as what the addresses begin with, and the bounds of the number
@@ -144,11 +141,8 @@ std::string MessageRows::parse(std::string_view filter, Wanted& wanted) const {
 
 std::string MessageRows::told(const FilterFault& fault) const {
   Localisation& localisation = console_.localisation();
-  std::string text = localisation.translate(fault.text);
-  replace(text, "%1", fault.detail);
-  std::string place = localisation.translate("character %1");
-  replace(place, "%1", std::to_string(fault.column));
-  return text + " (" + place + ")";
+  return filled(localisation.translate(fault.text), {fault.detail}) + " (" +
+         filled(localisation.translate("character %1"), {std::to_string(fault.column)}) + ")";
 }
 
 class MessageRows::Instead {
@@ -171,10 +165,9 @@ class MessageRows::Instead {
 void MessageRows::could_not_read(const LogTable& log) {
   wanted_.unreadable.insert(letter_of(log));
   const ActivityRecord& record = console_.activity();
-  std::string text = console_.localisation().translate("The log %1 could not be read: %2");
-  replace(text, "%1", log.table.text());
-  replace(text, "%2", record.total() == 0 ? std::string() : std::string(record[record.total() - 1].error));
-  set_problem(text);
+  const std::string why = record.total() == 0 ? std::string() : std::string(record[record.total() - 1].error);
+  set_problem(
+      filled(console_.localisation().translate("The log %1 could not be read: %2"), {log.table.text(), why}));
 }
 
 bool MessageRows::add_terms(const LogTable& log, Statement& where) const {

@@ -6,9 +6,10 @@
 
 #include "core/contracts/last_update.h"
 #include "core/text/error.h"
+#include "core/text/filled.h"
 #include "core/text/paths.h"
 #include "core/text/text.h"
-#include "pages/traffic/verdict.h"
+#include "pages/traffic/list_search.h"
 
 namespace zrl {
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/text/filled.h"
 #include "core/text/text.h"
 
 namespace zrl {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/text/filled.h"
 #include "core/text/utf8.h"
 
 namespace zrl {
@@ -183,21 +184,6 @@ std::string_view name_of(Match match) {
       return "its ending";
   }
   return {};
-}
-
-std::string filled(std::string_view pattern, std::initializer_list<std::string_view> texts) {
-  std::string result;
-  for (std::size_t i = 0; i < pattern.size(); ++i) {
-    const std::size_t number =
-        i + 1 < pattern.size() ? static_cast<std::size_t>(pattern[i + 1] - '1') : texts.size();
-    if (pattern[i] == '%' && number < texts.size()) {
-      result += texts.begin()[number];
-      ++i;
-    } else {
-      result += pattern[i];
-    }
-  }
-  return result;
 }
 
 }  // namespace zrl

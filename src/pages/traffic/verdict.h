@@ -31,7 +31,4 @@ Verdict verdict_on(Console& console, const Subject& subject, const ListFindings&
 // English words of the catalogue for the kinds of a match, as the table of entries shows them.
 std::string_view name_of(Match match);
 
-// The texts in place of "%1", "%2" and so on.
-std::string filled(std::string_view pattern, std::initializer_list<std::string_view> texts);
-
 }  // namespace zrl

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "core/text/filled.h"
+
 namespace zrl {
 namespace {
 
@@ -36,6 +38,11 @@ TEST(Text, LinesEndWithLineFeedsAndMayHaveReturns) {
   std::string_view text = "a\r\n\rb\n\nlast\r";
   for (const char* line : {"a", "\rb", "", "last"}) EXPECT_EQ(take_line(text), line);
   EXPECT_TRUE(text.empty());
+}
+
+TEST(Text, PlacesAreFilledOnceAndOnlyByTheirValues) {
+  EXPECT_EQ(filled("%2 in %1, %2", {"%2", "a"}), "a in %2, a");
+  EXPECT_EQ(filled("%0 %3 100% %", {"x", "y"}), "%0 %3 100% %");
 }
 
 }  // namespace
