@@ -1,13 +1,13 @@
 #include "core/console.h"
 
 #include <algorithm>
-#include <ctime>
 #include <exception>
 
 #include "core/contracts/name_lookup.h"
 #include "core/form.h"
 #include "core/text/error.h"
 #include "core/text/secrets.h"
+#include "core/text/time_stamp.h"
 
 namespace zrl {
 
@@ -61,11 +61,7 @@ NameLookup& Console::names() {
 }
 
 std::string Console::time_stamp() const {
-  const std::time_t now = std::chrono::system_clock::to_time_t(clock_());
-  std::tm local{};
-  if (!::localtime_r(&now, &local)) return {};
-  char digits[32];
-  return {digits, std::strftime(digits, sizeof digits, "%Y%m%d%H%M%S", &local)};
+  return time_digits(now());
 }
 
 std::string Console::setting(std::string_view name) {

@@ -55,12 +55,34 @@ std::optional<std::int64_t> seconds_of(std::string_view time) {
   return seconds_of_digits(digits_of(time));
 }
 
-std::string log_time(std::int64_t seconds) {
+std::string local_time(std::int64_t seconds, const char* form) {
   const auto time = static_cast<std::time_t>(seconds);
   std::tm parts{};
   if (::localtime_r(&time, &parts) == nullptr) return {};
   std::array<char, 64> text{};
-  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &parts)};
+  return {text.data(), std::strftime(text.data(), text.size(), form, &parts)};
+}
+
+std::string log_time(std::int64_t seconds) {
+  return local_time(seconds, "%Y-%m-%d %H:%M:%S");
+}
+
+std::string log_time(std::chrono::system_clock::time_point time) {
+  return log_time(std::chrono::system_clock::to_time_t(time));
+}
+
+std::string time_digits(std::chrono::system_clock::time_point time) {
+  return local_time(std::chrono::system_clock::to_time_t(time), "%Y%m%d%H%M%S");
+}
+
+std::string date_before(std::int64_t seconds, int days) {
+  const auto time = static_cast<std::time_t>(seconds);
+  std::tm noon{};
+  if (::localtime_r(&time, &noon) == nullptr) return {};
+  noon.tm_mday -= days;
+  noon.tm_hour = 12;  // no clock is set forth or back then
+  noon.tm_isdst = -1;
+  return local_time(::mktime(&noon), "%Y-%m-%d");
 }
 
 std::optional<std::string> typed_time(std::string_view text, bool last) {

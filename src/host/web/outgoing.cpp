@@ -1,12 +1,11 @@
 #include "host/web/outgoing.h"
 
 #include <algorithm>
-#include <array>
 #include <boost/json.hpp>
-#include <ctime>
 
 #include <sodium.h>
 
+#include "core/text/time_stamp.h"
 #include "core/text/utf8.h"
 
 namespace zrl::web {
@@ -32,19 +31,11 @@ json::string valid_part(std::string_view text, std::size_t limit) {
   return part;
 }
 
-std::string time_of_day(std::int64_t seconds) {
-  const auto time = static_cast<std::time_t>(seconds);
-  std::tm parts{};
-  ::localtime_r(&time, &parts);
-  std::array<char, 16> text{};
-  return {text.data(), std::strftime(text.data(), text.size(), "%H:%M:%S", &parts)};
-}
-
 json::array entries_json(const ActivityRecord& record, std::uint64_t from, std::uint64_t to) {
   json::array entries;
   for (; from < to; ++from) {
     const ActivityRecord::Entry entry = record[from];
-    json::object told{{"time", time_of_day(entry.time)},
+    json::object told{{"time", local_time(entry.time, "%H:%M:%S")},
                       {"kind", name_of(entry.kind)},
                       {"text", valid_part(entry.public_text, longest_entry)},
                       {"ok", entry.ok},

@@ -1,6 +1,6 @@
 #include <algorithm>
-#include <ctime>
 
+#include "core/text/time_stamp.h"
 #include "pages/traffic/log_counts.h"
 
 // What needs no database: sums, leaders, and the hours and days of a period.
@@ -9,8 +9,7 @@ namespace zrl {
 namespace {
 
 constexpr std::int64_t seconds_of_hour = 3600;
-// Rows are logged a moment after the time that they have.
-constexpr std::int64_t grace = 60;
+constexpr const char* hour_form = "%Y-%m-%d %H";
 
 void add_to(NameCounts& sum, const NameCounts& more) {
   for (const auto& [name, count] : more) sum[name] += count;
@@ -21,18 +20,6 @@ void keep_first(NameCounts& counts, std::size_t count) {
   NameCounts kept;
   for (NamedCount& leader : leaders_of(counts, count)) kept.emplace(std::move(leader.name), leader.count);
   counts = std::move(kept);
-}
-
-std::tm local_time(std::int64_t seconds) {
-  const auto time = static_cast<std::time_t>(seconds);
-  std::tm local{};
-  ::localtime_r(&time, &local);
-  return local;
-}
-
-std::string written(const std::tm& time, const char* format) {
-  char text[32];
-  return {text, std::strftime(text, sizeof text, format, &time)};
 }
 
 TimeUnit hour_unit(const std::string& name, std::size_t place, bool finished) {
@@ -48,7 +35,7 @@ std::vector<TimeUnit> last_hours(std::int64_t now) {
   constexpr std::int64_t hours = 24;
   std::vector<TimeUnit> units;
   for (std::int64_t back = hours - 1; back >= 0; --back) {
-    const std::string name = written(local_time(now - back * seconds_of_hour), "%Y-%m-%d %H");
+    const std::string name = local_time(now - back * seconds_of_hour, hour_form);
     if (!units.empty() && units.back().name == name) continue;
     units.push_back(hour_unit(name, units.size(), back > 0));
   }
@@ -57,21 +44,17 @@ std::vector<TimeUnit> last_hours(std::int64_t now) {
 
 std::vector<TimeUnit> last_days(std::int64_t now, int days) {
   std::vector<TimeUnit> units;
-  const std::tm today = local_time(now);
   for (int back = days - 1; back > 0; --back) {
-    std::tm noon = today;
-    noon.tm_mday -= back;
-    noon.tm_hour = 12;  // no clock is set forth or back then
-    noon.tm_isdst = -1;
-    const auto time = static_cast<std::int64_t>(std::mktime(&noon));
-    units.push_back(day_unit(written(local_time(time), "%Y-%m-%d"), units.size(), true));
+    units.push_back(day_unit(date_before(now, back), units.size(), true));
   }
   const std::size_t place = units.size();
-  const std::string date = written(today, "%Y-%m-%d ");
-  for (int hour = 0; hour <= today.tm_hour; ++hour) {
-    const std::string start = date + (hour < 10 ? "0" : "");
-    TimeUnit unit = hour_unit(start + std::to_string(hour), place, hour < today.tm_hour);
-    unit.label = date.substr(0, date.size() - 1);
+  const std::string today = date_before(now, 0);
+  const std::string present = local_time(now, hour_form);
+  for (int hour = 0; hour < 24; ++hour) {
+    const std::string name = today + (hour < 10 ? " 0" : " ") + std::to_string(hour);
+    if (name > present) break;
+    TimeUnit unit = hour_unit(name, place, name < present);
+    unit.label = today;
     units.push_back(std::move(unit));
   }
   return units;
@@ -112,9 +95,9 @@ std::vector<TimeUnit> units_of(Period period, std::chrono::system_clock::time_po
   std::vector<TimeUnit> units =
       period == Period::day ? last_hours(seconds)
                             : last_days(seconds, period == Period::week ? days_of_week : days_of_month);
-  // In the first minute of an hour the one before may still grow.
-  const std::tm local = local_time(seconds);
-  if (local.tm_min * 60 + local.tm_sec < grace && units.size() > 1) units[units.size() - 2].finished = false;
+  // Rows are logged a moment after the time that they have: in the first minute of an hour the one before may
+  // still grow.
+  if (local_time(seconds, "%M") == "00" && units.size() > 1) units[units.size() - 2].finished = false;
   return units;
 }
 

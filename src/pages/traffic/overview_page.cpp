@@ -1,10 +1,9 @@
 #include "pages/traffic/overview_page.h"
 
 #include <algorithm>
-#include <ctime>
 #include <utility>
 
-#include "core/text/text.h"
+#include "core/text/time_stamp.h"
 
 namespace zrl {
 
@@ -26,15 +25,6 @@ std::string quoted(std::string_view filter, std::string_view text) {
   result += '"';
   for (const char c : text) result += c == '"' ? ' ' : c;
   return result += '"';
-}
-
-// "2026-11-21 14:00" in this machine's local time.
-std::string local_minute(std::int64_t seconds) {
-  const auto time = static_cast<std::time_t>(seconds);
-  std::tm local{};
-  if (!::localtime_r(&time, &local)) return {};
-  char text[32];
-  return {text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &local)};
 }
 
 }  // namespace
@@ -157,7 +147,8 @@ void OverviewPage::show_service() {
   const bool known = state && !state->status.empty();
   std::string text = translate("Service Status: ");
   text += known ? state->status + " (" + state->state + ")" : translate("unknown");
-  if (known && state->since > 0) text += ", " + translate("since") + " " + local_minute(state->since);
+  if (known && state->since > 0)
+    text += ", " + translate("since") + " " + local_time(state->since, "%Y-%m-%d %H:%M");
   service.set_caption(text);
   const bool settled = known && state->checkpoint == 0;
   service.set_tone(!known                      ? Label::Tone::plain

@@ -1,10 +1,11 @@
 #include "pages/traffic/subject_log.h"
 
 #include <algorithm>
-#include <ctime>
+#include <chrono>
 #include <tuple>
 
 #include "core/contracts/log_tables.h"
+#include "core/text/time_stamp.h"
 
 namespace zrl {
 
@@ -25,21 +26,15 @@ constexpr HitColumn hit_columns[] = {
     {"keywords.body", "bodylog", "keyword"},
 };
 
-// The local time so many hours ago, as logs store it.
-std::string hours_ago(const Console& console, int hours) {
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(console.now() - std::chrono::hours(hours));
-  std::tm local{};
-  if (localtime_r(&seconds, &local) == nullptr) return {};
-  char text[32];
-  return {text, std::strftime(text, sizeof text, "%F %T", &local)};
-}
+constexpr std::chrono::days periods[] = {std::chrono::days(1), std::chrono::days(7), std::chrono::days(30)};
+constexpr std::chrono::days hit_period{30};
 
 class Reading {
  public:
   Reading(DatabaseClient& client, Console& console, const Subject& subject)
-      : client_(client),
-        subject_(subject),
-        since_{hours_ago(console, 24), hours_ago(console, 7 * 24), hours_ago(console, 30 * 24)} {}
+      : client_(client), subject_(subject) {
+    for (std::size_t i = 0; i < since_.size(); ++i) since_[i] = log_time(console.now() - periods[i]);
+  }
 
   SubjectLog run() {
     const bool by_address = subject_.kind == Subject::Kind::address;
@@ -113,7 +108,7 @@ std::optional<std::uint64_t> hits_of(DatabaseClient& client, Console& console, c
                                      std::string_view entry) {
   const auto rule = std::ranges::find(hit_columns, list.table.name, &HitColumn::list);
   if (rule == std::end(hit_columns)) return {};
-  const std::string since = hours_ago(console, 30 * 24);
+  const std::string since = log_time(console.now() - hit_period);
   const Statement select =
       "select ID from (select ID, servertime from " + rule->table + " where " + rule->column + "='" +
       value(entry) + "' order by ID desc limit 1000) as newest where servertime>='" + value(since) + "'";

@@ -86,6 +86,8 @@ TEST(TimeStamp, AreReadWrittenAndTyped) {
   EXPECT_EQ(since_time("24h", *seconds + 86'400), "2026-09-01 08:15:00");
   EXPECT_EQ(since_time("90m", *seconds + 5400), "2026-09-01 08:15:00");
   EXPECT_EQ(since_time("2026-09-01", 0), "2026-09-01 00:00:00");
+  EXPECT_EQ(time_digits(std::chrono::system_clock::from_time_t(*seconds)), "20260901081500");
+  EXPECT_EQ(date_before(*seconds, 1), "2026-08-31");
   for (const std::string_view none : {"h", "-1h", "1y", "99999999999999999d", "now"})
     EXPECT_FALSE(since_time(none, *seconds)) << none;
 }
