@@ -5,8 +5,8 @@
 #include <ostream>
 
 #include "core/console.h"
+#include "core/row_writer.h"
 #include "core/table.h"
-#include "core/text/csv.h"
 #include "core/text/printable.h"
 #include "core/text/time_stamp.h"
 #include "core/text/utf8.h"
@@ -28,33 +28,32 @@ std::string readable_cell(std::string_view text) {
   return printable(cut_between_characters(text, longest_cell)) + "...";
 }
 
-void print_row(std::ostream& out, const Arguments& arguments, const Table& table, const TableRows& rows,
-               std::size_t row, bool first) {
-  if (arguments.json) {
-    out << (first ? "" : ",\n") << boost::json::serialize(row_json(table, rows, row));
-    return;
-  }
+std::string readable_row(const Table& table, const TableRows& rows, std::size_t row) {
   std::string line;
   for (std::size_t column = 0; column < table.columns().size(); ++column) {
     const std::string_view cell = rows.cell_at(row, column);
-    if (arguments.messages.csv) {
-      append_csv(line, cell);
-    } else {
-      line += (column == 0 ? "" : "  ") + (cell.empty() ? "-" : readable_cell(cell));
-    }
+    line += (column == 0 ? "" : "  ") + (cell.empty() ? "-" : readable_cell(cell));
   }
-  out << line << (arguments.messages.csv ? "\r\n" : "\n");
+  return line;
 }
 
 // The number of rows that were printed.
 std::uint64_t print_rows(std::ostream& out, const Arguments& arguments, Table& table) {
+  std::optional<RowWriter> csv;
+  if (arguments.messages.csv) csv.emplace(out, RowFormat::csv, table.columns());
   std::uint64_t printed = 0;
   while (printed < arguments.messages.limit) {
     const std::uint64_t wanted = std::min(read_at_once, arguments.messages.limit - printed);
     const TableRows rows = table.read_on(printed, wanted);
     if (rows.empty()) break;
     for (std::size_t row = 0; row < rows.size(); ++row) {
-      print_row(out, arguments, table, rows, row, printed + row == 0);
+      if (csv) {
+        csv->write(rows, row);
+      } else if (arguments.json) {
+        out << (printed + row == 0 ? "" : ",\n") << boost::json::serialize(row_json(table, rows, row));
+      } else {
+        out << readable_row(table, rows, row) << '\n';
+      }
     }
     printed += rows.size();
   }
@@ -88,11 +87,6 @@ int run_messages(const Arguments& arguments, const Program& program, std::ostrea
           return;
         }
         if (arguments.json) out << '[';
-        if (options.csv) {
-          std::string names;
-          for (const Column& column : table.columns()) append_csv(names, column.name);
-          out << names << "\r\n";
-        }
         const std::uint64_t printed = print_rows(out, arguments, table);
         if (arguments.json) out << "]\n";
         if (printed == 0 && !arguments.json && !options.csv) out << "No messages.\n";

@@ -7,8 +7,6 @@
 
 #include "core/contracts/console_folder.h"
 #include "core/list_changes.h"
-#include "core/text/ascii.h"
-#include "core/text/csv.h"
 #include "core/text/error.h"
 #include "core/text/text.h"
 #include "core/text/time_stamp.h"
@@ -36,25 +34,6 @@ constexpr Sentence marked_neutral{"%1 addresses taken off the lists and marked n
                                   "1 address taken off the lists and marked neutral"};
 constexpr Sentence rows_exported{"Rows exported to %1", "Rows not exported"};
 
-// RFC 8259; `text` is well-formed UTF-8.
-void append_json(std::string& line, std::string_view text) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  line += '"';
-  for (const char c : text) {
-    if (c == '"' || c == '\\') {
-      line += '\\';
-      line += c;
-    } else if (is_control(c)) {
-      line += "\\u00";
-      line += digits[static_cast<unsigned char>(c) >> 4];
-      line += digits[static_cast<unsigned char>(c) & 15];
-    } else {
-      line += c;
-    }
-  }
-  line += '"';
-}
-
 }  // namespace
 
 MessagesPage::MessagesPage(Console& console) : Page(console, "messages", "Messages") {
@@ -79,8 +58,8 @@ MessagesPage::MessagesPage(Console& console) : Page(console, "messages", "Messag
   open_mail.on_click = [this] {
     if (mail_ != 0) this->console().open("monitor", std::to_string(mail_));
   };
-  bind_busy(export_csv, [this] { export_rows(Format::csv); });
-  bind_busy(export_json, [this] { export_rows(Format::json); });
+  bind_busy(export_csv, [this] { export_rows(RowFormat::csv); });
+  bind_busy(export_json, [this] { export_rows(RowFormat::json_lines); });
   for (Button* act : {&block_sender, &allow_sender, &block_domain, &allow_domain, &block_address,
                       &allow_address, &neutral, &delete_rows, &look_up}) {
     act->set_needs({&rows});
@@ -296,38 +275,20 @@ void MessagesPage::look_up_chosen() {
   if (!what.empty()) console().open("lookup", what);
 }
 
-void MessagesPage::export_rows(Format format) {
-  const bool is_csv = format == Format::csv;
+void MessagesPage::export_rows(RowFormat format) {
   const std::filesystem::path folder = console_folder::archive(console().folder());
-  const std::string name = "messages-" + console().time_stamp() + (is_csv ? ".csv" : ".jsonl");
+  const std::string_view extension = format == RowFormat::csv ? ".csv" : ".jsonl";
+  const std::string name = "messages-" + console().time_stamp() + std::string(extension);
   const std::filesystem::path path = folder / name;
   const std::uint64_t total = rows.count().rows;
   console().writes().commit();
   const Outcome written = console().attempt(Kind::file, path.string(), Step::write, [&] {
     std::filesystem::create_directories(folder);
     std::ofstream file(path, std::ios::binary);
-    std::string line;
-    for (const Column& column : rows.columns()) {
-      if (is_csv) append_csv(line, column.name);
-    }
-    if (is_csv) file << line << "\r\n";
+    RowWriter writer(file, format, rows.columns());
     std::uint64_t done = 0;
     messages.read_all([&](const TableRows& part) {
-      for (std::size_t i = 0; i < part.size(); ++i) {
-        line.clear();
-        for (std::size_t place = 0; place < rows.columns().size(); ++place) {
-          const std::string cell = valid_utf8(part.cell_at(i, place));
-          if (is_csv) {
-            append_csv(line, cell);
-            continue;
-          }
-          line += place == 0 ? '{' : ',';
-          append_json(line, rows.columns()[place].name);
-          line += ':';
-          append_json(line, cell);
-        }
-        file << line << (is_csv ? "\r\n" : "}\n");
-      }
+      for (std::size_t i = 0; i < part.size(); ++i) writer.write(part, i);
       done += part.size();
       console().host().show_progress({path.filename().native(), done, std::max(total, done)});
       process_events();

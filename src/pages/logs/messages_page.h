@@ -7,6 +7,7 @@
 
 #include "core/contracts/list_tables.h"
 #include "core/page.h"
+#include "core/row_writer.h"
 #include "core/table.h"
 #include "pages/logs/message_rows.h"
 
@@ -115,8 +116,7 @@ class MessagesPage : public Page {
   void mark_neutral();
   void delete_chosen();
   void look_up_chosen();
-  enum class Format { csv, json };
-  void export_rows(Format format);
+  void export_rows(RowFormat format);
 
   std::int64_t mail_ = 0;  // in the archive; 0 if there is none
 };
