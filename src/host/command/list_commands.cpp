@@ -178,6 +178,24 @@ void print(std::ostream& out, const Outcomes& outcomes) {
   }
 }
 
+using NamedOutcome = std::pair<std::string_view, const json::array&>;
+
+// Prints what became of the entries, and returns the exit status. `told` are the members that the command's
+// JSON has besides the refused entries, in their order.
+int finish(const Arguments& arguments, const KnownList& list, const Outcomes& outcomes,
+           std::initializer_list<NamedOutcome> told, std::ostream& out) {
+  if (arguments.json) {
+    json::object result{{"list", list.table.name}};
+    for (const auto& [name, entries] : told) result[name] = entries;
+    result["refused"] = outcomes.refused;
+    result["change"] = nullptr;
+    out << json::serialize(result) << '\n';
+  } else {
+    print(out, outcomes);
+  }
+  return outcomes.status();
+}
+
 EntryNote note_of_options(const ListOptions& options, const Console& console) {
   const auto day = last_day(options.expires, console.time_stamp());
   if (!day) throw UsageError("--expires: " + std::string(not_a_last_day));
@@ -201,17 +219,7 @@ int run_list_add(const Arguments& arguments, std::ostream& out) {
     if (change.done() && (stale || !note.empty())) save_note(session.client, list.table, change.entry, note);
   }
   session.commit();
-  if (arguments.json) {
-    out << json::serialize(json::object{{"list", list.table.name},
-                                        {"added", outcomes.added},
-                                        {"already", outcomes.already},
-                                        {"refused", outcomes.refused},
-                                        {"change", nullptr}})
-        << '\n';
-  } else {
-    print(out, outcomes);
-  }
-  return outcomes.status();
+  return finish(arguments, list, outcomes, {{"added", outcomes.added}, {"already", outcomes.already}}, out);
 }
 
 int run_list_remove(const Arguments& arguments, std::ostream& out) {
@@ -226,17 +234,8 @@ int run_list_remove(const Arguments& arguments, std::ostream& out) {
       save_note(session.client, list.table, change.entry, {});
   }
   session.commit();
-  if (arguments.json) {
-    out << json::serialize(json::object{{"list", list.table.name},
-                                        {"removed", outcomes.removed},
-                                        {"missing", outcomes.missing},
-                                        {"refused", outcomes.refused},
-                                        {"change", nullptr}})
-        << '\n';
-  } else {
-    print(out, outcomes);
-  }
-  return outcomes.status();
+  return finish(arguments, list, outcomes, {{"removed", outcomes.removed}, {"missing", outcomes.missing}},
+                out);
 }
 
 namespace {
