@@ -8,8 +8,8 @@
 namespace zrl {
 
 std::string_view name_of(ColumnKind kind) {
-  static constexpr std::array<std::string_view, 8> names = {"text",    "number", "time",     "address",
-                                                            "verdict", "word",   "severity", "check"};
+  static constexpr std::array<std::string_view, 9> names = {"text", "number",   "time",  "address", "verdict",
+                                                            "word", "severity", "check", "page"};
   return names[static_cast<std::size_t>(kind)];
 }
 

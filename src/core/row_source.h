@@ -22,6 +22,7 @@ enum class ColumnKind : std::uint8_t {
   word,      // an English word of the page's own, for machines; hosts translate it for people
   severity,  // "bad", "warning" or "unknown"
   check,     // 1 or 0: done or not
+  page,      // the name of a page, for machines; hosts show people its title
 };
 
 // "text", "number" and so on, as hosts print it.

@@ -85,6 +85,15 @@ test('a leader leads to its messages, and the page refreshes itself', async () =
   await picture(page, 'overview-week')
 })
 
+test('what needs an eye names pages by their titles', async () => {
+  await openNamed(page, 'overview')
+  const link = page.locator('[data-control="c-overview-attention"] .kind-page a').first()
+  const target = await link.getAttribute('href')
+  const title = await page.getByRole('navigation').locator(`a[href="${target}"]`).textContent()
+  assert.equal(await link.textContent(), title)
+  assert.notEqual(`#/${title}`, target)
+})
+
 test('in German', async () => {
   console.run('do', 'general', 'Combo1=german')
   await openNamed(page, 'general')

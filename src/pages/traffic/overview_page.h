@@ -33,7 +33,7 @@ class OverviewPage : public Page {
                   "Each line leads to the page where it can be mended",
                   {{.name = "severity", .caption = "Severity", .kind = ColumnKind::severity},
                    {.name = "text", .caption = "Finding"},
-                   {.name = "page", .caption = "Page", .minor = true}}};
+                   {.name = "page", .caption = "Page", .kind = ColumnKind::page, .minor = true}}};
   Frame Frame2{*this, "Frame2", ""};
   Table first_steps{
       *this,

@@ -2,6 +2,7 @@ import { messages } from '../i18n'
 import { addressOf } from '../model/address'
 import { visibleText } from '../model/visible-text'
 import { Icon } from '../parts/icon'
+import { session } from '../state/app-state'
 import type { Cell, Column, TableRow } from '../wire/protocol'
 import { choosingByPress } from './list-row'
 
@@ -9,6 +10,12 @@ const longestCell = 300
 const longestTitle = 3000
 
 const textOf = (cell: Cell | undefined): string => (cell === undefined ? '' : typeof cell === 'string' ? cell : cell.text)
+
+/** What people read in a cell that has no form of its own: of a page its title. */
+function readableText(column: Column, cell: Cell | undefined): string {
+  const text = textOf(cell)
+  return column.kind === 'page' ? (session.hello.value?.pages.find(page => page.name === text)?.title ?? text) : text
+}
 
 /** Where a cell leads; undefined if nowhere. */
 function targetOf(column: Column, cell: Cell | undefined): string | undefined {
@@ -78,7 +85,7 @@ function Content({ column, cell }: { column: Column; cell: Cell | undefined }) {
     )
   }
   const number = column.kind === 'number' && /^-?\d{1,15}$/.test(text)
-  const shown = number ? m.number(Number(text)) : visibleText(text, longestCell)
+  const shown = number ? m.number(Number(text)) : visibleText(readableText(column, cell), longestCell)
   const target = targetOf(column, cell)
   return target === undefined ? (
     <bdi class="cell-text" dir="auto">
@@ -116,7 +123,7 @@ export function TableLine({ id, position, height, columns, template, cards, row,
         if (column.kind === 'time') return
         const inner = event.currentTarget.querySelector<HTMLElement>('.cell-text')
         if (!inner) return
-        event.currentTarget.title = inner.scrollWidth > inner.clientWidth ? visibleText(textOf(row?.cells[index]), longestTitle) : ''
+        event.currentTarget.title = inner.scrollWidth > inner.clientWidth ? visibleText(readableText(column, row?.cells[index]), longestTitle) : ''
       }}
     >
       {row === undefined ? <span class="row-waiting" /> : <Content column={column} cell={row.cells[index]} />}

@@ -27,10 +27,11 @@ const widths = {
   word: '7rem',
   severity: '8rem',
   check: '5.5rem',
+  page: '10rem',
   text: 'minmax(0, 1fr)',
 } as const
 /** The least width, in pixels, at which a column can be read. */
-const leastWidths = { time: 215, verdict: 105, number: 90, address: 130, word: 100, severity: 110, check: 80, text: 110 } as const
+const leastWidths = { time: 215, verdict: 105, number: 90, address: 130, word: 100, severity: 110, check: 80, page: 120, text: 110 } as const
 const leastWidth = (columns: readonly ShownColumn[]): number => columns.reduce((sum, { column }) => sum + leastWidths[column.kind], 0)
 
 const templateOf = (columns: readonly ShownColumn[]): string => columns.map(({ column }) => widths[column.kind]).join(' ')

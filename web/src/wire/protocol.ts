@@ -79,7 +79,7 @@ export interface Mark {
   elsewhere: boolean
 }
 
-export type ColumnKind = 'text' | 'number' | 'time' | 'address' | 'verdict' | 'word' | 'severity' | 'check'
+export type ColumnKind = 'text' | 'number' | 'time' | 'address' | 'verdict' | 'word' | 'severity' | 'check' | 'page'
 
 export interface Column {
   name: string
