@@ -8,16 +8,8 @@ let page
 
 const logs = ['iplog', 'predatalog', 'subjectlog', 'bodylog', 'avlog']
 
-/** The sample's rows end in the past; here the newest is of this minute. */
-function bringUpToNow() {
-  const newest = "(select max(servertime) from iplog)"
-  const seconds = console.sql(`select strftime('%s','now','localtime')-strftime('%s',${newest})`)
-  for (const log of logs) console.sql(`update ${log} set servertime=datetime(servertime,'+${seconds} seconds')`)
-}
-
 withConsole({ sample: true }, started => {
   ;({ console, page } = started)
-  bringUpToNow()
 })
 
 const chart = () => page.locator('.chart')

@@ -75,6 +75,13 @@ std::string time_digits(std::chrono::system_clock::time_point time) {
   return local_time(std::chrono::system_clock::to_time_t(time), "%Y%m%d%H%M%S");
 }
 
+std::chrono::local_seconds local_seconds_of(std::chrono::system_clock::time_point time) {
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+  std::tm parts{};
+  ::localtime_r(&seconds, &parts);
+  return std::chrono::local_seconds(std::chrono::seconds(seconds + parts.tm_gmtoff));
+}
+
 std::string date_before(std::int64_t seconds, int days) {
   const auto time = static_cast<std::time_t>(seconds);
   std::tm noon{};

@@ -24,6 +24,9 @@ std::string log_time(std::int64_t seconds);
 std::string log_time(std::chrono::system_clock::time_point time);
 std::string time_digits(std::chrono::system_clock::time_point time);
 
+// The same as a time of the calendar.
+std::chrono::local_seconds local_seconds_of(std::chrono::system_clock::time_point time);
+
 // The local date so many days before that of the time, "2026-09-01".
 std::string date_before(std::int64_t seconds, int days);
 

@@ -6,6 +6,7 @@
 #include "core/console.h"
 #include "core/text/printable.h"
 #include "core/text/text.h"
+#include "core/text/time_stamp.h"
 #include "host/command/commands.h"
 #include "host/command/plain_console.h"
 #include "host/folder.h"
@@ -32,7 +33,7 @@ int run_init(const Arguments& arguments, std::ostream& out) {
   const auto report = [&out](std::string_view table, std::size_t rows) {
     out << "table " << table << ": " << rows << " rows\n";
   };
-  if (!sample::fill_sample_data(plain.console, report)) {
+  if (!sample::fill_sample_data(plain.console, local_seconds_of(plain.console.now()), report)) {
     out << "the database already holds data; nothing was changed\n";
   }
   return success;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -55,25 +56,22 @@ class Generator {
 
 std::string join(std::initializer_list<std::string_view> parts);
 
-// A moment of the month that the sample covers, September 2026, in the proxy's local time.
+// A moment in the local time of the proxy, to the second.
 class Moment {
  public:
   Moment() = default;
-  explicit Moment(std::uint32_t second_of_month) : second_(second_of_month) {}
+  explicit Moment(std::chrono::local_seconds time) : time_(time) {}
 
   std::string log_time() const;     // 2026-09-01 08:15:00
   std::string stamp() const;        // 20260901081500
   std::string header_date() const;  // Tue, 01 Sep 2026 08:15:00 +0000
 
  private:
-  std::string two_digits(std::uint32_t unit, std::uint32_t modulus, std::uint32_t first = 0) const;
-  std::string day() const { return two_digits(86400, 30, 1); }
-  std::string clock(std::string_view separator) const;
-
-  std::uint32_t second_ = 0;
+  std::chrono::local_seconds time_{};
 };
 
-// `count` moments in ascending order, busy in office hours and quieter at night and at weekends.
-std::vector<Moment> busy_moments(Generator& random, std::size_t count);
+// `count` moments of the 30 days up to `end`, in ascending order, busy in office hours and quieter at night
+// and at weekends. What it draws from `random` does not depend on `end`.
+std::vector<Moment> busy_moments(Generator& random, std::size_t count, std::chrono::local_seconds end);
 
 }  // namespace zrl::sample

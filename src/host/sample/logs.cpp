@@ -83,9 +83,9 @@ struct Visit {
   string_view sender;
 };
 
-std::vector<Visit> make_visits(Generator& random, const Lists& lists) {
+std::vector<Visit> make_visits(Generator& random, const Lists& lists, std::chrono::local_seconds end) {
   std::vector<Visit> visits;
-  for (const Moment moment : busy_moments(random, connections)) {
+  for (const Moment moment : busy_moments(random, connections, end)) {
     const std::size_t share = random.below(100);
     const Status status = share < 21 ? black : share < 29 ? white : neutral;
     const Texts& hosts = status == black   ? lists.black_hosts
@@ -176,9 +176,9 @@ void write_hits(Connection& conn, Generator& random, const Lists& lists, Literal
 
 }  // namespace
 
-void write_logs(Connection& conn, const Lists& lists, const Report& report) {
+void write_logs(Connection& conn, const Lists& lists, std::chrono::local_seconds end, const Report& report) {
   Generator random(20260930);
-  const std::vector<Visit> visits = make_visits(random, lists);
+  const std::vector<Visit> visits = make_visits(random, lists, end);
   write_ip_log(conn, visits);
   report("iplog", visits.size());
 

@@ -78,11 +78,11 @@ Mail write(Generator& random, const Lists& lists, const MailForm& form, Moment m
 
 }  // namespace
 
-std::vector<Mail> make_mails(const Lists& lists, std::size_t count) {
+std::vector<Mail> make_mails(const Lists& lists, std::chrono::local_seconds end, std::size_t count) {
   Generator random(20260915);
   const auto rare = rare_mails();
   std::vector<Mail> result;
-  for (const Moment moment : busy_moments(random, count)) {
+  for (const Moment moment : busy_moments(random, count, end)) {
     const std::size_t place = result.size();
     const bool is_rare = place % 15 == 7 && place / 15 < rare.size();
     const MailForm& form = is_rare ? rare[place / 15] : random.pick_skewed(everyday_mails());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +23,7 @@ struct Mail {
   std::string source;  // header, empty line, body; any bytes
 };
 
-// In the order of their times.
-std::vector<Mail> make_mails(const Lists& lists, std::size_t count = 300);
+// Of the 30 days up to `end`, in the order of their times.
+std::vector<Mail> make_mails(const Lists& lists, std::chrono::local_seconds end, std::size_t count = 300);
 
 }  // namespace zrl::sample

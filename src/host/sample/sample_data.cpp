@@ -128,8 +128,9 @@ void write_small_tables(Connection& conn, const Report& report) {
   report("disclaimer", std::size(disclaimers));
 }
 
-void write_archive(Connection& conn, const Lists& lists, const Report& report) {
-  const std::vector<Mail> mails = make_mails(lists);
+void write_archive(Connection& conn, const Lists& lists, std::chrono::local_seconds end,
+                   const Report& report) {
+  const std::vector<Mail> mails = make_mails(lists, end);
   for (const Mail& mail : mails) {
     const auto domain = [](string_view address) { return address.substr(address.rfind('@') + 1); };
     const std::string envelope = join({"HELO mx.", domain(mail.sender), "\r\nMAIL FROM:<", mail.return_path,
@@ -163,7 +164,7 @@ void write_scripts(Connection& conn, const Report& report) {
 
 }  // namespace
 
-bool fill_sample_data(Console& console, const Report& report) {
+bool fill_sample_data(Console& console, std::chrono::local_seconds end, const Report& report) {
   const auto database = console.components().create<Database>();
   Settings& settings = console.settings();
   ConnectionHandle conn = database->open_database(settings.regread(settings.data_provider_path()));
@@ -188,8 +189,8 @@ bool fill_sample_data(Console& console, const Report& report) {
       report(list.table.text(), list.entries.size());
     }
     write_small_tables(*conn, report);
-    write_logs(*conn, lists, report);
-    write_archive(*conn, lists, report);
+    write_logs(*conn, lists, end, report);
+    write_archive(*conn, lists, end, report);
     write_scripts(*conn, report);
     report("konf", write_options(console, *database, conn));
     conn->commit();

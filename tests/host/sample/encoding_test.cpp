@@ -1,6 +1,7 @@
 #include "host/sample/encoding.h"
 
 #include <algorithm>
+#include <map>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -41,9 +42,33 @@ TEST(SampleEncoding, WordsAndCharacterSets) {
 // Other numbers on another machine would be another sample.
 TEST(SampleGenerator, NumbersAndTimesAreFixed) {
   EXPECT_EQ(Generator(0).next(), 0xE220A8397B1DCDAFU);
-  EXPECT_EQ(Moment(29 * 86400 + 86399).log_time(), "2026-09-30 23:59:59");
-  EXPECT_EQ(Moment(86400 * 6 + 5 * 3600 + 61).header_date(), "Mon, 07 Sep 2026 05:01:01 +0000");
-  EXPECT_EQ(Moment(0).stamp(), "20260901000000");
+  const auto september = std::chrono::local_days(std::chrono::year(2026) / 9 / 1);
+  EXPECT_EQ(Moment(september + std::chrono::seconds(29 * 86400 + 86399)).log_time(), "2026-09-30 23:59:59");
+  EXPECT_EQ(Moment(september + std::chrono::seconds(86400 * 6 + 5 * 3600 + 61)).header_date(),
+            "Mon, 07 Sep 2026 05:01:01 +0000");
+  EXPECT_EQ(Moment(september).stamp(), "20260901000000");
+}
+
+// Whenever the sample is made, its times end there and have the shape of a week.
+TEST(SampleGenerator, MomentsEndNearTheGivenTime) {
+  constexpr std::size_t count = 20000;
+  std::uint64_t drawn = 0;
+  for (int day = 1; day <= 7; ++day) {
+    const auto today = std::chrono::local_days(std::chrono::year(2027) / 2 / day);
+    const auto end = today + std::chrono::hours(3 * day);
+    Generator random(1);
+    const std::vector<Moment> moments = busy_moments(random, count, end);
+    EXPECT_GT(moments.front().log_time(), Moment(end - std::chrono::days(30)).log_time());
+    EXPECT_LE(moments.back().log_time(), Moment(end).log_time());
+    EXPECT_GT(moments.back().log_time(), Moment(end - std::chrono::hours(1)).log_time());
+    EXPECT_TRUE(std::ranges::is_sorted(moments, {}, &Moment::log_time));
+    std::map<std::string, int> of_week;
+    for (const Moment& moment : moments) ++of_week[moment.header_date().substr(0, 3)];
+    EXPECT_LT(of_week["Sat"] + of_week["Sun"], of_week["Mon"] + of_week["Tue"]);
+    const std::uint64_t next = random.next();
+    if (day > 1) EXPECT_EQ(next, drawn);
+    drawn = next;
+  }
 }
 
 }  // namespace

@@ -40,9 +40,13 @@ struct Pair {
 
 using Counts = std::map<std::string, std::size_t>;
 
+constexpr std::chrono::local_seconds end_of_logs =
+    std::chrono::local_days(std::chrono::year(2026) / 10 / 1) - std::chrono::seconds(1);
+
 bool fill(Console& console, Counts& counts) {
-  return fill_sample_data(
-      console, [&](std::string_view table, std::size_t rows) { counts[std::string(table)] = rows; });
+  return fill_sample_data(console, end_of_logs, [&](std::string_view table, std::size_t rows) {
+    counts[std::string(table)] = rows;
+  });
 }
 
 // The filled console, made once: its tests only read.
@@ -255,7 +259,7 @@ TEST_F(SampleData, HostileTextsArriveAsTheyAre) {
 }
 
 TEST_F(SampleData, MailsAreWhatTheySay) {
-  const std::vector<Mail> mails = make_mails(make_lists());
+  const std::vector<Mail> mails = make_mails(make_lists(), end_of_logs);
   std::map<std::string_view, int> kinds;
   std::set<std::string> ids;
   for (const Mail& mail : mails) {
