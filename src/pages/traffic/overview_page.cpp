@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/text/row_filter.h"
 #include "core/text/time_stamp.h"
 
 namespace zrl {
@@ -18,14 +19,6 @@ struct PeriodWord {
   Period period;
 };
 constexpr PeriodWord periods[] = {{"day", Period::day}, {"week", Period::week}, {"month", Period::month}};
-
-// A text as a value of the filter, in quotes, which the filter cannot hold itself.
-std::string quoted(std::string_view filter, std::string_view text) {
-  std::string result(filter);
-  result += '"';
-  for (const char c : text) result += c == '"' ? ' ' : c;
-  return result += '"';
-}
 
 }  // namespace
 
@@ -94,23 +87,25 @@ void OverviewPage::show_mails(LogCounts::Result result) {
   };
   mails.set(std::move(result.labels),
             {values(LogVerdict::rejected), values(LogVerdict::allowed), values(LogVerdict::neutral)});
-  show_leaders(reason_rows_, result.totals.reasons, "reason:");
-  show_leaders(client_rows_, result.totals.clients, "ip:");
-  show_leaders(domain_rows_, result.totals.domains, "from:@");
+  show_leaders(reason_rows_, result.totals.reasons, "reason", "");
+  show_leaders(client_rows_, result.totals.clients, "ip", "");
+  show_leaders(domain_rows_, result.totals.domains, "from", "@");
 }
 
-// The rows are shown anew only if they are others.
-void OverviewPage::show_leaders(HeldRows& rows, const NameCounts& counts, std::string_view filter) {
-  const bool is_quoted = filter == "reason:";
+// Each leads to its messages of the period that was counted. The rows are shown anew only if they are others.
+void OverviewPage::show_leaders(HeldRows& rows, const NameCounts& counts, std::string_view field,
+                                std::string_view before) {
+  const std::string since = mails.labels().empty() ? std::string() : filter_term("since", mails.labels()[0]);
   TableRows leaders;
   for (const NamedCount& leader : leaders_of(counts, most_leaders)) {
-    const std::string query = is_quoted ? quoted(filter, leader.name) : std::string(filter) + leader.name;
+    const std::string query = since + " " + filter_term(field, std::string(before).append(leader.name));
     leaders.row(std::to_string(leaders.size())).cell(leader.name).link("messages", query).cell(leader.count);
   }
   const TableRows& shown = rows.rows();
   bool same = shown.size() == leaders.size();
   for (std::size_t i = 0; same && i < leaders.size(); ++i) {
-    same = shown.cell_at(i, 0) == leaders.cell_at(i, 0) && shown.cell_at(i, 1) == leaders.cell_at(i, 1);
+    same = shown.cell_at(i, 0) == leaders.cell_at(i, 0) && shown.cell_at(i, 1) == leaders.cell_at(i, 1) &&
+           shown.link_at(i, 0)->query == leaders.link_at(i, 0)->query;
   }
   if (!same) rows.show(std::move(leaders));
 }
@@ -164,8 +159,8 @@ void OverviewPage::open_mark() {
   if (blank == label.npos) {
     console().open("messages", "since:" + label + " until:" + label);
   } else {
-    const std::string hour = label.substr(0, blank) + "T" + label.substr(blank + 1, 3);
-    console().open("messages", "since:" + hour + "00 until:" + hour + "59");
+    const std::string last_minute = label.substr(0, blank + 4) + "59";
+    console().open("messages", filter_term("since", label) + " " + filter_term("until", last_minute));
   }
 }
 

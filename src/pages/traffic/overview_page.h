@@ -87,7 +87,8 @@ class OverviewPage : public Page {
   void look();
   void show_service();
   void show_mails(LogCounts::Result result);
-  void show_leaders(HeldRows& rows, const NameCounts& counts, std::string_view filter);
+  void show_leaders(HeldRows& rows, const NameCounts& counts, std::string_view field,
+                    std::string_view before);
   void open_mark();
 
   HeldRows attention_rows_{attention};
