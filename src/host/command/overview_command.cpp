@@ -101,12 +101,12 @@ int run_overview(const Arguments& arguments, const Program& program, std::ostrea
   PlainConsole plain(arguments.folder);
   plain.prepare_folder();
   const std::unique_ptr<Page> page = entry->make(plain.console);
-  static_cast<ComboBox&>(*page->find("period")).set_text(arguments.period);
   page->initialise();
   if (!page->conn) {
     page->terminate();
     throw std::runtime_error("the database cannot be opened; \"zrlconsole do overview\" says why");
   }
+  page->show_query(arguments.period);
   if (arguments.json) {
     out << json::serialize(overview_json(*page)) << '\n';
   } else {
