@@ -83,7 +83,8 @@ MessageKey message_key(std::string_view key) {
   if (key.empty()) return {};
   const auto id = to_number(key.substr(1));
   const auto log = std::ranges::find(log_tables, key.front(), letter_of);
-  if (!id || log == std::end(log_tables)) return {};
+  // There is one key to a row: "h+12" is none.
+  if (!id || log == std::end(log_tables) || std::to_string(*id) != key.substr(1)) return {};
   return {log, *id};
 }
 
@@ -177,10 +178,12 @@ bool MessageRows::add_terms(const LogTable& log, Statement& where) const {
       if (!log.has_sender) return false;
       if (term.value.empty()) {
         where.append(" and (mailfrom='' or mailfrom is null)");
-      } else if (term.value.find('\'') != std::string::npos) {
-        where.append(" and mailfrom like '").append(value(pattern)).append("' escape '!'");
       } else if (term.value.find('@', 1) != std::string::npos) {
-        where.append(" and mailfrom='").append(value(term.value)).append("'");
+        if (term.value.find('\'') != std::string::npos) {
+          where.append(" and mailfrom like '").append(value(pattern)).append("' escape '!'");
+        } else {
+          where.append(" and mailfrom='").append(value(term.value)).append("'");
+        }
       } else {
         // A domain with those below it.
         const std::string_view domain = std::string_view(pattern).substr(pattern.starts_with('@') ? 1 : 0);
@@ -205,6 +208,9 @@ bool MessageRows::add_terms(const LogTable& log, Statement& where) const {
         behind.back() = '/';
         where.append(" and IPNumber>='").append(value(network->prefix)).append("' and IPNumber<'");
         where.append(value(behind)).append("'");
+      } else {
+        // What does not begin with a number would count as 0.
+        where.append(" and IPNumber>='0' and IPNumber<':' and IPNumber not like '%:%'");
       }
       const std::string start = std::to_string(network->prefix.size() + 1);
       where.append(" and cast(substr(IPNumber,").append(number(start)).append(") as integer) between ");

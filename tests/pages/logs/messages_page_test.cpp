@@ -131,6 +131,16 @@ TEST_F(MessagesPageTest, TheFilterUnderstandsItsFields) {
   EXPECT_THAT(filtered(page, "'; DROP TABLE iplog"), IsEmpty());
   EXPECT_THAT(filtered(page, "from:o'brian@x"), IsEmpty());
   EXPECT_THAT(filtered(page, "ip:1'2"), IsEmpty());
+  // Nor is it the number that it begins with, or 0.
+  iplog("unknown", "0", "2026-09-01 08:05:00");
+  iplog("64:ff9b::1", "0", "2026-09-01 08:05:00");
+  EXPECT_THAT(filtered(page, "ip:0.0.0.0/3"), ElementsAre("a1", "b1"));
+  EXPECT_THAT(filtered(page, "ip:64.0.0.0/8"), IsEmpty());
+  execute("DELETE FROM iplog WHERE ID>2");
+  // A domain may hold an apostrophe, too.
+  execute("UPDATE bodylog SET mailfrom=replace('x@m.bulkYexample','Y',char(39))");
+  EXPECT_THAT(filtered(page, "from:@bulk'example"), ElementsAre("b1"));
+  EXPECT_THAT(filtered(page, "from:x@m.bulk'example"), ElementsAre("b1"));
   EXPECT_EQ(filtered(page, "").size(), 7u);
   for (const char* network :
        {"ip:1.2.3.4/33", "ip:1.2.3/24", "ip:x.", "ip:2001:db8::/32", "ip:1.2.3.4.5.", "ip:/8"}) {
@@ -205,6 +215,9 @@ TEST_F(MessagesPageTest, ActsWorkOnAllChosenRows) {
   page.block_sender.user_click();
   ASSERT_EQ(host.boxes.size(), 1u);
 
+  for (const char* other : {"h+1", "h 1", "h01", "x1", ""}) {
+    EXPECT_THROW(page.rows.user_choose_keys({other}), Refused) << other;
+  }
   page.rows.user_choose_keys({"a1", "s1", "c1"});
   EXPECT_EQ(page.delete_rows.count_loss(), 3u);
   page.delete_rows.user_click();
