@@ -1,6 +1,7 @@
 #include "pages/traffic/lookup_page.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/text/filled.h"
 #include "core/text/text.h"
@@ -73,7 +74,9 @@ void LookupPage::open_query(std::string_view query) {
 }
 
 void LookupPage::look_up() {
-  subject_ = subject_of(what.text());
+  Subject asked_about = subject_of(what.text());
+  if (asked_about.text != subject_.text) clear_shown_note();
+  subject_ = std::move(asked_about);
   set_query(subject_.text);
   if (list_is_usual_) {
     const KnownList* usual = find_list(usual_list(subject_.kind));
@@ -134,8 +137,18 @@ void LookupPage::choose_entry() {
   if (known == nullptr) return;
   list.set_text(translate(known->title));
   list_is_usual_ = false;
-  comment.set_text(entries.chosen_cell("comment"));
-  expires.set_text(entries.chosen_cell("expires"));
+  shown_note_ = EntryNote{entries.chosen_cell("comment"), entries.chosen_cell("expires")};
+  comment.set_text(shown_note_.comment);
+  expires.set_text(shown_note_.expires);
+}
+
+void LookupPage::clear_shown_note() {
+  const bool untouched = comment.text() == shown_note_.comment && expires.text() == shown_note_.expires;
+  if (untouched && !shown_note_.empty()) {
+    comment.set_text("");
+    expires.set_text("");
+  }
+  shown_note_ = {};
 }
 
 // Each answer is waited for, and events run meanwhile; what is shown belongs to the subject that was asked
@@ -228,6 +241,7 @@ std::optional<EntryNote> LookupPage::typed_note() {
 
 void LookupPage::add_subject() {
   const KnownList* known = named_list();
+  if (subject_of(what.text()).text != subject_.text) clear_shown_note();
   const auto note = typed_note();
   if (!note) return;
   if (known == nullptr) return complain("Not added: %1", "there is no list of this name");

@@ -99,6 +99,8 @@ class LookupPage : public Page {
   void show_entries();
   void show_log();
   void choose_entry();
+  // Another subject's entry does not take over the note of the one that was chosen, unless it was edited.
+  void clear_shown_note();
   void ask_dns_servers();
   void ask_address(const std::string& address, TableRows& answers);
   void ask_domain(const std::string& domain, TableRows& answers);
@@ -127,6 +129,7 @@ class LookupPage : public Page {
   Held<BlockLists> block_lists_{*this, "block-list component"};
   Subject subject_;
   ListFindings findings_;
+  EntryNote shown_note_;       // what the chosen entry has put into the fields
   bool list_is_usual_ = true;  // nobody has chosen another one
 };
 

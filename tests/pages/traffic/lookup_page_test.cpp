@@ -107,6 +107,32 @@ TEST_F(LookupPageTest, AddingRemovingAndNotingWorkOnWhatWasLookedUpOrOnChosenEnt
   EXPECT_THAT(page.verdict.caption(), StartsWith("Not listed"));
 }
 
+TEST_F(LookupPageTest, ANoteGoesToItsOwnEntryAlone) {
+  insert("blacklist", "entry", {"first.example"});
+  LookupPage& page = asked("first.example");
+  page.comment.user_type("a wave");
+  page.expires.user_type("2999-01-31");
+  page.save_note.user_click();
+  page.comment.user_type("");
+  page.expires.user_type("");
+  page.entries.user_choose(0);
+  EXPECT_EQ(page.comment.text(), "a wave");
+  page.what.user_type("second.example");
+  page.add.user_click();
+  EXPECT_THAT(rows("blacklist", "entry"), ElementsAre("first.example", "second.example"));
+  EXPECT_THAT(cells(page.entries, "comment"), ElementsAre(""));
+
+  // What was typed over it is meant.
+  page.what.user_type("first.example");
+  page.look.user_click();
+  page.entries.user_choose(0);
+  page.comment.user_type("the same wave");
+  page.what.user_type("third.example");
+  page.look.user_click();
+  page.add.user_click();
+  EXPECT_THAT(cells(page.entries, "comment"), ElementsAre("the same wave"));
+}
+
 TEST_F(LookupPageTest, AListThatIsSwitchedOffIsToldWithItsSwitch) {
   insert("Blackhost", "IPNumber", {"192.0.2.1"});
   set_option("ip_checking", 0);
