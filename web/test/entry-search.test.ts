@@ -27,6 +27,14 @@ describe('the search for entries', () => {
     expect(finder.searching.value).toBe(false)
   })
 
+  it('asks for no more than the host takes', () => {
+    finder.look('ä😀'.repeat(100))
+    vi.runAllTimers()
+    const { text } = sent.at(-1) as { text: string }
+    expect(text).toBe('ä😀'.repeat(42) + 'ä')
+    expect(new TextEncoder().encode(text).length).toBeLessThanOrEqual(256)
+  })
+
   it('goes on where the host stopped, until there are enough', () => {
     finder.look('royal')
     vi.runAllTimers()

@@ -4,7 +4,21 @@ import type { EntriesMessage, EntryHit, PlainMessage } from '../wire/protocol'
 const pause = 120
 const mostHits = 20
 const shortest = 2
-const longest = 200
+/** In bytes of UTF-8: the host takes no longer text. */
+const longest = 256
+
+/** As much of the text as the host takes. */
+function beginning(text: string): string {
+  const encoder = new TextEncoder()
+  let size = 0
+  let end = 0
+  for (const character of text) {
+    size += encoder.encode(character).length
+    if (size > longest) break
+    end += character.length
+  }
+  return text.slice(0, end)
+}
 
 /** Looks for entries of all lists while somebody types. The host answers with what it finds in a short time, and is asked to go on until
  *  there are enough, or nothing is left. */
@@ -21,7 +35,7 @@ export class EntryFinder {
   }
 
   look(query: string): void {
-    const text = query.trim().slice(0, longest)
+    const text = beginning(query.trim())
     if (text === this.text) return
     this.text = text
     ++this.request
