@@ -345,6 +345,10 @@ bool MessageRows::fill(Stream& stream, std::uint64_t limit, bool cells) {
     read = client_.read_rows(select.text(), [&] {
       if (!stream.set->at_end()) {
         stream.head = {std::string(stream.set->text("servertime")), stream.rank, stream.set->number("ID")};
+        // A time that is no text stands behind all texts, its own included, so such rows would come for ever.
+        if (!stream.searched || precedes(*stream.searched, stream.head)) return;
+        stream.set.reset();
+        stream.over = true;
         return;
       }
       stream.set.reset();

@@ -1,5 +1,7 @@
 #include "pages/logs/messages_page.h"
 
+#include <set>
+
 #include <gmock/gmock.h>
 
 #include "core/text/files.h"
@@ -272,6 +274,23 @@ TEST_F(MessagesPageTest, WhatStrangersLoggedIsShownAsItIs) {
   const std::string json = read_file(host.offered[1]);
   EXPECT_THAT(json, HasSubstr(R"("sender":"=1+1@evil.invalid","recipient":"","reason":"say \"no\""})"));
   EXPECT_EQ(std::ranges::count(json, '\n'), 4);
+}
+
+// Such rows stand behind all texts, whatever they are compared with: some may be missed, but none comes
+// twice.
+TEST_F(MessagesPageTest, ATimeThatIsNoTextEndsTheRows) {
+  fill();
+  for (int i = 0; i < 1200; ++i)
+    execute("INSERT INTO iplog (IPNumber,servertime) VALUES ('192.0.2.3',x'FFFE')");
+  MessagesPage& page = shown();
+  for (const char* sort : {"time", "time desc"}) {
+    page.rows.user_sort(sort);
+    const TableRows rows = page.rows.read(0, 5000);
+    std::set<std::string> seen;
+    for (std::size_t i = 0; i < rows.size(); ++i) seen.emplace(rows.key(i));
+    EXPECT_EQ(seen.size(), rows.size()) << sort;
+    EXPECT_TRUE(seen.contains("a1")) << sort;
+  }
 }
 
 TEST_F(MessagesPageTest, ALogThatIsMissingLeavesTheOthers) {
