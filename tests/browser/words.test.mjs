@@ -128,6 +128,15 @@ test('the search finds an entry and opens its list with the entry chosen, by key
   await row.getByText('mail.qqneedle.example').waitFor()
 })
 
+test('the search hands what stands on no list to the page that looks things up', async () => {
+  await page.keyboard.press('Control+k')
+  await page.keyboard.type('bob@nowhere.example')
+  await page.getByRole('option', { name: /Look up “bob@nowhere\.example”/ }).waitFor()
+  await page.keyboard.press('Enter')
+  await page.getByText('Not listed: no entry of any list touches "bob@nowhere.example".').waitFor()
+  assert.match(page.url(), /#\/lookup\/bob%40nowhere\.example$/)
+})
+
 test('the search knows other words, tells hits apart, and runs commands', async () => {
   await page.keyboard.press('Control+k')
   await page.keyboard.type('whitelist import')

@@ -3,7 +3,7 @@ import printable from '../../src/core/text/printable.cpp?raw'
 import { de } from '../src/i18n/de'
 import { en } from '../src/i18n/en'
 import { noticesOf } from '../src/model/notices'
-import { placeOf, search } from '../src/model/search'
+import { placeOf, questionHit, search } from '../src/model/search'
 import { summarise } from '../src/model/toast-text'
 import { visibleText } from '../src/model/visible-text'
 
@@ -179,6 +179,14 @@ describe('the search', () => {
     expect(hits.map(hit => hit.kind)).toEqual(['page', 'control', 'control', 'entry'])
     expect(placeOf(hits[3]!)).toBe('Keywords › Body')
     expect(search('farben', pages, captions, { commands })[0]).toMatchObject({ kind: 'command', control: 'theme-dark' })
+  })
+
+  it('hands what was typed to the page that looks things up, where there is one', () => {
+    const answers = { name: 'lookup', section: 'Logs', group: 'Traffic', title: 'Look up' }
+    const ask = (query: string, all = [answers]) => questionHit(query, all, what => `Look up ${what}`)
+    expect(ask(' bob@x.example ')).toMatchObject({ kind: 'question', page: 'lookup', control: 'bob@x.example', text: 'Look up bob@x.example' })
+    expect(ask('  ')).toBeNull()
+    expect(ask('bob', [])).toBeNull()
   })
 
   it('lists all pages without words', () => {

@@ -168,6 +168,7 @@ export const de: Messages = {
   paletteSearching: 'Die Listen werden durchsucht …',
   palettePlaceholder: 'Seiten, Einstellungen und Einträge durchsuchen …',
   paletteEmpty: query => `Nichts gefunden für „${query}“`,
+  paletteLookUp: what => `„${what}“ nachschlagen`,
   paletteHits: count => plural(count, 'Treffer', 'Treffer'),
   paletteHint: { move: 'bewegen', open: 'öffnen', close: 'schließen' },
   pageHit: 'Seite',

@@ -174,6 +174,7 @@ export const en = {
   palettePlaceholder: 'Search pages, settings and entries…',
   paletteSearching: 'Searching the lists…',
   paletteEmpty: (query: string): string => `Nothing found for “${query}”`,
+  paletteLookUp: (what: string): string => `Look up “${what}”`,
   paletteHits: (count: number): string => plural(count, 'result', 'results'),
   paletteHint: { move: 'move', open: 'open', close: 'close' },
   pageHit: 'Page',

@@ -8,7 +8,7 @@ export interface Command {
 }
 
 export interface Hit {
-  kind: 'page' | 'control' | 'entry' | 'command'
+  kind: 'page' | 'control' | 'entry' | 'command' | 'question'
   page: string
   /** Empty for the page itself. */
   control: string
@@ -113,6 +113,14 @@ export function search(
     found.push({ kind: 'entry', page, control, title, group, frame, text })
   }
   return found
+}
+
+/** What was typed, as a question to the page that answers such questions. Null where there is no such page, or nothing to ask. */
+export function questionHit(query: string, pages: readonly PageEntry[], text: (what: string) => string): Hit | null {
+  const what = query.trim()
+  const page = pages.find(one => one.name === 'lookup')
+  if (!page || what === '') return null
+  return { kind: 'question', page: page.name, control: what, title: page.title, group: page.group, frame: '', text: text(what) }
 }
 
 /** Where a hit is, for people: "Domains > Black list". */

@@ -2,7 +2,7 @@ import { signal } from '@preact/signals'
 import { useEffect, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks'
 import { keyTarget } from '../controls/list-row'
 import { messages } from '../i18n'
-import { placeOf, search, type Hit } from '../model/search'
+import { placeOf, questionHit, search, type Hit } from '../model/search'
 import { visibleText } from '../model/visible-text'
 import { Icon } from '../parts/icon'
 import { enterTopLayer } from '../parts/top-layer'
@@ -11,7 +11,7 @@ import { commands } from './commands'
 import { goTo } from './router'
 
 const open = signal(false)
-const icons = { page: 'page', control: 'control', entry: 'entry', command: 'command' } as const
+const icons = { page: 'page', control: 'control', entry: 'entry', command: 'command', question: 'search' } as const
 
 export function openPalette(): void {
   // What must be answered first would be hidden by it.
@@ -44,8 +44,10 @@ function OpenPalette() {
   const { entries: finder } = session
   const entries = finder.hits.value
   const known = commands()
-  const hits = useMemo(() => search(query, pages, captions, { entries, commands: known }), [query, pages, captions, entries])
   const m = messages.value
+  const found = useMemo(() => search(query, pages, captions, { entries, commands: known }), [query, pages, captions, entries])
+  const question = questionHit(query, pages, m.paletteLookUp)
+  const hits = question ? [...found, question] : found
 
   useLayoutEffect(() => {
     const element = dialog.current
@@ -65,7 +67,7 @@ function OpenPalette() {
   }, [session.blocked.value])
   useLayoutEffect(() => {
     results.current?.querySelector('[aria-selected="true"]')?.scrollIntoView({ block: 'nearest' })
-  }, [active, hits])
+  }, [active, found])
 
   const close = (): void => {
     open.value = false
@@ -74,6 +76,7 @@ function OpenPalette() {
     if (!hit) return
     close()
     if (hit.kind === 'command') return known.find(command => command.name === hit.control)?.run()
+    if (hit.kind === 'question') return goTo(hit.page, hit.control)
     if (hit.kind !== 'page') session.find(hit.page, hit.control, hit.kind === 'entry' ? hit.text : undefined)
     goTo(hit.page)
   }
@@ -132,6 +135,7 @@ function OpenPalette() {
           </button>
         </div>
         <div ref={results} id="palette-results" class="palette-results" role="listbox" aria-label={m.palette}>
+          {found.length === 0 && <p class="palette-none">{finder.searching.value ? m.paletteSearching : m.paletteEmpty(query)}</p>}
           {hits.map((hit, place) => (
             <div
               key={`${hit.kind}/${hit.page}/${hit.control}/${hit.kind === 'entry' ? hit.text : ''}`}
@@ -149,7 +153,6 @@ function OpenPalette() {
               <span class="palette-place">{placeOf(hit)}</span>
             </div>
           ))}
-          {hits.length === 0 && <p class="palette-none">{finder.searching.value ? m.paletteSearching : m.paletteEmpty(query)}</p>}
         </div>
         <footer class="palette-foot">
           <span>
@@ -163,7 +166,7 @@ function OpenPalette() {
             <kbd>Esc</kbd> {m.paletteHint.close}
           </span>
           <span class="palette-count" aria-live="polite">
-            {query !== '' && (finder.searching.value ? m.paletteSearching : m.paletteHits(hits.length))}
+            {query !== '' && (finder.searching.value ? m.paletteSearching : m.paletteHits(found.length))}
           </span>
         </footer>
       </div>
