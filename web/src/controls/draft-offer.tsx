@@ -11,7 +11,7 @@ export function DraftOffer({ control }: { control: ControlModel }) {
   const m = messages.value
   if (!draft || draft.text === control.text.value) return null
   const elsewhere = draft.of !== control.draftOf ? visibleText(draft.of, longestShown) : ''
-  const beginning = visibleText(draft.text.trim().split('\n')[0] ?? '', longestShown)
+  const beginning = visibleText(draft.text.trim().split(/\r?\n/)[0] ?? '', longestShown)
   return (
     <div class="draft-offer" role="status">
       <Icon name="info" />
