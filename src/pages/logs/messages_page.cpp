@@ -34,6 +34,13 @@ constexpr Sentence marked_neutral{"%1 addresses taken off the lists and marked n
                                   "1 address taken off the lists and marked neutral"};
 constexpr Sentence rows_exported{"Rows exported to %1", "Rows not exported"};
 
+// A word of a query has no blank: there a T stands between day and time, as in ISO 8601. Fields show a blank.
+std::string time_of_query(std::string text) {
+  constexpr std::size_t day_size = std::string_view("2026-01-31").size();
+  if (text.size() > day_size && text[day_size] == 'T') text[day_size] = ' ';
+  return text;
+}
+
 }  // namespace
 
 MessagesPage::MessagesPage(Console& console) : Page(console, "messages", "Messages") {
@@ -95,7 +102,7 @@ void MessagesPage::open_query(std::string_view query) {
   const auto* terms = std::get_if<std::vector<FilterTerm>>(&parsed);
   std::string words;
   if (terms == nullptr) words = query;  // the filter says what is wrong with it
-  for (const FilterTerm& term : terms == nullptr ? std::vector<FilterTerm>() : *terms) {
+  for (FilterTerm& term : terms == nullptr ? std::vector<FilterTerm>() : *terms) {
     ComboBox* box = nullptr;
     if (term.field == "period") box = &period;
     if (term.field == "kind") box = &kind;
@@ -103,9 +110,9 @@ void MessagesPage::open_query(std::string_view query) {
     if (box != nullptr && box->items().find(lower(term.value)) < box->items().size()) {
       box->set_text(lower(term.value));
     } else if (term.field == "since") {
-      since.set_text(term.value);
+      since.set_text(time_of_query(std::move(term.value)));
     } else if (term.field == "until") {
-      until.set_text(term.value);
+      until.set_text(time_of_query(std::move(term.value)));
     } else {
       words += (words.empty() ? "" : " ") + filter_term(term.field, term.value);
     }

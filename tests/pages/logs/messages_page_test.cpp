@@ -164,6 +164,11 @@ TEST_F(MessagesPageTest, AQueryFillsThePageAndWritesNothing) {
   EXPECT_EQ(page.kind.text(), "header");
   EXPECT_EQ(page.filter.text(), "from:bulk.example \"553 rejected\"");
   EXPECT_THAT(keys(page.rows), ElementsAre("h1"));
+  // As a bar of the overview's chart asks: a word of a query holds no blank.
+  page.show_query("verdict:all kind:all since:2026-09-01T08:02 until:2026-09-01T08:03");
+  EXPECT_EQ(page.rows.problem(), "");
+  EXPECT_EQ(page.since.text(), "2026-09-01 08:02");
+  EXPECT_THAT(keys(page.rows), ElementsAre("b1", "s1"));
   page.show_query("nonsense:x");
   EXPECT_THAT(std::string(page.rows.problem()), HasSubstr("nonsense"));
   EXPECT_THAT(activity(), IsEmpty());
