@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/text/filled.h"
+#include "core/text/row_filter.h"
 #include "core/text/text.h"
 
 namespace zrl {
@@ -33,6 +34,24 @@ std::string digits_of_time(std::string_view stored) {
   return digits;
 }
 
+// What finds the rows of the subject in the page of all logs.
+std::string message_filter(const Subject& subject) {
+  switch (subject.kind) {
+    case Subject::Kind::nothing:
+      return {};
+    case Subject::Kind::address:
+    case Subject::Kind::network:
+      return filter_term("ip", subject.text);
+    case Subject::Kind::mail:
+      return filter_term("from", subject.text);
+    case Subject::Kind::domain:
+      return filter_term("from", "@" + subject.text);
+    case Subject::Kind::text:
+      return filter_term({}, subject.text);
+  }
+  return {};
+}
+
 }  // namespace
 
 LookupPage::LookupPage(Console& console) : Page(console, "lookup", "Look up") {
@@ -54,7 +73,7 @@ LookupPage::LookupPage(Console& console) : Page(console, "lookup", "Look up") {
       grow(entries),
       frame(change_frame, row({list, grow(comment), expires, add, remove, save_note})),
       grow(row({counts, grow(log)})),
-      row({ask_dns}),
+      row({ask_dns, messages}),
       dns,
   }));
 }
@@ -109,16 +128,26 @@ void LookupPage::show_entries() {
   entry_rows_.show(std::move(rows));
 }
 
+// Only IP numbers and senders have an index in the logs. For anything else there are no numbers: a zero would
+// say that nothing was logged.
 void LookupPage::show_log() {
+  messages.set_target("messages", message_filter(subject_));
+  const bool is_counted = subject_.kind == Subject::Kind::address || subject_.kind == Subject::Kind::mail;
   const SubjectLog found = log_of(*this, console(), subject_);
   TableRows rows;
   for (const SubjectLog::Row& one : found.rows) {
     rows.row(one.log + ":" + std::to_string(one.key)).cell(digits_of_time(one.time)).cell(one.verdict);
     rows.cell(translate(one.kind)).cell(one.address).cell(one.sender).cell(one.recipient).cell(one.reason);
   }
-  log_rows_.show(std::move(rows));
+  if (is_counted || subject_.kind == Subject::Kind::nothing) {
+    log_rows_.show(std::move(rows));
+  } else {
+    log_rows_.show_problem(translate(
+        "Here the logs are searched by IP number and sender only. The page \"Messages\" has the rows."));
+  }
 
   const auto text_of = [&](std::uint64_t number) {
+    if (!is_counted) return std::string();
     return std::to_string(number) + (found.complete || number == 0 ? "" : "+");
   };
   TableRows periods;

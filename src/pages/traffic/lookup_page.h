@@ -82,6 +82,8 @@ class LookupPage : public Page {
        {.name = "sender", .caption = "Sender", .sorts = true, .page = "lookup"},
        {.name = "recipient", .caption = "Recipient", .sorts = true, .minor = true},
        {.name = "reason", .caption = "Reason", .sorts = true}}};
+  Link messages{*this, "messages", "Show it in the messages",
+                "All rows of the logs that have to do with it, in the page of all logs"};
   Button ask_dns{
       *this, "ask_dns", "Ask the DNS",
       "Looks up addresses, mail exchangers, the host name, the SPF record and the DNS block lists"};

@@ -155,6 +155,30 @@ TEST_F(LookupPageTest, TheLogsOfAClientAreShownWithTheirCounts) {
   EXPECT_EQ(cells(page.counts, "period").size(), 3U);
 }
 
+// A zero beside a domain that sent mail an hour ago would be a lie.
+TEST_F(LookupPageTest, WhatTheLogsAreNotSearchedForHasNoCountsButALinkToItsRows) {
+  execute(
+      "INSERT INTO predatalog (IPNumber, mailfrom, reason, status, servertime) VALUES "
+      "('192.0.2.1', 'bob@x.example', 'greylisted', 2, '2026-11-20 10:00:00')");
+  LookupPage& page = asked("x.example");
+  EXPECT_THAT(cells(page.counts, "rejected"), ElementsAre("", "", ""));
+  EXPECT_THAT(page.log.problem(), HasSubstr("IP number and sender"));
+  const std::pair<const char*, const char*> filters[] = {{"x.example", "from:@x.example"},
+                                                         {"192.0.2.0/24", "ip:192.0.2.0/24"},
+                                                         {"192.0.2.1", "ip:192.0.2.1"},
+                                                         {"bob@x.example", "from:bob@x.example"},
+                                                         {"say \"hi\" now", "\"say \"\"hi\"\" now\""},
+                                                         {"from:x", "\"from:x\""}};
+  for (const auto& [what, filter] : filters) {
+    page.show_query(what);
+    EXPECT_EQ(page.messages.query(), filter);
+    EXPECT_EQ(page.messages.page(), "messages");
+  }
+  page.show_query("bob@x.example");
+  EXPECT_EQ(page.log.problem(), "");
+  EXPECT_THAT(cells(page.log, "sender"), ElementsAre("bob@x.example"));
+}
+
 TEST_F(LookupPageTest, TheDnsIsAskedOnlyByItsButton) {
   test::DnsEnvironment dns;
   for (const char* record : {"spam.example MX 10 mx.spam.example", "spam.example A 192.0.2.7",
