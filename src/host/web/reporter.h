@@ -16,6 +16,10 @@
 
 namespace zrl::web {
 
+// Refuses an action that the audit log could not record.
+inline constexpr std::string_view no_audit = "no_audit";
+inline constexpr std::string_view why_no_audit = "the audit log cannot be written";
+
 // Sends the browser what a session's console shows and has done, and writes to the audit log what the console
 // wrote. It remembers what was sent, so that each report contains only what is new. All calls are made on the
 // session's thread; `output` and `forms` must outlive it.

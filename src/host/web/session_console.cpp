@@ -1,17 +1,12 @@
 #include "host/web/session_console.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
-#include "core/contracts/registry.h"
 #include "core/input_hint.h"
 #include "core/table.h"
 #include "core/text/error.h"
-#include "core/text/paths.h"
-#include "core/text/text.h"
 #include "host/web/entry_removal.h"
-#include "host/web/loss_question.h"
 
 namespace zrl::web {
 
@@ -22,30 +17,10 @@ using Type = BrowserMessage::Type;
 using Act = BrowserMessage::Act;
 
 constexpr int max_modal_depth = 8;
-constexpr std::string_view no_audit = "no_audit";
-constexpr std::string_view why_no_audit = "the audit log cannot be written";
 
 Table& table_of(Control& control) {
   if (control.kind() != ControlKind::table) throw Refused(control.name() + " is no table");
   return static_cast<Table&>(control);
-}
-
-std::string language_setting(Console& console) {
-  if (!console.components().has(Registry::program_id)) return {};
-  return lower(trim(console.settings().regread(console.settings().language_path())));
-}
-
-// People know the console's folder under the name that the system gives it, not as a product path. A path
-// ends with its line.
-std::string with_system_paths(std::string text, const std::filesystem::path& folder) {
-  const std::string product = to_product_path(folder);
-  if (product.find('\\') == product.npos) return text;
-  for (std::size_t at = text.find(product); at != text.npos; at = text.find(product, at)) {
-    const std::size_t end = std::min(text.find_first_of("\r\n", at), text.size());
-    std::replace(text.begin() + static_cast<std::ptrdiff_t>(at),
-                 text.begin() + static_cast<std::ptrdiff_t>(end), '\\', '/');
-  }
-  return text;
 }
 
 // Where people filter a table, the fields that act at once choose its rows: nothing of them is to be saved.
@@ -64,8 +39,8 @@ SessionConsole::SessionConsole(const ConsoleSettings& settings, TabIdentity iden
                                SessionOutput& output)
     : settings_(settings),
       identity_(std::move(identity)),
-      offered_(offered),
       output_(output),
+      console_(settings, *this, reporter_, output),
       reporter_(output, forms_, settings.audit, identity_.account),
       terminals_(
           settings.folder, terminals,
@@ -74,42 +49,20 @@ SessionConsole::SessionConsole(const ConsoleSettings& settings, TabIdentity iden
           },
           [this](std::string_view text) { reporter_.note("typed", text); }),
       end_programs_(inbox.ending(), [this] { terminals_.end_all(); }),
-      turns_(inbox, forms_, output, *this) {}
+      turns_(inbox, forms_, output, *this),
+      questions_(settings.folder, forms_, reporter_, turns_),
+      files_(settings.folder, offered, forms_, reporter_) {}
 
 void SessionConsole::run() {
-  start_console();
+  console_.start();
   turns_.run();
   leave_page();
-  entries_.reset();
-  console_.reset();
+  console_.end();
   settings_.lists->tidy();
 }
 
-void SessionConsole::start_console() {
-  console_ = std::make_unique<Console>(settings_.folder, *this);
-  console_->share_lists(settings_.lists);
-  if (settings_.register_components) settings_.register_components(*console_);
-  language_at_start_ = language_setting(*console_);
-  entries_ = std::make_unique<EntryFinder>(*console_, settings_.pages);
-  reporter_.watch(*console_);
-  captions_.clear();
-  const std::string language = console_->localisation().current_language();
-  output_.language_is(language.empty() ? "english" : language);
-}
-
 BoxReply SessionConsole::message_box(const MessageBox& box) {
-  const BoxReply unanswered = box.asks() ? BoxReply::cancel : BoxReply::ok;
-  if (turns_.ending()) return unanswered;
-  reporter_.forms();
-  const Turns::Pause pause(turns_);
-  MessageBox told = box;
-  told.text = with_system_paths(box.text, settings_.folder);
-  box_ = OpenBox{++last_box_, &told, {}};
-  reporter_.send(box_message(box_->id, told));
-  turns_.serve_until_answered(box_->reply);
-  const OpenBox answered = *std::exchange(box_, std::nullopt);
-  reporter_.send(unbox_message(answered.id));
-  return answered.reply.value_or(unanswered);
+  return questions_.ask(box);
 }
 
 void SessionConsole::show(Form& dialog) {
@@ -150,11 +103,7 @@ void SessionConsole::start_program(const ProgramStart& program) {
 }
 
 void SessionConsole::offer_file(const std::filesystem::path& path) {
-  // What is no file cannot be fetched; that is no reason for the page's action to fail.
-  const bool awaited = leaving_ && leaving_->path() == path;
-  if (const std::optional<Offer> offer = offered_.add(path, awaited ? leaving_ : nullptr)) {
-    reporter_.send(file_message(*offer, awaited));
-  }
+  files_.offer(path);
 }
 
 // The browser asks for the page as if its user had: what is shown stays until then.
@@ -231,8 +180,8 @@ void SessionConsole::greet(std::uint64_t connection) {
   turns_.forget_waiting();
   reporter_.send(hello_message(*console_, identity_, settings_.pages, forms_.page_name(), shown_query()));
   reporter_.forms();
-  if (box_) reporter_.send(box_message(box_->id, *box_->box));
-  reporter_.send(files_message(offered_.unfetched()));
+  questions_.tell_again();
+  files_.tell_again();
   terminals_.connected(connection);
 }
 
@@ -247,8 +196,7 @@ void SessionConsole::accept(BrowserMessage message) {
   }
   switch (message.type) {
     case Type::answer:
-      // It may have been answered before the line was lost.
-      if (box_ && box_->id == message.id) box_->reply = message.reply;
+      questions_.answer(message.id, message.reply);
       return;
     case Type::rows:
       reporter_.rows(message);
@@ -260,7 +208,7 @@ void SessionConsole::accept(BrowserMessage message) {
       reporter_.record(message);
       return;
     case Type::find:
-      reporter_.send(entries_->message(message.request, message.text, message.from));
+      reporter_.send(console_.entries().message(message.request, message.text, message.from));
       return;
     case Type::active:
       return;
@@ -319,11 +267,10 @@ void SessionConsole::handle(const BrowserMessage& message) {
       choose_language(message);
       break;
     case Type::captions:
-      if (captions_.empty()) captions_ = captions_message(*console_, settings_.pages);
-      reporter_.send(captions_);
+      reporter_.send(console_.captions());
       break;
     case Type::upload:
-      handle_upload(*message.upload);
+      take_upload(*message.upload);
       break;
     case Type::look:
       look_for_changes();
@@ -397,8 +344,7 @@ void SessionConsole::choose_language(const BrowserMessage& message) {
 // around this one runs, the language stays as it is, until a page is opened.
 void SessionConsole::follow_language(std::uint64_t steps_before) {
   if (!turns_.idle() || turns_.ending() || forms_.forms().size() != 1) return;
-  if (console_->activity().total() == steps_before || language_setting(*console_) == language_at_start_)
-    return;
+  if (console_->activity().total() == steps_before || !console_.speaks_otherwise()) return;
   const PageEntry* entry = find_page(settings_.pages, forms_.page_name());
   if (entry == nullptr || !forms_.page()->unsaved().empty()) return;
   const std::string query(forms_.page()->query());
@@ -408,10 +354,7 @@ void SessionConsole::follow_language(std::uint64_t steps_before) {
 }
 
 void SessionConsole::renew_console(std::string_view page) {
-  if (language_setting(*console_) == language_at_start_) return;
-  entries_.reset();
-  console_.reset();
-  start_console();
+  if (!console_.renew()) return;
   reporter_.send(hello_message(*console_, identity_, settings_.pages, page, {}));
 }
 
@@ -449,7 +392,7 @@ void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& co
       table_of(control).user_filter(message.text);
       break;
     case Act::fetch:
-      fetch(*shown, control);
+      files_.fetch(*shown, control);
       break;
     case Act::reload:
       if (control.kind() != ControlKind::list_box) throw Refused(control.name() + " is no list");
@@ -459,40 +402,16 @@ void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& co
 }
 
 void SessionConsole::click(const ShownForm& shown, Control& control) {
-  if (control.usable() && !agrees_to_lose(shown, control.replaces())) return;
-  if (control.kind() == ControlKind::button && control.usable()) {
-    if (!agreed(shown, question_before_click(*console_, static_cast<Button&>(control)))) return;
-  }
+  if (!questions_.permits_click(shown, control)) return;
   use(*shown.form, [&] { control.user_click(); });
 }
 
 void SessionConsole::choose(ShownForm& shown, Control& control, std::int64_t index) {
-  if (control.usable() && !agrees_to_lose(shown, control.replaces())) {
+  if (!questions_.permits_choice(shown, control)) {
     shown.changes.tell_again(control);  // the browser shows the choice already
     return;
   }
   control.user_choose(index);
-}
-
-bool SessionConsole::agreed(const ShownForm& shown, const std::optional<MessageBox>& question) {
-  if (!question) return true;
-  return message_box(*question) == BoxReply::ok && is_still_shown(shown);
-}
-
-bool SessionConsole::agrees_to_lose(const ShownForm& shown, std::span<const Control* const> fields) {
-  std::vector<std::string> unsaved;
-  for (const Control* field : fields) {
-    if (field->unsaved()) unsaved.push_back(shown.form->label_of(*field));
-  }
-  return agreed(shown, question_before_replacing(*console_, unsaved));
-}
-
-bool SessionConsole::agrees_to_leave(std::span<const std::shared_ptr<ShownForm>> left) {
-  std::vector<std::string> unsaved;
-  for (const std::shared_ptr<ShownForm>& shown : left) {
-    for (const Control* field : shown->form->unsaved()) unsaved.push_back(shown->form->label_of(*field));
-  }
-  return left.empty() || agreed(*left.back(), question_before_leaving(*console_, unsaved));
 }
 
 // Nobody did anything, so there is nothing to report but what has changed.
@@ -506,35 +425,6 @@ void SessionConsole::look_for_changes() {
   reporter_.forms();
 }
 
-bool SessionConsole::is_still_shown(const ShownForm& shown) {
-  return !turns_.ending() && forms_.find(shown.id).get() == &shown &&
-         (!shown.dialog || shown.form->is_open());
-}
-
-// The path that a person has typed is there again afterwards.
-void SessionConsole::fetch(const ShownForm& shown, Control& control) {
-  const FileList::Exchange* exchange =
-      control.kind() == ControlKind::file_list ? static_cast<FileList&>(control).exchange() : nullptr;
-  if (exchange == nullptr || exchange->exports == nullptr || !control.usable() || leaving_) {
-    throw Refused(control.name() + " gives no file now");
-  }
-  const std::string typed = exchange->path->text();
-  leaving_ = UploadFolder(settings_.folder).leave(typed);
-  const auto settle = [&] {
-    leaving_.reset();
-    if (is_still_shown(shown)) exchange->path->set_text(typed);
-  };
-  try {
-    exchange->exports->user_click();
-    exchange->path->user_type(to_product_path(leaving_->path()));
-    exchange->run->user_click();
-  } catch (const Refused&) {
-    settle();
-    throw;
-  }
-  settle();
-}
-
 void SessionConsole::remove_chosen(const std::shared_ptr<ShownForm>& shown, Control& control,
                                    const BrowserMessage& message) {
   if (control.kind() != ControlKind::list_box) throw Refused(control.name() + " is no list");
@@ -544,14 +434,10 @@ void SessionConsole::remove_chosen(const std::shared_ptr<ShownForm>& shown, Cont
     throw Refused(control.name() + " has changed meanwhile");
   }
   const StringList entries = entries_at(shown->filter, list, {message.text, message.order}, message.ranges);
-  const Button* const button = list.acts().remove;
-  if (button != nullptr && button->usable() &&
-      !agreed(*shown, question_before_removal(*console_, list, entries.size()))) {
-    return;
-  }
+  if (!questions_.permits_removal(*shown, list, entries.size())) return;
   remove_entries(list, entries, [&](std::size_t done) {
     reporter_.progress({{}, done, entries.size()});
-    return is_still_shown(*shown);
+    return questions_.is_still_shown(*shown);
   });
 }
 
@@ -570,7 +456,7 @@ void SessionConsole::close_dialog(const BrowserMessage& message) {
   } else {
     const std::uint64_t connection = reporter_.connection();
     run_action([&] {
-      if (agrees_to_leave({&shown, 1})) shown->form->run([&] { shown->form->close(); });
+      if (questions_.permits_leaving({&shown, 1})) shown->form->run([&] { shown->form->close(); });
     });
     output_.send(connection, done_message(message.seq));
   }
@@ -586,7 +472,7 @@ void SessionConsole::change_page(const BrowserMessage& message) {
   }
   const std::uint64_t connection = reporter_.connection();
   bool leaves = false;
-  run_action([&] { leaves = agrees_to_leave(std::vector(forms_.forms())); });
+  run_action([&] { leaves = questions_.permits_leaving(std::vector(forms_.forms())); });
   if (!leaves) {
     output_.send(connection, done_message(message.seq));
     return;
@@ -619,44 +505,11 @@ void SessionConsole::show_page(const PageEntry& entry, const std::string& query)
   reporter_.set_showing(false);
 }
 
-void SessionConsole::handle_upload(PendingUpload& upload) {
-  const std::shared_ptr<ShownForm> shown = forms_.find(upload.target.form);
-  Control* control = shown ? shown->form->find(upload.target.control) : nullptr;
-  if (!shown || upload.deadline < Turns::Clock::now()) {
-    upload.refuse(409, "no_form");
-  } else if (control == nullptr || control->kind() != ControlKind::file_list || !control->usable()) {
-    upload.refuse(409, "refused");
-  } else if (forms_.is_covered(*shown)) {
-    upload.refuse(409, "busy");
-  } else if (!reporter_.permits_actions()) {
-    upload.refuse(503, no_audit);
-  } else {
-    take_upload(upload, static_cast<FileList&>(*control));
-  }
-}
-
-// As if the user had found the file in the upload folder, and clicked it.
-void SessionConsole::take_upload(PendingUpload& upload, FileList& list) {
-  std::string name;
+void SessionConsole::take_upload(PendingUpload& upload) {
+  const std::optional<FileExchange::Received> received = files_.receive(upload);
+  if (!received) return;
   try {
-    name = upload.file->keep(upload.target.name);
-  } catch (const Error& failure) {
-    reporter_.note("upload", upload_name(upload.target.name), failure.what());
-    upload.refuse(500, "not_saved");
-    return;
-  }
-  reporter_.note("upload", name + " (" + std::to_string(upload.file->size()) + " bytes)");
-  upload.accept(name);
-  try {
-    run_action([&] {
-      list.set_path(to_product_path(UploadFolder(settings_.folder).path()));
-      const StringList& items = list.items();
-      for (std::size_t i = 0; i < items.size(); ++i) {
-        if (items[i] != name) continue;
-        list.user_choose(static_cast<std::int64_t>(i));
-        break;
-      }
-    });
+    run_action([&] { files_.choose(*received); });
   } catch (const Refused&) {
     // Nothing but the folder being removed meanwhile leads here; the list shows what is there.
     reporter_.forms();

@@ -5,42 +5,30 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <span>
 #include <stop_token>
 #include <string>
 
 #include "catalogue/catalogue.h"
-#include "core/console.h"
 #include "core/contracts/host.h"
-#include "host/web/entry_finder.h"
+#include "host/web/current_console.h"
+#include "host/web/file_exchange.h"
 #include "host/web/form_stack.h"
 #include "host/web/inbox.h"
 #include "host/web/messages.h"
 #include "host/web/offered_files.h"
+#include "host/web/questions.h"
 #include "host/web/reporter.h"
 #include "host/web/session_output.h"
 #include "host/web/terminals.h"
 #include "host/web/turns.h"
-#include "host/web/uploads.h"
 
 namespace zrl::web {
 
-// What the consoles of all sessions have in common. Used by several threads at once.
-struct ConsoleSettings {
-  std::filesystem::path folder;
-  std::span<const PageEntry> pages;
-  std::function<void(Console&)> register_components;
-  std::shared_ptr<AuditFile> audit;
-  // Whether dialogs stay open beside their page while its handler goes on.
-  bool modeless_dialogs = false;
-  // Of all consoles.
-  std::shared_ptr<ListPool> lists = std::make_shared<ListPool>();
-};
-
 // A tab's console with the page that it shows: the host of that console. It is driven by the
-// inbox alone, and works on the thread that calls run(). FormStack has the open forms, Turns decides when a
-// message is handled, and Reporter sends the results.
+// inbox alone, and works on the thread that calls run(). It passes on what the browser asks for and owns
+// those who do it: FormStack has the open forms, Turns decides when a message is handled, Questions asks
+// before something is lost, FileExchange takes and gives files, CurrentConsole keeps the console in the
+// language that is set, and Reporter sends the results.
 class SessionConsole : public Host, private TurnHandler {
  public:
   // All but `identity` must outlive it.
@@ -63,17 +51,10 @@ class SessionConsole : public Host, private TurnHandler {
   void show_progress(const Progress& progress) override;
 
  private:
-  struct OpenBox {
-    std::uint64_t id;
-    const MessageBox* box;
-    std::optional<BoxReply> reply;
-  };
-
   void arrived(const Incoming& item) override;
   void handle(const BrowserMessage& message) override;
   void tick(Timer& timer) override;
 
-  void start_console();
   void greet(std::uint64_t connection);
   std::string_view shown_query() const;
   void accept(BrowserMessage message);
@@ -83,15 +64,7 @@ class SessionConsole : public Host, private TurnHandler {
   // Ask first if the act destroys something, or replaces what somebody has typed.
   void click(const ShownForm& shown, Control& control);
   void choose(ShownForm& shown, Control& control, std::int64_t index);
-  // Whether the person agrees to lose what stands unsaved in the fields, or nothing does.
-  bool agrees_to_lose(const ShownForm& shown, std::span<const Control* const> fields);
-  bool agrees_to_leave(std::span<const std::shared_ptr<ShownForm>> left);
   void look_for_changes();
-  // True if the person agrees, or if there is nothing to ask. False also if the form is gone by then.
-  bool agreed(const ShownForm& shown, const std::optional<MessageBox>& question);
-  bool is_still_shown(const ShownForm& shown);
-  // Has the form write the file to a place of its own, and offers it to the user.
-  void fetch(const ShownForm& shown, Control& control);
   // Ends early when the session does, or when the form is gone.
   void remove_chosen(const std::shared_ptr<ShownForm>& shown, Control& control,
                      const BrowserMessage& message);
@@ -104,8 +77,7 @@ class SessionConsole : public Host, private TurnHandler {
   void renew_console(std::string_view page);
   void leave_page();
   void show_page(const PageEntry& entry, const std::string& query);
-  void handle_upload(PendingUpload& upload);
-  void take_upload(PendingUpload& upload, FileList& list);
+  void take_upload(PendingUpload& upload);
   // Runs an action of a form and reports what it did. Passes on what it raises, for which the message is
   // refused.
   void run_action(const std::function<void()>& action);
@@ -115,23 +87,18 @@ class SessionConsole : public Host, private TurnHandler {
 
   const ConsoleSettings& settings_;
   const TabIdentity identity_;
-  OfferedFiles& offered_;
   SessionOutput& output_;
 
-  std::unique_ptr<Console> console_;
-  std::unique_ptr<EntryFinder> entries_;
+  CurrentConsole console_;  // outlives the forms
   FormStack forms_;
   Reporter reporter_;
   Terminals terminals_;
   // Called on the I/O thread: programs don't wait for an action to end.
   std::stop_callback<std::function<void()>> end_programs_;
   Turns turns_;
+  Questions questions_;
+  FileExchange files_;
 
-  std::string language_at_start_;
-  std::string captions_;
-  std::optional<OpenBox> box_;
-  std::shared_ptr<const LeavingFile> leaving_;  // what fetch() is having written
-  std::uint64_t last_box_ = 0;
   std::uint64_t last_seq_ = 0;
   int modal_depth_ = 0;
 };
