@@ -61,7 +61,7 @@ void TextField::user_type(std::string_view text) {
   typing_ = true;
   set_text(text);
   typing_ = false;
-  typed(before, text_);
+  if (!chooses_rows_) typed(before, text_);
 }
 
 PropertyValue TextField::own(Property) const {

@@ -115,6 +115,11 @@ class TextField : public Control {
   void set_expects(const Expectation& expected) { expected_ = expected; }
   const Expectation& expects() const { return expected_; }
 
+  // What is typed chooses the rows that the form shows, as the filter of a table does: it acts at once, so
+  // there is nothing to save, and it is never unsaved(). To be called before the form is shown.
+  void set_chooses_rows() { chooses_rows_ = true; }
+  bool chooses_rows() const { return chooses_rows_; }
+
   // Hosts show the marks of a field with the style `source` until others are set. Changing the text does not
   // remove them, so their places may no longer fit.
   const std::vector<Mark>& marks() const { return marks_; }
@@ -130,6 +135,7 @@ class TextField : public Control {
   Expectation expected_;
   std::vector<Mark> marks_;
   bool typing_ = false;
+  bool chooses_rows_ = false;
 };
 
 // Checked or not. A user's click toggles it, then runs on_click; the program's setters run nothing.

@@ -30,6 +30,7 @@ std::size_t Table::find_column(std::string_view name) const {
 void Table::set_filters(TextField& field) {
   filters_ = true;
   filter_field_ = &field;
+  field.set_chooses_rows();
   field.on_change = [this, &field] { set_filter(field.text()); };
 }
 

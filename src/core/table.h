@@ -41,7 +41,7 @@ class Table : public CaptionedControl {
   // `source` must live as long as the table. To be called once, in the page's constructor.
   void set_source(RowSource& source) { source_ = &source; }
   // People may filter the rows. With `field` they type the filter into that field of the page, whose change
-  // this sets; without one, hosts show a field of the table's own.
+  // this sets, and which chooses rows from then on; without one, hosts show a field of the table's own.
   void set_filters() { filters_ = true; }
   void set_filters(TextField& field);
   bool filters() const { return filters_; }

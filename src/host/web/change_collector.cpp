@@ -113,6 +113,7 @@ void add_design(const Control& control, const LabelNames& labels, json::object& 
     object["secret"] = style.secret;
     if (style.counts) object["counts"] = true;
     if (style.path) object["path"] = true;
+    if (static_cast<const TextField&>(control).chooses_rows()) object["choosesRows"] = true;
     if (style.source) {
       object["source"] = true;
       object["marks"] = marks_json(static_cast<const TextField&>(control));

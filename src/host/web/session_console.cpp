@@ -23,15 +23,6 @@ Table& table_of(Control& control) {
   return static_cast<Table&>(control);
 }
 
-// Where people filter a table, the fields that act at once choose its rows: nothing of them is to be saved.
-bool chooses_rows(const Form& form, const Control& control) {
-  if (control.kind() != ControlKind::text_field || !static_cast<const TextField&>(control).on_change)
-    return false;
-  return std::ranges::any_of(form.controls(), [](const Control* other) {
-    return other->kind() == ControlKind::table && static_cast<const Table*>(other)->filters();
-  });
-}
-
 }  // namespace
 
 SessionConsole::SessionConsole(const ConsoleSettings& settings, TabIdentity identity,
@@ -367,7 +358,7 @@ void SessionConsole::act_on(const std::shared_ptr<ShownForm>& shown, Control& co
     case Act::type:
       shown->changes.typed(control, message.text);
       // The handlers of combo boxes act on what is typed; those of most text fields only look at it.
-      if (control.kind() == ControlKind::combo_box || chooses_rows(*shown->form, control)) {
+      if (control.kind() == ControlKind::combo_box) {
         use(*shown->form, [&] { control.user_type(message.text); });
       } else {
         control.user_type(message.text);

@@ -45,7 +45,10 @@ std::string time_of_query(std::string text) {
 
 MessagesPage::MessagesPage(Console& console) : Page(console, "messages", "Messages") {
   for (ComboBox* box : {&period, &kind, &verdict}) box->on_click = [this] { choose(); };
-  for (TextField* field : {&since, &until}) field->on_change = [this] { choose(); };
+  for (TextField* field : {&since, &until}) {
+    field->set_chooses_rows();
+    field->on_change = [this] { choose(); };
+  }
   rows.set_filters(filter);
   rows.on_choose = [this] { show_chosen(); };
   Timer1.on_tick = [this] { tick(); };

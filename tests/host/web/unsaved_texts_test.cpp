@@ -90,6 +90,17 @@ TEST(UnsavedTexts, AreSetAsideWhereTheProgramReplacesThem) {
   session.show("handlers");
 }
 
+TEST(UnsavedTexts, AreNoneInFieldsThatChooseRows) {
+  SessionDriver session(page_catalogue());
+  session.show("messages");
+  for (const char* field : {"filter", "since", "until"}) {
+    for (const char* text : {"2026", "2026-01"}) type(session, "messages", field, text);
+    EXPECT_FALSE(session.forms.at("messages").at(field).as_object().contains("unsaved")) << field;
+    EXPECT_EQ(session.held("messages", field, "choosesRows"), true);
+  }
+  session.show("strings");  // without a question
+}
+
 TEST(UnsavedTexts, OfAScriptAreAskedAboutBeforeAnotherScriptIsChosen) {
   SessionDriver session(page_catalogue());
   session.show("ScriptEngine");

@@ -76,7 +76,7 @@ export class ControlModel {
     const typed = control.kind === 'TextField' || (control.kind === 'ComboBox' && control.editable === true)
     this.pending = typed ? new PendingText(control.text ?? '') : null
     this.text = signal(control.text ?? '')
-    this.keepsDrafts = control.kind === 'TextField' && control.secret !== true
+    this.keepsDrafts = control.kind === 'TextField' && control.secret !== true && control.choosesRows !== true
     this.list = listKinds.has(control.kind)
       ? new ListModel(form.name, name, control.items ?? { length: 0, revision: 0 }, message => form.link.send(message))
       : null
@@ -116,7 +116,8 @@ export class ControlModel {
 
   /** Whether leaving the form would lose what was typed. */
   get unsaved(): boolean {
-    return this.shown.value.unsaved === true || this.pending?.dirty === true
+    const { unsaved, choosesRows } = this.shown.value
+    return unsaved === true || (this.pending?.dirty === true && choosesRows !== true)
   }
 
   /** The name of what the field shows, where the form shows one of several things in it. */

@@ -122,6 +122,8 @@ export interface Control {
   marks?: Mark[]
   fixedPitch?: boolean
   secret?: boolean
+  /** What is typed chooses the rows that the form shows: there is nothing to save. */
+  choosesRows?: boolean
   placeholder?: string
   editable?: boolean
   group?: string | number
