@@ -205,12 +205,18 @@ test('what was typed is not left without a question, and is offered again', asyn
   await answer(page, 'Cancel')
   await page.waitForFunction(() => location.hash === '#/strings')
   assert.equal(await field(page, 'strings', 'hello').inputValue(), '250 unsaved')
+  const signOut = page.getByRole('button', { name: /^Sign out/ })
+  await signOut.click()
+  await box(page).getByText('Reply to HELO and EHLO').waitFor()
+  await answer(page, 'Cancel')
+  await settled(page)
+  assert.equal(await field(page, 'strings', 'hello').inputValue(), '250 unsaved')
   await link.click()
   await answer(page, 'Leave')
   await page.locator('main [data-control^="c-spf-"]').first().waitFor()
 
   // On this device, for this account, whatever becomes of the session.
-  await page.getByRole('button', { name: /^Sign out/ }).click()
+  await signOut.click()
   await signIn(page)
   await openNamed(page, 'strings')
   const offer = page.locator('.draft-offer')
@@ -235,4 +241,12 @@ test('what was typed is not left without a question, and is offered again', asyn
   assert.equal(await page.evaluate(() => Object.keys(localStorage).filter(key => key.startsWith('draft ')).length), 0)
   await press(page, 'strings', 'updatedb')
   await console.becomes("SELECT value FROM konf WHERE ID='hello'", '250 once more')
+
+  // Signing out within the same moment.
+  await field(page, 'strings', 'hello').fill('250 at the last moment')
+  await signOut.click()
+  await answer(page, 'Leave')
+  await signIn(page)
+  await openNamed(page, 'strings')
+  await offer.getByText('250 at the last moment').waitFor()
 })

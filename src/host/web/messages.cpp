@@ -17,9 +17,10 @@ using Act = BrowserMessage::Act;
 constexpr std::size_t max_depth = 8;
 constexpr std::int64_t longest_side = 1000;  // of a terminal
 
-constexpr std::array<std::pair<std::string_view, Type>, 16> types = {{{"open", Type::open},
+constexpr std::array<std::pair<std::string_view, Type>, 17> types = {{{"open", Type::open},
                                                                       {"event", Type::event},
                                                                       {"close", Type::close},
+                                                                      {"leave", Type::leave},
                                                                       {"answer", Type::answer},
                                                                       {"rows", Type::rows},
                                                                       {"cells", Type::cells},
@@ -227,6 +228,7 @@ BrowserMessage read(const json::object& object) {
       message.id = count_of(object, "id");
       break;
     case Type::captions:
+    case Type::leave:
     case Type::active:
     case Type::look:
     case Type::upload:

@@ -24,6 +24,7 @@ struct BrowserMessage {
     open,
     event,
     close,
+    leave,
     answer,
     rows,
     cells,
@@ -49,7 +50,7 @@ struct BrowserMessage {
 
   Type type{};
   Act act{};
-  std::uint64_t seq = 0;      // of open, event, close
+  std::uint64_t seq = 0;      // of those that has_seq()
   std::uint64_t request = 0;  // of rows, cells, record, find
   std::uint64_t id = 0;       // of answer, and of a terminal
   std::uint64_t start = 0;
@@ -79,7 +80,8 @@ struct BrowserMessage {
            type == Type::active || type == Type::find;
   }
   bool has_seq() const {
-    return type == Type::open || type == Type::event || type == Type::close || type == Type::language;
+    return type == Type::open || type == Type::event || type == Type::close || type == Type::leave ||
+           type == Type::language;
   }
 };
 

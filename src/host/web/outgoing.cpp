@@ -260,6 +260,10 @@ std::string gone_message(std::uint64_t id) {
   return json::serialize(json::object{{"type", "gone"}, {"id", id}});
 }
 
+std::string leave_message() {
+  return json::serialize(json::object{{"type", "leave"}});
+}
+
 std::string go_message(std::string_view page, std::string_view query) {
   return json::serialize(json::object{{"type", "go"}, {"page", valid(page)}, {"query", valid(query)}});
 }

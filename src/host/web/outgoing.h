@@ -68,6 +68,7 @@ std::string terminal_message(std::uint64_t id, std::string_view title, bool fres
 std::string output_message(std::uint64_t id, std::uint64_t position, std::string_view bytes);
 std::string ended_message(std::uint64_t id, const Terminal::End& end);
 std::string gone_message(std::uint64_t id);
+std::string leave_message();
 std::string go_message(std::string_view page, std::string_view query);
 // `awaited` if the user has asked for just this file.
 std::string file_message(const Offer& offer, bool awaited);

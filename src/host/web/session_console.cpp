@@ -251,6 +251,9 @@ void SessionConsole::handle(const BrowserMessage& message) {
     case Type::close:
       close_dialog(message);
       break;
+    case Type::leave:
+      ask_before_sign_out(message);
+      break;
     case Type::open:
       change_page(message);
       break;
@@ -451,6 +454,16 @@ void SessionConsole::close_dialog(const BrowserMessage& message) {
     });
     output_.send(connection, done_message(message.seq));
   }
+}
+
+void SessionConsole::ask_before_sign_out(const BrowserMessage& message) {
+  reporter_.event_began(message.seq);
+  const std::uint64_t connection = reporter_.connection();
+  bool leaves = false;
+  run_action([&] { leaves = questions_.permits_leaving(std::vector(forms_.forms())); });
+  // The browser may have connected anew while the person was asked.
+  if (leaves) reporter_.send(leave_message());
+  output_.send(connection, done_message(message.seq));
 }
 
 void SessionConsole::change_page(const BrowserMessage& message) {

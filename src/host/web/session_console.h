@@ -69,6 +69,8 @@ class SessionConsole : public Host, private TurnHandler {
   void remove_chosen(const std::shared_ptr<ShownForm>& shown, Control& control,
                      const BrowserMessage& message);
   void close_dialog(const BrowserMessage& message);
+  // The browser signs out by itself, once the person agrees to leave what is unsaved.
+  void ask_before_sign_out(const BrowserMessage& message);
   void change_page(const BrowserMessage& message);
   void choose_language(const BrowserMessage& message);
   // An event may have chosen another language: the page is shown anew in it.

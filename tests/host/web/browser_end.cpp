@@ -40,6 +40,10 @@ std::uint64_t BrowserEnd::close_form(std::string_view form) {
   return send_numbered({{"type", "close"}, {"form", form}});
 }
 
+std::uint64_t BrowserEnd::leave() {
+  return send_numbered({{"type", "leave"}});
+}
+
 void BrowserEnd::answer(const json::object& box, std::string_view reply) {
   send(json::object{{"type", "answer"}, {"id", box.at("id")}, {"reply", reply}});
 }

@@ -42,6 +42,7 @@ class BrowserEnd {
   }
   std::uint64_t open(std::string_view page);
   std::uint64_t close_form(std::string_view form);
+  std::uint64_t leave();
   void answer(const json::object& box, std::string_view reply);
   // Receives up to the message that tells that the event has been handled. Raises if it is refused.
   void until_done(std::uint64_t seq);

@@ -90,6 +90,28 @@ TEST(UnsavedTexts, AreSetAsideWhereTheProgramReplacesThem) {
   session.show("handlers");
 }
 
+TEST(UnsavedTexts, ArePartOfTheQuestionBeforeTheSessionIsLeft) {
+  SessionDriver session(test_pages());
+  session.show("allcontrols");
+  session.leave();
+  session.receive("leave");  // there is nothing to ask about
+  type(session, "allcontrols", "Text1", "typed");
+  const std::uint64_t cancelled = session.leave();
+  EXPECT_THAT(answered(session, cancelled, "cancel"), HasSubstr("Leave: What you have typed"));
+  // Nothing of it says that the browser may sign out.
+  session.click("allcontrols", "open");
+  while (true) {
+    const auto message = session.receive();
+    ASSERT_TRUE(message);
+    ASSERT_NE(message->at("type").as_string(), "leave");
+    if (message->at("type").as_string() == "form") break;
+  }
+  // Nor does an open dialog keep it from signing out.
+  session.leave();
+  session.answer(session.receive("box"), "ok");
+  session.receive("leave");
+}
+
 TEST(UnsavedTexts, AreNoneInFieldsThatChooseRows) {
   SessionDriver session(page_catalogue());
   session.show("messages");

@@ -56,6 +56,8 @@ export class Session implements Link {
   onRefusal: (refusal: Refusal) => void = () => {}
   /** A page wants another one to be opened. */
   onGo: (page: string, query: string) => void = () => {}
+  /** The person agrees to leave what was typed and not saved. */
+  onLeave: () => void = () => {}
   onFile: (file: OfferedFile, awaited: boolean) => void = () => {}
   onUnfit: (control: ControlModel) => void = () => {}
   /** The tab has another console than the one that it had. */
@@ -117,6 +119,14 @@ export class Session implements Link {
     if (this.connection.sendSequenced({ type: 'close', form: form.name }) === 0) {
       this.onRefusal({ code: 'not_connected', text: '' })
     }
+  }
+
+  /** Has the host ask before the person signs out; false if there is nothing to ask about, or nobody who asks. */
+  askToLeave(): boolean {
+    // What is on its way to the host is not known to be unsaved yet.
+    const asks = this.unsaved || this.unsettled.size > 0
+    this.flush()
+    return asks && this.connection.sendSequenced({ type: 'leave' }) > 0
   }
 
   answer(box: BoxMessage, reply: Reply): void {
@@ -246,6 +256,8 @@ export class Session implements Link {
       case 'cells':
         this.findForm(message.form)?.controls.get(message.control)?.table?.accept(message)
         return
+      case 'leave':
+        return this.onLeave()
       case 'go':
         return this.onGo(message.page, message.query)
       case 'box':

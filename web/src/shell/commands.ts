@@ -37,6 +37,6 @@ export function commands(): Runnable[] {
         run: () => session.speak(language),
       })),
     { name: 'password', text: m.changePassword, words: 'account Konto Kennwort', run: openPasswordDialog },
-    { name: 'leave', text: m.signOut, words: 'log out logout Logout ausloggen', run: () => void leave() },
+    { name: 'leave', text: m.signOut, words: 'log out logout Logout ausloggen', run: leave },
   ]
 }

@@ -51,7 +51,7 @@ export function Header({ onMenu, menuOpen }: { onMenu: () => void; menuOpen: boo
         class="icon-button"
         aria-label={`${m.signOut} (${m.signedInAs(hello?.account ?? '')})`}
         data-tip={`${m.signOut} – ${m.signedInAs(hello?.account ?? '')}`}
-        onClick={() => void leave()}
+        onClick={leave}
       >
         <Icon name="leave" />
       </button>

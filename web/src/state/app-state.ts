@@ -148,8 +148,13 @@ export async function begin(): Promise<void> {
   }
 }
 
-export async function leave(): Promise<void> {
-  session.flush()
+/** Signs out, after the question about what is unsaved. */
+export function leave(): void {
+  if (!session.askToLeave()) void signOut()
+}
+session.onLeave = () => void signOut()
+
+async function signOut(): Promise<void> {
   try {
     await logOut()
   } catch {

@@ -415,6 +415,7 @@ export type ServerMessage =
   | { type: 'closed'; form: string; unsaved?: string[] }
   | RowsMessage
   | CellsMessage
+  | { type: 'leave' }
   | { type: 'go'; page: string; query: string }
   | BoxMessage
   | { type: 'unbox'; id: number | string }
@@ -449,6 +450,7 @@ export type SequencedMessage =
   | { type: 'language'; language: Language }
   | ({ type: 'event'; form: string; control: string } & UserEvent)
   | { type: 'close'; form: string }
+  | { type: 'leave' }
 
 export type TerminalAct =
   | { type: 'input'; id: number; text: string }
