@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "pages/lists/mail_page.h"
+#include "pages/settings/pop_config_page.h"
 #include "pages/settings/strings_page.h"
 #include "scripting/script_engine_page.h"
 #include "scripting/script_table.h"
@@ -150,6 +151,97 @@ TEST_F(NewerPorts, AreNotDeletedBeforeTheQuestion) {
   host.reply = BoxReply::ok;
   page.Command1.user_click();
   EXPECT_EQ(option("forwardport"), "27");
+}
+
+// Both people have the page open, each on a console of their own.
+class NewerAccounts : public TwoPeople<PopConfigPage> {
+ protected:
+  NewerAccounts() {
+    other_host.guards = true;
+    register_components(other_console);
+    execute(
+        "INSERT INTO pop3 (entry,password,maxsize,submit,leave) "
+        "VALUES ('me,pop.example','secret',7,'D:\\first',0)");
+    mine = &shown();
+    theirs.initialise();
+    for (PopConfigPage* page : {mine, &theirs}) page->userlist.user_choose(0);
+  }
+  std::string stored(Literal column) { return rows("pop3", column).at(0); }
+
+  PopConfigPage* mine = nullptr;
+  test::RecordingHost other_host;
+  Console other_console{folder.path(), other_host};
+  PopConfigPage theirs{other_console};
+};
+
+TEST_F(NewerAccounts, TakeWhatIsUnchangedHereWithoutAQuestion) {
+  theirs.subm.user_type("D:\\theirs");
+  theirs.leave.user_click();
+  theirs.password.user_type("newer");
+  theirs.addmod.user_click();
+  mine->maxsize.user_type("9");
+  mine->forward.user_type("me@home.example");
+  mine->addmod.user_click();
+  EXPECT_THAT(host.boxes, IsEmpty());
+  EXPECT_EQ(stored("submit") + stored("password") + stored("leave"), "D:\\theirsnewer1");
+  EXPECT_EQ(stored("maxsize") + stored("forward"), "9me@home.example");
+  EXPECT_EQ(mine->subm.text(), "D:\\theirs");
+  EXPECT_TRUE(mine->leave.checked());
+  // The other one has not seen that: a second save of theirs puts nothing back.
+  theirs.addmod.user_click();
+  EXPECT_EQ(stored("maxsize") + stored("forward"), "9me@home.example");
+  EXPECT_THAT(other_host.boxes, IsEmpty());
+}
+
+TEST_F(NewerAccounts, AreOverwrittenOnlyIfThePersonSaysSo) {
+  theirs.subm.user_type("D:\\theirs");
+  theirs.password.user_type("newer");
+  theirs.scan.user_click();
+  theirs.addmod.user_click();
+  mine->subm.user_type("D:\\mine");
+  mine->password.user_type("mine");
+  host.reply = BoxReply::cancel;
+  mine->addmod.user_click();
+  ASSERT_THAT(host.boxes, SizeIs(1));
+  EXPECT_THAT(host.boxes[0].text,
+              testing::EndsWith("me,pop.example:\r\nPick-up folder: D:\\theirs\r\nPassword: ********"));
+  EXPECT_EQ(host.boxes[0].act + ", " + host.boxes[0].other, "Overwrite, Keep the other");
+  EXPECT_EQ(stored("submit") + stored("password"), "D:\\theirsnewer");
+  EXPECT_EQ(mine->subm.text() + mine->password.text(), "D:\\minemine");
+  EXPECT_THAT(activity(), Contains("failed: not stored: me,pop.example"));
+
+  host.reply = BoxReply::other;
+  mine->subm.user_type("D:\\mine");
+  mine->forward.user_type("me@home.example");
+  mine->addmod.user_click();
+  EXPECT_EQ(stored("submit") + stored("password") + stored("forward"), "D:\\theirsnewerme@home.example");
+  EXPECT_EQ(mine->subm.text() + mine->password.text(), "D:\\theirsnewer");
+
+  // What was decided is not asked again, and what comes after it is.
+  host.reply = BoxReply::ok;
+  host.boxes.clear();
+  mine->subm.user_type("D:\\mine");
+  mine->addmod.user_click();
+  EXPECT_THAT(host.boxes, IsEmpty());
+  theirs.subm.user_type("D:\\theirs, too");
+  theirs.addmod.user_click();
+  EXPECT_THAT(other_host.boxes, SizeIs(1));
+  EXPECT_EQ(stored("submit") + stored("scan"), "D:\\theirs, too1");
+}
+
+TEST_F(NewerAccounts, OfTheSameNameAreAskedAbout) {
+  for (PopConfigPage* page : {mine, &theirs}) {
+    page->clearnew.user_click();
+    page->username.user_type("new");
+    page->server.user_type("pop.example");
+  }
+  theirs.subm.user_type("D:\\theirs");
+  theirs.addmod.user_click();
+  mine->subm.user_type("D:\\mine");
+  host.reply = BoxReply::cancel;
+  mine->addmod.user_click();
+  EXPECT_THAT(host.boxes, SizeIs(1));
+  EXPECT_EQ(rows("pop3", "submit").at(1), "D:\\theirs");
 }
 
 class NewerScripts : public testing::Test, public test::ScriptTable<test::ShownPage<ScriptEnginePage>> {

@@ -1,5 +1,7 @@
 #include "pages/settings/pop_config_page.h"
 
+#include <algorithm>
+
 #include "core/text/text.h"
 
 namespace zrl {
@@ -15,6 +17,19 @@ constexpr Sentence account_stored{"Account %1 stored", "Account %1 not stored"};
 constexpr Sentence account_deleted{"Account %1 deleted", "Account %1 not deleted"};
 constexpr Sentence interval_stored{"Mail is collected every %1 minutes",
                                    "The interval \"%1\" was not stored"};
+
+// As PopConfigPage::value_controls().
+constexpr std::string_view columns[] = {"leave",  "spamtobadmail", "subjectdelete", "maxsize", "scan",
+                                        "submit", "forward",       "spamforward",   "badmail", "password",
+                                        "tag"};
+
+// As the form shows it.
+std::string value_of(RecordSet& row, std::string_view column, const Control& control) {
+  if (column == "tag") return row.text(column).empty() ? "0" : "1";
+  if (control.kind() == ControlKind::check_box) return row.number(column) != 0 ? "1" : "0";
+  if (column == "maxsize" && row.is_null(column)) return "0";
+  return std::string(row.text(column));
+}
 
 // A value that the service cannot use is stored as empty, which switches that kind of delivery off.
 
@@ -104,17 +119,97 @@ void PopConfigPage::show_account() {
   const auto row =
       open("SELECT * FROM pop3 where entry='" + value(entry) + "'", Connection::Access::read_only);
   if (!row || row->at_end()) return;
-  leave.set_checked(row->number("leave") != 0);
-  spamtobadmail.set_checked(row->number("spamtobadmail") != 0);
-  subjectdelete.set_checked(row->number("subjectdelete") != 0);
-  maxsize.set_text(row->is_null("maxsize") ? "0" : row->text("maxsize"));
-  scan.set_checked(row->number("scan") != 0);
-  subm.set_text(row->text("submit"));
-  forward.set_text(row->text("forward"));
-  spamforward.set_text(row->text("spamforward"));
-  badmail.set_text(row->text("badmail"));
-  password.set_text(row->text("password"));
-  tagging.set_checked(!row->text("tag").empty());
+  Values values;
+  const std::array controls = value_controls();
+  for (std::size_t i = 0; i < value_count; ++i) {
+    values[i] = value_of(*row, columns[i], *controls[i]);
+    show_value(*controls[i], values[i]);
+  }
+  loaded_ = Loaded{entry, std::move(values)};
+}
+
+std::array<Control*, PopConfigPage::value_count> PopConfigPage::value_controls() {
+  return {&leave,   &spamtobadmail, &subjectdelete, &maxsize,  &scan,   &subm,
+          &forward, &spamforward,   &badmail,       &password, &tagging};
+}
+
+PopConfigPage::Values PopConfigPage::shown_values() {
+  Values values;
+  std::ranges::transform(value_controls(), values.begin(), [](Control* control) -> std::string {
+    if (control->kind() == ControlKind::text_field) return static_cast<TextField*>(control)->text();
+    return static_cast<CheckBox*>(control)->checked() ? "1" : "0";
+  });
+  return values;
+}
+
+void PopConfigPage::show_value(Control& control, const std::string& value) {
+  if (control.kind() == ControlKind::text_field) {
+    static_cast<TextField&>(control).set_text(value);
+  } else {
+    static_cast<CheckBox&>(control).set_checked(value == "1");
+  }
+}
+
+// Nothing if there is no such row any more. Other than for a read-only set, the transaction stays open.
+std::optional<PopConfigPage::Values> PopConfigPage::stored_values(const std::string& entry) {
+  const auto row =
+      open("SELECT * FROM pop3 where entry='" + value(entry) + "'", Connection::Access::updatable);
+  if (!row || row->at_end()) return {};
+  Values values;
+  const std::array controls = value_controls();
+  const bool read = read_rows("pop3", [&] {
+    for (std::size_t i = 0; i < value_count; ++i) values[i] = value_of(*row, columns[i], *controls[i]);
+  });
+  return read ? std::optional(std::move(values)) : std::nullopt;
+}
+
+PopConfigPage::Turn PopConfigPage::compare(const std::string& entry) {
+  if (!console().host().guards_newer_values()) return Turn::write;
+  const bool known = loaded_ && loaded_->entry == entry;
+  // Who types the name of an account from the list wants to change it as a whole.
+  if (!known && userlist.items().find(entry) < userlist.items().size()) return Turn::write;
+  std::optional<Values> stored = stored_values(entry);
+  if (!stored) return Turn::write;
+
+  const std::array controls = value_controls();
+  const Values here = shown_values();
+  std::vector<std::size_t> disputed;
+  std::string newer;
+  for (std::size_t i = 0; i < value_count; ++i) {
+    const std::string& now = (*stored)[i];
+    const bool stays = controls[i] == &maxsize && here[i].empty();
+    if (stays || now == here[i] || (known && now == loaded_->values[i])) continue;
+    if (known && here[i] == loaded_->values[i]) {
+      show_value(*controls[i], now);
+      continue;
+    }
+    disputed.push_back(i);
+    std::string shown = now;
+    if (controls[i]->kind() == ControlKind::check_box) shown = translate(now == "1" ? "yes" : "no");
+    if (controls[i] == &password) shown = "********";
+    newer += (newer.empty() ? "" : "\r\n") + label_of(*controls[i]) + ": " + shown;
+  }
+  if (disputed.empty()) return Turn::write;
+
+  const Answer answer = ask_about_newer(entry, newer);
+  if (answer == Answer::cancel) {
+    failed(Kind::sql, "not stored: " + entry, "somebody else has stored other values meanwhile", Step::write);
+    return Turn::not_decided;
+  }
+  for (const std::size_t i : disputed) {
+    if (answer == Answer::keep_theirs) show_value(*controls[i], (*stored)[i]);
+  }
+  loaded_ = Loaded{entry, std::move(*stored)};
+  return Turn::again;
+}
+
+void PopConfigPage::remember_stored(const std::string& entry) {
+  if (!console().host().guards_newer_values()) return;
+  std::optional<Values> stored = stored_values(entry);
+  console().writes().if_dropped(static_cast<const DatabaseClient*>(this),
+                                [this, before = loaded_] { loaded_ = before; });
+  loaded_.reset();
+  if (stored) loaded_ = Loaded{entry, std::move(*stored)};
 }
 
 // The table refuses a second row of the same name, so for an account that is there the first
@@ -134,7 +229,12 @@ void PopConfigPage::save_account() {
     execute("UPDATE pop3 set " + column + "='" + text + "' where entry='" + value(entry) + "'");
   };
 
-  execute(insert_into("pop3", "entry", entry), Failure::expected);
+  Turn turn = Turn::again;
+  while (turn == Turn::again) {
+    const bool is_new = execute(insert_into("pop3", "entry", entry), Failure::expected);
+    turn = is_new ? Turn::write : compare(entry);
+  }
+  if (turn == Turn::not_decided) return say(account_stored, {entry});
   set_switch("leave", leave);
   set_switch("spamtobadmail", spamtobadmail);
   set_switch("subjectdelete", subjectdelete);
@@ -150,6 +250,7 @@ void PopConfigPage::save_account() {
   set_text("badmail", value(spam_folder));
   set_text("[password]", secret(password.text()));
   set_text("tag", value(tagging.checked() ? spam_tag : std::string_view()));
+  remember_stored(entry);
   store_directories();
   say(account_stored, {entry});
   show_accepted(subm, pickup, "a pick-up folder needs a colon");
@@ -185,6 +286,7 @@ void PopConfigPage::start_account() {
 }
 
 void PopConfigPage::empty_form() {
+  loaded_.reset();
   for (TextField* field :
        {&username, &server, &password, &maxsize, &subm, &forward, &spamforward, &badmail}) {
     field->set_text("");

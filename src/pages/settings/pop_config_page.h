@@ -1,5 +1,10 @@
 #pragma once
 
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
 #include "core/page.h"
 
 namespace zrl {
@@ -77,6 +82,27 @@ class PopConfigPage : public Page {
   void load_interval();
   void fill_list();
 
+  // The columns of an account in the order in which they are stored, as the form shows them: switches are
+  // "0" and "1".
+  static constexpr std::size_t value_count = 11;
+  using Values = std::array<std::string, value_count>;
+  std::array<Control*, value_count> value_controls();
+  Values shown_values();
+  void show_value(Control& control, const std::string& value);
+  std::optional<Values> stored_values(const std::string& entry);
+
+  // What the form was filled from.
+  struct Loaded {
+    std::string entry;
+    Values values;
+  };
+  enum class Turn { write, again, not_decided };
+  // Of an account that is there: whether the form may be written over it, within the transaction that is
+  // going to. What others have stored since is shown where the form is unchanged, and asked about elsewhere.
+  Turn compare(const std::string& entry);
+  // What the form shows of the account is what is stored now, unless the transaction is dropped.
+  void remember_stored(const std::string& entry);
+
   std::string account() const;
   void show_account();
   void save_account();
@@ -86,6 +112,8 @@ class PopConfigPage : public Page {
   void start_account();
   void empty_form();
   void store_interval();
+
+  std::optional<Loaded> loaded_;
 };
 
 }  // namespace zrl
