@@ -1,4 +1,4 @@
-# Completion of zrlconsole for bash.
+# Completion of zrlconsole for bash. Commands, options and what these take come from the program's own help.
 
 _zrlconsole_files() {
   local IFS=$'\n'
@@ -10,64 +10,69 @@ _zrlconsole_words() {
   COMPREPLY+=($(compgen -W "$1" -- "$current"))
 }
 
+# Reads the help of the command in `path`: its options and commands, how many words each option takes, and what
+# these are.
+_zrlconsole_learn() {
+  local line section='' name rest
+  local option='^ +(-[a-z], *)?(--[a-z-]+)(.*)' value='^ ([A-Z]+)(:\{([^}]*)\}|:[^ ]*)?( .*)?$' several='^[A-Z ]* x ([0-9]+) '
+  options='' commands=''
+  while IFS= read -r line; do
+    if [[ $line =~ ^[A-Za-z\ ]+:$ ]]; then
+      section=${line,,}
+    elif [[ $line =~ $option ]]; then
+      name=${BASH_REMATCH[2]} rest=${BASH_REMATCH[3]}
+      options+=" $name"
+      [[ $rest =~ $value ]] || continue
+      kinds[$name]=${BASH_REMATCH[1]}
+      choices[$name]=${BASH_REMATCH[3]//,/ }
+      taken[$name]=1
+      [[ ! ${BASH_REMATCH[4]} =~ $several ]] || taken[$name]=${BASH_REMATCH[1]}
+    elif [[ $section == subcommands: && $line =~ ^\ +([a-z]+)(\ |$) ]]; then
+      commands+=" ${BASH_REMATCH[1]}"
+    fi
+  done < <("$program" "${path[@]}" --help 2>/dev/null)
+}
+
 _zrlconsole() {
-  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local program=${COMP_WORDS[0]} command='' operands=0 folder=() i
+  local current=${COMP_WORDS[COMP_CWORD]} program=${COMP_WORDS[0]} word='' value_of='' operands=0 i
+  local path=() folder=() options commands
+  local -A taken kinds choices
   COMPREPLY=()
 
   # The command, and how many of its operands stand before the cursor.
+  _zrlconsole_learn
   for ((i = 1; i < COMP_CWORD; i++)); do
-    case ${COMP_WORDS[i]} in
-      --folder) folder=(--folder "${COMP_WORDS[++i]}") ;;
-      --listen | --certificate | --key | --host | --filter | --limit | --comment | --expires | --period) ((++i)) ;;
-      --call) ((i += 2)) ;;
-      -*) ;;
-      *) if [[ $command ]]; then ((++operands)); else command=${COMP_WORDS[i]}; fi ;;
-    esac
+    word=${COMP_WORDS[i]}
+    if [[ $word == -* ]]; then
+      [[ $word != --folder ]] || folder=(--folder "${COMP_WORDS[i + 1]}")
+      ((i += ${taken[$word]:-0}))
+      ((i < COMP_CWORD)) || value_of=$word
+    elif [[ " $commands " == *" $word "* ]]; then
+      path+=("$word")
+      operands=0
+      _zrlconsole_learn
+    else
+      ((++operands))
+    fi
   done
 
-  case $previous in
-    --folder) _zrlconsole_files -d; return ;;
-    --certificate | --key) _zrlconsole_files -f; return ;;
-    --period) _zrlconsole_words 'day week month'; return ;;
-    --listen | --host | --call | --filter | --limit | --comment | --expires) return ;;
-  esac
-
-  if [[ ! $command ]]; then
-    _zrlconsole_words '--folder --help --version init serve pages do overview messages list lookup registry script'
-    return
-  fi
-  if [[ $current == -* ]]; then
-    case $command in
-      init) _zrlconsole_words '--sample --help' ;;
-      serve) _zrlconsole_words '--listen --certificate --key --host --require-audit --allow-root --tabs --help' ;;
-      pages) _zrlconsole_words '--json --help' ;;
-      do) _zrlconsole_words '--json --start-programs --query --help' ;;
-      overview) _zrlconsole_words '--period --json --help' ;;
-      messages) _zrlconsole_words '--since --filter --limit --json --csv --help' ;;
-      list) _zrlconsole_words '--json --filter --limit --comment --expires --overwrite --help' ;;
-      lookup) _zrlconsole_words '--dns --json --help' ;;
-      script) _zrlconsole_words '--check --call --help' ;;
-      registry) _zrlconsole_words '--help' ;;
+  if [[ $value_of ]]; then
+    case ${kinds[$value_of]} in
+      DIR) _zrlconsole_files -d ;;
+      PEM) _zrlconsole_files -f ;;
+      *) _zrlconsole_words "${choices[$value_of]}" ;;
     esac
     return
   fi
-  case $command in
-    do) ((operands > 0)) || _zrlconsole_words "$("$program" "${folder[@]}" pages 2>/dev/null | cut -f 1)" ;;
-    script) _zrlconsole_files -f ;;
-    list)
-      case $operands in
-        0) _zrlconsole_words 'show add remove import export' ;;
-        1) _zrlconsole_words "$("$program" "${folder[@]}" list 2>/dev/null | cut -d ' ' -f 1)" ;;
-        2) [[ " ${COMP_WORDS[*]} " != *' '@(import|export)' '* ]] || _zrlconsole_files -f ;;
-      esac
-      ;;
-    registry)
-      case $operands in
-        0) _zrlconsole_words 'get set delete' ;;
-        2) [[ " ${COMP_WORDS[*]} " != *' set '* ]] || _zrlconsole_words 'REG_SZ REG_DWORD' ;;
-      esac
-      ;;
+  [[ $current != -* && ${path[*]} ]] || _zrlconsole_words "$options"
+  [[ $current != -* ]] || return
+  ((operands > 0)) || _zrlconsole_words "$commands"
+  case ${path[*]}:$operands in
+    do:0) _zrlconsole_words "$("$program" "${folder[@]}" pages 2>/dev/null | cut -f 1)" ;;
+    script:*) _zrlconsole_files -f ;;
+    list\ *:0) _zrlconsole_words "$("$program" "${folder[@]}" list 2>/dev/null | cut -d ' ' -f 1)" ;;
+    list\ import:1 | list\ export:1) _zrlconsole_files -f ;;
+    registry\ set:1) _zrlconsole_words 'REG_SZ REG_DWORD' ;;
   esac
 }
 
