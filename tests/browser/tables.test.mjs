@@ -78,6 +78,64 @@ test('short tables sort, show each kind as it is, and lead on', async () => {
   await table.getByText('Minutes').waitFor()
 })
 
+test('columns are as wide as people make them, by mouse and keyboard', async () => {
+  const table = grid('Mails')
+  const widths = () => table.locator('.table-head .table-cell').evaluateAll(cells => cells.map(cell => cell.getBoundingClientRect().width))
+  const lines = () =>
+    table.locator('.table-line').evaluateAll(rows => rows.map(row => [row.getBoundingClientRect().top, row.getBoundingClientRect().height]))
+  const sum = list => list.reduce((all, width) => all + width, 0)
+  const about = (value, expected, what) => assert.ok(Math.abs(value - expected) < 1.5, `${what}: ${value}, not ${expected}`)
+  const edge = name => table.getByRole('separator', { name: `Width of the column ${name}` })
+  const before = await widths()
+  const rows = await lines()
+
+  const { x, y, width } = await edge('Verdict').boundingBox()
+  await page.mouse.move(x + width / 2, y + 5)
+  await page.mouse.down()
+  await page.mouse.move(x + width / 2 + 30, y + 5, { steps: 3 })
+  await page.mouse.up()
+  const dragged = await widths()
+  about(dragged[1], before[1] + 30, 'the column that was dragged')
+  about(dragged[2], before[2] - 30, 'the one behind it')
+  about(sum(dragged), sum(before), 'the table')
+  for (const place of [0, 3, 4]) about(dragged[place], before[place], `column ${place}`)
+  assert.deepEqual(await lines(), rows)
+  // The cells stand below their heads.
+  const cells = await table.locator('.table-line').first().locator('.table-cell').evaluateAll(list => list.map(cell => cell.getBoundingClientRect().width))
+  cells.forEach((cell, place) => about(cell, dragged[place], `cell ${place}`))
+
+  await edge('Time').focus()
+  await page.keyboard.press('ArrowDown')
+  await page.keyboard.press('ArrowLeft')
+  await page.keyboard.press('Shift+ArrowLeft')
+  const told = now => table.locator(`[role=separator][aria-label$=" Verdict"][aria-valuenow="${Math.round(now)}"]`).waitFor()
+  await told(dragged[1] - 60)
+  about((await widths())[1], dragged[1] - 60, 'by the arrow keys')
+  await page.keyboard.press('Home')
+  await told(48)
+  about((await widths())[1], 48, 'the least width')
+  await picture(page, 'columns')
+
+  // As wide as it needs to be.
+  await edge('Verdict').dblclick()
+  await table.locator('[role=separator][aria-label$=" Verdict"]:not([aria-valuenow="48"])').waitFor()
+  const fitted = await table.locator('.verdict').evaluateAll(list => list.every(badge => badge.scrollWidth <= badge.parentElement.clientWidth))
+  assert.ok(fitted && (await widths())[1] > 60 && (await widths())[1] < 200, String(await widths()))
+
+  // Remembered for this table alone, on this device.
+  const kept = await widths()
+  await page.reload()
+  await table.getByText('Minutes').waitFor()
+  ;(await widths()).forEach((value, place) => about(value, kept[place], `column ${place} after a reload`))
+  assert.equal(await page.evaluate(() => Object.keys(localStorage).filter(key => key.startsWith('columns ')).join()), 'columns tables Table1')
+  // A narrower window squeezes the texts, and nothing is cut off at its end.
+  await page.setViewportSize({ width: 1000, height: 900 })
+  await page.waitForTimeout(200)
+  const narrow = await table.locator('.table-head').evaluate(head => [head.scrollWidth, head.clientWidth])
+  assert.ok(narrow[0] <= narrow[1], String(narrow))
+  await page.setViewportSize({ width: 1440, height: 900 })
+})
+
 test('an address with a query can be kept', async () => {
   await page.evaluate(() => (location.hash = '#/tables/4711'))
   await page.getByText('Opened with 4711').waitFor()

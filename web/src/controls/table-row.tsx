@@ -103,7 +103,6 @@ interface LineProps {
   position: number
   height: number
   columns: readonly ShownColumn[]
-  template: string
   cards: boolean
   row: TableRow | undefined
   chosen: boolean
@@ -111,7 +110,7 @@ interface LineProps {
   onChoose: (event: MouseEvent) => void
 }
 
-export function TableLine({ id, position, height, columns, template, cards, row, chosen, active, onChoose }: LineProps) {
+export function TableLine({ id, position, height, columns, cards, row, chosen, active, onChoose }: LineProps) {
   const cell = ({ column, index }: ShownColumn, place: number) => (
     <div
       key={column.name}
@@ -138,7 +137,7 @@ export function TableLine({ id, position, height, columns, template, cards, row,
       aria-rowindex={position + 2}
       aria-selected={chosen}
       class={`table-line${cards ? ' card' : ''}${active ? ' active' : ''}`}
-      style={cards ? { height: `${height}px` } : { height: `${height}px`, gridTemplateColumns: template }}
+      style={{ height: `${height}px` }}
       {...choosingByPress(event => {
         // A link is followed; the row stays as it is.
         if (!(event.target instanceof Element && event.target.closest('a'))) onChoose(event)

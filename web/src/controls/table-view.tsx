@@ -1,11 +1,13 @@
 import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks'
 import { messages } from '../i18n'
 import type { ControlModel } from '../model/form'
+import { templateOf } from '../model/columns'
 import { coarse } from '../model/preferences'
 import type { TableModel } from '../model/table'
 import { Icon } from '../parts/icon'
 import { toasts } from '../state/app-state'
 import type { Column } from '../wire/protocol'
+import { ColumnEdge } from './column-edge'
 import { Field, nameOf, naming } from './field'
 import { keyTarget } from './list-row'
 import { linkOf, TableLine, type ShownColumn } from './table-row'
@@ -19,22 +21,9 @@ const wideWidth = 1200
 const lineHeight = (): number => (coarse.value ? 44 : 32)
 const cardHeight = (): number => (coarse.value ? 76 : 60)
 
-const widths = {
-  time: '13.5rem',
-  verdict: '7rem',
-  number: '6.5rem',
-  address: '9rem',
-  word: '7rem',
-  severity: '8rem',
-  check: '5.5rem',
-  page: '10rem',
-  text: 'minmax(0, 1fr)',
-} as const
 /** The least width, in pixels, at which a column can be read. */
 const leastWidths = { time: 215, verdict: 105, number: 90, address: 130, word: 100, severity: 110, check: 80, page: 120, text: 110 } as const
 const leastWidth = (columns: readonly ShownColumn[]): number => columns.reduce((sum, { column }) => sum + leastWidths[column.kind], 0)
-
-const templateOf = (columns: readonly ShownColumn[]): string => columns.map(({ column }) => widths[column.kind]).join(' ')
 
 /** The order that a click on the column's head asks for: rising, then falling, then the table's own. */
 export function nextSort(sort: string, column: Column): string {
@@ -43,18 +32,19 @@ export function nextSort(sort: string, column: Column): string {
   return sort === first ? second : sort === second ? '' : first
 }
 
-function Head({ control, columns, template }: { control: ControlModel; columns: readonly ShownColumn[]; template: string }) {
+function Head({ control, columns, edges }: { control: ControlModel; columns: readonly Column[]; edges: boolean }) {
   const { sort = '', enabled } = control.shown.value
   const m = messages.value
   return (
-    <div role="row" aria-rowindex={1} class="table-head" style={{ gridTemplateColumns: template }}>
-      {columns.map(({ column }, place) => {
+    <div role="row" aria-rowindex={1} class="table-head">
+      {columns.map((column, place) => {
         const order = sort === column.name ? 'ascending' : sort === `${column.name} desc` ? 'descending' : undefined
         return (
           <div
             key={column.name}
             role="columnheader"
             aria-colindex={place + 1}
+            aria-label={column.caption}
             aria-sort={column.sorts ? (order ?? 'none') : undefined}
             class={`table-cell kind-${column.kind}`}
           >
@@ -73,6 +63,7 @@ function Head({ control, columns, template }: { control: ControlModel; columns: 
             ) : (
               <span>{column.caption}</span>
             )}
+            {edges && place + 1 < columns.length && <ColumnEdge table={control.table as TableModel} columns={columns} place={place} />}
           </div>
         )
       })}
@@ -155,9 +146,12 @@ export function TableView({ control }: { control: ControlModel }) {
   const major = all.filter(({ column }) => !column.minor)
   const cards = width < leastWidth(major)
   const columns = !cards && width >= leastWidth(all) ? all : major
-  const template = templateOf(columns)
+  const template = templateOf(
+    columns.map(({ column }) => column),
+    table.widths.value,
+  )
   // Cards have no columns to name: only what orders them is left.
-  const heads = cards ? columns.filter(({ column }) => column.sorts) : columns
+  const heads = columns.flatMap(({ column }) => (!cards || column.sorts ? [column] : []))
   const rowHeight = cards ? cardHeight() : lineHeight()
 
   useEffect(() => {
@@ -277,7 +271,13 @@ export function TableView({ control }: { control: ControlModel }) {
         </span>
       }
     >
-      <div ref={frame} class="list-frame table-frame" data-filtering={table.stale ? '' : undefined} data-cards={cards ? '' : undefined}>
+      <div
+        ref={frame}
+        class="list-frame table-frame"
+        data-filtering={table.stale ? '' : undefined}
+        data-cards={cards ? '' : undefined}
+        style={{ '--columns': template }}
+      >
         {shown.filters && shown.filterField === undefined && <TableFilter control={control} />}
         {table.problem !== '' && (
           <p class="table-problem" role="alert">
@@ -291,7 +291,7 @@ export function TableView({ control }: { control: ControlModel }) {
             count={count}
             rowHeight={rowHeight}
             onRange={(from, to) => table.show(from, to < from ? from : to)}
-            head={heads.length > 0 && <Head control={control} columns={heads} template={template} />}
+            head={heads.length > 0 && <Head control={control} columns={heads} edges={!cards} />}
             headHeight={heads.length > 0 ? lineHeight() : 0}
             id={control.id}
             class="list-rows table-rows"
@@ -313,7 +313,6 @@ export function TableView({ control }: { control: ControlModel }) {
                   position={position}
                   height={rowHeight}
                   columns={columns}
-                  template={template}
                   cards={cards}
                   row={row}
                   chosen={row !== undefined && chosen.has(row.key)}

@@ -209,6 +209,8 @@ export const de: Messages = {
   open: 'Offen',
   verdicts: { rejected: 'Abgewiesen', allowed: 'Erlaubt', neutral: 'Neutral' },
   sortBy: (column: string): string => `Nach ${column} ordnen`,
+  columnWidth: (column: string): string => `Breite der Spalte ${column}`,
+  columnWidthTip: 'Die Kante ziehen oder die Pfeiltasten benutzen; ein Doppelklick passt die Spalte ihrem Inhalt an',
   rowCount: (count: number, more: boolean): string => (more ? `mehr als ${plural(count, 'Zeile', 'Zeilen')}` : plural(count, 'Zeile', 'Zeilen')),
   noRows: 'Keine Zeilen',
   lookUp: 'Nachschlagen',

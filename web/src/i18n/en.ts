@@ -211,6 +211,8 @@ export const en = {
   open: 'Open',
   verdicts: { rejected: 'Rejected', allowed: 'Allowed', neutral: 'Neutral' },
   sortBy: (column: string): string => `Order by ${column}`,
+  columnWidth: (column: string): string => `Width of the column ${column}`,
+  columnWidthTip: 'Drag the edge, or use the arrow keys; a double click fits the column to what it holds',
   rowCount: (count: number, more: boolean): string => (more ? `more than ${plural(count, 'row', 'rows')}` : plural(count, 'row', 'rows')),
   noRows: 'No rows',
   lookUp: 'Look up',

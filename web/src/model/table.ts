@@ -1,5 +1,6 @@
 import { signal } from '@preact/signals'
 import type { CellsMessage, PlainMessage, TableRow } from '../wire/protocol'
+import { recallWidths, rememberWidths, type Widths } from './columns'
 
 const windowSize = 100
 const longestWindow = 500
@@ -34,6 +35,8 @@ export class TableModel {
   readonly version = signal(0)
   /** By how many rows the view has to move so that the rows on it stay where they are; whoever moves it sets it to 0. */
   readonly moved = signal(0)
+  /** What people have made of the columns, here or before on this device. */
+  readonly widths = signal<Widths>({})
   length = 0
   /** There are more rows than `length`. */
   more = false
@@ -55,6 +58,15 @@ export class TableModel {
     this.control = control
     this.send = send
     this.revision = revision
+    this.widths.value = recallWidths(form, control)
+  }
+
+  resize(widths: Widths): void {
+    this.widths.value = { ...this.widths.peek(), ...widths }
+  }
+
+  keepWidths(): void {
+    rememberWidths(this.form, this.control, this.widths.peek())
   }
 
   row(position: number): TableRow | undefined {
