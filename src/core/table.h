@@ -47,6 +47,11 @@ class Table : public CaptionedControl {
   bool filters() const { return filters_; }
   const TextField* filter_field() const { return filter_field_; }
 
+  // What hosts say where the table has no rows, though nothing filters it: English, and not copied, a
+  // literal.
+  void set_empty_text(std::string_view text) { empty_text_ = text; }
+  std::string_view empty_text() const { return empty_text_; }
+
   // The order: the name of a column with " desc" behind it if it falls; empty for the source's own. Setting
   // an unknown column raises error 380.
   const std::string& sort() const { return sort_; }
@@ -100,6 +105,7 @@ class Table : public CaptionedControl {
   std::vector<std::string> captions_;
   RowSource* source_ = nullptr;
   TextField* filter_field_ = nullptr;
+  std::string_view empty_text_;
   bool filters_ = false;
   std::string sort_;
   Order order_;

@@ -54,6 +54,10 @@ json::array chosen_json(const Table& table) {
 void add_table(const Table& table, json::object& object) {
   object["columns"] = columns_json(table);
   object["filters"] = table.filters();
+  if (!table.empty_text().empty()) {
+    Localisation& localisation = table.form().console().localisation();
+    object["empty"] = to_json(std::string_view(localisation.translate(table.empty_text())));
+  }
   if (table.filter_field() != nullptr) object["filterField"] = table.filter_field()->name();
   object["rows"] = rows_json(table);
   object["sort"] = table.sort();

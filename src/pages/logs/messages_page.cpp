@@ -50,6 +50,9 @@ MessagesPage::MessagesPage(Console& console) : Page(console, "messages", "Messag
     field->on_change = [this] { choose(); };
   }
   rows.set_filters(filter);
+  rows.set_empty_text("Nothing was logged in this period");
+  details.set_empty_text("Choose a row to see all of it here");
+  related.set_empty_text("Nothing else of the chosen row's client and sender");
   rows.on_choose = [this] { show_chosen(); };
   Timer1.on_tick = [this] { tick(); };
 

@@ -193,7 +193,8 @@ PopConfigPage::Turn PopConfigPage::compare(const std::string& entry) {
 
   const Answer answer = ask_about_newer(entry, newer);
   if (answer == Answer::cancel) {
-    failed(Kind::sql, "not stored: " + entry, "somebody else has stored other values meanwhile", Step::write);
+    failed(Kind::sql, "not stored: " + entry, "somebody else has stored another value meanwhile",
+           Step::write);
     return Turn::not_decided;
   }
   for (const std::size_t i : disputed) {

@@ -64,6 +64,11 @@ LookupPage::LookupPage(Console& console) : Page(console, "lookup", "Look up") {
   save_note.on_click = [this] { save_notes(); };
   bind_busy(ask_dns, &LookupPage::ask_dns_servers);
 
+  entries.set_empty_text("No entry of a list touches what is looked up");
+  counts.set_empty_text("The logs have no rows of it");
+  log.set_empty_text("The logs have no rows of it");
+  dns.set_empty_text("The DNS has not been asked");
+
   look.set_primary();
   for (Button* button : {&look, &add, &remove, &save_note, &ask_dns}) button->set_needs({&what});
 

@@ -26,6 +26,10 @@ OverviewPage::OverviewPage(Console& console) : Page(console, "overview", "Overvi
   period.on_click = [this] { count(); };
   mails.on_click = [this] { open_mark(); };
   Timer1.on_tick = [this] { refresh(); };
+  attention.set_empty_text("Nothing needs an eye");
+  reasons.set_empty_text("No reasons were logged in this period");
+  clients.set_empty_text("No clients were logged in this period");
+  domains.set_empty_text("No senders were logged in this period");
 
   set_layout(column({
       row({period, service}),

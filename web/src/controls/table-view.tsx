@@ -323,7 +323,7 @@ export function TableView({ control }: { control: ControlModel }) {
             }}
           />
           {table.known && count === 0 && table.problem === '' && (
-            <p class="list-empty">{filtered ? m.noMatch : m.noRows}</p>
+            <p class="list-empty">{filtered ? m.noMatch : (shown.empty ?? m.noRows)}</p>
           )}
           {!table.known && <p class="list-empty">{m.loading}</p>}
         </div>

@@ -163,6 +163,8 @@ export interface Control {
   filters?: boolean
   /** The field of the form in which people type the filter; without one, the table has its own. */
   filterField?: string
+  /** What to say where a table has no rows and nothing filters it. */
+  empty?: string
   chosen?: string[]
   /** Of a link. */
   page?: string
