@@ -74,6 +74,8 @@ export class ChartDrawing {
     const colour = this.colours()
     const { chart } = this
     const { options, data } = chart
+    // Numbers beside an empty drawing would only be made up.
+    const empty = drawing.series.every(({ values }) => values.every(value => value === 0))
     options.locale = drawing.locale
     options.font = { family: getComputedStyle(this.canvas).fontFamily, size: 12 }
     options.color = colour('--text-2')
@@ -86,8 +88,8 @@ export class ChartDrawing {
         // Without numbers the scale still has a height.
         suggestedMax: 4,
         border: { display: false },
-        grid: { color: colour('--border') },
-        ticks: { color: colour('--text-2'), precision: 0, maxTicksLimit: 6 },
+        grid: { color: colour('--border'), display: !empty },
+        ticks: { display: !empty, color: colour('--text-2'), precision: 0, maxTicksLimit: 6 },
       },
     }
     Object.assign(options.plugins?.tooltip ?? {}, {

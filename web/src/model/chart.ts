@@ -4,13 +4,13 @@ import type { ChartSeries, Tone } from '../wire/protocol'
 export function colourOf(tone: Tone): string {
   switch (tone) {
     case 'good':
-      return '--chart-good'
+      return '--allowed'
     case 'bad':
-      return '--chart-bad'
+      return '--rejected'
     case 'waiting':
-      return '--chart-waiting'
+      return '--series-5'
     case 'plain':
-      return '--chart-plain'
+      return '--neutral'
   }
 }
 
