@@ -170,7 +170,9 @@ void MessagesPage::show_chosen() {
     for (std::size_t i = 0; i < rows.columns().size(); ++i) {
       const Column& column = rows.columns()[i];
       if (row.cell_at(0, i).empty()) continue;
-      shown.row(column.name).cell(lower(column.caption)).cell(row.cell_at(0, i));
+      const bool is_word = column.kind == ColumnKind::word || column.kind == ColumnKind::verdict;
+      const std::string text(row.cell_at(0, i));
+      shown.row(column.name).cell(lower(column.caption)).cell(is_word ? translate(text) : text);
       if (!column.page.empty()) shown.link(column.page, row.cell_at(0, i));
     }
     show_mail_of(row, shown);

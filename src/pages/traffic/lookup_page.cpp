@@ -77,7 +77,7 @@ LookupPage::LookupPage(Console& console) : Page(console, "lookup", "Look up") {
       verdict,
       grow(entries),
       frame(change_frame, row({list, grow(comment), expires, add, remove, save_note})),
-      grow(row({counts, grow(log)})),
+      grow(row({grow(counts), grow(log)})),
       row({ask_dns, messages}),
       dns,
   }));

@@ -27,9 +27,9 @@ OverviewPage::OverviewPage(Console& console) : Page(console, "overview", "Overvi
   mails.on_click = [this] { open_mark(); };
   Timer1.on_tick = [this] { refresh(); };
   attention.set_empty_text("Nothing needs an eye");
-  reasons.set_empty_text("No reasons were logged in this period");
-  clients.set_empty_text("No clients were logged in this period");
-  domains.set_empty_text("No senders were logged in this period");
+  reasons.set_empty_text("No reasons in this period");
+  clients.set_empty_text("No clients in this period");
+  domains.set_empty_text("No senders in this period");
 
   set_layout(column({
       row({period, service}),

@@ -50,14 +50,14 @@ const isSeverity = (text: string): text is Severity => text in severityIcons
 /** "20260901081500" as people read it where its time is not known otherwise. */
 const exactTime = (text: string): string => text.replace(/^(\d{4})(\d\d)(\d\d)(\d\d)(\d\d)(\d\d)$/, '$1-$2-$3 $4:$5:$6')
 
-function Content({ column, cell }: { column: Column; cell: Cell | undefined }) {
+function Content({ column, cell, brief }: { column: Column; cell: Cell | undefined; brief: boolean }) {
   const m = messages.value
   const text = textOf(cell)
   if (column.kind === 'time') {
     const at = typeof cell === 'object' ? cell.at : undefined
     return (
-      <time class="cell-text" title={exactTime(text)}>
-        {at === undefined ? visibleText(text, longestCell) : m.time(at)}
+      <time class="cell-text" title={brief && at !== undefined ? m.time(at) : exactTime(text)}>
+        {at === undefined ? visibleText(text, longestCell) : brief ? m.briefTime(at) : m.time(at)}
       </time>
     )
   }
@@ -125,7 +125,8 @@ export function TableLine({ id, position, height, columns, cards, row, chosen, a
         event.currentTarget.title = inner.scrollWidth > inner.clientWidth ? visibleText(readableText(column, row?.cells[index]), longestTitle) : ''
       }}
     >
-      {row === undefined ? <span class="row-waiting" /> : <Content column={column} cell={row.cells[index]} />}
+      {cards && column.kind === 'number' && <span class="card-caption">{column.caption}</span>}
+      {row === undefined ? <span class="row-waiting" /> : <Content column={column} cell={row.cells[index]} brief={cards} />}
     </div>
   )
   const part = (texts: boolean) =>

@@ -1,12 +1,13 @@
 import type { Step } from '../model/toast-text'
 import type { UploadFailureCode } from '../wire/protocol'
 import type { Messages } from './en'
-import { clockForm, clockLanguage } from './clock'
+import { briefForm, clockForm, clockLanguage } from './clock'
 import { sizeText } from './size'
 import { timeText } from './time'
 
 const number = new Intl.NumberFormat('de')
 const time = new Intl.DateTimeFormat(clockLanguage('de'), clockForm)
+const briefTime = new Intl.DateTimeFormat(clockLanguage('de'), briefForm)
 const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
 
 const counted = (kind: Step['kind'], count: number): string => {
@@ -86,7 +87,7 @@ export const de: Messages = {
   skipToContent: 'Zum Inhalt springen',
   loading: 'Wird geladen…',
   chartAsTable: 'Als Tabelle',
-  chartEmpty: 'Nichts in dieser Zeit',
+  chartEmpty: 'Nichts in diesem Zeitraum',
   chartLabel: 'Zeit',
   menu: 'Menü',
   closeMenu: 'Menü schließen',
@@ -203,6 +204,8 @@ export const de: Messages = {
   emptyList: 'Keine Einträge',
   emptyListDrop: 'Keine Einträge. Fügen Sie einen hinzu, oder legen Sie eine Textdatei hier ab.',
   noMatch: 'Nichts passt zum Filter',
+  /** Where there is little room; the exact time is told beside it. */
+  briefTime: (seconds: number): string => briefTime.format(seconds * 1000),
   time: (seconds: number): string => time.format(seconds * 1000),
   severities: { bad: 'Dringend', warning: 'Warnung', unknown: 'Unbekannt' },
   done: 'Erledigt',

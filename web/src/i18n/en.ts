@@ -2,12 +2,13 @@ import type { Refusal } from '../model/session'
 import type { Step, Summary } from '../model/toast-text'
 import type { UploadProblem } from '../model/uploads'
 import type { FailureCode, UploadFailureCode } from '../wire/protocol'
-import { clockForm, clockLanguage } from './clock'
+import { briefForm, clockForm, clockLanguage } from './clock'
 import { sizeText } from './size'
 import { timeText } from './time'
 
 const number = new Intl.NumberFormat('en')
 const time = new Intl.DateTimeFormat(clockLanguage('en'), clockForm)
+const briefTime = new Intl.DateTimeFormat(clockLanguage('en'), briefForm)
 const plural = (count: number, one: string, many: string): string => `${number.format(count)} ${count === 1 ? one : many}`
 
 const counted = (kind: Step['kind'], count: number): string => {
@@ -116,7 +117,7 @@ export const en = {
   skipToContent: 'Skip to the page',
   loading: 'Loading…',
   chartAsTable: 'As a table',
-  chartEmpty: 'Nothing in this time',
+  chartEmpty: 'Nothing in this period',
   chartLabel: 'Time',
   menu: 'Menu',
   closeMenu: 'Close the menu',
@@ -205,6 +206,8 @@ export const en = {
   emptyList: 'No entries',
   emptyListDrop: 'No entries. Add one, or drop a text file here.',
   noMatch: 'Nothing matches the filter',
+  /** Where there is little room; the exact time is told beside it. */
+  briefTime: (seconds: number): string => briefTime.format(seconds * 1000),
   time: (seconds: number): string => time.format(seconds * 1000),
   severities: { bad: 'Urgent', warning: 'Warning', unknown: 'Unknown' },
   done: 'Done',
