@@ -7,6 +7,7 @@
 
 #include "core/contracts/console_folder.h"
 #include "core/list_changes.h"
+#include "core/text/ascii.h"
 #include "core/text/error.h"
 #include "core/text/text.h"
 #include "core/text/time_stamp.h"
@@ -32,6 +33,8 @@ std::int64_t seconds_now(Console& console) {
 constexpr Sentence marked_neutral{"%1 addresses taken off the lists and marked neutral",
                                   "Addresses not marked neutral",
                                   "1 address taken off the lists and marked neutral"};
+constexpr std::string_view may_be_pattern =
+    "Left out, because it may stand for more than it says. Type it on the page of the list if that is meant.";
 constexpr Sentence rows_exported{"Rows exported to %1", "Rows not exported"};
 
 // A word of a query has no blank: there a T stands between day and time, as in ISO 8601. Fields show a blank.
@@ -39,6 +42,20 @@ std::string time_of_query(std::string text) {
   constexpr std::size_t day_size = std::string_view("2026-01-31").size();
   if (text.size() > day_size && text[day_size] == 'T') text[day_size] = ' ';
   return text;
+}
+
+// Logged texts are strangers'. One that a list would read as a pattern, or that no statement can hold, is no
+// entry.
+bool is_plain(std::string_view text) {
+  const std::size_t at = text.find('@');
+  const std::string_view domain = at == text.npos ? text : text.substr(at + 1);
+  const auto is_odd = [](char c) {
+    return is_control(c) || std::string_view(" *'\"@,;").find(c) != text.npos;
+  };
+  return at != 0 && std::ranges::none_of(text.substr(0, at), is_odd) &&
+         std::ranges::none_of(domain, is_odd) && std::ranges::any_of(domain, [](char c) {
+           return is_letter_or_digit(c) || static_cast<unsigned char>(c) > 127;
+         });
 }
 
 }  // namespace
@@ -108,7 +125,7 @@ void MessagesPage::open_query(std::string_view query) {
   const auto* terms = std::get_if<std::vector<FilterTerm>>(&parsed);
   std::string words;
   if (terms == nullptr) words = query;  // the filter says what is wrong with it
-  for (FilterTerm& term : terms == nullptr ? std::vector<FilterTerm>() : *terms) {
+  for (const FilterTerm& term : terms == nullptr ? std::vector<FilterTerm>() : *terms) {
     ComboBox* box = nullptr;
     if (term.field == "period") box = &period;
     if (term.field == "kind") box = &kind;
@@ -116,9 +133,9 @@ void MessagesPage::open_query(std::string_view query) {
     if (box != nullptr && box->items().find(lower(term.value)) < box->items().size()) {
       box->set_text(lower(term.value));
     } else if (term.field == "since") {
-      since.set_text(time_of_query(std::move(term.value)));
+      since.set_text(time_of_query(term.value));
     } else if (term.field == "until") {
-      until.set_text(time_of_query(std::move(term.value)));
+      until.set_text(time_of_query(term.value));
     } else {
       words += (words.empty() ? "" : " ") + filter_term(term.field, term.value);
     }
@@ -251,8 +268,11 @@ void MessagesPage::change_lists(const ListTable& list, const StringList& entries
   std::string refused;
   if (entries.empty()) refused = translate("The chosen rows have nothing that could be put on this list.");
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    const EntryChange change = add_entry(*this, console(), list, entries[i]);
-    say_addition(*this, list, entries[i], change);
+    EntryChange change{.entry = std::string(entries[i]), .reason = std::string(may_be_pattern)};
+    if (is_plain(entries[i])) {
+      change = add_entry(*this, console(), list, entries[i]);
+      say_addition(*this, list, entries[i], change);
+    }
     if (change.state != EntryChange::State::refused || refused.size() > 1000) continue;
     refused += (refused.empty() ? "" : "\n") + std::string(entries[i]) + ": " + translate(change.reason);
   }

@@ -232,6 +232,39 @@ TEST_F(MessagesPageTest, ActsWorkOnAllChosenRows) {
   EXPECT_TRUE(page.rows.chosen().empty());
 }
 
+// One click on the rows of a spammer must not block all mail, or take a partner off the white list.
+TEST_F(MessagesPageTest, PatternsOfStrangersAreNoEntries) {
+  fill();
+  execute("INSERT INTO whitelist (entry) VALUES ('example.com')");
+  MessagesPage& page = shown();
+  const auto click = [&](Button& act, const std::string& sender) {
+    execute("UPDATE predatalog SET mailfrom='" + sender + "' WHERE ID=1");
+    page.rows.user_choose_keys({"h1"});
+    act.user_click();
+  };
+  for (const char* sender : {"*@*", "@*", "@sum(1)", "u@.", "a b@example.com", "o''brien@example.com"}) {
+    click(page.block_sender, sender);
+    click(page.allow_sender, sender);
+  }
+  for (const char* sender : {"*@*", "u@.", "a@b c", "a@*.example.com"}) click(page.block_domain, sender);
+  EXPECT_THAT(rows("blackmail", "entry"), IsEmpty());
+  EXPECT_THAT(rows("whitemail", "entry"), IsEmpty());
+  EXPECT_THAT(rows("blacklist", "entry"), IsEmpty());
+  EXPECT_THAT(rows("whitelist", "entry"), ElementsAre("example.com"));
+}
+
+TEST_F(MessagesPageTest, ATimeThatCannotBeSaidAgainHidesNoOtherRow) {
+  fill();
+  execute("INSERT INTO iplog (IPNumber, status, servertime) VALUES ('192.0.2.9', 2, '~''a')");
+  MessagesPage& page = shown();
+  const auto before = keys(page.rows);
+  page.rows.read(0, 1);
+  EXPECT_EQ(page.rows.read(1, 1).size(), 1U);
+  EXPECT_EQ(page.rows.problem(), "");
+  EXPECT_THAT(before, testing::Not(testing::Contains("c3")));
+  EXPECT_GT(before.size(), 3U);
+}
+
 TEST_F(MessagesPageTest, NewRowsAppearAtTheTopWhenFollowed) {
   fill();
   MessagesPage& page = shown();
