@@ -38,13 +38,15 @@ export function ColumnEdge({ table, columns, place }: Props) {
   const drag = useRef<{ x: number; widths: number[] } | null>(null)
   /** What was asked for and has not been drawn yet: held keys come faster. */
   const pending = useRef<number[] | null>(null)
+  const asked = useRef(0)
+  const drawn = asked.current
   const m = messages.value
 
   // The frame around has the new widths only when all of this has been drawn.
   useEffect(() => {
     const head = element.current && headOf(element.current)
     if (!head || !element.current) return
-    pending.current = null
+    if (drawn === asked.current) pending.current = null
     const widths = widthsOf(head)
     const now = widths[place] ?? 0
     const most = moved(widths, place, Number.MAX_SAFE_INTEGER)[place] ?? now
@@ -56,6 +58,7 @@ export function ColumnEdge({ table, columns, place }: Props) {
     if (by === 0) return
     const result = moved(widths, place, by)
     pending.current = result
+    ++asked.current
     table.resize(Object.fromEntries(columns.map((column, at) => [column.name, result[at] ?? 0])))
   }
   const move = (by: number): void => {
