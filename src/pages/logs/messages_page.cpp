@@ -50,7 +50,7 @@ bool is_plain(std::string_view text) {
   const std::size_t at = text.find('@');
   const std::string_view domain = at == text.npos ? text : text.substr(at + 1);
   const auto is_odd = [](char c) {
-    return is_control(c) || std::string_view(" *'\"@,;").find(c) != text.npos;
+    return is_control(c) || std::string_view(" *'\"@,;").find(c) != std::string_view::npos;
   };
   return at != 0 && std::ranges::none_of(text.substr(0, at), is_odd) &&
          std::ranges::none_of(domain, is_odd) && std::ranges::any_of(domain, [](char c) {
