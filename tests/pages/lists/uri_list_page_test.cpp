@@ -44,7 +44,7 @@ TEST_F(UriListPageTest, TheTestTellsWhichDomainsAreListed) {
   test::DnsEnvironment dns;
   dns.server.add("spam.test.uri.test A 127.0.0.2");
   insert("surblserver", "entry", {"uri.test"});
-  dns.server.set_manner({.delay = std::chrono::milliseconds(20)});
+  dns.server.set_manner({.delay = std::chrono::milliseconds(300)});
   UriListPage& page = shown();
   EXPECT_EQ(result_of(page, "<a href=\"http://www.spam.test/\">x</a>"), "spam.test is listed in uri.test");
   host.on_wait = [&] {
