@@ -42,17 +42,32 @@ export function ColumnEdge({ table, columns, place }: Props) {
   const drawn = asked.current
   const m = messages.value
 
-  // The frame around has the new widths only when all of this has been drawn.
-  useEffect(() => {
+  const tell = (): void => {
     const head = element.current && headOf(element.current)
     if (!head || !element.current) return
-    if (drawn === asked.current) pending.current = null
     const widths = widthsOf(head)
     const now = widths[place] ?? 0
     const most = moved(widths, place, Number.MAX_SAFE_INTEGER)[place] ?? now
     element.current.setAttribute('aria-valuenow', String(Math.round(now)))
     element.current.setAttribute('aria-valuemax', String(Math.round(most)))
+  }
+  useEffect(() => {
+    tell()
+    // A busy browser lays the columns out some frames later.
+    const frame = requestAnimationFrame(() =>
+      requestAnimationFrame(() => {
+        if (drawn === asked.current) pending.current = null
+      }),
+    )
+    return () => cancelAnimationFrame(frame)
   })
+  useEffect(() => {
+    const head = element.current?.closest('[role=columnheader]')
+    if (!head) return undefined
+    const observer = new ResizeObserver(tell)
+    observer.observe(head)
+    return () => observer.disconnect()
+  }, [])
 
   const put = (widths: readonly number[], by: number): void => {
     if (by === 0) return
