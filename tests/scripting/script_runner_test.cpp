@@ -164,7 +164,7 @@ TEST_F(ScriptRunnerTest, LeavesNoTransactionBehind) {
 TEST_F(ScriptRunnerTest, BoxesGoToTheHostAndAreCounted) {
   put("ask", "AV", 1, 1, returning("ask", "MsgBox(input, 4 + 32, \"Title\")"));
   put("flood", "BODY", 1, 1,
-      "Function flood(input)\nFor i = 1 To 1000: MsgBox String(100000, \"x\"): Next\nflood = 1\nEnd "
+      "Function flood(input)\nFor i = 1 To 1000: MsgBox String(6000, \"x\"): Next\nflood = 1\nEnd "
       "Function");
   EXPECT_EQ(run(runner, "AV", "Really?"), 6);
   host.reply = BoxReply::cancel;
