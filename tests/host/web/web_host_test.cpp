@@ -491,7 +491,7 @@ TEST(WebHost, FilesComeAndGo) {
     connection.write(request);
   }
   const std::filesystem::path arriving = host.folder() / "upload" / ".arriving";
-  for (int i = 0; i < 100 && !std::filesystem::is_empty(arriving); ++i) std::this_thread::sleep_for(25ms);
+  for (int i = 0; i < 2400 && !std::filesystem::is_empty(arriving); ++i) std::this_thread::sleep_for(25ms);
   EXPECT_TRUE(std::filesystem::is_empty(arriving));
   EXPECT_FALSE(std::filesystem::exists(host.folder() / "upload" / "broken.txt"));
 
